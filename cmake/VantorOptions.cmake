@@ -1,0 +1,26 @@
+# Language, warnings and sanitizers, the same for every target.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_AUTOMOC ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR})
+
+set(VANTOR_SANITIZE "" CACHE STRING "Sanitizers, as the compiler names them: address,undefined or thread")
+
+add_library(vantor_options INTERFACE)
+target_compile_options(vantor_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor
+    -Woverloaded-virtual -Wcast-align -Wconversion -Wno-sign-conversion -Werror)
+target_compile_definitions(vantor_options INTERFACE QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII
+    QT_NO_KEYWORDS QT_NO_FOREACH QT_DISABLE_DEPRECATED_BEFORE=0x060400)
+target_include_directories(vantor_options INTERFACE ${PROJECT_SOURCE_DIR})
+if(VANTOR_SANITIZE)
+    target_compile_options(vantor_options INTERFACE -fsanitize=${VANTOR_SANITIZE} -fno-omit-frame-pointer
+        -fno-sanitize-recover=all)
+    target_link_options(vantor_options INTERFACE -fsanitize=${VANTOR_SANITIZE})
+endif()
+
+find_program(CCACHE ccache)
+if(CCACHE)
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+endif()

@@ -1,0 +1,24 @@
+# vantor_library(name SOURCES ... LINKS ...): one static library of the house.
+function(vantor_library name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+    add_library(${name} STATIC ${ARG_SOURCES})
+    target_link_libraries(${name} PUBLIC vantor_options ${ARG_LINKS})
+endfunction()
+
+# vantor_tests(LINKS ... [GUI]): every tst_*.cpp of this folder becomes one test of that name.
+# A test never sees the user's own bus, display or settings; tests/support makes it a home of its own.
+function(vantor_tests)
+    cmake_parse_arguments(ARG "GUI" "" "LINKS" ${ARGN})
+    get_filename_component(folder ${CMAKE_CURRENT_SOURCE_DIR} NAME)
+    file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/tst_*.cpp)
+    foreach(source ${sources})
+        get_filename_component(name ${source} NAME_WE)
+        add_executable(${name} ${source})
+        set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+        target_link_libraries(${name} PRIVATE vantor_options ${ARG_LINKS} Qt6::Test
+            $<IF:$<BOOL:${ARG_GUI}>,vantor_test_support_gui,vantor_test_support>)
+        add_test(NAME ${folder}/${name} COMMAND ${name})
+        set_tests_properties(${folder}/${name} PROPERTIES TIMEOUT 240 ENVIRONMENT
+            "QT_QPA_PLATFORM=offscreen;DBUS_SESSION_BUS_ADDRESS=disabled:;LANG=C.UTF-8;LC_ALL=C.UTF-8;QTWEBENGINE_DISABLE_SANDBOX=1")
+    endforeach()
+endfunction()

@@ -1,0 +1,8 @@
+#pragma once
+
+#include <QString>
+
+/// The text of a byte count as people read file sizes: decimal units, no fraction up to KB, one
+/// digit for MB, two above, trailing zeros dropped, rounded half away from zero; "Zero KB" for 0,
+/// "1 byte" for 1. Never localised: the size text is cut at its blank and its full stop.
+QString stringFromByteCount(qint64 bytes);

@@ -1,0 +1,90 @@
+#pragma once
+
+#include "platform/FileDescriptor.h"
+
+#include <QByteArray>
+#include <cstdint>
+#include <span>
+#include <tl/expected.hpp>
+
+/// A call's value, or the errno with which it failed.
+template <typename T> using SystemResult = tl::expected<T, int>;
+
+enum class FileKind : std::uint8_t { Unknown, Regular, Folder, Link, Other };
+
+/// What one status call brings.
+struct FileStatus
+{
+    FileKind kind = FileKind::Unknown;
+    std::uint16_t permissions = 0; ///< the mode's lower twelve bits
+    std::uint32_t owner = 0;
+    std::uint64_t size = 0; ///< bytes, as the directory listing shows it
+    std::uint64_t inode = 0;
+    std::uint64_t device = 0;
+    bool isImmutable = false; ///< by attribute: it can be neither changed nor removed
+    bool isAppendOnly = false;
+    bool isMountRoot = false;
+};
+
+/// What tells one folder or file from every other, also from one put in its place under its name:
+/// an inode number alone is reused at once.
+struct FileIdentity
+{
+    QByteArray handle; ///< the file system's own handle, with its type; empty where it gives none
+    std::uint64_t fileSystem = 0;
+    std::uint64_t device = 0; ///< valid within one boot
+    std::uint64_t inode = 0;
+    std::int64_t birthSeconds = 0; ///< 0 where the file system keeps no birth time
+    std::uint32_t birthNanoseconds = 0;
+
+    friend bool operator==(const FileIdentity &, const FileIdentity &) = default;
+};
+
+/// Who may be entered on the way down.
+enum class Descent {
+    /// Folders only, beneath the start, no link in any component, no other file system, no mount.
+    Strict,
+    /// The same, but mounts may be crossed: for the way to a folder that the user named.
+    AcrossMounts,
+};
+
+/// Every system call by which the engines and the settings writer touch the file system, behind
+/// one interface, so that tests can fail, watch or interleave each of them. Stateless; any thread.
+/// Names are single components unless said otherwise, without NUL.
+class SystemCalls
+{
+public:
+    virtual ~SystemCalls() = default;
+
+    /// Opens a folder for reading by its path relative to another open folder ("." reopens it).
+    virtual SystemResult<FileDescriptor> openFolder(int parent, const char *relativePath,
+                                                    Descent descent) const = 0;
+    /// Opens a folder by its absolute path. No component may be a link.
+    virtual SystemResult<FileDescriptor> openRoot(const char *path) const = 0;
+    /// Fills the buffer with directory records (see DirectoryRecords); 0 at the end.
+    virtual SystemResult<std::size_t> readEntries(int folder, std::span<char> buffer) const = 0;
+
+    /// The entry itself, never what a link leads to.
+    virtual SystemResult<FileStatus> status(int parent, const char *name) const = 0;
+    virtual SystemResult<FileStatus> statusOf(int descriptor) const = 0;
+    virtual SystemResult<FileIdentity> identityOf(int descriptor) const = 0;
+    /// The identity of an entry, whatever its kind; a link's own.
+    virtual SystemResult<FileIdentity> identity(int parent, const char *name) const = 0;
+    /// Whether this process may add and remove entries of the folder (write and search rights).
+    virtual bool mayChangeEntries(int folder) const = 0;
+
+    virtual SystemResult<void> removeFile(int parent, const char *name) const = 0;
+    virtual SystemResult<void> removeFolder(int parent, const char *name) const = 0;
+
+    /// Opens an existing file for reading.
+    virtual SystemResult<FileDescriptor> openFile(int parent, const char *name) const = 0;
+    /// Makes a file for writing, readable by its owner alone; an old one of the name is emptied.
+    virtual SystemResult<FileDescriptor> createFile(int parent, const char *name) const = 0;
+    virtual SystemResult<std::size_t> read(int file, std::span<char> buffer) const = 0;
+    virtual SystemResult<std::size_t> write(int file, std::span<const char> bytes) const = 0;
+    virtual SystemResult<void> sync(int descriptor) const = 0;
+    virtual SystemResult<void> rename(int parent, const char *from, const char *to) const = 0;
+};
+
+/// The calls of the system that Vantor runs on; lives as long as the process.
+const SystemCalls &hostSystemCalls();

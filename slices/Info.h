@@ -1,0 +1,86 @@
+#pragma once
+
+#include "platform/FileUrl.h"
+
+#include <QObject>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+
+/// VNTFileSizeChangedNotification: says that some slice's size was set. Lives on the main thread;
+/// post() may be called from any thread and reaches the observers there, later.
+class FileSizeChangedNotification final : public QObject
+{
+    Q_OBJECT
+
+public:
+    void post();
+
+Q_SIGNALS:
+    void posted();
+};
+
+/// One slice: a kind of content, the places that it stands for, its icon and what is known of its
+/// size. Shared between the page that makes it and the chart that shows it. The size may be asked
+/// for and set from any thread, all else belongs to the main thread.
+class Info final
+{
+public:
+    /// Measures one place, in bytes; called on the thread that asks for the size text.
+    using Measure = std::function<qint64(const FileUrl &)>;
+
+    /// What a record uses to find its size and to tell of it. A record without places needs none.
+    struct Services
+    {
+        Measure measure;
+        std::shared_ptr<FileSizeChangedNotification> notification;
+    };
+
+    static std::shared_ptr<Info> infoWithName(const QString &name, std::optional<FileUrls> fileURLs,
+                                              Services services = {});
+
+    /// `image` names a picture of the resources; without one the slice's name does. `fileSize` is a
+    /// preset size text. Nothing is measured here. Without `fileURLs` the user chooses them later.
+    Info(const QString &name, std::optional<FileUrls> fileURLs, std::optional<QString> image,
+         std::optional<QString> fileSize, Services services = {});
+
+    QString name() const { return m_name; }
+    void setName(const QString &name) { m_name = name; }
+
+    QString image() const { return m_image; }
+    void setImage(const QString &image) { m_image = image; }
+
+    std::optional<FileUrls> fileURLs() const;
+    /// Measures the new places and sets the size; the size text is the caller's to change.
+    void setFileURLs(const FileUrls &fileURLs);
+
+    /// Bytes below all places; 0 until measured.
+    qint64 fileSize() const;
+    /// Posts the notification, also when the size stays the same.
+    void setFileSize(qint64 bytes);
+
+    /// The text shown for the size. Measures on first use, which may take long: not for the main
+    /// thread. "Empty" for no bytes; nothing while there are no places and no preset text.
+    std::optional<QString> fileSizeString();
+    void setFileSizeString(std::optional<QString> text);
+
+    bool isOn() const { return m_isOn; }
+    void setIsOn(bool isOn) { m_isOn = isOn; }
+
+private:
+    qint64 measured(const FileUrls &fileURLs) const;
+
+    QString m_name;
+    QString m_image;
+    bool m_isOn = true;
+    Services m_services;
+
+    mutable std::mutex m_mutex; ///< guards what the measuring threads share with the main thread
+    std::optional<FileUrls> m_fileURLs;
+    std::optional<QString> m_fileSizeString;
+    qint64 m_fileSize = 0;
+};
+
+/// A record prints as its slice's name.
+QDebug operator<<(QDebug debug, const Info &info);

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "tests/support/ScratchEnvironment.h"
+
+#include <QCoreApplication>
+#include <QTest>
+
+/// main() of a test of code that knows no widget.
+#define VANTOR_TEST_MAIN(TestClass)                                                                \
+    int main(int argc, char **argv)                                                                \
+    {                                                                                              \
+        const ScratchEnvironment environment;                                                      \
+        QCoreApplication application(argc, argv);                                                  \
+        TestClass test;                                                                            \
+        return QTest::qExec(&test, argc, argv);                                                    \
+    }
