@@ -15,6 +15,9 @@ enum class GrantFailure {
     Foreign,    ///< run as root on a folder that is not root's
 };
 
+/// The reason's name, for logs.
+const char *nameOf(GrantFailure failure);
+
 /// The folder that a grant led to. The descriptor stays on that very folder, whatever happens to
 /// its path later; work below it starts there.
 struct GrantedFolder
