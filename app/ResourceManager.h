@@ -60,9 +60,9 @@ private:
         Run();
         ~Run();
 
-        std::mutex sourceMutex;
-        GrantSource source;
         std::once_flag once;
+        std::mutex mutex; ///< guards the rest; `home` may be read without it once `once` is done
+        GrantSource source;
         std::unique_ptr<Home> home;
     };
 
