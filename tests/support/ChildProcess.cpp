@@ -3,6 +3,7 @@
 #include <QtGlobal>
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <grp.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -22,7 +23,10 @@ bool dropRights()
     ::dup2(errorPipe, STDERR_FILENO);
     const rlimit noCore{0, 0};
     ::setrlimit(RLIMIT_CORE, &noCore);
-    qInstallMessageHandler(nullptr); // the test's own one reports to a log that the parent keeps
+    // The test framework's own handlers would write to the parent's log and print a stack trace.
+    qInstallMessageHandler(nullptr);
+    for (const int signal : {SIGABRT, SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTERM})
+        ::signal(signal, SIG_DFL);
     if (user == ChildUser::Nobody && !dropRights())
         ::_exit(kCouldNotDropRights);
     ::_exit(work());
