@@ -22,6 +22,7 @@ void inThreads(const std::function<void()> &work)
 {
     std::barrier start(kThreads);
     std::vector<std::jthread> threads;
+    threads.reserve(kThreads);
     for (int i = 0; i < kThreads; ++i) {
         threads.emplace_back([&] {
             start.arrive_and_wait();
