@@ -1,6 +1,7 @@
 #pragma once
 
 #include "chart/ArcAnimation.h"
+#include "chart/ChartPlane.h"
 #include "chart/PieChartDataSource.h"
 #include "chart/PieChartDelegate.h"
 #include "chart/SliceLayer.h"
@@ -51,11 +52,11 @@ public:
     void setAnimationSpeed(double seconds) { m_animationSpeed = seconds; }
 
     /// Outer radius of every slice; at first half of the widget's smaller side.
-    double pieRadius() const { return m_pieRadius; }
+    double pieRadius() const;
     void setPieRadius(double radius);
 
     /// How far from the centre the labels sit; at first a quarter of the widget's smaller side.
-    double infoRadius() const { return m_infoRadius; }
+    double infoRadius() const;
     void setInfoRadius(double radius);
 
     void setCenter(QPointF center) override;
@@ -99,10 +100,92 @@ public:
     /// What animations take the time from, for tests that want to hold it.
     void setClock(MediaClock clock) { m_clock = std::move(clock); }
 
+    /// The colour of a slice for which the data source has none.
+    static QColor defaultColor(int index);
+
     /// The slice that the keyboard acts on, -1 for none.
     int focusedSlice() const { return m_focusedSlice; }
 
 Q_SIGNALS:
     /// The last running animation ran to its end: the pie stands still.
     void animationFinished();
+
+protected:
+    bool event(QEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
+
+private:
+    /// Which angles of a slice its shape is made from.
+    enum class LayerState { Model, Presentation };
+    /// What the data source said for one reload.
+    struct Reading
+    {
+        std::vector<std::shared_ptr<Info>> infos;
+        std::vector<double> values;
+        double sum = 0;
+    };
+    struct Arc
+    {
+        double start;
+        double end;
+    };
+
+    void animationDidStart(const ArcAnimation &animation) override;
+    void animationDidStop(const ArcAnimation &animation, Completion completion) override;
+    void installTrackingArea();
+
+    Reading readSlices();
+    void layOut(const Reading &reading);
+    void setLooks(SliceLayer &layer);
+    void collapse();
+    void animateSlice(SliceLayer &layer, Arc from, Arc to);
+    void removeSlices(const SliceLayers &layers);
+    std::shared_ptr<SliceLayer> createSliceLayer();
+    void commitAnimations();
+    QColor colorForSlice(int index);
+
+    void followSize();
+    void refreshSliceLayer(SliceLayer &layer, LayerState state);
+    void refreshSliceLayers(LayerState state);
+    void updateLayer(const SliceLayer &layer);
+    QRectF extentOf(const SliceLayer &layer) const;
+    ChartPlane plane() const { return ChartPlane(height()); }
+
+    void paintSlices(QPainter &painter, const QRect &exposed) const;
+    void paintLabels(QPainter &painter, const QRect &exposed) const;
+    void paintFocusRing(QPainter &painter) const;
+
+    SliceLayer *layerOfSlice(int index) const;
+    void pointerLeft();
+    void reportHover(int index);
+    void selectSlice(int index);
+    bool canSelectSlice(int index);
+    void updateFocusPolicy();
+    void focusSlice(int index);
+    void moveFocus(int key);
+
+    WeakReference<PieChartDataSource> m_dataSource;
+    WeakReference<PieChartDelegate> m_delegate;
+    MediaClock m_clock = steadyMediaTime;
+    double m_startPieAngle = std::numbers::pi / 2;
+    double m_animationSpeed = 0.75;
+    bool m_hasOwnCenter = false;
+    std::optional<double> m_pieRadius;
+    std::optional<double> m_infoRadius;
+
+    SliceLayers m_sliceLayers;
+    QTimer m_updateTimer;
+    std::vector<const ArcAnimation *> m_runningAnimations;
+    bool m_didLoad = false;
+
+    bool m_hasTrackingArea = false;
+    bool m_leftUnseen = false; ///< the pointer left while nobody was to be told
+    int m_focusedSlice = -1;
+    bool m_showsFocusRing = false;
 };

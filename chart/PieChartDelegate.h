@@ -16,8 +16,8 @@ public:
     /// index of a slice. The chart may be reloaded from here.
     virtual void didSelectSliceAtIndex(PieChart &, int) {}
 
-    /// The pointer (or the keyboard's focus ring) is over the slice, -1 for none of them. Comes with
-    /// every move of the pointer, also when the index is the same as before, and only while
+    /// The pointer (or the keyboard's focus ring) is over the slice, -1 for none of them. Comes
+    /// with every move of the pointer, also when the index is the same as before, and only while
     /// nothing moves.
     virtual void didHoverOverSliceAtIndex(PieChart &, int) {}
 

@@ -21,14 +21,12 @@ private:
 };
 
 /// A pointer that does not own and does not dangle. For one thread.
-template <class T>
-class WeakReference final
+template <class T> class WeakReference final
 {
 public:
     WeakReference() = default;
     WeakReference(T *object)
-        : m_object(object),
-          m_lifetime(object ? object->lifetime() : std::weak_ptr<const void>())
+        : m_object(object), m_lifetime(object ? object->lifetime() : std::weak_ptr<const void>())
     {
     }
 
