@@ -21,6 +21,8 @@ public:
         return {rect.x(), m_height - rect.bottom(), rect.width(), rect.height()};
     }
 
+    QRectF fromWidget(const QRectF &rect) const { return toWidget(rect); } // its own inverse
+
     /// For painting shapes of the plane into the widget. Not for text: it would be mirrored.
     QTransform transform() const { return {1, 0, 0, -1, 0, m_height}; }
 

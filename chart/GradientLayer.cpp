@@ -1,7 +1,6 @@
 #include "chart/GradientLayer.h"
 
 #include <QLinearGradient>
-#include <QPainter>
 
 void GradientLayer::fit(const QPainterPath &path)
 {
@@ -9,16 +8,14 @@ void GradientLayer::fit(const QPainterPath &path)
     m_frame = path.boundingRect();
 }
 
-void GradientLayer::paint(QPainter &painter) const
+QBrush GradientLayer::brush() const
 {
     if (!m_colors)
-        return;
+        return {};
     const auto &[primary, secondary] = *m_colors;
-    if (primary == secondary) {
-        painter.fillPath(m_path, primary);
-        return;
-    }
+    if (primary == secondary)
+        return primary.alpha() > 0 ? QBrush(primary) : QBrush();
     QLinearGradient gradient(m_frame.topLeft(), m_frame.bottomLeft()); // "top" is the lesser y
     gradient.setStops({{0, primary}, {1, secondary}});
-    painter.fillPath(m_path, gradient);
+    return gradient;
 }

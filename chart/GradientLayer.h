@@ -1,12 +1,11 @@
 #pragma once
 
+#include <QBrush>
 #include <QColor>
 #include <QPainterPath>
 #include <QRectF>
 #include <array>
 #include <optional>
-
-class QPainter;
 
 /// The gradient on a slice: two colours, from the bottom of its frame to the top, seen through a
 /// mask of the slice's shape. In the ChartPlane. A value.
@@ -27,7 +26,8 @@ public:
     /// The shape, relative to the frame's origin.
     QPainterPath mask() const { return m_path.translated(-m_frame.topLeft()); }
 
-    void paint(QPainter &painter) const;
+    /// What the masked frame is filled with; none without colours.
+    QBrush brush() const;
 
 private:
     std::optional<Colors> m_colors;

@@ -7,6 +7,7 @@
 #include <QFontMetricsF>
 #include <QPainter>
 #include <QThreadPool>
+#include <array>
 #include <cmath>
 
 namespace {
@@ -24,9 +25,17 @@ constexpr double kNameBottom = -25;
 constexpr double kSizeBottom = -43;
 
 constexpr QColor kTextColor(255, 255, 255);
-/// Keeps light letters readable on light slices.
-constexpr QColor kTextShadowColor(0, 0, 0, 70);
-constexpr QPointF kTextShadowOffset(0, 1);
+/// A soft dark halo, strongest below the letters, keeps them readable on light slices.
+constexpr double kHalo = 2;
+struct HaloStep
+{
+    QPointF offset;
+    int alpha;
+};
+constexpr std::array kHaloSteps{
+    HaloStep{{0, 1}, 55},  HaloStep{{-1, 0}, 14},     HaloStep{{1, 0}, 14},
+    HaloStep{{0, -1}, 10}, HaloStep{{-1, 1}, 16},     HaloStep{{1, 1}, 16},
+    HaloStep{{0, 2}, 16},  HaloStep{{-0.5, 0.5}, 14}, HaloStep{{0.5, 0.5}, 14}};
 
 QRectF centredFrame(double width, double bottom, double top)
 {
@@ -53,11 +62,14 @@ double lineHeight(int fontSize)
 
 void drawRuns(QPainter &painter, QPointF baseline, const TextRuns &runs, int fontSize)
 {
+    baseline = baseline.toPoint(); // letters stand on whole pixels
     for (const TextRun &run : runs) {
         const QFont font = interfaceFont(run.face, fontSize);
         painter.setFont(font);
-        painter.setPen(kTextShadowColor);
-        painter.drawText(baseline + kTextShadowOffset, run.text);
+        for (const HaloStep &step : kHaloSteps) {
+            painter.setPen(QColor(0, 0, 0, step.alpha));
+            painter.drawText(baseline + step.offset, run.text);
+        }
         painter.setPen(kTextColor);
         painter.drawText(baseline, run.text);
         baseline.rx() += QFontMetricsF(font).horizontalAdvance(run.text);
@@ -124,9 +136,14 @@ void InfoLayer::sizeArrived(const Info *info, const std::optional<QString> &text
 
 void InfoLayer::contentChanged()
 {
+    const auto tell = [this] {
+        if (m_changed)
+            m_changed();
+    };
+    tell(); // where it was
     m_picture = {};
-    if (m_changed)
-        m_changed();
+    m_bounds = neededBounds();
+    tell(); // where it is
 }
 
 std::optional<TextRuns> InfoLayer::attributedSizeString(const QString &text)
@@ -162,12 +179,12 @@ QRectF InfoLayer::sizeFrame() const
                         kSizeBottom + lineHeight(kSizeFontSize));
 }
 
-QRectF InfoLayer::bounds() const
+QRectF InfoLayer::neededBounds() const
 {
     if (m_isIconAlone)
         return imageFrame();
-    const double shadow = kTextShadowOffset.y();
-    return (imageFrame() | nameFrame() | sizeFrame()).adjusted(-1, -shadow, 1, 0).toAlignedRect();
+    const QRectF texts = (nameFrame() | sizeFrame()).adjusted(-kHalo, -kHalo, kHalo, kHalo);
+    return (imageFrame() | texts).toAlignedRect();
 }
 
 QPixmap InfoLayer::drawn(double scale) const

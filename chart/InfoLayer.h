@@ -59,7 +59,7 @@ public:
     QRectF nameFrame() const;
     QRectF sizeFrame() const;
     /// All that is painted, relative to the middle point, y growing upwards.
-    QRectF bounds() const;
+    const QRectF &bounds() const { return m_bounds; }
 
     /// Paints the label with its middle at a point of the painter's (y growing downwards).
     void paint(QPainter &painter, QPointF middle, double opacity);
@@ -72,6 +72,7 @@ private:
     void askForSize();
     void sizeArrived(const Info *info, const std::optional<QString> &text);
     void contentChanged();
+    QRectF neededBounds() const;
     QPixmap drawn(double scale) const;
 
     std::function<void()> m_changed;
@@ -87,6 +88,7 @@ private:
     const Info *m_asked = nullptr;
     bool m_askAgain = false;
 
-    QPixmap m_picture;
+    QRectF m_bounds;
+    QPixmap m_picture; ///< all of it, drawn once for a scale
     double m_pictureScale = 0;
 };

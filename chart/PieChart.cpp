@@ -325,11 +325,15 @@ void PieChart::updateLayer(const SliceLayer &layer)
     update(extentOf(layer).toAlignedRect());
 }
 
+QRectF PieChart::labelExtent(const InfoLayer &label) const
+{
+    return plane().toWidget(label.bounds().translated(label.position()));
+}
+
 QRectF PieChart::extentOf(const SliceLayer &layer) const
 {
     constexpr double kSmoothEdge = 1;
     const QRectF shape = plane().toWidget(layer.path().boundingRect());
-    const InfoLayer &label = *layer.infoLayer();
-    const QRectF text = plane().toWidget(label.bounds().translated(label.position()));
-    return (shape | text).adjusted(-kSmoothEdge, -kSmoothEdge, kSmoothEdge, kSmoothEdge);
+    return (shape | labelExtent(*layer.infoLayer()))
+        .adjusted(-kSmoothEdge, -kSmoothEdge, kSmoothEdge, kSmoothEdge);
 }

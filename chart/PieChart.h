@@ -154,10 +154,10 @@ private:
     void refreshSliceLayer(SliceLayer &layer, LayerState state);
     void refreshSliceLayers(LayerState state);
     void updateLayer(const SliceLayer &layer);
+    QRectF labelExtent(const InfoLayer &label) const;
     QRectF extentOf(const SliceLayer &layer) const;
     ChartPlane plane() const { return ChartPlane(height()); }
 
-    void paintSlices(QPainter &painter, const QRect &exposed) const;
     void paintLabels(QPainter &painter, const QRect &exposed) const;
     void paintFocusRing(QPainter &painter) const;
 

@@ -2,6 +2,7 @@
 
 #include "chart/PieChart.h"
 #include "chart/SliceFocus.h"
+#include "chart/SlicePainting.h"
 
 #include <QFocusEvent>
 #include <QKeyEvent>
@@ -52,18 +53,10 @@ void PieChart::paintEvent(QPaintEvent *event)
     painter.setRenderHint(QPainter::Antialiasing);
     painter.save();
     painter.setTransform(plane().transform(), true);
-    paintSlices(painter, event->rect());
+    paintSlices(painter, m_sliceLayers, plane().fromWidget(QRectF(event->rect())));
     paintFocusRing(painter);
     painter.restore();
     paintLabels(painter, event->rect());
-}
-
-void PieChart::paintSlices(QPainter &painter, const QRect &exposed) const
-{
-    for (const auto &layer : m_sliceLayers) {
-        if (extentOf(*layer).intersects(exposed))
-            layer->paint(painter);
-    }
 }
 
 void PieChart::paintLabels(QPainter &painter, const QRect &exposed) const
@@ -71,7 +64,7 @@ void PieChart::paintLabels(QPainter &painter, const QRect &exposed) const
     // After all slices: a label may be wider than its own.
     for (const auto &layer : m_sliceLayers) {
         InfoLayer &label = *layer->infoLayer();
-        if (extentOf(*layer).intersects(exposed))
+        if (labelExtent(label).intersects(exposed))
             label.paint(painter, plane().toWidget(label.position()), layer->infoOpacity());
     }
 }

@@ -1,7 +1,6 @@
 #include "chart/SliceLayer.h"
 
 #include <QDebug>
-#include <QPainter>
 #include <QtMath>
 #include <algorithm>
 
@@ -113,12 +112,11 @@ double SliceLayer::infoOpacity() const
     return std::clamp(m_geometry.sweep() / needed, 0.0, 1.0);
 }
 
-void SliceLayer::paint(QPainter &painter) const
+QBrush SliceLayer::brush() const
 {
     if (m_gradientLayer && m_gradientLayer->colors())
-        m_gradientLayer->paint(painter);
-    else if (m_fillColor && m_fillColor->alpha() > 0)
-        painter.fillPath(m_path, *m_fillColor);
+        return m_gradientLayer->brush();
+    return m_fillColor && m_fillColor->alpha() > 0 ? QBrush(*m_fillColor) : QBrush();
 }
 
 QDebug operator<<(QDebug debug, const SliceLayer &layer)

@@ -14,7 +14,6 @@
 #include <vector>
 
 class QDebug;
-class QPainter;
 
 /// The two angles of a slice, each of which can be animated.
 enum class ArcKey { StartAngle, EndAngle };
@@ -97,9 +96,10 @@ public:
     }
     GradientLayer &madeGradientLayer();
 
-    /// Paints the shape, not the label, in the ChartPlane: with the gradient where it has colours,
-    /// else flat.
-    void paint(QPainter &painter) const;
+    /// What the shape is filled with: the gradient where it has colours, else the fill colour; none
+    /// if there is nothing to be seen. In the ChartPlane.
+    QBrush brush() const;
+    bool isOpaque() const { return brush().isOpaque(); }
 
 private:
     static constexpr std::size_t slot(ArcKey key) { return static_cast<std::size_t>(key); }
