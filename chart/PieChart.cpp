@@ -1,5 +1,6 @@
 #include "chart/PieChart.h"
 
+#include "chart/PieChartAccessible.h"
 #include "chart/SliceReload.h"
 #include "platform/Log.h"
 #include "platform/ViewAlpha.h"
@@ -29,6 +30,7 @@ PieChart::PieChart(QWidget *parent) : BackgroundView(parent)
     m_updateTimer.setInterval(kFrame);
     connect(&m_updateTimer, &QTimer::timeout, this, &PieChart::updateTimerFired);
     followSize();
+    installPieChartAccessibility();
 }
 
 PieChart::PieChart(const QRect &frame, QWidget *parent) : PieChart(parent)
@@ -105,6 +107,7 @@ void PieChart::reloadData()
         layOut(reading);
     commitAnimations();
     updateFocusPolicy();
+    announceSliceState(*this, m_focusedSlice);
 }
 
 PieChart::Reading PieChart::readSlices()
@@ -184,12 +187,18 @@ std::shared_ptr<SliceLayer> PieChart::createSliceLayer()
     auto label = std::make_unique<InfoLayer>(
         [chart = QPointer<PieChart>(this), weakSlice = std::weak_ptr<SliceLayer>(slice)] {
             if (const auto changed = weakSlice.lock(); chart && changed)
-                chart->updateLayer(*changed);
+                chart->labelChanged(*changed);
         });
     const QPointF middle = plane().fromWidget(center());
     label->setPosition({static_cast<int>(middle.x() + infoRadius()), static_cast<int>(middle.y())});
     slice->setInfoLayer(std::move(label));
     return slice;
+}
+
+void PieChart::labelChanged(const SliceLayer &layer)
+{
+    updateLayer(layer);
+    announceSliceName(*this, layer.index());
 }
 
 void PieChart::updateInfoForLayer(SliceLayer &layer, std::shared_ptr<Info> info)

@@ -80,6 +80,11 @@ public:
     /// always its place in this list.
     const SliceLayers &sliceLayers() const { return m_sliceLayers; }
 
+    /// The layer of one slice; null if there is no such slice.
+    SliceLayer *layerOfSlice(int index) const;
+    /// What it covers, label included, in the widget.
+    QRect sliceRect(int index) const;
+
     /// Hands the record, or null, to the slice's label.
     void updateInfoForLayer(SliceLayer &layer, std::shared_ptr<Info> info);
 
@@ -105,6 +110,12 @@ public:
 
     /// The slice that the keyboard acts on, -1 for none.
     int focusedSlice() const { return m_focusedSlice; }
+    /// Takes the keyboard to a slice and shows the focus ring there. It counts as hovering.
+    void focusSlice(int index);
+
+    bool canSelectSlice(int index);
+    /// Does what a click on the slice does.
+    void selectSlice(int index);
 
 Q_SIGNALS:
     /// The last running animation ran to its end: the pie stands still.
@@ -161,13 +172,10 @@ private:
     void paintLabels(QPainter &painter, const QRect &exposed) const;
     void paintFocusRing(QPainter &painter) const;
 
-    SliceLayer *layerOfSlice(int index) const;
+    void labelChanged(const SliceLayer &layer);
     void pointerLeft();
     void reportHover(int index);
-    void selectSlice(int index);
-    bool canSelectSlice(int index);
     void updateFocusPolicy();
-    void focusSlice(int index);
     void moveFocus(int key);
 
     WeakReference<PieChartDataSource> m_dataSource;

@@ -1,6 +1,7 @@
 // What the chart shows and hears: painting, pointer and keyboard.
 
 #include "chart/PieChart.h"
+#include "chart/PieChartAccessible.h"
 #include "chart/SliceFocus.h"
 #include "chart/SlicePainting.h"
 
@@ -101,6 +102,12 @@ SliceLayer *PieChart::layerOfSlice(int index) const
     return place != m_sliceLayers.end() ? place->get() : nullptr;
 }
 
+QRect PieChart::sliceRect(int index) const
+{
+    const SliceLayer *layer = layerOfSlice(index);
+    return layer ? extentOf(*layer).toAlignedRect() : QRect();
+}
+
 int PieChart::getCurrentSelectedOnLocation(QPointF location) const
 {
     const QPointF point = plane().fromWidget(location);
@@ -188,9 +195,12 @@ void PieChart::updateFocusPolicy()
 
 void PieChart::focusSlice(int index)
 {
+    if (!hasFocus())
+        setFocus();
     m_focusedSlice = index;
     m_showsFocusRing = true;
     update();
+    announceFocusedSlice(*this, index);
     // A slice in the focus ring is looked at as one under the pointer is.
     if (m_hasTrackingArea)
         reportHover(index);
