@@ -18,7 +18,11 @@ constexpr int kNaturalSize = 200;
 constexpr QColor kTextColor(77, 77, 77);
 constexpr QColor kFocusColor(0, 122, 255, 150);
 constexpr QColor kHoverColor(77, 77, 77, 26);
-constexpr int kRingInset = 6; ///< from the widget's edge to where the disc is whole
+constexpr double kRingRadius = 0.42; ///< of the disc's inner ring, as a part of the width
+
+/// Widths of the texts as parts of the disc's: within its inner ring, at their heights.
+constexpr double kMainWidth = 0.76;
+constexpr double kDetailWidth = 0.64;
 
 /// Rectangle of one line of text in the font, its middle at the given height.
 QRect lineFrame(const QWidget &button, const QFont &font, double middle)
@@ -26,6 +30,13 @@ QRect lineFrame(const QWidget &button, const QFont &font, double middle)
     const double height = lineHeight(font);
     return {kMargin, static_cast<int>(middle - height * 0.5), button.width() - 2 * kMargin,
             static_cast<int>(height)};
+}
+
+/// Keeps a text wider than that part of the button from being drawn over the ring.
+void limitWidth(TextField &field, double width)
+{
+    const int margin = std::max(0, static_cast<int>((field.width() - width) / 2));
+    field.setContentsMargins(margin, 0, margin, 0);
 }
 
 TextField *madeField(QWidget *parent, const QFont &font)
@@ -81,6 +92,8 @@ void StartButton::layOutTexts()
     m_mainText->setGeometry(
         lineFrame(*this, first ? first->font : m_mainText->font(), height() * 0.5));
     m_detailText->setGeometry(lineFrame(*this, m_detailText->font(), height() * 0.25 * 3.0));
+    limitWidth(*m_mainText, width() * kMainWidth);
+    limitWidth(*m_detailText, width() * kDetailWidth);
 }
 
 /// One name for both captions; a hidden one is not read out.
@@ -200,13 +213,13 @@ void StartButton::changeEvent(QEvent *event)
     QAbstractButton::changeEvent(event);
 }
 
-void StartButton::paintRing(const QColor &color, double width)
+void StartButton::paintRing(const QColor &color, double thickness)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(color, width));
-    const double inset = kRingInset + width / 2;
-    painter.drawEllipse(QRectF(rect()).adjusted(inset, inset, -inset, -inset));
+    painter.setPen(QPen(color, thickness));
+    const double radius = width() * kRingRadius;
+    painter.drawEllipse(QRectF(rect()).center(), radius, radius);
 }
 
 void StartButton::paintEvent(QPaintEvent *)

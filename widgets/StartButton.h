@@ -51,7 +51,7 @@ private:
     void makeMainText();
     void makeDetailText();
     void layOutTexts();
-    void paintRing(const QColor &color, double width);
+    void paintRing(const QColor &color, double thickness);
     void updateAccessibleName();
     void setHovered(bool isHovered);
 

@@ -47,8 +47,9 @@ void TextField::setTextColor(const QColor &color)
 QSize TextField::sizeHint() const
 {
     const QSizeF size = attributedText().size();
-    return {static_cast<int>(std::ceil(size.width())),
-            static_cast<int>(std::ceil(std::max(size.height(), lineHeight(font()))))};
+    return QSizeF(std::ceil(size.width()), std::ceil(std::max(size.height(), lineHeight(font()))))
+        .toSize()
+        .grownBy(contentsMargins());
 }
 
 QSize TextField::minimumSizeHint() const
