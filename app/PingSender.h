@@ -38,7 +38,7 @@ public:
     void updateStatsForURLString(const QString &urlString) override;
 
 private:
-    void finish(QNetworkReply &reply);
+    void finish(QNetworkReply &reply, const QUrl &url);
     void loadPage(const QUrl &url);
 
     PingHelper m_helper;

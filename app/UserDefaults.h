@@ -67,7 +67,7 @@ public:
     /// Forgets both folder grants. Does not synchronise.
     void removeFolderEntries();
 
-    /// Whether the excluded paths are all that the user ever excluded.
+    /// Whether the excluded paths are all that the user wants excluded.
     bool exclusionsAreKnown() const { return m_damage.isEmpty(); }
     /// What happened to the settings and where the damaged file was kept, for people; empty while
     /// the exclusions are known.
@@ -91,7 +91,7 @@ private:
     QJsonObject m_stored;
     QJsonObject m_registered;
     QString m_damage;
-    SettingsWriter m_writer;
+    std::optional<SettingsWriter> m_writer;
 };
 
 /// Where the settings of this user are kept: the platform's configuration folder of Vantor.
