@@ -96,9 +96,8 @@ QList<int> includesBeyondCore(const SourceText &source)
 bool mayRemove(const SourceText &source)
 {
     static const QStringList places{
-        QStringLiteral("platform/SystemCalls.h"),
         QStringLiteral("platform/SystemCalls_linux.cpp"),
-        QStringLiteral("slices/Remover.cpp"),
+        QStringLiteral("slices/RemovalSteps.cpp"),
     };
     return places.contains(source.path);
 }
@@ -110,7 +109,7 @@ constexpr auto kSystemConditional =
 constexpr auto kRemoval =
     R"((?<![\w.>])(unlink|unlinkat|rmdir|remove|remove_all)\s*\(|\bQFile::remove\b|)"
     R"((\.|->)(remove\(\s*\)|removeRecursively|rmdir|rmpath|moveToTrash)|QFile::moveToTrash|)"
-    R"(\b(removeFile|removeFolder)\s*\()";
+    R"([Cc]alls(\(\))?(\.|->)remove(File|Folder)\s*\()";
 
 } // namespace
 
