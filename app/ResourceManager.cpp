@@ -75,19 +75,21 @@ std::unique_ptr<ResourceManager::Run> &ResourceManager::currentRun()
 void ResourceManager::setGrantSource(GrantSource source)
 {
     Run &run = *currentRun();
-    const std::scoped_lock lock(run.mutex);
     run.source = std::move(source);
+    run.sourceThread = std::this_thread::get_id();
+    storedGrant();
 }
 
 std::optional<QByteArray> ResourceManager::storedGrant()
 {
     Run &run = *currentRun();
-    GrantSource source;
-    {
+    if (std::this_thread::get_id() != run.sourceThread) {
         const std::scoped_lock lock(run.mutex);
-        source = run.source;
+        return run.stored;
     }
-    return source ? source() : std::nullopt;
+    std::optional<QByteArray> stored = run.source();
+    const std::scoped_lock lock(run.mutex);
+    return run.stored = std::move(stored);
 }
 
 std::optional<GrantFailure> ResourceManager::checkStoredGrant()
@@ -124,6 +126,7 @@ ResourceManager::Home &ResourceManager::home()
 
 FileUrl ResourceManager::homeFolder()
 {
+    storedGrant(); // the pages ask from the main thread: workers then know what is granted now
     return home().url();
 }
 

@@ -7,6 +7,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <thread>
 
 /// The home folder that the user granted, resolved once: at the first call of homeFolder(),
 /// startAccessing(), stopAccessing() or access(), from then on for the rest of the run. Any thread.
@@ -17,12 +18,14 @@
 class ResourceManager final
 {
 public:
-    /// Reads the stored grant; nothing when none is stored. Called from any thread.
+    /// Reads the stored grant; nothing when none is stored. Called only on the thread that set it,
+    /// because settings are not for other threads: whenever something is asked here from that
+    /// thread. All others go by what was read last.
     using GrantSource = std::function<std::optional<QByteArray>()>;
 
     ResourceManager() = delete;
 
-    /// Where the grant is stored. Once, at start-up, before anything else here.
+    /// Where the grant is stored. Once, at start-up, on the main thread, before anything else here.
     static void setGrantSource(GrantSource source);
 
     /// Why the grant stored now cannot be used; nothing when it can. Changes nothing, and may be
@@ -60,9 +63,11 @@ private:
         Run();
         ~Run();
 
+        GrantSource source;
+        std::thread::id sourceThread;
         std::once_flag once;
         std::mutex mutex; ///< guards the rest; `home` may be read without it once `once` is done
-        GrantSource source;
+        std::optional<QByteArray> stored; ///< what the source said last
         std::unique_ptr<Home> home;
     };
 

@@ -43,6 +43,7 @@ private Q_SLOTS:
 
     void isTheGrantedFolder();
     void isMadeOnceHoweverManyThreadsAskFirst();
+    void asksForTheStoredGrantOnItsOwnThreadOnly();
     void countsAccessInBalanceUnderThreads();
     void holdsTheAccessForAScope();
 
@@ -108,11 +109,6 @@ void TestResourceManager::isTheGrantedFolder()
 
 void TestResourceManager::isMadeOnceHoweverManyThreadsAskFirst()
 {
-    std::atomic<int> reads = 0;
-    ResourceManagerReset::beginRun([&] {
-        ++reads;
-        return m_stored;
-    });
     std::atomic<FileAccess *> first = nullptr;
     std::atomic<int> strangers = 0;
     inThreads([&] {
@@ -122,7 +118,23 @@ void TestResourceManager::isMadeOnceHoweverManyThreadsAskFirst()
             ++strangers;
     });
     QCOMPARE(strangers.load(), 0);
-    QCOMPARE(reads.load(), 1);
+    QCOMPARE(ResourceManager::homeFolder().path(), m_scratch->path("anna"));
+}
+
+void TestResourceManager::asksForTheStoredGrantOnItsOwnThreadOnly()
+{
+    std::atomic<int> elsewhere = 0;
+    ResourceManagerReset::beginRun([this, &elsewhere, here = std::this_thread::get_id()] {
+        elsewhere += std::this_thread::get_id() == here ? 0 : 1;
+        return m_stored;
+    });
+    inThreads([this] {
+        const AccessScope scope(ResourceManager::access());
+        ResourceManager::homeFolder();
+        ResourceManager::access().anchoredPath(urlOf("anna"));
+        ResourceManager::checkStoredGrant();
+    });
+    QCOMPARE(elsewhere.load(), 0);
 }
 
 void TestResourceManager::countsAccessInBalanceUnderThreads()
@@ -257,6 +269,12 @@ void TestResourceManager::worksInNoFolderThatTheUserNoLongerSeesGranted()
     const AccessScope scope(ResourceManager::access());
     QVERIFY(!ResourceManager::access().anchoredPath(urlOf("anna/Downloads")));
     QVERIFY(!ResourceManager::access().anchoredPath(urlOf("annabel")));
+
+    std::atomic<int> found = 0;
+    inThreads([this, &found] {
+        found += ResourceManager::access().anchoredPath(urlOf("anna/Downloads")) ? 1 : 0;
+    });
+    QCOMPARE(found.load(), 0);
 
     m_stored = grantOf("anna");
     QVERIFY(ResourceManager::isInForceFor(*m_stored));

@@ -96,9 +96,9 @@ QList<int> includesBeyondCore(const SourceText &source)
 bool mayRemove(const SourceText &source)
 {
     static const QStringList places{
-        QStringLiteral("platform/SystemCalls.h"),
-        QStringLiteral("platform/SystemCalls_linux.cpp"),
-        QStringLiteral("slices/Remover.cpp"),
+        QStringLiteral("platform/SystemCalls_linux.cpp"), // the calls themselves
+        QStringLiteral("platform/DurableFile.cpp"), // what it wrote itself beside its own file
+        QStringLiteral("slices/RemovalSteps.cpp"),  // what the plan says
     };
     return places.contains(source.path);
 }
@@ -108,9 +108,10 @@ constexpr auto kSystemConditional =
     R"(__FreeBSD__|_WIN32|_WIN64|TARGET_OS_\w+|Q_OS_\w+))";
 
 constexpr auto kRemoval =
-    R"((?<![\w.>])(unlink|unlinkat|rmdir|remove|remove_all)\s*\(|\bQFile::remove\b|)"
-    R"((\.|->)(remove\(\s*\)|removeRecursively|rmdir|rmpath|moveToTrash)|QFile::moveToTrash|)"
-    R"(\b(removeFile|removeFolder)\s*\()";
+    R"((?<![\w.>])(unlink|unlinkat|rmdir|remove_all)\s*\(|(?<!\w)::remove\s*\(|)"
+    R"(\bfilesystem::remove\s*\(|\bQFile::remove\b|\bQFile::moveToTrash\b|)"
+    R"((\.|->)(remove\(\s*\)|removeRecursively|rmdir|rmpath|moveToTrash)|)"
+    R"([Cc]alls(\(\))?(\.|->)remove(File|Folder)\s*\()";
 
 } // namespace
 
@@ -150,7 +151,7 @@ QList<SourceRule> sourceRules(const QStringList &engineFiles)
          isCpp, codeMatching(R"(^\s*#\s*include\s*<Qt\w+/)")},
         {"include beyond Qt Core", "the engines know no widget, no picture and no settings",
          isEngine, includesBeyondCore},
-        {"removal", "there is one place that removes files, and it obeys the plan alone",
+        {"removal", "only the plan's performance removes files, in one place",
          [](const SourceText &source) { return isProduct(source) && !mayRemove(source); },
          codeMatching(kRemoval)},
     };

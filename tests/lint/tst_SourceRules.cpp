@@ -87,10 +87,13 @@ QList<Sample> badSamples()
         {"removal", "app/a.cpp", "::unlink(path);\n"},
         {"removal", "app/a.cpp", "unlinkat(folder, name, 0);\n"},
         {"removal", "app/a.cpp", "std::filesystem::remove_all(path);\n"},
+        {"removal", "app/a.cpp", "std::filesystem::remove(path);\n"},
+        {"removal", "app/a.cpp", "    ::remove(path);\n"},
         {"removal", "app/a.cpp", "QFile::remove(path);\n"},
         {"removal", "app/a.cpp", "file.remove();\n"},
         {"removal", "app/a.cpp", "QDir(path).removeRecursively();\n"},
-        {"removal", "slices/a.cpp", "calls.removeFile(folder, name);\n"},
+        {"removal", "slices/a.cpp", "m_calls.removeFile(folder, name);\n"},
+        {"removal", "slices/a.cpp", "hostSystemCalls().removeFolder(folder, name);\n"},
     };
 }
 
@@ -111,6 +114,9 @@ QList<Sample> goodSamples()
         {"include beyond Qt Core", "engine.cpp", "#include <QString>\n#include <vector>\n"},
         {"include beyond Qt Core", "app/a.cpp", "#include <QWidget>\n"},
         {"removal", "slices/a.cpp", "text.remove(0, 1);\nlist->removeLast();\n"},
+        {"removal", "app/a.cpp", "void Settings::remove(Key key)\n{\n    remove(key);\n}\n"},
+        {"removal", "slices/RemovalSteps.h", "bool removeFile(const Spot &spot);\n"},
+        {"removal", "slices/RemovalSteps.cpp", "m_calls.removeFile(folder, name);\n"},
         {"removal", "tests/a.cpp", "::unlink(path);\n"},
         {"removal", "platform/SystemCalls_linux.cpp", "::unlinkat(folder, name, 0);\n"},
     };
