@@ -1,5 +1,6 @@
 #include "app/PingSender.h"
 #include "tests/support/LogRecorder.h"
+#include "tests/support/Must.h"
 #include "tests/support/RecordingServer.h"
 #include "tests/support/TestMain.h"
 
@@ -26,7 +27,7 @@ public:
         const bool isWritten = script.open(QIODevice::WriteOnly) &&
                                script.write("#!/bin/sh\ncd \"${0%/*}\"\n" + commands) > 0 &&
                                script.setPermissions(QFile::ReadOwner | QFile::ExeOwner);
-        Q_ASSERT(isWritten);
+        must(isWritten, "writing a file");
     }
 
     PingHelper helper(std::chrono::milliseconds limit = 10s) const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/DurableFile.h"
+#include "tests/support/Must.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -19,7 +20,7 @@ public:
     DurableFile file(const SystemCalls &calls = hostSystemCalls()) const
     {
         auto folder = hostSystemCalls().openRoot(QFile::encodeName(m_folder.path()));
-        Q_ASSERT(folder.has_value());
+        must(folder.has_value(), "opening the folder");
         return DurableFile(calls, std::move(*folder), kName);
     }
 
@@ -34,7 +35,7 @@ public:
         QFile file(path(name));
         const bool isWritten = file.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
                                file.write(bytes) == bytes.size();
-        Q_ASSERT(isWritten);
+        must(isWritten, "writing a file");
     }
 
     /// The folder after two writes: an old generation and a previous one.
@@ -43,7 +44,7 @@ public:
         DurableFile durable = file();
         for (const QByteArray &content : {kOlder, kOld}) {
             const bool isWritten = durable.write(content, Replace::OnlyWhatIsKnown).has_value();
-            Q_ASSERT(isWritten);
+            must(isWritten, "writing a file");
         }
     }
 
