@@ -3,6 +3,7 @@
 #include "platform/Log.h"
 
 #include <QCoreApplication>
+#include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QProcess>
 #include <QTimer>
@@ -52,7 +53,7 @@ PingHelper PingHelper::besideTheProgram()
 }
 
 PingSender::PingSender(PingHelper helper, QObject *parent)
-    : QObject(parent), m_helper(std::move(helper))
+    : QObject(parent), m_helper(std::move(helper)), m_network(new QNetworkAccessManager(this))
 {
 }
 
@@ -70,7 +71,7 @@ PingSender::~PingSender()
 void PingSender::updateStatsForURLString(const QString &urlString)
 {
     const QUrl url(urlString);
-    QNetworkReply *reply = m_network.get(plainRequest(url));
+    QNetworkReply *reply = m_network->get(plainRequest(url));
     connect(reply, &QNetworkReply::finished, this, [this, reply, url] {
         reply->deleteLater();
         finish(*reply, url);
@@ -107,5 +108,6 @@ void PingSender::loadPage(const QUrl &url)
         helper->deleteLater();
     });
     QTimer::singleShot(m_helper.limit, helper, &QProcess::kill);
-    helper->start(m_helper.program, {url.toString(QUrl::FullyEncoded)});
+    helper->start(m_helper.program,
+                  {url.toString(QUrl::FullyEncoded), QString::number(m_helper.limit.count())});
 }

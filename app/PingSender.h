@@ -2,9 +2,11 @@
 
 #include "app/StatsUpdater.h"
 
-#include <QNetworkAccessManager>
 #include <QObject>
 #include <chrono>
+
+class QNetworkAccessManager;
+class QNetworkReply;
 
 /// The program that loads a ping's page in an off-screen browser view, in a process of its own: so
 /// its memory goes back when it is done, and a crash of it harms nobody.
@@ -42,5 +44,5 @@ private:
     void loadPage(const QUrl &url);
 
     PingHelper m_helper;
-    QNetworkAccessManager m_network;
+    QNetworkAccessManager *const m_network;
 };

@@ -22,10 +22,12 @@ PageLoad::PageLoad()
       m_page(&m_profile)
 {
     m_profile.setUrlRequestInterceptor(&m_watcher);
+    m_page.setAudioMuted(true);
     QWebEngineSettings &settings = *m_page.settings();
     settings.setAttribute(QWebEngineSettings::JavascriptEnabled, true);
     settings.setAttribute(QWebEngineSettings::JavascriptCanOpenWindows, false);
     settings.setAttribute(QWebEngineSettings::ErrorPageEnabled, false);
+    settings.setAttribute(QWebEngineSettings::AutoLoadIconsForPage, false);
 
     m_quiet.setSingleShot(true);
     m_quiet.setInterval(kQuiet);
@@ -39,6 +41,9 @@ PageLoad::PageLoad()
 void PageLoad::load(const QUrl &url)
 {
     m_page.load(url);
+    // To its scripts, a hidden page counts as unseen and has its timers slowed down. Only a page
+    // that is being loaded can be made visible.
+    m_page.setVisible(true);
 }
 
 /// A page that leads on to another one finishes more than once; the last one counts.

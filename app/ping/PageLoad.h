@@ -36,10 +36,11 @@ Q_SIGNALS:
 private:
     void settle(bool wasLoaded);
 
-    RequestWatcher m_watcher;
-    QWebEngineProfile m_profile; ///< without a name: off the record
-    QWebEnginePage m_page;       ///< after its profile, so that it goes first
+    bool m_wasLoaded = false;
     QTimer m_quiet;
     QTimer m_patience;
-    bool m_wasLoaded = false;
+    // In this order, so that the page goes first, and what the profile calls goes last.
+    RequestWatcher m_watcher;
+    QWebEngineProfile m_profile; ///< without a name: off the record
+    QWebEnginePage m_page;
 };

@@ -3,18 +3,16 @@
 #include <QGuiApplication>
 #include <chrono>
 
-// vantor-ping <url>: loads one page as a browser would, with its scripts, and shows nothing.
-// Exits with 0 when the page was loaded, with 1 when it was not, with 2 when the address is no
-// http or https address.
-
-using namespace std::chrono_literals;
+// vantor-ping <url> <limit>: loads one page as a browser would, with its scripts, and shows
+// nothing. Ends after the limit, in milliseconds, at the latest, also when whoever started it is
+// gone. Exits with 0 when the page was loaded, with 1 when it was not, with 2 when the arguments
+// are not an http or https address and a limit.
 
 namespace {
 
 constexpr int kLoaded = 0;
 constexpr int kNotLoaded = 1;
-constexpr int kNoAddress = 2;
-constexpr auto kLimit = 15s;
+constexpr int kBadArguments = 2;
 
 /// No window is ever opened, so it makes no difference on which display, or whether there is one.
 void prepareEnvironment()
@@ -40,14 +38,15 @@ int main(int argc, char **argv)
     QGuiApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
     const QUrl url(arguments.value(1), QUrl::StrictMode);
-    if (arguments.size() != 2 || !isWebAddress(url))
-        return kNoAddress;
+    const std::chrono::milliseconds limit(arguments.value(2).toInt());
+    if (!isWebAddress(url) || limit.count() <= 0)
+        return kBadArguments;
 
     PageLoad page;
     QObject::connect(&page, &PageLoad::finished, &application, [](bool wasLoaded) {
         QCoreApplication::exit(wasLoaded ? kLoaded : kNotLoaded);
     });
-    QTimer::singleShot(kLimit, &application, [] { QCoreApplication::exit(kNotLoaded); });
+    QTimer::singleShot(limit, &application, [] { QCoreApplication::exit(kNotLoaded); });
     page.load(url);
     return QCoreApplication::exec();
 }
