@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr auto kPlaceholderImage = "image.png";
+constexpr auto kPlaceholderImage = "image";
 constexpr QSize kImageSize(54, 54);
 constexpr int kNameFontSize = 16;
 constexpr int kSizeFontSize = 15;
