@@ -15,20 +15,6 @@ bool hasDotComponent(const QByteArray &path)
 
 } // namespace
 
-RefusalReason refusalReason(int error)
-{
-    switch (error) {
-    case ELOOP:
-        return RefusalReason::Link;
-    case ENOTDIR:
-        return RefusalReason::NotAFolder;
-    case EXDEV:
-        return RefusalReason::OtherFileSystem;
-    default:
-        return RefusalReason::Unreadable;
-    }
-}
-
 /// Makes one plan.
 class CleaningPlanner final
 {
@@ -57,7 +43,13 @@ private:
     void planLocation(CleaningLocation location);
     bool isExcludedByPath(const CleaningLocation &location) const;
     bool anchor(CleaningLocation &location);
-    SystemResult<bool> examine(CleaningLocation &location) const;
+    struct Obstacle
+    {
+        RefusalReason reason;
+        int error;
+    };
+    tl::expected<bool, Obstacle> examine(CleaningLocation &location) const;
+    Obstacle obstacle(int folder, const QByteArray &name, int error) const;
     bool isExcluded(const FileIdentity &identity) const;
     bool refuseUnresolved(const CleaningLocation &location);
     void refuse(const QByteArray &path, RefusalReason reason, int error = 0);
@@ -155,8 +147,8 @@ void CleaningPlanner::planLocation(CleaningLocation location)
         return;
     const auto isKept = examine(location);
     if (!isKept) {
-        if (isKept.error() != ENOENT)
-            refuse(location.url.path(), refusalReason(isKept.error()), isKept.error());
+        if (isKept.error().error != ENOENT)
+            refuse(location.url.path(), isKept.error().reason, isKept.error().error);
     } else if (*isKept) {
         m_plan.m_excludedLocations.append(location.url);
     } else if (!refuseUnresolved(location)) {
@@ -192,7 +184,8 @@ bool CleaningPlanner::anchor(CleaningLocation &location)
 
 /// Goes the whole way to the place, folder by folder, and notes what is there. Yes when it, or a
 /// folder around it, is an excluded one under whatever name.
-SystemResult<bool> CleaningPlanner::examine(CleaningLocation &location) const
+tl::expected<bool, CleaningPlanner::Obstacle>
+CleaningPlanner::examine(CleaningLocation &location) const
 {
     QByteArrayList names = location.path.relativePath.split('/');
     const QByteArray fileName =
@@ -201,23 +194,34 @@ SystemResult<bool> CleaningPlanner::examine(CleaningLocation &location) const
     int folder = location.path.anchor->get();
     auto identity = m_calls.identityOf(folder);
     for (const QByteArray &name : names) {
-        if (!identity)
+        if (!identity || isExcluded(*identity))
             break;
-        if (isExcluded(*identity))
-            return true;
         auto next = m_calls.openFolder(folder, name.constData(), Descent::Strict);
         if (!next)
-            return tl::unexpected(next.error());
+            return tl::unexpected(obstacle(folder, name, next.error()));
         held = std::move(*next);
         folder = held.get();
         identity = m_calls.identityOf(folder);
     }
-    if (identity && !fileName.isEmpty() && !isExcluded(*identity))
+    if (identity && !isExcluded(*identity) && !fileName.isEmpty())
         identity = m_calls.identity(folder, fileName.constData());
     if (!identity)
-        return tl::unexpected(identity.error());
+        return tl::unexpected(Obstacle{RefusalReason::Unreadable, identity.error()});
     location.identity = *identity;
     return isExcluded(*identity);
+}
+
+/// Why a folder could not be opened.
+CleaningPlanner::Obstacle CleaningPlanner::obstacle(int folder, const QByteArray &name,
+                                                    int error) const
+{
+    if (error == EXDEV)
+        return {RefusalReason::OtherFileSystem, error};
+    if (error != ELOOP && error != ENOTDIR)
+        return {RefusalReason::Unreadable, error};
+    const auto status = m_calls.status(folder, name.constData());
+    const bool isLink = status && status->kind == FileKind::Link;
+    return {isLink ? RefusalReason::Link : RefusalReason::NotAFolder, error};
 }
 
 bool CleaningPlanner::isExcluded(const FileIdentity &identity) const

@@ -35,9 +35,6 @@ enum class RefusalReason {
     Changed,         ///< replaced or moved since it was planned or entered
 };
 
-/// The reason that an errno of opening a folder stands for.
-RefusalReason refusalReason(int error);
-
 struct CleaningRefusal
 {
     /// The raw path; for an exclusion that cannot be read its stored text.

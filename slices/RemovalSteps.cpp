@@ -2,6 +2,19 @@
 
 #include <cerrno>
 
+RefusalReason refusalReason(int error)
+{
+    switch (error) {
+    case ELOOP:
+    case ENOTDIR: // a link or a file has taken its place
+        return RefusalReason::Changed;
+    case EXDEV:
+        return RefusalReason::OtherFileSystem;
+    default:
+        return RefusalReason::Unreadable;
+    }
+}
+
 RemovalSteps::Verdict RemovalSteps::deal(const Spot &spot, const FolderListing::Entry &entry,
                                          Care care) const
 {

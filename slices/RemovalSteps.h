@@ -85,3 +85,6 @@ private:
     CleaningLedger &m_ledger;
     EntryOrder m_order;
 };
+
+/// What the errno of opening a folder says that was a folder when it was found.
+RefusalReason refusalReason(int error);
