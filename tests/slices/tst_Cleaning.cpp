@@ -3,8 +3,6 @@
 #include "tests/slices/ForwardingCalls.h"
 #include "tests/support/TestMain.h"
 
-#include <cerrno>
-
 class TestCleaning final : public QObject
 {
     Q_OBJECT
@@ -31,15 +29,7 @@ private Q_SLOTS:
 
     void treatsEveryNameAsItsBytes_data();
     void treatsEveryNameAsItsBytes();
-
-    void logsCandidatesAndEachRemoval();
-    void logsNoCandidatesWhereItJudgesEachItem();
-    void logsTheFilesOfASliceOnce();
-    void logsWhatIsLocked();
-    void stopsLoggingWhenThereAreVeryMany();
-
     void stopsBeforeTheNextItem();
-    void tellsTheObserver();
 
 private:
     CleaningReport cleanFolder(const FileUrls &excluded = {}) const
@@ -291,72 +281,6 @@ void TestCleaning::treatsEveryNameAsItsBytes()
     QVERIFY(tree(downloads()).empty());
 }
 
-void TestCleaning::logsCandidatesAndEachRemoval()
-{
-    makeFile(downloads("a b/c"));
-    const LogCapture log;
-    cleanFolder();
-    const QString text = stored(m_home->folder("Downloads/a b"));
-    QCOMPARE(log.lines(), QStringList({QStringLiteral("(\"%1\")").arg(text), text}));
-}
-
-void TestCleaning::logsNoCandidatesWhereItJudgesEachItem()
-{
-    for (const char *name : {"Deep/Keep", "Deep/a/b"})
-        makeFile(downloads(name));
-    const LogCapture log;
-    cleanFolder({m_home->file("Downloads/Deep/Keep")});
-    QCOMPARE(log.lines(), QStringList({stored(m_home->folder("Downloads/Deep/a"))}));
-}
-
-void TestCleaning::logsTheFilesOfASliceOnce()
-{
-    makeFile(downloads("a"));
-    makeFile(downloads("b"));
-    const FileUrls files{m_home->file("Downloads/b"), m_home->file("Downloads/a")};
-    const LogCapture log;
-    clean(*m_home, {theFiles(files)});
-    QCOMPARE(
-        log.lines(),
-        QStringList({QStringLiteral("(\"%1\", \"%2\")").arg(stored(files[0]), stored(files[1])),
-                     stored(files[0]), stored(files[1])}));
-}
-
-void TestCleaning::logsWhatIsLocked()
-{
-    class Locked final : public ForwardingCalls
-    {
-    public:
-        std::optional<int> before(const char *call, int, const char *) const override
-        {
-            return QByteArrayView(call) == "removeFile" ? std::optional(EPERM) : std::nullopt;
-        }
-    };
-    makeFile(downloads("a"));
-    makeFolder(downloads("b"));
-    const LogCapture log;
-    const CleaningReport report =
-        clean(*m_home, {contentsOf({m_home->folder("Downloads")})}, {}, Locked());
-    QCOMPARE(report.failures.size(), 1);
-    QCOMPARE(report.failures.first().path, downloads("a"));
-    QCOMPARE(report.failures.first().error, EPERM);
-    QVERIFY(log.lines().contains(QStringLiteral("File might be locked: %1: Operation not permitted")
-                                     .arg(stored(m_home->file("Downloads/a")))));
-    QVERIFY(!exists(downloads("b"))); // cleaning goes on with the next item
-}
-
-void TestCleaning::stopsLoggingWhenThereAreVeryMany()
-{
-    constexpr int kFiles = 10'100;
-    for (int i = 0; i < kFiles; ++i)
-        makeFile(downloads(QByteArray::number(i)), {});
-    const LogCapture log;
-    QCOMPARE(cleanFolder().removedItems, std::uint64_t(kFiles));
-    QCOMPARE(log.lines().size(), 10'002);
-    QVERIFY(log.lines().first().endsWith(QStringLiteral(", and 9100 more)")));
-    QCOMPARE(log.lines().last(), QStringLiteral("Further removals are not logged one by one"));
-}
-
 void TestCleaning::stopsBeforeTheNextItem()
 {
     class Stopping final : public ForwardingCalls
@@ -385,23 +309,6 @@ void TestCleaning::stopsBeforeTheNextItem()
     QCOMPARE(report.removedItems, std::uint64_t(1));
     QCOMPARE(tree(downloads()).size(), std::size_t(3));
     QVERIFY(exists(m_path + "/.Trash/d"));
-}
-
-void TestCleaning::tellsTheObserver()
-{
-    class Counter final : public CleaningObserver
-    {
-    public:
-        void removedSoFar(std::uint64_t items) override { m_seen.push_back(items); }
-        std::vector<std::uint64_t> m_seen;
-    };
-    for (int i = 0; i < 1100; ++i)
-        makeFile(downloads("f" + QByteArray::number(i % 3) + '/' + QByteArray::number(i)), {});
-    Counter counter;
-    const CleaningPlan plan = makeCleaningPlan(hostSystemCalls(), *m_home,
-                                               {contentsOf({m_home->folder("Downloads")})}, {});
-    performCleaning(hostSystemCalls(), plan, {}, &counter);
-    QCOMPARE(counter.m_seen, std::vector<std::uint64_t>({512, 1024, 1103}));
 }
 
 VANTOR_TEST_MAIN(TestCleaning)
