@@ -7,6 +7,7 @@
 #include <chrono>
 
 class BFNavigationControllerDelegate;
+class NavigationView;
 
 enum class Animated { No, Yes };
 
@@ -27,7 +28,8 @@ public:
     /// one is made. The root gets viewWillAppear(false); its viewDidAppear is the caller's to send.
     BFNavigationController(QRect frame, ViewController *rootViewController,
                            QObject *parent = nullptr);
-    ~BFNavigationController() override;
+    /// A stack of a plain root, without a frame.
+    BFNavigationController();
 
     /// A copy; the root first.
     QList<ViewController *> viewControllers() const { return m_viewControllers; }
@@ -52,12 +54,16 @@ public:
 
 private:
     enum class Direction { Push, Pop };
-    class Change;
 
     std::unique_ptr<QWidget> loadView() override;
+    NavigationView &navigationView();
     void showRoot();
     void navigateFromViewController(ViewController *from, ViewController *to, Animated animated,
                                     Direction direction);
+    void fade(ViewController *from, ViewController *to);
+    void finishFade(ViewController *from, ViewController *to);
+    void exchange(ViewController *from, ViewController *to);
+    void complete(ViewController *from, ViewController *to, bool animated);
 
     QRect m_frame;
     QList<ViewController *> m_viewControllers;

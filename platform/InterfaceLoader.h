@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QHash>
 #include <QString>
 #include <QWidget>
 #include <functional>
@@ -28,6 +27,9 @@ public:
     using Factory = std::function<QWidget *(QWidget *parent)>;
 
     explicit InterfaceLoader(QString folder = QStringLiteral(":/interface"));
+    ~InterfaceLoader();
+    InterfaceLoader(const InterfaceLoader &) = delete;
+    InterfaceLoader &operator=(const InterfaceLoader &) = delete;
 
     /// Lets descriptions use a widget class of the program, by its own name. The class needs
     /// Q_OBJECT and a constructor that takes the parent.
@@ -43,15 +45,17 @@ public:
     LoadedInterface load(const QString &className) const;
 
 private:
+    class Reader;
+
     QString m_folder;
-    QHash<QString, Factory> m_factories;
+    std::unique_ptr<Reader> m_reader;
 };
 
 /// The object of this name and type inside a loaded interface (or its root itself). One that is
 /// missing or of another type is a mistake in the program: it stops with a message that names it.
 template <typename Outlet> Outlet *outlet(QWidget &interface, const char *name);
 
-/// As above; `typeName` is for the message.
+/// As above, for a type known at run time only.
 QObject *outletNamed(QWidget &interface, const char *name, const QMetaObject &type);
 
 template <typename Outlet> Outlet *outlet(QWidget &interface, const char *name)
