@@ -42,15 +42,15 @@ QRectF centredFrame(double width, double bottom, double top)
     return {-width / 2, bottom, width, top - bottom};
 }
 
-TextRuns nameRuns(const QString &name)
+WeightedText nameRuns(const QString &name)
 {
     return {{name, Typeface::Light}};
 }
 
-double widthOf(const TextRuns &runs, int fontSize)
+double widthOf(const WeightedText &runs, int fontSize)
 {
     double width = 0;
-    for (const TextRun &run : runs)
+    for (const WeightedRun &run : runs)
         width += QFontMetricsF(interfaceFont(run.face, fontSize)).horizontalAdvance(run.text);
     return std::ceil(width);
 }
@@ -60,10 +60,10 @@ double lineHeight(int fontSize)
     return QFontMetricsF(interfaceFont(Typeface::Regular, fontSize)).height();
 }
 
-void drawRuns(QPainter &painter, QPointF baseline, const TextRuns &runs, int fontSize)
+void drawRuns(QPainter &painter, QPointF baseline, const WeightedText &runs, int fontSize)
 {
     baseline = baseline.toPoint(); // letters stand on whole pixels
-    for (const TextRun &run : runs) {
+    for (const WeightedRun &run : runs) {
         const QFont font = interfaceFont(run.face, fontSize);
         painter.setFont(font);
         for (const HaloStep &step : kHaloSteps) {
@@ -122,9 +122,9 @@ void InfoLayer::sizeArrived(const Info *info, const std::optional<QString> &text
 {
     if (info != m_info.get())
         return;
-    const TextRuns size =
-        text ? attributedSizeString(*text).value_or(TextRuns{{*text, Typeface::Regular}})
-             : TextRuns{};
+    const WeightedText size =
+        text ? attributedSizeString(*text).value_or(WeightedText{{*text, Typeface::Regular}})
+             : WeightedText{};
     if (size != m_size) {
         m_size = size;
         contentChanged();
@@ -146,18 +146,18 @@ void InfoLayer::contentChanged()
     tell(); // where it is
 }
 
-std::optional<TextRuns> InfoLayer::attributedSizeString(const QString &text)
+std::optional<WeightedText> InfoLayer::attributedSizeString(const QString &text)
 {
     if (text.size() <= kUnitLength || text == u"Empty" || text == u"Click to select")
         return std::nullopt;
-    return TextRuns{{text.chopped(kUnitLength), Typeface::Regular},
+    return WeightedText{{text.chopped(kUnitLength), Typeface::Regular},
                     {text.last(kUnitLength), Typeface::Medium}};
 }
 
 QString InfoLayer::sizeString() const
 {
     QString text;
-    for (const TextRun &run : m_size)
+    for (const WeightedRun &run : m_size)
         text += run.text;
     return text;
 }

@@ -16,14 +16,14 @@ class Info;
 class QPainter;
 
 /// A piece of a label's text in one weight.
-struct TextRun
+struct WeightedRun
 {
     QString text;
     Typeface face = Typeface::Regular;
 
-    friend bool operator==(const TextRun &, const TextRun &) = default;
+    friend bool operator==(const WeightedRun &, const WeightedRun &) = default;
 };
-using TextRuns = std::vector<TextRun>;
+using WeightedText = std::vector<WeightedRun>;
 
 /// The label that rides on a slice: icon, name and size, one below the other around a middle point.
 /// The size text is asked for on a background thread, because finding it may mean to measure
@@ -50,7 +50,7 @@ public:
 
     const QString &imageName() const { return m_imageName; }
     const QString &nameString() const { return m_name; }
-    const TextRuns &sizeText() const { return m_size; }
+    const WeightedText &sizeText() const { return m_size; }
     /// The size text without its weights; empty while it is not known.
     QString sizeString() const;
 
@@ -66,7 +66,7 @@ public:
 
     /// The size text as it is set: number and unit in two weights. Nothing for texts that are no
     /// number with a two-letter unit, which are shown plain.
-    static std::optional<TextRuns> attributedSizeString(const QString &text);
+    static std::optional<WeightedText> attributedSizeString(const QString &text);
 
 private:
     void askForSize();
@@ -82,7 +82,7 @@ private:
     bool m_isIconAlone = false;
     QString m_imageName;
     QString m_name;
-    TextRuns m_size;
+    WeightedText m_size;
 
     /// The record whose size was asked for and did not arrive yet; an address to compare, no more.
     const Info *m_asked = nullptr;

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr auto kEmptyText = u"Empty";
+constexpr QLatin1String kEmptyText("Empty");
 
 } // namespace
 
@@ -65,6 +65,9 @@ void Info::setFileSize(qint64 bytes)
 
 std::optional<QString> Info::fileSizeString()
 {
+    // A second reader waits for the first one's walk instead of walking again beside it, so that a
+    // cleaning that asks begins only when nobody measures any more.
+    const std::scoped_lock measuring(m_measuring);
     FileUrls places;
     {
         const std::scoped_lock lock(m_mutex);
@@ -72,12 +75,17 @@ std::optional<QString> Info::fileSizeString()
             return m_fileSizeString;
         places = *m_fileURLs;
     }
-    // Measured without the lock: two first readers both measure, and both find the same.
     const qint64 bytes = measured(places);
-    const QString text = bytes == 0 ? QString::fromUtf16(kEmptyText) : stringFromByteCount(bytes);
+    const QString text = bytes == 0 ? kEmptyText : stringFromByteCount(bytes);
     setFileSizeString(text);
     setFileSize(bytes);
     return text;
+}
+
+bool Info::isMeasured() const
+{
+    const std::scoped_lock lock(m_mutex);
+    return m_fileURLs && m_fileSizeString;
 }
 
 void Info::setFileSizeString(std::optional<QString> text)
