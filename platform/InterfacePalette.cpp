@@ -1,0 +1,33 @@
+#include "platform/InterfacePalette.h"
+
+namespace {
+
+constexpr QColor kGround(247, 248, 250);
+constexpr QColor kPaper(255, 255, 255);
+constexpr QColor kText(51, 51, 51);
+constexpr QColor kQuietText(110, 110, 110);
+constexpr QColor kDisabledText(160, 160, 160);
+constexpr QColor kAccent(21, 106, 202);
+
+} // namespace
+
+QPalette interfacePalette()
+{
+    // The remaining shades, of bevels and the like, are derived from these two.
+    QPalette colors(kPaper, kGround);
+    colors.setColor(QPalette::Base, kPaper);
+    colors.setColor(QPalette::AlternateBase, kGround);
+    colors.setColor(QPalette::ToolTipBase, kPaper);
+    for (const QPalette::ColorRole role :
+         {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText}) {
+        colors.setColor(role, kText);
+        colors.setColor(QPalette::Disabled, role, kDisabledText);
+    }
+    colors.setColor(QPalette::PlaceholderText, kQuietText);
+    colors.setColor(QPalette::Highlight, kAccent);
+    colors.setColor(QPalette::Disabled, QPalette::Highlight, kDisabledText);
+    colors.setColor(QPalette::HighlightedText, kPaper);
+    colors.setColor(QPalette::Link, kAccent);
+    colors.setColor(QPalette::LinkVisited, kAccent);
+    return colors;
+}
