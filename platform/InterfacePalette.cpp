@@ -2,11 +2,12 @@
 
 namespace {
 
-constexpr QColor kGround(247, 248, 250);
 constexpr QColor kPaper(255, 255, 255);
-constexpr QColor kText(51, 51, 51);
-constexpr QColor kQuietText(110, 110, 110);
-constexpr QColor kDisabledText(160, 160, 160);
+constexpr QColor kShaded(247, 248, 250); ///< every other row
+constexpr QColor kButton(244, 245, 247);
+constexpr QColor kText(60, 63, 69);
+constexpr QColor kQuietText(110, 113, 120);
+constexpr QColor kDisabledText(180, 183, 189);
 constexpr QColor kAccent(21, 106, 202);
 
 } // namespace
@@ -14,9 +15,9 @@ constexpr QColor kAccent(21, 106, 202);
 QPalette interfacePalette()
 {
     // The remaining shades, of bevels and the like, are derived from these two.
-    QPalette colors(kPaper, kGround);
+    QPalette colors(kButton, kPaper);
     colors.setColor(QPalette::Base, kPaper);
-    colors.setColor(QPalette::AlternateBase, kGround);
+    colors.setColor(QPalette::AlternateBase, kShaded);
     colors.setColor(QPalette::ToolTipBase, kPaper);
     for (const QPalette::ColorRole role :
          {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText}) {
