@@ -1,18 +1,10 @@
 #include "platform/Alert.h"
 
 #include "platform/AlertPanel.h"
+#include "platform/DeleteLater.h"
 #include "platform/Sheet.h"
 
 #include <memory>
-
-namespace {
-
-struct DeleteLater
-{
-    void operator()(QObject *object) const { object->deleteLater(); }
-};
-
-} // namespace
 
 void presentAlert(QWidget &host, const Alert &alert, AlertCompletion completion)
 {

@@ -60,10 +60,11 @@ AlertPanel::AlertPanel(const Alert &alert)
     setAccessibleName(alert.messageText);
     setAccessibleDescription(alert.informativeText);
     auto *const column = new QVBoxLayout(this);
-    column->setContentsMargins(kMargin, kMargin, kMargin, kLowerMargin);
+    column->setContentsMargins(kMargin, kMargin, kMargin - PanelButton::kRing, kLowerMargin);
     column->setSpacing(kButtonsGap);
     auto *const row = new QHBoxLayout;
     row->setSpacing(kSymbolGap);
+    row->setContentsMargins(0, 0, PanelButton::kRing, 0);
     column->addLayout(row, 1);
     addSymbol(*row, alert.style);
     addTexts(*row, alert);

@@ -13,7 +13,6 @@ constexpr int kFontSize = 13;
 constexpr int kHeight = 32;
 constexpr int kMinimumWidth = 96;
 constexpr int kPadding = 20; // at each side of the title
-constexpr int kRing = 3;     // room for it all around
 constexpr double kRadius = 7;
 
 } // namespace

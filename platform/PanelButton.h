@@ -12,6 +12,9 @@ class PanelButton final : public QPushButton
     Q_OBJECT
 
 public:
+    /// Room around the button's face, inside its frame, for the focus ring.
+    static constexpr int kRing = 3;
+
     PanelButton(const QString &title, PanelButtonLook look, QWidget *parent = nullptr);
 
     QSize sizeHint() const override;

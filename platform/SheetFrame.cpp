@@ -131,8 +131,9 @@ void SheetFrame::paintEvent(QPaintEvent *)
 void SheetFrame::paintShadow(QPainter &painter, const QRectF &body) const
 {
     const QPixmap shadow = shadowPicture(devicePixelRatioF());
-    const int fixed = kCorner;
     const QRect target =
-        body.translated(0, kShadowDrop).adjusted(-kShadow, -2 * fixed, kShadow, kShadow).toRect();
-    qDrawBorderPixmap(&painter, target, QMargins(fixed, fixed, fixed, fixed), shadow);
+        body.translated(0, kShadowDrop).adjusted(-kShadow, -2 * kCorner, kShadow, kShadow).toRect();
+    const QMargins margins(kCorner, kCorner, kCorner, kCorner);
+    qDrawBorderPixmap(&painter, target, margins, shadow, shadow.rect(),
+                      margins * shadow.devicePixelRatio());
 }

@@ -59,6 +59,9 @@ public:
     /// Opens a folder for reading by its path relative to another open folder ("." reopens it).
     virtual SystemResult<FileDescriptor> openFolder(int parent, const char *relativePath,
                                                     Descent descent) const = 0;
+    /// Opens the folder around an open one, on the same file system. The caller checks that it is
+    /// the one it came from: the folder may have been moved meanwhile.
+    virtual SystemResult<FileDescriptor> openParent(int folder) const = 0;
     /// Opens a folder by its absolute path. No component may be a link.
     virtual SystemResult<FileDescriptor> openRoot(const char *path) const = 0;
     /// Fills the buffer with directory records (see DirectoryRecords); 0 at the end.
@@ -72,6 +75,8 @@ public:
     virtual SystemResult<FileIdentity> identity(int parent, const char *name) const = 0;
     /// Whether this process may add and remove entries of the folder (write and search rights).
     virtual bool mayChangeEntries(int folder) const = 0;
+    /// Whether the folder lives in memory alone, where no disk is waited for.
+    virtual bool isInMemory(int folder) const = 0;
 
     virtual SystemResult<void> removeFile(int parent, const char *name) const = 0;
     virtual SystemResult<void> removeFolder(int parent, const char *name) const = 0;

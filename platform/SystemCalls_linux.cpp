@@ -6,6 +6,7 @@
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
+#include <linux/magic.h>
 #include <linux/openat2.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -167,6 +168,12 @@ public:
                             descent == Descent::Strict ? kBeneath | RESOLVE_NO_XDEV : kBeneath);
     }
 
+    SystemResult<FileDescriptor> openParent(int folder) const override
+    {
+        return openResolved(folder, "..",
+                            RESOLVE_NO_SYMLINKS | RESOLVE_NO_MAGICLINKS | RESOLVE_NO_XDEV);
+    }
+
     SystemResult<FileDescriptor> openRoot(const char *path) const override
     {
         return openResolved(AT_FDCWD, path, RESOLVE_NO_SYMLINKS | RESOLVE_NO_MAGICLINKS);
@@ -200,6 +207,15 @@ public:
     bool mayChangeEntries(int folder) const override
     {
         return ::faccessat(folder, ".", W_OK | X_OK, AT_EACCESS) == 0;
+    }
+
+    bool isInMemory(int folder) const override
+    {
+        struct statfs fileSystem
+        {
+        };
+        return ::fstatfs(folder, &fileSystem) == 0 &&
+               (fileSystem.f_type == TMPFS_MAGIC || fileSystem.f_type == RAMFS_MAGIC);
     }
 
     SystemResult<void> removeFile(int parent, const char *name) const override

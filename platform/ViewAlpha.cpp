@@ -83,6 +83,9 @@ public:
         m_animation->setEasingCurve(QEasingCurve::InOutSine);
         connect(m_animation, &QVariantAnimation::valueChanged, this,
                 [this](const QVariant &value) { setAlpha(value.toDouble()); });
+        // The last value is a product, which need not be the wanted number to the last bit.
+        connect(m_animation, &QVariantAnimation::finished, this,
+                [this, alpha] { setAlpha(alpha); });
         m_animation->start(QAbstractAnimation::DeleteWhenStopped);
     }
 
