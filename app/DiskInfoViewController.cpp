@@ -6,6 +6,7 @@
 #include "platform/InterfaceLoader.h"
 #include "platform/ViewAlpha.h"
 #include "slices/Info.h"
+#include "widgets/ColorView.h"
 #include "widgets/StartButton.h"
 #include "widgets/TextField.h"
 

@@ -45,6 +45,6 @@ private:
     void connectOutlets();
 
     LabelController m_labelController;
-    QPointer<PieChart> m_pieChart;
-    QPointer<StartButton> m_startButton;
+    PieChart *m_pieChart = nullptr;
+    StartButton *m_startButton = nullptr;
 };

@@ -65,9 +65,9 @@ private:
 
     Services m_services;
     LabelController m_labelController;
-    QPointer<PieChart> m_pieChart;
-    QPointer<StartButton> m_scanAgainButton;
-    QPointer<TextField> m_sizeLabel;
+    PieChart *m_pieChart = nullptr;
+    StartButton *m_scanAgainButton = nullptr;
+    TextField *m_sizeLabel = nullptr;
     QList<std::shared_ptr<Info>> m_infoArray;
     QList<QColor> m_colors;
 };

@@ -3,7 +3,6 @@
 #include "app/VNTViewController.h"
 #include "platform/SystemCalls.h"
 
-#include <QPointer>
 #include <QTimer>
 #include <functional>
 #include <optional>
@@ -63,6 +62,6 @@ private:
 
     Services m_services;
     QTimer m_forwardTimer;
-    QPointer<ImageButton> m_homeButton;
-    QPointer<ImageView> m_homeCheck;
+    ImageButton *m_homeButton = nullptr;
+    ImageView *m_homeCheck = nullptr;
 };

@@ -5,6 +5,7 @@
 #include "widgets/ColorView.h"
 #include "widgets/ImageButton.h"
 #include "widgets/ImageView.h"
+#include "widgets/LegendView.h"
 #include "widgets/StartButton.h"
 #include "widgets/StyledLabel.h"
 #include "widgets/TextField.h"
@@ -14,6 +15,7 @@ void registerInterfaceClasses(InterfaceLoader &loader)
     loader.registerClass<ColorView>();
     loader.registerClass<ImageButton>();
     loader.registerClass<ImageView>();
+    loader.registerClass<LegendView>();
     loader.registerClass<PieChart>();
     loader.registerClass<StartButton>();
     loader.registerClass<StyledLabel>();

@@ -5,6 +5,7 @@
 #include "app/FinalViewController.h"
 #include "app/FolderSelectViewController.h"
 #include "app/VNTViewController.h"
+#include "platform/FolderGrant.h"
 #include "slices/FreeSpaceViewController.h"
 
 #include <QMainWindow>

@@ -16,7 +16,6 @@
 #include "slices/SliceHoverButtons.h"
 #include "slices/StartButtonText.h"
 #include "widgets/ImageButton.h"
-#include "widgets/ImageView.h"
 #include "widgets/StartButton.h"
 #include "widgets/TextField.h"
 

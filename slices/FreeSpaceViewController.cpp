@@ -8,7 +8,7 @@
 #include "slices/FolderSizing.h"
 #include "slices/SliceHoverButtons.h"
 #include "widgets/ImageButton.h"
-#include "widgets/ImageView.h"
+#include "widgets/LegendView.h"
 #include "widgets/StartButton.h"
 #include "widgets/TextField.h"
 
@@ -58,7 +58,7 @@ void FreeSpaceViewController::connectOutlets()
 {
     m_pieChart = outlet<PieChart>(*view(), "pieChart");
     m_startButton = outlet<StartButton>(*view(), "startButton");
-    m_legendImageView = outlet<ImageView>(*view(), "legendImageView");
+    m_legendImageView = outlet<LegendView>(*view(), "legendImageView");
     connectSizeLabels(m_labelController, *view());
 }
 

@@ -7,11 +7,9 @@
 #include "slices/SliceSelection.h"
 #include "widgets/LabelController.h"
 
-#include <QPointer>
 #include <functional>
 #include <stop_token>
 
-class ImageView;
 class PieChart;
 class SliceHoverButtons;
 class StartButton;
@@ -106,8 +104,8 @@ private:
     std::stop_source m_measuring; ///< stops the measures of an earlier visit
     CleaningJob m_job;
     bool m_isCleaning = false;
-    QPointer<PieChart> m_pieChart;
-    QPointer<StartButton> m_startButton;
-    QPointer<ImageView> m_legendImageView;
+    PieChart *m_pieChart = nullptr;
+    StartButton *m_startButton = nullptr;
+    QWidget *m_legendImageView = nullptr;
     SliceHoverButtons *m_hoverButtons = nullptr; ///< the chart's
 };
