@@ -40,6 +40,13 @@ struct FileIdentity
     friend bool operator==(const FileIdentity &, const FileIdentity &) = default;
 };
 
+/// The user as whom this process touches files.
+struct ActingUser
+{
+    std::uint32_t user = 0;
+    bool ownsEverything = false; ///< may act as the owner of any file, as the administrator may
+};
+
 /// Who may be entered on the way down.
 enum class Descent {
     /// Folders only, beneath the start, no link in any component, no other file system, no mount.
@@ -59,6 +66,9 @@ public:
     /// Opens a folder for reading by its path relative to another open folder ("." reopens it).
     virtual SystemResult<FileDescriptor> openFolder(int parent, const char *relativePath,
                                                     Descent descent) const = 0;
+    /// Opens the folder that holds this one at present, on the same mount. It may be another than
+    /// the one from which the folder was reached: compare before use.
+    virtual SystemResult<FileDescriptor> openParent(int folder) const = 0;
     /// Opens a folder by its absolute path. No component may be a link.
     virtual SystemResult<FileDescriptor> openRoot(const char *path) const = 0;
     /// Fills the buffer with directory records (see DirectoryRecords); 0 at the end.
@@ -67,11 +77,15 @@ public:
     /// The entry itself, never what a link leads to.
     virtual SystemResult<FileStatus> status(int parent, const char *name) const = 0;
     virtual SystemResult<FileStatus> statusOf(int descriptor) const = 0;
+    /// What an entry is, or what it leads to if it is a link. Only for what a user named.
+    virtual SystemResult<FileKind> kindBehind(int parent, const char *name) const = 0;
     virtual SystemResult<FileIdentity> identityOf(int descriptor) const = 0;
     /// The identity of an entry, whatever its kind; a link's own.
     virtual SystemResult<FileIdentity> identity(int parent, const char *name) const = 0;
     /// Whether this process may add and remove entries of the folder (write and search rights).
     virtual bool mayChangeEntries(int folder) const = 0;
+    /// Whose rights decide in a folder with the sticky bit.
+    virtual ActingUser actingUser() const = 0;
 
     virtual SystemResult<void> removeFile(int parent, const char *name) const = 0;
     virtual SystemResult<void> removeFolder(int parent, const char *name) const = 0;

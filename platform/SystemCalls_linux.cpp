@@ -6,6 +6,7 @@
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
+#include <linux/capability.h>
 #include <linux/openat2.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -155,6 +156,16 @@ SystemResult<FileIdentity> identityAt(int parent, const char *name, int flags)
     return identity;
 }
 
+/// Whether this thread may act as the owner of files that it does not own.
+bool holdsOwnersCapability()
+{
+    __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
+    std::array<__user_cap_data_struct, _LINUX_CAPABILITY_U32S_3> sets{};
+    if (::syscall(SYS_capget, &header, sets.data()) != 0)
+        return false;
+    return (sets[CAP_TO_INDEX(CAP_FOWNER)].effective & CAP_TO_MASK(CAP_FOWNER)) != 0;
+}
+
 class HostSystemCalls final : public SystemCalls
 {
 public:
@@ -165,6 +176,12 @@ public:
             RESOLVE_BENEATH | RESOLVE_NO_SYMLINKS | RESOLVE_NO_MAGICLINKS;
         return openResolved(parent, relativePath,
                             descent == Descent::Strict ? kBeneath | RESOLVE_NO_XDEV : kBeneath);
+    }
+
+    SystemResult<FileDescriptor> openParent(int folder) const override
+    {
+        return openResolved(folder, "..",
+                            RESOLVE_NO_XDEV | RESOLVE_NO_SYMLINKS | RESOLVE_NO_MAGICLINKS);
     }
 
     SystemResult<FileDescriptor> openRoot(const char *path) const override
@@ -187,6 +204,16 @@ public:
         return statxAt(descriptor, "", AT_EMPTY_PATH, kStatusMask).map(statusFrom);
     }
 
+    SystemResult<FileKind> kindBehind(int parent, const char *name) const override
+    {
+        struct statx found
+        {
+        };
+        if (::statx(parent, name, AT_STATX_DONT_SYNC, STATX_TYPE, &found) != 0)
+            return lastError();
+        return kindOfMode(found.stx_mode);
+    }
+
     SystemResult<FileIdentity> identityOf(int descriptor) const override
     {
         return identityAt(descriptor, "", AT_EMPTY_PATH);
@@ -201,6 +228,8 @@ public:
     {
         return ::faccessat(folder, ".", W_OK | X_OK, AT_EACCESS) == 0;
     }
+
+    ActingUser actingUser() const override { return {::geteuid(), holdsOwnersCapability()}; }
 
     SystemResult<void> removeFile(int parent, const char *name) const override
     {
