@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QByteArray>
+#include <functional>
+
+enum class ChildUser {
+    Same,
+    /// An ordinary user without rights of any kind: nothing is writable or readable just because
+    /// the tests run as root.
+    Nobody,
+};
+
+constexpr unsigned kNobody = 65534; ///< user and group of ChildUser::Nobody
+
+struct ChildOutcome
+{
+    int exitCode = -1; ///< what the work returned; -1 when it did not come to an end
+    int signal = 0;    ///< what ended it, 0 when nothing did
+    QByteArray errorText;
+};
+
+/// Runs `work` in a process of its own, as a copy of this one without its other threads, and waits
+/// for it. For what ends the process, and for what root's rights would hide. QVERIFY and the like
+/// do not reach the parent from there: say it with the return value, 0 to 127.
+ChildOutcome runInChild(ChildUser user, const std::function<int()> &work);
