@@ -106,14 +106,21 @@ FileStatus statusFrom(const struct statx &found)
     return status;
 }
 
+/// Asks without waiting for a server, and without mounting what is mounted on demand.
 SystemResult<struct statx> statxAt(int parent, const char *name, int flags, unsigned mask)
 {
+    constexpr int kQuietly = AT_STATX_DONT_SYNC | AT_NO_AUTOMOUNT;
     struct statx found
     {
     };
-    if (::statx(parent, name, flags | AT_SYMLINK_NOFOLLOW | AT_STATX_DONT_SYNC, mask, &found) != 0)
+    if (::statx(parent, name, flags | kQuietly, mask, &found) != 0)
         return lastError();
     return found;
+}
+
+FileKind kindFrom(const struct statx &found)
+{
+    return kindOfMode(found.stx_mode);
 }
 
 constexpr unsigned kStatusMask = STATX_TYPE | STATX_MODE | STATX_UID | STATX_SIZE | STATX_INO;
@@ -134,7 +141,7 @@ QByteArray handleAt(int parent, const char *name, int flags)
 
 SystemResult<FileIdentity> identityAt(int parent, const char *name, int flags)
 {
-    const auto found = statxAt(parent, name, flags, STATX_INO | STATX_BTIME);
+    const auto found = statxAt(parent, name, flags | AT_SYMLINK_NOFOLLOW, STATX_INO | STATX_BTIME);
     if (!found)
         return tl::unexpected(found.error());
     struct statfs fileSystem
@@ -196,7 +203,7 @@ public:
 
     SystemResult<FileStatus> status(int parent, const char *name) const override
     {
-        return statxAt(parent, name, 0, kStatusMask).map(statusFrom);
+        return statxAt(parent, name, AT_SYMLINK_NOFOLLOW, kStatusMask).map(statusFrom);
     }
 
     SystemResult<FileStatus> statusOf(int descriptor) const override
@@ -206,12 +213,7 @@ public:
 
     SystemResult<FileKind> kindBehind(int parent, const char *name) const override
     {
-        struct statx found
-        {
-        };
-        if (::statx(parent, name, AT_STATX_DONT_SYNC, STATX_TYPE, &found) != 0)
-            return lastError();
-        return kindOfMode(found.stx_mode);
+        return statxAt(parent, name, 0, STATX_TYPE).map(kindFrom);
     }
 
     SystemResult<FileIdentity> identityOf(int descriptor) const override
