@@ -52,7 +52,8 @@ public:
     void setImage(const QString &image) { m_image = image; }
 
     std::optional<FileUrls> fileURLs() const;
-    /// Measures the new places and sets the size; the size text is the caller's to change.
+    /// Measures the new places, which may take long, and sets the size, unless still newer places
+    /// were set meanwhile. The size text is the caller's to change.
     void setFileURLs(const FileUrls &fileURLs);
 
     /// Bytes below all places; 0 until measured.
@@ -72,6 +73,10 @@ public:
 
 private:
     qint64 measured(const FileUrls &fileURLs) const;
+    void measureOnce();
+    std::optional<FileUrls> placesToMeasure() const;
+    bool storeFirstMeasure(const FileUrls &places, qint64 bytes);
+    void postSizeChanged() const;
 
     QString m_name;
     QString m_image;

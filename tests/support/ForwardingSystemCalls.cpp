@@ -81,6 +81,16 @@ bool ForwardingSystemCalls::mayChangeEntries(int folder) const
         .value_or(false);
 }
 
+SystemResult<FileKind> ForwardingSystemCalls::kindBehind(int parent, const char *name) const
+{
+    return forwarded("kindBehind", [&] { return m_next.kindBehind(parent, name); });
+}
+
+ActingUser ForwardingSystemCalls::actingUser() const
+{
+    return m_next.actingUser();
+}
+
 bool ForwardingSystemCalls::isInMemory(int folder) const
 {
     return m_next.isInMemory(folder);
