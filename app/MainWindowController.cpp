@@ -9,6 +9,8 @@
 #include "platform/InterfaceLoader.h"
 #include "platform/Workspace.h"
 
+#include <QLayout>
+
 namespace {
 
 std::unique_ptr<QMainWindow> loadedWindow(const InterfaceLoader &loader)
@@ -38,6 +40,7 @@ MainWindowController::~MainWindowController()
 
 void MainWindowController::windowDidLoad()
 {
+    m_window->layout()->setSizeConstraint(QLayout::SetFixedSize);
     setupViewControllers();
     setupNavigationController();
 }
@@ -90,6 +93,8 @@ void MainWindowController::replaceContentWithViewController(ViewController &cont
 {
     QWidget *old = m_window->takeCentralWidget();
     controller.view()->setGeometry(old ? old->rect() : QRect());
+    if (old) // the pages are drawn for this size
+        controller.view()->setFixedSize(old->minimumSize());
     m_window->setCentralWidget(controller.view());
     if (old && m_navigationController)
         old->setParent(nullptr); // the old stack's own
