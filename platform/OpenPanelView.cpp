@@ -54,6 +54,7 @@ OpenPanelView::OpenPanelView(OpenPanel panel) : m_panel(std::move(panel))
     connect(m_chooser, &FileChooser::chosen, this, &OpenPanelView::choose);
     connect(m_chooser, &FileChooser::chosenPathChanged, this, &OpenPanelView::updateOpenButton);
     updateOpenButton();
+    m_chooser->focusList();
 }
 
 OpenPanelView::~OpenPanelView()
@@ -65,12 +66,6 @@ OpenPanelView::~OpenPanelView()
 QSize OpenPanelView::sizeHint() const
 {
     return kSize;
-}
-
-void OpenPanelView::showEvent(QShowEvent *event)
-{
-    QWidget::showEvent(event);
-    m_chooser->focusList();
 }
 
 void OpenPanelView::addPrompt(QBoxLayout &column)

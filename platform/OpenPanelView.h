@@ -24,9 +24,6 @@ public:
     /// What was chosen; empty until then.
     QByteArray path() const { return m_path; }
 
-protected:
-    void showEvent(QShowEvent *event) override;
-
 private:
     void addPrompt(QBoxLayout &column);
     void addChooser(QBoxLayout &column);

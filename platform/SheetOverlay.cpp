@@ -53,6 +53,7 @@ SheetOverlay::SheetOverlay(QWidget &host, QWidget &panel, SheetCancel cancel)
       m_panel(&panel),
       m_formerParent(panel.parentWidget()),
       m_formerFocus(host.focusWidget()),
+      m_wantedFocus(panel.focusWidget()),
       m_hadOwnSize(panel.testAttribute(Qt::WA_Resized)),
       m_wantedSize(m_hadOwnSize ? panel.size() : panel.sizeHint()),
       m_cancel(std::move(cancel)),
@@ -151,9 +152,8 @@ void SheetOverlay::release()
 void SheetOverlay::takeFocus()
 {
     setFocus(Qt::OtherFocusReason);
-    QWidget *const wanted = m_panel->focusWidget();
-    if (wanted && wanted->isVisible())
-        wanted->setFocus(Qt::OtherFocusReason);
+    if (m_wantedFocus && m_wantedFocus->isVisible())
+        m_wantedFocus->setFocus(Qt::OtherFocusReason);
     else
         focusNextPrevChild(true);
 }
