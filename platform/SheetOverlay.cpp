@@ -80,6 +80,7 @@ void SheetOverlay::adoptPanel()
     m_frame->setPalette(m_panel->palette());
     m_frame->setAccessibleName(m_panel->accessibleName().isEmpty() ? m_panel->windowTitle()
                                                                    : m_panel->accessibleName());
+    m_frame->setAccessibleDescription(m_panel->accessibleDescription());
     m_panel->show();
 }
 
