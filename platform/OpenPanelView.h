@@ -28,6 +28,7 @@ private:
     void addPrompt(QBoxLayout &column);
     void addChooser(QBoxLayout &column);
     void addButtons(QBoxLayout &column);
+    void cancel();
     void choose();
     void updateOpenButton();
     QString objection(const QString &path) const;

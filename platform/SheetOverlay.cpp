@@ -60,7 +60,6 @@ SheetOverlay::SheetOverlay(QWidget &host, QWidget &panel, SheetCancel cancel)
       m_frame(new SheetFrame(this)),
       m_guard(new SheetGuard(host, *this))
 {
-    setFocusPolicy(Qt::ClickFocus);
     setAcceptDrops(true); // and refuses them all, lest they fall through
     host.installEventFilter(this);
     adoptPanel();
