@@ -18,9 +18,10 @@ struct Ring
     QColor color;
     double width;
 };
-/// The focus ring, inside the slice's edge: light, and dark within, so that it is seen on any
-/// colour.
-constexpr std::array kFocusRings{Ring{QColor(0, 0, 0, 110), 5}, Ring{QColor(255, 255, 255), 3}};
+/// The focus ring, inside the slice's edge: a light band with a dark rim, so that it is seen on any
+/// colour and before any ground. Painted from the widest to the narrowest.
+constexpr std::array kFocusRings{Ring{QColor(0, 0, 0, 90), 6}, Ring{QColor(255, 255, 255), 5},
+                                 Ring{QColor(0, 0, 0, 140), 1.5}};
 
 bool isKeyboardReason(Qt::FocusReason reason)
 {
