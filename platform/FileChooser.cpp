@@ -11,6 +11,7 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QListView>
+#include <QSignalBlocker>
 #include <QSplitter>
 #include <QStandardPaths>
 #include <QToolButton>
@@ -221,6 +222,8 @@ void FileChooser::followChoice()
 void FileChooser::clearChoice()
 {
     m_isTyped = false;
+    const QSignalBlocker quiet(
+        m_name); // else the dialog takes the folder's own name for a typed one
     m_name->clear();
     m_name->setPlaceholderText(directory().dirName());
     m_list->clearSelection();
@@ -230,6 +233,12 @@ void FileChooser::clearChoice()
 void FileChooser::focusList()
 {
     m_list->setFocus(Qt::OtherFocusReason);
+}
+
+void FileChooser::enter(const QString &folder)
+{
+    setDirectory(folder);
+    clearChoice();
 }
 
 QString FileChooser::chosenPath() const

@@ -28,12 +28,17 @@ public:
     QString chosenPath() const;
 
     void focusList();
+    /// Shows another folder.
+    void enter(const QString &folder);
 
     /// Enter, or a double click on a file.
     void accept() override { Q_EMIT chosen(); }
+    /// Escape in the list.
+    void reject() override { Q_EMIT cancelled(); }
 
 Q_SIGNALS:
     void chosen();
+    void cancelled();
     void chosenPathChanged();
 
 protected:

@@ -52,8 +52,10 @@ OpenPanelView::OpenPanelView(OpenPanel panel) : m_panel(std::move(panel))
     addChooser(*column);
     addButtons(*column);
     connect(m_chooser, &FileChooser::chosen, this, &OpenPanelView::choose);
+    connect(m_chooser, &FileChooser::cancelled, this, &OpenPanelView::cancel);
     connect(m_chooser, &FileChooser::chosenPathChanged, this, &OpenPanelView::updateOpenButton);
     updateOpenButton();
+    m_chooser->focusList();
 }
 
 OpenPanelView::~OpenPanelView()
@@ -65,12 +67,6 @@ OpenPanelView::~OpenPanelView()
 QSize OpenPanelView::sizeHint() const
 {
     return kSize;
-}
-
-void OpenPanelView::showEvent(QShowEvent *event)
-{
-    QWidget::showEvent(event);
-    m_chooser->focusList();
 }
 
 void OpenPanelView::addPrompt(QBoxLayout &column)
@@ -95,18 +91,28 @@ void OpenPanelView::addButtons(QBoxLayout &column)
     column.addLayout(row);
     m_message = new WrappedLabel({}, interfaceFont(Typeface::Regular, kMessageSize), this);
     row->addWidget(m_message, 1);
-    auto *const cancel = new PanelButton(QStringLiteral("Cancel"), PanelButtonLook::Plain, this);
-    connect(cancel, &QPushButton::clicked, this, [this] { endSheet(*this, kSheetCancelled); });
-    row->addWidget(cancel);
+    auto *const cancelButton =
+        new PanelButton(QStringLiteral("Cancel"), PanelButtonLook::Plain, this);
+    connect(cancelButton, &QPushButton::clicked, this, &OpenPanelView::cancel);
+    row->addWidget(cancelButton);
     m_openButton = new PanelButton(m_panel.title, PanelButtonLook::Plain, this);
     m_openButton->setDefault(true);
     connect(m_openButton, &QPushButton::clicked, this, &OpenPanelView::choose);
     row->addWidget(m_openButton);
 }
 
+void OpenPanelView::cancel()
+{
+    endSheet(*this, kSheetCancelled);
+}
+
 void OpenPanelView::choose()
 {
     const QString path = m_chooser->chosenPath();
+    if (m_panel.choice == OpenPanelChoice::Files && QFileInfo(path).isDir()) {
+        m_chooser->enter(path);
+        return;
+    }
     const QString refusal = objection(path);
     m_message->setText(refusal);
     if (!refusal.isEmpty())
@@ -131,8 +137,6 @@ QString OpenPanelView::objection(const QString &path) const
         return QStringLiteral("There is no file or folder named “%1”.").arg(name);
     if (m_panel.choice == OpenPanelChoice::Folders && !item.isDir())
         return QStringLiteral("“%1” is not a folder.").arg(name);
-    if (m_panel.choice == OpenPanelChoice::Files && item.isDir())
-        return QStringLiteral("“%1” is a folder. Choose a file.").arg(name);
     if (m_panel.shouldEnable && !m_panel.shouldEnable(QFile::encodeName(path)))
         return QStringLiteral("“%1” cannot be chosen here.").arg(name);
     return {};

@@ -24,13 +24,11 @@ public:
     /// What was chosen; empty until then.
     QByteArray path() const { return m_path; }
 
-protected:
-    void showEvent(QShowEvent *event) override;
-
 private:
     void addPrompt(QBoxLayout &column);
     void addChooser(QBoxLayout &column);
     void addButtons(QBoxLayout &column);
+    void cancel();
     void choose();
     void updateOpenButton();
     QString objection(const QString &path) const;

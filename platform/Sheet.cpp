@@ -92,9 +92,10 @@ void SheetQueue::finish(int result)
         showNext();
 }
 
-/// The panel died while it was up.
+/// The panel is dying while it is up.
 void SheetQueue::drop()
 {
+    m_overlay->forgetPanel();
     m_completion = nullptr;
     deleteOverlay();
     showNext();

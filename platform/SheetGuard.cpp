@@ -20,6 +20,10 @@ bool SheetGuard::eventFilter(QObject *watched, QEvent *event)
         event->ignore();
         return true;
     case QEvent::ShortcutOverride:
+        if (m_isGivingKeyBack) {
+            event->accept(); // no shortcut this time
+            return true;
+        }
         m_lastKey.reset(static_cast<QKeyEvent *>(event)->clone());
         return false;
     case QEvent::Shortcut:
@@ -41,14 +45,16 @@ bool SheetGuard::mayHaveShortcut(QObject *receiver) const
 
 /// A key that means something behind the sheet may mean something else in it, as the space bar on a
 /// button: the sheet gets it as if there were no shortcut.
-void SheetGuard::giveKeyBack() const
+void SheetGuard::giveKeyBack()
 {
     QWidget *const focus = m_host.focusWidget();
-    if (!m_lastKey || !focus || placeOf(focus) != Place::Inside)
+    if (m_isLocked || !m_lastKey || !focus || placeOf(focus) != Place::Inside)
         return;
     QKeyEvent key(QEvent::KeyPress, m_lastKey->key(), m_lastKey->modifiers(), m_lastKey->text(),
                   m_lastKey->isAutoRepeat());
+    m_isGivingKeyBack = true;
     QCoreApplication::sendEvent(focus, &key);
+    m_isGivingKeyBack = false;
 }
 
 SheetGuard::Place SheetGuard::placeOf(const QObject *object) const

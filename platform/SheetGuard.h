@@ -26,12 +26,13 @@ private:
     bool mayHaveShortcut(QObject *receiver) const;
     Place placeOf(const QObject *object) const;
     Place placeOfReceiver(QObject *receiver) const;
-    void giveKeyBack() const;
+    void giveKeyBack();
     void keepFocusInside(QWidget *now);
 
     QWidget &m_host;
     QWidget &m_overlay;
     QPointer<QWidget> m_focusInside;
     std::unique_ptr<QKeyEvent> m_lastKey; ///< which may turn out to be a shortcut
+    bool m_isGivingKeyBack = false;
     bool m_isLocked = false;
 };

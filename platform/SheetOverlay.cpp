@@ -53,13 +53,13 @@ SheetOverlay::SheetOverlay(QWidget &host, QWidget &panel, SheetCancel cancel)
       m_panel(&panel),
       m_formerParent(panel.parentWidget()),
       m_formerFocus(host.focusWidget()),
+      m_wantedFocus(panel.focusWidget()),
       m_hadOwnSize(panel.testAttribute(Qt::WA_Resized)),
       m_wantedSize(m_hadOwnSize ? panel.size() : panel.sizeHint()),
       m_cancel(std::move(cancel)),
       m_frame(new SheetFrame(this)),
       m_guard(new SheetGuard(host, *this))
 {
-    setFocusPolicy(Qt::ClickFocus);
     setAcceptDrops(true); // and refuses them all, lest they fall through
     host.installEventFilter(this);
     adoptPanel();
@@ -79,6 +79,7 @@ void SheetOverlay::adoptPanel()
     m_frame->setPalette(m_panel->palette());
     m_frame->setAccessibleName(m_panel->accessibleName().isEmpty() ? m_panel->windowTitle()
                                                                    : m_panel->accessibleName());
+    m_frame->setAccessibleDescription(m_panel->accessibleDescription());
     m_panel->show();
 }
 
@@ -151,9 +152,8 @@ void SheetOverlay::release()
 void SheetOverlay::takeFocus()
 {
     setFocus(Qt::OtherFocusReason);
-    QWidget *const wanted = m_panel->focusWidget();
-    if (wanted && wanted->isVisible())
-        wanted->setFocus(Qt::OtherFocusReason);
+    if (m_wantedFocus && m_wantedFocus->isVisible())
+        m_wantedFocus->setFocus(Qt::OtherFocusReason);
     else
         focusNextPrevChild(true);
 }

@@ -21,6 +21,8 @@ public:
 
     /// Null when the panel died.
     QWidget *panel() const { return m_panel; }
+    /// The panel is being deleted.
+    void forgetPanel() { m_panel = nullptr; }
     SheetFrame &frame() const { return *m_frame; }
 
     void slideIn();
@@ -57,6 +59,7 @@ private:
     QPointer<QWidget> m_panel;
     QPointer<QWidget> m_formerParent;
     QPointer<QWidget> m_formerFocus;
+    QPointer<QWidget> m_wantedFocus; ///< which the panel loses when it is adopted
     bool m_hadOwnSize;
     QSize m_wantedSize;
     SheetCancel m_cancel;
