@@ -63,6 +63,8 @@ private:
     bool step(const char *name, bool isDone)
     {
         out() << (isDone ? "done: " : "FAILED: ") << name << Qt::endl;
+        if (!isDone)
+            takePicture(QStringLiteral("failed"));
         return isDone;
     }
 

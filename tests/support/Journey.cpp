@@ -63,9 +63,10 @@ bool Journey::chooseHome(const QByteArray &path)
     };
     if (!waitFor([&] { return nameEdit() && nameEdit()->isVisible(); }))
         return false;
-    nameEdit()->clear();
+    nameEdit()->setFocus();
+    nameEdit()->selectAll();
     QTest::keyClicks(nameEdit(), QFile::decodeName(path));
-    QTest::keyClick(nameEdit(), Qt::Key_Return);
+    QTest::keyClick(window().windowHandle(), Qt::Key_Return);
     return waitFor([this] { return !hasSheet(window()); });
 }
 
