@@ -7,3 +7,7 @@ enum ExitCode { kDone = 0, kFailed = 1, kUsageError = 2 };
 
 /// `size PATH...`: measures each place and prints one JSON object a line.
 int runSizeCommand(const QStringList &arguments);
+
+/// `trees FOLDER`: makes the three trees by which the engines are measured, "cache", "flat" and
+/// "deep", in a folder that holds none of these names.
+int runTreesCommand(const QStringList &arguments);

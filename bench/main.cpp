@@ -15,6 +15,7 @@ struct Command
 
 constexpr std::array kCommands{
     Command{"size", "size [--threads N] PATH...", &runSizeCommand},
+    Command{"trees", "trees FOLDER", &runTreesCommand},
 };
 
 int printUsage()
