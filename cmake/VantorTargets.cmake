@@ -5,14 +5,18 @@ function(vantor_library name)
     target_link_libraries(${name} PUBLIC vantor_options ${ARG_LINKS})
 endfunction()
 
-# vantor_tests(LINKS ... [GUI]): every tst_*.cpp of this folder becomes one test of that name.
+# vantor_tests(LINKS ... [GUI] [ONLY tst_A tst_B ...]): every tst_*.cpp of this folder becomes one
+# test of that name, but for those that an earlier call with ONLY has named.
 # A test never sees the user's own bus, display or settings; tests/support makes it a home of its own.
 function(vantor_tests)
-    cmake_parse_arguments(ARG "GUI" "" "LINKS" ${ARGN})
+    cmake_parse_arguments(ARG "GUI" "" "LINKS;ONLY" ${ARGN})
     get_filename_component(folder ${CMAKE_CURRENT_SOURCE_DIR} NAME)
     file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/tst_*.cpp)
     foreach(source ${sources})
         get_filename_component(name ${source} NAME_WE)
+        if(TARGET ${name} OR (ARG_ONLY AND NOT name IN_LIST ARG_ONLY))
+            continue()
+        endif()
         add_executable(${name} ${source})
         set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
         target_link_libraries(${name} PRIVATE vantor_options ${ARG_LINKS} Qt6::Test

@@ -6,6 +6,9 @@
 
 namespace {
 
+/// From this size on the display cuts are used, whose letters stand closer and are drawn finer.
+constexpr int kDisplaySize = 24;
+
 /// The weights are real cuts, none is made bolder or thinner by the painter.
 QFont::Weight weightOf(Typeface face)
 {
@@ -24,13 +27,15 @@ QFont::Weight weightOf(Typeface face)
     Q_UNREACHABLE();
 }
 
-QString loadedFamily()
+/// Makes the five cuts of a design known and gives the name of the family that they form.
+QString loadedFamily(const QString &design)
 {
     constexpr std::array kCuts{"Thin", "ExtraLight", "Light", "Regular", "Medium"};
     QString family;
     for (const char *cut : kCuts) {
         const int id = QFontDatabase::addApplicationFont(
-            QStringLiteral(":/fonts/Inter-%1.otf").arg(QLatin1String(cut)));
+            QStringLiteral(":/fonts/%1-%2.otf").arg(design, QLatin1String(cut)));
+        // The common family comes first, then one for the cut alone.
         const QStringList families = QFontDatabase::applicationFontFamilies(id);
         if (family.isEmpty() && !families.isEmpty())
             family = families.constFirst();
@@ -38,15 +43,25 @@ QString loadedFamily()
     return family;
 }
 
+QString familyFor(int size)
+{
+    static const QString textFamily = loadedFamily(QStringLiteral("Inter"));
+    static const QString displayFamily = loadedFamily(QStringLiteral("InterDisplay"));
+    return size < kDisplaySize ? textFamily : displayFamily;
+}
+
 } // namespace
 
 QFont interfaceFont(Typeface face, int size)
 {
-    static const QString family = loadedFamily();
     QFont font;
+    const QString family = familyFor(size);
     if (!family.isEmpty())
         font.setFamilies({family});
     font.setPixelSize(size);
     font.setWeight(weightOf(face));
+    // The desktop's setting may widen every letter to whole dots, which thin type bears badly; this
+    // keeps horizontal strokes sharp and the spacing true, alike on every desktop.
+    font.setHintingPreference(QFont::PreferVerticalHinting);
     return font;
 }

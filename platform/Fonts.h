@@ -5,6 +5,6 @@
 /// The weights of the interface's typeface, named as its designers' tables name them.
 enum class Typeface { UltraLight, Thin, Light, Regular, Medium };
 
-/// The interface's font (Inter, from the program's own resources) at a size in points of the
-/// screen. Loads the fonts on first use. Main thread only.
+/// The interface's font (Inter, from the program's own resources; its display cuts at large sizes)
+/// at a size in points of the screen. Loads the fonts on first use. Main thread only.
 QFont interfaceFont(Typeface face, int size);

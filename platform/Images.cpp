@@ -1,6 +1,7 @@
 #include "platform/Images.h"
 
 #include <QFile>
+#include <QHash>
 #include <QPainter>
 #include <QPixmapCache>
 #include <QSvgRenderer>
@@ -36,7 +37,14 @@ bool hasImageNamed(const QString &name)
 
 QSize imageSize(const QString &name)
 {
-    return hasImageNamed(name) ? QSvgRenderer(resourceOf(name)).defaultSize() : QSize();
+    // Asked for with every painting, and reading a drawing takes longer than showing it.
+    static QHash<QString, QSize> sizes;
+    const auto known = sizes.constFind(name);
+    if (known != sizes.constEnd())
+        return *known;
+    const QSize size = hasImageNamed(name) ? QSvgRenderer(resourceOf(name)).defaultSize() : QSize();
+    sizes.insert(name, size);
+    return size;
 }
 
 QPixmap imageNamed(const QString &name, qreal scale, QSize size)

@@ -84,6 +84,8 @@ public:
     virtual SystemResult<FileIdentity> identity(int parent, const char *name) const = 0;
     /// Whether this process may add and remove entries of the folder (write and search rights).
     virtual bool mayChangeEntries(int folder) const = 0;
+    /// Whether the folder lives in memory alone, where no disk is waited for.
+    virtual bool isInMemory(int folder) const = 0;
     /// Whose rights decide in a folder with the sticky bit.
     virtual ActingUser actingUser() const = 0;
 

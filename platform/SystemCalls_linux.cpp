@@ -7,6 +7,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <linux/capability.h>
+#include <linux/magic.h>
 #include <linux/openat2.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -229,6 +230,15 @@ public:
     bool mayChangeEntries(int folder) const override
     {
         return ::faccessat(folder, ".", W_OK | X_OK, AT_EACCESS) == 0;
+    }
+
+    bool isInMemory(int folder) const override
+    {
+        struct statfs fileSystem
+        {
+        };
+        return ::fstatfs(folder, &fileSystem) == 0 &&
+               (fileSystem.f_type == TMPFS_MAGIC || fileSystem.f_type == RAMFS_MAGIC);
     }
 
     ActingUser actingUser() const override { return {::geteuid(), holdsOwnersCapability()}; }

@@ -1,10 +1,14 @@
 #include "platform/ViewAlpha.h"
 
+#include "platform/AlphaVeil.h"
+
+#include <QEvent>
 #include <QGraphicsEffect>
 #include <QPainter>
 #include <QPointer>
 #include <QStyle>
 #include <QVariantAnimation>
+#include <memory>
 
 namespace {
 
@@ -17,13 +21,68 @@ class AlphaEffect final : public QGraphicsEffect
 public:
     explicit AlphaEffect(QWidget *parent) : QGraphicsEffect(parent) {}
 
-    double alpha() const { return m_alpha; }
-
     void setAlpha(double alpha)
     {
         m_alpha = alpha;
         setEnabled(alpha < 1);
         update();
+    }
+
+protected:
+    void draw(QPainter *painter) override
+    {
+        if (m_alpha <= 0)
+            return;
+        QPoint offset;
+        const QPixmap picture = sourcePixmap(Qt::LogicalCoordinates, &offset, NoPad);
+        painter->setOpacity(painter->opacity() * m_alpha);
+        painter->drawPixmap(offset, picture);
+    }
+
+private:
+    double m_alpha = 1;
+};
+
+/// Qt leaves out the ground below an opaque child, even where its parent is faded and the ground
+/// should shine through. A widget with an effect, be it idle, does not count as opaque.
+void showGroundBelowChildren(const QWidget &faded)
+{
+    const QList<QWidget *> children = faded.findChildren<QWidget *>();
+    for (QWidget *child : children) {
+        const bool isOpaque =
+            child->autoFillBackground() || child->testAttribute(Qt::WA_OpaquePaintEvent);
+        if (!isOpaque || child->graphicsEffect() || child->isWindow())
+            continue;
+        auto *effect = new AlphaEffect(child);
+        effect->setAlpha(1);
+        child->setGraphicsEffect(effect);
+    }
+}
+
+/// What is known of one widget's opacity; a child of the widget.
+class ViewAlpha final : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit ViewAlpha(QWidget *widget) : QObject(widget), m_widget(*widget)
+    {
+        widget->installEventFilter(this);
+    }
+    ~ViewAlpha() override { delete m_veil; }
+
+    double alpha() const { return m_alpha; }
+
+    void setAlpha(double alpha)
+    {
+        m_alpha = alpha;
+        draw();
+    }
+
+    void setDrawing(AlphaDrawing drawing)
+    {
+        m_drawing = drawing;
+        draw();
     }
 
     void animate(double alpha, std::chrono::milliseconds duration)
@@ -40,6 +99,9 @@ public:
         m_animation->setEasingCurve(QEasingCurve::InOutSine);
         connect(m_animation, &QVariantAnimation::valueChanged, this,
                 [this](const QVariant &value) { setAlpha(value.toDouble()); });
+        // The last value is a product, which need not be the wanted number to the last bit.
+        connect(m_animation, &QVariantAnimation::finished, this,
+                [this, alpha] { setAlpha(alpha); });
         m_animation->start(QAbstractAnimation::DeleteWhenStopped);
     }
 
@@ -50,51 +112,87 @@ public:
     }
 
 protected:
-    void draw(QPainter *painter) override
+    bool eventFilter(QObject *watched, QEvent *event) override
     {
-        if (m_alpha <= 0)
-            return;
-        QPoint offset;
-        const QPixmap picture = sourcePixmap(Qt::LogicalCoordinates, &offset, NoPad);
-        painter->setOpacity(painter->opacity() * m_alpha);
-        painter->drawPixmap(offset, picture);
+        if (event->type() == QEvent::ParentChange)
+            draw();
+        return QObject::eventFilter(watched, event);
     }
 
 private:
+    void draw()
+    {
+        const bool isVeiled = m_drawing == AlphaDrawing::Veil;
+        drawByPicture(isVeiled ? 1 : m_alpha);
+        drawByVeil(isVeiled ? m_alpha : 1);
+    }
+
+    void drawByPicture(double alpha)
+    {
+        const bool isFaded = m_effect && m_effect->isEnabled();
+        if (alpha < 1 && !isFaded)
+            showGroundBelowChildren(m_widget);
+        if (!m_effect && alpha < 1) {
+            m_effect = new AlphaEffect(&m_widget);
+            m_widget.setGraphicsEffect(m_effect);
+        }
+        if (m_effect)
+            m_effect->setAlpha(alpha);
+    }
+
+    void drawByVeil(double alpha)
+    {
+        QWidget *const parent = m_widget.isWindow() ? nullptr : m_widget.parentWidget();
+        if (m_veil && (alpha >= 1 || m_veil->parentWidget() != parent))
+            delete m_veil;
+        if (!m_veil && alpha < 1 && parent)
+            m_veil = new AlphaVeil(m_widget);
+        if (m_veil)
+            m_veil->setCover(1 - alpha);
+    }
+
+    QWidget &m_widget;
     double m_alpha = 1;
+    AlphaDrawing m_drawing = AlphaDrawing::Picture;
     QPointer<QVariantAnimation> m_animation;
+    QPointer<AlphaEffect> m_effect;
+    QPointer<AlphaVeil> m_veil;
 };
 
-AlphaEffect *effectOf(const QWidget &widget)
+ViewAlpha *viewAlpha(const QWidget &widget)
 {
-    return qobject_cast<AlphaEffect *>(widget.graphicsEffect());
+    return widget.findChild<ViewAlpha *>(QString(), Qt::FindDirectChildrenOnly);
 }
 
-AlphaEffect &madeEffectOf(QWidget &widget)
+ViewAlpha &madeViewAlpha(QWidget &widget)
 {
-    if (!effectOf(widget))
-        widget.setGraphicsEffect(new AlphaEffect(&widget));
-    return *effectOf(widget);
+    ViewAlpha *const known = viewAlpha(widget);
+    return known ? *known : *new ViewAlpha(&widget);
 }
 
 } // namespace
 
 double alphaValue(const QWidget &widget)
 {
-    const AlphaEffect *effect = effectOf(widget);
-    return effect ? effect->alpha() : 1;
+    const ViewAlpha *const known = viewAlpha(widget);
+    return known ? known->alpha() : 1;
+}
+
+void setAlphaDrawing(QWidget &widget, AlphaDrawing drawing)
+{
+    madeViewAlpha(widget).setDrawing(drawing);
 }
 
 void setAlphaValue(QWidget &widget, double alpha)
 {
-    AlphaEffect &effect = madeEffectOf(widget);
-    effect.stop();
-    effect.setAlpha(alpha);
+    ViewAlpha &state = madeViewAlpha(widget);
+    state.stop();
+    state.setAlpha(alpha);
 }
 
 void animateAlphaValue(QWidget &widget, double alpha, std::chrono::milliseconds duration)
 {
-    madeEffectOf(widget).animate(alpha, animationDuration(widget, duration));
+    madeViewAlpha(widget).animate(alpha, animationDuration(widget, duration));
 }
 
 std::chrono::milliseconds animationDuration(const QWidget &widget,

@@ -71,13 +71,21 @@ void Info::setFileSize(qint64 bytes)
 
 std::optional<QString> Info::fileSizeString()
 {
-    // Measured without the lock: two first readers both measure, and both find the same.
+    if (placesToMeasure())
+        measureOnce();
+    const std::scoped_lock lock(m_mutex);
+    return m_fileSizeString;
+}
+
+void Info::measureOnce()
+{
+    // A second reader waits for the first one's walk instead of walking again beside it, so that a
+    // cleaning that asks begins only when nobody measures any more.
+    const std::scoped_lock measuring(m_measuring);
     while (const std::optional<FileUrls> places = placesToMeasure()) {
         if (storeFirstMeasure(*places, measured(*places)))
             postSizeChanged();
     }
-    const std::scoped_lock lock(m_mutex);
-    return m_fileSizeString;
 }
 
 std::optional<FileUrls> Info::placesToMeasure() const
@@ -101,6 +109,12 @@ void Info::postSizeChanged() const
 {
     if (m_services.notification)
         m_services.notification->post();
+}
+
+bool Info::isMeasured() const
+{
+    const std::scoped_lock lock(m_mutex);
+    return m_fileURLs && m_fileSizeString;
 }
 
 void Info::setFileSizeString(std::optional<QString> text)

@@ -65,12 +65,15 @@ public:
     /// thread. "Empty" for no bytes; nothing while there are no places and no preset text.
     std::optional<QString> fileSizeString();
     void setFileSizeString(std::optional<QString> text);
+    /// Whether there are places and their size text stands.
+    bool isMeasured() const;
 
     bool isOn() const { return m_isOn; }
     void setIsOn(bool isOn) { m_isOn = isOn; }
 
 private:
     qint64 measured(const FileUrls &fileURLs) const;
+    void measureOnce();
     std::optional<FileUrls> placesToMeasure() const;
     bool storeFirstMeasure(const FileUrls &places, qint64 bytes);
     void postSizeChanged() const;
@@ -80,6 +83,7 @@ private:
     bool m_isOn = true;
     Services m_services;
 
+    std::mutex m_measuring; ///< held while the places are walked for the size text
     mutable std::mutex m_mutex; ///< guards what the measuring threads share with the main thread
     std::optional<FileUrls> m_fileURLs;
     std::optional<QString> m_fileSizeString;

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QPointer>
+#include <QWidget>
+#include <vector>
+
+/// The view of a navigation stack: shows other controllers' views and keeps their frames in
+/// proportion when it is resized. They are lent to it: it lets them go before it dies. Main thread
+/// only.
+class NavigationView final : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit NavigationView(QRect frame);
+    ~NavigationView() override;
+
+    /// Puts the view in front, with the frame and opacity that it has.
+    void add(QWidget &page);
+    /// Takes the view out; one that is elsewhere stays there.
+    void remove(QWidget &page);
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    QSize m_laidOut; ///< the size that the pages' frames are for
+    std::vector<QPointer<QWidget>> m_pages;
+};

@@ -1,0 +1,32 @@
+#include "app/WindowController.h"
+
+#include "platform/InterfaceLoader.h"
+
+WindowController::WindowController(const InterfaceLoader &loader, QObject *parent)
+    : QObject(parent), m_loader(loader)
+{
+}
+
+WindowController::~WindowController()
+{
+    delete m_window;
+}
+
+QWidget *WindowController::window()
+{
+    if (!m_window) {
+        LoadedInterface loaded = m_loader.load(QLatin1String(metaObject()->className()));
+        if (!loaded)
+            qFatal("%s: %s", qPrintable(loaded.error().file), qPrintable(loaded.error().text));
+        m_window = loaded->release();
+        windowDidLoad();
+    }
+    return m_window;
+}
+
+void WindowController::showWindow()
+{
+    window()->show();
+    window()->raise();
+    window()->activateWindow();
+}

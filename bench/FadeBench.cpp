@@ -1,0 +1,116 @@
+// What one frame of a page's fade costs on the main thread, at a given scale, for both ways of
+// drawing an opacity; the pie on the page moves meanwhile, as it does when a page comes in.
+//     vantor-fade-bench [scale]
+
+#include "platform/Fonts.h"
+#include "platform/ViewAlpha.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QLabel>
+#include <QPainter>
+#include <QPainterPath>
+#include <QStyleFactory>
+#include <algorithm>
+#include <cstdio>
+#include <vector>
+
+namespace {
+
+constexpr int kFrames = 120;
+constexpr int kSlices = 8;
+constexpr QSize kPage(900, 700);
+constexpr QRect kPieFrame(220, 110, 460, 460);
+constexpr int kPieMargin = 20;
+constexpr int kHole = 90;
+
+/// As much work as the real one: gradients, smooth edges, a soft shadow, a turn every frame.
+class Pie final : public QWidget
+{
+public:
+    using QWidget::QWidget;
+
+    void turn()
+    {
+        m_angle += 3;
+        update();
+    }
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        const QRectF circle =
+            QRectF(rect()).adjusted(kPieMargin, kPieMargin, -kPieMargin, -kPieMargin);
+        for (int slice = 0; slice < kSlices; ++slice) {
+            QPainterPath path(circle.center());
+            path.arcTo(circle, m_angle + slice * 360.0 / kSlices, 360.0 / kSlices);
+            QPainterPath hole;
+            hole.addEllipse(circle.center(), kHole, kHole);
+            QRadialGradient gradient(circle.center(), circle.width() / 2);
+            const QColor colour = QColor::fromHsv(slice * 360 / kSlices, 160, 220);
+            gradient.setColorAt(0, colour.lighter(120));
+            gradient.setColorAt(1, colour);
+            painter.setPen(QPen(Qt::white, 1.5));
+            painter.setBrush(gradient);
+            painter.drawPath(path.subtracted(hole));
+        }
+    }
+
+private:
+    double m_angle = 0;
+};
+
+void fill(QWidget &page)
+{
+    for (int i = 0; i < 26; ++i) {
+        auto *const label = new QLabel(QStringLiteral("Label %1, 12.3 MB").arg(i), &page);
+        label->setFont(interfaceFont(Typeface::Light, 14));
+        label->move(20 + (i % 2) * 720, 20 + (i / 2) * 50);
+    }
+}
+
+template <typename Step> void measure(const char *what, QWidget &window, Pie &pie, Step step)
+{
+    std::vector<double> times;
+    for (int frame = 0; frame < kFrames; ++frame) {
+        step(static_cast<double>(frame % 100) / 100);
+        pie.turn();
+        QElapsedTimer timer;
+        timer.start();
+        QCoreApplication::sendPostedEvents(&window, QEvent::UpdateRequest);
+        times.push_back(static_cast<double>(timer.nsecsElapsed()) / 1e6);
+    }
+    std::sort(times.begin(), times.end());
+    std::printf("%-28s median %6.2f ms   95 %% %6.2f ms\n", what, times[times.size() / 2],
+                times[times.size() * 95 / 100]);
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    qputenv("QT_SCALE_FACTOR", argc > 1 ? argv[1] : "2");
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication application(argc, argv);
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+
+    QWidget window;
+    window.resize(kPage);
+    QWidget page(&window);
+    page.resize(kPage);
+    Pie pie(&page);
+    pie.setGeometry(kPieFrame);
+    fill(page);
+    window.show();
+    QCoreApplication::processEvents();
+
+    measure("the pie alone", window, pie, [](double) {});
+    measure("the whole page", window, pie, [&page](double) { page.update(); });
+    setAlphaDrawing(page, AlphaDrawing::Veil);
+    measure("fading behind a veil", window, pie, [&page](double a) { setAlphaValue(page, a); });
+    setAlphaDrawing(page, AlphaDrawing::Picture);
+    measure("fading as a picture", window, pie, [&page](double a) { setAlphaValue(page, a); });
+    return 0;
+}

@@ -1,0 +1,102 @@
+#pragma once
+
+#include "chart/WeakReference.h"
+#include "platform/Fonts.h"
+
+#include <QPixmap>
+#include <QPoint>
+#include <QRectF>
+#include <QString>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+class Info;
+class QPainter;
+
+/// A piece of a label's text in one weight.
+struct WeightedRun
+{
+    QString text;
+    Typeface face = Typeface::Regular;
+
+    friend bool operator==(const WeightedRun &, const WeightedRun &) = default;
+};
+using WeightedText = std::vector<WeightedRun>;
+
+/// The label that rides on a slice: icon, name and size, one below the other around a middle point.
+/// The size text is asked for on a background thread, because finding it may mean to measure
+/// folders; it is shown when it arrives. Main thread only.
+class InfoLayer final : public WeaklyReferable
+{
+public:
+    /// `changed` is called on the main thread when the label looks different by itself.
+    explicit InfoLayer(std::function<void()> changed = {});
+    InfoLayer(const InfoLayer &) = delete;
+    InfoLayer &operator=(const InfoLayer &) = delete;
+
+    const std::shared_ptr<Info> &info() const { return m_info; }
+    /// Shows this record, or nothing. The size of another record is taken away at once; an answer
+    /// that still comes for that one is dropped.
+    void setInfo(std::shared_ptr<Info> info);
+
+    /// The middle point, in the ChartPlane.
+    QPoint position() const { return m_position; }
+    void setPosition(QPoint position) { m_position = position; }
+
+    bool isHidden() const { return m_isHidden; }
+    void setHidden(bool hidden) { m_isHidden = hidden; }
+
+    const QString &imageName() const { return m_content.image; }
+    const QString &nameString() const { return m_content.name; }
+    const WeightedText &sizeText() const { return m_content.size; }
+    /// The size text without its weights; empty while it is not known.
+    QString sizeString() const;
+
+    /// Where the parts are, relative to the middle point, y growing upwards.
+    QRectF imageFrame() const;
+    QRectF nameFrame() const;
+    QRectF sizeFrame() const;
+    /// All that is painted, relative to the middle point, y growing upwards.
+    const QRectF &bounds() const { return m_bounds; }
+
+    /// Paints the label with its middle at a point of the painter's (y growing downwards).
+    void paint(QPainter &painter, QPointF middle, double opacity);
+
+    /// The size text as it is set: number and unit in two weights. Nothing for texts that are no
+    /// number with a two-letter unit, which are shown plain.
+    static std::optional<WeightedText> attributedSizeString(const QString &text);
+
+private:
+    /// What the label shows.
+    struct Content
+    {
+        QString image;
+        QString name;
+        WeightedText size;
+        bool isIconAlone = false;
+
+        friend bool operator==(const Content &, const Content &) = default;
+    };
+
+    void askForSize();
+    void sizeArrived(const Info *info, const std::optional<QString> &text);
+    void contentChanged();
+    QRectF neededBounds() const;
+    QPixmap drawn(double scale) const;
+
+    std::function<void()> m_changed;
+    std::shared_ptr<Info> m_info;
+    QPoint m_position;
+    bool m_isHidden = false;
+    Content m_content;
+
+    /// The record whose size was asked for and did not arrive yet; an address to compare, no more.
+    const Info *m_asked = nullptr;
+    bool m_askAgain = false;
+
+    QRectF m_bounds;
+    QPixmap m_picture; ///< all of it, drawn once for a scale
+    double m_pictureScale = 0;
+};

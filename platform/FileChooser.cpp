@@ -1,0 +1,306 @@
+#include "platform/FileChooser.h"
+
+#include "platform/EnabledItems.h"
+#include "platform/FileIcons.h"
+#include "platform/Fonts.h"
+
+#include <QAction>
+#include <QFileSystemModel>
+#include <QGridLayout>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QListView>
+#include <QSignalBlocker>
+#include <QSplitter>
+#include <QStandardPaths>
+#include <QToolButton>
+#include <QTreeView>
+
+namespace {
+
+constexpr int kFontSize = 13;
+constexpr QSize kIconSize(18, 18);
+constexpr QSize kNavigationIcon(18, 18);
+constexpr QSize kNavigationButton(30, 30);
+constexpr int kPlacesWidth = 148;
+constexpr int kSizeWidth = 90;
+constexpr int kDateWidth = 150;
+
+// Fusion's look, a little calmer and roomier.
+constexpr char kStyle[] = R"(
+    QTreeView, QListView {
+        border: 1px solid rgba(0, 0, 0, 46); border-radius: 7px; background: palette(base);
+        outline: 0; selection-background-color: #156aca; selection-color: white; }
+    QTreeView:focus, QListView:focus { border: 1px solid #156aca; }
+    QTreeView::item, QListView::item { min-height: 26px; }
+    QTreeView::item:selected, QListView::item:selected { background: #156aca; color: white; }
+    QTreeView::item:selected:!active, QListView::item:selected:!active {
+        background: rgba(21, 106, 202, 60); color: palette(text); }
+    QListView { padding: 4px 2px; background: palette(alternate-base); }
+    QHeaderView { background: transparent; }
+    QHeaderView::section {
+        background: transparent; border: 0; border-bottom: 1px solid rgba(0, 0, 0, 30);
+        padding: 6px 8px; color: rgba(60, 66, 74, 200); }
+    QLineEdit {
+        border: 1px solid rgba(0, 0, 0, 60); border-radius: 6px; padding: 5px 8px;
+        background: palette(base); selection-background-color: #156aca; }
+    QLineEdit:focus { border: 2px solid #156aca; padding: 4px 7px; }
+    QToolButton { border: 2px solid transparent; border-radius: 6px; padding: 4px; }
+    QToolButton:hover { background: rgba(0, 0, 0, 18); }
+    QToolButton:pressed { background: rgba(0, 0, 0, 36); }
+    QToolButton:focus { border: 2px solid #156aca; }
+)";
+
+enum Column { NameColumn, SizeColumn, TypeColumn, DateColumn };
+
+QString startFolder(const QByteArray &wanted)
+{
+    const QString folder = QFile::decodeName(wanted);
+    return !folder.isEmpty() && QFileInfo(folder).isDir() ? folder : QDir::homePath();
+}
+
+/// What a person may type: from the home folder, from the root, or from the folder shown.
+QString typedPath(const QString &typed, const QDir &folder)
+{
+    if (typed == QLatin1String("~"))
+        return QDir::homePath();
+    if (typed.startsWith(QLatin1String("~/")))
+        return QDir::cleanPath(QDir::homePath() + typed.mid(1));
+    return QDir::cleanPath(folder.absoluteFilePath(typed));
+}
+
+} // namespace
+
+FileChooser::FileChooser(const OpenPanel &panel, FileIcons &icons, QWidget *parent)
+    : QFileDialog(parent)
+{
+    setOption(DontUseNativeDialog);
+    setOption(ReadOnly);
+    setOption(DontUseCustomDirectoryIcons);
+    setOption(ShowDirsOnly, panel.choice == OpenPanelChoice::Folders);
+    setFileMode(Directory); // files are shown too, unless folders alone are wanted
+    setViewMode(Detail);
+    setWindowFlags(Qt::Widget);
+    setFont(interfaceFont(Typeface::Regular, kFontSize));
+    setIconProvider(&icons);
+    setDirectory(startFolder(panel.startFolder));
+    if (panel.shouldEnable)
+        setProxyModel(new EnabledItems(panel.shouldEnable, this));
+    findParts();
+    hideSpareParts();
+    setUpBar();
+    setUpPlaces();
+    setUpList();
+    setUpButtons();
+    followChoice();
+    clearChoice();
+    setStyleSheet(QLatin1String(kStyle));
+}
+
+void FileChooser::findParts()
+{
+    m_list = findChild<QTreeView *>(QStringLiteral("treeView"));
+    m_name = findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+    m_toParent = findChild<QToolButton *>(QStringLiteral("toParentButton"));
+    if (!m_list || !m_name || !m_toParent)
+        qFatal("the toolkit's file dialog is not made as it was");
+}
+
+void FileChooser::hideSpareParts()
+{
+    for (const char *name : {"lookInLabel", "newFolderButton", "listModeButton", "detailModeButton",
+                             "fileTypeLabel", "fileTypeCombo", "buttonBox"}) {
+        if (auto *const part = findChild<QWidget *>(QLatin1String(name)))
+            part->hide();
+    }
+    setSizeGripEnabled(false);
+    setLabelText(FileName, QStringLiteral("Name:"));
+}
+
+/// The way back, forth and up stands at the left of the path, and both above all the rest.
+void FileChooser::setUpBar()
+{
+    auto *const grid = qobject_cast<QGridLayout *>(layout());
+    QLayoutItem *const bar = grid->itemAtPosition(0, 1);
+    auto *const row = qobject_cast<QHBoxLayout *>(bar->layout());
+    grid->removeItem(bar);
+    grid->addLayout(row, 0, 0, 1, -1);
+    grid->setContentsMargins({});
+    int line = 0;
+    int at = 0;
+    int rows = 0;
+    int columns = 0;
+    grid->getItemPosition(grid->indexOf(m_name), &line, &at, &rows, &columns);
+    grid->removeWidget(m_name);
+    grid->addWidget(m_name, line, at, 1, -1); // over where the buttons were
+    grid->setColumnStretch(at, 1);
+    int place = 0;
+    for (const char *name : {"backButton", "forwardButton", "toParentButton"}) {
+        auto *const button = findChild<QToolButton *>(QLatin1String(name));
+        row->removeWidget(button);
+        row->insertWidget(place++, button);
+    }
+}
+
+void FileChooser::setUpPlaces()
+{
+    QList<QUrl> places{QUrl::fromLocalFile(QDir::homePath())};
+    for (const auto location : {QStandardPaths::DesktopLocation, QStandardPaths::DocumentsLocation,
+                                QStandardPaths::DownloadLocation, QStandardPaths::MusicLocation,
+                                QStandardPaths::PicturesLocation, QStandardPaths::MoviesLocation}) {
+        const QUrl place = QUrl::fromLocalFile(QStandardPaths::writableLocation(location));
+        if (!places.contains(place) && QFileInfo(place.toLocalFile()).isDir())
+            places.append(place);
+    }
+    places.append(QUrl(QStringLiteral("file:")));
+    setSidebarUrls(places);
+    auto *const sidebar = findChild<QListView *>(QStringLiteral("sidebar"));
+    sidebar->setContextMenuPolicy(Qt::NoContextMenu);
+    sidebar->setAcceptDrops(false);
+    sidebar->setDragEnabled(false);
+    sidebar->setIconSize(kIconSize);
+    sidebar->setAccessibleName(QStringLiteral("Places"));
+    findChild<QSplitter *>(QStringLiteral("splitter"))->setSizes({kPlacesWidth, width()});
+}
+
+void FileChooser::setUpList()
+{
+    QHeaderView &header = *m_list->header();
+    header.setStretchLastSection(false);
+    header.setSectionResizeMode(QHeaderView::Fixed);
+    header.setSectionResizeMode(NameColumn, QHeaderView::Stretch);
+    header.resizeSection(SizeColumn, kSizeWidth);
+    header.resizeSection(DateColumn, kDateWidth);
+    header.hideSection(TypeColumn);
+    header.setContextMenuPolicy(Qt::NoContextMenu);
+    m_list->setContextMenuPolicy(Qt::NoContextMenu);
+    m_list->setDragEnabled(false);
+    m_list->setSelectionMode(QAbstractItemView::SingleSelection);
+    m_list->setAccessibleName(QStringLiteral("Files and folders"));
+    m_list->setIconSize(kIconSize);
+    m_list->installEventFilter(this);
+}
+
+void FileChooser::setUpButtons()
+{
+    const struct
+    {
+        const char *name;
+        const char *image;
+    } buttons[] = {
+        {"backButton", "goBack"}, {"forwardButton", "goForward"}, {"toParentButton", "goUp"}};
+    for (const auto &button : buttons) {
+        auto *const made = findChild<QToolButton *>(QLatin1String(button.name));
+        made->setIcon(iconNamed(QLatin1String(button.image)));
+        made->setFocusPolicy(Qt::TabFocus);
+        made->setIconSize(kNavigationIcon);
+        made->setFixedSize(kNavigationButton);
+    }
+    auto *const hidden = new QAction(QStringLiteral("Show hidden items"), this);
+    hidden->setShortcut(QKeySequence(QStringLiteral("Ctrl+H")));
+    hidden->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+    connect(hidden, &QAction::triggered, this, &FileChooser::toggleHidden);
+    addAction(hidden);
+}
+
+void FileChooser::followChoice()
+{
+    connect(m_name, &QLineEdit::textEdited, this, [this] {
+        m_isTyped = true;
+        Q_EMIT chosenPathChanged();
+    });
+    connect(m_list->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
+        // While a name is being typed the dialog selects what might be meant.
+        m_isTyped = m_isTyped && m_name->hasFocus();
+        Q_EMIT chosenPathChanged();
+    });
+    connect(this, &QFileDialog::directoryEntered, this, &FileChooser::clearChoice);
+}
+
+/// Then the folder that is shown is the choice, and the empty field says so.
+void FileChooser::clearChoice()
+{
+    m_isTyped = false;
+    const QSignalBlocker quiet(
+        m_name); // else the dialog takes the folder's own name for a typed one
+    m_name->clear();
+    m_name->setPlaceholderText(directory().dirName());
+    m_list->clearSelection();
+    Q_EMIT chosenPathChanged();
+}
+
+void FileChooser::focusList()
+{
+    m_list->setFocus(Qt::OtherFocusReason);
+}
+
+void FileChooser::enter(const QString &folder)
+{
+    setDirectory(folder);
+    clearChoice();
+}
+
+QString FileChooser::chosenPath() const
+{
+    if (m_isTyped && !m_name->text().trimmed().isEmpty())
+        return typedPath(m_name->text(), directory());
+    // Not by the text of the name: a line of text shows a line break, for one, as a blank.
+    const QModelIndexList rows = m_list->selectionModel()->selectedRows();
+    const QString selected =
+        rows.isEmpty() ? QString()
+                       : rows.constFirst().data(QFileSystemModel::FilePathRole).toString();
+    return selected.isEmpty() ? directory().absolutePath() : selected;
+}
+
+void FileChooser::keyPressEvent(QKeyEvent *event)
+{
+    event->ignore(); // Enter and Escape are the sheet's
+}
+
+bool FileChooser::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == m_list && event->type() == QEvent::KeyPress) {
+        const auto *const key = static_cast<QKeyEvent *>(event);
+        if ((key->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier && pressListKey(key->key()))
+            return true;
+    }
+    return QFileDialog::eventFilter(watched, event);
+}
+
+bool FileChooser::pressListKey(int key)
+{
+    switch (key) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        Q_EMIT chosen();
+        return true;
+    case Qt::Key_Right:
+        if (const QModelIndex current = m_list->currentIndex();
+            current.isValid() && current.model()->hasChildren(current))
+            Q_EMIT m_list->activated(current);
+        return true;
+    case Qt::Key_Down:
+        return selectFirst();
+    case Qt::Key_Left:
+    case Qt::Key_Backspace:
+        m_toParent->click();
+        return true;
+    default:
+        return false;
+    }
+}
+
+/// The list has a current item before anything is selected, and would go on from there.
+bool FileChooser::selectFirst()
+{
+    if (m_list->selectionModel()->hasSelection())
+        return false;
+    m_list->setCurrentIndex(m_list->model()->index(0, 0, m_list->rootIndex()));
+    return true;
+}
+
+void FileChooser::toggleHidden()
+{
+    setFilter(filter() ^ QDir::Hidden);
+}

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "platform/OpenPanel.h"
+
+#include <QFileDialog>
+
+class FileIcons;
+class QLineEdit;
+class QToolButton;
+class QTreeView;
+
+/// The toolkit's own file dialog as part of a panel: without buttons of its own, menus, or any
+/// command that changes a file. It only says what is chosen; whether that may be is the panel's to
+/// judge. Main thread only.
+///
+/// Keys in the list: Enter chooses, Right goes into a folder, Left and Backspace go to its parent,
+/// Ctrl+H shows hidden items.
+class FileChooser final : public QFileDialog
+{
+    Q_OBJECT
+
+public:
+    /// The icons are read by a thread of the dialog's: they must outlive it.
+    FileChooser(const OpenPanel &panel, FileIcons &icons, QWidget *parent);
+
+    /// The absolute path that is chosen right now: what was typed, else the selected item, else the
+    /// folder itself.
+    QString chosenPath() const;
+
+    void focusList();
+    /// Shows another folder.
+    void enter(const QString &folder);
+
+    /// Enter, or a double click on a file.
+    void accept() override { Q_EMIT chosen(); }
+    /// Escape in the list.
+    void reject() override { Q_EMIT cancelled(); }
+
+Q_SIGNALS:
+    void chosen();
+    void cancelled();
+    void chosenPathChanged();
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    void findParts();
+    void hideSpareParts();
+    void setUpBar();
+    void setUpPlaces();
+    void setUpList();
+    void setUpButtons();
+    void followChoice();
+    void clearChoice();
+    bool pressListKey(int key);
+    bool selectFirst();
+    void toggleHidden();
+
+    QTreeView *m_list = nullptr;
+    QLineEdit *m_name = nullptr;
+    QToolButton *m_toParent = nullptr;
+    bool m_isTyped = false; ///< the name was typed, and nothing else selected since
+};

@@ -1,0 +1,88 @@
+#include "platform/PanelButton.h"
+
+#include "platform/Fonts.h"
+
+#include <QKeyEvent>
+#include <QPainter>
+
+namespace {
+
+constexpr QColor kAccent(21, 106, 202);
+constexpr QColor kDanger(196, 46, 38);
+constexpr int kFontSize = 13;
+constexpr int kHeight = 32;
+constexpr int kMinimumWidth = 96;
+constexpr int kPadding = 20; // at each side of the title
+constexpr double kRadius = 7;
+
+} // namespace
+
+PanelButton::PanelButton(const QString &title, PanelButtonLook look, QWidget *parent)
+    : QPushButton(title, parent), m_look(look)
+{
+    setFont(interfaceFont(Typeface::Medium, kFontSize));
+    setAttribute(Qt::WA_Hover);
+    setFocusPolicy(Qt::StrongFocus);
+    setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Fixed);
+}
+
+QSize PanelButton::sizeHint() const
+{
+    const int title = fontMetrics().size(Qt::TextShowMnemonic, text()).width();
+    return {qMax(kMinimumWidth, title + 2 * kPadding) + 2 * kRing, kHeight + 2 * kRing};
+}
+
+QColor PanelButton::faceColor() const
+{
+    const QColor face = isDefault() ? QColor(kAccent) : palette().color(QPalette::Base);
+    if (isDown())
+        return face.darker(isDefault() ? 122 : 112);
+    if (underMouse() && isEnabled())
+        return isDefault() ? face.lighter(110) : face.darker(104);
+    return face;
+}
+
+QColor PanelButton::textColor() const
+{
+    if (isDefault())
+        return Qt::white;
+    return m_look == PanelButtonLook::Destructive ? QColor(kDanger)
+                                                  : palette().color(QPalette::WindowText);
+}
+
+void PanelButton::paintRing(QPainter &painter, const QRectF &face) const
+{
+    QColor ring = kAccent;
+    ring.setAlphaF(0.45F);
+    painter.setPen(QPen(ring, kRing));
+    painter.setBrush(Qt::NoBrush);
+    const double out = kRing / 2.0;
+    painter.drawRoundedRect(face.adjusted(-out, -out, out, out), kRadius + out, kRadius + out);
+}
+
+void PanelButton::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (!isEnabled())
+        painter.setOpacity(0.45);
+    const QRectF face = QRectF(rect()).adjusted(kRing, kRing, -kRing, -kRing);
+    if (hasFocus())
+        paintRing(painter, face);
+    QColor border =
+        isDefault() ? QColor(kAccent).darker(115) : palette().color(QPalette::WindowText);
+    border.setAlphaF(isDefault() ? 1.0F : 0.22F);
+    painter.setPen(QPen(border, 1));
+    painter.setBrush(faceColor());
+    painter.drawRoundedRect(face.adjusted(0.5, 0.5, -0.5, -0.5), kRadius, kRadius);
+    painter.setPen(textColor());
+    painter.drawText(face, Qt::AlignCenter | Qt::TextShowMnemonic, text());
+}
+
+void PanelButton::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+        event->ignore();
+    else
+        QPushButton::keyPressEvent(event);
+}

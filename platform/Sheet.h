@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QWidget>
+#include <functional>
+
+/// Sheets: panels that slide from the top edge over a window and must be answered before the window
+/// goes on. They live inside the window, so that they are the same on every window system. There is
+/// never a nested event loop. Main thread only.
+
+/// What a sheet ended with, for its completion. Panels may use further values of their own.
+inline constexpr int kSheetCancelled = 0;
+inline constexpr int kSheetAccepted = 1;
+
+using SheetCompletion = std::function<void(int result)>;
+using SheetCancel = std::function<void()>;
+
+/// Shows the panel as a sheet of the host window, or, while another sheet is up there, as soon as
+/// that one has ended. The sheet has the panel's size where it was given one and its size hint
+/// otherwise, and never more than the host has room for.
+///
+/// The panel stays its caller's: it is lent to the window while it is up, and given back to its
+/// former parent, hidden. The completion comes from the event loop after endSheet(), when the sheet
+/// is gone and the focus is back where it was; it never comes if the panel or the host dies first.
+///
+/// Escape calls `cancel`, the panel's own rule; without one the sheet ends with kSheetCancelled.
+/// Enter presses the panel's default push button. Meanwhile mouse, Tab, shortcuts and close() do
+/// not reach the rest of the window.
+///
+/// False, and nothing happens, when the panel is already up or waiting.
+bool presentSheet(QWidget &host, QWidget &panel, SheetCompletion completion = {},
+                  SheetCancel cancel = {});
+
+/// Ends the sheet that shows this panel, or takes the panel from the queue. Anything else does
+/// nothing.
+void endSheet(QWidget &panel, int result = kSheetCancelled);
+
+/// Whether a sheet is up over this window, sliding in and out included.
+bool hasSheet(const QWidget &host);
+
+/// The panel that is up over this window; none while there is none.
+QWidget *sheetPanel(const QWidget &host);
+
+/// How many points below the host's top edge its sheets come out: for windows that draw a title
+/// band of their own. 0 unless set.
+void setSheetDrop(QWidget &host, int points);
+int sheetDrop(const QWidget &host);

@@ -1,0 +1,167 @@
+#include "slices/Cleaning.h"
+
+#include "platform/Log.h"
+#include "slices/AnchoredFolder.h"
+#include "slices/RemovalCrew.h"
+
+#include <algorithm>
+#include <cerrno>
+
+namespace {
+
+constexpr std::size_t kReadBytes = 64 * 1024;
+/// While one thread waits for the disk the other works; in memory they would only wait for each
+/// other. More than two gain nothing.
+constexpr unsigned kThreadsForDisks = 2;
+constexpr std::size_t kMaxCandidatesLogged = 1000;
+
+FileUrlKind urlKind(FileKind kind)
+{
+    return kind == FileKind::Folder ? FileUrlKind::Folder : FileUrlKind::File;
+}
+
+/// Takes a plan place by place.
+class Performance final
+{
+public:
+    Performance(const SystemCalls &calls, const CleaningPlan &plan, std::stop_token stop,
+                CleaningObserver *observer)
+        : m_calls(calls),
+          m_plan(plan),
+          m_stop(std::move(stop)),
+          m_ledger(plan.refusals(), observer),
+          m_space(kReadBytes)
+    {
+    }
+
+    CleaningReport run();
+
+private:
+    void emptyFolder(const CleaningLocation &location);
+    void removeFile(const CleaningLocation &location);
+    bool isAsPlanned(const CleaningLocation &location, const SystemResult<FileIdentity> &found);
+    void refuse(const CleaningLocation &location, RefusalReason reason, int error);
+
+    void logContents(const CleaningLocation &location, const FolderListing &listing);
+    void logFiles(std::size_t first);
+
+    const SystemCalls &m_calls;
+    const CleaningPlan &m_plan;
+    std::stop_token m_stop;
+    CleaningLedger m_ledger;
+    std::vector<char> m_space;
+};
+
+CleaningReport Performance::run()
+{
+    const auto &locations = m_plan.locations();
+    for (std::size_t i = 0; i < locations.size() && !m_stop.stop_requested(); ++i) {
+        if (locations[i].mode == CleaningMode::ContentsOfFolders) {
+            emptyFolder(locations[i]);
+        } else {
+            logFiles(i);
+            removeFile(locations[i]);
+        }
+    }
+    return m_ledger.finish(m_stop.stop_requested());
+}
+
+void Performance::emptyFolder(const CleaningLocation &location)
+{
+    const auto folder = openAnchored(m_calls, location.path, Descent::Strict);
+    if (!folder)
+        return refuse(location, refusalReason(folder.error()), folder.error());
+    const auto identity = m_calls.identityOf(folder->get());
+    if (!isAsPlanned(location, identity))
+        return;
+    const Protection protection(m_plan, location, identity->device);
+    const bool isInMemory = m_calls.isInMemory(folder->get());
+    const RemovalSteps steps(m_calls, protection, m_ledger,
+                             isInMemory ? EntryOrder::AsListed : EntryOrder::ByInode);
+    auto listing = steps.list(folder->get(), m_space);
+    if (!listing)
+        return refuse(location, RefusalReason::PartlyListed, listing.error());
+    if (!location.isTouched)
+        logContents(location, *listing);
+    const Care care = location.isTouched ? Care::Judged : Care::Logged;
+    const HeldFolder held{folder->get(), location.url.path() + '/', care};
+    if (isInMemory)
+        Remover(steps, m_stop).removeListed(held, std::move(*listing));
+    else
+        RemovalCrew(steps, m_stop, kThreadsForDisks).removeListed(held, std::move(*listing));
+}
+
+void Performance::removeFile(const CleaningLocation &location)
+{
+    const auto [around, name] = anchoredEntry(location.path);
+    const auto folder = openAnchored(m_calls, around, Descent::Strict);
+    if (!folder)
+        return refuse(location, refusalReason(folder.error()), folder.error());
+    const auto identity = m_calls.identity(folder->get(), name.constData());
+    if (!isAsPlanned(location, identity))
+        return;
+    const auto status = m_calls.status(folder->get(), name.constData());
+    if (!status)
+        return refuse(location, RefusalReason::Unreadable, status.error());
+    const Protection protection(m_plan, location, identity->device);
+    const RemovalSteps steps(m_calls, protection, m_ledger, EntryOrder::AsListed);
+    const QByteArray path = location.url.path();
+    Remover(steps, m_stop)
+        .removeListed({folder->get(), path.first(path.size() - name.size()), Care::Logged},
+                      FolderListing::ofEntry({name.constData(), status->inode, status->kind}));
+}
+
+bool Performance::isAsPlanned(const CleaningLocation &location,
+                              const SystemResult<FileIdentity> &found)
+{
+    if (!found)
+        refuse(location, RefusalReason::Unreadable, found.error());
+    else if (*found != location.identity)
+        refuse(location, RefusalReason::Changed, ESTALE);
+    else
+        return true;
+    return false;
+}
+
+void Performance::refuse(const CleaningLocation &location, RefusalReason reason, int error)
+{
+    if (error != ENOENT)
+        m_ledger.refused(location.url.path(), reason, error);
+}
+
+void Performance::logContents(const CleaningLocation &location, const FolderListing &listing)
+{
+    if (!m_ledger.logsRemovals())
+        return;
+    FileUrls candidates;
+    for (std::size_t i = 0; i < std::min(listing.size(), kMaxCandidatesLogged); ++i) {
+        const auto &entry = listing.at(i);
+        candidates.append(location.url.appending(listing.name(entry), urlKind(entry.kind)));
+    }
+    m_ledger.logCandidates(candidates, listing.size());
+}
+
+/// The files of one slice stand beside each other; all are told of before the first goes.
+void Performance::logFiles(std::size_t first)
+{
+    const auto &locations = m_plan.locations();
+    const auto isOfSameSlice = [&](const CleaningLocation &other) {
+        return other.slice == locations[first].slice && other.mode == locations[first].mode;
+    };
+    if (locations[first].isTouched || (first > 0 && isOfSameSlice(locations[first - 1])))
+        return;
+    FileUrls candidates;
+    for (std::size_t i = first; i < locations.size() && isOfSameSlice(locations[i]); ++i)
+        candidates.append(locations[i].url);
+    const auto total = static_cast<std::size_t>(candidates.size());
+    candidates.resize(static_cast<qsizetype>(std::min(total, kMaxCandidatesLogged)));
+    m_ledger.logCandidates(candidates, total);
+}
+
+} // namespace
+
+CleaningReport performCleaning(const SystemCalls &calls, const CleaningPlan &plan,
+                               std::stop_token stop, CleaningObserver *observer)
+{
+    return Performance(calls, plan, std::move(stop), observer).run();
+}

@@ -1,0 +1,89 @@
+#pragma once
+
+#include "platform/SystemCalls.h"
+#include "slices/ExcludedPaths.h"
+#include "slices/FileAccess.h"
+
+#include <QList>
+#include <vector>
+
+/// What a slice's places stand for.
+enum class CleaningMode {
+    ContentsOfFolders, ///< all that the folders hold; the folders themselves stay
+    TheVeryFiles,      ///< the files themselves
+};
+
+/// A slice as the user chose it.
+struct SliceToClean
+{
+    QString name;
+    FileUrls fileURLs;
+    CleaningMode mode = CleaningMode::ContentsOfFolders;
+};
+
+/// Why something that was asked for is left alone.
+enum class RefusalReason {
+    UnparsableExclusion, ///< a stored exclusion cannot be read: nothing at all is cleaned
+    UnresolvedExclusion, ///< an exclusion inside the place cannot be identified, or is gone
+    OutsideGrant,        ///< not in the granted folder
+    GrantedFolder,       ///< the granted folder itself
+    Link,                ///< a link, or reached through one
+    NotAFolder,
+    OtherFileSystem, ///< a mount, or another volume
+    Unreadable,      ///< could not be opened or examined; the errno says why
+    PartlyListed,    ///< an error ended the listing: nothing more of the folder is removed
+    Changed,         ///< replaced or moved since it was planned or entered
+};
+
+struct CleaningRefusal
+{
+    /// The raw path; for an exclusion that cannot be read its stored text.
+    QByteArray path;
+    RefusalReason reason = RefusalReason::Unreadable;
+    int error = 0; ///< errno, 0 where no call failed
+};
+
+/// One place of a plan: a folder to be emptied, or a file to be removed.
+struct CleaningLocation
+{
+    QString slice;
+    FileUrl url;
+    AnchoredPath path;
+    CleaningMode mode = CleaningMode::ContentsOfFolders;
+    FileIdentity identity; ///< what was there when the plan was made; anything else is left alone
+    /// Whether an exclusion touches the place (for the very files: any of their slice), so that
+    /// each item below is judged by its path.
+    bool isTouched = false;
+};
+
+/// Exactly what a cleaning may remove: places in order, and what is kept inside them. Made by
+/// makeCleaningPlan() alone. A value that holds the granted folder open; any thread.
+class CleaningPlan final
+{
+public:
+    const std::vector<CleaningLocation> &locations() const { return m_locations; }
+    const QList<CleaningRefusal> &refusals() const { return m_refusals; }
+    /// Places left alone because they are excluded themselves or lie inside an exclusion.
+    const FileUrls &excludedLocations() const { return m_excludedLocations; }
+
+    const ExcludedPaths &excluded() const { return m_excluded; }
+    /// Of every exclusion that was found: it is kept wherever it turns up and whatever its name.
+    const std::vector<FileIdentity> &excludedIdentities() const { return m_excludedIdentities; }
+
+private:
+    friend class CleaningPlanner;
+
+    std::vector<CleaningLocation> m_locations;
+    QList<CleaningRefusal> m_refusals;
+    FileUrls m_excludedLocations;
+    ExcludedPaths m_excluded;
+    std::vector<FileIdentity> m_excludedIdentities;
+};
+
+/// Plans the cleaning of the chosen slices, in their order. Fails closed: an exclusion that cannot
+/// be read stops everything, one that cannot be found stops the place around it, and a place that
+/// is not a plain folder or file of the granted folder's own file system is refused. A place that
+/// does not exist is simply not in the plan. Touches the file system, so not for the main thread;
+/// the caller holds the access, from here until the cleaning is done.
+CleaningPlan makeCleaningPlan(const SystemCalls &calls, const FileAccess &access,
+                              const QList<SliceToClean> &slices, const ExcludedPaths &excluded);

@@ -1,0 +1,257 @@
+#include "chart/SliceLayer.h"
+#include "tests/support/GuiTestMain.h"
+
+#include <cmath>
+#include <numbers>
+
+using std::numbers::pi;
+
+namespace {
+
+class Listener final : public ArcAnimationDelegate
+{
+public:
+    int started = 0;
+    int finished = 0;
+    int interrupted = 0;
+
+    void animationDidStart(const ArcAnimation &) override { ++started; }
+    void animationDidStop(const ArcAnimation &, Completion completion) override
+    {
+        ++(completion == Completion::Finished ? finished : interrupted);
+    }
+};
+
+constexpr MediaTime kBegin(100);
+constexpr MediaTime kDuration(1);
+
+} // namespace
+
+class TestSliceLayer final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void animatesFromTheGivenValueWhenNeverShown();
+    void animatesFromWhatIsOnScreenWhenShown();
+    void setsTheModelAtOnceAndTheScreenByAndBy();
+    void continuesFromTheScreenWhenInterrupted();
+    void interruptsOnlyTheAnimationOfTheSameAngle();
+    void finishesAnimationsThatAreOver();
+    void keepsTheModelWhenAnimationsAreRemoved();
+    void showsAnAngleThatIsSetWithoutAnimation();
+    void printsItself();
+    void hasNoPresentationBeforeItIsShown();
+    void copiesAnglesAndLooksForPresentation();
+    void fitsShapeAndGradientToItsGeometry();
+    void isFilledByItsGradientOnlyWhereThatHasColors();
+    void showsItsLabelAccordingToItsWidth_data();
+    void showsItsLabelAccordingToItsWidth();
+
+private:
+    Listener m_listener;
+};
+
+void TestSliceLayer::animatesFromTheGivenValueWhenNeverShown()
+{
+    SliceLayer layer;
+    layer.createArcAnimationForKey(ArcKey::EndAngle, pi / 2, 2.0, m_listener);
+    QCOMPARE(layer.animationForKey(ArcKey::EndAngle)->fromValue(), pi / 2);
+    QCOMPARE(layer.animationForKey(ArcKey::EndAngle)->toValue(), 2.0);
+    QCOMPARE(layer.endAngle(), 2.0);
+    QVERIFY(!layer.animationForKey(ArcKey::StartAngle));
+}
+
+void TestSliceLayer::animatesFromWhatIsOnScreenWhenShown()
+{
+    SliceLayer layer;
+    layer.setAngle(ArcKey::EndAngle, 1.0);
+    layer.beginAnimations(kBegin, kDuration);
+    layer.createArcAnimationForKey(ArcKey::EndAngle, pi / 2, 2.0, m_listener);
+    QCOMPARE(layer.animationForKey(ArcKey::EndAngle)->fromValue(), 1.0);
+}
+
+void TestSliceLayer::setsTheModelAtOnceAndTheScreenByAndBy()
+{
+    SliceLayer layer;
+    layer.createArcAnimationForKey(ArcKey::StartAngle, 0, 2, m_listener);
+    layer.beginAnimations(kBegin, kDuration);
+    QCOMPARE(layer.startAngle(), 2.0);
+    QCOMPARE(layer.presentationLayer()->startAngle(), 0.0);
+    layer.advance(kBegin + kDuration / 2);
+    QVERIFY(std::abs(layer.presentationLayer()->startAngle() - 2 * 0.8024) < 1e-3);
+    layer.advance(kBegin + kDuration);
+    QCOMPARE(layer.presentationLayer()->startAngle(), 2.0);
+}
+
+void TestSliceLayer::continuesFromTheScreenWhenInterrupted()
+{
+    Listener listener;
+    SliceLayer layer;
+    layer.createArcAnimationForKey(ArcKey::StartAngle, 0, 2, listener);
+    layer.beginAnimations(kBegin, kDuration);
+    layer.advance(kBegin + kDuration / 4);
+    const double shown = layer.presentationLayer()->startAngle();
+    layer.createArcAnimationForKey(ArcKey::StartAngle, 5, 1, listener);
+    QCOMPARE(listener.interrupted, 1);
+    QCOMPARE(layer.animationForKey(ArcKey::StartAngle)->fromValue(), shown);
+    layer.beginAnimations(kBegin + kDuration / 2, kDuration);
+    QCOMPARE(layer.presentationLayer()->startAngle(), shown);
+    QCOMPARE(listener.started, 2);
+}
+
+void TestSliceLayer::interruptsOnlyTheAnimationOfTheSameAngle()
+{
+    Listener listener;
+    SliceLayer layer;
+    layer.createArcAnimationForKey(ArcKey::StartAngle, 0, 2, listener);
+    layer.createArcAnimationForKey(ArcKey::EndAngle, 0, 3, listener);
+    layer.beginAnimations(kBegin, kDuration);
+    layer.createArcAnimationForKey(ArcKey::EndAngle, 0, 4, listener);
+    QCOMPARE(listener.interrupted, 1);
+    QCOMPARE(layer.animationForKey(ArcKey::StartAngle)->toValue(), 2.0);
+}
+
+void TestSliceLayer::finishesAnimationsThatAreOver()
+{
+    Listener listener;
+    SliceLayer layer;
+    layer.createArcAnimationForKey(ArcKey::StartAngle, 0, 2, listener);
+    layer.beginAnimations(kBegin, kDuration);
+    layer.finishAnimations(kBegin + kDuration / 2);
+    QCOMPARE(listener.finished, 0);
+    layer.finishAnimations(kBegin + kDuration);
+    QCOMPARE(listener.finished, 1);
+    QVERIFY(!layer.animationForKey(ArcKey::StartAngle));
+    layer.finishAnimations(kBegin + kDuration);
+    QCOMPARE(listener.finished, 1);
+}
+
+void TestSliceLayer::keepsTheModelWhenAnimationsAreRemoved()
+{
+    Listener listener;
+    SliceLayer layer;
+    layer.createArcAnimationForKey(ArcKey::StartAngle, 0, 2, listener);
+    layer.createArcAnimationForKey(ArcKey::EndAngle, 0, 3, listener);
+    layer.beginAnimations(kBegin, kDuration);
+    layer.removeAllAnimations();
+    QCOMPARE(listener.interrupted, 2);
+    QCOMPARE(layer.startAngle(), 2.0);
+    QCOMPARE(layer.endAngle(), 3.0);
+}
+
+void TestSliceLayer::showsAnAngleThatIsSetWithoutAnimation()
+{
+    SliceLayer layer;
+    layer.beginAnimations(kBegin, kDuration);
+    layer.setAngle(ArcKey::EndAngle, 1.5);
+    QCOMPARE(layer.presentationLayer()->endAngle(), 1.5);
+}
+
+void TestSliceLayer::printsItself()
+{
+    SliceLayer layer;
+    layer.setValue(5);
+    layer.setPercentage(0.25);
+    layer.setAngle(ArcKey::StartAngle, pi / 2);
+    layer.setAngle(ArcKey::EndAngle, pi);
+    QString text;
+    QDebug(&text) << layer;
+    QCOMPARE(text.trimmed(),
+             QStringLiteral("value:5.000000, percentage:0, start:90.000000, end:180.000000"));
+}
+
+void TestSliceLayer::hasNoPresentationBeforeItIsShown()
+{
+    SliceLayer layer;
+    QVERIFY(!layer.presentationLayer());
+    layer.advance(kBegin);
+    QVERIFY(!layer.presentationLayer());
+    layer.beginAnimations(kBegin, kDuration);
+    QVERIFY(layer.presentationLayer());
+}
+
+void TestSliceLayer::copiesAnglesAndLooksForPresentation()
+{
+    SliceLayer layer;
+    layer.setValue(5);
+    layer.setPercentage(0.25);
+    layer.setAngle(ArcKey::StartAngle, 1);
+    layer.setAngle(ArcKey::EndAngle, 2);
+    layer.setGeometry({{10, 10}, 5, 1, 2});
+    layer.setFillColor(QColor(Qt::red));
+    layer.setInfoLayer(std::make_unique<InfoLayer>());
+    layer.madeGradientLayer();
+    const SliceLayer copy(layer);
+    QCOMPARE(copy.startAngle(), 1.0);
+    QCOMPARE(copy.endAngle(), 2.0);
+    QCOMPARE(copy.path(), layer.path());
+    QCOMPARE(*copy.fillColor(), QColor(Qt::red));
+    QCOMPARE(copy.shadowColor(), QColor(Qt::black));
+    QCOMPARE(copy.shadowOffset(), QPointF(5, 5));
+    QCOMPARE(copy.value(), 0.0);
+    QCOMPARE(copy.percentage(), 0.0);
+    QVERIFY(!copy.infoLayer());
+    QVERIFY(!copy.gradientLayer());
+}
+
+void TestSliceLayer::fitsShapeAndGradientToItsGeometry()
+{
+    SliceLayer layer;
+    layer.setGeometry({{100, 100}, 50, 0, pi / 2});
+    GradientLayer &gradient = layer.madeGradientLayer();
+    QCOMPARE(gradient.frame(), QRectF(100, 100, 50, 50));
+    layer.setGeometry({{100, 100}, 50, pi / 2, pi});
+    QCOMPARE(layer.path(), layer.geometry().path());
+    QCOMPARE(gradient.frame(), QRectF(50, 100, 50, 50));
+    QCOMPARE(gradient.mask(), layer.path().translated(-50, -100));
+}
+
+void TestSliceLayer::isFilledByItsGradientOnlyWhereThatHasColors()
+{
+    SliceLayer layer;
+    layer.setGeometry({{100, 100}, 50, 0, pi / 2});
+    QCOMPARE(layer.brush(), QBrush(Qt::black));
+    layer.setFillColor(QColor(Qt::red));
+    layer.madeGradientLayer();
+    QCOMPARE(layer.brush(), QBrush(Qt::red));
+    layer.gradientLayer()->setColors(GradientLayer::Colors{Qt::blue, Qt::green});
+    QCOMPARE(layer.brush().style(), Qt::LinearGradientPattern);
+    QVERIFY(layer.isOpaque());
+    layer.gradientLayer()->setColors(GradientLayer::Colors{Qt::blue, Qt::blue});
+    QCOMPARE(layer.brush(), QBrush(Qt::blue));
+    layer.gradientLayer()->setColors(GradientLayer::Colors{Qt::transparent, Qt::transparent});
+    QCOMPARE(layer.brush().style(), Qt::NoBrush);
+    layer.gradientLayer()->setColors(std::nullopt);
+    layer.setFillColor(std::nullopt);
+    QCOMPARE(layer.brush().style(), Qt::NoBrush);
+    QVERIFY(!layer.isOpaque());
+}
+
+void TestSliceLayer::showsItsLabelAccordingToItsWidth_data()
+{
+    QTest::addColumn<double>("shown");
+    QTest::addColumn<double>("goal");
+    QTest::addColumn<double>("opacity");
+    QTest::newRow("settled") << 0.8 << 0.8 << 1.0;
+    QTest::newRow("settled and narrow") << 0.05 << 0.05 << 1.0;
+    QTest::newRow("begins to grow") << 0.0 << 0.8 << 0.0;
+    QTest::newRow("grows") << 0.175 << 0.8 << 0.5;
+    QTest::newRow("has grown enough") << 0.5 << 0.8 << 1.0;
+    QTest::newRow("grows to be narrow") << 0.05 << 0.1 << 0.5;
+    QTest::newRow("folds") << 0.175 << 0.0 << 0.5;
+    QTest::newRow("folded") << 0.0 << 0.0 << 0.0;
+}
+
+void TestSliceLayer::showsItsLabelAccordingToItsWidth()
+{
+    QFETCH(double, shown);
+    QFETCH(double, goal);
+    SliceLayer layer;
+    layer.setAngle(ArcKey::EndAngle, goal);
+    layer.setGeometry({{0, 0}, 10, 0, shown});
+    QTEST(layer.infoOpacity(), "opacity");
+}
+
+VANTOR_GUI_TEST_MAIN(TestSliceLayer)
+#include "tst_SliceLayer.moc"

@@ -1,0 +1,271 @@
+#include "tests/lint/SourceRules.h"
+#include "tests/support/TestMain.h"
+
+#include <QDirIterator>
+
+namespace {
+
+QString read(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("%s cannot be read", qPrintable(path));
+    return QString::fromUtf8(file.readAll());
+}
+
+/// Every file of the repository that people write, by its path from the top.
+QStringList sourcePaths()
+{
+    static const QStringList written{QStringLiteral("*.h"),   QStringLiteral("*.cpp"),
+                                     QStringLiteral("*.txt"), QStringLiteral("*.cmake"),
+                                     QStringLiteral("*.md"),  QStringLiteral("*.sh"),
+                                     QStringLiteral("*.ui"),  QStringLiteral("*.html"),
+                                     QStringLiteral("run"),   QStringLiteral("test")};
+    static const QStringList notOurs{QStringLiteral("build"), QStringLiteral("tour")};
+    const QDir top(QStringLiteral(VANTOR_SOURCE_TREE));
+    QStringList paths = top.entryList(written, QDir::Files);
+    for (const QString &folder : top.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        if (notOurs.contains(folder))
+            continue;
+        QDirIterator files(top.filePath(folder), written, QDir::Files,
+                           QDirIterator::Subdirectories);
+        while (files.hasNext())
+            paths << top.relativeFilePath(files.next());
+    }
+    return paths;
+}
+
+QStringList enginePaths()
+{
+    QStringList files;
+    for (const char *folder : {"platform", "slices", "largefiles"}) {
+        const QString name = QString::fromLatin1(folder);
+        const QString list =
+            QStringLiteral(VANTOR_SOURCE_TREE "/") + name + QStringLiteral("/CMakeLists.txt");
+        if (QFile::exists(list))
+            files << engineFiles(name, read(list));
+    }
+    return files;
+}
+
+QByteArray linesOf(int count)
+{
+    return QByteArray("    work();\n").repeated(count);
+}
+
+struct Sample
+{
+    const char *rule;
+    const char *path;
+    QByteArray text;
+};
+
+/// Each breaks its rule exactly once.
+QList<Sample> badSamples()
+{
+    return {
+        {"system conditional", "app/a.cpp", "#ifdef Q_OS_MACOS\n"},
+        {"system conditional", "tests/app/a.cpp", "#  if defined(__linux__)\n"},
+        {"system conditional", "chart/a.h", "#elif defined(_WIN32)\n"},
+        {"file length", "app/a.cpp", QByteArray("x\n").repeated(401)},
+        {"function length", "app/a.cpp", "void f()\n{\n" + linesOf(59) + "}\n"},
+        {"bare sleep", "tests/a.cpp", "QTest::qWait(100);\n"},
+        {"bare sleep", "tests/a.cpp", "QTest::qSleep(1);\n"},
+        {"bare sleep", "slices/a.cpp", "std::this_thread::sleep_for(1ms);\n"},
+        {"bare sleep", "slices/a.cpp", "::usleep(1);\n"},
+        {"bare sleep", "slices/a.cpp", "QThread::msleep(1);\n"},
+        {"left-over note", "slices/a.cpp", "// TODO: later\n"},
+        {"left-over note", "slices/a.h", "/* a\n   FIXME */\n"},
+        {"left-over note", "CMakeLists.txt", "# HACK\n"},
+        {"left-over note", "README.md", "XXX\n"},
+        {"skipped test", "tests/a.cpp", "QSKIP(\"not today\");\n"},
+        {"module-prefixed include", "app/a.h", "#include <QtWidgets/QWidget>\n"},
+        {"include beyond Qt Core", "engine.cpp", "#include <QWidget>\n"},
+        {"include beyond Qt Core", "engine.cpp", "#include <QImage>\n"},
+        {"include beyond Qt Core", "engine.cpp", "#include <QSettings>\n"},
+        {"include beyond Qt Core", "slices/Info.h", "#include <QIcon>\n"},
+        {"removal", "app/a.cpp", "::unlink(path);\n"},
+        {"removal", "app/a.cpp", "unlinkat(folder, name, 0);\n"},
+        {"removal", "app/a.cpp", "std::filesystem::remove_all(path);\n"},
+        {"removal", "app/a.cpp", "std::filesystem::remove(path);\n"},
+        {"removal", "app/a.cpp", "    ::remove(path);\n"},
+        {"removal", "app/a.cpp", "QFile::remove(path);\n"},
+        {"removal", "app/a.cpp", "file.remove();\n"},
+        {"removal", "app/a.cpp", "QDir(path).removeRecursively();\n"},
+        {"removal", "slices/a.cpp", "m_calls.removeFile(folder, name);\n"},
+        {"removal", "slices/a.cpp", "hostSystemCalls().removeFolder(folder, name);\n"},
+    };
+}
+
+QList<Sample> goodSamples()
+{
+    return {
+        {"system conditional", "platform/a.cpp", "#ifdef Q_OS_MACOS\n"},
+        {"system conditional", "app/a.cpp", "#ifdef QT_NO_DEBUG\n// __linux__\n"},
+        {"file length", "app/a.cpp", QByteArray("x\n").repeated(400)},
+        {"function length", "app/a.cpp", "void f()\n{\n" + linesOf(58) + "}\n"},
+        {"function length", "app/a.h", "class A final\n{\n" + linesOf(100) + "};\n"},
+        {"function length", "app/a.cpp", "namespace {\n\n" + linesOf(100) + "}\n"},
+        {"bare sleep", "tests/a.cpp", "QTRY_VERIFY(done);\nQTest::qWaitFor(isDone);\n"},
+        {"bare sleep", "tests/a.cpp", "QTest::qWait(9); // the clock's own tick\n"},
+        {"bare sleep", "tests/a.cpp", "// The clock's own tick.\nQTest::qWait(9);\n"},
+        {"left-over note", "slices/a.cpp", "const char *word = \"TODO\";\nint XXXL = 0;\n"},
+        {"module-prefixed include", "app/a.h", "#include <QtGlobal>\n#include \"a/b.h\"\n"},
+        {"include beyond Qt Core", "engine.cpp", "#include <QString>\n#include <vector>\n"},
+        {"include beyond Qt Core", "app/a.cpp", "#include <QWidget>\n"},
+        {"removal", "slices/a.cpp", "text.remove(0, 1);\nlist->removeLast();\n"},
+        {"removal", "app/a.cpp", "void Settings::remove(Key key)\n{\n    remove(key);\n}\n"},
+        {"removal", "slices/RemovalSteps.h", "bool removeFile(const Spot &spot);\n"},
+        {"removal", "slices/RemovalSteps.cpp", "m_calls.removeFile(folder, name);\n"},
+        {"removal", "tests/a.cpp", "::unlink(path);\n"},
+        {"removal", "platform/SystemCalls_linux.cpp", "::unlinkat(folder, name, 0);\n"},
+    };
+}
+
+void addRows(const QList<Sample> &samples)
+{
+    QTest::addColumn<QByteArray>("rule");
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QString>("text");
+    for (const Sample &sample : samples)
+        QTest::addRow("%s: %s", sample.rule, sample.text.left(40).simplified().constData())
+            << QByteArray(sample.rule) << QString::fromLatin1(sample.path)
+            << QString::fromUtf8(sample.text);
+}
+
+} // namespace
+
+class TestSourceRules final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void areKeptByTheWholeTree_data();
+    void areKeptByTheWholeTree();
+    void fireOnBadSamples_data();
+    void fireOnBadSamples();
+    void leaveGoodSamplesAlone_data();
+    void leaveGoodSamplesAlone();
+    void haveABadSampleEach();
+    void measureFunctions();
+    void knowTheEngines();
+    void takeCommentsAndLiteralsApart();
+
+private:
+    const SourceRule &ruleNamed(const QByteArray &name) const;
+
+    const QList<SourceRule> m_rules = sourceRules(enginePaths() << QStringLiteral("engine.cpp"));
+};
+
+const SourceRule &TestSourceRules::ruleNamed(const QByteArray &name) const
+{
+    for (const SourceRule &rule : m_rules) {
+        if (rule.name == name)
+            return rule;
+    }
+    qFatal("there is no rule \"%s\"", name.constData());
+}
+
+void TestSourceRules::areKeptByTheWholeTree_data()
+{
+    QTest::addColumn<QByteArray>("rule");
+    for (const SourceRule &rule : m_rules)
+        QTest::addRow("%s", rule.name) << QByteArray(rule.name);
+}
+
+void TestSourceRules::areKeptByTheWholeTree()
+{
+    QFETCH(QByteArray, rule);
+    const QStringList paths = sourcePaths();
+    QVERIFY(paths.contains(QStringLiteral("tests/lint/tst_SourceRules.cpp")));
+    QStringList found;
+    for (const QString &path : paths) {
+        const QString text = read(QStringLiteral(VANTOR_SOURCE_TREE "/") + path);
+        found << offences(ruleNamed(rule), sourceText(path, text));
+    }
+    QVERIFY2(found.isEmpty(), qPrintable(u'\n' + found.join(u'\n')));
+}
+
+void TestSourceRules::fireOnBadSamples_data()
+{
+    addRows(badSamples());
+}
+
+void TestSourceRules::fireOnBadSamples()
+{
+    QFETCH(QByteArray, rule);
+    QFETCH(QString, path);
+    QFETCH(QString, text);
+    QCOMPARE(offences(ruleNamed(rule), sourceText(path, text)).size(), 1);
+}
+
+void TestSourceRules::leaveGoodSamplesAlone_data()
+{
+    addRows(goodSamples());
+}
+
+void TestSourceRules::leaveGoodSamplesAlone()
+{
+    QFETCH(QByteArray, rule);
+    QFETCH(QString, path);
+    QFETCH(QString, text);
+    QCOMPARE(offences(ruleNamed(rule), sourceText(path, text)), QStringList());
+}
+
+void TestSourceRules::haveABadSampleEach()
+{
+    QSet<QByteArray> sampled;
+    for (const Sample &sample : badSamples())
+        sampled.insert(sample.rule);
+    for (const SourceRule &rule : m_rules)
+        QVERIFY2(sampled.contains(rule.name), rule.name);
+}
+
+void TestSourceRules::measureFunctions()
+{
+    const auto lengths = [](const char *text) {
+        QList<int> found;
+        for (const FunctionBody &body :
+             functionBodies(sourceText(QStringLiteral("a.cpp"), QString::fromLatin1(text))))
+            found.append(body.length);
+        return found;
+    };
+    QCOMPARE(lengths("int f()\n{\n    return 1;\n}\n"), QList<int>{3});
+    QCOMPARE(lengths("int f(int a,\n      int b) const\n{\n}\n"), QList<int>{2});
+    QCOMPARE(lengths("A::A()\n    : m_a(1)\n{\n    if (a) {\n    }\n}\n"), QList<int>{4});
+    QCOMPARE(lengths("struct A\n{\n    void f() { g(); }\n};\n"), QList<int>());
+    QCOMPARE(lengths("class A final\n{\npublic:\n    A()\n    {\n        a();\n    }\n};\n"),
+             QList<int>{3});
+    QCOMPARE(lengths("void f()\n{\n    {\n        lock();\n    }\n}\nvoid g()\n{\n}\n"),
+             (QList<int>{5, 2}));
+    QCOMPARE(lengths("void f()\n{\n    const char *brace = \"\n}\n\";\n}\n").size(), 1);
+}
+
+void TestSourceRules::knowTheEngines()
+{
+    const QStringList files = engineFiles(
+        QStringLiteral("slices"),
+        QStringLiteral("vantor_library(vantor_slices_core\n    SOURCES A.cpp\n        B.cpp\n"
+                       "    LINKS x)\nvantor_library(vantor_slices_page SOURCES P.cpp LINKS y)\n"));
+    QCOMPARE(files, (QStringList{QStringLiteral("slices/A.cpp"), QStringLiteral("slices/A.h"),
+                                 QStringLiteral("slices/B.cpp"), QStringLiteral("slices/B.h")}));
+    QVERIFY(enginePaths().contains(QStringLiteral("platform/SystemCalls_linux.cpp")));
+    QVERIFY(enginePaths().contains(QStringLiteral("slices/Info.h")));
+}
+
+void TestSourceRules::takeCommentsAndLiteralsApart()
+{
+    const SourceText source =
+        sourceText(QStringLiteral("a.cpp"),
+                   QStringLiteral("a = \"// no \\\" comment\"; // yes\n"
+                                  "b = 1'000 /* yes */ + '\\'' + R\"x(\" // no)x\" + c; // yes\n"));
+    QCOMPARE(source.comments[0].trimmed(), QStringLiteral("// yes"));
+    QCOMPARE(source.comments[1].simplified(), QStringLiteral("/* yes */ // yes"));
+    QVERIFY(source.code[0].contains(QStringLiteral("\";")));
+    QVERIFY(!source.code[0].contains(QStringLiteral("comment")));
+    QVERIFY(source.code[1].contains(QStringLiteral("+ c;")));
+    QVERIFY(!source.code[1].contains(QStringLiteral("no")));
+}
+
+VANTOR_TEST_MAIN(TestSourceRules)
+#include "tst_SourceRules.moc"

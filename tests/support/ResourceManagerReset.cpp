@@ -1,0 +1,12 @@
+#include "tests/support/ResourceManagerReset.h"
+
+void ResourceManagerReset::beginRun()
+{
+    ResourceManager::currentRun() = std::make_unique<ResourceManager::Run>();
+}
+
+void ResourceManagerReset::beginRun(ResourceManager::GrantSource source)
+{
+    beginRun();
+    ResourceManager::setGrantSource(std::move(source));
+}
