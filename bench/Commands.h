@@ -12,3 +12,7 @@ int runSizeCommand(const QStringList &arguments);
 /// folders (or the very files) named, just as the program does, and prints one JSON object a path;
 /// `seconds` is the removal's alone. Does nothing without --yes.
 int runCleanCommand(const QStringList &arguments);
+
+/// `trees FOLDER`: makes the three trees by which the engines are measured, "cache", "flat" and
+/// "deep", in a folder that holds none of these names.
+int runTreesCommand(const QStringList &arguments);
