@@ -35,6 +35,27 @@ void move(const QByteArray &from, const QByteArray &to)
     std::filesystem::rename(native(from), native(to), ignored);
 }
 
+/// Does something right before one certain call on one certain name.
+class Swapper final : public HookedCalls
+{
+public:
+    Swapper(const QByteArray &call, const QByteArray &name, std::function<void()> swap)
+        : m_call(call), m_name(name), m_swap(std::move(swap))
+    {
+    }
+    std::optional<int> before(const char *call, int, const char *name) const override
+    {
+        if (m_call == call && m_name == name)
+            m_swap();
+        return {};
+    }
+
+private:
+    QByteArray m_call;
+    QByteArray m_name;
+    std::function<void()> m_swap;
+};
+
 } // namespace
 
 class TestCleaningRaces final : public QObject
@@ -45,6 +66,8 @@ private Q_SLOTS:
     void losesNothingOutside_data();
     void losesNothingOutside();
     void doesNotFollowAFolderThatWasMovedAway();
+    void knowsAnExcludedFolderInAnothersPlace();
+    void keepsTheWayToWhatWasMovedAway();
     void removesNothingAsWhatItWasNotListedAs_data();
     void removesNothingAsWhatItWasNotListedAs();
 
@@ -161,6 +184,37 @@ void TestCleaningRaces::doesNotFollowAFolderThatWasMovedAway()
     QVERIFY(refused > 10); // the way back was lost, and that was noticed
 }
 
+/// The listing knew another folder under this name; only the opened one tells what it is.
+void TestCleaningRaces::knowsAnExcludedFolderInAnothersPlace()
+{
+    const CleaningGround scratch;
+    const QByteArray downloads = scratch / "home/Downloads";
+    makeFile(downloads + "/other/a");
+    makeFile(downloads + "/Keep/b");
+    const GrantedFolder granted(scratch / "home");
+    const Swapper calls("openFolder", "other", [&] {
+        move(downloads + "/other", scratch / "aside");
+        move(downloads + "/Keep", downloads + "/other");
+    });
+    clean(granted, {contentsOf({granted.folder("Downloads")})},
+          excluding({granted.folder("Downloads/Keep")}), calls);
+    QCOMPARE(tree(downloads), std::set<QByteArray>({"other", "other/b"}));
+}
+
+void TestCleaningRaces::keepsTheWayToWhatWasMovedAway()
+{
+    const CleaningGround scratch;
+    const QByteArray downloads = scratch / "home/Downloads";
+    makeFile(downloads + "/way/further/kept");
+    const GrantedFolder granted(scratch / "home");
+    const Swapper calls("openFolder", "further",
+                        [&] { move(downloads + "/way/further/kept", scratch / "aside"); });
+    clean(granted, {contentsOf({granted.folder("Downloads")})},
+          excluding({granted.file("Downloads/way/further/kept")}), calls);
+    QVERIFY(exists(scratch / "aside"));
+    QCOMPARE(tree(downloads), std::set<QByteArray>({"way", "way/further"}));
+}
+
 void TestCleaningRaces::removesNothingAsWhatItWasNotListedAs_data()
 {
     QTest::addColumn<QByteArray>("call");
@@ -180,25 +234,6 @@ void TestCleaningRaces::removesNothingAsWhatItWasNotListedAs_data()
 
 void TestCleaningRaces::removesNothingAsWhatItWasNotListedAs()
 {
-    class Swapper final : public HookedCalls
-    {
-    public:
-        Swapper(const QByteArray &call, const QByteArray &name, std::function<void()> swap)
-            : m_call(call), m_name(name), m_swap(std::move(swap))
-        {
-        }
-        std::optional<int> before(const char *call, int, const char *name) const override
-        {
-            if (m_call == call && m_name == name)
-                m_swap();
-            return {};
-        }
-
-    private:
-        QByteArray m_call;
-        QByteArray m_name;
-        std::function<void()> m_swap;
-    };
     QFETCH(QByteArray, call);
     QFETCH(QByteArray, name);
     QFETCH(QByteArray, replacement);
