@@ -16,7 +16,7 @@ namespace {
 struct Ring
 {
     QColor color;
-    double width;
+    double width = 0;
 };
 /// The focus ring, inside the slice's edge: a light band with a dark rim, so that it is seen on any
 /// colour and before any ground. Painted from the widest to the narrowest.
@@ -182,7 +182,8 @@ void PieChart::selectSlice(int index)
 
 bool PieChart::canSelectSlice(int index)
 {
-    return delegate() && layerOfSlice(index) && delegate()->canSelectSliceAtIndex(*this, index);
+    return delegate() != nullptr && layerOfSlice(index) != nullptr &&
+           delegate()->canSelectSliceAtIndex(*this, index);
 }
 
 void PieChart::updateFocusPolicy()
