@@ -5,6 +5,7 @@
 #include "chart/SliceFocus.h"
 #include "chart/SlicePainting.h"
 
+#include <QApplication>
 #include <QFocusEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -138,8 +139,10 @@ void PieChart::destoryTrackingArea()
 
 void PieChart::pointerLeft()
 {
-    // Outside the widget no move is told, so leaving it is the last chance to say so.
-    if (m_hasTrackingArea)
+    // Outside the widget no move is told, so leaving it is the last chance to say so. A popup, such
+    // as one that explains the slice, takes the pointer away for a while only.
+    const bool isBorrowed = QApplication::activePopupWidget() != nullptr;
+    if (m_hasTrackingArea && !isBorrowed)
         reportHover(-1);
     else
         m_leftUnseen = true;
@@ -157,6 +160,7 @@ void PieChart::mousePressEvent(QMouseEvent *event)
         BackgroundView::mousePressEvent(event);
         return;
     }
+    // A click that brings the window to the front arrives here as well, and counts.
     const int index = getCurrentSelectedOnLocation(event->position());
     if (index == -1)
         return;
