@@ -30,7 +30,7 @@ constexpr double kHalo = 2;
 struct HaloStep
 {
     QPointF offset;
-    int alpha;
+    int alpha = 0; ///< of 255
 };
 constexpr std::array kHaloSteps{
     HaloStep{{0, 1}, 55},  HaloStep{{-1, 0}, 14},     HaloStep{{1, 0}, 14},
@@ -89,7 +89,7 @@ void drawIcon(QPainter &painter, QPointF corner, const QPixmap &icon)
         blackener.fillRect(QRect(QPoint(), kImageSize), Qt::black);
     }
     // Below only: a whole halo would shine through the icons' half transparent parts as dirt.
-    painter.setOpacity(kIconShade.alpha / 255.0);
+    painter.setOpacity(QColor(0, 0, 0, kIconShade.alpha).alphaF());
     painter.drawPixmap(corner + kIconShade.offset, shade);
     painter.setOpacity(1);
     painter.drawPixmap(corner, icon);

@@ -49,20 +49,10 @@ void PieChart::setDelegate(PieChartDelegate *delegate)
     updateFocusPolicy();
 }
 
-double PieChart::pieRadius() const
-{
-    return m_pieRadius.value_or(std::min(width() * 0.5, height() * 0.5));
-}
-
 void PieChart::setPieRadius(double radius)
 {
     m_pieRadius = radius;
     refreshSliceLayers(LayerState::Presentation);
-}
-
-double PieChart::infoRadius() const
-{
-    return m_infoRadius.value_or(std::min(width() * 0.5, height() * 0.5) * 0.5);
 }
 
 void PieChart::setInfoRadius(double radius)
@@ -81,7 +71,7 @@ void PieChart::setCenter(QPointF center)
 void PieChart::followSize()
 {
     if (!m_hasOwnCenter)
-        BackgroundView::setCenter({width() * 0.5, height() * 0.5});
+        BackgroundView::setCenter(QRectF(rect()).center());
     refreshSliceLayers(LayerState::Presentation);
 }
 

@@ -8,6 +8,7 @@
 #include "widgets/BackgroundView.h"
 
 #include <QTimer>
+#include <algorithm>
 #include <numbers>
 #include <vector>
 
@@ -52,11 +53,11 @@ public:
     void setAnimationSpeed(double seconds) { m_animationSpeed = seconds; }
 
     /// Outer radius of every slice; at first half of the widget's smaller side.
-    double pieRadius() const;
+    double pieRadius() const { return m_pieRadius.value_or(halfSide()); }
     void setPieRadius(double radius);
 
     /// How far from the centre the labels sit; at first a quarter of the widget's smaller side.
-    double infoRadius() const;
+    double infoRadius() const { return m_infoRadius.value_or(halfSide() / 2); }
     void setInfoRadius(double radius);
 
     void setCenter(QPointF center) override;
@@ -132,6 +133,8 @@ protected:
     void focusOutEvent(QFocusEvent *event) override;
 
 private:
+    static constexpr double kDefaultAnimationSpeed = 0.75;
+
     /// Which angles of a slice its shape is made from.
     enum class LayerState { Model, Presentation };
     /// What the data source said for one reload.
@@ -161,6 +164,7 @@ private:
     void commitAnimations();
     QColor colorForSlice(int index);
 
+    double halfSide() const { return static_cast<double>(std::min(width(), height())) / 2; }
     void followSize();
     void refreshSliceLayer(SliceLayer &layer, LayerState state);
     void refreshSliceLayers(LayerState state);
@@ -182,7 +186,7 @@ private:
     WeakReference<PieChartDelegate> m_delegate;
     MediaClock m_clock = steadyMediaTime;
     double m_startPieAngle = std::numbers::pi / 2;
-    double m_animationSpeed = 0.75;
+    double m_animationSpeed = kDefaultAnimationSpeed;
     bool m_hasOwnCenter = false;
     std::optional<double> m_pieRadius;
     std::optional<double> m_infoRadius;

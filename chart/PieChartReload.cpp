@@ -10,6 +10,7 @@
 namespace {
 
 constexpr double kFullTurn = 2 * std::numbers::pi;
+constexpr float kDefaultBrightness = 0.91F;
 
 /// Data sources compute with sizes that others told them; a share below nothing is no share.
 double soundValue(double value)
@@ -141,7 +142,8 @@ QColor PieChart::defaultColor(int index)
 {
     const double hue = (index / 8 % 20) / 20.0 + 0.02;
     const double saturation = (index % 8 + 3) / 10.0;
-    return QColor::fromHsvF(static_cast<float>(hue), static_cast<float>(saturation), 0.91F);
+    return QColor::fromHsvF(static_cast<float>(hue), static_cast<float>(saturation),
+                            kDefaultBrightness);
 }
 
 void PieChart::reloadGradients()
