@@ -42,15 +42,15 @@ QRectF centredFrame(double width, double bottom, double top)
     return {-width / 2, bottom, width, top - bottom};
 }
 
-TextRuns nameRuns(const QString &name)
+WeightedText nameRuns(const QString &name)
 {
     return {{name, Typeface::Light}};
 }
 
-double widthOf(const TextRuns &runs, int fontSize)
+double widthOf(const WeightedText &runs, int fontSize)
 {
     double width = 0;
-    for (const TextRun &run : runs)
+    for (const WeightedRun &run : runs)
         width += QFontMetricsF(interfaceFont(run.face, fontSize)).horizontalAdvance(run.text);
     return std::ceil(width);
 }
@@ -60,10 +60,10 @@ double lineHeight(int fontSize)
     return QFontMetricsF(interfaceFont(Typeface::Regular, fontSize)).height();
 }
 
-void drawRuns(QPainter &painter, QPointF baseline, const TextRuns &runs, int fontSize)
+void drawRuns(QPainter &painter, QPointF baseline, const WeightedText &runs, int fontSize)
 {
     baseline = baseline.toPoint(); // letters stand on whole pixels
-    for (const TextRun &run : runs) {
+    for (const WeightedRun &run : runs) {
         const QFont font = interfaceFont(run.face, fontSize);
         painter.setFont(font);
         for (const HaloStep &step : kHaloSteps) {
@@ -78,21 +78,24 @@ void drawRuns(QPainter &painter, QPointF baseline, const TextRuns &runs, int fon
 
 } // namespace
 
-InfoLayer::InfoLayer(std::function<void()> changed)
-    : m_changed(std::move(changed)), m_imageName(QLatin1String(kPlaceholderImage))
+InfoLayer::InfoLayer(std::function<void()> changed) : m_changed(std::move(changed))
 {
+    m_content.image = QLatin1String(kPlaceholderImage);
+    m_bounds = neededBounds();
 }
 
 void InfoLayer::setInfo(std::shared_ptr<Info> info)
 {
+    const Content before = m_content;
     if (info != m_info)
-        m_size.clear();
+        m_content.size.clear();
     m_info = std::move(info);
-    m_imageName = m_info ? m_info->image() : QString();
-    m_isIconAlone = m_info && m_info->name().isEmpty();
-    if (!m_isIconAlone)
-        m_name = m_info ? m_info->name() : QString();
-    contentChanged();
+    m_content.image = m_info ? m_info->image() : QString();
+    m_content.isIconAlone = m_info && m_info->name().isEmpty();
+    if (!m_content.isIconAlone)
+        m_content.name = m_info ? m_info->name() : QString();
+    if (m_content != before)
+        contentChanged();
     askForSize();
 }
 
@@ -122,11 +125,11 @@ void InfoLayer::sizeArrived(const Info *info, const std::optional<QString> &text
 {
     if (info != m_info.get())
         return;
-    const TextRuns size =
-        text ? attributedSizeString(*text).value_or(TextRuns{{*text, Typeface::Regular}})
-             : TextRuns{};
-    if (size != m_size) {
-        m_size = size;
+    const WeightedText size =
+        text ? attributedSizeString(*text).value_or(WeightedText{{*text, Typeface::Regular}})
+             : WeightedText{};
+    if (size != m_content.size) {
+        m_content.size = size;
         contentChanged();
     }
     m_asked = nullptr;
@@ -146,42 +149,42 @@ void InfoLayer::contentChanged()
     tell(); // where it is
 }
 
-std::optional<TextRuns> InfoLayer::attributedSizeString(const QString &text)
+std::optional<WeightedText> InfoLayer::attributedSizeString(const QString &text)
 {
     if (text.size() <= kUnitLength || text == u"Empty" || text == u"Click to select")
         return std::nullopt;
-    return TextRuns{{text.chopped(kUnitLength), Typeface::Regular},
+    return WeightedText{{text.chopped(kUnitLength), Typeface::Regular},
                     {text.last(kUnitLength), Typeface::Medium}};
 }
 
 QString InfoLayer::sizeString() const
 {
     QString text;
-    for (const TextRun &run : m_size)
+    for (const WeightedRun &run : m_content.size)
         text += run.text;
     return text;
 }
 
 QRectF InfoLayer::imageFrame() const
 {
-    const double bottom = m_isIconAlone ? -kImageSize.height() / 2.0 : kImageBottom;
+    const double bottom = m_content.isIconAlone ? -kImageSize.height() / 2.0 : kImageBottom;
     return centredFrame(kImageSize.width(), bottom, bottom + kImageSize.height());
 }
 
 QRectF InfoLayer::nameFrame() const
 {
-    return centredFrame(widthOf(nameRuns(m_name), kNameFontSize), kNameBottom, kNameTop);
+    return centredFrame(widthOf(nameRuns(m_content.name), kNameFontSize), kNameBottom, kNameTop);
 }
 
 QRectF InfoLayer::sizeFrame() const
 {
-    return centredFrame(widthOf(m_size, kSizeFontSize), kSizeBottom,
+    return centredFrame(widthOf(m_content.size, kSizeFontSize), kSizeBottom,
                         kSizeBottom + lineHeight(kSizeFontSize));
 }
 
 QRectF InfoLayer::neededBounds() const
 {
-    if (m_isIconAlone)
+    if (m_content.isIconAlone)
         return imageFrame();
     const QRectF texts = (nameFrame() | sizeFrame()).adjusted(-kHalo, -kHalo, kHalo, kHalo);
     return (imageFrame() | texts).toAlignedRect();
@@ -196,14 +199,14 @@ QPixmap InfoLayer::drawn(double scale) const
     QPainter painter(&picture);
     painter.translate(-area.left(), area.bottom()); // the middle is the origin from here on
     painter.drawPixmap(QPointF(imageFrame().left(), -imageFrame().bottom()),
-                       imageNamed(m_imageName, scale, kImageSize));
-    if (m_isIconAlone)
+                       imageNamed(m_content.image, scale, kImageSize));
+    if (m_content.isIconAlone)
         return picture;
     const QFontMetricsF nameMetrics(interfaceFont(Typeface::Light, kNameFontSize));
     const QFontMetricsF sizeMetrics(interfaceFont(Typeface::Regular, kSizeFontSize));
-    drawRuns(painter, {nameFrame().left(), -kNameTop + nameMetrics.ascent()}, nameRuns(m_name),
-             kNameFontSize);
-    drawRuns(painter, {sizeFrame().left(), -kSizeBottom - sizeMetrics.descent()}, m_size,
+    drawRuns(painter, {nameFrame().left(), -kNameTop + nameMetrics.ascent()},
+             nameRuns(m_content.name), kNameFontSize);
+    drawRuns(painter, {sizeFrame().left(), -kSizeBottom - sizeMetrics.descent()}, m_content.size,
              kSizeFontSize);
     return picture;
 }

@@ -16,14 +16,14 @@ class Info;
 class QPainter;
 
 /// A piece of a label's text in one weight.
-struct TextRun
+struct WeightedRun
 {
     QString text;
     Typeface face = Typeface::Regular;
 
-    friend bool operator==(const TextRun &, const TextRun &) = default;
+    friend bool operator==(const WeightedRun &, const WeightedRun &) = default;
 };
-using TextRuns = std::vector<TextRun>;
+using WeightedText = std::vector<WeightedRun>;
 
 /// The label that rides on a slice: icon, name and size, one below the other around a middle point.
 /// The size text is asked for on a background thread, because finding it may mean to measure
@@ -48,9 +48,9 @@ public:
     bool isHidden() const { return m_isHidden; }
     void setHidden(bool hidden) { m_isHidden = hidden; }
 
-    const QString &imageName() const { return m_imageName; }
-    const QString &nameString() const { return m_name; }
-    const TextRuns &sizeText() const { return m_size; }
+    const QString &imageName() const { return m_content.image; }
+    const QString &nameString() const { return m_content.name; }
+    const WeightedText &sizeText() const { return m_content.size; }
     /// The size text without its weights; empty while it is not known.
     QString sizeString() const;
 
@@ -66,9 +66,20 @@ public:
 
     /// The size text as it is set: number and unit in two weights. Nothing for texts that are no
     /// number with a two-letter unit, which are shown plain.
-    static std::optional<TextRuns> attributedSizeString(const QString &text);
+    static std::optional<WeightedText> attributedSizeString(const QString &text);
 
 private:
+    /// What the label shows.
+    struct Content
+    {
+        QString image;
+        QString name;
+        WeightedText size;
+        bool isIconAlone = false;
+
+        friend bool operator==(const Content &, const Content &) = default;
+    };
+
     void askForSize();
     void sizeArrived(const Info *info, const std::optional<QString> &text);
     void contentChanged();
@@ -79,10 +90,7 @@ private:
     std::shared_ptr<Info> m_info;
     QPoint m_position;
     bool m_isHidden = false;
-    bool m_isIconAlone = false;
-    QString m_imageName;
-    QString m_name;
-    TextRuns m_size;
+    Content m_content;
 
     /// The record whose size was asked for and did not arrive yet; an address to compare, no more.
     const Info *m_asked = nullptr;

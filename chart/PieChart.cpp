@@ -26,6 +26,7 @@ double soundValue(double value)
 PieChart::PieChart(QWidget *parent) : BackgroundView(parent)
 {
     setBackgroundColor(Qt::transparent);
+    m_updateTimer.setObjectName(QStringLiteral("updateTimer"));
     m_updateTimer.setTimerType(Qt::PreciseTimer);
     m_updateTimer.setInterval(kFrame);
     connect(&m_updateTimer, &QTimer::timeout, this, &PieChart::updateTimerFired);

@@ -188,7 +188,7 @@ private:
     std::optional<double> m_infoRadius;
 
     SliceLayers m_sliceLayers;
-    QTimer m_updateTimer;
+    QTimer m_updateTimer{this};
     std::vector<const ArcAnimation *> m_runningAnimations;
     bool m_didLoad = false;
 

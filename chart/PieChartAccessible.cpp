@@ -12,22 +12,28 @@
 
 namespace {
 
+/// The chart, unless it is being destroyed: Qt asks on until the widget below it is gone too.
+PieChart *livingChart(QObject *object)
+{
+    return qobject_cast<PieChart *>(object);
+}
+
 /// One slice. Lives as long as its chart's interface and answers for whatever slice has the index.
 class SliceAccessible final : public QAccessibleInterface, public QAccessibleActionInterface
 {
 public:
-    SliceAccessible(PieChart &chart, int index) : m_chart(&chart), m_index(index) {}
+    SliceAccessible(PieChart &chart, int index) : m_object(&chart), m_index(index) {}
 
     bool isValid() const override { return layer(); }
     QObject *object() const override { return nullptr; }
     QWindow *window() const override
     {
-        return m_chart ? m_chart->window()->windowHandle() : nullptr;
+        return chart() ? chart()->window()->windowHandle() : nullptr;
     }
 
     QAccessibleInterface *parent() const override
     {
-        return QAccessible::queryAccessibleInterface(m_chart);
+        return QAccessible::queryAccessibleInterface(m_object);
     }
     QAccessibleInterface *child(int) const override { return nullptr; }
     QAccessibleInterface *childAt(int, int) const override { return nullptr; }
@@ -51,10 +57,11 @@ public:
     QStringList keyBindingsForAction(const QString &) const override { return {}; }
 
 private:
-    const SliceLayer *layer() const { return m_chart ? m_chart->layerOfSlice(m_index) : nullptr; }
-    bool canPress() const { return m_chart && m_chart->canSelectSlice(m_index); }
+    PieChart *chart() const { return livingChart(m_object); }
+    const SliceLayer *layer() const { return chart() ? chart()->layerOfSlice(m_index) : nullptr; }
+    bool canPress() const { return chart() && chart()->canSelectSlice(m_index); }
 
-    QPointer<PieChart> m_chart;
+    QPointer<QObject> m_object;
     int m_index;
 };
 
@@ -72,8 +79,8 @@ public:
     QAccessibleInterface *focusChild() const override;
 
 private:
-    PieChart &chart() const { return *static_cast<PieChart *>(widget()); }
-    int sliceCount() const { return static_cast<int>(chart().sliceLayers().size()); }
+    PieChart *chart() const { return livingChart(object()); }
+    int sliceCount() const { return chart() ? static_cast<int>(chart()->sliceLayers().size()) : 0; }
     QAccessibleInterface *slice(int index) const;
 
     mutable std::vector<QAccessible::Id> m_slices;
@@ -92,8 +99,8 @@ QString SliceAccessible::text(QAccessible::Text text) const
 {
     if (text != QAccessible::Name || !layer())
         return {};
-    PieChartDataSource *source = m_chart->dataSource();
-    const auto name = source ? source->accessibleNameForSliceAtIndex(*m_chart, m_index)
+    PieChartDataSource *source = chart()->dataSource();
+    const auto name = source ? source->accessibleNameForSliceAtIndex(*chart(), m_index)
                              : std::optional<QString>();
     return name ? *name : labelText(*layer());
 }
@@ -102,8 +109,8 @@ QRect SliceAccessible::rect() const
 {
     if (!layer())
         return {};
-    const QRect shape = m_chart->sliceRect(m_index);
-    return {m_chart->mapToGlobal(shape.topLeft()), shape.size()};
+    const QRect shape = chart()->sliceRect(m_index);
+    return {chart()->mapToGlobal(shape.topLeft()), shape.size()};
 }
 
 QAccessible::State SliceAccessible::state() const
@@ -112,9 +119,9 @@ QAccessible::State SliceAccessible::state() const
     state.invalid = !layer();
     if (!layer())
         return state;
-    state.invisible = !m_chart->isVisible();
+    state.invisible = !chart()->isVisible();
     state.focusable = canPress();
-    state.focused = m_chart->hasFocus() && m_chart->focusedSlice() == m_index;
+    state.focused = chart()->hasFocus() && chart()->focusedSlice() == m_index;
     const auto info = layer()->infoLayer()->info();
     // A slice with a name is switched on and off; one with a picture alone is a link.
     state.checkable = canPress() && info && !info->name().isEmpty();
@@ -132,9 +139,9 @@ void SliceAccessible::doAction(const QString &actionName)
     if (!canPress())
         return;
     if (actionName == pressAction())
-        m_chart->selectSlice(m_index);
+        chart()->selectSlice(m_index);
     else if (actionName == setFocusAction())
-        m_chart->focusSlice(m_index);
+        chart()->focusSlice(m_index);
 }
 
 ChartAccessible::~ChartAccessible()
@@ -148,7 +155,7 @@ QAccessibleInterface *ChartAccessible::slice(int index) const
     // The registry owns them until it is told to delete them.
     while (std::ssize(m_slices) <= index)
         m_slices.push_back(QAccessible::registerAccessibleInterface(
-            new SliceAccessible(chart(), static_cast<int>(m_slices.size()))));
+            new SliceAccessible(*chart(), static_cast<int>(m_slices.size()))));
     return QAccessible::accessibleInterface(m_slices[static_cast<std::size_t>(index)]);
 }
 
@@ -163,7 +170,9 @@ QAccessibleInterface *ChartAccessible::childAt(int x, int y) const
 {
     if (QAccessibleInterface *inner = QAccessibleWidget::childAt(x, y))
         return inner;
-    const int index = chart().getCurrentSelectedOnLocation(chart().mapFromGlobal(QPoint(x, y)));
+    if (!chart())
+        return nullptr;
+    const int index = chart()->getCurrentSelectedOnLocation(chart()->mapFromGlobal(QPoint(x, y)));
     return index != -1 ? slice(index) : nullptr;
 }
 
@@ -179,15 +188,14 @@ int ChartAccessible::indexOfChild(const QAccessibleInterface *child) const
 
 QAccessibleInterface *ChartAccessible::focusChild() const
 {
-    const int index = chart().focusedSlice();
-    if (chart().hasFocus() && index != -1)
-        return slice(index);
+    if (chart() && chart()->hasFocus() && chart()->focusedSlice() != -1)
+        return slice(chart()->focusedSlice());
     return QAccessibleWidget::focusChild();
 }
 
 QAccessibleInterface *madeInterface(const QString &, QObject *object)
 {
-    auto *chart = qobject_cast<PieChart *>(object);
+    PieChart *chart = livingChart(object);
     return chart ? new ChartAccessible(*chart) : nullptr;
 }
 

@@ -210,8 +210,12 @@ void PieChart::moveFocus(int key)
 {
     std::vector<FocusStop> stops;
     for (const auto &layer : m_sliceLayers) {
+        // Where it is heading, not where it is: arrows mean the same while the pie moves.
+        SliceGeometry goal = layer->geometry();
+        goal.start = layer->startAngle();
+        goal.end = layer->endAngle();
         if (canSelectSlice(layer->index()))
-            stops.push_back({layer->index(), plane().toWidget(layer->infoLayer()->position())});
+            stops.push_back({layer->index(), plane().toWidget(goal.labelPoint(infoRadius()))});
     }
     std::ranges::sort(stops, {}, &FocusStop::index);
     if (stops.empty())

@@ -15,9 +15,11 @@ target_compile_definitions(vantor_options INTERFACE QT_NO_CAST_FROM_ASCII QT_NO_
     QT_NO_KEYWORDS QT_NO_FOREACH QT_DISABLE_DEPRECATED_BEFORE=0x060400)
 target_include_directories(vantor_options INTERFACE ${PROJECT_SOURCE_DIR})
 if(VANTOR_SANITIZE)
-    target_compile_options(vantor_options INTERFACE -fsanitize=${VANTOR_SANITIZE} -fno-omit-frame-pointer
-        -fno-sanitize-recover=all)
-    target_link_options(vantor_options INTERFACE -fsanitize=${VANTOR_SANITIZE})
+    # A target that hosts foreign code which does not bear them sets VANTOR_UNSANITIZED.
+    set(sanitized "$<NOT:$<BOOL:$<TARGET_PROPERTY:VANTOR_UNSANITIZED>>>")
+    target_compile_options(vantor_options INTERFACE
+        "$<${sanitized}:-fsanitize=${VANTOR_SANITIZE};-fno-omit-frame-pointer;-fno-sanitize-recover=all>")
+    target_link_options(vantor_options INTERFACE "$<${sanitized}:-fsanitize=${VANTOR_SANITIZE}>")
 endif()
 
 find_program(CCACHE ccache)

@@ -25,9 +25,9 @@ struct AlertButton
 struct Alert
 {
     AlertStyle style = AlertStyle::Informational;
-    QString messageText;
-    QString informativeText;
-    QList<AlertButton> buttons;
+    QString messageText = {};
+    QString informativeText = {};
+    QList<AlertButton> buttons = {};
 };
 
 /// Gets the index of the pressed button in the alert's list.

@@ -1,6 +1,7 @@
 #include "platform/ByteCount.h"
 
 #include <array>
+#include <limits>
 
 namespace {
 
@@ -61,4 +62,10 @@ QString stringFromByteCount(qint64 bytes)
             return sign + decimalText(steps, unit.digits) + u' ' + QLatin1String(unit.name);
     }
     Q_UNREACHABLE();
+}
+
+qint64 sumOfByteCounts(qint64 a, qint64 b)
+{
+    constexpr qint64 kMost = std::numeric_limits<qint64>::max();
+    return a > kMost - b ? kMost : a + b;
 }

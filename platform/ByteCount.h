@@ -6,3 +6,7 @@
 /// digit for MB, two above, trailing zeros dropped, rounded half away from zero; "Zero KB" for 0,
 /// "1 byte" for 1. Never localised: the size text is cut at its blank and its full stop.
 QString stringFromByteCount(qint64 bytes);
+
+/// The sum of two byte counts that are not negative; stops at the largest number instead of
+/// turning over.
+qint64 sumOfByteCounts(qint64 a, qint64 b);

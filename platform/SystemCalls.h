@@ -40,6 +40,13 @@ struct FileIdentity
     friend bool operator==(const FileIdentity &, const FileIdentity &) = default;
 };
 
+/// The user as whom this process touches files.
+struct ActingUser
+{
+    std::uint32_t user = 0;
+    bool ownsEverything = false; ///< may act as the owner of any file, as the administrator may
+};
+
 /// Who may be entered on the way down.
 enum class Descent {
     /// Folders only, beneath the start, no link in any component, no other file system, no mount.
@@ -59,8 +66,8 @@ public:
     /// Opens a folder for reading by its path relative to another open folder ("." reopens it).
     virtual SystemResult<FileDescriptor> openFolder(int parent, const char *relativePath,
                                                     Descent descent) const = 0;
-    /// Opens the folder around an open one, on the same file system. The caller checks that it is
-    /// the one it came from: the folder may have been moved meanwhile.
+    /// Opens the folder that holds this one at present, on the same mount. It may be another than
+    /// the one from which the folder was reached: compare before use.
     virtual SystemResult<FileDescriptor> openParent(int folder) const = 0;
     /// Opens a folder by its absolute path. No component may be a link.
     virtual SystemResult<FileDescriptor> openRoot(const char *path) const = 0;
@@ -70,6 +77,8 @@ public:
     /// The entry itself, never what a link leads to.
     virtual SystemResult<FileStatus> status(int parent, const char *name) const = 0;
     virtual SystemResult<FileStatus> statusOf(int descriptor) const = 0;
+    /// What an entry is, or what it leads to if it is a link. Only for what a user named.
+    virtual SystemResult<FileKind> kindBehind(int parent, const char *name) const = 0;
     virtual SystemResult<FileIdentity> identityOf(int descriptor) const = 0;
     /// The identity of an entry, whatever its kind; a link's own.
     virtual SystemResult<FileIdentity> identity(int parent, const char *name) const = 0;
@@ -77,6 +86,8 @@ public:
     virtual bool mayChangeEntries(int folder) const = 0;
     /// Whether the folder lives in memory alone, where no disk is waited for.
     virtual bool isInMemory(int folder) const = 0;
+    /// Whose rights decide in a folder with the sticky bit.
+    virtual ActingUser actingUser() const = 0;
 
     virtual SystemResult<void> removeFile(int parent, const char *name) const = 0;
     virtual SystemResult<void> removeFolder(int parent, const char *name) const = 0;

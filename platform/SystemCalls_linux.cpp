@@ -6,6 +6,7 @@
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
+#include <linux/capability.h>
 #include <linux/magic.h>
 #include <linux/openat2.h>
 #include <sys/stat.h>
@@ -106,14 +107,21 @@ FileStatus statusFrom(const struct statx &found)
     return status;
 }
 
+/// Asks without waiting for a server, and without mounting what is mounted on demand.
 SystemResult<struct statx> statxAt(int parent, const char *name, int flags, unsigned mask)
 {
+    constexpr int kQuietly = AT_STATX_DONT_SYNC | AT_NO_AUTOMOUNT;
     struct statx found
     {
     };
-    if (::statx(parent, name, flags | AT_SYMLINK_NOFOLLOW | AT_STATX_DONT_SYNC, mask, &found) != 0)
+    if (::statx(parent, name, flags | kQuietly, mask, &found) != 0)
         return lastError();
     return found;
+}
+
+FileKind kindFrom(const struct statx &found)
+{
+    return kindOfMode(found.stx_mode);
 }
 
 constexpr unsigned kStatusMask = STATX_TYPE | STATX_MODE | STATX_UID | STATX_SIZE | STATX_INO;
@@ -134,7 +142,7 @@ QByteArray handleAt(int parent, const char *name, int flags)
 
 SystemResult<FileIdentity> identityAt(int parent, const char *name, int flags)
 {
-    const auto found = statxAt(parent, name, flags, STATX_INO | STATX_BTIME);
+    const auto found = statxAt(parent, name, flags | AT_SYMLINK_NOFOLLOW, STATX_INO | STATX_BTIME);
     if (!found)
         return tl::unexpected(found.error());
     struct statfs fileSystem
@@ -156,6 +164,16 @@ SystemResult<FileIdentity> identityAt(int parent, const char *name, int flags)
     return identity;
 }
 
+/// Whether this thread may act as the owner of files that it does not own.
+bool holdsOwnersCapability()
+{
+    __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
+    std::array<__user_cap_data_struct, _LINUX_CAPABILITY_U32S_3> sets{};
+    if (::syscall(SYS_capget, &header, sets.data()) != 0)
+        return false;
+    return (sets[CAP_TO_INDEX(CAP_FOWNER)].effective & CAP_TO_MASK(CAP_FOWNER)) != 0;
+}
+
 class HostSystemCalls final : public SystemCalls
 {
 public:
@@ -171,7 +189,7 @@ public:
     SystemResult<FileDescriptor> openParent(int folder) const override
     {
         return openResolved(folder, "..",
-                            RESOLVE_NO_SYMLINKS | RESOLVE_NO_MAGICLINKS | RESOLVE_NO_XDEV);
+                            RESOLVE_NO_XDEV | RESOLVE_NO_SYMLINKS | RESOLVE_NO_MAGICLINKS);
     }
 
     SystemResult<FileDescriptor> openRoot(const char *path) const override
@@ -186,12 +204,17 @@ public:
 
     SystemResult<FileStatus> status(int parent, const char *name) const override
     {
-        return statxAt(parent, name, 0, kStatusMask).map(statusFrom);
+        return statxAt(parent, name, AT_SYMLINK_NOFOLLOW, kStatusMask).map(statusFrom);
     }
 
     SystemResult<FileStatus> statusOf(int descriptor) const override
     {
         return statxAt(descriptor, "", AT_EMPTY_PATH, kStatusMask).map(statusFrom);
+    }
+
+    SystemResult<FileKind> kindBehind(int parent, const char *name) const override
+    {
+        return statxAt(parent, name, 0, STATX_TYPE).map(kindFrom);
     }
 
     SystemResult<FileIdentity> identityOf(int descriptor) const override
@@ -217,6 +240,8 @@ public:
         return ::fstatfs(folder, &fileSystem) == 0 &&
                (fileSystem.f_type == TMPFS_MAGIC || fileSystem.f_type == RAMFS_MAGIC);
     }
+
+    ActingUser actingUser() const override { return {::geteuid(), holdsOwnersCapability()}; }
 
     SystemResult<void> removeFile(int parent, const char *name) const override
     {

@@ -43,6 +43,22 @@ private:
     double m_alpha = 1;
 };
 
+/// Qt leaves out the ground below an opaque child, even where its parent is faded and the ground
+/// should shine through. A widget with an effect, be it idle, does not count as opaque.
+void showGroundBelowChildren(const QWidget &faded)
+{
+    const QList<QWidget *> children = faded.findChildren<QWidget *>();
+    for (QWidget *child : children) {
+        const bool isOpaque =
+            child->autoFillBackground() || child->testAttribute(Qt::WA_OpaquePaintEvent);
+        if (!isOpaque || child->graphicsEffect() || child->isWindow())
+            continue;
+        auto *effect = new AlphaEffect(child);
+        effect->setAlpha(1);
+        child->setGraphicsEffect(effect);
+    }
+}
+
 /// What is known of one widget's opacity; a child of the widget.
 class ViewAlpha final : public QObject
 {
@@ -113,6 +129,9 @@ private:
 
     void drawByPicture(double alpha)
     {
+        const bool isFaded = m_effect && m_effect->isEnabled();
+        if (alpha < 1 && !isFaded)
+            showGroundBelowChildren(m_widget);
         if (!m_effect && alpha < 1) {
             m_effect = new AlphaEffect(&m_widget);
             m_widget.setGraphicsEffect(m_effect);

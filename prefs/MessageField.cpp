@@ -3,11 +3,11 @@
 #include <QPainter>
 #include <cmath>
 
-MessageField::MessageField(const AttributedString &text, double maxWidth, QWidget *parent)
+MessageField::MessageField(const AttributedText &text, double maxWidth, QWidget *parent)
     : QLabel(parent), m_block(text, maxWidth)
 {
     setTextFormat(Qt::PlainText);
-    setText(text.string);
+    setText(text.string());
 }
 
 void MessageField::paintEvent(QPaintEvent *)

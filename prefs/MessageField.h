@@ -12,7 +12,7 @@ class MessageField final : public QLabel
     Q_OBJECT
 
 public:
-    MessageField(const AttributedString &text, double maxWidth, QWidget *parent);
+    MessageField(const AttributedText &text, double maxWidth, QWidget *parent);
 
     /// What the lines need, in points.
     QSizeF textSize() const { return m_block.size(); }

@@ -17,7 +17,7 @@ QSize wholePoints(QSizeF size)
     return {static_cast<int>(std::ceil(size.width())), static_cast<int>(std::ceil(size.height()))};
 }
 
-std::unique_ptr<COICOPopoverView> contentView(const AttributedString &text,
+std::unique_ptr<COICOPopoverView> contentView(const AttributedText &text,
                                               const QColor &backgroundColour, double maxWidth)
 {
     auto view = std::make_unique<COICOPopoverView>();
@@ -64,19 +64,19 @@ Popover *MessagePopover::showRelativeToRect(const QRect &rect, QWidget &view,
                                             float maxWidth)
 {
     return showRelativeToRect(rect, view, preferredEdge,
-                              AttributedString::make(string, font, foregroundColour),
-                              backgroundColour, maxWidth);
+                              AttributedText{{string, font, foregroundColour}}, backgroundColour,
+                              maxWidth);
 }
 
 Popover *MessagePopover::showRelativeToRect(const QRect &rect, QWidget &view,
                                             Qt::Edge preferredEdge,
-                                            const std::optional<AttributedString> &attributedString,
+                                            const std::optional<AttributedText> &attributedString,
                                             const QColor &backgroundColour, float maxWidth)
 {
-    const AttributedString text = attributedString.value_or(AttributedString());
+    const AttributedText text = attributedString.value_or(AttributedText());
     auto *popover = new Popover(contentView(text, backgroundColour, static_cast<double>(maxWidth)),
                                 view.window());
     popover->showRelativeToRect(rect, view, preferredEdge);
-    announce(*popover, text.string);
+    announce(*popover, text.string());
     return popover;
 }

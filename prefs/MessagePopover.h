@@ -1,8 +1,7 @@
 #pragma once
 
-#include "prefs/AttributedString.h"
+#include "widgets/AttributedText.h"
 
-#include <QRect>
 #include <optional>
 
 class Popover;
@@ -31,6 +30,6 @@ public:
 
     /// Without a string the popover is empty, 30 by 30 points.
     static Popover *showRelativeToRect(const QRect &rect, QWidget &view, Qt::Edge preferredEdge,
-                                       const std::optional<AttributedString> &attributedString,
+                                       const std::optional<AttributedText> &attributedString,
                                        const QColor &backgroundColour, float maxWidth);
 };

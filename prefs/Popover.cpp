@@ -3,20 +3,15 @@
 #include "platform/Compositing.h"
 #include "platform/ViewAlpha.h"
 #include "prefs/COICOPopoverView.h"
+#include "prefs/PopoverFrameView.h"
 
 #include <QApplication>
 #include <QEvent>
-#include <QPainter>
 #include <QScreen>
 
 namespace {
 
-constexpr int kShadowReach = 16;
-constexpr int kShadowStrokes = 14;
-constexpr double kShadowDrop = 3;
 constexpr std::chrono::milliseconds kFade{120};
-constexpr QColor kShadowColour(0, 0, 0, 3);
-constexpr QColor kEdgeColour(0, 0, 0, 30);
 
 /// The room that a popover may take: its window's, as far as it is on the screen. A window that is
 /// smaller than the popover lends it the screen.
@@ -29,21 +24,6 @@ QRect boundsFor(QSize body, const QWidget &window)
     return isTooSmall ? screen : seen;
 }
 
-/// Many faint strokes of growing width, ever fewer further out: dark at the outline, gone at the
-/// reach.
-void paintShadow(QPainter &painter, const QPainterPath &outline)
-{
-    painter.save();
-    painter.translate(0, kShadowDrop);
-    for (int stroke = 1; stroke <= kShadowStrokes; ++stroke) {
-        const double part = static_cast<double>(stroke) / kShadowStrokes;
-        const double width = 2 * (kShadowReach - kShadowDrop) * part * part;
-        painter.strokePath(outline,
-                           QPen(kShadowColour, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    }
-    painter.restore();
-}
-
 void closeOpenPopover()
 {
     if (auto *open = qobject_cast<Popover *>(QApplication::activePopupWidget()))
@@ -54,38 +34,45 @@ void closeOpenPopover()
 
 Popover::Popover(std::unique_ptr<COICOPopoverView> content, QWidget *window)
     : QWidget(window, Qt::Popup | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint),
-      m_content(content.release()),
-      m_isBlended(isCompositing())
+      m_isBlended(isCompositing()),
+      m_frameView(new PopoverFrameView(std::move(content), this))
 {
     setAttribute(Qt::WA_DeleteOnClose);
     setAttribute(Qt::WA_TranslucentBackground, m_isBlended);
-    m_content->setParent(this);
+    m_frameView->setHasShadow(m_isBlended);
+}
+
+COICOPopoverView &Popover::content() const
+{
+    return m_frameView->content();
+}
+
+const PopoverPlacement &Popover::placement() const
+{
+    return m_frameView->placement();
 }
 
 void Popover::showRelativeToRect(const QRect &rect, QWidget &view, Qt::Edge preferredEdge)
 {
     closeOpenPopover();
+    const QSize body = content().size();
     const QRect anchor(view.mapToGlobal(rect.topLeft()), rect.size());
-    const QRect bounds = boundsFor(m_content->size(), *view.window());
-    place(PopoverPlacement::make(anchor, m_content->size(), bounds, preferredEdge));
+    const QRect bounds = boundsFor(body, *view.window());
+    place(PopoverPlacement::make(anchor, body, bounds, preferredEdge));
     closeWith(view);
-    setAlphaValue(*this, 0);
+    if (m_isBlended)
+        setAlphaValue(*m_frameView, 0);
     show();
-    animateAlphaValue(*this, 1, kFade);
+    if (m_isBlended)
+        animateAlphaValue(*m_frameView, 1, kFade);
 }
 
 void Popover::place(const PopoverPlacement &onScreen)
 {
-    const int margin = m_isBlended ? kShadowReach : 0;
-    const QRect frame = onScreen.outline().boundingRect().toAlignedRect().adjusted(-margin, -margin,
-                                                                                   margin, margin);
-    m_placement = onScreen;
-    m_placement.body.translate(-frame.topLeft());
-    m_placement.tip -= frame.topLeft();
-    setGeometry(frame);
-    m_content->move(m_placement.body.topLeft().toPoint());
+    const QPoint corner = m_frameView->place(onScreen);
+    setGeometry(QRect(corner, m_frameView->size()));
     if (!m_isBlended)
-        setMask(m_placement.outline().toFillPolygon().toPolygon());
+        setMask(m_frameView->shape().toFillPolygon().toPolygon());
 }
 
 void Popover::closeWith(QWidget &view)
@@ -115,15 +102,4 @@ bool Popover::eventFilter(QObject *watched, QEvent *event)
         break;
     }
     return QWidget::eventFilter(watched, event);
-}
-
-void Popover::paintEvent(QPaintEvent *)
-{
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    const QPainterPath outline = m_placement.outline();
-    if (m_isBlended)
-        paintShadow(painter, outline);
-    painter.strokePath(outline, QPen(kEdgeColour, 2));
-    painter.fillPath(outline, m_content->fill(m_placement.body));
 }

@@ -7,6 +7,7 @@
 #include <memory>
 
 class COICOPopoverView;
+class PopoverFrameView;
 
 /// A small window with an arrow that points at a place of a view. It closes and deletes itself
 /// when the user clicks outside it or presses Escape, when the view is deleted, when the page that
@@ -20,25 +21,23 @@ public:
     /// The content has its final size. Belongs to the window that it will point into.
     Popover(std::unique_ptr<COICOPopoverView> content, QWidget *window);
 
-    COICOPopoverView &content() const { return *m_content; }
+    COICOPopoverView &content() const;
 
     /// Opens beside `rect` (in the coordinates of `view`) at the preferred edge, or at another
     /// where the view's window has no room there.
     void showRelativeToRect(const QRect &rect, QWidget &view, Qt::Edge preferredEdge);
 
     /// Where it stands, in its own coordinates.
-    const PopoverPlacement &placement() const { return m_placement; }
+    const PopoverPlacement &placement() const;
 
 protected:
-    void paintEvent(QPaintEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void place(const PopoverPlacement &onScreen);
     void closeWith(QWidget &view);
 
-    COICOPopoverView *m_content;
-    PopoverPlacement m_placement;
-    bool m_isBlended; ///< soft edges and a shadow; else a hard outline
+    const bool m_isBlended; ///< soft edges and a shadow; else a hard outline
+    PopoverFrameView *m_frameView;
     QPointer<QWidget> m_page;
 };

@@ -12,6 +12,22 @@ QTextOption wrapping()
     return option;
 }
 
+QList<QTextLayout::FormatRange> formatsOf(const AttributedText &text)
+{
+    QList<QTextLayout::FormatRange> formats;
+    int start = 0;
+    for (const TextRun &run : text.runs()) {
+        QTextLayout::FormatRange range;
+        range.start = start;
+        range.length = static_cast<int>(run.text.size());
+        range.format.setFont(run.font);
+        range.format.setForeground(run.color);
+        formats.append(range);
+        start += range.length;
+    }
+    return formats;
+}
+
 /// A layout knows one kind of line end.
 QString withLineSeparators(QString string)
 {
@@ -20,12 +36,12 @@ QString withLineSeparators(QString string)
 
 } // namespace
 
-TextBlock::TextBlock(const AttributedString &text, double maxWidth)
+TextBlock::TextBlock(const AttributedText &text, double maxWidth)
 {
-    if (text.string.isEmpty())
+    if (!text.firstRun())
         return;
-    m_layout.setText(withLineSeparators(text.string));
-    m_layout.setFormats(text.attributes);
+    m_layout.setText(withLineSeparators(text.string()));
+    m_layout.setFormats(formatsOf(text));
     m_layout.setTextOption(wrapping());
     m_layout.beginLayout();
     for (QTextLine line = m_layout.createLine(); line.isValid(); line = m_layout.createLine()) {
@@ -50,6 +66,6 @@ void TextBlock::paint(QPainter &painter, QPointF origin) const
 QSizeF sizeWithWidth(const QString &string, float width, const QFont &font)
 {
     const auto points = static_cast<double>(width);
-    const TextBlock block(AttributedString::make(string, font, Qt::black), points);
+    const TextBlock block({{string, font, Qt::black}}, points);
     return {points, block.size().height()};
 }

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "prefs/AttributedString.h"
+#include "widgets/AttributedText.h"
 
-#include <QSizeF>
+#include <QTextLayout>
 
 class QPainter;
 
@@ -12,7 +12,7 @@ class QPainter;
 class TextBlock final
 {
 public:
-    TextBlock(const AttributedString &text, double maxWidth);
+    TextBlock(const AttributedText &text, double maxWidth);
 
     /// The width of the longest line and the height of all, in points; empty for an empty text.
     QSizeF size() const { return m_size; }

@@ -6,7 +6,7 @@
 declare -A PACKAGES=(
     # The compiler, Qt's parts, and what their CMake files look for.
     [building]="g++ cmake ninja-build
-        qt6-base-dev qt6-tools-dev qt6-tools-dev-tools libqt6svg6-dev qt6-webengine-dev
+        qt6-base-dev qt6-tools-dev qt6-tools-dev-tools qt6-svg-dev qt6-webengine-dev
         libgl1-mesa-dev libexpected-dev zlib1g-dev libxcb1-dev pkg-config fonts-inter"
     # The kinds of files, the browser's opener, drawing without a graphics card, and desktops that
     # speak Wayland alone.

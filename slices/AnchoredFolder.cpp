@@ -1,6 +1,15 @@
 #include "slices/AnchoredFolder.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <climits>
+
+namespace {
+
+// The system takes paths of less than PATH_MAX bytes at once.
+constexpr qsizetype kLongestPiece = PATH_MAX - 1;
+
+} // namespace
 
 AnchoredEntry anchoredEntry(const AnchoredPath &path)
 {
@@ -12,6 +21,21 @@ AnchoredEntry anchoredEntry(const AnchoredPath &path)
 SystemResult<FileDescriptor> openAnchored(const SystemCalls &calls, const AnchoredPath &path,
                                           Descent descent)
 {
-    const char *relative = path.relativePath.isEmpty() ? "." : path.relativePath.constData();
-    return calls.openFolder(path.anchor->get(), relative, descent);
+    QByteArray rest = path.relativePath.isEmpty() ? "." : path.relativePath;
+    if (rest.contains('\0'))
+        return tl::unexpected(EINVAL);
+    FileDescriptor held;
+    int from = path.anchor->get();
+    while (rest.size() > kLongestPiece) {
+        const qsizetype slash = rest.lastIndexOf('/', kLongestPiece);
+        if (slash <= 0)
+            return tl::unexpected(ENAMETOOLONG);
+        auto opened = calls.openFolder(from, rest.first(slash).constData(), descent);
+        if (!opened)
+            return opened;
+        held = std::move(*opened);
+        from = held.get();
+        rest.remove(0, slash + 1);
+    }
+    return calls.openFolder(from, rest.constData(), descent);
 }

@@ -10,9 +10,12 @@ struct AnchoredEntry
     QByteArray name;
 };
 
-/// The folder around a path that is not the anchor itself, and the path's last name.
+/// The folder around a path, and the path's last name. For the anchor itself, whose own folder is
+/// not ours to open, the name is empty.
 AnchoredEntry anchoredEntry(const AnchoredPath &path);
 
-/// Opens the folder at an anchored path, the anchor itself included.
+/// Opens the folder at an anchored path, the anchor itself included; no component may be a link.
+/// The path may be longer than the system takes at once. One that holds a NUL byte is refused with
+/// EINVAL.
 SystemResult<FileDescriptor> openAnchored(const SystemCalls &calls, const AnchoredPath &path,
                                           Descent descent);

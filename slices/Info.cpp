@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr auto kEmptyText = u"Empty";
+constexpr QLatin1String kEmptyText("Empty");
 
 } // namespace
 
@@ -44,7 +44,14 @@ void Info::setFileURLs(const FileUrls &fileURLs)
         const std::scoped_lock lock(m_mutex);
         m_fileURLs = fileURLs;
     }
-    setFileSize(measured(fileURLs));
+    const qint64 bytes = measured(fileURLs);
+    {
+        const std::scoped_lock lock(m_mutex);
+        if (m_fileURLs != fileURLs)
+            return; // whoever set newer places measures those
+        m_fileSize = bytes;
+    }
+    postSizeChanged();
 }
 
 qint64 Info::fileSize() const
@@ -59,25 +66,55 @@ void Info::setFileSize(qint64 bytes)
         const std::scoped_lock lock(m_mutex);
         m_fileSize = bytes;
     }
-    if (m_services.notification)
-        m_services.notification->post();
+    postSizeChanged();
 }
 
 std::optional<QString> Info::fileSizeString()
 {
-    FileUrls places;
-    {
-        const std::scoped_lock lock(m_mutex);
-        if (!m_fileURLs || m_fileSizeString)
-            return m_fileSizeString;
-        places = *m_fileURLs;
+    if (placesToMeasure())
+        measureOnce();
+    const std::scoped_lock lock(m_mutex);
+    return m_fileSizeString;
+}
+
+void Info::measureOnce()
+{
+    // A second reader waits for the first one's walk instead of walking again beside it, so that a
+    // cleaning that asks begins only when nobody measures any more.
+    const std::scoped_lock measuring(m_measuring);
+    while (const std::optional<FileUrls> places = placesToMeasure()) {
+        if (storeFirstMeasure(*places, measured(*places)))
+            postSizeChanged();
     }
-    // Measured without the lock: two first readers both measure, and both find the same.
-    const qint64 bytes = measured(places);
-    const QString text = bytes == 0 ? QString::fromUtf16(kEmptyText) : stringFromByteCount(bytes);
-    setFileSizeString(text);
-    setFileSize(bytes);
-    return text;
+}
+
+std::optional<FileUrls> Info::placesToMeasure() const
+{
+    const std::scoped_lock lock(m_mutex);
+    return m_fileSizeString ? std::nullopt : m_fileURLs;
+}
+
+bool Info::storeFirstMeasure(const FileUrls &places, qint64 bytes)
+{
+    const std::scoped_lock lock(m_mutex);
+    // A text that was set, or places that were changed meanwhile, are newer than this measure.
+    if (m_fileSizeString || m_fileURLs != places)
+        return false;
+    m_fileSizeString = bytes == 0 ? QString(kEmptyText) : stringFromByteCount(bytes);
+    m_fileSize = bytes;
+    return true;
+}
+
+void Info::postSizeChanged() const
+{
+    if (m_services.notification)
+        m_services.notification->post();
+}
+
+bool Info::isMeasured() const
+{
+    const std::scoped_lock lock(m_mutex);
+    return m_fileURLs && m_fileSizeString;
 }
 
 void Info::setFileSizeString(std::optional<QString> text)
@@ -89,8 +126,10 @@ void Info::setFileSizeString(std::optional<QString> text)
 qint64 Info::measured(const FileUrls &fileURLs) const
 {
     qint64 bytes = 0;
+    if (!m_services.measure)
+        return bytes;
     for (const FileUrl &url : fileURLs)
-        bytes += m_services.measure ? m_services.measure(url) : 0;
+        bytes = sumOfByteCounts(bytes, m_services.measure(url));
     return bytes;
 }
 

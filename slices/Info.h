@@ -52,7 +52,8 @@ public:
     void setImage(const QString &image) { m_image = image; }
 
     std::optional<FileUrls> fileURLs() const;
-    /// Measures the new places and sets the size; the size text is the caller's to change.
+    /// Measures the new places, which may take long, and sets the size, unless still newer places
+    /// were set meanwhile. The size text is the caller's to change.
     void setFileURLs(const FileUrls &fileURLs);
 
     /// Bytes below all places; 0 until measured.
@@ -64,18 +65,25 @@ public:
     /// thread. "Empty" for no bytes; nothing while there are no places and no preset text.
     std::optional<QString> fileSizeString();
     void setFileSizeString(std::optional<QString> text);
+    /// Whether there are places and their size text stands.
+    bool isMeasured() const;
 
     bool isOn() const { return m_isOn; }
     void setIsOn(bool isOn) { m_isOn = isOn; }
 
 private:
     qint64 measured(const FileUrls &fileURLs) const;
+    void measureOnce();
+    std::optional<FileUrls> placesToMeasure() const;
+    bool storeFirstMeasure(const FileUrls &places, qint64 bytes);
+    void postSizeChanged() const;
 
     QString m_name;
     QString m_image;
     bool m_isOn = true;
     Services m_services;
 
+    std::mutex m_measuring; ///< held while the places are walked for the size text
     mutable std::mutex m_mutex; ///< guards what the measuring threads share with the main thread
     std::optional<FileUrls> m_fileURLs;
     std::optional<QString> m_fileSizeString;

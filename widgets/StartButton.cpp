@@ -16,7 +16,6 @@ constexpr int kMainSize = 40;
 constexpr int kDetailSize = 16;
 constexpr int kNaturalSize = 200;
 constexpr QColor kTextColor(77, 77, 77);
-constexpr QColor kFocusColor(0, 122, 255, 150);
 constexpr QColor kHoverColor(77, 77, 77, 26);
 constexpr double kRingRadius = 0.42; ///< of the disc's inner ring, as a part of the width
 
@@ -230,5 +229,5 @@ void StartButton::paintEvent(QPaintEvent *)
     if (m_isHovered && !isDown())
         paintRing(kHoverColor, 2);
     if (hasFocus() && m_showsFocus)
-        paintRing(kFocusColor, 3);
+        paintRing(palette().color(QPalette::Active, QPalette::Highlight), 3);
 }

@@ -101,7 +101,7 @@ private Q_SLOTS:
     void paintsLightLetters();
 };
 
-using Runs = TextRuns;
+using Runs = WeightedText;
 Q_DECLARE_METATYPE(Runs)
 
 void TestInfoLayer::splitsSizeTextsIntoNumberAndUnit_data()

@@ -10,6 +10,7 @@ class TestByteCount final : public QObject
 private Q_SLOTS:
     void writesSizesAsPeopleReadThem_data();
     void writesSizesAsPeopleReadThem();
+    void addsWithoutTurningOver();
 };
 
 void TestByteCount::writesSizesAsPeopleReadThem_data()
@@ -67,6 +68,17 @@ void TestByteCount::writesSizesAsPeopleReadThem()
 {
     QFETCH(qint64, bytes);
     QTEST(stringFromByteCount(bytes), "text");
+}
+
+void TestByteCount::addsWithoutTurningOver()
+{
+    constexpr qint64 kMost = std::numeric_limits<qint64>::max();
+    QCOMPARE(sumOfByteCounts(0, 0), 0);
+    QCOMPARE(sumOfByteCounts(20, 1), 21);
+    QCOMPARE(sumOfByteCounts(kMost, 0), kMost);
+    QCOMPARE(sumOfByteCounts(kMost - 1, 1), kMost);
+    QCOMPARE(sumOfByteCounts(kMost, 1), kMost);
+    QCOMPARE(sumOfByteCounts(kMost, kMost), kMost);
 }
 
 VANTOR_TEST_MAIN(TestByteCount)

@@ -121,8 +121,8 @@ void TestMessagePopover::usesTheColoursAndTheFontOfTheCaller()
 
 void TestMessagePopover::showsATextWithItsOwnAttributes()
 {
-    const AttributedString text = AttributedString::make(
-        QStringLiteral("Hi"), interfaceFont(Typeface::Regular, 20), Qt::darkGreen);
+    const AttributedText text{
+        {QStringLiteral("Hi"), interfaceFont(Typeface::Regular, 20), Qt::darkGreen}};
     const Popover *popover = MessagePopover::showRelativeToRect(QRect(), *m_window, Qt::BottomEdge,
                                                                 text, Qt::white, 200);
     QCOMPARE(fieldOf(*popover).textSize(), TextBlock(text, 200).size());

@@ -57,7 +57,7 @@ void TestTextBlock::initTestCase()
 
 TextBlock TestTextBlock::block(const QString &string, double width) const
 {
-    return {AttributedString::make(string, m_font, Qt::black), width};
+    return {{{string, m_font, Qt::black}}, width};
 }
 
 void TestTextBlock::measuresAShortTextByItsOneLine()
@@ -96,17 +96,12 @@ void TestTextBlock::isEmptyWithoutText()
 
 void TestTextBlock::measuresEveryFontOfTheText()
 {
-    AttributedString text =
-        AttributedString::make(QStringLiteral("1.23 GB"), m_font, QColor(148, 148, 148));
-    text.attributes.first().length = 5;
-    QTextLayout::FormatRange unit;
-    unit.start = 5;
-    unit.length = 2;
-    unit.format.setFont(interfaceFont(Typeface::Thin, 40));
-    text.attributes.append(unit);
+    const QColor grey(148, 148, 148);
+    const AttributedText text{{QStringLiteral("1.23 "), m_font, grey},
+                              {QStringLiteral("GB"), interfaceFont(Typeface::Thin, 40), grey}};
     const QSizeF size = TextBlock(text, 300).size();
     QVERIFY(size.height() > 40);
-    QVERIFY(size.width() > block(text.string, 300).size().width());
+    QVERIFY(size.width() > block(text.string(), 300).size().width());
 }
 
 void TestTextBlock::paintsWhatItMeasured()

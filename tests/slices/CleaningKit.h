@@ -1,10 +1,9 @@
 #pragma once
 
-#include "platform/Log.h"
 #include "slices/Cleaning.h"
+#include "tests/support/LogRecorder.h"
 
 #include <QByteArrayList>
-#include <QMutex>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -16,12 +15,12 @@
 
 /// A folder of the test's own, gone with it. In memory where that is fast enough to try thousands
 /// of trees; nothing is ever cleaned outside one.
-class ScratchFolder final
+class CleaningGround final
 {
 public:
     enum class Medium { Memory, Disk };
 
-    explicit ScratchFolder(Medium medium = Medium::Memory)
+    explicit CleaningGround(Medium medium = Medium::Memory)
     {
         const bool isInMemory = medium == Medium::Memory && std::filesystem::exists("/dev/shm");
         std::string pattern = isInMemory ? "/dev/shm/vantor-XXXXXX" : "/tmp/vantor-XXXXXX";
@@ -29,13 +28,13 @@ public:
             qFatal("a test of cleaning needs a folder of its own");
         m_path = QByteArray::fromStdString(pattern);
     }
-    ~ScratchFolder()
+    ~CleaningGround()
     {
         std::error_code ignored;
         std::filesystem::remove_all(m_path.toStdString(), ignored);
     }
-    ScratchFolder(const ScratchFolder &) = delete;
-    ScratchFolder &operator=(const ScratchFolder &) = delete;
+    CleaningGround(const CleaningGround &) = delete;
+    CleaningGround &operator=(const CleaningGround &) = delete;
 
     QByteArray path() const { return m_path; }
     QByteArray operator/(const QByteArray &relative) const { return m_path + '/' + relative; }
@@ -158,36 +157,3 @@ inline CleaningReport clean(const FileAccess &access, const QList<SliceToClean> 
 {
     return performCleaning(calls, makeCleaningPlan(calls, access, slices, excluded), {});
 }
-
-/// Listens to the program's log lines for as long as it lives.
-class LogCapture final
-{
-public:
-    LogCapture()
-    {
-        s_lines = &m_lines;
-        m_before = qInstallMessageHandler(take);
-    }
-    ~LogCapture()
-    {
-        qInstallMessageHandler(m_before);
-        s_lines = nullptr;
-    }
-    LogCapture(const LogCapture &) = delete;
-    LogCapture &operator=(const LogCapture &) = delete;
-
-    const QStringList &lines() const { return m_lines; }
-
-private:
-    static void take(QtMsgType, const QMessageLogContext &context, const QString &message)
-    {
-        static QBasicMutex mutex;
-        const QMutexLocker lock(&mutex);
-        if (s_lines && QByteArrayView(context.category) == logVantor().categoryName())
-            s_lines->append(message);
-    }
-
-    inline static QStringList *s_lines = nullptr;
-    QStringList m_lines;
-    QtMessageHandler m_before = nullptr;
-};

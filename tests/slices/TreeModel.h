@@ -19,6 +19,10 @@ public:
         ino_t inode = 0;
     };
 
+    /// Whether the other names of an excluded file are known for what they are. Where the calls
+    /// that would tell may fail, they may go: the excluded name and the content stay.
+    enum class OtherNames { Known, PerhapsNot };
+
     /// Builds the tree in the folder, with links and hard links into `outside`.
     TreeModel(const QByteArray &folder, const QByteArray &outside, QRandomGenerator &random)
         : m_folder(folder), m_random(random)
@@ -37,7 +41,7 @@ public:
     const std::vector<Node> &nodes() const { return m_nodes; }
 
     /// What must be left of the folder when its contents are cleaned.
-    std::set<QByteArray> leftOfContents(const FileUrls &excluded) const
+    std::set<QByteArray> leftOfContents(const FileUrls &excluded, OtherNames names) const
     {
         const bool isTouched = touches(excluded, m_folder);
         const bool isInside = std::any_of(excluded.begin(), excluded.end(), [&](const auto &url) {
@@ -45,16 +49,16 @@ public:
         });
         std::set<QByteArray> kept;
         for (const Node &node : m_nodes) {
-            if (isInside || (isTouched && isKeptByText(node, excluded)) || isKept(node, excluded) ||
-                isInKeptPackage(node, excluded))
+            if (isInside || (isTouched && isKeptByText(node, excluded)) ||
+                isKept(node, excluded, names) || isInKeptPackage(node, excluded))
                 keepWithParents(node.path, kept);
         }
         return kept;
     }
 
     /// What must be left of the folder when these of its nodes are removed themselves.
-    std::set<QByteArray> leftOfFiles(const std::vector<Node> &listed,
-                                     const FileUrls &excluded) const
+    std::set<QByteArray> leftOfFiles(const std::vector<Node> &listed, const FileUrls &excluded,
+                                     OtherNames names) const
     {
         const bool isTouched = std::any_of(listed.begin(), listed.end(), [&](const Node &node) {
             return touches(excluded, node.path);
@@ -62,13 +66,13 @@ public:
         const auto isRemoved = [&](const Node &node) {
             return std::any_of(listed.begin(), listed.end(), [&](const Node &gone) {
                 return isWithin(node.path, gone.path) &&
-                       !(isTouched && isKeptByText(gone, excluded)) && !isKept(gone, excluded) &&
-                       !isAround(gone, excluded);
+                       !(isTouched && isKeptByText(gone, excluded)) &&
+                       !isKept(gone, excluded, names) && !isAround(gone, excluded);
             });
         };
         std::set<QByteArray> kept;
         for (const Node &node : m_nodes) {
-            if (!isRemoved(node) || isKept(node, excluded))
+            if (!isRemoved(node) || isKept(node, excluded, names))
                 keepWithParents(node.path, kept);
         }
         return kept;
@@ -155,13 +159,14 @@ private:
                            [&](const FileUrl &url) { return isWithin(url.path(), node.path); });
     }
     /// By its place in the tree, or because it is an excluded item under another name.
-    bool isKept(const Node &node, const FileUrls &excluded) const
+    bool isKept(const Node &node, const FileUrls &excluded, OtherNames names) const
     {
         return std::any_of(excluded.begin(), excluded.end(), [&](const FileUrl &url) {
             const auto isThis = [&](const Node &other) { return other.path == url.path(); };
             const auto found = std::find_if(m_nodes.begin(), m_nodes.end(), isThis);
             return isWithin(node.path, url.path()) ||
-                   (found != m_nodes.end() && found->inode == node.inode);
+                   (names == OtherNames::Known && found != m_nodes.end() &&
+                    found->inode == node.inode);
         });
     }
     bool isInKeptPackage(const Node &node, const FileUrls &excluded) const

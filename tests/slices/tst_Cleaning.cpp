@@ -1,6 +1,6 @@
 #include "slices/Cleaning.h"
 #include "tests/slices/CleaningKit.h"
-#include "tests/slices/ForwardingCalls.h"
+#include "tests/slices/HookedCalls.h"
 #include "tests/support/TestMain.h"
 
 class TestCleaning final : public QObject
@@ -46,14 +46,14 @@ private:
                report.refusalCount == 0 && !report.wasStopped;
     }
 
-    std::unique_ptr<ScratchFolder> m_scratch;
+    std::unique_ptr<CleaningGround> m_scratch;
     std::unique_ptr<GrantedFolder> m_home;
     QByteArray m_path;
 };
 
 void TestCleaning::init()
 {
-    m_scratch = std::make_unique<ScratchFolder>();
+    m_scratch = std::make_unique<CleaningGround>();
     m_path = *m_scratch / "home";
     makeFolder(downloads());
     m_home = std::make_unique<GrantedFolder>(m_path);
@@ -283,7 +283,7 @@ void TestCleaning::treatsEveryNameAsItsBytes()
 
 void TestCleaning::stopsBeforeTheNextItem()
 {
-    class Stopping final : public ForwardingCalls
+    class Stopping final : public HookedCalls
     {
     public:
         explicit Stopping(std::stop_source &source) : m_source(source) {}

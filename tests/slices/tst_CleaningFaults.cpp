@@ -1,5 +1,5 @@
 #include "tests/slices/CleaningKit.h"
-#include "tests/slices/ForwardingCalls.h"
+#include "tests/slices/HookedCalls.h"
 #include "tests/support/TestMain.h"
 
 #include <atomic>
@@ -8,7 +8,7 @@
 namespace {
 
 /// Counts the calls, and fails one of them.
-class OneFault final : public ForwardingCalls
+class OneFault final : public HookedCalls
 {
 public:
     OneFault(int call, int error, bool isInMemory = true)
@@ -73,7 +73,7 @@ void TestCleaningFaults::makeTree(const QByteArray &home)
 
 TestCleaningFaults::Outcome TestCleaningFaults::cleanWith(int call, int error, bool isInMemory)
 {
-    const ScratchFolder scratch;
+    const CleaningGround scratch;
     const QByteArray home = scratch / "home";
     makeTree(home);
     const GrantedFolder granted(home);
@@ -83,7 +83,7 @@ TestCleaningFaults::Outcome TestCleaningFaults::cleanWith(int call, int error, b
         contentsOf({granted.folder("Downloads")}),
         theFiles({granted.file("Library/one"), granted.file("Library/two")})};
     const OneFault calls(call, error, isInMemory);
-    const LogCapture silenced;
+    const LogRecorder silenced;
     const CleaningReport report = clean(granted, slices, excluding(excluded), calls);
     Outcome outcome{report, {}, calls.count(), calls.failed()};
     for (const QByteArray &path : tree(home))
@@ -139,7 +139,7 @@ void TestCleaningFaults::losesNothingWhicheverCallFails()
 void TestCleaningFaults::leavesAPartlyListedFolderWholly()
 {
     /// The folder's second reading fails: the first has brought entries already.
-    class BrokenListing final : public ForwardingCalls
+    class BrokenListing final : public HookedCalls
     {
     public:
         std::optional<int> before(const char *call, int, const char *) const override
@@ -152,7 +152,7 @@ void TestCleaningFaults::leavesAPartlyListedFolderWholly()
         mutable int m_readings = 0;
     };
     for (const QByteArray &inner : {QByteArray(), QByteArray("/inner")}) {
-        const ScratchFolder scratch;
+        const CleaningGround scratch;
         const QByteArray folder = scratch / ("home/Downloads" + inner);
         for (int i = 0; i < 5; ++i)
             makeFile(folder + '/' + QByteArray::number(i));
@@ -170,7 +170,7 @@ void TestCleaningFaults::leavesAPartlyListedFolderWholly()
 void TestCleaningFaults::staysSilentAboutWhatIsGoneAlready()
 {
     /// Someone else is quicker, by one item each time.
-    class Quicker final : public ForwardingCalls
+    class Quicker final : public HookedCalls
     {
     public:
         std::optional<int> before(const char *call, int parent, const char *name) const override
@@ -182,7 +182,7 @@ void TestCleaningFaults::staysSilentAboutWhatIsGoneAlready()
             return {};
         }
     };
-    const ScratchFolder scratch;
+    const CleaningGround scratch;
     makeTree(scratch / "home");
     const GrantedFolder granted(scratch / "home");
     const CleaningReport report =

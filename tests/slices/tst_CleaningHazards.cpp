@@ -1,10 +1,9 @@
-#include "tests/slices/ChildProcess.h"
 #include "tests/slices/CleaningKit.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/TestMain.h"
 
 #include <cerrno>
 #include <fcntl.h>
-#include <grp.h>
 #include <linux/fs.h>
 #include <sched.h>
 #include <sys/ioctl.h>
@@ -12,8 +11,6 @@
 #include <sys/resource.h>
 
 namespace {
-
-constexpr uid_t kNobody = 65534;
 
 /// A view of the mounts that the rest of the system does not share.
 bool mountsAreOurs()
@@ -54,9 +51,16 @@ mode_t modeOf(const QByteArray &path)
     return found.st_mode & 07777;
 }
 
-bool becomeNobody()
+/// Runs a piece of a test in a process of its own, for what cannot be undone: other mounts, another
+/// user, smaller limits. The piece says what is wrong, or nothing; so does this.
+QByteArray inChild(ChildUser user, const std::function<QByteArray()> &piece)
 {
-    return ::setgroups(0, nullptr) == 0 && ::setgid(kNobody) == 0 && ::setuid(kNobody) == 0;
+    const ChildOutcome outcome = runInChild(user, [&] {
+        const QByteArray words = piece();
+        std::fputs(words.constData(), stderr);
+        return words.isEmpty() ? 0 : 1;
+    });
+    return outcome.exitCode == 0 ? QByteArray() : "wrong: " + outcome.errorText;
 }
 
 /// The errno under which a path is reported, 0 when it is not.
@@ -75,7 +79,7 @@ int reported(const CleaningReport &report, const QByteArray &path)
 
 CleaningReport cleanDownloads(const QByteArray &home, const FileUrls &excluded = {})
 {
-    const LogCapture silenced;
+    const LogRecorder silenced;
     const GrantedFolder granted(home);
     return clean(granted, {contentsOf({granted.folder("Downloads")})}, excluding(excluded));
 }
@@ -104,12 +108,12 @@ private Q_SLOTS:
 
 void TestCleaningHazards::leavesMountsAlone()
 {
-    const ScratchFolder scratch;
+    const CleaningGround scratch;
     const QByteArray downloads = scratch / "home/Downloads";
     for (const char *name : {"tmp/a", "deep/bind/b", "deep/c", "file", "d"})
         makeFile(downloads + '/' + name);
     makeFile(scratch / "outside/precious");
-    const QByteArray wrong = inChild([&]() -> QByteArray {
+    const QByteArray wrong = inChild(ChildUser::Same, [&]() -> QByteArray {
         if (!mountsAreOurs() ||
             ::mount("none", (downloads + "/tmp").constData(), "tmpfs", 0, nullptr) != 0 ||
             !bindMount(scratch / "outside", downloads + "/deep/bind") ||
@@ -135,10 +139,10 @@ void TestCleaningHazards::leavesMountsAlone()
 
 void TestCleaningHazards::refusesAPlaceThatIsAMount()
 {
-    const ScratchFolder scratch;
+    const CleaningGround scratch;
     makeFile(scratch / "home/Downloads/a");
     makeFile(scratch / "outside/precious");
-    const QByteArray wrong = inChild([&]() -> QByteArray {
+    const QByteArray wrong = inChild(ChildUser::Same, [&]() -> QByteArray {
         if (!mountsAreOurs() || !bindMount(scratch / "outside", scratch / "home/Downloads"))
             return "cannot mount";
         const CleaningReport report = cleanDownloads(scratch / "home");
@@ -153,12 +157,12 @@ void TestCleaningHazards::refusesAPlaceThatIsAMount()
 
 void TestCleaningHazards::findsAnExclusionBelowAMount()
 {
-    const ScratchFolder scratch;
+    const CleaningGround scratch;
     const QByteArray downloads = scratch / "home/Downloads";
     for (const char *name : {"mount/x", "twin/kept", "other"})
         makeFile(downloads + '/' + name);
     makeFile(scratch / "outside/kept");
-    const QByteArray wrong = inChild([&]() -> QByteArray {
+    const QByteArray wrong = inChild(ChildUser::Same, [&]() -> QByteArray {
         if (!mountsAreOurs() || !bindMount(scratch / "outside", downloads + "/mount"))
             return "cannot mount";
         const FileUrl kept = FileUrl::fromPath(downloads + "/mount/kept", FileUrlKind::File);
@@ -180,7 +184,7 @@ void TestCleaningHazards::leavesLockedItems_data()
 void TestCleaningHazards::leavesLockedItems()
 {
     QFETCH(int, flag);
-    const ScratchFolder scratch(ScratchFolder::Medium::Disk);
+    const CleaningGround scratch(CleaningGround::Medium::Disk);
     const QByteArray downloads = scratch / "home/Downloads";
     for (const char *name : {"locked", "free", "folder/in locked", "other/free", "also/locked"})
         makeFile(downloads + '/' + name);
@@ -203,7 +207,7 @@ void TestCleaningHazards::leavesLockedItems()
 
 void TestCleaningHazards::leavesWhatAnOrdinaryUserMayNotRemove()
 {
-    const ScratchFolder scratch;
+    const CleaningGround scratch;
     const QByteArray downloads = scratch / "home/Downloads";
     for (const char *name : {"mine", "foreign", "sticky/foreign", "sticky/mine", "fixed/mine",
                              "closed/mine", "blind/mine"})
@@ -216,9 +220,7 @@ void TestCleaningHazards::leavesWhatAnOrdinaryUserMayNotRemove()
     own(downloads + "/fixed", kNobody, 0555);
     own(downloads + "/closed", kNobody, 0000);
     own(downloads + "/blind", kNobody, 0300);
-    const QByteArray wrong = inChild([&]() -> QByteArray {
-        if (!becomeNobody())
-            return "cannot become another user";
+    const QByteArray wrong = inChild(ChildUser::Nobody, [&]() -> QByteArray {
         const CleaningReport report = cleanDownloads(scratch / "home");
         if (report.failures.size() + report.refusals.size() != 4)
             return "told of too much or too little";
@@ -240,21 +242,21 @@ void TestCleaningHazards::leavesWhatAnOrdinaryUserMayNotRemove()
 
 void TestCleaningHazards::removesADeepTreeWithFewDescriptors_data()
 {
-    QTest::addColumn<ScratchFolder::Medium>("medium");
+    QTest::addColumn<CleaningGround::Medium>("medium");
     QTest::addColumn<int>("levels");
-    QTest::addRow("in memory") << ScratchFolder::Medium::Memory << 10'000;
-    QTest::addRow("on disk") << ScratchFolder::Medium::Disk << 1'000; // slow to make
+    QTest::addRow("in memory") << CleaningGround::Medium::Memory << 10'000;
+    QTest::addRow("on disk") << CleaningGround::Medium::Disk << 1'000; // slow to make
 }
 
 void TestCleaningHazards::removesADeepTreeWithFewDescriptors()
 {
-    QFETCH(ScratchFolder::Medium, medium);
+    QFETCH(CleaningGround::Medium, medium);
     QFETCH(int, levels);
     constexpr rlim_t kDescriptors = 64;
     const QByteArray name(100, 'd');
-    const ScratchFolder scratch(medium);
+    const CleaningGround scratch(medium);
     makeFolder(scratch / "home/Downloads");
-    const QByteArray wrong = inChild([&]() -> QByteArray {
+    const QByteArray wrong = inChild(ChildUser::Same, [&]() -> QByteArray {
         FileDescriptor folder(::open((scratch / "home/Downloads").constData(), O_RDONLY));
         for (int i = 0; i < levels; ++i) {
             ::mkdirat(folder.get(), name.constData(), 0700);

@@ -1,7 +1,7 @@
 #include "slices/CleaningLedger.h"
 
 #include "tests/slices/CleaningKit.h"
-#include "tests/slices/ForwardingCalls.h"
+#include "tests/slices/HookedCalls.h"
 #include "tests/support/TestMain.h"
 
 #include <cerrno>
@@ -31,14 +31,14 @@ private:
         return m_path + "/Downloads/" + relative;
     }
 
-    std::unique_ptr<ScratchFolder> m_scratch;
+    std::unique_ptr<CleaningGround> m_scratch;
     std::unique_ptr<GrantedFolder> m_home;
     QByteArray m_path;
 };
 
 void TestCleaningLedger::init()
 {
-    m_scratch = std::make_unique<ScratchFolder>();
+    m_scratch = std::make_unique<CleaningGround>();
     m_path = *m_scratch / "home";
     makeFolder(m_path + "/Downloads");
     m_home = std::make_unique<GrantedFolder>(m_path);
@@ -47,7 +47,7 @@ void TestCleaningLedger::init()
 void TestCleaningLedger::logsCandidatesAndEachRemoval()
 {
     makeFile(downloads("a b/c"));
-    const LogCapture log;
+    const LogRecorder log;
     cleanFolder();
     const QString text = stored(m_home->folder("Downloads/a b"));
     QCOMPARE(log.lines(), QStringList({QStringLiteral("(\"%1\")").arg(text), text}));
@@ -57,7 +57,7 @@ void TestCleaningLedger::logsNoCandidatesWhereItJudgesEachItem()
 {
     for (const char *name : {"Deep/Keep", "Deep/a/b"})
         makeFile(downloads(name));
-    const LogCapture log;
+    const LogRecorder log;
     cleanFolder({m_home->file("Downloads/Deep/Keep")});
     QCOMPARE(log.lines(), QStringList({stored(m_home->folder("Downloads/Deep/a"))}));
 }
@@ -67,7 +67,7 @@ void TestCleaningLedger::logsTheFilesOfASliceOnce()
     makeFile(downloads("a"));
     makeFile(downloads("b"));
     const FileUrls files{m_home->file("Downloads/b"), m_home->file("Downloads/a")};
-    const LogCapture log;
+    const LogRecorder log;
     clean(*m_home, {theFiles(files)});
     QCOMPARE(
         log.lines(),
@@ -77,7 +77,7 @@ void TestCleaningLedger::logsTheFilesOfASliceOnce()
 
 void TestCleaningLedger::logsWhatIsLocked()
 {
-    class Locked final : public ForwardingCalls
+    class Locked final : public HookedCalls
     {
     public:
         std::optional<int> before(const char *call, int, const char *) const override
@@ -87,7 +87,7 @@ void TestCleaningLedger::logsWhatIsLocked()
     };
     makeFile(downloads("a"));
     makeFolder(downloads("b"));
-    const LogCapture log;
+    const LogRecorder log;
     const CleaningReport report =
         clean(*m_home, {contentsOf({m_home->folder("Downloads")})}, {}, Locked());
     QCOMPARE(report.failures.size(), 1);
@@ -103,7 +103,7 @@ void TestCleaningLedger::stopsLoggingWhenThereAreVeryMany()
     constexpr int kFiles = 10'100;
     for (int i = 0; i < kFiles; ++i)
         makeFile(downloads(QByteArray::number(i)), {});
-    const LogCapture log;
+    const LogRecorder log;
     QCOMPARE(cleanFolder().removedItems, std::uint64_t(kFiles));
     QCOMPARE(log.lines().size(), 10'002);
     QVERIFY(log.lines().first().endsWith(QStringLiteral(", and 9100 more)")));
@@ -129,7 +129,7 @@ void TestCleaningLedger::tellsTheObserver()
 
 void TestCleaningLedger::countsWhatItNoLongerLists()
 {
-    const LogCapture log;
+    const LogRecorder log;
     CleaningLedger ledger({{"/planned", RefusalReason::Link, ELOOP}}, nullptr);
     constexpr int kMany = CleaningReport::kMaxReported + 10;
     for (int i = 0; i < kMany; ++i) {

@@ -1,6 +1,6 @@
 #include "slices/CleaningPlan.h"
 #include "tests/slices/CleaningKit.h"
-#include "tests/slices/ForwardingCalls.h"
+#include "tests/slices/HookedCalls.h"
 #include "tests/support/TestMain.h"
 
 #include <cerrno>
@@ -57,14 +57,14 @@ private:
                plan.refusals().first().reason == reason && plan.refusals().first().error == error;
     }
 
-    std::unique_ptr<ScratchFolder> m_scratch;
+    std::unique_ptr<CleaningGround> m_scratch;
     std::unique_ptr<GrantedFolder> m_home;
     QByteArray m_path;
 };
 
 void TestCleaningPlan::init()
 {
-    m_scratch = std::make_unique<ScratchFolder>();
+    m_scratch = std::make_unique<CleaningGround>();
     m_path = *m_scratch / "home";
     makeFile(m_path + "/Downloads/Keep/film");
     makeFile(m_path + "/Downloads/other");
@@ -145,7 +145,7 @@ void TestCleaningPlan::refusesAFileWhereAFolderIsDue()
 
 void TestCleaningPlan::refusesWhatItCannotExamine()
 {
-    class NoIdentities final : public ForwardingCalls
+    class NoIdentities final : public HookedCalls
     {
     public:
         std::optional<int> before(const char *call, int, const char *) const override
@@ -223,7 +223,7 @@ void TestCleaningPlan::leavesExcludedPlacesAlone()
 void TestCleaningPlan::knowsAnExcludedFolderUnderItsNewName()
 {
     // The excluded folder is moved when the plan has just found it by its path.
-    class Mover final : public ForwardingCalls
+    class Mover final : public HookedCalls
     {
     public:
         explicit Mover(const QByteArray &home) : m_home(home) {}

@@ -1,5 +1,5 @@
 #include "tests/slices/CleaningKit.h"
-#include "tests/slices/ForwardingCalls.h"
+#include "tests/slices/HookedCalls.h"
 #include "tests/support/TestMain.h"
 
 #include <functional>
@@ -7,7 +7,7 @@
 namespace {
 
 /// Does something hostile right before one of the calls, so that every moment is tried on purpose.
-class Interloper final : public ForwardingCalls
+class Interloper final : public HookedCalls
 {
 public:
     Interloper(int call, std::function<void()> action) : m_call(call), m_action(std::move(action))
@@ -90,7 +90,7 @@ void TestCleaningRaces::losesNothingOutside_data()
 /// something was lost.
 int TestCleaningRaces::cleanWith(int call, const Action &action)
 {
-    const ScratchFolder scratch;
+    const CleaningGround scratch;
     const QByteArray home = scratch / "home";
     // The same names outside as inside, so that a step too far would find something to remove.
     for (const char *name : {"a", "b/e", "b/c/f", "b/c/d/g", "way/Keep/h", "way/i"}) {
@@ -99,7 +99,7 @@ int TestCleaningRaces::cleanWith(int call, const Action &action)
     }
     const GrantedFolder granted(home);
     const Interloper calls(call, [&] { action(scratch.path()); });
-    const LogCapture silenced;
+    const LogRecorder silenced;
     clean(granted, {contentsOf({granted.folder("Downloads")})},
           excluding({granted.folder("Downloads/way/Keep")}), calls);
 
@@ -127,7 +127,7 @@ void TestCleaningRaces::losesNothingOutside()
 /// have the very names that still wait to be removed.
 void TestCleaningRaces::doesNotFollowAFolderThatWasMovedAway()
 {
-    const ScratchFolder scratch;
+    const CleaningGround scratch;
     const QByteArray top = scratch / "home/Downloads/1/2";
     const QByteArray deep = top + "/3/4/5/6/7/8/9/10/11/12/13/14/15/16/17/18";
     const auto makeAll = [&] {
@@ -146,7 +146,7 @@ void TestCleaningRaces::doesNotFollowAFolderThatWasMovedAway()
         const bool isTold = exists(top) == !report.refusals.isEmpty();
         return std::pair(calls.count(), isTold);
     };
-    const LogCapture silenced;
+    const LogRecorder silenced;
     const int calls = cleanOnce(-1).first;
     int refused = 0;
     for (int call = 0; call < calls; ++call) {
@@ -180,7 +180,7 @@ void TestCleaningRaces::removesNothingAsWhatItWasNotListedAs_data()
 
 void TestCleaningRaces::removesNothingAsWhatItWasNotListedAs()
 {
-    class Swapper final : public ForwardingCalls
+    class Swapper final : public HookedCalls
     {
     public:
         Swapper(const QByteArray &call, const QByteArray &name, std::function<void()> swap)
@@ -202,7 +202,7 @@ void TestCleaningRaces::removesNothingAsWhatItWasNotListedAs()
     QFETCH(QByteArray, call);
     QFETCH(QByteArray, name);
     QFETCH(QByteArray, replacement);
-    const ScratchFolder scratch;
+    const CleaningGround scratch;
     const QByteArray place = scratch / ("home/Downloads/" + name);
     if (name == "folder")
         makeFile(place + "/inside");

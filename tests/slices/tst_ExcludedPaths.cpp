@@ -98,13 +98,13 @@ void TestExcludedPaths::findsASliceExcludedOnlyWhenAllItsPlacesAre()
     QFETCH(QByteArrayList, places);
     QFETCH(QByteArrayList, excluded);
     QFETCH(bool, isExcluded);
-    const LogCapture log;
+    const LogRecorder log;
     QCOMPARE(excludedPaths(excluded).containsExcludedFile(urlsOf(places)), isExcluded);
 }
 
 void TestExcludedPaths::logsEachMatchOfASlice()
 {
-    const LogCapture log;
+    const LogRecorder log;
     const auto excluded = excludedPaths({"/h/b/", "/h/a/", "/h/b"});
     QVERIFY(!excluded.containsExcludedFile(urlsOf({"/h/b/", "/h/c/", "/h/a/"})));
     // The search goes on over all exclusions, and ends at the first place without a match.

@@ -38,6 +38,11 @@ SystemResult<FileDescriptor> ForwardingSystemCalls::openFolder(int parent, const
                      [&] { return m_next.openFolder(parent, relativePath, descent); });
 }
 
+SystemResult<FileDescriptor> ForwardingSystemCalls::openParent(int folder) const
+{
+    return forwarded("openParent", [&] { return m_next.openParent(folder); });
+}
+
 SystemResult<FileDescriptor> ForwardingSystemCalls::openRoot(const char *path) const
 {
     return forwarded("openRoot", [&] { return m_next.openRoot(path); });
@@ -74,6 +79,21 @@ bool ForwardingSystemCalls::mayChangeEntries(int folder) const
     return forwarded("mayChangeEntries",
                      [&]() -> SystemResult<bool> { return m_next.mayChangeEntries(folder); })
         .value_or(false);
+}
+
+SystemResult<FileKind> ForwardingSystemCalls::kindBehind(int parent, const char *name) const
+{
+    return forwarded("kindBehind", [&] { return m_next.kindBehind(parent, name); });
+}
+
+ActingUser ForwardingSystemCalls::actingUser() const
+{
+    return m_next.actingUser();
+}
+
+bool ForwardingSystemCalls::isInMemory(int folder) const
+{
+    return m_next.isInMemory(folder);
 }
 
 SystemResult<void> ForwardingSystemCalls::removeFile(int parent, const char *name) const

@@ -30,13 +30,17 @@ public:
 
     SystemResult<FileDescriptor> openFolder(int parent, const char *relativePath,
                                             Descent descent) const override;
+    SystemResult<FileDescriptor> openParent(int folder) const override;
     SystemResult<FileDescriptor> openRoot(const char *path) const override;
     SystemResult<std::size_t> readEntries(int folder, std::span<char> buffer) const override;
     SystemResult<FileStatus> status(int parent, const char *name) const override;
     SystemResult<FileStatus> statusOf(int descriptor) const override;
+    SystemResult<FileKind> kindBehind(int parent, const char *name) const override;
     SystemResult<FileIdentity> identityOf(int descriptor) const override;
     SystemResult<FileIdentity> identity(int parent, const char *name) const override;
     bool mayChangeEntries(int folder) const override;
+    ActingUser actingUser() const override;
+    bool isInMemory(int folder) const override;
     SystemResult<void> removeFile(int parent, const char *name) const override;
     SystemResult<void> removeFolder(int parent, const char *name) const override;
     SystemResult<FileDescriptor> openFile(int parent, const char *name) const override;

@@ -1,5 +1,6 @@
 #include "platform/Fonts.h"
 #include "platform/Images.h"
+#include "platform/ViewAlpha.h"
 #include "tests/support/GuiTestMain.h"
 #include "tests/widgets/Ink.h"
 #include "widgets/StartButton.h"
@@ -40,12 +41,19 @@ struct Scene
         return page.grab(button.geometry()).toImage().convertToFormat(QImage::Format_RGB32);
     }
 
-    /// The page with nothing but the drawing of that name.
-    QImage drawing(const QString &name)
+    /// The page without its button.
+    QImage blank()
     {
         QImage picture(button.size() * page.devicePixelRatioF(), QImage::Format_RGB32);
         picture.setDevicePixelRatio(page.devicePixelRatioF());
         picture.fill(Qt::white);
+        return picture;
+    }
+
+    /// The page with nothing but the drawing of that name.
+    QImage drawing(const QString &name)
+    {
+        QImage picture = blank();
         QPainter painter(&picture);
         painter.drawPixmap(0, 0, imageNamed(name, page.devicePixelRatioF(), button.size()));
         return picture;
@@ -96,6 +104,7 @@ private Q_SLOTS:
     void triggersBySpaceAndReturn_data();
     void triggersBySpaceAndReturn();
     void showsTheFocusThatCameByKeyboard();
+    void fadesAsAWhole();
     void isReadOutAsAButton();
 };
 
@@ -292,6 +301,18 @@ void TestStartButton::showsTheFocusThatCameByKeyboard()
     QVERIFY(scene.looksNormal());
     scene.button.setFocus(Qt::MouseFocusReason);
     QVERIFY(scene.looksNormal());
+}
+
+void TestStartButton::fadesAsAWhole()
+{
+    Scene scene;
+    scene.button.mainText().setText(QStringLiteral("Clean"));
+    const int opaque = largestDifference(scene.picture(), scene.blank());
+    setAlphaValue(scene.button, 0.5);
+    const int half = largestDifference(scene.picture(), scene.blank());
+    QVERIFY2(qAbs(half - opaque / 2) <= 2, qPrintable(QString::number(half)));
+    setAlphaValue(scene.button, 0);
+    QCOMPARE(largestDifference(scene.picture(), scene.blank()), 0);
 }
 
 void TestStartButton::isReadOutAsAButton()

@@ -1,0 +1,110 @@
+#include "app/AppDelegate.h"
+
+#include "app/InterfaceClasses.h"
+#include "app/LaunchPings.h"
+#include "app/RealHomeDirectory.h"
+#include "app/ResourceManager.h"
+#include "app/SettingsKeys.h"
+#include "platform/Alert.h"
+#include "platform/Log.h"
+#include "platform/Sheet.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QMenuBar>
+#include <QProcess>
+
+AppDelegate::AppDelegate(Configuration configuration) : m_configuration(std::move(configuration))
+{
+    registerInterfaceClasses(m_loader);
+}
+
+AppDelegate::~AppDelegate() = default;
+
+void AppDelegate::applicationDidFinishLaunching()
+{
+    m_defaults = std::make_unique<UserDefaults>(m_configuration.settingsFolder, hostSystemCalls());
+    m_defaults->registerDefaults(registeredDefaults());
+    m_pings = std::make_unique<PingSender>(m_configuration.pingHelper);
+    sendLaunchPings(*m_defaults, *m_pings, m_configuration.addresses);
+    makeMainWindow();
+    m_mainWindowController->showWindow();
+    watchSettings();
+    qCInfo(logVantor) << "Finisheid";
+}
+
+void AppDelegate::makeMainWindow()
+{
+    ResourceManager::setGrantSource([defaults = m_defaults.get()]() -> std::optional<QByteArray> {
+        if (!defaults->isStored(VNTHomeFolderString))
+            return std::nullopt;
+        return defaults->data(VNTHomeFolderString);
+    });
+    m_mainWindowController = std::make_unique<MainWindowController>(MainWindowController::Services{
+        .loader = m_loader,
+        .defaults = *m_defaults,
+        .stats = *m_pings,
+        .workspace = *m_configuration.workspace,
+        .calls = hostSystemCalls(),
+        .access = ResourceManager::access(),
+        .addresses = m_configuration.addresses,
+        .realHomeDirectory = m_configuration.realHomeDirectory,
+        .readVolume = m_configuration.readVolume,
+        .restart = [this] { restart(); }});
+    makeMenu();
+}
+
+void AppDelegate::makeMenu()
+{
+    LoadedInterface loaded = m_loader.load(QStringLiteral("MainMenu"));
+    if (!loaded)
+        qFatal("%s: %s", qPrintable(loaded.error().file), qPrintable(loaded.error().text));
+    auto *menu = qobject_cast<QMenuBar *>(loaded->release());
+    MainWindowController *controller = m_mainWindowController.get();
+    controller->window().setMenuBar(menu);
+
+    auto *back = outlet<QAction>(*menu, "goBackAction");
+    auto *reset = outlet<QAction>(*menu, "resetHomeFolderAction");
+    connect(back, &QAction::triggered, controller, &MainWindowController::goBack);
+    connect(reset, &QAction::triggered, controller, &MainWindowController::resetHomeFolder);
+    connect(controller, &MainWindowController::navigationAllowed, back, &QAction::setEnabled);
+    connect(controller, &MainWindowController::navigationAllowed, reset, &QAction::setEnabled);
+    connect(outlet<QAction>(*menu, "quitAction"), &QAction::triggered, &controller->window(),
+            &QWidget::close);
+}
+
+void AppDelegate::watchSettings()
+{
+    QMainWindow &window = m_mainWindowController->window();
+    connect(m_defaults.get(), &UserDefaults::saveFailed, &window, [&window](const QString &message) {
+        if (!hasSheet(window)) // one message is enough for a disk that stays full
+            presentAlert(window, {.style = AlertStyle::Warning,
+                                  .messageText = tr("Your settings could not be saved."),
+                                  .informativeText = message});
+    });
+    if (m_defaults->exclusionsAreKnown())
+        return;
+    presentAlert(window, {.style = AlertStyle::Warning,
+                          .messageText = tr("Your settings could not be read completely."),
+                          .informativeText = m_defaults->damageMessage() + QStringLiteral("\n\n")
+                                             + tr("Cleaning is off until you have checked your "
+                                                  "excluded paths.")});
+}
+
+void AppDelegate::updateStatsForURLString(const QString &urlString)
+{
+    m_pings->updateStatsForURLString(urlString);
+}
+
+void AppDelegate::applicationWillTerminate()
+{
+    if (const auto saved = m_defaults->synchronize(); !saved)
+        qCWarning(logVantor).noquote() << saved.error();
+}
+
+void AppDelegate::restart()
+{
+    applicationWillTerminate();
+    if (QProcess::startDetached(QCoreApplication::applicationFilePath(), {}))
+        QCoreApplication::quit();
+}

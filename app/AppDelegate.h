@@ -1,0 +1,60 @@
+#pragma once
+
+#include "app/Addresses.h"
+#include "app/MainWindowController.h"
+#include "app/PingSender.h"
+#include "app/UserDefaults.h"
+#include "platform/InterfaceLoader.h"
+#include "platform/Workspace.h"
+
+#include <QObject>
+#include <memory>
+
+class QMenuBar;
+
+/// The first object of the program's own that runs: registers the settings' defaults, sends the
+/// launch's pings, makes the main window and shows it, and sees to it that everything is on the
+/// disk when the program ends. Lives for the whole run. Main thread only.
+class AppDelegate final : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// What differs between a run of the user's and a run in a test.
+    struct Configuration
+    {
+        QString settingsFolder = defaultSettingsFolder();
+        Addresses addresses = buildAddresses();
+        PingHelper pingHelper = PingHelper::besideTheProgram();
+        std::function<QByteArray()> realHomeDirectory;
+        std::shared_ptr<Workspace> workspace = std::make_shared<Workspace>();
+        LabelController::Reader readVolume = startUpVolumeSizes;
+    };
+
+    explicit AppDelegate(Configuration configuration);
+    ~AppDelegate() override;
+
+    /// The start-up sequence; once.
+    void applicationDidFinishLaunching();
+    /// Flushes the settings.
+    void applicationWillTerminate();
+    bool applicationShouldTerminateAfterLastWindowClosed() const { return true; }
+
+    /// Sends one usage ping.
+    void updateStatsForURLString(const QString &urlString);
+
+    UserDefaults &defaults() { return *m_defaults; }
+    MainWindowController &mainWindowController() { return *m_mainWindowController; }
+
+private:
+    void makeMainWindow();
+    void makeMenu();
+    void watchSettings();
+    void restart();
+
+    Configuration m_configuration;
+    InterfaceLoader m_loader;
+    std::unique_ptr<UserDefaults> m_defaults;
+    std::unique_ptr<PingSender> m_pings;
+    std::unique_ptr<MainWindowController> m_mainWindowController;
+};

@@ -1,0 +1,26 @@
+#include "app/Appearance.h"
+
+#include "platform/Fonts.h"
+#include "platform/InterfacePalette.h"
+
+#include <QApplication>
+#include <QIcon>
+#include <QStyleFactory>
+
+namespace {
+
+constexpr int kTextPoints = 14;
+
+} // namespace
+
+void setUpAppearance(QApplication &application)
+{
+    QApplication::setApplicationName(QStringLiteral("vantor"));
+    QApplication::setApplicationDisplayName(QStringLiteral("Vantor"));
+    QApplication::setApplicationVersion(QStringLiteral(VANTOR_VERSION));
+    QApplication::setDesktopFileName(QStringLiteral("invalid.vantor.Vantor"));
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/images/vantor.svg")));
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setPalette(interfacePalette());
+    application.setFont(interfaceFont(Typeface::Regular, kTextPoints));
+}

@@ -1,0 +1,8 @@
+#pragma once
+
+class QApplication;
+
+/// The program's name, icon, typeface and palette, the same on every desktop: the pages are white
+/// with grey type whatever the desktop's own colours are. Once, right after the application object
+/// was made.
+void setUpAppearance(QApplication &application);

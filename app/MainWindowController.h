@@ -1,0 +1,88 @@
+#pragma once
+
+#include "app/BFNavigationController.h"
+#include "app/BFNavigationControllerDelegate.h"
+#include "app/FinalViewController.h"
+#include "app/FolderSelectViewController.h"
+#include "app/VNTViewController.h"
+#include "platform/FolderGrant.h"
+#include "slices/FreeSpaceViewController.h"
+
+#include <QMainWindow>
+#include <memory>
+
+class DiskInfoViewController;
+
+/// Owns the window and the wizard's four pages, and moves between them: pages know no other page,
+/// they ask this to go forward or back. Made once at launch and lives as long as the program. Main
+/// thread only.
+class MainWindowController final : public QObject,
+                                   public VNTViewControllerDelegate,
+                                   public BFNavigationControllerDelegate
+{
+    Q_OBJECT
+
+public:
+    /// What the pages work with; all must outlive it.
+    struct Services
+    {
+        const InterfaceLoader &loader;
+        UserDefaults &defaults;
+        StatsUpdater &stats;
+        Workspace &workspace;
+        const SystemCalls &calls;
+        FileAccess &access;
+        Addresses addresses;
+        std::function<QByteArray()> realHomeDirectory;
+        LabelController::Reader readVolume = startUpVolumeSizes;
+        std::function<void()> restart; ///< starts the program anew and ends this one
+    };
+
+    explicit MainWindowController(Services services);
+    ~MainWindowController() override;
+
+    QMainWindow &window() { return *m_window; }
+    void showWindow();
+
+    /// The pages in the wizard's order, made once.
+    const QList<VNTViewController *> &viewControllers() const { return m_viewControllers; }
+    BFNavigationController &navigationController() { return *m_navigationController; }
+    ViewController *currentViewController() const;
+
+    FolderSelectViewController &folderSelectPage() { return *m_folderSelect; }
+    DiskInfoViewController &diskInfoPage() { return *m_diskInfo; }
+    FreeSpaceViewController &freeSpacePage() { return *m_freeSpace; }
+    FinalViewController &finalPage() { return *m_final; }
+
+    void willGoForward(VNTViewController &page, bool forward, const QVariant &data) override;
+
+    /// Whether the stored grant leads to the folder in which work would be done. Tells the user,
+    /// with the offer to grant again, when not.
+    bool grantIsUsable();
+
+public Q_SLOTS:
+    void goBack();
+    /// Forgets the grant and starts over with the first page.
+    void resetHomeFolder();
+
+Q_SIGNALS:
+    /// Whether the user may leave the page now.
+    void navigationAllowed(bool isAllowed);
+
+private:
+    void windowDidLoad();
+    void setupViewControllers();
+    void setupNavigationController();
+    void replaceContentWithViewController(ViewController &controller);
+    void goForward(VNTViewController &page, const QVariant &data);
+    void tellGrantFailure(GrantFailure failure);
+
+    Services m_services;
+    std::unique_ptr<QMainWindow> m_window;
+    std::unique_ptr<FolderSelectViewController> m_folderSelect;
+    std::unique_ptr<DiskInfoViewController> m_diskInfo;
+    std::unique_ptr<FreeSpaceViewController> m_freeSpace;
+    std::unique_ptr<FinalViewController> m_final;
+    QList<VNTViewController *> m_viewControllers;
+    std::unique_ptr<BFNavigationController> m_navigationController;
+};

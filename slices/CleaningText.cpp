@@ -1,0 +1,85 @@
+#include "slices/CleaningText.h"
+
+#include "slices/Cleaning.h"
+#include "slices/ExcludedPaths.h"
+#include "slices/Info.h"
+
+#include <QCoreApplication>
+
+namespace {
+
+constexpr int kMostLines = 8;
+
+QString tr(const char *text)
+{
+    return QCoreApplication::translate("CleaningText", text);
+}
+
+QString reasonText(RefusalReason reason)
+{
+    switch (reason) {
+    case RefusalReason::UnparsableExclusion:
+        return tr("this excluded path cannot be read, so nothing was cleaned");
+    case RefusalReason::UnresolvedExclusion:
+        return tr("something excluded inside it cannot be found any more");
+    case RefusalReason::OutsideGrant:
+        return tr("it is not in your home folder");
+    case RefusalReason::GrantedFolder:
+        return tr("it is your home folder itself");
+    case RefusalReason::Link:
+        return tr("it is a link");
+    case RefusalReason::NotAFolder:
+        return tr("it is not a folder");
+    case RefusalReason::OtherFileSystem:
+        return tr("it is on another disk");
+    case RefusalReason::Unreadable:
+        return tr("it could not be read");
+    case RefusalReason::PartlyListed:
+        return tr("it could not be read to the end");
+    case RefusalReason::Changed:
+        return tr("it was changed meanwhile");
+    }
+    Q_UNREACHABLE();
+}
+
+/// The first lines, and how many there are besides.
+QString shortened(const QStringList &lines)
+{
+    const qsizetype rest = lines.size() - kMostLines;
+    QString text = lines.mid(0, kMostLines).join(u'\n');
+    if (rest > 0)
+        text += u'\n' + tr("and %1 more").arg(rest);
+    return text;
+}
+
+} // namespace
+
+QString confirmationText(const std::vector<std::shared_ptr<Info>> &records)
+{
+    QString list = tr("You have chosen to delete these slices:\n");
+    for (const auto &record : records) {
+        if (record->isOn())
+            list += QStringLiteral("• %1\n").arg(record->name());
+    }
+    return list + u'\n' + tr("Are you sure you want to permanently erase the items you’ve selected and that are "
+                     "in colored slices? You cannot undo this action and we recommend backing up "
+                     "before continuing.");
+}
+
+QString leftAloneText(const CleaningReport &report)
+{
+    QStringList lines;
+    for (const CleaningRefusal &refusal : report.refusals)
+        lines.append(tr("%1: %2").arg(QString::fromUtf8(refusal.path), reasonText(refusal.reason)));
+    return shortened(lines);
+}
+
+QString unknownExclusionsText(const QString &damage, const ExcludedPaths &excluded)
+{
+    QStringList paths;
+    for (const FileUrl &url : excluded.urls())
+        paths.append(url.displayPath());
+    const QString known = paths.isEmpty() ? tr("No path is excluded now.")
+                                          : tr("Excluded now:\n%1").arg(shortened(paths));
+    return damage + QStringLiteral("\n\n") + known;
+}

@@ -1,0 +1,167 @@
+#include "slices/FolderSizing.h"
+
+#include "platform/ByteCount.h"
+#include "platform/DirectoryWalker.h"
+#include "platform/Log.h"
+#include "slices/AnchoredFolder.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <limits>
+#include <vector>
+
+namespace {
+
+constexpr std::uint16_t kStickyBit = 01000;
+constexpr std::size_t kCacheLine = 64;
+
+qint64 byteCountOf(const FileStatus &status)
+{
+    constexpr auto kMost = static_cast<std::uint64_t>(std::numeric_limits<qint64>::max());
+    return static_cast<qint64>(std::min(status.size, kMost));
+}
+
+bool isNotImmutable(const FileStatus &entry)
+{
+    return !entry.isImmutable && !entry.isAppendOnly;
+}
+
+/// Whether a folder lets this process remove anything at all.
+bool allowsRemoval(const SystemCalls &calls, int descriptor, const FileStatus &folder)
+{
+    return isNotImmutable(folder) && calls.mayChangeEntries(descriptor);
+}
+
+/// Whether a folder that allows removal allows that of this entry: from a sticky one everybody
+/// takes but his own, or what lies in his own. What something is mounted on is held by the mount.
+bool allowsRemovalOf(const FileStatus &entry, const FileStatus &folder, const ActingUser &user)
+{
+    if (entry.isMountRoot)
+        return false;
+    const bool isSticky = (folder.permissions & kStickyBit) != 0;
+    return !isSticky || user.ownsEverything || entry.owner == user.user ||
+           folder.owner == user.user;
+}
+
+/// Sums up what one thread of the walk finds.
+class alignas(kCacheLine) SizingVisitor final : public DirectoryVisitor
+{
+public:
+    SizingVisitor(const SystemCalls &calls, const ActingUser &user) : m_calls(calls), m_user(user)
+    {
+    }
+
+    const FolderSize &size() const { return m_size; }
+
+    bool shouldEnter(const WalkedFolder &, const char *) override
+    {
+        ++m_size.items;
+        return true;
+    }
+
+    EntryDetail entered(const WalkedFolder &folder, int descriptor) override
+    {
+        return allowsRemoval(m_calls, descriptor, folder.status()) ? EntryDetail::Status
+                                                                   : EntryDetail::NameAlone;
+    }
+
+    void found(const WalkedEntry &entry) override
+    {
+        ++m_size.items;
+        if (entry.status && isNotImmutable(*entry.status) &&
+            allowsRemovalOf(*entry.status, entry.folder.status(), m_user))
+            m_size.bytes = sumOfByteCounts(m_size.bytes, byteCountOf(*entry.status));
+    }
+
+    void failed(const WalkedFolder &, const char *, int) override { m_size.isComplete = false; }
+
+private:
+    const SystemCalls &m_calls;
+    const ActingUser m_user;
+    FolderSize m_size;
+};
+
+FolderSize sizeOfFolder(const SystemCalls &calls, FileDescriptor folder, std::stop_token stop,
+                        unsigned threads)
+{
+    std::vector<SizingVisitor> visitors(threads == 0 ? usefulWalkThreads() : threads,
+                                        SizingVisitor(calls, calls.actingUser()));
+    std::vector<DirectoryVisitor *> team;
+    for (SizingVisitor &visitor : visitors)
+        team.push_back(&visitor);
+    walkDirectory(calls, std::move(folder), {}, stop, team);
+
+    FolderSize sum;
+    sum.isComplete = !stop.stop_requested();
+    for (const SizingVisitor &visitor : visitors) {
+        sum.bytes = sumOfByteCounts(sum.bytes, visitor.size().bytes);
+        sum.items += visitor.size().items;
+        sum.isComplete = sum.isComplete && visitor.size().isComplete;
+    }
+    return sum;
+}
+
+/// Nothing counts; complete where the reason is that nothing is there, or only by way of a link.
+FolderSize nothingBecauseOf(int error)
+{
+    FolderSize nothing;
+    nothing.isComplete = error == ENOENT || error == ENOTDIR || error == ELOOP;
+    return nothing;
+}
+
+bool leadsToNoItem(const SystemCalls &calls, int folder, const char *link)
+{
+    const auto behind = calls.kindBehind(folder, link);
+    return !behind || *behind == FileKind::Folder;
+}
+
+FolderSize sizeOfItem(const SystemCalls &calls, const AnchoredPath &place)
+{
+    const AnchoredEntry entry = anchoredEntry(place);
+    const auto folder = openAnchored(calls, entry.folder, Descent::AcrossMounts);
+    if (!folder)
+        return nothingBecauseOf(folder.error());
+    const auto folderStatus = calls.statusOf(folder->get());
+    if (!folderStatus)
+        return nothingBecauseOf(folderStatus.error());
+    const char *name = entry.name.constData();
+    const auto status = calls.status(folder->get(), name);
+    if (!status)
+        return nothingBecauseOf(status.error());
+    if (status->kind == FileKind::Link && leadsToNoItem(calls, folder->get(), name))
+        return {};
+
+    FolderSize size;
+    size.items = 1;
+    size.item = ItemVerdict{allowsRemoval(calls, folder->get(), *folderStatus) &&
+                                allowsRemovalOf(*status, *folderStatus, calls.actingUser()),
+                            isNotImmutable(*status)};
+    if (size.item->isDeletable && size.item->isNotImmutable)
+        size.bytes = byteCountOf(*status);
+    return size;
+}
+
+} // namespace
+
+FolderSize measureFolder(const SystemCalls &calls, const AnchoredPath &place, std::stop_token stop,
+                         unsigned threads)
+{
+    auto folder = openAnchored(calls, place, Descent::AcrossMounts);
+    if (folder)
+        return sizeOfFolder(calls, std::move(*folder), std::move(stop), threads);
+    const bool isNoFolder = folder.error() == ENOTDIR || folder.error() == ELOOP;
+    return isNoFolder ? sizeOfItem(calls, place) : nothingBecauseOf(folder.error());
+}
+
+qint64 sizeForFolderAtPath(const SystemCalls &calls, FileAccess &access, const FileUrl &url,
+                           std::stop_token stop)
+{
+    const AccessScope scope(access);
+    const auto place = access.anchoredPath(url);
+    if (!place)
+        return 0;
+    const FolderSize size = measureFolder(calls, *place, std::move(stop));
+    if (size.item)
+        qCInfo(logVantor, "%d : %d", size.item->isDeletable, size.item->isNotImmutable);
+    return size.bytes;
+}

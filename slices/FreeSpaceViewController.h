@@ -1,0 +1,111 @@
+#pragma once
+
+#include "app/VNTViewController.h"
+#include "chart/PieChartDataSource.h"
+#include "chart/PieChartDelegate.h"
+#include "slices/CleaningJob.h"
+#include "slices/SliceSelection.h"
+#include "widgets/LabelController.h"
+
+#include <functional>
+#include <stop_token>
+
+class PieChart;
+class SliceHoverButtons;
+class StartButton;
+class UserDefaults;
+class Workspace;
+
+/// The page of the slices: shows the eight kinds of content on a pie, measures them in the
+/// background, lets the user switch them on and off, and cleans those that are on. Every visit
+/// measures afresh. Owned by the main window's controller; main thread only.
+class FreeSpaceViewController final : public VNTViewController,
+                                      public PieChartDataSource,
+                                      public PieChartDelegate
+{
+    Q_OBJECT
+
+public:
+    /// What the page works with; all must outlive it.
+    struct Services
+    {
+        UserDefaults &defaults;
+        const SystemCalls &calls;
+        FileAccess &access;
+        Workspace &workspace;
+        std::function<FileUrl()> homeFolder;
+        /// Whether work would be done in the very folder that the user granted; asked before a
+        /// cleaning. Tells the user when not.
+        std::function<bool()> grantIsUsable;
+        LabelController::Reader readVolume = startUpVolumeSizes;
+    };
+
+    FreeSpaceViewController(const InterfaceLoader &loader, Services services,
+                            QObject *parent = nullptr);
+    ~FreeSpaceViewController() override;
+
+    PieChart *pieChart() const { return m_pieChart; }
+    StartButton *startButton() const { return m_startButton; }
+    SliceSelection &selection() { return m_selection; }
+    SliceHoverButtons *hoverButtons() const { return m_hoverButtons; }
+    bool isCleaning() const { return m_isCleaning; }
+
+    void viewDidLoad() override;
+    void viewWillAppear(bool animated) override;
+    void viewDidAppear(bool animated) override;
+    void viewWillDisappear(bool animated) override;
+
+    int numberOfSlicesInPieChart(PieChart &chart) override;
+    double valueForSliceAtIndex(PieChart &chart, int index) override;
+    std::shared_ptr<Info> infoForSliceAtIndex(PieChart &chart, int index) override;
+    std::optional<QColor> colorForSliceAtIndex(PieChart &chart, int index) override;
+    std::optional<QColor> secondaryColorForSliceAtIndex(PieChart &chart, int index) override;
+
+    void didSelectSliceAtIndex(PieChart &chart, int index) override;
+    void didHoverOverSliceAtIndex(PieChart &chart, int index) override;
+    bool canSelectSliceAtIndex(PieChart &chart, int index) override;
+
+public Q_SLOTS:
+    /// The start button's action: asks for confirmation, then cleans.
+    void next();
+    /// Explains the slice under the pointer.
+    void showInfo();
+    /// Shows the places of the slice under the pointer in the file manager.
+    void showInFinder();
+    /// A slice was measured, or the choice changed.
+    void updateButtonText();
+    /// The excluded paths changed.
+    void updateExcludedFiles();
+
+Q_SIGNALS:
+    /// From the confirmation to the hand-over to the next page: no way back meanwhile.
+    void cleaningChanged(bool isCleaning);
+    /// A cleaning ended and left places alone that the user had chosen; a text for people.
+    void placesLeftAlone(const QString &text);
+
+private:
+    void connectOutlets();
+    void makeHoverButtons();
+    void rebuildRecords();
+    void selectionChanged();
+    bool offersReveal(int index) const;
+    FileUrls existingPlaces(const Info &info) const;
+    bool mayClean();
+    void askForConfirmation();
+    void beginCleaning();
+    void showCleaningState();
+    void finishCleaning(const CleaningReport &report);
+    void showMessage(const QString &text, const QString &informative = {});
+
+    Services m_services;
+    LabelController m_labelController;
+    SliceSelection m_selection;
+    std::shared_ptr<FileSizeChangedNotification> m_sizeChanged;
+    std::stop_source m_measuring; ///< stops the measures of an earlier visit
+    CleaningJob m_job;
+    bool m_isCleaning = false;
+    PieChart *m_pieChart = nullptr;
+    StartButton *m_startButton = nullptr;
+    QWidget *m_legendImageView = nullptr;
+    SliceHoverButtons *m_hoverButtons = nullptr; ///< the chart's
+};

@@ -1,0 +1,104 @@
+#include "slices/SliceSelection.h"
+
+#include "app/SettingsKeys.h"
+#include "app/UserDefaults.h"
+#include "slices/ExcludedPaths.h"
+
+#include <algorithm>
+#include <numeric>
+
+namespace {
+
+std::shared_ptr<Info> madeRecord(const SliceDescription &slice, const FileUrl &home,
+                                 const Info::Services &services)
+{
+    const QString name = QString::fromUtf16(slice.name);
+    if (slice.kind != SliceKind::LargeFiles)
+        return Info::infoWithName(name, sliceLocations(slice.kind, home), services);
+    auto record = std::make_shared<Info>(name, std::nullopt, name,
+                                         QString::fromUtf16(kClickToSelect), services);
+    record->setIsOn(false);
+    return record;
+}
+
+} // namespace
+
+SliceSelection::SliceSelection(UserDefaults &defaults, FileAccess &access)
+    : m_defaults(defaults), m_access(access)
+{
+}
+
+void SliceSelection::rebuild(const FileUrl &home, const Info::Services &services)
+{
+    m_records.clear();
+    for (const SliceDescription &slice : sliceCatalogue())
+        m_records.push_back(madeRecord(slice, home, services));
+    restore();
+}
+
+void SliceSelection::restore()
+{
+    // The stored list may be of any length: what it does not name keeps its first state.
+    const QList<bool> stored = m_defaults.booleans(VNTSelectedSlicesString);
+    const auto count = std::min<std::size_t>(stored.size(), m_records.size());
+    for (std::size_t i = 0; i < count; ++i)
+        m_records[i]->setIsOn(stored[static_cast<qsizetype>(i)]);
+    // Nothing is picked yet, whatever a settings file edited by hand says.
+    record(SliceKind::LargeFiles).setIsOn(false);
+}
+
+void SliceSelection::updateSelectedSlicesUserDefaults() const
+{
+    QList<bool> selected;
+    for (const auto &record : m_records)
+        selected.append(record->isOn());
+    selected[indexOf(SliceKind::LargeFiles)] = false;
+    m_defaults.setBooleans(VNTSelectedSlicesString, selected);
+}
+
+SliceSelection::Toggle SliceSelection::toggle(int index)
+{
+    Info &info = *m_records.at(index);
+    const bool isExcluded = containsExcludedFile(info.fileURLs());
+    info.setIsOn(!isExcluded && !info.isOn());
+    return isExcluded ? Toggle::Excluded : Toggle::Switched;
+}
+
+bool SliceSelection::applyExclusions()
+{
+    Info &largeFiles = record(SliceKind::LargeFiles);
+    const bool hadPicks = !largeFiles.fileURLs().value_or(FileUrls()).isEmpty();
+    if (hadPicks) {
+        largeFiles.setFileURLs({});
+        largeFiles.setIsOn(false);
+    }
+    for (const auto &record : m_records) {
+        if (record.get() != &largeFiles && containsExcludedFile(record->fileURLs()))
+            record->setIsOn(false);
+    }
+    return hadPicks;
+}
+
+bool SliceSelection::containsExcludedFile(const std::optional<FileUrls> &fileURLs) const
+{
+    const AccessScope access(m_access);
+    return fileURLs && excludedPaths().containsExcludedFile(*fileURLs);
+}
+
+bool SliceSelection::somethingIsSelected() const
+{
+    return std::ranges::any_of(m_records, [](const auto &record) { return record->isOn(); });
+}
+
+qint64 SliceSelection::totalSize() const
+{
+    return std::accumulate(m_records.begin(), m_records.end(), qint64{0},
+                           [](qint64 sum, const auto &record) {
+                               return sum + (record->isOn() ? record->fileSize() : 0);
+                           });
+}
+
+ExcludedPaths SliceSelection::excludedPaths() const
+{
+    return ExcludedPaths::fromStoredStrings(m_defaults.strings(VNTExcludedPathsString));
+}

@@ -1,0 +1,187 @@
+#include "app/FolderSelectViewController.h"
+
+#include "app/SettingsKeys.h"
+#include "platform/FolderGrant.h"
+#include "platform/Sheet.h"
+#include "tests/support/GuiTestMain.h"
+#include "tests/support/PageFixture.h"
+#include "tests/support/RecordingPageDelegate.h"
+#include "tests/support/SheetDriver.h"
+#include "widgets/ImageButton.h"
+#include "widgets/ImageView.h"
+
+#include <QElapsedTimer>
+#include <QLineEdit>
+
+class TestFolderSelectViewController final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void startsUngranted();
+    void storesTheHomeAndMovesOn();
+    void acceptsOnlyFoldersNamedLikeTheHome_data();
+    void acceptsOnlyFoldersNamedLikeTheHome();
+    void storesNothingWhenCancelled();
+    void movesOnAgainWhenShownAgain();
+    void staysWhenTheGrantIsTakenBackMeanwhile();
+    void tellsWhenTheFolderCannotBeGranted();
+    void ignoresAnApplicationsFolder();
+    void startsThePanelAtTheFolderOfTheKey();
+
+private:
+    void choose(const QByteArray &path);
+    bool hasGrant() const { return m_fixture->defaults().isStored(VNTHomeFolderString); }
+
+    std::unique_ptr<PageFixture> m_fixture;
+    std::unique_ptr<FolderSelectViewController> m_page;
+    RecordingPageDelegate m_delegate;
+};
+
+void TestFolderSelectViewController::init()
+{
+    m_delegate.moves.clear();
+    m_fixture = std::make_unique<PageFixture>();
+    m_page = std::make_unique<FolderSelectViewController>(
+        m_fixture->loader(),
+        FolderSelectViewController::Services{m_fixture->defaults(), hostSystemCalls(),
+                                             [] { return QByteArray("/Users/anna"); }});
+    m_page->setDelegate(&m_delegate);
+    m_page->view()->show();
+    QVERIFY(QTest::qWaitForWindowActive(m_page->view()));
+}
+
+void TestFolderSelectViewController::cleanup()
+{
+    m_page.reset();
+    m_fixture.reset();
+}
+
+void TestFolderSelectViewController::choose(const QByteArray &path)
+{
+    QTest::ignoreMessage(QtInfoMsg, "anna");
+    QTest::mouseClick(m_page->homeButton(), Qt::LeftButton);
+    QTRY_VERIFY(sheetPanel(*m_page->view()));
+    auto *nameEdit =
+        sheetPanel(*m_page->view())->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+    QVERIFY(nameEdit);
+    QTRY_VERIFY(nameEdit->isVisible());
+    nameEdit->setText(QFile::decodeName(path));
+    QTest::keyClick(nameEdit, Qt::Key_Return);
+    QTRY_VERIFY(!hasSheet(*m_page->view()));
+}
+
+void TestFolderSelectViewController::startsUngranted()
+{
+    QCOMPARE(m_page->homeButton()->imageName(), QStringLiteral("welcomeHome"));
+    QCOMPARE(m_page->homeCheck()->imageName(), QStringLiteral("welcomeCheck"));
+    m_page->viewDidAppear(false);
+    QTest::qWait(0);
+    QCOMPARE(m_delegate.moves.size(), 0);
+}
+
+void TestFolderSelectViewController::storesTheHomeAndMovesOn()
+{
+    QElapsedTimer sinceChoice;
+    sinceChoice.start();
+    choose(m_fixture->home());
+    QTRY_VERIFY(hasGrant());
+    QCOMPARE(m_page->homeButton()->imageName(), QStringLiteral("welcomeHomeGreen"));
+    QCOMPARE(m_page->homeCheck()->imageName(), QStringLiteral("welcomeCheckGreen"));
+    QTRY_COMPARE(m_delegate.moves.size(), 1);
+    QVERIFY(sinceChoice.elapsed() >= 1000);
+    QVERIFY(m_delegate.moves[0].isForward);
+    const auto granted =
+        resolveGrant(hostSystemCalls(), m_fixture->defaults().data(VNTHomeFolderString));
+    QCOMPARE(granted->url.path(), m_fixture->home());
+}
+
+void TestFolderSelectViewController::acceptsOnlyFoldersNamedLikeTheHome_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<bool>("isAccepted");
+    QTest::addRow("the home") << QByteArray("anna") << true;
+    QTest::addRow("a longer name") << QByteArray("backup/anna-old") << true;
+    QTest::addRow("other case") << QByteArray("Anna") << false;
+    QTest::addRow("the parent") << QByteArray() << false;
+}
+
+void TestFolderSelectViewController::acceptsOnlyFoldersNamedLikeTheHome()
+{
+    QFETCH(QByteArray, name);
+    QFETCH(bool, isAccepted);
+    if (!name.isEmpty())
+        m_fixture->folder().makeFolder(name);
+    choose(name.isEmpty() ? m_fixture->folder().path() : m_fixture->folder().path(name));
+    QTest::qWait(0);
+    QCOMPARE(hasGrant(), isAccepted);
+    QVERIFY(!hasSheet(*m_page->view()));
+}
+
+void TestFolderSelectViewController::storesNothingWhenCancelled()
+{
+    QTest::mouseClick(m_page->homeButton(), Qt::LeftButton);
+    QTRY_VERIFY(sheetPanel(*m_page->view()));
+    QTest::keyClick(sheetPanel(*m_page->view()), Qt::Key_Escape);
+    QTRY_VERIFY(!hasSheet(*m_page->view()));
+    QVERIFY(!hasGrant());
+    QCOMPARE(m_page->homeButton()->imageName(), QStringLiteral("welcomeHome"));
+}
+
+void TestFolderSelectViewController::movesOnAgainWhenShownAgain()
+{
+    m_fixture->grantHome();
+    m_page->viewDidAppear(true);
+    QTRY_COMPARE(m_delegate.moves.size(), 1);
+    m_page->viewWillDisappear(true);
+    m_page->viewDidAppear(true);
+    QTRY_COMPARE(m_delegate.moves.size(), 2);
+    QCOMPARE(m_page->homeButton()->imageName(), QStringLiteral("welcomeHomeGreen"));
+}
+
+void TestFolderSelectViewController::staysWhenTheGrantIsTakenBackMeanwhile()
+{
+    m_fixture->grantHome();
+    m_page->updateUI();
+    m_fixture->defaults().removeFolderEntries();
+    QTest::qWait(FolderSelectViewController::kPauseBeforeNextPage + std::chrono::milliseconds(200));
+    QCOMPARE(m_delegate.moves.size(), 0);
+}
+
+void TestFolderSelectViewController::tellsWhenTheFolderCannotBeGranted()
+{
+    class Refusing final : public QObject
+    {
+    };
+    m_page->runSelectionPanelForFolderString(VNTHomeFolderString);
+    QTRY_VERIFY(sheetPanel(*m_page->view()));
+}
+
+void TestFolderSelectViewController::ignoresAnApplicationsFolder()
+{
+    m_page->runSelectionPanelForFolderString(VNTApplicationFolderString);
+    QTRY_VERIFY(sheetPanel(*m_page->view()));
+    auto *nameEdit =
+        sheetPanel(*m_page->view())->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+    QTRY_VERIFY(nameEdit->isVisible());
+    nameEdit->setText(QFile::decodeName(m_fixture->home()));
+    QTest::keyClick(nameEdit, Qt::Key_Return);
+    QTRY_VERIFY(!hasSheet(*m_page->view()));
+    QVERIFY(!hasGrant());
+    QVERIFY(!m_fixture->defaults().isStored(VNTApplicationFolderString));
+}
+
+void TestFolderSelectViewController::startsThePanelAtTheFolderOfTheKey()
+{
+    QCOMPARE(FolderSelectViewController::URLForFolderString(VNTApplicationFolderString),
+             std::optional(QByteArray("/Applications")));
+    QCOMPARE(FolderSelectViewController::URLForFolderString(VNTHomeFolderString),
+             std::optional(qgetenv("HOME")));
+    QVERIFY(!FolderSelectViewController::URLForFolderString(VNTTotalCleanedSize));
+}
+
+VANTOR_GUI_TEST_MAIN(TestFolderSelectViewController)
+#include "tst_FolderSelectViewController.moc"

@@ -1,0 +1,228 @@
+#include "app/MainWindowController.h"
+
+#include "app/DiskInfoViewController.h"
+#include "app/ResourceManager.h"
+#include "app/SettingsKeys.h"
+#include "app/StatsUpdater.h"
+#include "chart/PieChart.h"
+#include "platform/ViewAlpha.h"
+#include "tests/support/GuiTestMain.h"
+#include "tests/support/PageFixture.h"
+#include "tests/support/SheetDriver.h"
+
+#include "platform/FolderGrant.h"
+#include "widgets/StartButton.h"
+#include "widgets/TextField.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+
+namespace {
+
+class SilentStats final : public StatsUpdater
+{
+public:
+    void updateStatsForURLString(const QString &) override {}
+};
+
+} // namespace
+
+class TestMainWindowController final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void opensOnTheFirstPageWithoutGrant();
+    void movesOnByItselfOnceTheGrantIsStored();
+    void opensOnTheDiskWithAGrant();
+    void makesThePagesOnceInTheirOrder();
+    void handsDataOverBetweenAppearing();
+    void ignoresBackWhereThereIsNoPredecessor();
+    void goesBackThroughTheMenu();
+    void startsOverWhenTheHomeFolderIsReset();
+    void keepsAFadedPageTransparentAfterAReset();
+    void asksAgainWhenTheGrantLeadsNowhere();
+    void entersNoSlicesWithoutAUsableGrant();
+    void tellsThatANewFolderNeedsARestart();
+
+private:
+    void makeController();
+    bool waitForPage(const VNTViewController &page);
+
+    std::unique_ptr<PageFixture> m_fixture;
+    SilentStats m_stats;
+    int m_restarts = 0;
+    std::unique_ptr<MainWindowController> m_controller;
+};
+
+void TestMainWindowController::init()
+{
+    m_restarts = 0;
+    m_fixture = std::make_unique<PageFixture>();
+}
+
+void TestMainWindowController::cleanup()
+{
+    m_controller.reset();
+    m_fixture.reset();
+}
+
+void TestMainWindowController::makeController()
+{
+    m_controller = std::make_unique<MainWindowController>(MainWindowController::Services{
+        .loader = m_fixture->loader(),
+        .defaults = m_fixture->defaults(),
+        .stats = m_stats,
+        .workspace = m_fixture->workspace(),
+        .calls = hostSystemCalls(),
+        .access = ResourceManager::access(),
+        .addresses = {},
+        .realHomeDirectory = [this] { return m_fixture->home(); },
+        .readVolume = PageFixture::madeVolume(),
+        .restart = [this] { ++m_restarts; }});
+    m_controller->showWindow();
+}
+
+bool TestMainWindowController::waitForPage(const VNTViewController &page)
+{
+    return QTest::qWaitFor([&] { return m_controller->currentViewController() == &page; })
+           && QTest::qWaitFor([&] {
+                  return const_cast<VNTViewController &>(page).view()->isVisible();
+              });
+}
+
+void TestMainWindowController::opensOnTheFirstPageWithoutGrant()
+{
+    makeController();
+    QCOMPARE(m_controller->currentViewController(), &m_controller->folderSelectPage());
+    QVERIFY(!hasSheet(m_controller->window()));
+}
+
+void TestMainWindowController::movesOnByItselfOnceTheGrantIsStored()
+{
+    makeController();
+    m_fixture->grantHome();
+    QElapsedTimer sinceGrant;
+    sinceGrant.start();
+    m_controller->folderSelectPage().updateUI();
+    QVERIFY(waitForPage(m_controller->diskInfoPage()));
+    QVERIFY(sinceGrant.elapsed() >= 1000);
+}
+
+void TestMainWindowController::opensOnTheDiskWithAGrant()
+{
+    m_fixture->grantHome();
+    makeController();
+    QCOMPARE(m_controller->currentViewController(), &m_controller->diskInfoPage());
+    QVERIFY(m_controller->diskInfoPage().startButton()->isEnabled());
+    QCOMPARE(m_controller->navigationController().viewControllers().size(), 1);
+}
+
+void TestMainWindowController::makesThePagesOnceInTheirOrder()
+{
+    makeController();
+    QStringList names;
+    for (const VNTViewController *page : m_controller->viewControllers()) {
+        names.append(QString::fromLatin1(page->metaObject()->className()));
+        QCOMPARE(page->delegate(), m_controller.get());
+    }
+    QCOMPARE(names, QStringList({QStringLiteral("FolderSelectViewController"),
+                                 QStringLiteral("DiskInfoViewController"),
+                                 QStringLiteral("FreeSpaceViewController"),
+                                 QStringLiteral("FinalViewController")}));
+}
+
+void TestMainWindowController::handsDataOverBetweenAppearing()
+{
+    m_fixture->grantHome();
+    makeController();
+    m_controller->willGoForward(m_controller->freeSpacePage(), true, qint64{5'000'000});
+    QCOMPARE(m_controller->finalPage().data(), QVariant(qint64{5'000'000}));
+    QVERIFY(waitForPage(m_controller->finalPage()));
+    QTRY_COMPARE(m_controller->finalPage().sizeLabel()->text(), QStringLiteral("5 MB"));
+}
+
+void TestMainWindowController::ignoresBackWhereThereIsNoPredecessor()
+{
+    m_fixture->grantHome();
+    makeController();
+    m_controller->willGoForward(m_controller->diskInfoPage(), false, {});
+    m_controller->willGoForward(m_controller->folderSelectPage(), false, {});
+    m_controller->goBack();
+    QCOMPARE(m_controller->currentViewController(), &m_controller->diskInfoPage());
+}
+
+void TestMainWindowController::goesBackThroughTheMenu()
+{
+    m_fixture->grantHome();
+    makeController();
+    m_controller->diskInfoPage().next();
+    QVERIFY(waitForPage(m_controller->freeSpacePage()));
+    m_controller->goBack();
+    QVERIFY(waitForPage(m_controller->diskInfoPage()));
+}
+
+void TestMainWindowController::startsOverWhenTheHomeFolderIsReset()
+{
+    m_fixture->grantHome();
+    makeController();
+    m_controller->resetHomeFolder();
+    QCOMPARE(m_controller->currentViewController(), &m_controller->folderSelectPage());
+    QVERIFY(!m_fixture->defaults().hasInitializedFolders());
+    QVERIFY(m_controller->folderSelectPage().view()->isVisible());
+    QCOMPARE(alphaValue(*m_controller->folderSelectPage().view()), 1.0);
+}
+
+void TestMainWindowController::keepsAFadedPageTransparentAfterAReset()
+{
+    makeController();
+    m_fixture->grantHome();
+    m_controller->folderSelectPage().updateUI();
+    QVERIFY(waitForPage(m_controller->diskInfoPage()));
+    m_controller->resetHomeFolder();
+    QVERIFY(m_controller->folderSelectPage().view()->isVisible());
+    QCOMPARE(alphaValue(*m_controller->folderSelectPage().view()), 0.0);
+}
+
+void TestMainWindowController::asksAgainWhenTheGrantLeadsNowhere()
+{
+    m_fixture->defaults().setData(VNTHomeFolderString, QByteArray("no grant"));
+    makeController();
+    QTRY_VERIFY(hasSheet(m_controller->window()));
+    QVERIFY(sheetText(m_controller->window()).contains(QStringLiteral("damaged")));
+    QVERIFY(pressSheetButton(m_controller->window(), QStringLiteral("Choose Again…")));
+    QTRY_COMPARE(m_controller->currentViewController(), &m_controller->folderSelectPage());
+    QTRY_VERIFY(hasSheet(m_controller->window())); // the open panel
+}
+
+void TestMainWindowController::entersNoSlicesWithoutAUsableGrant()
+{
+    m_fixture->grantHome();
+    makeController();
+    QVERIFY(QDir().rename(QFile::decodeName(m_fixture->home()),
+                          QFile::decodeName(m_fixture->home() + "-moved")));
+    QVERIFY(QDir().mkdir(QFile::decodeName(m_fixture->home())));
+    m_controller->diskInfoPage().next();
+    QCOMPARE(m_controller->currentViewController(), &m_controller->diskInfoPage());
+    QTRY_VERIFY(hasSheet(m_controller->window()));
+    QVERIFY(pressSheetButton(m_controller->window(), QStringLiteral("Not Now")));
+    QCOMPARE(m_controller->currentViewController(), &m_controller->diskInfoPage());
+}
+
+void TestMainWindowController::tellsThatANewFolderNeedsARestart()
+{
+    m_fixture->grantHome();
+    makeController();
+    QCOMPARE(ResourceManager::homeFolder().path(), m_fixture->home()); // taken into use
+    const QByteArray other = m_fixture->folder().makeFolder("anna-old");
+    m_fixture->defaults().setData(VNTHomeFolderString, *makeGrant(hostSystemCalls(), other));
+    QVERIFY(!m_controller->grantIsUsable());
+    QVERIFY(pressSheetButton(m_controller->window(), QStringLiteral("Restart Vantor")));
+    QTRY_COMPARE(m_restarts, 1);
+}
+
+VANTOR_GUI_TEST_MAIN(TestMainWindowController)
+#include "tst_MainWindowController.moc"

@@ -1,0 +1,434 @@
+#include "tests/chart/FakeSlices.h"
+#include "tests/support/GuiTestMain.h"
+
+#include <QSignalSpy>
+#include <cmath>
+
+using std::numbers::pi;
+
+namespace {
+
+/// Answers nothing but what it must.
+class PlainSlices final : public PieChartDataSource
+{
+public:
+    int numberOfSlicesInPieChart(PieChart &) override { return 2; }
+    std::shared_ptr<Info> infoForSliceAtIndex(PieChart &, int) override { return nullptr; }
+    double valueForSliceAtIndex(PieChart &, int) override { return 1; }
+};
+
+} // namespace
+
+/// What the chart starts with and how it goes through an animation.
+class TestPieChart final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void hasItsDefaults();
+    void derivesItsMeasuresFromItsFrame();
+    void keepsTheLabelRadiusOfItsFrame();
+    void followsItsSizeUntilItIsTold();
+    void hearsItsPropertiesFromAnInterfaceDescription();
+    void doesNothingWithoutDataSource();
+    void forgetsADataSourceThatIsGone();
+    void growsFromTheStartAngle();
+    void startsWhereItIsTold();
+    void movesItsLabelsWithItsSlices();
+    void runsItsTimerWhileItMovesAlone();
+    void loadsWhenTheFirstAnimationHasRunToItsEnd();
+    void goesOnWhenAnAnimationIsInterrupted();
+    void growsAgainFlatWhenTold();
+    void showsItsStateAtOnceWithoutDuration();
+    void foldsToTheStartAngle();
+    void foldsInTheDataSourcesColors();
+    void growsAgainAfterFolding();
+    void turnsItsShadowOffWhenFolding();
+    void refitsItsSlicesWhenItsSizeChanges();
+    void endsByItselfInRealTime();
+    void endsWithItsOwnerInTheMiddleOfAnAnimation();
+    void picksColorsOfItsOwn_data();
+    void picksColorsOfItsOwn();
+    void usesItsOwnColorsWhereThereAreNone();
+    void givesTheSecondColorOfTheGradient();
+};
+
+void TestPieChart::hasItsDefaults()
+{
+    PieChart chart(QRect(0, 0, 400, 300));
+    QVERIFY(!chart.dataSource());
+    QVERIFY(!chart.delegate());
+    QCOMPARE(chart.startPieAngle(), 1.5707963267948966);
+    QCOMPARE(chart.animationSpeed(), 0.75);
+    QVERIFY(!chart.didLoad());
+    QVERIFY(!chart.hasTrackingArea());
+    QVERIFY(!chart.isAnimating());
+    QVERIFY(chart.sliceLayers().empty());
+    QCOMPARE(chart.backgroundColor().alpha(), 0);
+    QVERIFY(!chart.drawShadow());
+}
+
+void TestPieChart::derivesItsMeasuresFromItsFrame()
+{
+    const PieChart chart(QRect(10, 20, 400, 300));
+    QCOMPARE(chart.geometry(), QRect(10, 20, 400, 300));
+    QCOMPARE(chart.center(), QPointF(200, 150));
+    QCOMPARE(chart.pieRadius(), 150.0);
+    QCOMPARE(chart.infoRadius(), 75.0);
+}
+
+void TestPieChart::keepsTheLabelRadiusOfItsFrame()
+{
+    const PieChart chart(QRect(0, 0, 400, 300), QPointF(120, 130), 100);
+    QCOMPARE(chart.center(), QPointF(120, 130));
+    QCOMPARE(chart.pieRadius(), 100.0);
+    QCOMPARE(chart.infoRadius(), 75.0);
+}
+
+void TestPieChart::followsItsSizeUntilItIsTold()
+{
+    QWidget window;
+    PieChart chart(&window);
+    chart.resize(200, 500);
+    window.show();
+    QCOMPARE(chart.center(), QPointF(100, 250));
+    QCOMPARE(chart.pieRadius(), 100.0);
+    QCOMPARE(chart.infoRadius(), 50.0);
+    chart.setInfoRadius(120);
+    chart.setCenter({90, 80});
+    chart.resize(600, 400);
+    QCOMPARE(chart.center(), QPointF(90, 80));
+    QCOMPARE(chart.pieRadius(), 200.0);
+    QCOMPARE(chart.infoRadius(), 120.0);
+}
+
+void TestPieChart::hearsItsPropertiesFromAnInterfaceDescription()
+{
+    PieChart chart;
+    QVERIFY(chart.setProperty("pieRadius", 90.0));
+    QVERIFY(chart.setProperty("infoRadius", 40.0));
+    QVERIFY(chart.setProperty("startPieAngle", 1.0));
+    QVERIFY(chart.setProperty("animationSpeed", 0.5));
+    QCOMPARE(chart.pieRadius(), 90.0);
+    QCOMPARE(chart.infoRadius(), 40.0);
+    QCOMPARE(chart.startPieAngle(), 1.0);
+    QCOMPARE(chart.animationSpeed(), 0.5);
+}
+
+void TestPieChart::doesNothingWithoutDataSource()
+{
+    PieChart chart(QRect(0, 0, 400, 300));
+    chart.reloadData();
+    chart.reloadGradients();
+    chart.animateOut();
+    chart.updateTimerFired();
+    QVERIFY(chart.sliceLayers().empty());
+    QVERIFY(!chart.isAnimating());
+}
+
+void TestPieChart::forgetsADataSourceThatIsGone()
+{
+    PieChart chart(QRect(0, 0, 400, 300));
+    {
+        FakeSlices page;
+        page.setValues({1, 1});
+        chart.setDataSource(&page);
+        chart.setDelegate(&page);
+        chart.reloadData();
+    }
+    QVERIFY(!chart.dataSource());
+    QVERIFY(!chart.delegate());
+    chart.reloadData();
+    chart.animateOut();
+    QTest::mouseClick(&chart, Qt::LeftButton, {}, {200, 100});
+    QCOMPARE(chart.sliceLayers().size(), std::size_t(2));
+}
+
+void TestPieChart::growsFromTheStartAngle()
+{
+    HeldChart held({1, 1, 2});
+    QCOMPARE(held.chart.sliceLayers().size(), std::size_t(3));
+    const double arcs[][3] = {{pi / 2, pi, 0.25}, {pi, 1.5 * pi, 0.25}, {1.5 * pi, 2.5 * pi, 0.5}};
+    for (std::size_t i = 0; i < 3; ++i) {
+        const SliceLayer &layer = held.layer(i);
+        QCOMPARE(layer.startAngle(), arcs[i][0]);
+        QCOMPARE(layer.endAngle(), arcs[i][1]);
+        QCOMPARE(layer.percentage(), arcs[i][2]);
+        QCOMPARE(layer.presentationLayer()->startAngle(), pi / 2);
+        QCOMPARE(layer.presentationLayer()->endAngle(), pi / 2);
+        QCOMPARE(layer.geometry().sweep(), 0.0);
+    }
+    held.pass(0.375);
+    QVERIFY(std::abs(held.layer(2).geometry().end - (pi / 2 + 2 * pi * 0.8024)) < 1e-3);
+    QVERIFY(held.chart.isAnimating());
+    held.pass(0.375);
+    QVERIFY(!held.chart.isAnimating());
+    QCOMPARE(held.layer(2).geometry().start, 1.5 * pi);
+    QCOMPARE(held.layer(2).geometry().end, 2.5 * pi);
+}
+
+void TestPieChart::startsWhereItIsTold()
+{
+    HeldChart held;
+    held.page.setValues({1, 3});
+    held.chart.setStartPieAngle(0.25);
+    held.chart.reloadData();
+    QCOMPARE(held.layer(0).animationForKey(ArcKey::StartAngle)->fromValue(), 0.25);
+    QCOMPARE(held.layer(0).endAngle(), 0.25 + pi / 2);
+    QCOMPARE(held.layer(1).endAngle(), 0.25 + 2 * pi);
+}
+
+void TestPieChart::movesItsLabelsWithItsSlices()
+{
+    HeldChart held({1, 1});
+    QCOMPARE(held.layer(1).infoLayer()->position(), QPoint(200, 225));
+    held.pass(0.2);
+    const SliceGeometry &geometry = held.layer(1).geometry();
+    QVERIFY(geometry.sweep() > 0 && geometry.sweep() < pi);
+    QCOMPARE(held.layer(1).infoLayer()->position(), geometry.labelPoint(75));
+    held.settle();
+    QCOMPARE(held.layer(0).infoLayer()->position(), QPoint(125, 150));
+    QCOMPARE(held.layer(1).infoLayer()->position(), held.layer(1).geometry().labelPoint(75));
+}
+
+void TestPieChart::runsItsTimerWhileItMovesAlone()
+{
+    HeldChart held;
+    const auto timer = held.chart.findChild<QTimer *>(QStringLiteral("updateTimer"));
+    QVERIFY(timer);
+    QVERIFY(!timer->isActive());
+    held.page.setValues({1, 2});
+    held.chart.reloadData();
+    QVERIFY(timer->isActive());
+    QCOMPARE(timer->interval(), 16);
+    held.settle();
+    QVERIFY(!timer->isActive());
+}
+
+void TestPieChart::loadsWhenTheFirstAnimationHasRunToItsEnd()
+{
+    HeldChart held({1, 2});
+    QSignalSpy finished(&held.chart, &PieChart::animationFinished);
+    held.pass(0.7);
+    QVERIFY(!held.chart.didLoad());
+    QVERIFY(!held.layer(0).gradientLayer());
+    QCOMPARE(finished.count(), 0);
+    held.pass(0.05);
+    QVERIFY(held.chart.didLoad());
+    QVERIFY(held.layer(0).gradientLayer());
+    QVERIFY(held.layer(1).gradientLayer());
+    QVERIFY(held.chart.hasTrackingArea());
+    QCOMPARE(finished.count(), 1);
+}
+
+void TestPieChart::goesOnWhenAnAnimationIsInterrupted()
+{
+    HeldChart held({1, 1, 2});
+    QSignalSpy finished(&held.chart, &PieChart::animationFinished);
+    held.pass(0.3);
+    std::vector<SliceGeometry> shown;
+    for (const auto &layer : held.chart.sliceLayers())
+        shown.push_back(layer->geometry());
+
+    held.page.setValues({5, 1, 1});
+    held.chart.reloadData();
+    for (std::size_t i = 0; i < 3; ++i)
+        QCOMPARE(held.layer(i).geometry(), shown[i]); // no jump
+    held.pass(0.001);
+    for (std::size_t i = 0; i < 3; ++i)
+        QVERIFY(std::abs(held.layer(i).geometry().end - shown[i].end) < 0.05);
+    held.pass(0.5); // the first animation's end is past, and means nothing
+    QCOMPARE(finished.count(), 0);
+    QVERIFY(!held.chart.didLoad());
+    held.pass(0.25);
+    QCOMPARE(finished.count(), 1);
+    QVERIFY(std::abs(held.layer(0).geometry().sweep() - 2 * pi * 5 / 7) < 1e-9);
+}
+
+void TestPieChart::growsAgainFlatWhenTold()
+{
+    HeldChart held({1, 2});
+    held.page.slices[0].color = Qt::red;
+    held.settle();
+    held.chart.setDidLoad(false);
+    held.chart.reloadData();
+    QCOMPARE(held.layer(0).brush(), QBrush(Qt::red));
+    QVERIFY(!held.layer(0).gradientLayer()->colors());
+    held.settle();
+    QVERIFY(held.layer(0).gradientLayer()->colors());
+    QVERIFY(held.chart.didLoad());
+}
+
+void TestPieChart::showsItsStateAtOnceWithoutDuration()
+{
+    HeldChart held;
+    QSignalSpy finished(&held.chart, &PieChart::animationFinished);
+    held.chart.setAnimationSpeed(0);
+    held.page.setValues({1, 1});
+    held.chart.reloadData();
+    QVERIFY(!held.chart.isAnimating());
+    QVERIFY(held.chart.didLoad());
+    QVERIFY(held.chart.hasTrackingArea());
+    QCOMPARE(held.layer(1).geometry().end, 2.5 * pi);
+    QCOMPARE(finished.count(), 1);
+    held.chart.animateOut();
+    QCOMPARE(held.layer(1).geometry().sweep(), 0.0);
+    QVERIFY(held.chart.hasTrackingArea());
+}
+
+void TestPieChart::foldsToTheStartAngle()
+{
+    HeldChart held({1, 1});
+    held.settle();
+    held.chart.animateOut();
+    QVERIFY(!held.chart.hasTrackingArea());
+    QCOMPARE(held.layer(1).geometry().end, 2.5 * pi);
+    held.pass(0.3);
+    QVERIFY(held.layer(1).geometry().end < 2 * pi);
+    held.pass(0.45);
+    for (std::size_t i = 0; i < 2; ++i) {
+        QCOMPARE(held.layer(i).geometry().start, pi / 2);
+        QCOMPARE(held.layer(i).geometry().end, pi / 2);
+    }
+    QCOMPARE(held.chart.sliceLayers().size(), std::size_t(2));
+}
+
+void TestPieChart::foldsInTheDataSourcesColors()
+{
+    HeldChart held;
+    held.page.setValues({1, 1});
+    held.page.slices[0].color = Qt::red;
+    held.page.slices[0].secondaryColor = Qt::blue;
+    held.chart.reloadData();
+    held.settle();
+    QCOMPARE(held.layer(0).brush().style(), Qt::LinearGradientPattern);
+    held.page.slices[0].color = Qt::green;
+    held.chart.animateOut();
+    QCOMPARE(held.layer(0).brush(), QBrush(Qt::green));
+    // Without a colour of the data source there is none, not even the chart's own.
+    QVERIFY(!held.layer(1).fillColor());
+    QCOMPARE(held.layer(1).brush().style(), Qt::NoBrush);
+}
+
+void TestPieChart::growsAgainAfterFolding()
+{
+    HeldChart held({1, 1});
+    held.page.slices[0].color = Qt::red;
+    held.settle();
+    held.chart.animateOut();
+    held.settle();
+    held.chart.reloadData(); // still loaded: in gradients, which grow with their slices
+    QCOMPARE(held.layer(1).geometry().sweep(), 0.0);
+    held.pass(0.3);
+    const SliceLayer &layer = held.layer(0);
+    QVERIFY(layer.geometry().sweep() > 0.5);
+    QCOMPARE(layer.gradientLayer()->frame(), layer.path().boundingRect());
+    QVERIFY(layer.gradientLayer()->colors());
+}
+
+void TestPieChart::turnsItsShadowOffWhenFolding()
+{
+    HeldChart held({1, 1});
+    held.chart.setDrawShadow(true);
+    held.settle();
+    held.chart.animateOut();
+    QVERIFY(!held.chart.drawShadow());
+}
+
+void TestPieChart::refitsItsSlicesWhenItsSizeChanges()
+{
+    HeldChart held({1, 1});
+    held.settle();
+    held.window.show();
+    held.chart.resize(200, 200);
+    QCOMPARE(held.layer(0).geometry().radius, 100.0);
+    QCOMPARE(held.layer(0).geometry().center, QPointF(100, 100));
+    QCOMPARE(held.layer(0).infoLayer()->position(), QPoint(50, 100));
+    held.chart.setPieRadius(80);
+    QCOMPARE(held.layer(0).path().boundingRect().left(), 20.0);
+    held.chart.setInfoRadius(10);
+    QCOMPARE(held.layer(0).infoLayer()->position(), QPoint(90, 100));
+    // In the widget's coordinates: twenty points from its top.
+    held.chart.setCenter({100, 20});
+    QCOMPARE(held.layer(0).geometry().center, QPointF(100, 180));
+}
+
+void TestPieChart::endsByItselfInRealTime()
+{
+    FakeSlices page;
+    page.setValues({1, 2, 3});
+    PieChart chart(QRect(0, 0, 400, 300));
+    chart.setDataSource(&page);
+    chart.setAnimationSpeed(0.2);
+    chart.show();
+    QSignalSpy finished(&chart, &PieChart::animationFinished);
+    const MediaTime begin = steadyMediaTime();
+    chart.reloadData();
+    QTRY_COMPARE(finished.count(), 1);
+    QVERIFY(steadyMediaTime() - begin >= MediaTime(0.2));
+    QCOMPARE(chart.sliceLayers()[2]->geometry().end, 2.5 * pi);
+}
+
+void TestPieChart::endsWithItsOwnerInTheMiddleOfAnAnimation()
+{
+    SliceLayers layers;
+    {
+        HeldChart held({1, 1});
+        held.pass(0.3);
+        layers = held.chart.sliceLayers();
+    }
+    // Whoever still holds a slice, and tells its label something, does no harm.
+    layers[0]->infoLayer()->setInfo(nullptr);
+    QVERIFY(layers[0]->animationForKey(ArcKey::EndAngle));
+}
+
+void TestPieChart::picksColorsOfItsOwn_data()
+{
+    QTest::addColumn<int>("index");
+    QTest::addColumn<double>("hue");
+    QTest::addColumn<double>("saturation");
+    QTest::newRow("0") << 0 << 0.02 << 0.3;
+    QTest::newRow("7") << 7 << 0.02 << 1.0;
+    QTest::newRow("9") << 9 << 0.07 << 0.4;
+    QTest::newRow("159") << 159 << 0.97 << 1.0;
+    QTest::newRow("160") << 160 << 0.02 << 0.3;
+}
+
+void TestPieChart::picksColorsOfItsOwn()
+{
+    QFETCH(int, index);
+    QFETCH(double, hue);
+    QFETCH(double, saturation);
+    const QColor color = PieChart::defaultColor(index);
+    QVERIFY(std::abs(color.hsvHueF() - hue) < 1e-3);
+    QVERIFY(std::abs(color.hsvSaturationF() - saturation) < 1e-3);
+    QVERIFY(std::abs(color.valueF() - 0.91) < 1e-3);
+    QCOMPARE(color.alpha(), 255);
+}
+
+void TestPieChart::usesItsOwnColorsWhereThereAreNone()
+{
+    PlainSlices page;
+    PieChart chart(QRect(0, 0, 400, 300));
+    chart.setAnimationSpeed(0);
+    chart.setDataSource(&page);
+    chart.reloadData();
+    const SliceLayer &layer = *chart.sliceLayers()[1];
+    QCOMPARE(*layer.fillColor(), PieChart::defaultColor(1));
+    QCOMPARE(layer.brush(), QBrush(PieChart::defaultColor(1)));
+}
+
+void TestPieChart::givesTheSecondColorOfTheGradient()
+{
+    HeldChart held({1, 1});
+    held.page.slices[0].color = Qt::red;
+    held.page.slices[0].secondaryColor = Qt::blue;
+    held.page.slices[1].color = Qt::green;
+    held.settle();
+    QCOMPARE(*held.layer(0).gradientLayer()->colors(), (GradientLayer::Colors{Qt::red, Qt::blue}));
+    QCOMPARE(*held.layer(1).gradientLayer()->colors(),
+             (GradientLayer::Colors{Qt::green, Qt::green}));
+}
+
+VANTOR_GUI_TEST_MAIN(TestPieChart)
+#include "tst_PieChart.moc"

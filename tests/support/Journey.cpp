@@ -1,0 +1,126 @@
+#include "tests/support/Journey.h"
+
+#include "app/DiskInfoViewController.h"
+#include "chart/PieChart.h"
+#include "platform/ViewAlpha.h"
+#include "tests/support/SheetDriver.h"
+#include "widgets/ImageButton.h"
+#include "widgets/StartButton.h"
+
+#include <QLineEdit>
+#include <QTest>
+#include <numbers>
+
+namespace {
+
+constexpr int kPatience = 20'000; ///< milliseconds, for a slow machine
+
+bool waitFor(const std::function<bool()> &condition)
+{
+    return QTest::qWaitFor(condition, kPatience);
+}
+
+bool standsStill(ViewController &page)
+{
+    const auto *chart = page.view()->findChild<PieChart *>();
+    return !chart || (!chart->isAnimating() && chart->didLoad());
+}
+
+/// The clicks go to the window, as the window system's do, and find their widget by themselves.
+void clickInWindow(QWidget &widget, QPoint position)
+{
+    QTest::mouseClick(widget.window()->windowHandle(), Qt::LeftButton, {},
+                      widget.mapTo(widget.window(), position));
+}
+
+} // namespace
+
+Journey::Journey(AppDelegate &application) : m_application(application) {}
+
+bool Journey::waitForPage(ViewController &page)
+{
+    return waitFor([&] {
+        return controller().currentViewController() == &page && page.view()->isVisible()
+               && alphaValue(*page.view()) == 1 && standsStill(page);
+    });
+}
+
+bool Journey::clickButton(QWidget &button)
+{
+    if (!waitFor([&] { return button.isVisible() && button.isEnabled(); }))
+        return false;
+    clickInWindow(button, button.rect().center());
+    return true;
+}
+
+bool Journey::chooseHome(const QByteArray &path)
+{
+    if (!clickButton(*controller().folderSelectPage().homeButton()))
+        return false;
+    const auto nameEdit = [this] {
+        const QWidget *panel = sheetPanel(window());
+        return panel ? panel->findChild<QLineEdit *>(QStringLiteral("fileNameEdit")) : nullptr;
+    };
+    if (!waitFor([&] { return nameEdit() && nameEdit()->isVisible(); }))
+        return false;
+    nameEdit()->clear();
+    QTest::keyClicks(nameEdit(), QFile::decodeName(path));
+    QTest::keyClick(nameEdit(), Qt::Key_Return);
+    return waitFor([this] { return !hasSheet(window()); });
+}
+
+bool Journey::pressStart()
+{
+    return clickButton(*controller().diskInfoPage().startButton());
+}
+
+QPoint Journey::middleOfSlice(int index) const
+{
+    const PieChart &chart = *controller().freeSpacePage().pieChart();
+    const double angle = chart.startPieAngle() + (index + 0.5) / kSliceCount * 2 * std::numbers::pi;
+    const QPointF offset(std::cos(angle), -std::sin(angle));
+    return (chart.center() + offset * chart.infoRadius()).toPoint();
+}
+
+bool Journey::clickSlice(SliceKind kind)
+{
+    FreeSpaceViewController &page = controller().freeSpacePage();
+    const bool wasOn = page.selection().record(kind).isOn();
+    clickInWindow(*page.pieChart(), middleOfSlice(indexOf(kind)));
+    return waitFor([&] { return page.selection().record(kind).isOn() != wasOn; });
+}
+
+bool Journey::hoverSlice(SliceKind kind)
+{
+    PieChart &chart = *controller().freeSpacePage().pieChart();
+    const QPoint position = chart.mapTo(&window(), middleOfSlice(indexOf(kind)));
+    QTest::mouseMove(window().windowHandle(), position);
+    return waitFor([&] { return chart.findChild<ImageButton *>()->isVisible(); });
+}
+
+bool Journey::waitForMeasures()
+{
+    return waitFor([this] {
+        for (const auto &record : controller().freeSpacePage().selection().records()) {
+            if (record->fileURLs() && !record->isMeasured())
+                return false;
+        }
+        return true;
+    });
+}
+
+bool Journey::pressClean(const QString &answer)
+{
+    return clickButton(*controller().freeSpacePage().startButton())
+           && pressSheetButton(window(), answer);
+}
+
+bool Journey::scanAgain()
+{
+    return clickButton(*controller().finalPage().scanAgainButton());
+}
+
+QPixmap Journey::picture() const
+{
+    return window().grab();
+}

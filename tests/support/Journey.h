@@ -1,0 +1,44 @@
+#pragma once
+
+#include "app/AppDelegate.h"
+#include "slices/SliceCatalogue.h"
+
+#include <QPixmap>
+#include <functional>
+
+class ViewController;
+
+/// A user at the real window: looks where things are, moves the mouse there, presses keys, and
+/// waits for what happens as a person does. Every step answers whether it came to its end.
+class Journey final
+{
+public:
+    explicit Journey(AppDelegate &application);
+
+    QMainWindow &window() const { return m_application.mainWindowController().window(); }
+    MainWindowController &controller() const { return m_application.mainWindowController(); }
+
+    /// Waits until the page is shown, has come in whole, and its pie stands still.
+    bool waitForPage(ViewController &page);
+
+    /// Presses the home button and types the folder into the panel.
+    bool chooseHome(const QByteArray &path);
+    bool pressStart();
+
+    /// Clicks the slice where it is painted.
+    bool clickSlice(SliceKind kind);
+    /// Moves the pointer over the slice.
+    bool hoverSlice(SliceKind kind);
+    bool waitForMeasures();
+    /// Presses the clean button and answers the confirmation with this button.
+    bool pressClean(const QString &answer);
+    bool scanAgain();
+
+    QPixmap picture() const;
+
+private:
+    bool clickButton(QWidget &button);
+    QPoint middleOfSlice(int index) const;
+
+    AppDelegate &m_application;
+};
