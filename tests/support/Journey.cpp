@@ -3,10 +3,12 @@
 #include "app/DiskInfoViewController.h"
 #include "chart/PieChart.h"
 #include "platform/ViewAlpha.h"
+#include "prefs/ColorWindow.h"
 #include "tests/support/SheetDriver.h"
 #include "widgets/ImageButton.h"
 #include "widgets/StartButton.h"
 
+#include <QCheckBox>
 #include <QLineEdit>
 #include <QTest>
 #include <numbers>
@@ -108,6 +110,18 @@ bool Journey::waitForMeasures()
         }
         return true;
     });
+}
+
+bool Journey::declineTutorial()
+{
+    const auto box = [this] {
+        const QWidget *panel = sheetPanel(window());
+        return panel ? panel->findChild<QCheckBox *>() : nullptr;
+    };
+    if (!waitFor([&] { return box() && box()->isVisible(); }))
+        return false;
+    QTest::mouseClick(box(), Qt::LeftButton, {}, QPoint(8, box()->height() / 2));
+    return pressSheetButton(window(), QStringLiteral("OK"));
 }
 
 bool Journey::pressClean(const QString &answer)
