@@ -132,11 +132,13 @@ public:
         m_time += MediaTime(1);
         m_chart.updateTimerFired();
         measure("settled, some grey", 0);
-        m_chart.focusSlice(0);
-        measure("settled, focus ring", 0);
         m_slices.isUneven = true;
         m_chart.reloadData();
         measure("moving, gradients", kAmidst);
+        m_time += MediaTime(1);
+        m_chart.updateTimerFired();
+        m_chart.focusSlice(0);
+        measure("settled, focus ring", 0);
     }
 
 private:

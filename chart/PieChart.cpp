@@ -19,14 +19,12 @@ PieChart::PieChart(QWidget *parent) : BackgroundView(parent)
     m_updateTimer.setTimerType(Qt::PreciseTimer);
     m_updateTimer.setInterval(kFrame);
     connect(&m_updateTimer, &QTimer::timeout, this, &PieChart::updateTimerFired);
-    followSize();
     installPieChartAccessibility();
 }
 
 PieChart::PieChart(const QRect &frame, QWidget *parent) : PieChart(parent)
 {
     setGeometry(frame);
-    followSize();
 }
 
 PieChart::PieChart(const QRect &frame, QPointF center, double radius, QWidget *parent)
@@ -63,15 +61,7 @@ void PieChart::setInfoRadius(double radius)
 
 void PieChart::setCenter(QPointF center)
 {
-    m_hasOwnCenter = true;
-    BackgroundView::setCenter(center);
-    refreshSliceLayers(LayerState::Presentation);
-}
-
-void PieChart::followSize()
-{
-    if (!m_hasOwnCenter)
-        BackgroundView::setCenter(QRectF(rect()).center());
+    m_center = center;
     refreshSliceLayers(LayerState::Presentation);
 }
 

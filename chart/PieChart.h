@@ -60,6 +60,8 @@ public:
     double infoRadius() const { return m_infoRadius.value_or(halfSide() / 2); }
     void setInfoRadius(double radius);
 
+    /// At first the middle of the widget.
+    QPointF center() const override { return m_center.value_or(QRectF(rect()).center()); }
     void setCenter(QPointF center) override;
 
     /// Whether an animation has run to its end, so that slices wear gradients. A page that wants
@@ -165,7 +167,6 @@ private:
     QColor colorForSlice(int index);
 
     double halfSide() const { return static_cast<double>(std::min(width(), height())) / 2; }
-    void followSize();
     void refreshSliceLayer(SliceLayer &layer, LayerState state);
     void refreshSliceLayers(LayerState state);
     void updateLayer(const SliceLayer &layer);
@@ -187,7 +188,7 @@ private:
     MediaClock m_clock = steadyMediaTime;
     double m_startPieAngle = std::numbers::pi / 2;
     double m_animationSpeed = kDefaultAnimationSpeed;
-    bool m_hasOwnCenter = false;
+    std::optional<QPointF> m_center;
     std::optional<double> m_pieRadius;
     std::optional<double> m_infoRadius;
 

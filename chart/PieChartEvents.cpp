@@ -85,7 +85,7 @@ void PieChart::paintFocusRing(QPainter &painter) const
 void PieChart::resizeEvent(QResizeEvent *event)
 {
     BackgroundView::resizeEvent(event);
-    followSize();
+    refreshSliceLayers(LayerState::Presentation);
 }
 
 bool PieChart::event(QEvent *event)

@@ -73,7 +73,6 @@ void TestPieChartProperties::followsItsSizeUntilItIsTold()
     QWidget window;
     PieChart chart(&window);
     chart.resize(200, 500);
-    window.show();
     QCOMPARE(chart.center(), QPointF(100, 250));
     QCOMPARE(chart.pieRadius(), 100.0);
     QCOMPARE(chart.infoRadius(), 50.0);
