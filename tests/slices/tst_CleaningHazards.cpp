@@ -9,7 +9,6 @@
 #include <sched.h>
 #include <sys/ioctl.h>
 #include <sys/mount.h>
-#include <sys/resource.h>
 
 namespace {
 
@@ -64,24 +63,6 @@ QByteArray inChild(ChildUser user, const std::function<QByteArray()> &piece)
     return outcome.exitCode == 0 ? QByteArray() : "wrong: " + outcome.errorText;
 }
 
-/// Lets this process open no more than 64 files at a time.
-class FewDescriptors final
-{
-public:
-    FewDescriptors()
-    {
-        ::getrlimit(RLIMIT_NOFILE, &m_before);
-        const rlimit few{64, m_before.rlim_max};
-        must(::setrlimit(RLIMIT_NOFILE, &few) == 0, "a limit of descriptors");
-    }
-    ~FewDescriptors() { ::setrlimit(RLIMIT_NOFILE, &m_before); }
-    FewDescriptors(const FewDescriptors &) = delete;
-    FewDescriptors &operator=(const FewDescriptors &) = delete;
-
-private:
-    rlimit m_before{};
-};
-
 /// The errno under which a path is reported, 0 when it is not.
 int reported(const CleaningReport &report, const QByteArray &path)
 {
@@ -121,8 +102,6 @@ private Q_SLOTS:
     void leavesLockedItems_data();
     void leavesLockedItems();
     void leavesWhatAnOrdinaryUserMayNotRemove();
-    void removesADeepTreeWithFewDescriptors_data();
-    void removesADeepTreeWithFewDescriptors();
 };
 
 void TestCleaningHazards::leavesMountsAlone()
@@ -257,38 +236,6 @@ void TestCleaningHazards::leavesWhatAnOrdinaryUserMayNotRemove()
     QCOMPARE(modeOf(downloads + "/fixed"), mode_t(0555));
     QCOMPARE(modeOf(downloads + "/closed"), mode_t(0));
     QCOMPARE(modeOf(downloads + "/blind"), mode_t(0300));
-}
-
-void TestCleaningHazards::removesADeepTreeWithFewDescriptors_data()
-{
-    QTest::addColumn<CleaningGround::Medium>("medium");
-    QTest::addColumn<int>("levels");
-    QTest::addRow("in memory") << CleaningGround::Medium::Memory << 10'000;
-    QTest::addRow("on disk") << CleaningGround::Medium::Disk << 1'000; // slow to make
-}
-
-void TestCleaningHazards::removesADeepTreeWithFewDescriptors()
-{
-    QFETCH(CleaningGround::Medium, medium);
-    QFETCH(int, levels);
-    const QByteArray name(100, 'd');
-    const CleaningGround scratch(medium);
-    makeFolder(scratch / "home/Downloads");
-    FileDescriptor folder(::open((scratch / "home/Downloads").constData(), O_RDONLY));
-    for (int i = 0; i < levels; ++i) {
-        ::mkdirat(folder.get(), name.constData(), 0700);
-        FileDescriptor(::openat(folder.get(), "file", O_CREAT | O_WRONLY, 0600)).reset();
-        folder = FileDescriptor(::openat(folder.get(), name.constData(), O_RDONLY));
-    }
-    QVERIFY(folder.isValid());
-    folder.reset();
-    const CleaningReport report = [&] {
-        const FewDescriptors limited;
-        return cleanDownloads(scratch / "home");
-    }();
-    QVERIFY(report.failures.isEmpty() && report.refusals.isEmpty());
-    QCOMPARE(report.removedItems, std::uint64_t(2 * levels));
-    QVERIFY(tree(scratch / "home/Downloads").empty());
 }
 
 VANTOR_TEST_MAIN(TestCleaningHazards)
