@@ -8,6 +8,7 @@
 #include <QElapsedTimer>
 #include <QStringList>
 #include <QWidget>
+#include <functional>
 
 /// What pages and a delegate were told, in order, as "<name> <call> <animated>".
 using Calls = QStringList;
@@ -25,9 +26,16 @@ public:
     RecordingPage(const char *name, Calls &calls) : m_name(QLatin1String(name)), m_calls(calls) {}
 
     void viewWillAppear(bool animated) override { note("willAppear", animated); }
-    void viewDidAppear(bool animated) override { note("didAppear", animated); }
+    void viewDidAppear(bool animated) override
+    {
+        note("didAppear", animated);
+        if (onDidAppear)
+            onDidAppear();
+    }
     void viewWillDisappear(bool animated) override { note("willDisappear", animated); }
     void viewDidDisappear(bool animated) override { note("didDisappear", animated); }
+
+    std::function<void()> onDidAppear; ///< for a look at that very moment
 
 protected:
     std::unique_ptr<QWidget> loadView() override
