@@ -4,7 +4,7 @@
 #include "app/Appearance.h"
 #include "app/DiskInfoViewController.h"
 #include "platform/ByteCount.h"
-#include "platform/Sheet.h"
+#include "platform/ViewAlpha.h"
 #include "prefs/ColorWindow.h"
 #include "tests/support/Journey.h"
 #include "tests/support/SampleHome.h"
@@ -110,7 +110,7 @@ private:
 
     bool readTutorial()
     {
-        if (!QTest::qWaitFor([this] { return hasSheet(m_journey.window()); }))
+        if (!m_journey.waitForSheet())
             return false;
         takePicture(QStringLiteral("3-tutorial"));
         return m_journey.declineTutorial();
@@ -133,7 +133,8 @@ private:
     bool seeResult()
     {
         FinalViewController &page = m_journey.controller().finalPage();
-        if (!m_journey.waitForPage(page))
+        if (!m_journey.waitForPage(page)
+            || !QTest::qWaitFor([&] { return alphaValue(*page.sizeLabel()) == 1; }))
             return false;
         takePicture(QStringLiteral("5-result"));
         const qint64 after = bytesPresent(m_home);

@@ -112,6 +112,16 @@ bool Journey::waitForMeasures()
     });
 }
 
+bool Journey::waitForSheet()
+{
+    // Fully out: its upper edge has come down to where sheets hang.
+    return waitFor([this] {
+        const QWidget *panel = sheetPanel(window());
+        return panel && panel->isVisible()
+               && panel->mapTo(&window(), QPoint()).y() >= sheetDrop(window());
+    });
+}
+
 bool Journey::declineTutorial()
 {
     const auto box = [this] {

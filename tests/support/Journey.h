@@ -30,6 +30,8 @@ public:
     /// Moves the pointer over the slice.
     bool hoverSlice(SliceKind kind);
     bool waitForMeasures();
+    /// Waits until a sheet hangs in full.
+    bool waitForSheet();
     /// Waits for the tutorial, ticks its box and presses OK.
     bool declineTutorial();
     /// Presses the clean button and answers the confirmation with this button.
