@@ -42,18 +42,18 @@ void AppDelegate::makeMainWindow()
             return std::nullopt;
         return defaults->data(VNTHomeFolderString);
     });
-    m_mainWindowController = std::make_unique<MainWindowController>(MainWindowController::Services{
-        .loader = m_loader,
-        .defaults = *m_defaults,
-        .stats = *m_pings,
-        .workspace = *m_configuration.workspace,
-        .calls = hostSystemCalls(),
-        .access = ResourceManager::access(),
-        .excludedFilesChanged = m_excludedFilesChanged,
-        .addresses = m_configuration.addresses,
-        .realHomeDirectory = m_configuration.realHomeDirectory,
-        .readVolume = m_configuration.readVolume,
-        .restart = [this] { restart(); }});
+    m_mainWindowController = std::make_unique<MainWindowController>(
+        MainWindowController::Services{.loader = m_loader,
+                                       .defaults = *m_defaults,
+                                       .stats = *m_pings,
+                                       .workspace = *m_configuration.workspace,
+                                       .calls = hostSystemCalls(),
+                                       .access = ResourceManager::access(),
+                                       .excludedFilesChanged = m_excludedFilesChanged,
+                                       .addresses = m_configuration.addresses,
+                                       .realHomeDirectory = m_configuration.realHomeDirectory,
+                                       .readVolume = m_configuration.readVolume,
+                                       .restart = [this] { restart(); }});
     makeMenu();
 }
 
@@ -81,19 +81,20 @@ void AppDelegate::makeMenu()
 void AppDelegate::watchSettings()
 {
     ColorWindow &window = m_mainWindowController->window();
-    connect(m_defaults.get(), &UserDefaults::saveFailed, &window, [&window](const QString &message) {
-        if (!hasSheet(window)) // one message is enough for a disk that stays full
-            presentAlert(window, {.style = AlertStyle::Warning,
-                                  .messageText = tr("Your settings could not be saved."),
-                                  .informativeText = message});
-    });
+    connect(m_defaults.get(), &UserDefaults::saveFailed, &window,
+            [&window](const QString &message) {
+                if (!hasSheet(window)) // one message is enough for a disk that stays full
+                    presentAlert(window, {.style = AlertStyle::Warning,
+                                          .messageText = tr("Your settings could not be saved."),
+                                          .informativeText = message});
+            });
     if (m_defaults->exclusionsAreKnown())
         return;
     presentAlert(window, {.style = AlertStyle::Warning,
                           .messageText = tr("Your settings could not be read completely."),
-                          .informativeText = m_defaults->damageMessage() + QStringLiteral("\n\n")
-                                             + tr("Cleaning is off until you have checked your "
-                                                  "excluded paths.")});
+                          .informativeText = m_defaults->damageMessage() + QStringLiteral("\n\n") +
+                                             tr("Cleaning is off until you have checked your "
+                                                "excluded paths.")});
 }
 
 PreferencesWindowController &AppDelegate::preferencesWindowController()
@@ -114,6 +115,8 @@ void AppDelegate::openPreferences()
     PreferencesWindowController &preferences = preferencesWindowController();
     if (!ResourceManager::checkStoredGrant())
         preferences.setHomeFolder(ResourceManager::homeFolder());
+    // Closing the main window ends the program, whether this one is open or not.
+    preferences.window()->setAttribute(Qt::WA_QuitOnClose, false);
     preferences.showWindow();
 }
 

@@ -101,8 +101,10 @@ std::shared_ptr<Info> DiskInfoViewController::infoForSliceAtIndex(PieChart &, in
     return Info::infoWithName(QString(), std::nullopt);
 }
 
-std::optional<QString> DiskInfoViewController::accessibleNameForSliceAtIndex(PieChart &chart, int index)
+std::optional<QString> DiskInfoViewController::accessibleNameForSliceAtIndex(PieChart &chart,
+                                                                             int index)
 {
-    const QString size = stringFromByteCount(static_cast<qint64>(valueForSliceAtIndex(chart, index)));
+    const QString size =
+        stringFromByteCount(static_cast<qint64>(valueForSliceAtIndex(chart, index)));
     return index == kSliceOfFreeSpace ? tr("%1 free").arg(size) : tr("%1 used").arg(size);
 }

@@ -149,7 +149,8 @@ bool FinalViewController::canSelectSliceAtIndex(PieChart &, int index)
 QString FinalViewController::addressOfSlice(int index) const
 {
     const Addresses &addresses = m_services.addresses;
-    return QStringList{QString(), addresses.facebook, addresses.twitter, addresses.homePage}.value(index);
+    return QStringList{QString(), addresses.facebook, addresses.twitter, addresses.homePage}.value(
+        index);
 }
 
 void FinalViewController::didSelectSliceAtIndex(PieChart &, int index)

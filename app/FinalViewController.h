@@ -34,7 +34,8 @@ public:
         LabelController::Reader readVolume = startUpVolumeSizes;
     };
 
-    FinalViewController(const InterfaceLoader &loader, Services services, QObject *parent = nullptr);
+    FinalViewController(const InterfaceLoader &loader, Services services,
+                        QObject *parent = nullptr);
 
     PieChart *pieChart() const { return m_pieChart; }
     StartButton *scanAgainButton() const { return m_scanAgainButton; }

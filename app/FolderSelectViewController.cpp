@@ -35,7 +35,8 @@ FolderSelectViewController::FolderSelectViewController(const InterfaceLoader &lo
 {
     m_forwardTimer.setSingleShot(true);
     m_forwardTimer.setInterval(kPauseBeforeNextPage);
-    connect(&m_forwardTimer, &QTimer::timeout, this, &FolderSelectViewController::goForwardIfGranted);
+    connect(&m_forwardTimer, &QTimer::timeout, this,
+            &FolderSelectViewController::goForwardIfGranted);
 }
 
 void FolderSelectViewController::viewDidLoad()
@@ -44,7 +45,8 @@ void FolderSelectViewController::viewDidLoad()
     m_homeCheck = outlet<ImageView>(*view(), "homeCheck");
     m_homeButton->setImageName(QStringLiteral("welcomeHome"));
     m_homeCheck->setImageName(QStringLiteral("welcomeCheck"));
-    connect(m_homeButton, &ImageButton::clicked, this, &FolderSelectViewController::selectHomeFolder);
+    connect(m_homeButton, &ImageButton::clicked, this,
+            &FolderSelectViewController::selectHomeFolder);
     updateUI();
 }
 
@@ -107,14 +109,14 @@ void FolderSelectViewController::storeGrant(const QString &key, const QByteArray
 
 void FolderSelectViewController::showGrantError(const QByteArray &path, int error)
 {
-    const QString text = error == EPERM
-                             ? tr("Vantor may not work in this folder.")
-                             : textOf(error);
+    const QString text = error == EPERM ? tr("Vantor may not work in this folder.") : textOf(error);
     qCInfo(logVantor).noquote() << QStringLiteral("Error: %1").arg(text);
-    presentAlert(*view(), {.style = AlertStyle::Warning,
-                           .messageText = tr("The folder “%1” could not be used.")
-                                              .arg(QString::fromUtf8(lastComponent(path))),
-                           .informativeText = text});
+    presentAlert(
+        *view(),
+        {.style = AlertStyle::Warning,
+         .messageText =
+             tr("The folder “%1” could not be used.").arg(QString::fromUtf8(lastComponent(path))),
+         .informativeText = text});
 }
 
 void FolderSelectViewController::updateUI()

@@ -17,8 +17,9 @@ QString explanation(GrantFailure failure)
     case GrantFailure::Damaged:
         return tr("Vantor’s record of the folder that you chose is damaged.");
     case GrantFailure::Gone:
-        return tr("The folder that you chose is not where it was. It may have been moved, renamed or "
-                  "removed, or its disk is not connected.");
+        return tr(
+            "The folder that you chose is not where it was. It may have been moved, renamed or "
+            "removed, or its disk is not connected.");
     case GrantFailure::Replaced:
         return tr("There is another folder now where the one was that you chose.");
     case GrantFailure::Unreadable:
@@ -36,8 +37,8 @@ Alert grantAlert(GrantFailure failure)
 {
     return {.style = AlertStyle::Warning,
             .messageText = tr("Vantor cannot use your home folder."),
-            .informativeText = explanation(failure) + u'\n'
-                               + tr("Nothing is measured or deleted until you choose it again."),
+            .informativeText = explanation(failure) + u'\n' +
+                               tr("Nothing is measured or deleted until you choose it again."),
             .buttons = {{tr("Choose Again…")}, {tr("Not Now"), AlertButtonRole::Cancel}}};
 }
 
@@ -45,7 +46,8 @@ Alert grantNotInForceAlert()
 {
     return {.style = AlertStyle::Informational,
             .messageText = tr("The new home folder is used from the next start."),
-            .informativeText = tr("Vantor has already worked in another folder since it was started, "
-                                  "and stays away from both until then."),
+            .informativeText =
+                tr("Vantor has already worked in another folder since it was started, "
+                   "and stays away from both until then."),
             .buttons = {{tr("Restart Vantor")}, {tr("Not Now"), AlertButtonRole::Cancel}}};
 }

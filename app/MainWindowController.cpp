@@ -10,7 +10,6 @@
 #include "platform/Workspace.h"
 #include "prefs/ColorWindow.h"
 
-
 namespace {
 
 std::unique_ptr<ColorWindow> loadedWindow(const InterfaceLoader &loader)
@@ -118,7 +117,8 @@ ViewController *MainWindowController::currentViewController() const
     return m_navigationController->visibleViewController();
 }
 
-void MainWindowController::willGoForward(VNTViewController &page, bool forward, const QVariant &data)
+void MainWindowController::willGoForward(VNTViewController &page, bool forward,
+                                         const QVariant &data)
 {
     if (forward) {
         goForward(page, data);

@@ -45,8 +45,9 @@ public:
     static void startAccessing();
     static void stopAccessing();
 
-    /// The same, for the engines; may be handed out before there is a grant. anchoredPath() knows the URLs at and below homeFolder(), compared
-    /// by the bytes of their paths. Lives as long as the program.
+    /// The same, for the engines; may be handed out before there is a grant. anchoredPath() knows
+    /// the URLs at and below homeFolder(), compared by the bytes of their paths. Lives as long as
+    /// the program.
     static FileAccess &access();
 
     /// How many starts have not been stopped yet.

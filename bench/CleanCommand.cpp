@@ -91,12 +91,11 @@ bool cleanOne(const QString &path, const ExcludedPaths &excluded)
     const double seconds = double(timer.nsecsElapsed()) / 1e9;
 
     complain(report);
-    const QJsonObject line{
-        {QStringLiteral("path"), path},
-        {QStringLiteral("bytes"), bytes},
-        {QStringLiteral("items"), qint64(report.removedItems)},
-        {QStringLiteral("seconds"), seconds},
-        {QStringLiteral("peak_rss_bytes"), peakResidentBytes()}};
+    const QJsonObject line{{QStringLiteral("path"), path},
+                           {QStringLiteral("bytes"), bytes},
+                           {QStringLiteral("items"), qint64(report.removedItems)},
+                           {QStringLiteral("seconds"), seconds},
+                           {QStringLiteral("peak_rss_bytes"), peakResidentBytes()}};
     std::puts(QJsonDocument(line).toJson(QJsonDocument::Compact).constData());
     return report.failureCount == 0 && report.refusalCount == 0;
 }

@@ -17,7 +17,8 @@ QUrl urlOf(const FileUrl &url)
 QUrl folderOf(const FileUrl &url)
 {
     const QByteArray path = url.path();
-    return urlOf(FileUrl::fromPath(path.left(qMax<qsizetype>(path.lastIndexOf('/'), 1)), FileUrlKind::Folder));
+    return urlOf(FileUrl::fromPath(path.left(qMax<qsizetype>(path.lastIndexOf('/'), 1)),
+                                   FileUrlKind::Folder));
 }
 
 QDBusMessage showItemsMessage(const FileUrls &urls)
@@ -26,7 +27,8 @@ QDBusMessage showItemsMessage(const FileUrls &urls)
     for (const FileUrl &url : urls)
         items.append(QString::fromLatin1(url.absoluteString()));
     QDBusMessage message = QDBusMessage::createMethodCall(
-        QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("/org/freedesktop/FileManager1"),
+        QStringLiteral("org.freedesktop.FileManager1"),
+        QStringLiteral("/org/freedesktop/FileManager1"),
         QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("ShowItems"));
     message.setArguments({items, QString()});
     return message;
@@ -51,9 +53,11 @@ void Workspace::activateFileViewerSelectingUrls(const FileUrls &urls)
     const QDBusPendingCall call =
         QDBusConnection::sessionBus().asyncCall(showItemsMessage(urls), kAnswerLimit);
     auto *watcher = new QDBusPendingCallWatcher(call, this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher, folder = folderOf(urls.constFirst())] {
-        if (watcher->isError()) // no file manager that selects; the folder alone is better than nothing
-            openUrl(folder);
-        watcher->deleteLater();
-    });
+    connect(watcher, &QDBusPendingCallWatcher::finished, this,
+            [this, watcher, folder = folderOf(urls.constFirst())] {
+                if (watcher->isError()) // no file manager that selects; the folder alone is better
+                                        // than nothing
+                    openUrl(folder);
+                watcher->deleteLater();
+            });
 }

@@ -61,9 +61,10 @@ QString confirmationText(const std::vector<std::shared_ptr<Info>> &records)
         if (record->isOn())
             list += QStringLiteral("• %1\n").arg(record->name());
     }
-    return list + u'\n' + tr("Are you sure you want to permanently erase the items you’ve selected and that are "
-                     "in colored slices? You cannot undo this action and we recommend backing up "
-                     "before continuing.");
+    return list + u'\n' +
+           tr("Are you sure you want to permanently erase the items you’ve selected and that are "
+              "in colored slices? You cannot undo this action and we recommend backing up "
+              "before continuing.");
 }
 
 QString leftAloneText(const CleaningReport &report)

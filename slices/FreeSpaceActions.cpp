@@ -1,8 +1,8 @@
 // What the user does on the page of the slices: choosing, looking closer, cleaning.
 
-#include "chart/PieChart.h"
 #include "app/PageViews.h"
 #include "app/UserDefaults.h"
+#include "chart/PieChart.h"
 #include "platform/Alert.h"
 #include "platform/ByteCount.h"
 #include "platform/Log.h"
@@ -32,7 +32,8 @@ void FreeSpaceViewController::didSelectSliceAtIndex(PieChart &, int index)
     if (m_isCleaning || index == indexOf(SliceKind::LargeFiles))
         return;
     if (m_selection.toggle(index) == SliceSelection::Toggle::Excluded)
-        showMessage(tr("To enable this slice, please remove it's excluded folder from preferences."));
+        showMessage(
+            tr("To enable this slice, please remove it's excluded folder from preferences."));
     m_selection.updateSelectedSlicesUserDefaults();
     m_pieChart->reloadData();
     updateButtonText();
@@ -144,12 +145,13 @@ bool FreeSpaceViewController::mayClean()
     UserDefaults &defaults = m_services.defaults;
     if (defaults.exclusionsAreKnown())
         return m_services.grantIsUsable();
-    const Alert alert{.style = AlertStyle::Warning,
-                      .messageText = tr("Cleaning is off until you have checked your excluded paths."),
-                      .informativeText = unknownExclusionsText(defaults.damageMessage(),
-                                                               m_selection.excludedPaths()),
-                      .buttons = {{tr("Cancel"), AlertButtonRole::Cancel},
-                                  {tr("These Are Right"), AlertButtonRole::Destructive}}};
+    const Alert alert{
+        .style = AlertStyle::Warning,
+        .messageText = tr("Cleaning is off until you have checked your excluded paths."),
+        .informativeText =
+            unknownExclusionsText(defaults.damageMessage(), m_selection.excludedPaths()),
+        .buttons = {{tr("Cancel"), AlertButtonRole::Cancel},
+                    {tr("These Are Right"), AlertButtonRole::Destructive}}};
     presentAlert(*view(), alert, [&defaults](int button) {
         if (button == 1)
             defaults.confirmExclusions();

@@ -124,7 +124,8 @@ void FreeSpaceViewController::showTutorialUnlessDeclined()
 DemoWindowController &FreeSpaceViewController::demoWindowController()
 {
     if (!m_demoWindowController)
-        m_demoWindowController = std::make_unique<DemoWindowController>(m_loader, m_services.defaults);
+        m_demoWindowController =
+            std::make_unique<DemoWindowController>(m_loader, m_services.defaults);
     return *m_demoWindowController;
 }
 
@@ -159,6 +160,6 @@ std::optional<QColor> FreeSpaceViewController::colorForSliceAtIndex(PieChart &, 
 std::optional<QColor> FreeSpaceViewController::secondaryColorForSliceAtIndex(PieChart &, int index)
 {
     const bool isOn = m_selection.records().at(index)->isOn();
-    return colorOf(isOn ? sliceCatalogue()[index % kSliceCount].secondaryColor : kOffSecondaryColor);
+    return colorOf(isOn ? sliceCatalogue()[index % kSliceCount].secondaryColor
+                        : kOffSecondaryColor);
 }
-

@@ -83,7 +83,7 @@ private:
     bool m_isOn = true;
     Services m_services;
 
-    std::mutex m_measuring; ///< held while the places are walked for the size text
+    std::mutex m_measuring;     ///< held while the places are walked for the size text
     mutable std::mutex m_mutex; ///< guards what the measuring threads share with the main thread
     std::optional<FileUrls> m_fileURLs;
     std::optional<QString> m_fileSizeString;

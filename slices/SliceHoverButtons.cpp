@@ -9,8 +9,8 @@
 namespace {
 
 constexpr int kButtonSize = 25;
-constexpr int kInset = 26;       ///< from the pie's edge to the ring of buttons
-constexpr double kOffset = 12;   ///< half a button, so that its middle lies on the ring
+constexpr int kInset = 26;         ///< from the pie's edge to the ring of buttons
+constexpr double kOffset = 12;     ///< half a button, so that its middle lies on the ring
 constexpr double kInfoLead = 0.08; ///< radians before the slice's end
 constexpr double kRevealLead = 0.21;
 

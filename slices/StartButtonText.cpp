@@ -18,8 +18,8 @@ AttributedText startButtonSizeText(const QString &sizeText)
 {
     const QString unit = sizeText.section(u' ', -1);
     const QString unitPart = unit == QStringLiteral("bytes") ? QStringLiteral(" B") : u' ' + unit;
-    return {{sizeText.section(u' ', 0, 0), interfaceFont(Typeface::Light, kNumberPoints), kNumberColor,
-             Qt::AlignHCenter},
+    return {{sizeText.section(u' ', 0, 0), interfaceFont(Typeface::Light, kNumberPoints),
+             kNumberColor, Qt::AlignHCenter},
             {unitPart, interfaceFont(Typeface::Thin, kUnitPoints), kUnitColor}};
 }
 

@@ -42,7 +42,8 @@ void TestDiskInfoViewController::init()
     m_volume = {1000, 250};
     m_delegate.moves.clear();
     m_fixture = std::make_unique<PageFixture>();
-    m_page = std::make_unique<DiskInfoViewController>(m_fixture->loader(), [this] { return m_volume; });
+    m_page =
+        std::make_unique<DiskInfoViewController>(m_fixture->loader(), [this] { return m_volume; });
     m_page->view()->show();
     m_page->setDelegate(&m_delegate);
 }

@@ -15,9 +15,10 @@
 
 namespace {
 
-const Addresses kAddresses{QStringLiteral("http://first.invalid/"),  QStringLiteral("http://launch.invalid/"),
-                           QStringLiteral("http://cleaning.invalid/"), QStringLiteral("http://f.invalid/"),
-                           QStringLiteral("http://t.invalid/"),      QStringLiteral("http://home.invalid/")};
+const Addresses kAddresses{
+    QStringLiteral("http://first.invalid/"),    QStringLiteral("http://launch.invalid/"),
+    QStringLiteral("http://cleaning.invalid/"), QStringLiteral("http://f.invalid/"),
+    QStringLiteral("http://t.invalid/"),        QStringLiteral("http://home.invalid/")};
 
 class RecordingStats final : public StatsUpdater
 {
@@ -142,8 +143,9 @@ void TestFinalViewController::drawsAFanOfThreeLinks()
     const QList<double> values{2, 1, 1, 1, 2};
     const QList<QColor> colors{Qt::transparent, QColor(66, 96, 166), QColor(91, 194, 230),
                                QColor(64, 145, 190), Qt::transparent};
-    const QStringList images{QString(), QStringLiteral("socialFacebook"), QStringLiteral("socialTwitter"),
-                             QStringLiteral("socialAppStoreLink"), QString()};
+    const QStringList images{QString(), QStringLiteral("socialFacebook"),
+                             QStringLiteral("socialTwitter"), QStringLiteral("socialAppStoreLink"),
+                             QString()};
     for (int i = 0; i < 5; ++i) {
         QCOMPARE(m_page->valueForSliceAtIndex(chart, i), values[i]);
         QCOMPARE(*m_page->colorForSliceAtIndex(chart, i), colors[i]);
@@ -158,7 +160,8 @@ void TestFinalViewController::opensOnePageForEachLink()
     for (int i = 0; i < 5; ++i)
         m_page->didSelectSliceAtIndex(*m_page->pieChart(), i);
     QCOMPARE(m_fixture->workspace().opened,
-             QList<QUrl>({QUrl(kAddresses.facebook), QUrl(kAddresses.twitter), QUrl(kAddresses.homePage)}));
+             QList<QUrl>(
+                 {QUrl(kAddresses.facebook), QUrl(kAddresses.twitter), QUrl(kAddresses.homePage)}));
 }
 
 void TestFinalViewController::showsTheAddressWhenNoBrowserStarts()

@@ -75,27 +75,26 @@ void TestMainWindowController::cleanup()
 
 void TestMainWindowController::makeController()
 {
-    m_controller = std::make_unique<MainWindowController>(MainWindowController::Services{
-        .loader = m_fixture->loader(),
-        .defaults = m_fixture->defaults(),
-        .stats = m_stats,
-        .workspace = m_fixture->workspace(),
-        .calls = hostSystemCalls(),
-        .access = ResourceManager::access(),
-        .excludedFilesChanged = m_excludedFilesChanged,
-        .addresses = {},
-        .realHomeDirectory = [this] { return m_fixture->home(); },
-        .readVolume = PageFixture::madeVolume(),
-        .restart = [this] { ++m_restarts; }});
+    m_controller = std::make_unique<MainWindowController>(
+        MainWindowController::Services{.loader = m_fixture->loader(),
+                                       .defaults = m_fixture->defaults(),
+                                       .stats = m_stats,
+                                       .workspace = m_fixture->workspace(),
+                                       .calls = hostSystemCalls(),
+                                       .access = ResourceManager::access(),
+                                       .excludedFilesChanged = m_excludedFilesChanged,
+                                       .addresses = {},
+                                       .realHomeDirectory = [this] { return m_fixture->home(); },
+                                       .readVolume = PageFixture::madeVolume(),
+                                       .restart = [this] { ++m_restarts; }});
     m_controller->showWindow();
 }
 
 bool TestMainWindowController::waitForPage(const VNTViewController &page)
 {
-    return QTest::qWaitFor([&] { return m_controller->currentViewController() == &page; })
-           && QTest::qWaitFor([&] {
-                  return const_cast<VNTViewController &>(page).view()->isVisible();
-              });
+    return QTest::qWaitFor([&] { return m_controller->currentViewController() == &page; }) &&
+           QTest::qWaitFor(
+               [&] { return const_cast<VNTViewController &>(page).view()->isVisible(); });
 }
 
 void TestMainWindowController::opensOnTheFirstPageWithoutGrant()

@@ -299,8 +299,8 @@ void TestResourceManager::endsTheProgramWithoutAValidGrant_data()
     QTest::addRow("damaged") << StoredGrant("bytes") << homeFolder;
     QTest::addRow("on start") << StoredGrant() << Use([] { ResourceManager::startAccessing(); });
     QTest::addRow("on stop") << StoredGrant() << Use([] { ResourceManager::stopAccessing(); });
-    QTest::addRow("on access")
-        << StoredGrant() << Use([] { ResourceManager::access().startAccessing(); });
+    QTest::addRow("on access") << StoredGrant()
+                               << Use([] { ResourceManager::access().startAccessing(); });
     QTest::addRow("no source") << StoredGrant() << Use([] {
         ResourceManagerReset::beginRun();
         ResourceManager::homeFolder();

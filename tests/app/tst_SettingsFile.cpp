@@ -266,15 +266,16 @@ void TestSettingsFile::aFileOfAnotherUserStays()
     constexpr QFile::Permissions kEverybody(0x7777);
     QVERIFY(QFile::setPermissions(folder.path(), kEverybody));
     QVERIFY(QFile::setPermissions(folder.file(), {}));
-    const int answer = runInChild(ChildUser::Nobody, [&folder] {
-        SettingsFile file = folder.settings();
-        const SettingsContent content = file.load();
-        if (content.damage.isEmpty())
-            return 1;
-        if (file.save(settingsText(content), kKnown).isWell())
-            return 2;
-        return file.save(settingsText(content), Replace::Anything).isWell() ? 0 : 3;
-    }).exitCode;
+    const int answer =
+        runInChild(ChildUser::Nobody, [&folder] {
+            SettingsFile file = folder.settings();
+            const SettingsContent content = file.load();
+            if (content.damage.isEmpty())
+                return 1;
+            if (file.save(settingsText(content), kKnown).isWell())
+                return 2;
+            return file.save(settingsText(content), Replace::Anything).isWell() ? 0 : 3;
+        }).exitCode;
     QCOMPARE(answer, 0);
     QCOMPARE(folder.badFiles().size(), 1);
     QVERIFY(SettingsFolder::raw(folder.path(folder.badFiles().first())).contains("file:///two"));

@@ -57,10 +57,10 @@ public:
 
     bool take()
     {
-        return step("grant the home folder", grant()) && step("see the disk", seeDisk())
-               && step("measure the slices", measure())
-               && step("read the tutorial", readTutorial()) && step("choose Downloads", choose())
-               && step("clean", clean()) && step("see what was freed", seeResult());
+        return step("grant the home folder", grant()) && step("see the disk", seeDisk()) &&
+               step("measure the slices", measure()) && step("read the tutorial", readTutorial()) &&
+               step("choose Downloads", choose()) && step("clean", clean()) &&
+               step("see what was freed", seeResult());
     }
 
 private:
@@ -118,7 +118,8 @@ private:
 
     bool choose()
     {
-        if (!m_journey.clickSlice(SliceKind::Downloads) || !m_journey.hoverSlice(SliceKind::Downloads))
+        if (!m_journey.clickSlice(SliceKind::Downloads) ||
+            !m_journey.hoverSlice(SliceKind::Downloads))
             return false;
         takePicture(QStringLiteral("4-slices"));
         return true;
@@ -133,8 +134,8 @@ private:
     bool seeResult()
     {
         FinalViewController &page = m_journey.controller().finalPage();
-        if (!m_journey.waitForPage(page)
-            || !QTest::qWaitFor([&] { return alphaValue(*page.sizeLabel()) == 1; }))
+        if (!m_journey.waitForPage(page) ||
+            !QTest::qWaitFor([&] { return alphaValue(*page.sizeLabel()) == 1; }))
             return false;
         takePicture(QStringLiteral("5-result"));
         const qint64 after = bytesPresent(m_home);

@@ -89,12 +89,12 @@ void TestCleaningJourney::start()
 bool TestCleaningJourney::reachSlices()
 {
     MainWindowController &controller = m_journey->controller();
-    if (!m_application->defaults().hasInitializedFolders()
-        && !(m_journey->waitForPage(controller.folderSelectPage())
-             && m_journey->chooseHome(m_home->path())))
+    if (!m_application->defaults().hasInitializedFolders() &&
+        !(m_journey->waitForPage(controller.folderSelectPage()) &&
+          m_journey->chooseHome(m_home->path())))
         return false;
-    return m_journey->waitForPage(controller.diskInfoPage()) && m_journey->pressStart()
-           && m_journey->waitForPage(controller.freeSpacePage()) && m_journey->waitForMeasures();
+    return m_journey->waitForPage(controller.diskInfoPage()) && m_journey->pressStart() &&
+           m_journey->waitForPage(controller.freeSpacePage()) && m_journey->waitForMeasures();
 }
 
 QList<QByteArray> TestCleaningJourney::keptAfter(const QList<SliceKind> &cleaned) const
@@ -121,7 +121,8 @@ void TestCleaningJourney::grantsMeasuresCleansAndShows()
     qint64 expected = 0;
     for (int slice = 0; slice < kSliceCount; ++slice) {
         const auto &record = m_journey->controller().freeSpacePage().selection().records()[slice];
-        QCOMPARE(record->fileSize(), slice == indexOf(SliceKind::LargeFiles) ? 0 : m_home->bytesShownFor(slice));
+        QCOMPARE(record->fileSize(),
+                 slice == indexOf(SliceKind::LargeFiles) ? 0 : m_home->bytesShownFor(slice));
         expected += record->isOn() ? m_home->bytesShownFor(slice) : 0;
     }
     QVERIFY(m_journey->pressClean(QStringLiteral("Delete Files")));

@@ -59,10 +59,10 @@ void TestFreeSpaceViewController::init()
     m_fixture->defaults().setBoolean(VNTHideDemoWindowString, true);
     m_page = std::make_unique<FreeSpaceViewController>(
         m_fixture->loader(),
-        FreeSpaceViewController::Services{
-            m_fixture->defaults(), hostSystemCalls(), ResourceManager::access(),
-            m_fixture->workspace(), m_excludedFilesChanged, &ResourceManager::homeFolder, [] { return true; },
-            PageFixture::madeVolume()});
+        FreeSpaceViewController::Services{m_fixture->defaults(), hostSystemCalls(),
+                                          ResourceManager::access(), m_fixture->workspace(),
+                                          m_excludedFilesChanged, &ResourceManager::homeFolder,
+                                          [] { return true; }, PageFixture::madeVolume()});
     m_page->setDelegate(&m_delegate);
     m_page->view()->show();
     QVERIFY(QTest::qWaitForWindowExposed(m_page->view()));
@@ -172,9 +172,10 @@ void TestFreeSpaceViewController::refusesAnExcludedSliceEachTime()
     for (int click = 0; click < 2; ++click) {
         m_page->didSelectSliceAtIndex(*m_page->pieChart(), 0);
         QVERIFY(!m_page->selection().record(SliceKind::Trash).isOn());
-        QVERIFY(sheetText(*m_page->view())
-                    .contains(QStringLiteral("To enable this slice, please remove it's excluded folder "
-                                             "from preferences.")));
+        QVERIFY(
+            sheetText(*m_page->view())
+                .contains(QStringLiteral("To enable this slice, please remove it's excluded folder "
+                                         "from preferences.")));
         QVERIFY(pressSheetButton(*m_page->view(), QStringLiteral("OK")));
     }
 }
@@ -245,7 +246,8 @@ void TestFreeSpaceViewController::explainsAndRevealsTheHoveredSlice()
              QString::fromUtf8(m_fixture->home() + "/.Trash/"));
     hover(SliceKind::Downloads);
     m_page->showInFinder();
-    QCOMPARE(m_fixture->workspace().revealed.value(0).value(0).path(), m_fixture->home() + "/Downloads");
+    QCOMPARE(m_fixture->workspace().revealed.value(0).value(0).path(),
+             m_fixture->home() + "/Downloads");
     m_page->showInfo();
     QVERIFY(m_page->view()->window()->findChild<Popover *>());
 }

@@ -49,7 +49,8 @@ void TestSliceSelection::init()
 {
     m_fixture = std::make_unique<PageFixture>();
     m_fixture->grantHome();
-    m_selection = std::make_unique<SliceSelection>(m_fixture->defaults(), ResourceManager::access());
+    m_selection =
+        std::make_unique<SliceSelection>(m_fixture->defaults(), ResourceManager::access());
     m_selection->rebuild(m_fixture->homeUrl(), {});
 }
 
@@ -90,7 +91,8 @@ void TestSliceSelection::restoresAStoredSelection_data()
     const QList<bool> some{false, false, false, true, false, true, false, true};
     QTest::addRow("eight") << some << some;
     QTest::addRow("none at all") << QList<bool>() << all;
-    QTest::addRow("one") << QList<bool>{false} << QList<bool>{false, false, true, true, true, true, true, true};
+    QTest::addRow("one") << QList<bool>{false}
+                         << QList<bool>{false, false, true, true, true, true, true, true};
     QTest::addRow("longer than eight") << (some + QList<bool>{true, true}) << some;
     QTest::addRow("large files on") << QList<bool>{true, true} << all;
 }

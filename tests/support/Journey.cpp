@@ -37,13 +37,15 @@ void clickInWindow(QWidget &widget, QPoint position)
 
 } // namespace
 
-Journey::Journey(AppDelegate &application) : m_application(application) {}
+Journey::Journey(AppDelegate &application) : m_application(application)
+{
+}
 
 bool Journey::waitForPage(ViewController &page)
 {
     return waitFor([&] {
-        return controller().currentViewController() == &page && page.view()->isVisible()
-               && alphaValue(*page.view()) == 1 && standsStill(page);
+        return controller().currentViewController() == &page && page.view()->isVisible() &&
+               alphaValue(*page.view()) == 1 && standsStill(page);
     });
 }
 
@@ -117,8 +119,8 @@ bool Journey::waitForSheet()
     // Fully out: its upper edge has come down to where sheets hang.
     return waitFor([this] {
         const QWidget *panel = sheetPanel(window());
-        return panel && panel->isVisible()
-               && panel->mapTo(&window(), QPoint()).y() >= sheetDrop(window());
+        return panel && panel->isVisible() &&
+               panel->mapTo(&window(), QPoint()).y() >= sheetDrop(window());
     });
 }
 
@@ -136,8 +138,8 @@ bool Journey::declineTutorial()
 
 bool Journey::pressClean(const QString &answer)
 {
-    return clickButton(*controller().freeSpacePage().startButton())
-           && pressSheetButton(window(), answer);
+    return clickButton(*controller().freeSpacePage().startButton()) &&
+           pressSheetButton(window(), answer);
 }
 
 bool Journey::scanAgain()

@@ -2,8 +2,8 @@
 
 #include <QAbstractButton>
 #include <QLabel>
-#include <QWidget>
 #include <QTest>
+#include <QWidget>
 
 #include "platform/Sheet.h"
 

@@ -1,0 +1,176 @@
+#include "app/AppDelegate.h"
+
+#include "app/SettingsKeys.h"
+#include "prefs/ColorWindow.h"
+#include "prefs/PreferencesWindowController.h"
+#include "tests/support/GuiTestMain.h"
+#include "tests/support/LogRecorder.h"
+#include "tests/support/RecordingServer.h"
+#include "tests/support/ResourceManagerReset.h"
+#include "tests/support/ScratchFolder.h"
+#include "tests/support/SheetDriver.h"
+
+#include <QDir>
+#include <QSignalSpy>
+
+/// The start of the program, with a server of the test's own in place of the maker's pages.
+class TestAppDelegate final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void reportsTheFirstLaunchAndTheLaunch();
+    void reportsLaterLaunchesOnce();
+    void startsWithoutNetwork();
+    void showsTheWindowAndSaysSo();
+    void registersTheDefaults();
+    void opensThePreferencesOnce();
+    void quitsWhenTheWindowIsClosed();
+    void keepsWhatWasSetWhenItTerminates();
+    void tellsOfDamagedSettings();
+
+private:
+    void start();
+    QStringList pathsAsked() const;
+
+    std::unique_ptr<ScratchFolder> m_folder;
+    std::unique_ptr<RecordingServer> m_server;
+    Addresses m_addresses;
+    std::unique_ptr<AppDelegate> m_application;
+};
+
+void TestAppDelegate::init()
+{
+    m_folder = std::make_unique<ScratchFolder>();
+    m_server = std::make_unique<RecordingServer>();
+    m_addresses = {};
+    m_addresses.firstLaunchPing = m_server->address(QStringLiteral("/first"));
+    m_addresses.launchPing = m_server->address(QStringLiteral("/launch"));
+}
+
+void TestAppDelegate::cleanup()
+{
+    m_application.reset();
+    m_server.reset();
+    m_folder.reset();
+}
+
+void TestAppDelegate::start()
+{
+    m_application.reset();
+    ResourceManagerReset::beginRun();
+    AppDelegate::Configuration configuration;
+    configuration.settingsFolder = QFile::decodeName(m_folder->path("settings"));
+    configuration.addresses = m_addresses;
+    configuration.pingHelper.program.clear();
+    configuration.realHomeDirectory = [] { return QByteArray("/home/anna"); };
+    m_application = std::make_unique<AppDelegate>(std::move(configuration));
+    m_application->applicationDidFinishLaunching();
+}
+
+QStringList TestAppDelegate::pathsAsked() const
+{
+    return m_server->requests();
+}
+
+void TestAppDelegate::reportsTheFirstLaunchAndTheLaunch()
+{
+    LogRecorder log;
+    start();
+    QVERIFY(log.lines().contains(QStringLiteral("Here")));
+    QVERIFY(m_application->defaults().boolean(VNTHasLaunchedBeforeString));
+    QTRY_COMPARE(pathsAsked(), QStringList({QStringLiteral("/first"), QStringLiteral("/launch")}));
+}
+
+void TestAppDelegate::reportsLaterLaunchesOnce()
+{
+    start();
+    QTRY_COMPARE(pathsAsked().size(), 2);
+    m_application->applicationWillTerminate();
+    start();
+    QTRY_COMPARE(pathsAsked(), QStringList({QStringLiteral("/first"), QStringLiteral("/launch"),
+                                            QStringLiteral("/launch")}));
+}
+
+void TestAppDelegate::startsWithoutNetwork()
+{
+    m_server.reset(); // nobody listens any more
+    LogRecorder log;
+    start();
+    QVERIFY(m_application->mainWindowController().window().isVisible());
+    QTRY_COMPARE(log.lines().filter(QStringLiteral("Error: ")).size(), 2);
+    QVERIFY(m_application->defaults().boolean(VNTHasLaunchedBeforeString));
+    QVERIFY(!hasSheet(m_application->mainWindowController().window()));
+}
+
+void TestAppDelegate::showsTheWindowAndSaysSo()
+{
+    LogRecorder log;
+    start();
+    QVERIFY(m_application->mainWindowController().window().isVisible());
+    QCOMPARE(log.lines().constLast(), QStringLiteral("Finisheid"));
+}
+
+void TestAppDelegate::registersTheDefaults()
+{
+    start();
+    const UserDefaults &defaults = m_application->defaults();
+    QCOMPARE(defaults.booleans(VNTSelectedSlicesString),
+             QList<bool>({true, false, true, true, true, false, false, false}));
+    QVERIFY(!defaults.isStored(VNTSelectedSlicesString));
+    QCOMPARE(defaults.integer(VNTTotalCleanedSize), 0);
+    QVERIFY(!defaults.boolean(VNTHideDemoWindowString));
+}
+
+void TestAppDelegate::opensThePreferencesOnce()
+{
+    start();
+    m_application->openPreferences();
+    QWidget *first = m_application->preferencesWindowController().window();
+    QVERIFY(first->isVisible());
+    first->close();
+    m_application->openPreferences();
+    QCOMPARE(m_application->preferencesWindowController().window(), first);
+    QVERIFY(first->isVisible());
+}
+
+void TestAppDelegate::quitsWhenTheWindowIsClosed()
+{
+    start();
+    QVERIFY(m_application->applicationShouldTerminateAfterLastWindowClosed());
+    m_application->openPreferences();
+    QSignalSpy quit(qApp, &QGuiApplication::lastWindowClosed);
+    m_application->mainWindowController().window().close();
+    QTRY_COMPARE(quit.size(), 1);
+}
+
+void TestAppDelegate::keepsWhatWasSetWhenItTerminates()
+{
+    start();
+    m_application->defaults().setInteger(VNTTotalCleanedSize, 77);
+    m_application->applicationWillTerminate();
+    const UserDefaults again(QFile::decodeName(m_folder->path("settings")), hostSystemCalls());
+    QCOMPARE(again.integer(VNTTotalCleanedSize), 77);
+}
+
+void TestAppDelegate::tellsOfDamagedSettings()
+{
+    m_folder->makeFolder("settings");
+    start();
+    m_application->applicationWillTerminate();
+    m_application.reset();
+    for (const QString &name :
+         QDir(QFile::decodeName(m_folder->path("settings"))).entryList(QDir::Files))
+        QVERIFY(QFile(QFile::decodeName(m_folder->path("settings/")) + name).resize(5));
+    start();
+    QVERIFY(!m_application->defaults().exclusionsAreKnown());
+    ColorWindow &window = m_application->mainWindowController().window();
+    QTRY_VERIFY(hasSheet(window));
+    QVERIFY(sheetText(window).contains(QStringLiteral("Cleaning is off")));
+}
+
+VANTOR_GUI_TEST_MAIN(TestAppDelegate)
+#include "tst_AppDelegate.moc"

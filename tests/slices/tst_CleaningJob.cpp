@@ -1,0 +1,155 @@
+#include "slices/CleaningJob.h"
+
+#include "app/ResourceManager.h"
+#include "slices/ExcludedPaths.h"
+#include "slices/FolderSizing.h"
+#include "slices/SliceCatalogue.h"
+#include "tests/support/ForwardingSystemCalls.h"
+#include "tests/support/GuiTestMain.h"
+#include "tests/support/PageFixture.h"
+
+#include <QRegularExpression>
+#include <QSignalSpy>
+#include <QThread>
+#include <atomic>
+#include <cerrno>
+#include <future>
+
+class TestCleaningJob final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void emptiesFoldersAndKeepsThem();
+    void removesTheVeryFilesOfBrowserData();
+    void measuresBeforeItRemoves();
+    void tellsOnTheMainThread();
+    void logsAndLeavesWhatIsLocked();
+    void stopsWhenItIsDestroyed();
+
+private:
+    std::shared_ptr<Info> record(SliceKind kind) const;
+    CleaningReport clean(const std::vector<std::shared_ptr<Info>> &chosen);
+
+    std::unique_ptr<PageFixture> m_fixture;
+    ForwardingSystemCalls m_calls;
+};
+
+void TestCleaningJob::init()
+{
+    m_calls.setHook({});
+    m_fixture = std::make_unique<PageFixture>();
+    m_fixture->grantHome();
+}
+
+void TestCleaningJob::cleanup()
+{
+    QCOMPARE(ResourceManager::accessCount(), 0);
+    m_fixture.reset();
+}
+
+std::shared_ptr<Info> TestCleaningJob::record(SliceKind kind) const
+{
+    const auto measure = [](const FileUrl &url) {
+        return sizeForFolderAtPath(hostSystemCalls(), ResourceManager::access(), url);
+    };
+    return Info::infoWithName(QString::fromUtf16(sliceCatalogue()[indexOf(kind)].name),
+                              sliceLocations(kind, m_fixture->homeUrl()), {measure, nullptr});
+}
+
+CleaningReport TestCleaningJob::clean(const std::vector<std::shared_ptr<Info>> &chosen)
+{
+    CleaningJob job(m_calls, ResourceManager::access());
+    CleaningReport report;
+    QSignalSpy finished(&job, &CleaningJob::finished);
+    connect(&job, &CleaningJob::finished, this, [&](const CleaningReport &done) { report = done; });
+    job.start(chosen, {});
+    if (!finished.wait())
+        qFatal("the cleaning did not end");
+    return report;
+}
+
+void TestCleaningJob::emptiesFoldersAndKeepsThem()
+{
+    m_fixture->makeFile("Downloads/a", 5);
+    m_fixture->makeFile("Downloads/.hidden/b", 5);
+    m_fixture->makeFile("Documents/c", 5);
+    clean({record(SliceKind::Downloads), record(SliceKind::Trash)});
+    QVERIFY(m_fixture->exists("Downloads"));
+    QVERIFY(!m_fixture->exists("Downloads/a") && !m_fixture->exists("Downloads/.hidden"));
+    QVERIFY(m_fixture->exists("Documents/c"));
+}
+
+void TestCleaningJob::removesTheVeryFilesOfBrowserData()
+{
+    m_fixture->makeFile("Library/Safari/History.plist", 5);
+    m_fixture->makeFile("Library/Safari/Bookmarks.plist", 5);
+    const CleaningReport report = clean({record(SliceKind::BrowserData)});
+    QVERIFY(!m_fixture->exists("Library/Safari/History.plist"));
+    QVERIFY(m_fixture->exists("Library/Safari/Bookmarks.plist"));
+    QCOMPARE(report.removedItems, 1U);
+    QCOMPARE(report.refusalCount, 0U); // absent files are no news
+}
+
+void TestCleaningJob::measuresBeforeItRemoves()
+{
+    m_fixture->makeFile(".Trash/a", 4321);
+    const auto trash = record(SliceKind::Trash);
+    clean({trash});
+    QVERIFY(!m_fixture->exists(".Trash/a"));
+    QCOMPARE(trash->fileSize(), 4321);
+}
+
+void TestCleaningJob::tellsOnTheMainThread()
+{
+    CleaningJob job(m_calls, ResourceManager::access());
+    QThread *heardOn = nullptr;
+    connect(
+        &job, &CleaningJob::finished, this, [&] { heardOn = QThread::currentThread(); },
+        Qt::DirectConnection);
+    job.start({}, {});
+    QVERIFY(job.isRunning());
+    QTRY_COMPARE(heardOn, QThread::currentThread());
+    QVERIFY(!job.isRunning());
+}
+
+void TestCleaningJob::logsAndLeavesWhatIsLocked()
+{
+    m_fixture->makeFile(".Trash/locked", 5);
+    m_fixture->makeFile(".Trash/other", 5);
+    m_calls.setHook([](int, std::string_view name) {
+        static int removals = 0;
+        return name == "removeFile" && ++removals == 1 ? EPERM : 0;
+    });
+    QTest::ignoreMessage(QtInfoMsg, QRegularExpression(QStringLiteral("^File might be locked: ")));
+    const CleaningReport report = clean({record(SliceKind::Trash)});
+    QCOMPARE(report.failureCount, 1U);
+    QCOMPARE(report.removedItems, 1U);
+}
+
+void TestCleaningJob::stopsWhenItIsDestroyed()
+{
+    for (int i = 0; i < 200; ++i)
+        m_fixture->makeFile(".Trash/" + QByteArray::number(i), 0);
+    std::atomic<int> removals = 0;
+    std::promise<void> first;
+    m_calls.setHook([&](int, std::string_view name) {
+        if (name == "removeFile" && ++removals == 1)
+            first.set_value();
+        return 0;
+    });
+    {
+        CleaningJob job(m_calls, ResourceManager::access());
+        job.start({record(SliceKind::Trash)}, {});
+        first.get_future().wait();
+    }
+    const int atEnd = removals; // nobody removes any more: the thread has been joined
+    QVERIFY(atEnd >= 1);
+    QCOMPARE(ResourceManager::accessCount(), 0);
+}
+
+VANTOR_GUI_TEST_MAIN(TestCleaningJob)
+#include "tst_CleaningJob.moc"

@@ -1,0 +1,74 @@
+#include "slices/CleaningText.h"
+
+#include "slices/Cleaning.h"
+#include "slices/ExcludedPaths.h"
+#include "slices/Info.h"
+#include "tests/support/GuiTestMain.h"
+
+class TestCleaningText final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void asksWithTheSlicesThatAreOn();
+    void namesEveryPlaceLeftAloneWithItsReason();
+    void countsWhatItDoesNotName();
+    void saysNothingWhenNothingWasLeftAlone();
+    void showsWhatIsKnownToBeExcluded();
+};
+
+void TestCleaningText::asksWithTheSlicesThatAreOn()
+{
+    const auto trash = Info::infoWithName(QStringLiteral("Trash"), std::nullopt);
+    const auto cache = Info::infoWithName(QStringLiteral("Cache"), std::nullopt);
+    const auto logs = Info::infoWithName(QStringLiteral("App Logs"), std::nullopt);
+    cache->setIsOn(false);
+    QCOMPARE(confirmationText({trash, cache, logs}),
+             QStringLiteral("You have chosen to delete these slices:\n• Trash\n• App Logs\n\n"
+                            "Are you sure you want to permanently erase the items you’ve selected "
+                            "and that are in colored slices? You cannot undo this action and we "
+                            "recommend backing up before continuing."));
+}
+
+void TestCleaningText::namesEveryPlaceLeftAloneWithItsReason()
+{
+    CleaningReport report;
+    QStringList reasons;
+    for (int reason = 0; reason <= static_cast<int>(RefusalReason::Changed); ++reason) {
+        report.refusals = {{"/home/anna/place", static_cast<RefusalReason>(reason), 0}};
+        const QString text = leftAloneText(report);
+        QVERIFY(text.startsWith(QStringLiteral("/home/anna/place: ")));
+        reasons.append(text);
+    }
+    QCOMPARE(reasons.removeDuplicates(), 0);
+}
+
+void TestCleaningText::countsWhatItDoesNotName()
+{
+    CleaningReport report;
+    for (int i = 0; i < 12; ++i)
+        report.refusals.append({"/p" + QByteArray::number(i), RefusalReason::Unreadable, 0});
+    const QStringList lines = leftAloneText(report).split(u'\n');
+    QCOMPARE(lines.size(), 9);
+    QCOMPARE(lines.constLast(), QStringLiteral("and 4 more"));
+}
+
+void TestCleaningText::saysNothingWhenNothingWasLeftAlone()
+{
+    CleaningReport report;
+    report.failureCount = 3; // single files: logged, not told
+    QCOMPARE(leftAloneText(report), QString());
+}
+
+void TestCleaningText::showsWhatIsKnownToBeExcluded()
+{
+    const auto excluded =
+        ExcludedPaths::fromStoredStrings({QStringLiteral("file:///home/anna/Keep/")});
+    const QString text = unknownExclusionsText(QStringLiteral("Damaged."), excluded);
+    QVERIFY(text.startsWith(QStringLiteral("Damaged.")));
+    QVERIFY(text.contains(QStringLiteral("/home/anna/Keep")));
+    QVERIFY(unknownExclusionsText({}, {}).contains(QStringLiteral("No path")));
+}
+
+VANTOR_GUI_TEST_MAIN(TestCleaningText)
+#include "tst_CleaningText.moc"
