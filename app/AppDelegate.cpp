@@ -7,7 +7,6 @@
 #include "app/SettingsKeys.h"
 #include "platform/Alert.h"
 #include "platform/Log.h"
-#include "platform/Sheet.h"
 #include "prefs/ColorWindow.h"
 #include "prefs/PreferencesWindowController.h"
 
@@ -15,6 +14,7 @@
 #include <QApplication>
 #include <QMenuBar>
 #include <QProcess>
+#include <utility>
 
 AppDelegate::AppDelegate(Configuration configuration) : m_configuration(std::move(configuration))
 {
@@ -81,13 +81,7 @@ void AppDelegate::makeMenu()
 void AppDelegate::watchSettings()
 {
     ColorWindow &window = m_mainWindowController->window();
-    connect(m_defaults.get(), &UserDefaults::saveFailed, &window,
-            [&window](const QString &message) {
-                if (!hasSheet(window)) // one message is enough for a disk that stays full
-                    presentAlert(window, {.style = AlertStyle::Warning,
-                                          .messageText = tr("Your settings could not be saved."),
-                                          .informativeText = message});
-            });
+    connect(m_defaults.get(), &UserDefaults::saveFailed, this, &AppDelegate::tellSaveFailure);
     if (m_defaults->exclusionsAreKnown())
         return;
     presentAlert(window, {.style = AlertStyle::Warning,
@@ -95,6 +89,17 @@ void AppDelegate::watchSettings()
                           .informativeText = m_defaults->damageMessage() + QStringLiteral("\n\n") +
                                              tr("Cleaning is off until you have checked your "
                                                 "excluded paths.")});
+}
+
+void AppDelegate::tellSaveFailure(const QString &message)
+{
+    if (std::exchange(m_tellsSaveFailure, true))
+        return; // one message is enough for a disk that stays full
+    presentAlert(m_mainWindowController->window(),
+                 {.style = AlertStyle::Warning,
+                  .messageText = tr("Your settings could not be saved."),
+                  .informativeText = message},
+                 [this](int) { m_tellsSaveFailure = false; });
 }
 
 PreferencesWindowController &AppDelegate::preferencesWindowController()
@@ -115,8 +120,6 @@ void AppDelegate::openPreferences()
     PreferencesWindowController &preferences = preferencesWindowController();
     if (!ResourceManager::checkStoredGrant())
         preferences.setHomeFolder(ResourceManager::homeFolder());
-    // Closing the main window ends the program, whether this one is open or not.
-    preferences.window()->setAttribute(Qt::WA_QuitOnClose, false);
     preferences.showWindow();
 }
 
@@ -127,6 +130,8 @@ void AppDelegate::updateStatsForURLString(const QString &urlString)
 
 void AppDelegate::applicationWillTerminate()
 {
+    if (!m_defaults)
+        return; // ended before it began
     if (const auto saved = m_defaults->synchronize(); !saved)
         qCWarning(logVantor).noquote() << saved.error();
 }
@@ -134,6 +139,12 @@ void AppDelegate::applicationWillTerminate()
 void AppDelegate::restart()
 {
     applicationWillTerminate();
-    if (QProcess::startDetached(QCoreApplication::applicationFilePath(), {}))
+    if (QProcess::startDetached(QCoreApplication::applicationFilePath(), {})) {
         QCoreApplication::quit();
+        return;
+    }
+    presentAlert(m_mainWindowController->window(),
+                 {.style = AlertStyle::Warning,
+                  .messageText = tr("Vantor could not be started again."),
+                  .informativeText = tr("Please quit it and start it yourself.")});
 }

@@ -58,10 +58,12 @@ private:
     void makeMainWindow();
     void makeMenu();
     void watchSettings();
+    void tellSaveFailure(const QString &message);
     void restart();
 
     Configuration m_configuration;
     InterfaceLoader m_loader;
+    bool m_tellsSaveFailure = false;
     std::unique_ptr<UserDefaults> m_defaults;
     std::unique_ptr<PingSender> m_pings;
     ExcludedFilesChangedNotification m_excludedFilesChanged;

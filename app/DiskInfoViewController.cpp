@@ -71,6 +71,7 @@ void DiskInfoViewController::viewDidAppear(bool)
 
 void DiskInfoViewController::viewWillDisappear(bool)
 {
+    m_startButton->setEnabled(false); // a second press must not move on twice
     m_pieChart->animateOut();
 }
 

@@ -16,6 +16,7 @@
 #include "widgets/TextField.h"
 
 #include <QUrl>
+#include <algorithm>
 
 namespace {
 
@@ -99,13 +100,16 @@ void FinalViewController::viewDidAppear(bool)
 
 void FinalViewController::addToTotal(qint64 freed)
 {
-    const qint64 total = m_services.defaults.integer(VNTTotalCleanedSize) + freed;
+    // A total edited by hand may be anything.
+    const qint64 before = std::max<qint64>(m_services.defaults.integer(VNTTotalCleanedSize), 0);
+    const qint64 total = sumOfByteCounts(before, freed);
     m_services.defaults.setInteger(VNTTotalCleanedSize, total);
     qCInfo(logVantor).noquote() << QStringLiteral("New total size saved: %1").arg(total);
 }
 
 void FinalViewController::viewWillDisappear(bool)
 {
+    m_scanAgainButton->setEnabled(false);
     m_pieChart->animateOut();
 }
 

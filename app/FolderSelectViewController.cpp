@@ -93,7 +93,8 @@ void FolderSelectViewController::finishSelection(const QString &key,
 
 bool FolderSelectViewController::isNamedLikeTheRealHome(const QByteArray &path) const
 {
-    return lastComponent(path).contains(lastComponent(m_services.realHomeDirectory()));
+    const QByteArray name = lastComponent(m_services.realHomeDirectory());
+    return !name.isEmpty() && lastComponent(path).contains(name);
 }
 
 void FolderSelectViewController::storeGrant(const QString &key, const QByteArray &path)

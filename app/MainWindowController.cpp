@@ -7,6 +7,7 @@
 #include "app/SettingsKeys.h"
 #include "app/UserDefaults.h"
 #include "platform/InterfaceLoader.h"
+#include "platform/ViewAlpha.h"
 #include "platform/Workspace.h"
 #include "prefs/ColorWindow.h"
 
@@ -120,6 +121,8 @@ ViewController *MainWindowController::currentViewController() const
 void MainWindowController::willGoForward(VNTViewController &page, bool forward,
                                          const QVariant &data)
 {
+    if (&page != currentViewController())
+        return; // a second press while the page goes out
     if (forward) {
         goForward(page, data);
         return;
@@ -159,6 +162,7 @@ void MainWindowController::tellGrantFailure(GrantFailure failure)
     presentAlert(*m_window, grantAlert(failure), [this](int button) {
         if (button == 0) {
             resetHomeFolder();
+            setAlphaValue(*m_folderSelect->view(), 1); // it may have faded out in this run
             m_folderSelect->selectHomeFolder();
         }
     });

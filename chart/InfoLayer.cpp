@@ -142,6 +142,8 @@ void InfoLayer::askForSize()
 
 void InfoLayer::sizeArrived(const Info *info, const std::optional<QString> &text)
 {
+    if (m_asked == info)
+        m_asked = nullptr;
     if (info != m_info.get())
         return;
     const WeightedText size =
@@ -151,7 +153,6 @@ void InfoLayer::sizeArrived(const Info *info, const std::optional<QString> &text
         m_content.size = size;
         contentChanged();
     }
-    m_asked = nullptr;
     if (m_askAgain)
         askForSize();
 }

@@ -6,7 +6,7 @@
 
 namespace {
 
-using Records = std::vector<std::shared_ptr<Info>>;
+using Records = CleaningJob::Records;
 
 /// Whether the record's places are the very files to remove.
 bool infoIsFilesNotFolders(const Info &info)
@@ -29,11 +29,17 @@ QList<SliceToClean> slicesToClean(const Records &chosen)
 CleaningReport cleanDisk(const SystemCalls &calls, FileAccess &access, const Records &chosen,
                          const ExcludedPaths &excluded, const std::stop_token &stop)
 {
-    for (const auto &record : chosen)
-        record->fileSizeString();
     const AccessScope scope(access);
     const CleaningPlan plan = makeCleaningPlan(calls, access, slicesToClean(chosen), excluded);
     return performCleaning(calls, plan, stop);
+}
+
+CleaningReport refusedReport()
+{
+    CleaningReport report;
+    report.refusals = {{QByteArray(), RefusalReason::UnknownExclusions, 0}};
+    report.refusalCount = 1;
+    return report;
 }
 
 } // namespace
@@ -43,16 +49,45 @@ CleaningJob::CleaningJob(const SystemCalls &calls, FileAccess &access, QObject *
 {
 }
 
-CleaningJob::~CleaningJob() = default;
+CleaningJob::~CleaningJob()
+{
+    requestStop();
+}
 
-void CleaningJob::start(const Records &chosen, const ExcludedPaths &excluded)
+void CleaningJob::requestStop()
+{
+    m_stop.request_stop();
+}
+
+void CleaningJob::start(Records chosen, Exclusions exclusions)
 {
     Q_ASSERT(!m_isRunning);
     m_isRunning = true;
-    m_thread = std::jthread([this, chosen, excluded](const std::stop_token &stop) {
-        const CleaningReport report = cleanDisk(m_calls, m_access, chosen, excluded, stop);
-        QMetaObject::invokeMethod(
-            this, [this, report] { finish(report); }, Qt::QueuedConnection);
+    m_stop = std::stop_source();
+    m_chosen = std::move(chosen);
+    m_exclusions = std::move(exclusions);
+    runInBackground([this, records = m_chosen](const std::stop_token &) {
+        for (const auto &record : records)
+            record->fileSizeString();
+        return [this] { remove(); };
+    });
+}
+
+// Back on the main thread between measuring and removing: measuring may have taken minutes, and
+// what was excluded meanwhile must be kept.
+void CleaningJob::remove()
+{
+    const std::optional<ExcludedPaths> excluded = m_exclusions();
+    if (!excluded) {
+        finish(refusedReport());
+        return;
+    }
+    runInBackground([this, records = m_chosen, excluded = *excluded](const std::stop_token &stop) {
+        CleaningReport report;
+        report.wasStopped = true;
+        if (!stop.stop_requested())
+            report = cleanDisk(m_calls, m_access, records, excluded, stop);
+        return [this, report] { finish(report); };
     });
 }
 
@@ -60,4 +95,13 @@ void CleaningJob::finish(const CleaningReport &report)
 {
     m_isRunning = false;
     Q_EMIT finished(report);
+}
+
+/// Does the work on a thread, and what it answers on the main thread.
+void CleaningJob::runInBackground(
+    std::function<std::function<void()>(const std::stop_token &)> work)
+{
+    m_thread = std::jthread([this, work = std::move(work), stop = m_stop.get_token()] {
+        QMetaObject::invokeMethod(this, work(stop), Qt::QueuedConnection);
+    });
 }

@@ -3,7 +3,9 @@
 #include "slices/Cleaning.h"
 
 #include <QObject>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <thread>
 #include <vector>
 
@@ -17,24 +19,39 @@ class CleaningJob final : public QObject
     Q_OBJECT
 
 public:
+    using Records = std::vector<std::shared_ptr<Info>>;
+    /// What the user has excluded; nothing while nobody knows. Asked on the main thread, right
+    /// before the first removal is planned.
+    using Exclusions = std::function<std::optional<ExcludedPaths>()>;
+
     /// Both must outlive it.
     CleaningJob(const SystemCalls &calls, FileAccess &access, QObject *parent = nullptr);
     ~CleaningJob() override;
 
-    /// The chosen slices and what the user excluded. Slices that are still being measured are
-    /// waited for first, so that what was freed is what was there.
-    void start(const std::vector<std::shared_ptr<Info>> &chosen, const ExcludedPaths &excluded);
+    /// Cleans the chosen slices. Those that are still being measured are waited for first, so that
+    /// what was freed is what was there.
+    void start(Records chosen, Exclusions exclusions);
+
+    /// Nothing is removed from now on. The cleaning's end is still told.
+    void requestStop();
 
     bool isRunning() const { return m_isRunning; }
+    /// What this cleaning, or the last one, was started with.
+    const Records &chosen() const { return m_chosen; }
 
 Q_SIGNALS:
     void finished(const CleaningReport &report);
 
 private:
+    void remove();
     void finish(const CleaningReport &report);
+    void runInBackground(std::function<std::function<void()>(const std::stop_token &)> work);
 
     const SystemCalls &m_calls;
     FileAccess &m_access;
     bool m_isRunning = false;
+    Records m_chosen;
+    Exclusions m_exclusions;
+    std::stop_source m_stop;
     std::jthread m_thread;
 };

@@ -23,6 +23,7 @@ struct SliceToClean
 
 /// Why something that was asked for is left alone.
 enum class RefusalReason {
+    UnknownExclusions,   ///< nobody knows what is excluded: nothing at all is cleaned
     UnparsableExclusion, ///< a stored exclusion cannot be read: nothing at all is cleaned
     UnresolvedExclusion, ///< an exclusion inside the place cannot be identified, or is gone
     OutsideGrant,        ///< not in the granted folder

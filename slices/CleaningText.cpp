@@ -18,6 +18,8 @@ QString tr(const char *text)
 QString reasonText(RefusalReason reason)
 {
     switch (reason) {
+    case RefusalReason::UnknownExclusions:
+        return tr("nobody knows which paths are excluded, so nothing was cleaned");
     case RefusalReason::UnparsableExclusion:
         return tr("this excluded path cannot be read, so nothing was cleaned");
     case RefusalReason::UnresolvedExclusion:
@@ -40,6 +42,13 @@ QString reasonText(RefusalReason reason)
         return tr("it was changed meanwhile");
     }
     Q_UNREACHABLE();
+}
+
+QString leftAloneLine(const CleaningRefusal &refusal)
+{
+    const QString reason = reasonText(refusal.reason);
+    return refusal.path.isEmpty() ? reason
+                                  : tr("%1: %2").arg(QString::fromUtf8(refusal.path), reason);
 }
 
 /// The first lines, and how many there are besides.
@@ -71,7 +80,7 @@ QString leftAloneText(const CleaningReport &report)
 {
     QStringList lines;
     for (const CleaningRefusal &refusal : report.refusals)
-        lines.append(tr("%1: %2").arg(QString::fromUtf8(refusal.path), reasonText(refusal.reason)));
+        lines.append(leftAloneLine(refusal));
     return shortened(lines);
 }
 

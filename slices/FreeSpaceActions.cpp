@@ -9,6 +9,7 @@
 #include "platform/ViewAlpha.h"
 #include "platform/Workspace.h"
 #include "prefs/MessagePopover.h"
+#include "slices/AnchoredFolder.h"
 #include "slices/CleaningText.h"
 #include "slices/ExcludedPaths.h"
 #include "slices/FreeSpaceViewController.h"
@@ -18,8 +19,6 @@
 #include "widgets/ImageButton.h"
 #include "widgets/StartButton.h"
 #include "widgets/TextField.h"
-
-#include <QFileInfo>
 
 namespace {
 
@@ -48,6 +47,8 @@ void FreeSpaceViewController::updateExcludedFiles()
 {
     if (m_selection.records().empty())
         return; // not shown yet
+    if (m_isCleaning)
+        return; // heard when it is over; the cleaning reads the list itself
     if (m_selection.applyExclusions())
         showMessage(tr("Your preferences have been adjusted, please scan for large files again"));
     m_pieChart->reloadData();
@@ -104,10 +105,21 @@ FileUrls FreeSpaceViewController::existingPlaces(const Info &info) const
 {
     FileUrls places;
     for (const FileUrl &url : info.fileURLs().value_or(FileUrls())) {
-        if (QFileInfo::exists(QFile::decodeName(url.path())))
+        if (exists(url))
             places.append(url);
     }
     return places;
+}
+
+bool FreeSpaceViewController::exists(const FileUrl &url) const
+{
+    const AccessScope access(m_services.access);
+    const std::optional<AnchoredPath> place = m_services.access.anchoredPath(url);
+    if (!place)
+        return false;
+    const auto [around, name] = anchoredEntry(*place);
+    const auto folder = openAnchored(m_services.calls, around, Descent::Strict);
+    return folder && m_services.calls.status(folder->get(), name.constData());
 }
 
 void FreeSpaceViewController::showInfo()
@@ -135,7 +147,7 @@ void FreeSpaceViewController::showInFinder()
 
 void FreeSpaceViewController::next()
 {
-    if (!m_selection.somethingIsSelected() || m_isCleaning || !mayClean())
+    if (!m_selection.somethingIsSelected() || m_isCleaning || !m_isShown || !mayClean())
         return;
     askForConfirmation();
 }
@@ -174,6 +186,9 @@ void FreeSpaceViewController::askForConfirmation()
 
 void FreeSpaceViewController::beginCleaning()
 {
+    // Asked again: the page may have been left, or the settings changed, while the sheet was up.
+    if (!m_isShown || m_isCleaning || !mayClean())
+        return;
     m_isCleaning = true;
     Q_EMIT cleaningChanged(true);
     showCleaningState();
@@ -182,7 +197,14 @@ void FreeSpaceViewController::beginCleaning()
         if (record->isOn())
             chosen.push_back(record);
     }
-    m_job.start(chosen, m_selection.excludedPaths());
+    m_job.start(std::move(chosen), [this] { return knownExclusions(); });
+}
+
+std::optional<ExcludedPaths> FreeSpaceViewController::knownExclusions() const
+{
+    if (!m_services.defaults.exclusionsAreKnown())
+        return std::nullopt;
+    return m_selection.excludedPaths();
 }
 
 void FreeSpaceViewController::showCleaningState()
@@ -201,8 +223,12 @@ void FreeSpaceViewController::showCleaningState()
 
 void FreeSpaceViewController::finishCleaning(const CleaningReport &report)
 {
-    const QVariant freed = QVariant::fromValue(m_selection.totalSize());
+    const bool isRefused = report.refusalCount > 0 && report.removedItems == 0 &&
+                           report.refusals.value(0).reason == RefusalReason::UnknownExclusions;
+    const QVariant freed = isRefused ? qint64{0} : m_selection.totalSize();
     m_isCleaning = false;
+    m_selection.applyExclusions(); // what was excluded meanwhile
+    m_selection.updateSelectedSlicesUserDefaults();
     Q_EMIT cleaningChanged(false);
     goForward(freed);
     const QString leftAlone = leftAloneText(report);

@@ -46,6 +46,7 @@ FreeSpaceViewController::FreeSpaceViewController(const InterfaceLoader &loader, 
 
 FreeSpaceViewController::~FreeSpaceViewController()
 {
+    m_job.requestStop(); // first: a cleaning may be waiting for the measures
     m_measuring.request_stop();
 }
 
@@ -111,13 +112,15 @@ void FreeSpaceViewController::viewDidAppear(bool)
     animateAlphaValue(*m_legendImageView, 1, kEntrance);
     m_pieChart->setDrawShadow(true);
     m_startButton->setEnabled(true);
+    m_isShown = true;
     QTimer::singleShot(kPauseBeforeTutorial, this,
                        &FreeSpaceViewController::showTutorialUnlessDeclined);
 }
 
 void FreeSpaceViewController::showTutorialUnlessDeclined()
 {
-    if (!m_services.defaults.boolean(VNTHideDemoWindowString))
+    // A page that has left the window meanwhile has none to show a sheet on.
+    if (view()->isVisible() && !m_services.defaults.boolean(VNTHideDemoWindowString))
         presentSheet(*view(), *demoWindowController().window());
 }
 
@@ -131,6 +134,8 @@ DemoWindowController &FreeSpaceViewController::demoWindowController()
 
 void FreeSpaceViewController::viewWillDisappear(bool)
 {
+    m_isShown = false;
+    m_startButton->setEnabled(false);
     m_measuring.request_stop();
     m_selection.record(SliceKind::LargeFiles).setIsOn(false);
     m_selection.updateSelectedSlicesUserDefaults();

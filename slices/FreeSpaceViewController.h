@@ -93,9 +93,10 @@ private:
     void showTutorialUnlessDeclined();
     void makeHoverButtons();
     void rebuildRecords();
-    void selectionChanged();
     bool offersReveal(int index) const;
     FileUrls existingPlaces(const Info &info) const;
+    bool exists(const FileUrl &url) const;
+    std::optional<ExcludedPaths> knownExclusions() const;
     bool mayClean();
     void askForConfirmation();
     void beginCleaning();
@@ -112,6 +113,7 @@ private:
     CleaningJob m_job;
     std::unique_ptr<DemoWindowController> m_demoWindowController;
     bool m_isCleaning = false;
+    bool m_isShown = false; ///< has appeared and is not on its way out
     PieChart *m_pieChart = nullptr;
     StartButton *m_startButton = nullptr;
     QWidget *m_legendImageView = nullptr;

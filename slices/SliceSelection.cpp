@@ -2,6 +2,7 @@
 
 #include "app/SettingsKeys.h"
 #include "app/UserDefaults.h"
+#include "platform/ByteCount.h"
 #include "slices/ExcludedPaths.h"
 
 #include <algorithm>
@@ -92,10 +93,10 @@ bool SliceSelection::somethingIsSelected() const
 
 qint64 SliceSelection::totalSize() const
 {
-    return std::accumulate(m_records.begin(), m_records.end(), qint64{0},
-                           [](qint64 sum, const auto &record) {
-                               return sum + (record->isOn() ? record->fileSize() : 0);
-                           });
+    return std::accumulate(
+        m_records.begin(), m_records.end(), qint64{0}, [](qint64 sum, const auto &record) {
+            return record->isOn() ? sumOfByteCounts(sum, record->fileSize()) : sum;
+        });
 }
 
 ExcludedPaths SliceSelection::excludedPaths() const

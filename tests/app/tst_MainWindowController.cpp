@@ -42,6 +42,7 @@ private Q_SLOTS:
     void opensOnTheDiskWithAGrant();
     void makesThePagesOnceInTheirOrder();
     void handsDataOverBetweenAppearing();
+    void movesOnOnceHoweverOftenStartIsPressed();
     void ignoresBackWhereThereIsNoPredecessor();
     void goesBackThroughTheMenu();
     void startsOverWhenTheHomeFolderIsReset();
@@ -143,10 +144,25 @@ void TestMainWindowController::handsDataOverBetweenAppearing()
 {
     m_fixture->grantHome();
     makeController();
+    m_controller->navigationController().pushViewController(&m_controller->freeSpacePage(),
+                                                            Animated::No);
     m_controller->willGoForward(m_controller->freeSpacePage(), true, qint64{5'000'000});
     QCOMPARE(m_controller->finalPage().data(), QVariant(qint64{5'000'000}));
     QVERIFY(waitForPage(m_controller->finalPage()));
     QTRY_COMPARE(m_controller->finalPage().sizeLabel()->text(), QStringLiteral("5 MB"));
+}
+
+void TestMainWindowController::movesOnOnceHoweverOftenStartIsPressed()
+{
+    m_fixture->makeFile(".Trash/a", 4321);
+    m_fixture->grantHome();
+    makeController();
+    QTest::mouseClick(m_controller->diskInfoPage().startButton(), Qt::LeftButton);
+    QTest::mouseClick(m_controller->diskInfoPage().startButton(), Qt::LeftButton);
+    m_controller->diskInfoPage().next();
+    QCOMPARE(m_controller->navigationController().viewControllers().size(), 2);
+    QVERIFY(waitForPage(m_controller->freeSpacePage()));
+    QTRY_COMPARE(m_controller->freeSpacePage().selection().totalSize(), 4321);
 }
 
 void TestMainWindowController::ignoresBackWhereThereIsNoPredecessor()

@@ -3,6 +3,7 @@
 #include "app/ResourceManager.h"
 #include "slices/ExcludedPaths.h"
 #include "slices/FolderSizing.h"
+#include "slices/Info.h"
 #include "slices/SliceCatalogue.h"
 #include "tests/support/ForwardingSystemCalls.h"
 #include "tests/support/GuiTestMain.h"
@@ -13,7 +14,12 @@
 #include <QThread>
 #include <atomic>
 #include <cerrno>
-#include <future>
+
+namespace {
+
+const CleaningJob::Exclusions kNothingExcluded = [] { return ExcludedPaths(); };
+
+} // namespace
 
 class TestCleaningJob final : public QObject
 {
@@ -29,6 +35,8 @@ private Q_SLOTS:
     void tellsOnTheMainThread();
     void logsAndLeavesWhatIsLocked();
     void stopsWhenItIsDestroyed();
+    void asksForTheExclusionsAfterMeasuring();
+    void removesNothingWhileTheExclusionsAreUnknown();
 
 private:
     std::shared_ptr<Info> record(SliceKind kind) const;
@@ -66,7 +74,7 @@ CleaningReport TestCleaningJob::clean(const std::vector<std::shared_ptr<Info>> &
     CleaningReport report;
     QSignalSpy finished(&job, &CleaningJob::finished);
     connect(&job, &CleaningJob::finished, this, [&](const CleaningReport &done) { report = done; });
-    job.start(chosen, {});
+    job.start(chosen, kNothingExcluded);
     if (!finished.wait())
         qFatal("the cleaning did not end");
     return report;
@@ -110,7 +118,7 @@ void TestCleaningJob::tellsOnTheMainThread()
     connect(
         &job, &CleaningJob::finished, this, [&] { heardOn = QThread::currentThread(); },
         Qt::DirectConnection);
-    job.start({}, {});
+    job.start({}, kNothingExcluded);
     QVERIFY(job.isRunning());
     QTRY_COMPARE(heardOn, QThread::currentThread());
     QVERIFY(!job.isRunning());
@@ -135,20 +143,45 @@ void TestCleaningJob::stopsWhenItIsDestroyed()
     for (int i = 0; i < 200; ++i)
         m_fixture->makeFile(".Trash/" + QByteArray::number(i), 0);
     std::atomic<int> removals = 0;
-    std::promise<void> first;
     m_calls.setHook([&](int, std::string_view name) {
-        if (name == "removeFile" && ++removals == 1)
-            first.set_value();
+        removals += name == "removeFile" ? 1 : 0;
         return 0;
     });
     {
         CleaningJob job(m_calls, ResourceManager::access());
-        job.start({record(SliceKind::Trash)}, {});
-        first.get_future().wait();
+        job.start({record(SliceKind::Trash)}, kNothingExcluded);
+        QTRY_VERIFY(removals >= 1);
     }
     const int atEnd = removals; // nobody removes any more: the thread has been joined
     QVERIFY(atEnd >= 1);
     QCOMPARE(ResourceManager::accessCount(), 0);
+}
+
+void TestCleaningJob::asksForTheExclusionsAfterMeasuring()
+{
+    m_fixture->makeFile(".Trash/keep", 5);
+    const FileUrl keep = m_fixture->homeUrl().appending(".Trash/keep", FileUrlKind::File);
+    const auto trash = record(SliceKind::Trash);
+    bool wasMeasured = false;
+    CleaningJob job(m_calls, ResourceManager::access());
+    QSignalSpy finished(&job, &CleaningJob::finished);
+    job.start({trash}, [&]() -> std::optional<ExcludedPaths> {
+        wasMeasured = trash->isMeasured();
+        return ExcludedPaths::fromStoredStrings({QString::fromLatin1(keep.absoluteString())});
+    });
+    QVERIFY(finished.wait());
+    QVERIFY(wasMeasured);
+    QVERIFY(m_fixture->exists(".Trash/keep"));
+}
+
+void TestCleaningJob::removesNothingWhileTheExclusionsAreUnknown()
+{
+    m_fixture->makeFile(".Trash/a", 5);
+    CleaningJob job(m_calls, ResourceManager::access());
+    QSignalSpy finished(&job, &CleaningJob::finished);
+    job.start({record(SliceKind::Trash)}, [] { return std::nullopt; });
+    QVERIFY(finished.wait());
+    QVERIFY(m_fixture->exists(".Trash/a"));
 }
 
 VANTOR_GUI_TEST_MAIN(TestCleaningJob)

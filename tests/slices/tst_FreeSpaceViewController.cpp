@@ -5,6 +5,7 @@
 #include "app/SettingsKeys.h"
 #include "chart/PieChart.h"
 #include "platform/ViewAlpha.h"
+#include "prefs/DemoWindowController.h"
 #include "prefs/Popover.h"
 #include "slices/SliceHoverButtons.h"
 #include "tests/support/GuiTestMain.h"
@@ -16,7 +17,9 @@
 #include "widgets/TextField.h"
 
 #include <QSignalSpy>
+#include <QElapsedTimer>
 #include <QThreadPool>
+#include <QTimer>
 
 class TestFreeSpaceViewController final : public QObject
 {
@@ -40,6 +43,9 @@ private Q_SLOTS:
     void offersToRevealOldUpdatesWhenThereAreAny();
     void explainsAndRevealsTheHoveredSlice();
     void storesTheSelectionWhenItDisappears();
+    void showsTheTutorialAfterASecond();
+    void showsNoTutorialOnceItHasLeftTheWindow();
+    void asksForNoCleaningOnItsWayOut();
 
 private:
     void appear();
@@ -260,6 +266,41 @@ void TestFreeSpaceViewController::storesTheSelectionWhenItDisappears()
     QVERIFY(!m_page->selection().record(SliceKind::LargeFiles).isOn());
     QCOMPARE(m_fixture->defaults().booleans(VNTSelectedSlicesString),
              QList<bool>({true, false, true, true, true, false, false, false}));
+}
+
+void TestFreeSpaceViewController::showsTheTutorialAfterASecond()
+{
+    m_fixture->defaults().setBoolean(VNTHideDemoWindowString, false);
+    appear();
+    QElapsedTimer sinceAppearance;
+    sinceAppearance.start();
+    QTRY_VERIFY(hasSheet(*m_page->view()));
+    QVERIFY(sinceAppearance.elapsed() >= 900);
+    QCOMPARE(sheetPanel(*m_page->view()), m_page->demoWindowController().window());
+    QVERIFY(pressSheetButton(*m_page->view(), QStringLiteral("OK")));
+}
+
+void TestFreeSpaceViewController::showsNoTutorialOnceItHasLeftTheWindow()
+{
+    m_fixture->defaults().setBoolean(VNTHideDemoWindowString, false);
+    appear();
+    QTimer later; // started after the page's own, it fires after it
+    later.setSingleShot(true);
+    QSignalSpy fired(&later, &QTimer::timeout);
+    later.start(std::chrono::seconds(1));
+    m_page->viewWillDisappear(true);
+    m_page->view()->hide();
+    QVERIFY(fired.wait());
+    QVERIFY(!hasSheet(*m_page->view()));
+}
+
+void TestFreeSpaceViewController::asksForNoCleaningOnItsWayOut()
+{
+    appear();
+    m_page->viewWillDisappear(true);
+    QVERIFY(!m_page->startButton()->isEnabled());
+    m_page->next();
+    QVERIFY(!hasSheet(*m_page->view()));
 }
 
 VANTOR_GUI_TEST_MAIN(TestFreeSpaceViewController)
