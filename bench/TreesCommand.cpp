@@ -17,8 +17,23 @@ constexpr int kCacheEntries = 224'000;
 constexpr int kFlatFiles = 200'000;
 constexpr int kChains = 20;
 constexpr int kChainLevels = 1000;
+constexpr unsigned kSeed = 7;
 constexpr mode_t kFolderMode = 0755;
 constexpr mode_t kFileMode = 0644;
+
+/// How many of something there may be.
+struct Span
+{
+    std::size_t from;
+    std::size_t to;
+};
+
+constexpr Span kFileBytes{0, 50'000};
+constexpr Span kHashedFiles{5, 40};     ///< in each of the 256 folders
+constexpr Span kListedFiles{100, 4000}; ///< in the one folder of an application
+constexpr Span kNestedFolders{50, 600}; ///< of an application
+constexpr Span kNestedFiles{0, 12};     ///< in each of these
+constexpr Span kOneInTen{0, 9};
 
 void require(bool done, const std::string &name)
 {
@@ -33,9 +48,9 @@ class TreeMaker final
 {
 public:
     int entries() const { return m_entries; }
-    unsigned pick(std::size_t from, std::size_t to)
+    unsigned pick(Span span)
     {
-        return static_cast<unsigned>(from + m_random() % (to - from + 1));
+        return static_cast<unsigned>(span.from + m_random() % (span.to - span.from + 1));
     }
 
     FileDescriptor folder(int parent, const std::string &name)
@@ -53,7 +68,7 @@ public:
             const std::string name = hashedName();
             const FileDescriptor file(
                 ::openat(parent, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kFileMode));
-            require(file.isValid() && ::ftruncate(file.get(), pick(0, 50'000)) == 0, name);
+            require(file.isValid() && ::ftruncate(file.get(), pick(kFileBytes)) == 0, name);
             ++m_entries;
         }
     }
@@ -68,7 +83,7 @@ private:
         return name;
     }
 
-    std::mt19937 m_random{7};
+    std::mt19937 m_random{kSeed};
     int m_entries = 0;
 };
 
@@ -76,18 +91,18 @@ private:
 void makeHashedCache(TreeMaker &maker, int application)
 {
     for (int i = 0; i < 256; ++i)
-        maker.files(maker.folder(application, std::to_string(i)).get(), maker.pick(5, 40));
+        maker.files(maker.folder(application, std::to_string(i)).get(), maker.pick(kHashedFiles));
 }
 
 /// As most programs keep it: folders in folders with few files.
 void makeNestedCache(TreeMaker &maker, int application)
 {
     std::vector<FileDescriptor> folders;
-    for (unsigned left = maker.pick(50, 600); left > 0; --left) {
-        const bool isTop = folders.empty() || maker.pick(0, 9) == 0;
-        const int parent = isTop ? application : folders[maker.pick(0, folders.size() - 1)].get();
+    for (unsigned left = maker.pick(kNestedFolders); left > 0; --left) {
+        const bool isTop = folders.empty() || maker.pick(kOneInTen) == 0;
+        const int parent = isTop ? application : folders[maker.pick({0, folders.size() - 1})].get();
         folders.push_back(maker.folder(parent, "folder" + std::to_string(left)));
-        maker.files(folders.back().get(), maker.pick(0, 12));
+        maker.files(folders.back().get(), maker.pick(kNestedFiles));
     }
 }
 
@@ -103,7 +118,7 @@ void makeCache(int top)
             makeHashedCache(maker, application.get());
             break;
         case 1:
-            maker.files(application.get(), maker.pick(100, 4000));
+            maker.files(application.get(), maker.pick(kListedFiles));
             break;
         default:
             makeNestedCache(maker, application.get());

@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr std::size_t kBufferBytes = 32 * 1024;
+constexpr std::size_t kBufferBytes = 32'768;
 // A buffer filled further than this was filled as far as another record of any length allows: the
 // folder most likely goes on.
 constexpr std::size_t kFullBufferBytes = kBufferBytes - 512;

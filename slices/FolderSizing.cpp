@@ -81,12 +81,13 @@ private:
     FolderSize m_size;
 };
 
-FolderSize sizeOfFolder(const SystemCalls &calls, FileDescriptor folder, std::stop_token stop,
-                        unsigned threads)
+FolderSize sizeOfFolder(const SystemCalls &calls, FileDescriptor folder,
+                        const std::stop_token &stop, unsigned threads)
 {
     std::vector<SizingVisitor> visitors(threads == 0 ? usefulWalkThreads() : threads,
                                         SizingVisitor(calls, calls.actingUser()));
     std::vector<DirectoryVisitor *> team;
+    team.reserve(visitors.size());
     for (SizingVisitor &visitor : visitors)
         team.push_back(&visitor);
     walkDirectory(calls, std::move(folder), {}, stop, team);
@@ -143,24 +144,24 @@ FolderSize sizeOfItem(const SystemCalls &calls, const AnchoredPath &place)
 
 } // namespace
 
-FolderSize measureFolder(const SystemCalls &calls, const AnchoredPath &place, std::stop_token stop,
-                         unsigned threads)
+FolderSize measureFolder(const SystemCalls &calls, const AnchoredPath &place,
+                         const std::stop_token &stop, unsigned threads)
 {
     auto folder = openAnchored(calls, place, Descent::AcrossMounts);
     if (folder)
-        return sizeOfFolder(calls, std::move(*folder), std::move(stop), threads);
+        return sizeOfFolder(calls, std::move(*folder), stop, threads);
     const bool isNoFolder = folder.error() == ENOTDIR || folder.error() == ELOOP;
     return isNoFolder ? sizeOfItem(calls, place) : nothingBecauseOf(folder.error());
 }
 
 qint64 sizeForFolderAtPath(const SystemCalls &calls, FileAccess &access, const FileUrl &url,
-                           std::stop_token stop)
+                           const std::stop_token &stop)
 {
     const AccessScope scope(access);
     const auto place = access.anchoredPath(url);
     if (!place)
         return 0;
-    const FolderSize size = measureFolder(calls, *place, std::move(stop));
+    const FolderSize size = measureFolder(calls, *place, stop);
     if (size.item)
         qCInfo(logVantor, "%d : %d", size.item->isDeletable, size.item->isNotImmutable);
     return size.bytes;

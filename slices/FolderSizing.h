@@ -32,11 +32,11 @@ struct FolderSize
 ///
 /// Any thread but the main one; blocks until done or stopped. Uses up to `threads` threads, as
 /// many as pay for 0.
-FolderSize measureFolder(const SystemCalls &calls, const AnchoredPath &place, std::stop_token stop,
-                         unsigned threads = 0);
+FolderSize measureFolder(const SystemCalls &calls, const AnchoredPath &place,
+                         const std::stop_token &stop, unsigned threads = 0);
 
 /// The one size measure of the program, in bytes: measureFolder() of a URL in the granted folder,
 /// within one access of its own. 0 for what lies elsewhere. Writes "%d : %d" to the log for a
 /// single item: whether it may be deleted, and whether it is not immutable.
 qint64 sizeForFolderAtPath(const SystemCalls &calls, FileAccess &access, const FileUrl &url,
-                           std::stop_token stop = {});
+                           const std::stop_token &stop = {});

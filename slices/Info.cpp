@@ -25,7 +25,7 @@ std::shared_ptr<Info> Info::infoWithName(const QString &name, std::optional<File
 Info::Info(const QString &name, std::optional<FileUrls> fileURLs, std::optional<QString> image,
            std::optional<QString> fileSize, Services services)
     : m_name(name),
-      m_image(image.value_or(name)),
+      m_image(std::move(image).value_or(name)),
       m_services(std::move(services)),
       m_fileURLs(std::move(fileURLs)),
       m_fileSizeString(std::move(fileSize))
