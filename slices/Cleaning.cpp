@@ -9,7 +9,6 @@
 
 namespace {
 
-constexpr std::size_t kReadBytes = 64 * 1024;
 /// While one thread waits for the disk the other works; in memory they would only wait for each
 /// other. More than two gain nothing.
 constexpr unsigned kThreadsForDisks = 2;
@@ -30,7 +29,7 @@ public:
           m_plan(plan),
           m_stop(std::move(stop)),
           m_ledger(plan.refusals(), observer),
-          m_space(kReadBytes)
+          m_space(kListingSpace)
     {
     }
 

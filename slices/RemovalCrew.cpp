@@ -8,7 +8,6 @@ namespace {
 
 using Fate = RemovalSteps::Fate;
 
-constexpr std::size_t kReadBytes = 64 * 1024;
 constexpr std::size_t kStretch = 512;
 /// With what the threads' own removers hold open, this fits into 64 descriptors.
 constexpr int kMostFolders = 16;
@@ -37,16 +36,16 @@ class RemovalCrew::Worker final
 {
 public:
     explicit Worker(RemovalCrew &crew)
-        : m_crew(crew), m_remover(crew.m_steps, crew.m_stop), m_space(kReadBytes)
+        : m_crew(crew), m_remover(crew.m_steps, crew.m_stop), m_space(kListingSpace)
     {
     }
 
     void run();
-    void share(const FolderPointer &folder);
 
 private:
     void deal(const Job &job);
     void enter(const Job &job);
+    void share(const FolderPointer &folder);
 
     RemovalCrew &m_crew;
     Remover m_remover;

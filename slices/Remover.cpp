@@ -4,14 +4,13 @@ namespace {
 
 using Fate = RemovalSteps::Fate;
 
-constexpr std::size_t kReadBytes = 64 * 1024;
 /// So few that two removers, the standard streams and the anchors fit into 64 descriptors.
 constexpr std::size_t kOpenLevels = 12;
 
 } // namespace
 
 Remover::Remover(const RemovalSteps &steps, std::stop_token stop)
-    : m_steps(steps), m_stop(std::move(stop)), m_space(kReadBytes)
+    : m_steps(steps), m_stop(std::move(stop)), m_space(kListingSpace)
 {
 }
 

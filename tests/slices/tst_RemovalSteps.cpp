@@ -30,7 +30,8 @@ public:
 class SubVolume final : public ForwardingSystemCalls
 {
 public:
-    explicit SubVolume(ino_t inode) : m_inode(inode) {}
+    SubVolume(ino_t inode, bool isInMemory) : m_inode(inode), m_isInMemory(isInMemory) {}
+    bool isInMemory(int) const override { return m_isInMemory; }
     SystemResult<FileStatus> statusOf(int descriptor) const override
     {
         auto status = ForwardingSystemCalls::statusOf(descriptor);
@@ -41,6 +42,7 @@ public:
 
 private:
     ino_t m_inode;
+    bool m_isInMemory;
 };
 
 } // namespace
@@ -53,6 +55,7 @@ private Q_SLOTS:
     void init();
     void asksForKindsThatAreNotListed();
     void knowsExclusionsThatAreListedWithoutTheirNumbers();
+    void leavesVolumesThatAreNoMounts_data();
     void leavesVolumesThatAreNoMounts();
     void explainsWhyAFolderCouldNotBeEntered();
 
@@ -96,14 +99,23 @@ void TestRemovalSteps::knowsExclusionsThatAreListedWithoutTheirNumbers()
              std::set<QByteArray>({"c", "twin", "folder", "folder/inner", "folder/inner/a"}));
 }
 
+void TestRemovalSteps::leavesVolumesThatAreNoMounts_data()
+{
+    QTest::addColumn<bool>("isInMemory");
+    QTest::addRow("in memory") << true;
+    QTest::addRow("on disk") << false;
+}
+
 void TestRemovalSteps::leavesVolumesThatAreNoMounts()
 {
+    QFETCH(bool, isInMemory);
     struct stat found
     {
     };
     ::lstat((m_downloads + "/folder/inner").constData(), &found);
-    const CleaningReport report = cleanWith(SubVolume(found.st_ino));
+    const CleaningReport report = cleanWith(SubVolume(found.st_ino, isInMemory));
     QCOMPARE(tree(m_downloads), std::set<QByteArray>({"folder", "folder/inner", "folder/inner/a"}));
+    QVERIFY(report.failures.isEmpty());
     QCOMPARE(report.refusals.size(), 1);
     QCOMPARE(report.refusals.first().path, m_downloads + "/folder/inner");
     QCOMPARE(report.refusals.first().reason, RefusalReason::OtherFileSystem);
