@@ -8,6 +8,8 @@
 #include "platform/Alert.h"
 #include "platform/Log.h"
 #include "platform/Sheet.h"
+#include "prefs/ColorWindow.h"
+#include "prefs/PreferencesWindowController.h"
 
 #include <QAction>
 #include <QApplication>
@@ -47,6 +49,7 @@ void AppDelegate::makeMainWindow()
         .workspace = *m_configuration.workspace,
         .calls = hostSystemCalls(),
         .access = ResourceManager::access(),
+        .excludedFilesChanged = m_excludedFilesChanged,
         .addresses = m_configuration.addresses,
         .realHomeDirectory = m_configuration.realHomeDirectory,
         .readVolume = m_configuration.readVolume,
@@ -69,13 +72,15 @@ void AppDelegate::makeMenu()
     connect(reset, &QAction::triggered, controller, &MainWindowController::resetHomeFolder);
     connect(controller, &MainWindowController::navigationAllowed, back, &QAction::setEnabled);
     connect(controller, &MainWindowController::navigationAllowed, reset, &QAction::setEnabled);
+    connect(outlet<QAction>(*menu, "openPreferencesAction"), &QAction::triggered, this,
+            &AppDelegate::openPreferences);
     connect(outlet<QAction>(*menu, "quitAction"), &QAction::triggered, &controller->window(),
             &QWidget::close);
 }
 
 void AppDelegate::watchSettings()
 {
-    QMainWindow &window = m_mainWindowController->window();
+    ColorWindow &window = m_mainWindowController->window();
     connect(m_defaults.get(), &UserDefaults::saveFailed, &window, [&window](const QString &message) {
         if (!hasSheet(window)) // one message is enough for a disk that stays full
             presentAlert(window, {.style = AlertStyle::Warning,
@@ -89,6 +94,27 @@ void AppDelegate::watchSettings()
                           .informativeText = m_defaults->damageMessage() + QStringLiteral("\n\n")
                                              + tr("Cleaning is off until you have checked your "
                                                   "excluded paths.")});
+}
+
+PreferencesWindowController &AppDelegate::preferencesWindowController()
+{
+    if (!m_preferencesWindowController) {
+        const auto access = []() -> FileAccess * {
+            return ResourceManager::checkStoredGrant() ? nullptr : &ResourceManager::access();
+        };
+        m_preferencesWindowController = std::make_unique<PreferencesWindowController>(
+            m_loader, PreferencesWindowController::Services{*m_defaults, hostSystemCalls(), access,
+                                                            m_excludedFilesChanged});
+    }
+    return *m_preferencesWindowController;
+}
+
+void AppDelegate::openPreferences()
+{
+    PreferencesWindowController &preferences = preferencesWindowController();
+    if (!ResourceManager::checkStoredGrant())
+        preferences.setHomeFolder(ResourceManager::homeFolder());
+    preferences.showWindow();
 }
 
 void AppDelegate::updateStatsForURLString(const QString &urlString)

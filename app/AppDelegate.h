@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/Addresses.h"
+#include "app/ExcludedFilesChangedNotification.h"
 #include "app/MainWindowController.h"
 #include "app/PingSender.h"
 #include "app/UserDefaults.h"
@@ -10,7 +11,7 @@
 #include <QObject>
 #include <memory>
 
-class QMenuBar;
+class PreferencesWindowController;
 
 /// The first object of the program's own that runs: registers the settings' defaults, sends the
 /// launch's pings, makes the main window and shows it, and sees to it that everything is on the
@@ -43,8 +44,15 @@ public:
     /// Sends one usage ping.
     void updateStatsForURLString(const QString &urlString);
 
+    /// The preferences; made on first use and kept.
+    PreferencesWindowController &preferencesWindowController();
+
     UserDefaults &defaults() { return *m_defaults; }
     MainWindowController &mainWindowController() { return *m_mainWindowController; }
+
+public Q_SLOTS:
+    /// The menu's command: shows the preferences.
+    void openPreferences();
 
 private:
     void makeMainWindow();
@@ -56,5 +64,7 @@ private:
     InterfaceLoader m_loader;
     std::unique_ptr<UserDefaults> m_defaults;
     std::unique_ptr<PingSender> m_pings;
+    ExcludedFilesChangedNotification m_excludedFilesChanged;
     std::unique_ptr<MainWindowController> m_mainWindowController;
+    std::unique_ptr<PreferencesWindowController> m_preferencesWindowController;
 };

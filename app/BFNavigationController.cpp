@@ -109,6 +109,7 @@ void BFNavigationController::navigateFromViewController(ViewController *from, Vi
                                                         Animated animated, Direction)
 {
     const bool isAnimated = animated == Animated::Yes;
+    to->view(); // a page is loaded before it hears that it will appear
     if (m_delegate)
         m_delegate->willShowViewController(*this, *to, isAnimated);
     send(to, &BFViewController::viewWillAppear, isAnimated);

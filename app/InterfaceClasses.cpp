@@ -2,6 +2,7 @@
 
 #include "chart/PieChart.h"
 #include "platform/InterfaceLoader.h"
+#include "prefs/InterfaceClasses.h"
 #include "widgets/ColorView.h"
 #include "widgets/ImageButton.h"
 #include "widgets/ImageView.h"
@@ -12,6 +13,7 @@
 
 void registerInterfaceClasses(InterfaceLoader &loader)
 {
+    registerPrefsClasses(loader);
     loader.registerClass<ColorView>();
     loader.registerClass<ImageButton>();
     loader.registerClass<ImageView>();

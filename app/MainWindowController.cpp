@@ -8,17 +8,27 @@
 #include "app/UserDefaults.h"
 #include "platform/InterfaceLoader.h"
 #include "platform/Workspace.h"
+#include "prefs/ColorWindow.h"
+
 
 namespace {
 
-std::unique_ptr<QMainWindow> loadedWindow(const InterfaceLoader &loader)
+std::unique_ptr<ColorWindow> loadedWindow(const InterfaceLoader &loader)
 {
     LoadedInterface loaded = loader.load(QStringLiteral("MainWindowController"));
     if (!loaded)
         qFatal("%s: %s", qPrintable(loaded.error().file), qPrintable(loaded.error().text));
-    auto *window = qobject_cast<QMainWindow *>(loaded->release());
-    Q_ASSERT(window);
-    return std::unique_ptr<QMainWindow>(window);
+    auto *window = qobject_cast<ColorWindow *>(loaded->release());
+    if (!window || !window->contentView())
+        qFatal("the main window's description has no window with content");
+    return std::unique_ptr<ColorWindow>(window);
+}
+
+/// The size of a window whose content has this one: the pages are drawn for it.
+QSize frameSizeFor(QSize content)
+{
+    const QRectF inside = ColorWindow::contentRectForFrameRect(QRectF(QPointF(), content));
+    return content + (content - inside.size().toSize());
 }
 
 } // namespace
@@ -31,13 +41,12 @@ MainWindowController::MainWindowController(Services services)
 
 MainWindowController::~MainWindowController()
 {
-    // The views are the pages' own.
-    if (QWidget *content = m_window->takeCentralWidget())
-        content->setParent(nullptr);
+    m_navigationController->view()->setParent(nullptr); // the stack's own, not the window's
 }
 
 void MainWindowController::windowDidLoad()
 {
+    m_window->setFixedSize(frameSizeFor(m_window->contentView()->minimumSize()));
     setupViewControllers();
     setupNavigationController();
 }
@@ -52,8 +61,8 @@ void MainWindowController::setupViewControllers()
     m_freeSpace = std::make_unique<FreeSpaceViewController>(
         loader, FreeSpaceViewController::Services{
                     m_services.defaults, m_services.calls, m_services.access, m_services.workspace,
-                    &ResourceManager::homeFolder, [this] { return grantIsUsable(); },
-                    m_services.readVolume});
+                    m_services.excludedFilesChanged, &ResourceManager::homeFolder,
+                    [this] { return grantIsUsable(); }, m_services.readVolume});
     m_final = std::make_unique<FinalViewController>(
         loader, FinalViewController::Services{
                     m_services.defaults, m_services.stats, m_services.addresses,
@@ -75,9 +84,8 @@ void MainWindowController::setupNavigationController()
     VNTViewController *root = m_services.defaults.hasInitializedFolders()
                                   ? static_cast<VNTViewController *>(m_diskInfo.get())
                                   : m_folderSelect.get();
-    const QWidget *content = m_window->centralWidget();
-    auto navigation = std::make_unique<BFNavigationController>(
-        content ? content->rect() : QRect(), root);
+    auto navigation =
+        std::make_unique<BFNavigationController>(m_window->contentView()->rect(), root);
     navigation->setDelegate(this);
     replaceContentWithViewController(*navigation);
     m_navigationController = std::move(navigation);
@@ -88,13 +96,12 @@ void MainWindowController::setupNavigationController()
 
 void MainWindowController::replaceContentWithViewController(ViewController &controller)
 {
-    QWidget *old = m_window->takeCentralWidget();
-    controller.view()->setGeometry(old ? old->rect() : QRect());
-    m_window->setCentralWidget(controller.view());
-    if (old && m_navigationController)
-        old->setParent(nullptr); // the old stack's own
-    else
-        delete old; // the description's
+    QWidget *old = m_window->contentView();
+    controller.view()->setGeometry(old->rect());
+    m_window->setContentView(controller.view());
+    controller.view()->show();
+    if (!m_navigationController)
+        delete old; // the description's; later ones are the old stack's own
 }
 
 void MainWindowController::showWindow()

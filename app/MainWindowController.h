@@ -8,10 +8,11 @@
 #include "platform/FolderGrant.h"
 #include "slices/FreeSpaceViewController.h"
 
-#include <QMainWindow>
 #include <memory>
 
+class ColorWindow;
 class DiskInfoViewController;
+class ExcludedFilesChangedNotification;
 
 /// Owns the window and the wizard's four pages, and moves between them: pages know no other page,
 /// they ask this to go forward or back. Made once at launch and lives as long as the program. Main
@@ -32,6 +33,7 @@ public:
         Workspace &workspace;
         const SystemCalls &calls;
         FileAccess &access;
+        ExcludedFilesChangedNotification &excludedFilesChanged;
         Addresses addresses;
         std::function<QByteArray()> realHomeDirectory;
         LabelController::Reader readVolume = startUpVolumeSizes;
@@ -41,7 +43,7 @@ public:
     explicit MainWindowController(Services services);
     ~MainWindowController() override;
 
-    QMainWindow &window() { return *m_window; }
+    ColorWindow &window() { return *m_window; }
     void showWindow();
 
     /// The pages in the wizard's order, made once.
@@ -78,7 +80,7 @@ private:
     void tellGrantFailure(GrantFailure failure);
 
     Services m_services;
-    std::unique_ptr<QMainWindow> m_window;
+    std::unique_ptr<ColorWindow> m_window;
     std::unique_ptr<FolderSelectViewController> m_folderSelect;
     std::unique_ptr<DiskInfoViewController> m_diskInfo;
     std::unique_ptr<FreeSpaceViewController> m_freeSpace;

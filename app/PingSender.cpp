@@ -31,8 +31,7 @@ QNetworkRequest plainRequest(const QUrl &url)
 {
     QNetworkRequest request(url);
     request.setTransferTimeout(int(std::chrono::milliseconds(kTransferTimeout).count()));
-    // Nothing that a site hands out is given back to it, not even within one run.
-    request.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
+    // No cookie is kept, so none is ever given back, not even within one run.
     request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
     return request;
 }

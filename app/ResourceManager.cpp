@@ -142,7 +142,19 @@ void ResourceManager::stopAccessing()
 
 FileAccess &ResourceManager::access()
 {
-    return home();
+    // Handed out at start-up, before anything is granted: the folder is resolved when it is used.
+    class LateAccess final : public FileAccess
+    {
+    public:
+        void startAccessing() override { ResourceManager::startAccessing(); }
+        void stopAccessing() override { ResourceManager::stopAccessing(); }
+        std::optional<AnchoredPath> anchoredPath(const FileUrl &url) const override
+        {
+            return home().anchoredPath(url);
+        }
+    };
+    static LateAccess access;
+    return access;
 }
 
 int ResourceManager::accessCount()

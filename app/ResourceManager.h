@@ -10,7 +10,7 @@
 #include <thread>
 
 /// The home folder that the user granted, resolved once: at the first call of homeFolder(),
-/// startAccessing(), stopAccessing() or access(), from then on for the rest of the run. Any thread.
+/// startAccessing() or stopAccessing(), from then on for the rest of the run. Any thread.
 ///
 /// Using it without a valid grant ends the program, because any answer would be somebody else's
 /// folder. So ask checkStoredGrant() and isInForceFor() first: before the first page that works
@@ -45,7 +45,7 @@ public:
     static void startAccessing();
     static void stopAccessing();
 
-    /// The same, for the engines. anchoredPath() knows the URLs at and below homeFolder(), compared
+    /// The same, for the engines; may be handed out before there is a grant. anchoredPath() knows the URLs at and below homeFolder(), compared
     /// by the bytes of their paths. Lives as long as the program.
     static FileAccess &access();
 

@@ -7,3 +7,12 @@ enum ExitCode { kDone = 0, kFailed = 1, kUsageError = 2 };
 
 /// `size PATH...`: measures each place and prints one JSON object a line.
 int runSizeCommand(const QStringList &arguments);
+
+/// `clean PATH... [--exclude URL]... --yes`: measures each place, removes for good what lies in the
+/// folders (or the very files) named, just as the program does, and prints one JSON object a path;
+/// `seconds` is the removal's alone. Does nothing without --yes.
+int runCleanCommand(const QStringList &arguments);
+
+/// `trees FOLDER`: makes the three trees by which the engines are measured, "cache", "flat" and
+/// "deep", in a folder that holds none of these names.
+int runTreesCommand(const QStringList &arguments);

@@ -15,6 +15,8 @@ struct Command
 
 constexpr std::array kCommands{
     Command{"size", "size [--threads N] PATH...", &runSizeCommand},
+    Command{"clean", "clean PATH... [--exclude URL]... --yes", &runCleanCommand},
+    Command{"trees", "trees FOLDER", &runTreesCommand},
 };
 
 int printUsage()

@@ -5,11 +5,14 @@
 
 namespace {
 
+constexpr QPointF kFirstControlPoint(0.25, 0.1);
+constexpr QPointF kSecondControlPoint(0.25, 1);
+
 const QEasingCurve &timingCurve()
 {
     static const QEasingCurve curve = [] {
         QEasingCurve bezier(QEasingCurve::BezierSpline);
-        bezier.addCubicBezierSegment({0.25, 0.1}, {0.25, 1}, {1, 1});
+        bezier.addCubicBezierSegment(kFirstControlPoint, kSecondControlPoint, {1, 1});
         return bezier;
     }();
     return curve;

@@ -17,7 +17,7 @@ public:
 
     /// Without colours nothing is painted.
     const std::optional<Colors> &colors() const { return m_colors; }
-    void setColors(std::optional<Colors> colors) { m_colors = std::move(colors); }
+    void setColors(const std::optional<Colors> &colors) { m_colors = colors; }
 
     /// Fits frame and mask to the slice's shape.
     void fit(const QPainterPath &path);

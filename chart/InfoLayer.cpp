@@ -25,17 +25,19 @@ constexpr double kNameBottom = -25;
 constexpr double kSizeBottom = -43;
 
 constexpr QColor kTextColor(255, 255, 255);
-/// A soft dark halo, strongest below the letters, keeps them readable on light slices.
+/// A soft dark halo, strongest below, keeps light letters and icons readable on light slices.
 constexpr double kHalo = 2;
 struct HaloStep
 {
     QPointF offset;
-    int alpha;
+    int alpha = 0; ///< of 255
 };
 constexpr std::array kHaloSteps{
     HaloStep{{0, 1}, 55},  HaloStep{{-1, 0}, 14},     HaloStep{{1, 0}, 14},
     HaloStep{{0, -1}, 10}, HaloStep{{-1, 1}, 16},     HaloStep{{1, 1}, 16},
     HaloStep{{0, 2}, 16},  HaloStep{{-0.5, 0.5}, 14}, HaloStep{{0.5, 0.5}, 14}};
+
+constexpr HaloStep kIconShade{{0, 1}, 70};
 
 QRectF centredFrame(double width, double bottom, double top)
 {
@@ -74,6 +76,23 @@ void drawRuns(QPainter &painter, QPointF baseline, const WeightedText &runs, int
         painter.drawText(baseline, run.text);
         baseline.rx() += QFontMetricsF(font).horizontalAdvance(run.text);
     }
+}
+
+void drawIcon(QPainter &painter, QPointF corner, const QPixmap &icon)
+{
+    if (icon.isNull())
+        return;
+    QPixmap shade = icon;
+    {
+        QPainter blackener(&shade);
+        blackener.setCompositionMode(QPainter::CompositionMode_SourceIn);
+        blackener.fillRect(QRect(QPoint(), kImageSize), Qt::black);
+    }
+    // Below only: a whole halo would shine through the icons' half transparent parts as dirt.
+    painter.setOpacity(QColor(0, 0, 0, kIconShade.alpha).alphaF());
+    painter.drawPixmap(corner + kIconShade.offset, shade);
+    painter.setOpacity(1);
+    painter.drawPixmap(corner, icon);
 }
 
 } // namespace
@@ -184,10 +203,9 @@ QRectF InfoLayer::sizeFrame() const
 
 QRectF InfoLayer::neededBounds() const
 {
-    if (m_content.isIconAlone)
-        return imageFrame();
-    const QRectF texts = (nameFrame() | sizeFrame()).adjusted(-kHalo, -kHalo, kHalo, kHalo);
-    return (imageFrame() | texts).toAlignedRect();
+    const QRectF parts =
+        m_content.isIconAlone ? imageFrame() : imageFrame() | nameFrame() | sizeFrame();
+    return parts.adjusted(-kHalo, -kHalo, kHalo, kHalo).toAlignedRect();
 }
 
 QPixmap InfoLayer::drawn(double scale) const
@@ -198,8 +216,8 @@ QPixmap InfoLayer::drawn(double scale) const
     picture.fill(Qt::transparent);
     QPainter painter(&picture);
     painter.translate(-area.left(), area.bottom()); // the middle is the origin from here on
-    painter.drawPixmap(QPointF(imageFrame().left(), -imageFrame().bottom()),
-                       imageNamed(m_content.image, scale, kImageSize));
+    drawIcon(painter, {imageFrame().left(), -imageFrame().bottom()},
+             imageNamed(m_content.image, scale, kImageSize));
     if (m_content.isIconAlone)
         return picture;
     const QFontMetricsF nameMetrics(interfaceFont(Typeface::Light, kNameFontSize));

@@ -8,6 +8,7 @@
 #include "widgets/BackgroundView.h"
 
 #include <QTimer>
+#include <algorithm>
 #include <numbers>
 #include <vector>
 
@@ -52,13 +53,15 @@ public:
     void setAnimationSpeed(double seconds) { m_animationSpeed = seconds; }
 
     /// Outer radius of every slice; at first half of the widget's smaller side.
-    double pieRadius() const;
+    double pieRadius() const { return m_pieRadius.value_or(halfSide()); }
     void setPieRadius(double radius);
 
     /// How far from the centre the labels sit; at first a quarter of the widget's smaller side.
-    double infoRadius() const;
+    double infoRadius() const { return m_infoRadius.value_or(halfSide() / 2); }
     void setInfoRadius(double radius);
 
+    /// At first the middle of the widget.
+    QPointF center() const override { return m_center.value_or(QRectF(rect()).center()); }
     void setCenter(QPointF center) override;
 
     /// Whether an animation has run to its end, so that slices wear gradients. A page that wants
@@ -132,6 +135,8 @@ protected:
     void focusOutEvent(QFocusEvent *event) override;
 
 private:
+    static constexpr double kDefaultAnimationSpeed = 0.75;
+
     /// Which angles of a slice its shape is made from.
     enum class LayerState { Model, Presentation };
     /// What the data source said for one reload.
@@ -161,7 +166,7 @@ private:
     void commitAnimations();
     QColor colorForSlice(int index);
 
-    void followSize();
+    double halfSide() const { return static_cast<double>(std::min(width(), height())) / 2; }
     void refreshSliceLayer(SliceLayer &layer, LayerState state);
     void refreshSliceLayers(LayerState state);
     void updateLayer(const SliceLayer &layer);
@@ -182,8 +187,8 @@ private:
     WeakReference<PieChartDelegate> m_delegate;
     MediaClock m_clock = steadyMediaTime;
     double m_startPieAngle = std::numbers::pi / 2;
-    double m_animationSpeed = 0.75;
-    bool m_hasOwnCenter = false;
+    double m_animationSpeed = kDefaultAnimationSpeed;
+    std::optional<QPointF> m_center;
     std::optional<double> m_pieRadius;
     std::optional<double> m_infoRadius;
 

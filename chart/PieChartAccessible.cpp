@@ -24,7 +24,7 @@ class SliceAccessible final : public QAccessibleInterface, public QAccessibleAct
 public:
     SliceAccessible(PieChart &chart, int index) : m_object(&chart), m_index(index) {}
 
-    bool isValid() const override { return layer(); }
+    bool isValid() const override { return layer() != nullptr; }
     QObject *object() const override { return nullptr; }
     QWindow *window() const override
     {
@@ -59,7 +59,7 @@ public:
 private:
     PieChart *chart() const { return livingChart(m_object); }
     const SliceLayer *layer() const { return chart() ? chart()->layerOfSlice(m_index) : nullptr; }
-    bool canPress() const { return chart() && chart()->canSelectSlice(m_index); }
+    bool canPress() const { return chart() != nullptr && chart()->canSelectSlice(m_index); }
 
     QPointer<QObject> m_object;
     int m_index;
@@ -116,7 +116,7 @@ QRect SliceAccessible::rect() const
 QAccessible::State SliceAccessible::state() const
 {
     QAccessible::State state;
-    state.invalid = !layer();
+    state.invalid = !isValid();
     if (!layer())
         return state;
     state.invisible = !chart()->isVisible();

@@ -16,6 +16,8 @@ class PieChart;
 class PieChartDataSource : public WeaklyReferable
 {
 public:
+    virtual ~PieChartDataSource() = default;
+
     virtual int numberOfSlicesInPieChart(PieChart &chart) = 0;
 
     /// What the label shows; null for a slice without label.
@@ -38,7 +40,4 @@ public:
     /// What a screen reader says for the slice. Without an answer it is the label's name and size:
     /// answer for slices whose label has no words.
     virtual std::optional<QString> accessibleNameForSliceAtIndex(PieChart &, int) { return {}; }
-
-protected:
-    ~PieChartDataSource() = default;
 };

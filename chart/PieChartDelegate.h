@@ -12,6 +12,8 @@ class PieChart;
 class PieChartDelegate : public WeaklyReferable
 {
 public:
+    virtual ~PieChartDelegate() = default;
+
     /// The user clicked the slice, or chose it with the keyboard or a screen reader. Always the
     /// index of a slice. The chart may be reloaded from here.
     virtual void didSelectSliceAtIndex(PieChart &, int) {}
@@ -29,7 +31,4 @@ public:
     /// The chart itself never sends these two.
     virtual void willSelectSliceAtIndex(PieChart &, int) {}
     virtual std::optional<QString> toopTipStringAtIndex(PieChart &, int) { return {}; }
-
-protected:
-    ~PieChartDelegate() = default;
 };

@@ -5,6 +5,7 @@
 #include "chart/SliceFocus.h"
 #include "chart/SlicePainting.h"
 
+#include <QApplication>
 #include <QFocusEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -16,11 +17,12 @@ namespace {
 struct Ring
 {
     QColor color;
-    double width;
+    double width = 0;
 };
-/// The focus ring, inside the slice's edge: light, and dark within, so that it is seen on any
-/// colour.
-constexpr std::array kFocusRings{Ring{QColor(0, 0, 0, 110), 5}, Ring{QColor(255, 255, 255), 3}};
+/// The focus ring, inside the slice's edge: a light band with a dark rim, so that it is seen on any
+/// colour and before any ground. Painted from the widest to the narrowest.
+constexpr std::array kFocusRings{Ring{QColor(0, 0, 0, 90), 6}, Ring{QColor(255, 255, 255), 5},
+                                 Ring{QColor(0, 0, 0, 140), 1.5}};
 
 bool isKeyboardReason(Qt::FocusReason reason)
 {
@@ -83,7 +85,7 @@ void PieChart::paintFocusRing(QPainter &painter) const
 void PieChart::resizeEvent(QResizeEvent *event)
 {
     BackgroundView::resizeEvent(event);
-    followSize();
+    refreshSliceLayers(LayerState::Presentation);
 }
 
 bool PieChart::event(QEvent *event)
@@ -137,8 +139,10 @@ void PieChart::destoryTrackingArea()
 
 void PieChart::pointerLeft()
 {
-    // Outside the widget no move is told, so leaving it is the last chance to say so.
-    if (m_hasTrackingArea)
+    // Outside the widget no move is told, so leaving it is the last chance to say so. A popup, such
+    // as one that explains the slice, takes the pointer away for a while only.
+    const bool isBorrowed = QApplication::activePopupWidget() != nullptr;
+    if (m_hasTrackingArea && !isBorrowed)
         reportHover(-1);
     else
         m_leftUnseen = true;
@@ -156,6 +160,7 @@ void PieChart::mousePressEvent(QMouseEvent *event)
         BackgroundView::mousePressEvent(event);
         return;
     }
+    // A click that brings the window to the front arrives here as well, and counts.
     const int index = getCurrentSelectedOnLocation(event->position());
     if (index == -1)
         return;
@@ -181,7 +186,8 @@ void PieChart::selectSlice(int index)
 
 bool PieChart::canSelectSlice(int index)
 {
-    return delegate() && layerOfSlice(index) && delegate()->canSelectSliceAtIndex(*this, index);
+    return delegate() != nullptr && layerOfSlice(index) != nullptr &&
+           delegate()->canSelectSliceAtIndex(*this, index);
 }
 
 void PieChart::updateFocusPolicy()

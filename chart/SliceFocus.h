@@ -6,7 +6,7 @@
 /// Where the keyboard's focus may go: a slice and where its label is.
 struct FocusStop
 {
-    int index;
+    int index = -1;
     QPointF place;
 };
 

@@ -77,7 +77,7 @@ public:
 
     /// Nothing is filled without a colour.
     const std::optional<QColor> &fillColor() const { return m_fillColor; }
-    void setFillColor(std::optional<QColor> color) { m_fillColor = std::move(color); }
+    void setFillColor(const std::optional<QColor> &color) { m_fillColor = color; }
 
     QColor shadowColor() const { return m_shadowColor; }
     QPointF shadowOffset() const { return m_shadowOffset; }

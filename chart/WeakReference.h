@@ -7,6 +7,8 @@
 class WeaklyReferable
 {
 public:
+    WeaklyReferable &operator=(const WeaklyReferable &) = delete;
+
     /// Expires with the object.
     std::weak_ptr<const void> lifetime() const { return m_lifetime; }
 
@@ -14,7 +16,6 @@ protected:
     WeaklyReferable() = default;
     ~WeaklyReferable() = default;
     WeaklyReferable(const WeaklyReferable &) {} // a copy lives its own life
-    WeaklyReferable &operator=(const WeaklyReferable &) { return *this; }
 
 private:
     std::shared_ptr<const void> m_lifetime = std::make_shared<char>();

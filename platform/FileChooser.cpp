@@ -1,6 +1,6 @@
 #include "platform/FileChooser.h"
 
-#include "platform/EnabledItems.h"
+#include "platform/ChooserItems.h"
 #include "platform/FileIcons.h"
 #include "platform/Fonts.h"
 
@@ -25,34 +25,34 @@ constexpr QSize kNavigationIcon(18, 18);
 constexpr QSize kNavigationButton(30, 30);
 constexpr int kPlacesWidth = 148;
 constexpr int kSizeWidth = 90;
-constexpr int kDateWidth = 150;
+constexpr int kDateWidth = 168;
 
 // Fusion's look, a little calmer and roomier.
 constexpr char kStyle[] = R"(
     QTreeView, QListView {
         border: 1px solid rgba(0, 0, 0, 46); border-radius: 7px; background: palette(base);
-        outline: 0; selection-background-color: #156aca; selection-color: white; }
-    QTreeView:focus, QListView:focus { border: 1px solid #156aca; }
+        padding: 0 4px; outline: 0; selection-background-color: palette(highlight);
+        selection-color: palette(highlighted-text); }
+    QTreeView:focus, QListView:focus { border: 1px solid palette(highlight); }
     QTreeView::item, QListView::item { min-height: 26px; }
-    QTreeView::item:selected, QListView::item:selected { background: #156aca; color: white; }
+    QTreeView::item:selected, QListView::item:selected {
+        background: palette(highlight); color: palette(highlighted-text); }
     QTreeView::item:selected:!active, QListView::item:selected:!active {
         background: rgba(21, 106, 202, 60); color: palette(text); }
     QListView { padding: 4px 2px; background: palette(alternate-base); }
     QHeaderView { background: transparent; }
     QHeaderView::section {
         background: transparent; border: 0; border-bottom: 1px solid rgba(0, 0, 0, 30);
-        padding: 6px 8px; color: rgba(60, 66, 74, 200); }
+        padding: 6px 4px; color: rgba(60, 66, 74, 200); }
     QLineEdit {
         border: 1px solid rgba(0, 0, 0, 60); border-radius: 6px; padding: 5px 8px;
-        background: palette(base); selection-background-color: #156aca; }
-    QLineEdit:focus { border: 2px solid #156aca; padding: 4px 7px; }
+        background: palette(base); selection-background-color: palette(highlight); }
+    QLineEdit:focus { border: 2px solid palette(highlight); padding: 4px 7px; }
     QToolButton { border: 2px solid transparent; border-radius: 6px; padding: 4px; }
     QToolButton:hover { background: rgba(0, 0, 0, 18); }
     QToolButton:pressed { background: rgba(0, 0, 0, 36); }
-    QToolButton:focus { border: 2px solid #156aca; }
+    QToolButton:focus { border: 2px solid palette(highlight); }
 )";
-
-enum Column { NameColumn, SizeColumn, TypeColumn, DateColumn };
 
 QString startFolder(const QByteArray &wanted)
 {
@@ -85,8 +85,7 @@ FileChooser::FileChooser(const OpenPanel &panel, FileIcons &icons, QWidget *pare
     setFont(interfaceFont(Typeface::Regular, kFontSize));
     setIconProvider(&icons);
     setDirectory(startFolder(panel.startFolder));
-    if (panel.shouldEnable)
-        setProxyModel(new EnabledItems(panel.shouldEnable, this));
+    setProxyModel(new ChooserItems(panel.shouldEnable, this));
     findParts();
     hideSpareParts();
     setUpBar();
@@ -169,10 +168,10 @@ void FileChooser::setUpList()
     QHeaderView &header = *m_list->header();
     header.setStretchLastSection(false);
     header.setSectionResizeMode(QHeaderView::Fixed);
-    header.setSectionResizeMode(NameColumn, QHeaderView::Stretch);
-    header.resizeSection(SizeColumn, kSizeWidth);
-    header.resizeSection(DateColumn, kDateWidth);
-    header.hideSection(TypeColumn);
+    header.setSectionResizeMode(ChooserItems::Name, QHeaderView::Stretch);
+    header.resizeSection(ChooserItems::Size, kSizeWidth);
+    header.resizeSection(ChooserItems::Date, kDateWidth);
+    header.hideSection(ChooserItems::Type);
     header.setContextMenuPolicy(Qt::NoContextMenu);
     m_list->setContextMenuPolicy(Qt::NoContextMenu);
     m_list->setDragEnabled(false);

@@ -30,10 +30,16 @@ private:
             widget->setObjectName(name);
             return widget;
         }
-        if (availableWidgets().contains(className))
+        if (isToolkitClass(className))
             return QUiLoader::createWidget(className, parent, name);
         m_unknownClass = className;
         return new QWidget(parent);
+    }
+
+    /// "Line" is what descriptions call a frame that is drawn as one.
+    bool isToolkitClass(const QString &className) const
+    {
+        return className == QLatin1String("Line") || availableWidgets().contains(className);
     }
 
     QHash<QString, Factory> m_factories;

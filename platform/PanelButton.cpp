@@ -7,7 +7,6 @@
 
 namespace {
 
-constexpr QColor kAccent(21, 106, 202);
 constexpr QColor kDanger(196, 46, 38);
 constexpr int kFontSize = 13;
 constexpr int kHeight = 32;
@@ -34,7 +33,8 @@ QSize PanelButton::sizeHint() const
 
 QColor PanelButton::faceColor() const
 {
-    const QColor face = isDefault() ? QColor(kAccent) : palette().color(QPalette::Base);
+    const QColor face =
+        isDefault() ? palette().color(QPalette::Highlight) : palette().color(QPalette::Base);
     if (isDown())
         return face.darker(isDefault() ? 122 : 112);
     if (underMouse() && isEnabled())
@@ -45,14 +45,14 @@ QColor PanelButton::faceColor() const
 QColor PanelButton::textColor() const
 {
     if (isDefault())
-        return Qt::white;
+        return palette().color(QPalette::HighlightedText);
     return m_look == PanelButtonLook::Destructive ? QColor(kDanger)
                                                   : palette().color(QPalette::WindowText);
 }
 
 void PanelButton::paintRing(QPainter &painter, const QRectF &face) const
 {
-    QColor ring = kAccent;
+    QColor ring = palette().color(QPalette::Highlight);
     ring.setAlphaF(0.45F);
     painter.setPen(QPen(ring, kRing));
     painter.setBrush(Qt::NoBrush);
@@ -69,8 +69,8 @@ void PanelButton::paintEvent(QPaintEvent *)
     const QRectF face = QRectF(rect()).adjusted(kRing, kRing, -kRing, -kRing);
     if (hasFocus())
         paintRing(painter, face);
-    QColor border =
-        isDefault() ? QColor(kAccent).darker(115) : palette().color(QPalette::WindowText);
+    QColor border = isDefault() ? palette().color(QPalette::Highlight).darker(115)
+                                : palette().color(QPalette::WindowText);
     border.setAlphaF(isDefault() ? 1.0F : 0.22F);
     painter.setPen(QPen(border, 1));
     painter.setBrush(faceColor());

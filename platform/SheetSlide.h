@@ -34,5 +34,5 @@ private:
     SheetOverlay &m_overlay;
     QPixmap m_behind; ///< the window without the sheet
     QPixmap m_sheet;
-    QVariantAnimation m_animation;
+    QVariantAnimation m_animation{this};
 };

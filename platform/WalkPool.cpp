@@ -25,7 +25,7 @@ std::optional<WalkShare> WalkPool::take()
     std::unique_lock lock(m_mutex);
     ++m_idle;
     updateWanted();
-    if ((m_idle == m_started && m_shares.empty()) || m_stop.stop_requested()) {
+    if (m_idle == m_started && m_shares.empty()) {
         m_isOver = true;
         m_changed.notify_all();
     }

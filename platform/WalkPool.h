@@ -26,10 +26,10 @@ public:
 
     void give(WalkShare share);
 
-    /// The next piece of work; waits for it. Nothing once all threads have run out of work or a
-    /// stop was requested.
+    /// The next piece of work; waits for it. Nothing once all threads have run out of work.
     std::optional<WalkShare> take();
 
+    /// Whether the walk is to end: every thread then drops its work and comes for more.
     bool isStopped() const { return m_stop.stop_requested(); }
 
 private:

@@ -97,6 +97,8 @@ void WalkWorker::enterNextSubfolder()
     level.folder = top().folder.child(name, *status);
     level.descriptor = std::make_shared<const FileDescriptor>(std::move(*opened));
     level.detail = m_visitor.entered(*level.folder, level.descriptor->get());
+    if (top().waiting.isEmpty())
+        m_levels.pop_back(); // nobody has to come back to it
     push(std::move(level));
     listTop();
 }
@@ -178,32 +180,39 @@ void WalkWorker::addSubfolder(const char *name)
     ++m_waiting;
 }
 
-/// Goes back to the level above. There is one, for something waits above a top that has nothing.
+/// Goes back to the nearest folder in which something waits. There is one, and it is the next.
 void WalkWorker::leaveTop()
 {
     const WalkLevel left = std::move(top());
     m_levels.pop_back();
     if (top().descriptor)
         return;
-    auto reopened = reopenFromBelow(*top().folder, left.descriptor->get());
+    auto reopened = climb(left, *top().folder);
     if (!reopened)
         return giveUpWaiting(reopened.error());
     top().descriptor = std::make_shared<const FileDescriptor>(std::move(*reopened));
     m_firstOpen = m_levels.size() - 1;
 }
 
-/// The folder below may have been moved meanwhile: what holds it now need not be ours.
-SystemResult<FileDescriptor> WalkWorker::reopenFromBelow(const WalkedFolder &folder, int below)
+/// Opens a folder somewhere above an open one. One on the way may have been moved meanwhile: where
+/// the way ends up need not be where it began.
+SystemResult<FileDescriptor> WalkWorker::climb(const WalkLevel &from, const WalkedFolder &to)
 {
-    auto opened = m_calls.openParent(below);
-    if (!opened)
-        return opened;
-    const auto status = m_calls.statusOf(opened->get());
+    FileDescriptor held;
+    int below = from.descriptor->get();
+    for (const WalkedFolder *at = &*from.folder; at != &to; at = at->parent()) {
+        auto opened = m_calls.openParent(below);
+        if (!opened)
+            return opened;
+        held = std::move(*opened);
+        below = held.get();
+    }
+    const auto status = m_calls.statusOf(below);
     if (!status)
         return tl::unexpected(status.error());
-    if (status->inode != folder.status().inode || status->device != folder.status().device)
+    if (status->inode != to.status().inode || status->device != to.status().device)
         return tl::unexpected(ESTALE);
-    return opened;
+    return held;
 }
 
 /// The way back up is lost, and with it all that waits: every level is closed by now.
@@ -232,6 +241,8 @@ void WalkWorker::shareSubfolders()
     FolderNames half = level->waiting.takeFirstHalf();
     m_waiting -= half.count();
     m_pool.give({{level->folder, level->descriptor, level->detail, std::move(half)}, {}});
+    if (level->waiting.isEmpty() && &*level != &top())
+        m_levels.erase(level);
 }
 
 void WalkWorker::failed(const char *name, int error)

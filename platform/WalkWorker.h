@@ -5,9 +5,10 @@
 
 #include <span>
 
-/// One thread of a walk. Goes down folder by folder with a stack of its own on the heap, and hands
-/// work to the pool while other threads are idle. The lowest levels of its way stay open; past its
-/// bound the upper ones are closed, and opened again from below when it comes back to them.
+/// One thread of a walk. Goes down folder by folder with a stack of its own on the heap, on which
+/// lie the folder at hand and those above it in which others still wait to be entered; it hands
+/// work to the pool while other threads are idle. The lowest levels stay open; past its bound the
+/// upper ones are closed, and opened again from below when it comes back to them.
 class WalkWorker final
 {
 public:
@@ -35,7 +36,7 @@ private:
     void addSubfolder(const char *name);
 
     void leaveTop();
-    SystemResult<FileDescriptor> reopenFromBelow(const WalkedFolder &folder, int below);
+    SystemResult<FileDescriptor> climb(const WalkLevel &from, const WalkedFolder &to);
     void giveUpWaiting(int error);
     void closeUpperLevels(std::size_t openLevels);
 

@@ -2,7 +2,7 @@
 
 #include "platform/Log.h"
 #include "slices/AnchoredFolder.h"
-#include "slices/Remover.h"
+#include "slices/RemovalCrew.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -10,6 +10,9 @@
 namespace {
 
 constexpr std::size_t kReadBytes = 64 * 1024;
+/// While one thread waits for the disk the other works; in memory they would only wait for each
+/// other. More than two gain nothing.
+constexpr unsigned kThreadsForDisks = 2;
 constexpr std::size_t kMaxCandidatesLogged = 1000;
 
 FileUrlKind urlKind(FileKind kind)
@@ -38,7 +41,6 @@ private:
     void removeFile(const CleaningLocation &location);
     bool isAsPlanned(const CleaningLocation &location, const SystemResult<FileIdentity> &found);
     void refuse(const CleaningLocation &location, RefusalReason reason, int error);
-    EntryOrder orderFor(int folder) const;
 
     void logContents(const CleaningLocation &location, const FolderListing &listing);
     void logFiles(std::size_t first);
@@ -73,15 +75,20 @@ void Performance::emptyFolder(const CleaningLocation &location)
     if (!isAsPlanned(location, identity))
         return;
     const Protection protection(m_plan, location, identity->device);
-    const RemovalSteps steps(m_calls, protection, m_ledger, orderFor(folder->get()));
+    const bool isInMemory = m_calls.isInMemory(folder->get());
+    const RemovalSteps steps(m_calls, protection, m_ledger,
+                             isInMemory ? EntryOrder::AsListed : EntryOrder::ByInode);
     auto listing = steps.list(folder->get(), m_space);
     if (!listing)
         return refuse(location, RefusalReason::PartlyListed, listing.error());
     if (!location.isTouched)
         logContents(location, *listing);
     const Care care = location.isTouched ? Care::Judged : Care::Logged;
-    Remover(steps, m_stop)
-        .removeListed({folder->get(), location.url.path() + '/', care}, std::move(*listing));
+    const HeldFolder held{folder->get(), location.url.path() + '/', care};
+    if (isInMemory)
+        Remover(steps, m_stop).removeListed(held, std::move(*listing));
+    else
+        RemovalCrew(steps, m_stop, kThreadsForDisks).removeListed(held, std::move(*listing));
 }
 
 void Performance::removeFile(const CleaningLocation &location)
@@ -120,11 +127,6 @@ void Performance::refuse(const CleaningLocation &location, RefusalReason reason,
 {
     if (error != ENOENT)
         m_ledger.refused(location.url.path(), reason, error);
-}
-
-EntryOrder Performance::orderFor(int folder) const
-{
-    return m_calls.isInMemory(folder) ? EntryOrder::AsListed : EntryOrder::ByInode;
 }
 
 void Performance::logContents(const CleaningLocation &location, const FolderListing &listing)

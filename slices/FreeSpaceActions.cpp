@@ -77,7 +77,7 @@ void FreeSpaceViewController::didHoverOverSliceAtIndex(PieChart &, int index)
     if (index == m_hoverButtons->currentHoverIndex())
         return;
     m_hoverButtons->setCurrentHoverIndex(index);
-    m_hoverButtons->remove();
+    m_hoverButtons->hide();
     if (index == SliceHoverButtons::kNoSlice)
         return;
     const auto count = static_cast<int>(sliceCatalogue().size());
@@ -187,7 +187,7 @@ void FreeSpaceViewController::showCleaningState()
 {
     m_startButton->mainText().setText(tr("Cleaning"));
     m_startButton->detailText().setText(QString());
-    m_hoverButtons->remove();
+    m_hoverButtons->hide();
     for (QWidget *subview : directSubviews(*view())) {
         if (subview != m_startButton && subview != m_pieChart)
             animateAlphaValue(*subview, 0);

@@ -1,10 +1,14 @@
 #include "slices/FreeSpaceViewController.h"
 
+#include "app/ExcludedFilesChangedNotification.h"
 #include "app/PageViews.h"
+#include "app/SettingsKeys.h"
 #include "app/UserDefaults.h"
 #include "chart/PieChart.h"
 #include "platform/InterfaceLoader.h"
+#include "platform/Sheet.h"
 #include "platform/ViewAlpha.h"
+#include "prefs/DemoWindowController.h"
 #include "slices/FolderSizing.h"
 #include "slices/SliceHoverButtons.h"
 #include "widgets/ImageButton.h"
@@ -12,10 +16,13 @@
 #include "widgets/StartButton.h"
 #include "widgets/TextField.h"
 
+#include <QTimer>
+
 namespace {
 
 constexpr double kLabelRadius = 155.0;
 constexpr std::chrono::seconds kEntrance{1};
+constexpr std::chrono::seconds kPauseBeforeTutorial{1};
 
 QColor colorOf(const SliceColor &color)
 {
@@ -31,6 +38,7 @@ FreeSpaceViewController::FreeSpaceViewController(const InterfaceLoader &loader, 
       m_labelController(nullptr, m_services.readVolume),
       m_selection(m_services.defaults, m_services.access),
       m_sizeChanged(std::make_shared<FileSizeChangedNotification>()),
+      m_loader(loader),
       m_job(m_services.calls, m_services.access)
 {
     connect(&m_job, &CleaningJob::finished, this, &FreeSpaceViewController::finishCleaning);
@@ -52,6 +60,8 @@ void FreeSpaceViewController::viewDidLoad()
     makeHoverButtons();
     connect(m_sizeChanged.get(), &FileSizeChangedNotification::posted, this,
             &FreeSpaceViewController::updateButtonText);
+    connect(&m_services.excludedFilesChanged, &ExcludedFilesChangedNotification::posted, this,
+            &FreeSpaceViewController::updateExcludedFiles);
 }
 
 void FreeSpaceViewController::connectOutlets()
@@ -101,6 +111,21 @@ void FreeSpaceViewController::viewDidAppear(bool)
     animateAlphaValue(*m_legendImageView, 1, kEntrance);
     m_pieChart->setDrawShadow(true);
     m_startButton->setEnabled(true);
+    QTimer::singleShot(kPauseBeforeTutorial, this,
+                       &FreeSpaceViewController::showTutorialUnlessDeclined);
+}
+
+void FreeSpaceViewController::showTutorialUnlessDeclined()
+{
+    if (!m_services.defaults.boolean(VNTHideDemoWindowString))
+        presentSheet(*view(), *demoWindowController().window());
+}
+
+DemoWindowController &FreeSpaceViewController::demoWindowController()
+{
+    if (!m_demoWindowController)
+        m_demoWindowController = std::make_unique<DemoWindowController>(m_loader, m_services.defaults);
+    return *m_demoWindowController;
 }
 
 void FreeSpaceViewController::viewWillDisappear(bool)

@@ -10,6 +10,8 @@
 #include <functional>
 #include <stop_token>
 
+class DemoWindowController;
+class ExcludedFilesChangedNotification;
 class PieChart;
 class SliceHoverButtons;
 class StartButton;
@@ -33,6 +35,7 @@ public:
         const SystemCalls &calls;
         FileAccess &access;
         Workspace &workspace;
+        ExcludedFilesChangedNotification &excludedFilesChanged;
         std::function<FileUrl()> homeFolder;
         /// Whether work would be done in the very folder that the user granted; asked before a
         /// cleaning. Tells the user when not.
@@ -48,6 +51,8 @@ public:
     StartButton *startButton() const { return m_startButton; }
     SliceSelection &selection() { return m_selection; }
     SliceHoverButtons *hoverButtons() const { return m_hoverButtons; }
+    /// The tutorial; made on first use and kept.
+    DemoWindowController &demoWindowController();
     bool isCleaning() const { return m_isCleaning; }
 
     void viewDidLoad() override;
@@ -85,6 +90,7 @@ Q_SIGNALS:
 
 private:
     void connectOutlets();
+    void showTutorialUnlessDeclined();
     void makeHoverButtons();
     void rebuildRecords();
     void selectionChanged();
@@ -102,7 +108,9 @@ private:
     SliceSelection m_selection;
     std::shared_ptr<FileSizeChangedNotification> m_sizeChanged;
     std::stop_source m_measuring; ///< stops the measures of an earlier visit
+    const InterfaceLoader &m_loader;
     CleaningJob m_job;
+    std::unique_ptr<DemoWindowController> m_demoWindowController;
     bool m_isCleaning = false;
     PieChart *m_pieChart = nullptr;
     StartButton *m_startButton = nullptr;

@@ -61,7 +61,7 @@ void SliceHoverButtons::placeOnSlice(int index, int sliceCount, RevealOffer offe
         place(*m_showInFinderButton, m_chart, end - kRevealLead);
 }
 
-void SliceHoverButtons::remove()
+void SliceHoverButtons::hide()
 {
     m_infoButton->hide();
     m_showInFinderButton->hide();

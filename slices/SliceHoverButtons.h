@@ -30,7 +30,7 @@ public:
 
     /// Puts the buttons onto this slice of so many equal ones.
     void placeOnSlice(int index, int sliceCount, RevealOffer offer);
-    void remove();
+    void hide();
 
     ImageButton *infoButton() const { return m_infoButton; }
     ImageButton *showInFinderButton() const { return m_showInFinderButton; }

@@ -68,7 +68,7 @@ void BackgroundView::placeShadowView()
     const QSize size = m_shadowView->size();
     const int middle = superview ? superview->width() / 2 : 0;
     m_shadowView->move(middle - size.width() / 2, y() + height() + kShadowOverhang - size.height());
-    m_shadowView->setVisible(superview);
+    m_shadowView->setVisible(superview != nullptr);
     m_shadowView->stackUnder(this);
 }
 

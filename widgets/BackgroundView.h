@@ -26,7 +26,7 @@ public:
     void setBackgroundColor(const QColor &color);
 
     /// A point that means something to the views made from this one; in this widget's coordinates.
-    QPointF center() const { return m_center; }
+    virtual QPointF center() const { return m_center; }
     virtual void setCenter(QPointF center);
 
     /// Whether the shadow is shown, or on its way to be.

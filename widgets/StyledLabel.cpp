@@ -19,9 +19,9 @@ Style styleOf(StyledLabel::Role role)
     case StyledLabel::Body:
         return {Typeface::Light, 16, QColor(90, 93, 99)};
     case StyledLabel::Caption:
-        return {Typeface::Regular, 13, QColor(125, 128, 134)};
+        return {Typeface::Regular, 13, QColor(106, 109, 115)};
     case StyledLabel::Quiet:
-        return {Typeface::Regular, 12, QColor(150, 153, 159)};
+        return {Typeface::Regular, 12, QColor(115, 118, 124)};
     }
     Q_UNREACHABLE();
 }

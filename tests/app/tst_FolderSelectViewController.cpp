@@ -3,6 +3,7 @@
 #include "app/SettingsKeys.h"
 #include "platform/FolderGrant.h"
 #include "platform/Sheet.h"
+#include "tests/support/ForwardingSystemCalls.h"
 #include "tests/support/GuiTestMain.h"
 #include "tests/support/PageFixture.h"
 #include "tests/support/RecordingPageDelegate.h"
@@ -12,6 +13,10 @@
 
 #include <QElapsedTimer>
 #include <QLineEdit>
+#include <QPointer>
+#include <QSignalSpy>
+#include <QTimer>
+#include <cerrno>
 
 class TestFolderSelectViewController final : public QObject
 {
@@ -38,16 +43,18 @@ private:
 
     std::unique_ptr<PageFixture> m_fixture;
     std::unique_ptr<FolderSelectViewController> m_page;
+    ForwardingSystemCalls m_calls;
     RecordingPageDelegate m_delegate;
 };
 
 void TestFolderSelectViewController::init()
 {
+    m_calls.setHook({});
     m_delegate.moves.clear();
     m_fixture = std::make_unique<PageFixture>();
     m_page = std::make_unique<FolderSelectViewController>(
         m_fixture->loader(),
-        FolderSelectViewController::Services{m_fixture->defaults(), hostSystemCalls(),
+        FolderSelectViewController::Services{m_fixture->defaults(), m_calls,
                                              [] { return QByteArray("/Users/anna"); }});
     m_page->setDelegate(&m_delegate);
     m_page->view()->show();
@@ -65,13 +72,13 @@ void TestFolderSelectViewController::choose(const QByteArray &path)
     QTest::ignoreMessage(QtInfoMsg, "anna");
     QTest::mouseClick(m_page->homeButton(), Qt::LeftButton);
     QTRY_VERIFY(sheetPanel(*m_page->view()));
-    auto *nameEdit =
+    const QPointer<QLineEdit> nameEdit =
         sheetPanel(*m_page->view())->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
     QVERIFY(nameEdit);
     QTRY_VERIFY(nameEdit->isVisible());
     nameEdit->setText(QFile::decodeName(path));
     QTest::keyClick(nameEdit, Qt::Key_Return);
-    QTRY_VERIFY(!hasSheet(*m_page->view()));
+    QTRY_VERIFY(!nameEdit); // the panel is over
 }
 
 void TestFolderSelectViewController::startsUngranted()
@@ -79,7 +86,7 @@ void TestFolderSelectViewController::startsUngranted()
     QCOMPARE(m_page->homeButton()->imageName(), QStringLiteral("welcomeHome"));
     QCOMPARE(m_page->homeCheck()->imageName(), QStringLiteral("welcomeCheck"));
     m_page->viewDidAppear(false);
-    QTest::qWait(0);
+    QCoreApplication::processEvents();
     QCOMPARE(m_delegate.moves.size(), 0);
 }
 
@@ -116,7 +123,6 @@ void TestFolderSelectViewController::acceptsOnlyFoldersNamedLikeTheHome()
     if (!name.isEmpty())
         m_fixture->folder().makeFolder(name);
     choose(name.isEmpty() ? m_fixture->folder().path() : m_fixture->folder().path(name));
-    QTest::qWait(0);
     QCOMPARE(hasGrant(), isAccepted);
     QVERIFY(!hasSheet(*m_page->view()));
 }
@@ -147,17 +153,22 @@ void TestFolderSelectViewController::staysWhenTheGrantIsTakenBackMeanwhile()
     m_fixture->grantHome();
     m_page->updateUI();
     m_fixture->defaults().removeFolderEntries();
-    QTest::qWait(FolderSelectViewController::kPauseBeforeNextPage + std::chrono::milliseconds(200));
+    QTimer later; // started after the page's own, it fires after it
+    later.setSingleShot(true);
+    QSignalSpy fired(&later, &QTimer::timeout);
+    later.start(FolderSelectViewController::kPauseBeforeNextPage);
+    QVERIFY(fired.wait());
     QCOMPARE(m_delegate.moves.size(), 0);
 }
 
 void TestFolderSelectViewController::tellsWhenTheFolderCannotBeGranted()
 {
-    class Refusing final : public QObject
-    {
-    };
-    m_page->runSelectionPanelForFolderString(VNTHomeFolderString);
-    QTRY_VERIFY(sheetPanel(*m_page->view()));
+    m_calls.setHook([](int, std::string_view name) { return name == "identityOf" ? EIO : 0; });
+    choose(m_fixture->home());
+    QTRY_VERIFY(hasSheet(*m_page->view())); // the message
+    QVERIFY(sheetText(*m_page->view()).contains(QStringLiteral("anna")));
+    QVERIFY(!hasGrant());
+    QVERIFY(pressSheetButton(*m_page->view(), QStringLiteral("OK")));
 }
 
 void TestFolderSelectViewController::ignoresAnApplicationsFolder()

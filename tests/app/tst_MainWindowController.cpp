@@ -1,11 +1,13 @@
 #include "app/MainWindowController.h"
 
 #include "app/DiskInfoViewController.h"
+#include "app/ExcludedFilesChangedNotification.h"
 #include "app/ResourceManager.h"
 #include "app/SettingsKeys.h"
 #include "app/StatsUpdater.h"
 #include "chart/PieChart.h"
 #include "platform/ViewAlpha.h"
+#include "prefs/ColorWindow.h"
 #include "tests/support/GuiTestMain.h"
 #include "tests/support/PageFixture.h"
 #include "tests/support/SheetDriver.h"
@@ -54,6 +56,7 @@ private:
 
     std::unique_ptr<PageFixture> m_fixture;
     SilentStats m_stats;
+    ExcludedFilesChangedNotification m_excludedFilesChanged;
     int m_restarts = 0;
     std::unique_ptr<MainWindowController> m_controller;
 };
@@ -79,6 +82,7 @@ void TestMainWindowController::makeController()
         .workspace = m_fixture->workspace(),
         .calls = hostSystemCalls(),
         .access = ResourceManager::access(),
+        .excludedFilesChanged = m_excludedFilesChanged,
         .addresses = {},
         .realHomeDirectory = [this] { return m_fixture->home(); },
         .readVolume = PageFixture::madeVolume(),
@@ -119,6 +123,7 @@ void TestMainWindowController::opensOnTheDiskWithAGrant()
     QCOMPARE(m_controller->currentViewController(), &m_controller->diskInfoPage());
     QVERIFY(m_controller->diskInfoPage().startButton()->isEnabled());
     QCOMPARE(m_controller->navigationController().viewControllers().size(), 1);
+    QCOMPARE(m_controller->diskInfoPage().view()->size(), QSize(860, 680));
 }
 
 void TestMainWindowController::makesThePagesOnceInTheirOrder()

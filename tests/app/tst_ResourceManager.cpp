@@ -267,14 +267,13 @@ void TestResourceManager::worksInNoFolderThatTheUserNoLongerSeesGranted()
     QVERIFY(!ResourceManager::isInForceFor(*m_stored));
     QCOMPARE(ResourceManager::homeFolder().path(), m_scratch->path("anna"));
     const AccessScope scope(ResourceManager::access());
-    QVERIFY(!ResourceManager::access().anchoredPath(urlOf("anna/Downloads")));
-    QVERIFY(!ResourceManager::access().anchoredPath(urlOf("annabel")));
-
     std::atomic<int> found = 0;
     inThreads([this, &found] {
         found += ResourceManager::access().anchoredPath(urlOf("anna/Downloads")) ? 1 : 0;
     });
     QCOMPARE(found.load(), 0);
+    QVERIFY(!ResourceManager::access().anchoredPath(urlOf("anna/Downloads")));
+    QVERIFY(!ResourceManager::access().anchoredPath(urlOf("annabel")));
 
     m_stored = grantOf("anna");
     QVERIFY(ResourceManager::isInForceFor(*m_stored));
@@ -300,7 +299,8 @@ void TestResourceManager::endsTheProgramWithoutAValidGrant_data()
     QTest::addRow("damaged") << StoredGrant("bytes") << homeFolder;
     QTest::addRow("on start") << StoredGrant() << Use([] { ResourceManager::startAccessing(); });
     QTest::addRow("on stop") << StoredGrant() << Use([] { ResourceManager::stopAccessing(); });
-    QTest::addRow("on access") << StoredGrant() << Use([] { ResourceManager::access(); });
+    QTest::addRow("on access")
+        << StoredGrant() << Use([] { ResourceManager::access().startAccessing(); });
     QTest::addRow("no source") << StoredGrant() << Use([] {
         ResourceManagerReset::beginRun();
         ResourceManager::homeFolder();

@@ -37,6 +37,7 @@ private Q_SLOTS:
     void aFolderThatIsAFileIsADamage();
     void aFileOfAnotherUserStays();
     void whatCannotBeSetAsideIsNotOverwritten();
+    void aBadTextThatCouldNotBeSetAsideIsNoPreviousOne();
 
     void aSaveTellsWhatWentWrong();
     void aSecondProgramsSettingsStay();
@@ -293,6 +294,22 @@ void TestSettingsFile::whatCannotBeSetAsideIsNotOverwritten()
     QVERIFY(!file.save(settingsText(content), kKnown).isWell());
     QVERIFY(!file.save(settingsText(content), Replace::Anything).isWell());
     QCOMPARE(SettingsFolder::raw(folder.file()), "damaged");
+}
+
+void TestSettingsFile::aBadTextThatCouldNotBeSetAsideIsNoPreviousOne()
+{
+    const SettingsFolder folder;
+    folder.fill();
+    const QByteArray good = SettingsFolder::raw(folder.previousFile());
+    folder.setText("no settings, but a right checksum");
+    SettingsFolder::setRaw(folder.previousFile(), good);
+    ForwardingSystemCalls calls(
+        [](int, std::string_view name) { return name == "rename" ? EBUSY : 0; });
+    SettingsFile file = folder.settings(calls);
+    const SettingsContent content = file.load();
+    calls.setHook({});
+    QVERIFY(!file.save(settingsText(content), kKnown).isWell());
+    QCOMPARE(SettingsFolder::raw(folder.previousFile()), good);
 }
 
 void TestSettingsFile::aSaveTellsWhatWentWrong()

@@ -6,30 +6,12 @@
 
 using std::numbers::pi;
 
-namespace {
-
-/// Answers nothing but what it must.
-class PlainSlices final : public PieChartDataSource
-{
-public:
-    int numberOfSlicesInPieChart(PieChart &) override { return 2; }
-    std::shared_ptr<Info> infoForSliceAtIndex(PieChart &, int) override { return nullptr; }
-    double valueForSliceAtIndex(PieChart &, int) override { return 1; }
-};
-
-} // namespace
-
-/// What the chart starts with and how it goes through an animation.
+/// How the chart goes through an animation.
 class TestPieChart final : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void hasItsDefaults();
-    void derivesItsMeasuresFromItsFrame();
-    void keepsTheLabelRadiusOfItsFrame();
-    void followsItsSizeUntilItIsTold();
-    void hearsItsPropertiesFromAnInterfaceDescription();
     void doesNothingWithoutDataSource();
     void forgetsADataSourceThatIsGone();
     void growsFromTheStartAngle();
@@ -44,76 +26,9 @@ private Q_SLOTS:
     void foldsInTheDataSourcesColors();
     void growsAgainAfterFolding();
     void turnsItsShadowOffWhenFolding();
-    void refitsItsSlicesWhenItsSizeChanges();
     void endsByItselfInRealTime();
     void endsWithItsOwnerInTheMiddleOfAnAnimation();
-    void picksColorsOfItsOwn_data();
-    void picksColorsOfItsOwn();
-    void usesItsOwnColorsWhereThereAreNone();
-    void givesTheSecondColorOfTheGradient();
 };
-
-void TestPieChart::hasItsDefaults()
-{
-    PieChart chart(QRect(0, 0, 400, 300));
-    QVERIFY(!chart.dataSource());
-    QVERIFY(!chart.delegate());
-    QCOMPARE(chart.startPieAngle(), 1.5707963267948966);
-    QCOMPARE(chart.animationSpeed(), 0.75);
-    QVERIFY(!chart.didLoad());
-    QVERIFY(!chart.hasTrackingArea());
-    QVERIFY(!chart.isAnimating());
-    QVERIFY(chart.sliceLayers().empty());
-    QCOMPARE(chart.backgroundColor().alpha(), 0);
-    QVERIFY(!chart.drawShadow());
-}
-
-void TestPieChart::derivesItsMeasuresFromItsFrame()
-{
-    const PieChart chart(QRect(10, 20, 400, 300));
-    QCOMPARE(chart.geometry(), QRect(10, 20, 400, 300));
-    QCOMPARE(chart.center(), QPointF(200, 150));
-    QCOMPARE(chart.pieRadius(), 150.0);
-    QCOMPARE(chart.infoRadius(), 75.0);
-}
-
-void TestPieChart::keepsTheLabelRadiusOfItsFrame()
-{
-    const PieChart chart(QRect(0, 0, 400, 300), QPointF(120, 130), 100);
-    QCOMPARE(chart.center(), QPointF(120, 130));
-    QCOMPARE(chart.pieRadius(), 100.0);
-    QCOMPARE(chart.infoRadius(), 75.0);
-}
-
-void TestPieChart::followsItsSizeUntilItIsTold()
-{
-    QWidget window;
-    PieChart chart(&window);
-    chart.resize(200, 500);
-    window.show();
-    QCOMPARE(chart.center(), QPointF(100, 250));
-    QCOMPARE(chart.pieRadius(), 100.0);
-    QCOMPARE(chart.infoRadius(), 50.0);
-    chart.setInfoRadius(120);
-    chart.setCenter({90, 80});
-    chart.resize(600, 400);
-    QCOMPARE(chart.center(), QPointF(90, 80));
-    QCOMPARE(chart.pieRadius(), 200.0);
-    QCOMPARE(chart.infoRadius(), 120.0);
-}
-
-void TestPieChart::hearsItsPropertiesFromAnInterfaceDescription()
-{
-    PieChart chart;
-    QVERIFY(chart.setProperty("pieRadius", 90.0));
-    QVERIFY(chart.setProperty("infoRadius", 40.0));
-    QVERIFY(chart.setProperty("startPieAngle", 1.0));
-    QVERIFY(chart.setProperty("animationSpeed", 0.5));
-    QCOMPARE(chart.pieRadius(), 90.0);
-    QCOMPARE(chart.infoRadius(), 40.0);
-    QCOMPARE(chart.startPieAngle(), 1.0);
-    QCOMPARE(chart.animationSpeed(), 0.5);
-}
 
 void TestPieChart::doesNothingWithoutDataSource()
 {
@@ -335,24 +250,6 @@ void TestPieChart::turnsItsShadowOffWhenFolding()
     QVERIFY(!held.chart.drawShadow());
 }
 
-void TestPieChart::refitsItsSlicesWhenItsSizeChanges()
-{
-    HeldChart held({1, 1});
-    held.settle();
-    held.window.show();
-    held.chart.resize(200, 200);
-    QCOMPARE(held.layer(0).geometry().radius, 100.0);
-    QCOMPARE(held.layer(0).geometry().center, QPointF(100, 100));
-    QCOMPARE(held.layer(0).infoLayer()->position(), QPoint(50, 100));
-    held.chart.setPieRadius(80);
-    QCOMPARE(held.layer(0).path().boundingRect().left(), 20.0);
-    held.chart.setInfoRadius(10);
-    QCOMPARE(held.layer(0).infoLayer()->position(), QPoint(90, 100));
-    // In the widget's coordinates: twenty points from its top.
-    held.chart.setCenter({100, 20});
-    QCOMPARE(held.layer(0).geometry().center, QPointF(100, 180));
-}
-
 void TestPieChart::endsByItselfInRealTime()
 {
     FakeSlices page;
@@ -380,54 +277,6 @@ void TestPieChart::endsWithItsOwnerInTheMiddleOfAnAnimation()
     // Whoever still holds a slice, and tells its label something, does no harm.
     layers[0]->infoLayer()->setInfo(nullptr);
     QVERIFY(layers[0]->animationForKey(ArcKey::EndAngle));
-}
-
-void TestPieChart::picksColorsOfItsOwn_data()
-{
-    QTest::addColumn<int>("index");
-    QTest::addColumn<double>("hue");
-    QTest::addColumn<double>("saturation");
-    QTest::newRow("0") << 0 << 0.02 << 0.3;
-    QTest::newRow("7") << 7 << 0.02 << 1.0;
-    QTest::newRow("9") << 9 << 0.07 << 0.4;
-    QTest::newRow("159") << 159 << 0.97 << 1.0;
-    QTest::newRow("160") << 160 << 0.02 << 0.3;
-}
-
-void TestPieChart::picksColorsOfItsOwn()
-{
-    QFETCH(int, index);
-    QFETCH(double, hue);
-    QFETCH(double, saturation);
-    const QColor color = PieChart::defaultColor(index);
-    QVERIFY(std::abs(color.hsvHueF() - hue) < 1e-3);
-    QVERIFY(std::abs(color.hsvSaturationF() - saturation) < 1e-3);
-    QVERIFY(std::abs(color.valueF() - 0.91) < 1e-3);
-    QCOMPARE(color.alpha(), 255);
-}
-
-void TestPieChart::usesItsOwnColorsWhereThereAreNone()
-{
-    PlainSlices page;
-    PieChart chart(QRect(0, 0, 400, 300));
-    chart.setAnimationSpeed(0);
-    chart.setDataSource(&page);
-    chart.reloadData();
-    const SliceLayer &layer = *chart.sliceLayers()[1];
-    QCOMPARE(*layer.fillColor(), PieChart::defaultColor(1));
-    QCOMPARE(layer.brush(), QBrush(PieChart::defaultColor(1)));
-}
-
-void TestPieChart::givesTheSecondColorOfTheGradient()
-{
-    HeldChart held({1, 1});
-    held.page.slices[0].color = Qt::red;
-    held.page.slices[0].secondaryColor = Qt::blue;
-    held.page.slices[1].color = Qt::green;
-    held.settle();
-    QCOMPARE(*held.layer(0).gradientLayer()->colors(), (GradientLayer::Colors{Qt::red, Qt::blue}));
-    QCOMPARE(*held.layer(1).gradientLayer()->colors(),
-             (GradientLayer::Colors{Qt::green, Qt::green}));
 }
 
 VANTOR_GUI_TEST_MAIN(TestPieChart)

@@ -72,6 +72,7 @@ private Q_SLOTS:
     void tellsThatThePointerLeft();
     void tellsAfterwardsThatThePointerLeftMeanwhile();
     void saysNothingOfAPointerThatCameBack();
+    void keepsTheSliceWhileAPopupHasThePointer();
     void ignoresDragging();
     void stopsTrackingWhenTold();
 };
@@ -247,6 +248,22 @@ void TestPieChartPointer::saysNothingOfAPointerThatCameBack()
     enter(held.chart);
     held.settle();
     QCOMPARE(held.page.hovered, QList<int>{0});
+}
+
+void TestPieChartPointer::keepsTheSliceWhileAPopupHasThePointer()
+{
+    HeldChart held({1, 1});
+    held.settle();
+    held.window.show();
+    movePointer(held.chart, kUpLeft);
+    QWidget popup(&held.window, Qt::Popup);
+    popup.show();
+    QCOMPARE(QApplication::activePopupWidget(), &popup);
+    leave(held.chart);
+    QCOMPARE(held.page.hovered, QList<int>{0});
+    popup.close();
+    leave(held.chart);
+    QCOMPARE(held.page.hovered, (QList<int>{0, -1}));
 }
 
 void TestPieChartPointer::ignoresDragging()

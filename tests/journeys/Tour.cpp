@@ -4,6 +4,8 @@
 #include "app/Appearance.h"
 #include "app/DiskInfoViewController.h"
 #include "platform/ByteCount.h"
+#include "platform/Sheet.h"
+#include "prefs/ColorWindow.h"
 #include "tests/support/Journey.h"
 #include "tests/support/SampleHome.h"
 #include "tests/support/ScratchEnvironment.h"
@@ -12,6 +14,7 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDir>
+#include <QTest>
 #include <QTextStream>
 
 namespace {
@@ -55,7 +58,8 @@ public:
     bool take()
     {
         return step("grant the home folder", grant()) && step("see the disk", seeDisk())
-               && step("measure the slices", measure()) && step("choose Downloads", choose())
+               && step("measure the slices", measure())
+               && step("read the tutorial", readTutorial()) && step("choose Downloads", choose())
                && step("clean", clean()) && step("see what was freed", seeResult());
     }
 
@@ -63,6 +67,8 @@ private:
     bool step(const char *name, bool isDone)
     {
         out() << (isDone ? "done: " : "FAILED: ") << name << Qt::endl;
+        if (!isDone)
+            takePicture(QStringLiteral("failed"));
         return isDone;
     }
 
@@ -102,11 +108,19 @@ private:
         return true;
     }
 
+    bool readTutorial()
+    {
+        if (!QTest::qWaitFor([this] { return hasSheet(m_journey.window()); }))
+            return false;
+        takePicture(QStringLiteral("3-tutorial"));
+        return m_journey.declineTutorial();
+    }
+
     bool choose()
     {
         if (!m_journey.clickSlice(SliceKind::Downloads) || !m_journey.hoverSlice(SliceKind::Downloads))
             return false;
-        takePicture(QStringLiteral("3-slices"));
+        takePicture(QStringLiteral("4-slices"));
         return true;
     }
 
@@ -121,7 +135,7 @@ private:
         FinalViewController &page = m_journey.controller().finalPage();
         if (!m_journey.waitForPage(page))
             return false;
-        takePicture(QStringLiteral("4-result"));
+        takePicture(QStringLiteral("5-result"));
         const qint64 after = bytesPresent(m_home);
         out() << "      shown as freed: " << page.sizeLabel()->text() << Qt::endl
               << "      found to be gone: " << stringFromByteCount(m_before - after) << Qt::endl

@@ -2,6 +2,7 @@
 #include "app/DiskInfoViewController.h"
 #include "app/ResourceManager.h"
 #include "app/SettingsKeys.h"
+#include "prefs/ColorWindow.h"
 #include "tests/support/GuiTestMain.h"
 #include "tests/support/Journey.h"
 #include "tests/support/ResourceManagerReset.h"
@@ -11,6 +12,7 @@
 #include "widgets/TextField.h"
 
 #include <QDir>
+#include <QThreadPool>
 #include <algorithm>
 
 namespace {
@@ -59,9 +61,10 @@ void TestCleaningJourney::init()
 
 void TestCleaningJourney::cleanup()
 {
-    QTRY_COMPARE(ResourceManager::accessCount(), 0);
     m_journey.reset();
     m_application.reset();
+    QVERIFY(QThreadPool::globalInstance()->waitForDone());
+    QCOMPARE(ResourceManager::accessCount(), 0);
     m_home.reset();
     m_place.reset();
 }
@@ -71,6 +74,7 @@ void TestCleaningJourney::start()
 {
     m_journey.reset();
     m_application.reset();
+    QThreadPool::globalInstance()->waitForDone();
     ResourceManagerReset::beginRun();
     AppDelegate::Configuration configuration;
     configuration.settingsFolder = QFile::decodeName(m_place->path("settings"));
@@ -78,6 +82,7 @@ void TestCleaningJourney::start()
     configuration.pingHelper.program.clear();
     m_application = std::make_unique<AppDelegate>(std::move(configuration));
     m_application->applicationDidFinishLaunching();
+    m_application->defaults().setBoolean(VNTHideDemoWindowString, true);
     m_journey = std::make_unique<Journey>(*m_application);
 }
 

@@ -38,14 +38,12 @@ public:
         must(isWritten, "writing a file");
     }
 
-    /// The folder after two writes: an old generation and a previous one.
+    /// The folder as two writes leave it: an old generation and a previous one.
     void fill() const
     {
-        DurableFile durable = file();
-        for (const QByteArray &content : {kOlder, kOld}) {
-            const bool isWritten = durable.write(content, Replace::OnlyWhatIsKnown).has_value();
-            must(isWritten, "writing a file");
-        }
+        static const QByteArrayList left = leftByTwoWrites();
+        setRaw(left.at(0), "sample");
+        setRaw(left.at(1), "sample.1");
     }
 
     QStringList entries(const QString &pattern = QStringLiteral("*")) const
@@ -56,5 +54,16 @@ public:
     QStringList badFiles() const { return entries(QStringLiteral("*.bad-*")); }
 
 private:
+    static QByteArrayList leftByTwoWrites()
+    {
+        const DurableFileFolder folder;
+        DurableFile durable = folder.file();
+        for (const QByteArray &content : {kOlder, kOld}) {
+            const bool isWritten = durable.write(content, Replace::OnlyWhatIsKnown).has_value();
+            must(isWritten, "writing a file");
+        }
+        return {folder.raw("sample"), folder.raw("sample.1")};
+    }
+
     QTemporaryDir m_folder;
 };

@@ -44,7 +44,7 @@ public:
 };
 
 /// -1 when anything failed.
-int filesBeneath(const MadeTree &tree, unsigned threads)
+int filesBeneath(const MadeTree &tree, unsigned threads, unsigned openFolders)
 {
     std::vector<CountingVisitor> visitors(threads);
     std::vector<DirectoryVisitor *> team;
@@ -52,7 +52,7 @@ int filesBeneath(const MadeTree &tree, unsigned threads)
         team.push_back(&visitor);
     const WatchedSystemCalls calls([](int, WatchedCall, const char *) { return 0; });
     WalkOptions options;
-    options.openFolders = 8;
+    options.openFolders = openFolders;
     walkDirectory(calls, tree.open({}), options, {}, team);
     int files = 0;
     for (const CountingVisitor &visitor : visitors)
@@ -96,7 +96,9 @@ void TestDirectoryWalkerDepth::walksThousandsOfLevelsWithFewDescriptors()
     const FewDescriptors few;
     QVERIFY(few.isSet());
     for (const unsigned threads : {1U, 2U, 4U})
-        QCOMPARE(filesBeneath(tree, threads), kLevels + kFewerLevels);
+        QCOMPARE(filesBeneath(tree, threads, 8), kLevels + kFewerLevels);
+    // Told to hold more than there are, it gives back what it can when it meets the limit.
+    QCOMPARE(filesBeneath(tree, 1, 1000), kLevels + kFewerLevels);
 }
 
 void TestDirectoryWalkerDepth::climbsOnlyToWhatStillWaits()

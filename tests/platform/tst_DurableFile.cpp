@@ -113,7 +113,9 @@ void TestDurableFile::thePreviousGenerationIsKept()
 void TestDurableFile::onlyTheOwnerMayRead()
 {
     const DurableFileFolder folder;
-    folder.fill();
+    DurableFile file = folder.file();
+    QVERIFY(file.write(kOld, Replace::OnlyWhatIsKnown));
+    QVERIFY(file.write(kNew, Replace::OnlyWhatIsKnown));
     constexpr QFile::Permissions kOwner =
         QFile::ReadOwner | QFile::WriteOwner | QFile::ReadUser | QFile::WriteUser;
     for (const char *name : {"sample", "sample.1"})

@@ -56,9 +56,7 @@ void TestDurableFileFaults::everythingIsSyncedBeforeItIsRenamed()
 void TestDurableFileFaults::everyFailedCallLeavesTheOldOrTheNew_data()
 {
     QTest::addColumn<int>("error");
-    const int errors[] = {EIO,   ENOSPC, EDQUOT, EACCES, EPERM,  EROFS, EINTR,
-                          EBADF, ENOMEM, EMFILE, ENFILE, ESTALE, EBUSY};
-    for (const int error : errors)
+    for (const int error : {EIO, ENOSPC, EDQUOT, EACCES, EROFS, EINTR})
         QTest::newRow(QByteArray::number(error)) << error;
 }
 

@@ -122,7 +122,8 @@ void TestImages::drawsOnlyWhatTheRendererUnderstands()
                               QStringLiteral("stop"),
                               QStringLiteral("ellipse"),
                               QStringLiteral("linearGradient"),
-                              QStringLiteral("radialGradient")};
+                              QStringLiteral("radialGradient"),
+                              QStringLiteral("use")};
     QFile file(QStringLiteral(":/images/%1.svg").arg(name));
     QVERIFY(file.open(QIODevice::ReadOnly));
     QXmlStreamReader reader(&file);

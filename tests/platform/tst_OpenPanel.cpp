@@ -1,5 +1,6 @@
 #include "platform/OpenPanel.h"
 
+#include "platform/ChooserItems.h"
 #include "tests/platform/OpenedPanel.h"
 #include "tests/support/GuiTestMain.h"
 #include "tests/support/StillStyle.h"
@@ -25,6 +26,7 @@ private Q_SLOTS:
     void greysWhatTheRuleForbids();
     void showsFilesOnlyWhereTheyMayBeChosen();
     void opensAFolderWhenAFileIsWanted();
+    void writesSizesAsTheProgramDoes();
     void showsHiddenItemsOnDemand();
     void leavesNoTraceInSharedSettings();
     void offersNothingThatChangesFiles();
@@ -188,6 +190,23 @@ void TestOpenPanel::opensAFolderWhenAFileIsWanted()
     panel.press(Qt::Key_Return);
     QTRY_VERIFY(panel.item("Old").isValid());
     QVERIFY(!panel.isOver);
+}
+
+void TestOpenPanel::writesSizesAsTheProgramDoes()
+{
+    const QString path = QDir::home().filePath(QStringLiteral("big.bin"));
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QVERIFY(file.resize(12'345'678));
+    file.close();
+    OpenedPanel panel({});
+    QTRY_VERIFY(panel.item("big.bin").isValid());
+    const auto size = [&panel](const char *name) {
+        return panel.item(name).siblingAtColumn(ChooserItems::Size).data().toString();
+    };
+    QTRY_COMPARE(size("big.bin"), QStringLiteral("12.3 MB"));
+    QCOMPARE(size("Movies"), QString());
+    QVERIFY(QFile::remove(path));
 }
 
 void TestOpenPanel::showsHiddenItemsOnDemand()

@@ -3,10 +3,12 @@
 #include "tests/support/SheetHost.h"
 #include "tests/support/StillStyle.h"
 
+#include <QContextMenuEvent>
 #include <QDragEnterEvent>
 #include <QMimeData>
 #include <QShortcut>
 #include <QSignalSpy>
+#include <QWheelEvent>
 
 /// A sheet has the mouse and the keyboard of its window to itself.
 class TestSheetInput final : public QObject
@@ -16,6 +18,8 @@ class TestSheetInput final : public QObject
 private Q_SLOTS:
     void initTestCase() { QApplication::setStyle(new StillStyle); }
     void keepsTheMouseFromTheWindow();
+    void keepsInputFromTheWindowItself_data();
+    void keepsInputFromTheWindowItself();
     void letsTheMouseThroughAgain();
     void takesTheFocus();
     void trapsTab();
@@ -46,6 +50,25 @@ void clickAt(QWidget &window, QWidget &target)
     QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, place);
 }
 
+/// Counts what reaches the object that it filters.
+class EventCounter final : public QObject
+{
+public:
+    explicit EventCounter(QEvent::Type type) : m_type(type) {}
+
+    int count = 0;
+
+protected:
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        count += event->type() == m_type;
+        return false;
+    }
+
+private:
+    QEvent::Type m_type;
+};
+
 void press(QWidget &window, int key, Qt::KeyboardModifiers modifiers = {})
 {
     QTest::keyClick(window.windowHandle(), static_cast<Qt::Key>(key), modifiers);
@@ -66,6 +89,43 @@ void TestSheetInput::keepsTheMouseFromTheWindow()
     QVERIFY(!QApplication::activePopupWidget());
     clickAt(host.window, *sheet.plain);
     QCOMPARE(plain.size(), 1);
+}
+
+void TestSheetInput::keepsInputFromTheWindowItself_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::addRow("press") << int(QEvent::MouseButtonPress);
+    QTest::addRow("move") << int(QEvent::MouseMove);
+    QTest::addRow("release") << int(QEvent::MouseButtonRelease);
+    QTest::addRow("double click") << int(QEvent::MouseButtonDblClick);
+    QTest::addRow("wheel") << int(QEvent::Wheel);
+    QTest::addRow("menu") << int(QEvent::ContextMenu);
+    QTest::addRow("key press") << int(QEvent::KeyPress);
+    QTest::addRow("key release") << int(QEvent::KeyRelease);
+}
+
+/// What a widget does not take goes on to the one that holds it, up to the window.
+void TestSheetInput::keepsInputFromTheWindowItself()
+{
+    QFETCH(int, type);
+    SheetHost host;
+    SheetPanel sheet;
+    presentSheet(host.window, sheet.panel);
+    EventCounter counter(static_cast<QEvent::Type>(type));
+    host.window.installEventFilter(&counter);
+    const QPoint place(5, 450);
+    const QPoint onScreen = host.window.mapToGlobal(place);
+    QWidget *const overlay = host.window.findChild<SheetOverlay *>();
+    QTest::mousePress(overlay, Qt::LeftButton, {}, place);
+    QTest::mouseMove(overlay, place + QPoint(1, 1));
+    QTest::mouseRelease(overlay, Qt::LeftButton, {}, place);
+    QTest::mouseDClick(overlay, Qt::LeftButton, {}, place);
+    QWheelEvent wheel(place, onScreen, {}, {0, 120}, {}, {}, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(overlay, &wheel);
+    QContextMenuEvent menu(QContextMenuEvent::Mouse, place, onScreen);
+    QApplication::sendEvent(overlay, &menu);
+    QTest::keyClick(overlay, Qt::Key_F9);
+    QCOMPARE(counter.count, 0);
 }
 
 void TestSheetInput::letsTheMouseThroughAgain()

@@ -6,6 +6,7 @@
 #include "tests/support/StillStyle.h"
 
 #include <QSignalSpy>
+#include <QVariantAnimation>
 
 /// How a sheet moves and what is painted meanwhile.
 class TestSheetSlide final : public QObject
@@ -34,6 +35,17 @@ SheetSlide *slideOf(const SheetHost &host)
 QColor colorAt(SheetHost &host, QPoint place)
 {
     return host.window.grab().toImage().pixelColor(place);
+}
+
+/// The slide's movement, held at its middle so that no slow machine runs past it.
+QVariantAnimation *heldHalfway(const SheetHost &host)
+{
+    auto *const movement = slideOf(host)->findChild<QVariantAnimation *>();
+    if (!QTest::qWaitFor([movement] { return movement->state() == QVariantAnimation::Running; }))
+        qFatal("the sheet does not begin to move");
+    movement->pause();
+    movement->setCurrentTime(movement->duration() / 2);
+    return movement;
 }
 
 void waitForRest(const SheetHost &host)
@@ -133,10 +145,11 @@ void TestSheetSlide::swallowsTheMouseWhileItMoves()
     SheetPanel sheet;
     QSignalSpy plain(sheet.plain, &QPushButton::clicked);
     presentSheet(host.window, sheet.panel);
+    QVariantAnimation *const movement = heldHalfway(host);
     const QPoint place = sheet.plain->mapTo(&host.window, sheet.plain->rect().center());
     QTest::mouseClick(host.window.windowHandle(), Qt::LeftButton, {}, place);
-    QVERIFY(slideOf(host));
     QVERIFY(plain.isEmpty());
+    movement->resume();
     waitForRest(host);
     QTest::mouseClick(host.window.windowHandle(), Qt::LeftButton, {}, place);
     QCOMPARE(plain.size(), 1);
@@ -147,9 +160,9 @@ void TestSheetSlide::takesKeysWhileItComesIn()
     SheetHost host;
     SheetPanel sheet;
     presentSheet(host.window, sheet.panel);
+    heldHalfway(host);
     for (const char key : {'a', 'n', 'n', 'a'})
         QTest::keyClick(host.window.windowHandle(), key);
-    QVERIFY(slideOf(host));
     QCOMPARE(sheet.first->text(), QStringLiteral("anna"));
 }
 
@@ -158,11 +171,10 @@ void TestSheetSlide::turnsBackFromWhereItIs()
     SheetHost host;
     SheetPanel sheet;
     presentSheet(host.window, sheet.panel);
-    QPointer<SheetSlide> in = slideOf(host);
-    QTRY_VERIFY(in->shown() > 0.1);
-    const double reached = in->shown();
+    heldHalfway(host);
+    const double reached = slideOf(host)->shown();
+    QVERIFY(reached > 0 && reached < 1);
     endSheet(sheet.panel);
-    QVERIFY(!in);
     QCOMPARE(slideOf(host)->shown(), reached);
     QTRY_VERIFY(!hasSheet(host.window));
 }

@@ -1,5 +1,6 @@
 #include "tests/slices/CleaningKit.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/Must.h"
 #include "tests/support/TestMain.h"
 
 #include <cerrno>
@@ -8,7 +9,6 @@
 #include <sched.h>
 #include <sys/ioctl.h>
 #include <sys/mount.h>
-#include <sys/resource.h>
 
 namespace {
 
@@ -38,8 +38,8 @@ bool setFlag(const QByteArray &path, int flag, Flag wanted)
 
 void own(const QByteArray &path, uid_t user, mode_t mode)
 {
-    if (::lchown(path.constData(), user, user) != 0 || ::chmod(path.constData(), mode) != 0)
-        qFatal("cannot prepare %s", path.constData());
+    must(::lchown(path.constData(), user, user) == 0 && ::chmod(path.constData(), mode) == 0,
+         path.constData());
 }
 
 mode_t modeOf(const QByteArray &path)
@@ -102,8 +102,6 @@ private Q_SLOTS:
     void leavesLockedItems_data();
     void leavesLockedItems();
     void leavesWhatAnOrdinaryUserMayNotRemove();
-    void removesADeepTreeWithFewDescriptors_data();
-    void removesADeepTreeWithFewDescriptors();
 };
 
 void TestCleaningHazards::leavesMountsAlone()
@@ -238,44 +236,6 @@ void TestCleaningHazards::leavesWhatAnOrdinaryUserMayNotRemove()
     QCOMPARE(modeOf(downloads + "/fixed"), mode_t(0555));
     QCOMPARE(modeOf(downloads + "/closed"), mode_t(0));
     QCOMPARE(modeOf(downloads + "/blind"), mode_t(0300));
-}
-
-void TestCleaningHazards::removesADeepTreeWithFewDescriptors_data()
-{
-    QTest::addColumn<CleaningGround::Medium>("medium");
-    QTest::addColumn<int>("levels");
-    QTest::addRow("in memory") << CleaningGround::Medium::Memory << 10'000;
-    QTest::addRow("on disk") << CleaningGround::Medium::Disk << 1'000; // slow to make
-}
-
-void TestCleaningHazards::removesADeepTreeWithFewDescriptors()
-{
-    QFETCH(CleaningGround::Medium, medium);
-    QFETCH(int, levels);
-    constexpr rlim_t kDescriptors = 64;
-    const QByteArray name(100, 'd');
-    const CleaningGround scratch(medium);
-    makeFolder(scratch / "home/Downloads");
-    const QByteArray wrong = inChild(ChildUser::Same, [&]() -> QByteArray {
-        FileDescriptor folder(::open((scratch / "home/Downloads").constData(), O_RDONLY));
-        for (int i = 0; i < levels; ++i) {
-            ::mkdirat(folder.get(), name.constData(), 0700);
-            FileDescriptor(::openat(folder.get(), "file", O_CREAT | O_WRONLY, 0600)).reset();
-            folder = FileDescriptor(::openat(folder.get(), name.constData(), O_RDONLY));
-        }
-        const rlimit limit{kDescriptors, kDescriptors};
-        if (!folder.isValid() || ::setrlimit(RLIMIT_NOFILE, &limit) != 0)
-            return "cannot prepare";
-        folder.reset();
-        const CleaningReport report = cleanDownloads(scratch / "home");
-        if (!report.failures.isEmpty() || !report.refusals.isEmpty())
-            return "failed";
-        return report.removedItems == std::uint64_t(2 * levels)
-                   ? ""
-                   : QByteArray::number(report.removedItems);
-    });
-    QCOMPARE(wrong, QByteArray());
-    QVERIFY(tree(scratch / "home/Downloads").empty());
 }
 
 VANTOR_TEST_MAIN(TestCleaningHazards)

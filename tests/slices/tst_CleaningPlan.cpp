@@ -27,6 +27,7 @@ private Q_SLOTS:
     void ignoresLostExclusionsElsewhere();
     void leavesExcludedPlacesAlone_data();
     void leavesExcludedPlacesAlone();
+    void leavesPlacesAloneWhenAllAroundIsExcluded();
     void knowsAnExcludedFolderUnderItsNewName();
     void knowsAnExclusionByAnotherRoad();
     void marksPlacesThatHoldAnExclusion();
@@ -218,6 +219,17 @@ void TestCleaningPlan::leavesExcludedPlacesAlone()
     QCOMPARE(plan.locations().empty(), isKept);
     QCOMPARE(plan.excludedLocations().size(), isKept ? 1 : 0);
     QVERIFY(plan.refusals().isEmpty());
+}
+
+/// Nothing is looked for outside the granted folder, but its path says enough.
+void TestCleaningPlan::leavesPlacesAloneWhenAllAroundIsExcluded()
+{
+    for (const QByteArray &path : {QByteArray("/"), m_scratch->path()}) {
+        const CleaningPlan plan =
+            plannedFolder("Downloads", {FileUrl::fromPath(path, FileUrlKind::Folder)});
+        QVERIFY(plan.locations().empty());
+        QCOMPARE(plan.excludedLocations().size(), 1);
+    }
 }
 
 void TestCleaningPlan::knowsAnExcludedFolderUnderItsNewName()

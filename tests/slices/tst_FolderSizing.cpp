@@ -177,6 +177,8 @@ void TestFolderSizing::doesNotTurnOver()
     const SizedCalls calls(fileSize);
     QTEST(measureFolder(calls, {tree.descriptor(), {}}, {}, 1).bytes, "bytes");
     QTEST(measureFolder(calls, {tree.descriptor(), {}}, {}, 2).bytes, "bytes");
+    QCOMPARE(measureFolder(calls, {tree.descriptor(), "a/1"}, {}).bytes,
+             static_cast<qint64>(qMin(fileSize, static_cast<quint64>(kMost))));
 }
 
 void TestFolderSizing::reachesPlacesDeeperThanAnyPath()

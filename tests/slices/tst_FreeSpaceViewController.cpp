@@ -1,5 +1,6 @@
 #include "slices/FreeSpaceViewController.h"
 
+#include "app/ExcludedFilesChangedNotification.h"
 #include "app/ResourceManager.h"
 #include "app/SettingsKeys.h"
 #include "chart/PieChart.h"
@@ -15,6 +16,7 @@
 #include "widgets/TextField.h"
 
 #include <QSignalSpy>
+#include <QThreadPool>
 
 class TestFreeSpaceViewController final : public QObject
 {
@@ -47,17 +49,19 @@ private:
     std::unique_ptr<PageFixture> m_fixture;
     std::unique_ptr<FreeSpaceViewController> m_page;
     RecordingPageDelegate m_delegate;
+    ExcludedFilesChangedNotification m_excludedFilesChanged;
 };
 
 void TestFreeSpaceViewController::init()
 {
     m_fixture = std::make_unique<PageFixture>();
     m_fixture->grantHome();
+    m_fixture->defaults().setBoolean(VNTHideDemoWindowString, true);
     m_page = std::make_unique<FreeSpaceViewController>(
         m_fixture->loader(),
         FreeSpaceViewController::Services{
             m_fixture->defaults(), hostSystemCalls(), ResourceManager::access(),
-            m_fixture->workspace(), &ResourceManager::homeFolder, [] { return true; },
+            m_fixture->workspace(), m_excludedFilesChanged, &ResourceManager::homeFolder, [] { return true; },
             PageFixture::madeVolume()});
     m_page->setDelegate(&m_delegate);
     m_page->view()->show();
@@ -66,8 +70,9 @@ void TestFreeSpaceViewController::init()
 
 void TestFreeSpaceViewController::cleanup()
 {
-    QTRY_COMPARE(ResourceManager::accessCount(), 0);
-    m_page.reset();
+    m_page.reset(); // stops what it measures
+    QVERIFY(QThreadPool::globalInstance()->waitForDone());
+    QCOMPARE(ResourceManager::accessCount(), 0);
     m_fixture.reset();
 }
 
@@ -189,7 +194,7 @@ void TestFreeSpaceViewController::followsTheExcludedPaths()
     const FileUrl trash = m_fixture->homeUrl().appending(".Trash", FileUrlKind::Folder);
     m_fixture->defaults().setStrings(VNTExcludedPathsString,
                                      {QString::fromLatin1(trash.absoluteString())});
-    m_page->updateExcludedFiles();
+    m_excludedFilesChanged.post();
     QVERIFY(!m_page->selection().record(SliceKind::Trash).isOn());
     QVERIFY(!hasSheet(*m_page->view()));
     QCOMPARE(m_fixture->defaults().booleans(VNTSelectedSlicesString).at(0), false);

@@ -18,7 +18,9 @@ bool dropRights()
     return ::setgroups(0, nullptr) == 0 && ::setgid(kNobody) == 0 && ::setuid(kNobody) == 0;
 }
 
-[[noreturn]] void runAndLeave(ChildUser user, const std::function<int()> &work, int errorPipe)
+/// noexcept: an exception must not find its way up into the copy of the test that called.
+[[noreturn]] void runAndLeave(ChildUser user, const std::function<int()> &work,
+                              int errorPipe) noexcept
 {
     ::dup2(errorPipe, STDERR_FILENO);
     const rlimit noCore{0, 0};

@@ -3,10 +3,12 @@
 #include "app/DiskInfoViewController.h"
 #include "chart/PieChart.h"
 #include "platform/ViewAlpha.h"
+#include "prefs/ColorWindow.h"
 #include "tests/support/SheetDriver.h"
 #include "widgets/ImageButton.h"
 #include "widgets/StartButton.h"
 
+#include <QCheckBox>
 #include <QLineEdit>
 #include <QTest>
 #include <numbers>
@@ -63,9 +65,10 @@ bool Journey::chooseHome(const QByteArray &path)
     };
     if (!waitFor([&] { return nameEdit() && nameEdit()->isVisible(); }))
         return false;
-    nameEdit()->clear();
+    nameEdit()->setFocus();
+    nameEdit()->selectAll();
     QTest::keyClicks(nameEdit(), QFile::decodeName(path));
-    QTest::keyClick(nameEdit(), Qt::Key_Return);
+    QTest::keyClick(window().windowHandle(), Qt::Key_Return);
     return waitFor([this] { return !hasSheet(window()); });
 }
 
@@ -107,6 +110,18 @@ bool Journey::waitForMeasures()
         }
         return true;
     });
+}
+
+bool Journey::declineTutorial()
+{
+    const auto box = [this] {
+        const QWidget *panel = sheetPanel(window());
+        return panel ? panel->findChild<QCheckBox *>() : nullptr;
+    };
+    if (!waitFor([&] { return box() && box()->isVisible(); }))
+        return false;
+    QTest::mouseClick(box(), Qt::LeftButton, {}, QPoint(8, box()->height() / 2));
+    return pressSheetButton(window(), QStringLiteral("OK"));
 }
 
 bool Journey::pressClean(const QString &answer)

@@ -15,7 +15,7 @@ class Journey final
 public:
     explicit Journey(AppDelegate &application);
 
-    QMainWindow &window() const { return m_application.mainWindowController().window(); }
+    ColorWindow &window() const { return m_application.mainWindowController().window(); }
     MainWindowController &controller() const { return m_application.mainWindowController(); }
 
     /// Waits until the page is shown, has come in whole, and its pie stands still.
@@ -30,6 +30,8 @@ public:
     /// Moves the pointer over the slice.
     bool hoverSlice(SliceKind kind);
     bool waitForMeasures();
+    /// Waits for the tutorial, ticks its box and presses OK.
+    bool declineTutorial();
     /// Presses the clean button and answers the confirmation with this button.
     bool pressClean(const QString &answer);
     bool scanAgain();

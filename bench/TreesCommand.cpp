@@ -1,0 +1,148 @@
+#include "bench/Commands.h"
+#include "platform/FileDescriptor.h"
+
+#include <QFile>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <random>
+#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+constexpr int kCacheEntries = 224'000;
+constexpr int kFlatFiles = 200'000;
+constexpr int kChains = 20;
+constexpr int kChainLevels = 1000;
+constexpr mode_t kFolderMode = 0755;
+constexpr mode_t kFileMode = 0644;
+
+void require(bool done, const std::string &name)
+{
+    if (!done) {
+        std::perror(("vantor-bench: " + name).c_str());
+        std::exit(kFailed);
+    }
+}
+
+/// Makes entries with names and sizes at random, the same ones each time. The files are holes.
+class TreeMaker final
+{
+public:
+    int entries() const { return m_entries; }
+    unsigned pick(std::size_t from, std::size_t to)
+    {
+        return static_cast<unsigned>(from + m_random() % (to - from + 1));
+    }
+
+    FileDescriptor folder(int parent, const std::string &name)
+    {
+        require(::mkdirat(parent, name.c_str(), kFolderMode) == 0, name);
+        FileDescriptor made(::openat(parent, name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        require(made.isValid(), name);
+        ++m_entries;
+        return made;
+    }
+
+    void files(int parent, unsigned count)
+    {
+        for (unsigned i = 0; i < count; ++i) {
+            const std::string name = hashedName();
+            const FileDescriptor file(
+                ::openat(parent, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kFileMode));
+            require(file.isValid() && ::ftruncate(file.get(), pick(0, 50'000)) == 0, name);
+            ++m_entries;
+        }
+    }
+
+private:
+    std::string hashedName()
+    {
+        constexpr std::string_view kDigits = "0123456789abcdef";
+        std::string name(32, '0');
+        for (char &digit : name)
+            digit = kDigits[m_random() % kDigits.size()];
+        return name;
+    }
+
+    std::mt19937 m_random{7};
+    int m_entries = 0;
+};
+
+/// As a browser keeps it: files in 256 folders named by the first byte of a hash.
+void makeHashedCache(TreeMaker &maker, int application)
+{
+    for (int i = 0; i < 256; ++i)
+        maker.files(maker.folder(application, std::to_string(i)).get(), maker.pick(5, 40));
+}
+
+/// As most programs keep it: folders in folders with few files.
+void makeNestedCache(TreeMaker &maker, int application)
+{
+    std::vector<FileDescriptor> folders;
+    for (unsigned left = maker.pick(50, 600); left > 0; --left) {
+        const bool isTop = folders.empty() || maker.pick(0, 9) == 0;
+        const int parent = isTop ? application : folders[maker.pick(0, folders.size() - 1)].get();
+        folders.push_back(maker.folder(parent, "folder" + std::to_string(left)));
+        maker.files(folders.back().get(), maker.pick(0, 12));
+    }
+}
+
+void makeCache(int top)
+{
+    TreeMaker maker;
+    const FileDescriptor cache = maker.folder(top, "cache");
+    for (int number = 0; maker.entries() < kCacheEntries; ++number) {
+        const FileDescriptor application =
+            maker.folder(cache.get(), "application" + std::to_string(number));
+        switch (number % 4) {
+        case 0:
+            makeHashedCache(maker, application.get());
+            break;
+        case 1:
+            maker.files(application.get(), maker.pick(100, 4000));
+            break;
+        default:
+            makeNestedCache(maker, application.get());
+        }
+    }
+}
+
+void makeFlat(int top)
+{
+    TreeMaker maker;
+    maker.files(maker.folder(top, "flat").get(), kFlatFiles);
+}
+
+void makeDeep(int top)
+{
+    TreeMaker maker;
+    const FileDescriptor deep = maker.folder(top, "deep");
+    for (int chain = 0; chain < kChains; ++chain) {
+        FileDescriptor level = maker.folder(deep.get(), "chain" + std::to_string(chain));
+        for (int depth = 1; depth < kChainLevels; ++depth) {
+            maker.files(level.get(), 2);
+            level = maker.folder(level.get(), "level" + std::to_string(depth));
+        }
+    }
+}
+
+} // namespace
+
+int runTreesCommand(const QStringList &arguments)
+{
+    if (arguments.size() != 1) {
+        std::fprintf(stderr, "vantor-bench: trees takes one folder\n");
+        return kUsageError;
+    }
+    const QByteArray path = QFile::encodeName(arguments.first());
+    const FileDescriptor top(::open(path.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    require(top.isValid(), path.toStdString());
+    makeCache(top.get());
+    makeFlat(top.get());
+    makeDeep(top.get());
+    return kDone;
+}
