@@ -86,9 +86,6 @@ void ColorWindow::addTitle()
     QPalette colours = m_titleField->palette();
     colours.setColor(QPalette::WindowText, QColor::fromRgbF(kTitleGrey, kTitleGrey, kTitleGrey));
     m_titleField->setPalette(colours);
-    // Placed once: it keeps its width and its distance from the upper left.
-    const auto geometry = ColorWindowGeometry::make(size(), {}, {});
-    m_titleField->setGeometry(flipped(geometry.titleField, height()));
 }
 
 void ColorWindow::addGrips()
@@ -114,6 +111,9 @@ void ColorWindow::layOut()
     m_minimizeButton->setGeometry(flipped(geometry.minimizeButton, height()));
     const int right = width() - m_closeButton->x() - m_menuButton->width();
     m_menuButton->move(right, m_closeButton->y());
+    // Until it was seen. From then on it keeps its width and its distance from the upper left.
+    if (!m_wasShown)
+        m_titleField->setGeometry(flipped(geometry.titleField, height()));
     if (m_childContentView)
         m_childContentView->setGeometry(flipped(geometry.content, height()));
     const bool isResizable = minimumSize() != maximumSize() && !isMaximized() && !isFullScreen();
@@ -179,6 +179,7 @@ void ColorWindow::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);
     layOut();
+    m_wasShown = true;
 }
 
 void ColorWindow::resizeEvent(QResizeEvent *event)

@@ -87,5 +87,6 @@ private:
     WindowMenu *m_menu = nullptr;
     WindowDrag m_drag;
     bool m_canMove = true;
+    bool m_wasShown = false;
     const bool m_isBlended;
 };

@@ -2,12 +2,18 @@
 
 #include "platform/FileImages.h"
 
+#include <QPointer>
 #include <algorithm>
 #include <ranges>
 
 ExcludedFilesModel::ExcludedFilesModel(FileToView &toView, QObject *parent)
     : QAbstractTableModel(parent), m_toView(toView)
 {
+}
+
+ExcludedFilesModel::~ExcludedFilesModel()
+{
+    forgetRows();
 }
 
 int ExcludedFilesModel::rowCount(const QModelIndex &parent) const
@@ -39,9 +45,9 @@ QVariant ExcludedFilesModel::pathData(const Row &row, int role) const
 {
     switch (role) {
     case Qt::DisplayRole:
-        return row.unreadable.isEmpty() ? row.file->name() : row.unreadable;
+        return row.unreadable.value_or(row.file->name());
     case Qt::ToolTipRole:
-        return row.unreadable.isEmpty() ? row.file->fileURL().displayPath() : row.unreadable;
+        return row.unreadable.value_or(row.file->fileURL().displayPath());
     case Qt::AccessibleDescriptionRole:
     case PlaceRole:
         return placeText(row);
@@ -67,12 +73,12 @@ QVariant ExcludedFilesModel::sizeData(const Row &row, int role) const
 
 bool ExcludedFilesModel::isUsable(const Row &row) const
 {
-    return row.unreadable.isEmpty() && row.facts.presence != FileFacts::Presence::Missing;
+    return !row.unreadable && row.facts.presence != FileFacts::Presence::Missing;
 }
 
 QString ExcludedFilesModel::sizeText(const Row &row) const
 {
-    if (!row.unreadable.isEmpty())
+    if (row.unreadable)
         return tr("Not readable");
     if (row.facts.presence == FileFacts::Presence::Missing)
         return tr("Not found");
@@ -83,7 +89,7 @@ QString ExcludedFilesModel::sizeText(const Row &row) const
 
 QString ExcludedFilesModel::placeText(const Row &row) const
 {
-    if (!row.unreadable.isEmpty())
+    if (row.unreadable)
         return tr("This entry cannot be read. Nothing is cleaned until it is removed.");
     const QString path = row.file->fileURL().displayPath();
     const auto slash = path.lastIndexOf(QLatin1Char('/'));
@@ -93,13 +99,18 @@ QString ExcludedFilesModel::placeText(const Row &row) const
 void ExcludedFilesModel::setStoredStrings(const QStringList &strings)
 {
     beginResetModel();
-    for (const Row &row : std::as_const(m_rows))
-        m_toView.cancel(*row.file);
-    m_rows.clear();
+    forgetRows();
     for (const QString &stored : strings)
         m_rows.append(rowOf(stored));
     endResetModel();
     prepare(0);
+}
+
+void ExcludedFilesModel::forgetRows()
+{
+    for (const Row &row : std::as_const(m_rows))
+        m_toView.cancel(*row.file);
+    m_rows.clear();
 }
 
 ExcludedFilesModel::Row ExcludedFilesModel::rowOf(const QString &stored)
@@ -116,9 +127,8 @@ QStringList ExcludedFilesModel::storedStrings() const
 {
     QStringList strings;
     for (const Row &row : m_rows)
-        strings.append(row.unreadable.isEmpty()
-                           ? QString::fromLatin1(row.file->fileURL().absoluteString())
-                           : row.unreadable);
+        strings.append(
+            row.unreadable.value_or(QString::fromLatin1(row.file->fileURL().absoluteString())));
     return strings;
 }
 
@@ -155,16 +165,16 @@ void ExcludedFilesModel::prepare(int firstRow)
     QList<QByteArray> paths;
     QList<std::shared_ptr<File>> files;
     for (Row &row : std::ranges::subrange(m_rows.begin() + firstRow, m_rows.end())) {
-        if (!row.unreadable.isEmpty())
+        if (row.unreadable)
             continue;
         paths.append(row.file->fileURL().path());
         files.append(row.file);
         if (!row.file->sizeString())
             measure(row);
     }
-    m_toView.lookAt(paths, [this, files](const QList<FileFacts> &facts) {
-        for (int i = 0; i < files.size(); ++i)
-            takeFacts(files.at(i).get(), facts.at(i));
+    m_toView.lookAt(paths, [model = QPointer(this), files](const QList<FileFacts> &facts) {
+        for (int i = 0; model && i < files.size(); ++i)
+            model->takeFacts(files.at(i).get(), facts.at(i));
     });
 }
 

@@ -21,6 +21,7 @@ public:
 
     /// Must outlive the model.
     explicit ExcludedFilesModel(FileToView &toView, QObject *parent = nullptr);
+    ~ExcludedFilesModel() override;
 
     int rowCount(const QModelIndex &parent = {}) const override;
     int columnCount(const QModelIndex &parent = {}) const override;
@@ -45,7 +46,7 @@ private:
     struct Row
     {
         std::shared_ptr<File> file = {};
-        QString unreadable = {}; ///< a stored string that is no URL; else empty
+        std::optional<QString> unreadable = {}; ///< a stored string that is no URL
         FileFacts facts = {};
         bool hasNoSize = false; ///< nobody may measure now
     };
@@ -56,6 +57,7 @@ private:
     bool isUsable(const Row &row) const;
     QVariant pathData(const Row &row, int role) const;
     QVariant sizeData(const Row &row, int role) const;
+    void forgetRows();
     void prepare(int firstRow);
     void measure(Row &row);
     void takeFacts(const File *file, const FileFacts &facts);

@@ -75,6 +75,7 @@ private Q_SLOTS:
     void swapsTheContent();
     void answersTheContentRectangle();
     void followsItsSize();
+    void centresTheTitleInItsFirstSize();
     void letsSheetsOutBelowItsTitle();
     void takesTheKeyboard();
     void isDraggedByItsBackground();
@@ -177,6 +178,17 @@ void TestColorWindow::followsItsSize()
     // Pinned to the upper left, the title with its width.
     QCOMPARE(window->closeButton()->pos(), QPoint(9, 5));
     QCOMPARE(window->titleField()->geometry(), QRect(50, 5, 500, 22));
+}
+
+void TestColorWindow::centresTheTitleInItsFirstSize()
+{
+    ColorWindow window;
+    window.setContentView(new QWidget);
+    window.setFixedSize(870, 705); // as a description's reader does, after the content came
+    window.show();
+    QVERIFY(QTest::qWaitForWindowActive(&window));
+    QCOMPARE(window.titleField()->geometry(), QRect(50, 5, 770, 22));
+    QCOMPARE(window.contentView()->geometry(), QRect(5, 20, 860, 680));
 }
 
 void TestColorWindow::letsSheetsOutBelowItsTitle()
