@@ -11,7 +11,7 @@
 #include "tests/support/SheetDriver.h"
 
 #include <QDir>
-#include <QSignalSpy>
+#include <QTimer>
 
 /// The start of the program, with a server of the test's own in place of the maker's pages.
 class TestAppDelegate final : public QObject
@@ -142,9 +142,11 @@ void TestAppDelegate::quitsWhenTheWindowIsClosed()
     start();
     QVERIFY(m_application->applicationShouldTerminateAfterLastWindowClosed());
     m_application->openPreferences();
-    QSignalSpy quit(qApp, &QGuiApplication::lastWindowClosed);
-    m_application->mainWindowController().window().close();
-    QTRY_COMPARE(quit.size(), 1);
+    constexpr int kTooLate = 1;
+    QTimer::singleShot(std::chrono::seconds(20), qApp, [] { QCoreApplication::exit(kTooLate); });
+    QTimer::singleShot(0, this, [this] { m_application->mainWindowController().window().close(); });
+    QCOMPARE(QApplication::exec(), 0);
+    QVERIFY(m_application->preferencesWindowController().window()->isVisible());
 }
 
 void TestAppDelegate::keepsWhatWasSetWhenItTerminates()

@@ -51,6 +51,7 @@ void TestCleaningJob::init()
     m_calls.setHook({});
     m_fixture = std::make_unique<PageFixture>();
     m_fixture->grantHome();
+    QVERIFY(ResourceManager::homeFolder() == m_fixture->homeUrl()); // as the page does first
 }
 
 void TestCleaningJob::cleanup()
