@@ -2,6 +2,8 @@
 
 #include "platform/InterfaceLoader.h"
 
+#include <QApplication>
+
 WindowController::WindowController(const InterfaceLoader &loader, QObject *parent)
     : QObject(parent), m_loader(loader)
 {
@@ -26,6 +28,9 @@ QWidget *WindowController::window()
 
 void WindowController::showWindow()
 {
+    const QWidget *active = QApplication::activeWindow();
+    if (!isWindowLoaded() && active)
+        window()->move(active->geometry().center() - window()->rect().center());
     window()->show();
     window()->raise();
     window()->activateWindow();

@@ -22,7 +22,8 @@ public:
     QWidget *window();
     bool isWindowLoaded() const { return !m_window.isNull(); }
 
-    /// Shows the window before all others.
+    /// Shows the window before all others; the first time in the middle of the active one, where
+    /// the desktop lets windows choose their place.
     void showWindow();
 
 protected:

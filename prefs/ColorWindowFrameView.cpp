@@ -9,6 +9,7 @@ constexpr double kCornerRadius = 5;
 constexpr float kWhiteAlpha = 0.95F;
 // Without a shadow of the desktop's, white on white would have no edge.
 constexpr QColor kEdgeColour(0, 0, 0, 40);
+constexpr QColor kHardEdgeColour(176, 180, 186);
 
 } // namespace
 
@@ -40,7 +41,8 @@ void ColorWindowFrameView::paintEvent(QPaintEvent *event)
 {
     QPainter painter(this);
     painter.setCompositionMode(QPainter::CompositionMode_Source);
-    painter.fillRect(event->rect(), Qt::transparent);
+    // What is only half inside the shape would be half black where nothing is blended.
+    painter.fillRect(event->rect(), m_isBlended ? Qt::transparent : Qt::white);
     painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
     painter.setRenderHint(QPainter::Antialiasing);
     QColor white(Qt::white);
@@ -48,6 +50,6 @@ void ColorWindowFrameView::paintEvent(QPaintEvent *event)
     painter.fillPath(shape(), white);
     if (m_corners == FrameCorners::Square)
         return;
-    painter.setClipPath(shape());
-    painter.strokePath(shape(), QPen(kEdgeColour, 2)); // its outer half is clipped away
+    painter.setClipPath(shape()); // cuts the line's outer half off
+    painter.strokePath(shape(), QPen(m_isBlended ? kEdgeColour : kHardEdgeColour, 2));
 }

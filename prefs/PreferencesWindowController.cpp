@@ -6,6 +6,7 @@
 #include "platform/Alert.h"
 #include "platform/InterfaceLoader.h"
 #include "platform/OpenPanel.h"
+#include "prefs/ColorWindow.h"
 #include "prefs/ExcludedFilesView.h"
 
 #include <QAbstractButton>
@@ -38,6 +39,9 @@ void PreferencesWindowController::windowDidLoad()
 void PreferencesWindowController::connectOutlets()
 {
     QWidget &interface = *window();
+    outlet<ColorWindow>(interface, "PreferencesWindowController")
+        ->titleField()
+        ->setText(interface.windowTitle());
     m_tableView = outlet<ExcludedFilesView>(interface, "tableView");
     m_removeButton = outlet<QAbstractButton>(interface, "removeButton");
     m_tableView->setModel(&m_model);

@@ -27,6 +27,7 @@ private Q_SLOTS:
     void loadsTheDescriptionOfItsClassOnFirstUse();
     void keepsTheWindowWhenItCloses();
     void makesANewWindowAfterTheOldOneDied();
+    void comesUpInTheMiddleOfTheActiveWindow();
     void takesTheWindowWithIt();
 
 private:
@@ -39,7 +40,9 @@ void TestWindowController::initTestCase()
     QFile description(m_folder.filePath(QStringLiteral("SampleWindowController.ui")));
     QVERIFY(description.open(QIODevice::WriteOnly));
     description.write("<ui version=\"4.0\"><class>S</class>"
-                      "<widget class=\"QWidget\" name=\"sample\"/></ui>");
+                      "<widget class=\"QWidget\" name=\"sample\"><property name=\"geometry\">"
+                      "<rect><x>0</x><y>0</y><width>200</width><height>100</height></rect>"
+                      "</property></widget></ui>");
     m_loader = std::make_unique<InterfaceLoader>(m_folder.path());
 }
 
@@ -72,6 +75,25 @@ void TestWindowController::makesANewWindowAfterTheOldOneDied()
     delete controller.window();
     QVERIFY(controller.window());
     QCOMPARE(controller.loads, 2);
+}
+
+void TestWindowController::comesUpInTheMiddleOfTheActiveWindow()
+{
+    QWidget active;
+    active.setGeometry(200, 100, 400, 300);
+    active.show();
+    QVERIFY(QTest::qWaitForWindowActive(&active));
+    SampleWindowController controller(*m_loader);
+    controller.showWindow();
+    const QRect window = controller.window()->geometry();
+    const QPoint away = window.center() - active.geometry().center();
+    QVERIFY(away.manhattanLength() <= 4); // as wide as the frame that the desktop may add
+    // The user's choice of a place is kept.
+    controller.window()->move(10, 20);
+    controller.window()->close();
+    active.activateWindow();
+    controller.showWindow();
+    QCOMPARE(controller.window()->pos(), QPoint(10, 20));
 }
 
 void TestWindowController::takesTheWindowWithIt()

@@ -40,7 +40,11 @@ void TestColorWindowFrameView::isOpaqueWhereWindowsAreNotBlended()
 {
     ColorWindowFrameView view;
     view.setIsBlended(false);
-    QCOMPARE(pictureOf(view).pixelColor(50, 30), QColor(Qt::white));
+    const QImage image = pictureOf(view);
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            QCOMPARE(image.pixelColor(x, y).alpha(), 255);
+    QCOMPARE(image.pixelColor(50, 30), QColor(Qt::white));
 }
 
 void TestColorWindowFrameView::hasRoundCornersUntilItFillsTheScreen_data()
