@@ -142,11 +142,11 @@ void TestAppDelegate::quitsWhenTheWindowIsClosed()
     start();
     QVERIFY(m_application->applicationShouldTerminateAfterLastWindowClosed());
     m_application->openPreferences();
+    QVERIFY(m_application->preferencesWindowController().window()->isVisible());
     constexpr int kTooLate = 1;
     QTimer::singleShot(std::chrono::seconds(20), qApp, [] { QCoreApplication::exit(kTooLate); });
     QTimer::singleShot(0, this, [this] { m_application->mainWindowController().window().close(); });
     QCOMPARE(QApplication::exec(), 0);
-    QVERIFY(m_application->preferencesWindowController().window()->isVisible());
 }
 
 void TestAppDelegate::keepsWhatWasSetWhenItTerminates()
