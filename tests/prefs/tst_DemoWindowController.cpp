@@ -138,7 +138,7 @@ void TestDemoWindowController::closesByOk()
 void TestDemoWindowController::closesByEscape()
 {
     present();
-    QTest::keyClick(m_host.get(), Qt::Key_Escape);
+    QTest::keyClick(m_host->windowHandle(), Qt::Key_Escape);
     QTRY_VERIFY(!hasSheet(*m_host));
 }
 
