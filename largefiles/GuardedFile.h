@@ -21,7 +21,7 @@ struct FileReading
 /// How much may be spent on looking into one file.
 struct ReadingLimits
 {
-    qint64 bytes = 512LL * 1024 * 1024;  ///< read all in all
+    qint64 bytes = 512LL * 1024 * 1024;   ///< read all in all
     std::chrono::milliseconds time{4000}; ///< from the opening on
 };
 

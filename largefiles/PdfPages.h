@@ -1,7 +1,7 @@
 #pragma once
 
-#include <QImage>
 #include <QIODevice>
+#include <QImage>
 
 /// A page of a document, on white paper.
 struct PdfPage

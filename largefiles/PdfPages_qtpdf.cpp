@@ -3,8 +3,17 @@
 #include <QPainter>
 #include <QPdfDocument>
 
+namespace {
+
+/// Where readers look for the format's mark, in bytes.
+constexpr qint64 kHeaderWithin = 1024;
+
+} // namespace
+
 PdfPage pdfPage(QIODevice &document, int page, QSize size)
 {
+    if (!document.peek(kHeaderWithin).contains("%PDF-"))
+        return {};
     QPdfDocument pdf;
     pdf.load(&document);
     if (pdf.status() != QPdfDocument::Status::Ready || page < 0 || page >= pdf.pageCount())

@@ -104,10 +104,11 @@ void QuickLookTableView::mousePressEvent(QMouseEvent *event)
 
 QMenu *QuickLookTableView::menuForEvent(QPoint position)
 {
-    const int row = rowAt(position.y());
-    if (row < 0 || !m_menu)
+    const QModelIndex row = indexAt(position);
+    if (!row.isValid() || !m_menu)
         return nullptr;
-    m_menu->actions().constFirst()->setData(row);
+    // A search may insert rows while the menu is up.
+    m_menu->actions().constFirst()->setData(QVariant::fromValue(QPersistentModelIndex(row)));
     return m_menu;
 }
 

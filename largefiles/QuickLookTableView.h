@@ -28,8 +28,8 @@ public:
     /// The context menu, with at least one item; stays its owner's.
     void setMenu(QMenu *menu) { m_menu = menu; }
 
-    /// The menu for a place in the viewport: its first item bears the row there as its data. Null
-    /// where there is no row.
+    /// The menu for a place in the viewport: its first item bears the row there, a
+    /// QPersistentModelIndex, as its data. Null where there is no row.
     QMenu *menuForEvent(QPoint position);
 
     /// As if the key had been pressed in the table.

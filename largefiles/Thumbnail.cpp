@@ -21,14 +21,9 @@ constexpr QColor kEdgeColour(0, 0, 0, 40);
 /// are not among them: to parse a large one takes for ever.
 bool isDecodable(const QByteArray &format)
 {
-    static const QList<QByteArray> formats{"bmp",  "gif", "icns", "ico",  "jpeg",
+    static const QList<QByteArray> formats{"bmp", "gif", "icns", "ico",  "jpeg",
                                            "jpg", "png", "tif",  "tiff", "webp"};
     return formats.contains(format);
-}
-
-bool isPdf(const FileUrl &file)
-{
-    return file.lastPathComponent().toLower().endsWith(".pdf");
 }
 
 QSize fitted(QSize picture, QSize room)
@@ -44,12 +39,14 @@ QImage pictureIn(const FileReading &reading, const FileUrl &file, QSize pixels,
     const auto device = GuardedFile::open(reading, file, stop);
     if (!device)
         return {};
-    const QImage cached = cachedThumbnail(file, device->modified(), qMin(pixels.width(), pixels.height()));
+    const QImage cached =
+        cachedThumbnail(file, device->modified(), qMin(pixels.width(), pixels.height()));
     if (!cached.isNull())
         return cached.scaled(fitted(cached.size(), pixels), Qt::KeepAspectRatio,
                              Qt::SmoothTransformation);
-    const QImage picture =
-        isPdf(file) ? pdfPage(*device, 0, pixels).image : decodedPicture(*device, pixels);
+    QImage picture = pdfPage(*device, 0, pixels).image;
+    if (picture.isNull() && device->seek(0))
+        picture = decodedPicture(*device, pixels);
     return device->hasGivenUp() ? QImage() : picture;
 }
 
