@@ -97,7 +97,7 @@ void LargeFilesWindowController::connectTable()
 void LargeFilesWindowController::makeMenu()
 {
     m_menu = new QMenu(m_tableView);
-    connect(m_menu->addAction(tr("Show in Folder")), &QAction::triggered, this,
+    connect(m_menu->addAction(tr("Show in the file manager")), &QAction::triggered, this,
             &LargeFilesWindowController::showInFinder);
     m_tableView->setMenu(m_menu);
 }

@@ -3,10 +3,9 @@
 #include "largefiles/QuickLookTableViewDelegate.h"
 #include "platform/WeakDelegate.h"
 
+#include <QMenu>
 #include <QPointer>
 #include <QTableView>
-
-class QMenu;
 
 /// A table of files, one column without headers. The space bar asks the delegate for a preview,
 /// Enter for what a row's button does. The context menu is that of the row under the pointer,
