@@ -35,11 +35,11 @@ QImage readCached(const QString &path, const QString &uri, const QDateTime &modi
     const QFileInfo info(path);
     if (!info.isFile() || info.size() > kLargestFile)
         return {};
-    QImageReader reader(path, "png");
-    if (reader.text(QStringLiteral("Thumb::URI")) != uri ||
-        !isOfTime(reader.text(QStringLiteral("Thumb::MTime")), modified))
-        return {};
-    return reader.read();
+    // The reader's own text() cuts keys at their first colon.
+    const QImage image = QImageReader(path, "png").read();
+    const bool isValid = image.text(QStringLiteral("Thumb::URI")) == uri &&
+                         isOfTime(image.text(QStringLiteral("Thumb::MTime")), modified);
+    return isValid ? image : QImage();
 }
 
 } // namespace
