@@ -143,6 +143,8 @@ void LargeFilesWindowController::refreshData()
 void LargeFilesWindowController::deleteData()
 {
     m_array.deleteData();
+    m_status = {};
+    showStatus();
     if (isWindowLoaded())
         reloadLabels();
 }

@@ -33,7 +33,7 @@ QString factsOf(const File &file, const PreviewContent &content, int page)
               << PreviewCard::tr("This file cannot be read");
     } else {
         facts << stringFromByteCount(content.size)
-              << QLocale().toString(content.modified, QLocale::LongFormat);
+              << QLocale().toString(content.modified.date(), QLocale::LongFormat);
     }
     if (content.pageCount > 1)
         facts << PreviewCard::tr("Page %1 of %2").arg(page + 1).arg(content.pageCount);
