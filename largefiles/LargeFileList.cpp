@@ -3,6 +3,7 @@
 #include "platform/ByteCount.h"
 
 #include <QPointer>
+#include <QSet>
 #include <algorithm>
 
 LargeFileList::LargeFileList(ReadSizes readSizes, QObject *parent)
@@ -40,22 +41,22 @@ FileUrls LargeFileList::fileURLs() const
 {
     FileUrls urls;
     urls.reserve(static_cast<qsizetype>(m_files.size()));
-    for (const auto &file : m_files)
+    for (const File *file : m_files)
         urls.append(file->fileURL());
     return urls;
 }
 
 bool LargeFileList::insert(const File &file)
 {
-    const qsizetype known = m_paths.size();
-    m_paths.insert(file.fileURL().path());
-    if (m_paths.size() == known)
+    const auto [entry, isNew] = m_byPath.try_emplace(file.fileURL().path());
+    if (!isNew)
         return false;
-    const auto isLarger = [](qint64 size, const auto &listed) { return size > listed->size(); };
+    entry->second = std::make_unique<File>(file);
+    const auto isLarger = [](qint64 size, const File *listed) { return size > listed->size(); };
     const auto place = std::upper_bound(m_files.begin(), m_files.end(), file.size(), isLarger);
     const int row = static_cast<int>(place - m_files.begin());
     beginInsertRows({}, row, row);
-    m_files.insert(place, std::make_unique<File>(file));
+    m_files.insert(place, entry->second.get());
     endInsertRows();
     if (file.isAdded())
         picksChanged();
@@ -90,12 +91,12 @@ void LargeFileList::remove(const FileUrls &files)
 
 void LargeFileList::removeRun(std::size_t first, std::size_t end)
 {
-    using Steps = Files::difference_type;
     beginRemoveRows({}, static_cast<int>(first), static_cast<int>(end) - 1);
-    for (std::size_t row = first; row < end; ++row)
-        m_paths.remove(m_files[row]->fileURL().path());
-    m_files.erase(m_files.begin() + static_cast<Steps>(first),
-                  m_files.begin() + static_cast<Steps>(end));
+    const auto from = m_files.begin() + static_cast<std::ptrdiff_t>(first);
+    const auto to = m_files.begin() + static_cast<std::ptrdiff_t>(end);
+    for (auto file = from; file != to; ++file)
+        m_byPath.erase((*file)->fileURL().path());
+    m_files.erase(from, to);
     endRemoveRows();
 }
 
@@ -103,7 +104,7 @@ void LargeFileList::deleteData()
 {
     beginResetModel();
     m_files.clear();
-    m_paths.clear();
+    m_byPath.clear();
     endResetModel();
     picksChanged();
 }
@@ -120,7 +121,7 @@ void LargeFileList::dropPicks()
 {
     if (m_files.empty())
         return;
-    for (const auto &file : m_files)
+    for (File *file : m_files)
         file->setIsAdded(false);
     Q_EMIT dataChanged(index(0), index(rowCount() - 1), {IsAddedRole});
     picksChanged();
@@ -129,7 +130,7 @@ void LargeFileList::dropPicks()
 FileUrls LargeFileList::selectedURLs() const
 {
     FileUrls urls;
-    for (const auto &file : m_files) {
+    for (const File *file : m_files) {
         if (file->isAdded())
             urls.append(file->fileURL());
     }
@@ -139,7 +140,7 @@ FileUrls LargeFileList::selectedURLs() const
 qint64 LargeFileList::selectedSize() const
 {
     qint64 sum = 0;
-    for (const auto &file : m_files) {
+    for (const File *file : m_files) {
         if (file->isAdded())
             sum = sumOfByteCounts(sum, m_freshSizes.value(file->fileURL().path(), file->size()));
     }

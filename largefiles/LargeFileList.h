@@ -4,9 +4,9 @@
 
 #include <QAbstractListModel>
 #include <QHash>
-#include <QSet>
 #include <functional>
 #include <memory>
+#include <unordered_map>
 #include <vector>
 
 /// The large files that were found, the largest first and among equal ones the first found first,
@@ -42,7 +42,7 @@ public:
     const File &fileAt(int row) const { return *m_files[std::size_t(row)]; }
     /// All files, in list order.
     FileUrls fileURLs() const;
-    bool contains(const FileUrl &file) const { return m_paths.contains(file.path()); }
+    bool contains(const FileUrl &file) const { return m_byPath.contains(file.path()); }
 
     /// Puts a file in its place; false when its path is listed already.
     bool insert(const File &file);
@@ -67,15 +67,13 @@ Q_SIGNALS:
     void sizeStringChanged();
 
 private:
-    using Files = std::vector<std::unique_ptr<File>>;
-
     void removeRun(std::size_t first, std::size_t end);
     void picksChanged();
     void takeSizes(const FileUrls &files, const QList<qint64> &sizes);
 
     const ReadSizes m_readSizes;
-    Files m_files;
-    QSet<QByteArray> m_paths;
+    std::unordered_map<QByteArray, std::unique_ptr<File>> m_byPath;
+    std::vector<File *> m_files; ///< in list order; bare, because a row in between moves all below
     QHash<QByteArray, qint64> m_freshSizes; ///< by path, of files that are or were picked
     quint64 m_question = 0;                 ///< the number of the latest question for sizes
 };

@@ -145,7 +145,7 @@ private:
 /// leads nowhere.
 bool isMissing(const SystemCalls &calls, const AnchoredPath &place, int error)
 {
-    if (error != ELOOP)
+    if (error != ELOOP && error != ENOTDIR) // which of both a link gives is up to the system
         return error == ENOENT;
     const AnchoredEntry entry = anchoredEntry(place);
     const auto around = openAnchored(calls, entry.folder, Descent::AcrossMounts);

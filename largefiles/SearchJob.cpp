@@ -7,7 +7,6 @@
 #include <QSet>
 #include <deque>
 #include <mutex>
-#include <optional>
 #include <variant>
 
 namespace {
@@ -54,22 +53,22 @@ public:
     void unreadable(const UnreadablePlace &place) override { say(place); }
 
     /// The next message; after nothing, the job will be called for the one that follows.
-    std::optional<Message> next()
+    std::unique_ptr<const Message> next()
     {
         const std::scoped_lock lock(m_mutex);
         m_isCalled = !m_messages.empty();
         if (!m_isCalled)
-            return std::nullopt;
-        Message message = std::move(m_messages.front());
+            return nullptr;
+        std::unique_ptr<const Message> message = std::move(m_messages.front());
         m_messages.pop_front();
         return message;
     }
 
 private:
-    void say(Message message)
+    template <typename Content> void say(const Content &content)
     {
         const std::scoped_lock lock(m_mutex);
-        m_messages.push_back(std::move(message));
+        m_messages.push_back(std::make_unique<const Message>(content));
         if (!m_isCalled)
             m_job.post(shared_from_this());
         m_isCalled = true;
@@ -79,7 +78,7 @@ private:
     FileUrls m_files; ///< what the list holds if all was delivered; the search's own
 
     std::mutex m_mutex; ///< guards the rest
-    std::deque<Message> m_messages;
+    std::deque<std::unique_ptr<const Message>> m_messages;
     bool m_isCalled = false; ///< the job is about to take messages
 };
 
