@@ -76,7 +76,7 @@ QList<ViewController *> BFNavigationController::popToViewController(ViewControll
     const auto position = m_viewControllers.indexOf(controller);
     if (position < 0 || controller == top)
         return {};
-    const QList<ViewController *> removed = m_viewControllers.mid(position + 1);
+    QList<ViewController *> removed = m_viewControllers.mid(position + 1);
     m_viewControllers.resize(position + 1);
     navigateFromViewController(top, controller, animated, Direction::Pop);
     return removed;
@@ -86,7 +86,7 @@ QList<ViewController *> BFNavigationController::popToRootViewController(Animated
 {
     if (m_viewControllers.size() == 1)
         return {};
-    const QList<ViewController *> removed = m_viewControllers.mid(1);
+    QList<ViewController *> removed = m_viewControllers.mid(1);
     m_viewControllers.resize(1);
     navigateFromViewController(removed.constLast(), topViewController(), animated, Direction::Pop);
     return removed;

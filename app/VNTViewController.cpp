@@ -10,7 +10,7 @@ VNTViewController::VNTViewController(const InterfaceLoader &loader, QObject *par
 {
 }
 
-void VNTViewController::initWithNibName(const QString &nibName)
+void VNTViewController::initWithNibName(const QString &nibName) const
 {
     const char *const className = metaObject()->className();
     qCCritical(logVantor, "Illegal call made to -[%s initWithWindowNibName:], call init instead",

@@ -22,7 +22,7 @@ public:
 
     /// Must not be used: a page's description is always the one of its class. Writes a log line and
     /// throws std::logic_error.
-    [[noreturn]] void initWithNibName(const QString &nibName);
+    [[noreturn]] void initWithNibName(const QString &nibName) const;
 
     /// What the page before this one handed over; invalid when nothing. Set after viewWillAppear()
     /// and before viewDidAppear().
@@ -30,7 +30,10 @@ public:
     void setData(const QVariant &data) { m_data = data; }
 
     VNTViewControllerDelegate *delegate() const { return m_delegate.get(); }
-    void setDelegate(WeakDelegate<VNTViewControllerDelegate> delegate) { m_delegate = delegate; }
+    void setDelegate(const WeakDelegate<VNTViewControllerDelegate> &delegate)
+    {
+        m_delegate = delegate;
+    }
 
     /// Right before the view is made; viewDidLoad() comes right after.
     virtual void viewWillLoad() {}

@@ -23,6 +23,19 @@ constexpr QSize kPage(900, 700);
 constexpr QRect kPieFrame(220, 110, 460, 460);
 constexpr int kPieMargin = 20;
 constexpr int kHole = 90;
+constexpr double kCircle = 360;
+constexpr double kBorder = 1.5;
+constexpr int kLighter = 120; // per cent, at the centre
+
+constexpr int kLabels = 26; // in two columns beside the pie
+constexpr int kFontSize = 14;
+constexpr QPoint kFirstLabel(20, 20);
+constexpr QPoint kNextColumn(720, 0);
+constexpr QPoint kNextRow(0, 50);
+
+constexpr double kNanosecondsPerMillisecond = 1e6;
+constexpr std::size_t kHundred = 100;
+constexpr std::size_t kHighPercentile = 95;
 
 /// As much work as the real one: gradients, smooth edges, a soft shadow, a turn every frame.
 class Pie final : public QWidget
@@ -45,14 +58,15 @@ protected:
             QRectF(rect()).adjusted(kPieMargin, kPieMargin, -kPieMargin, -kPieMargin);
         for (int slice = 0; slice < kSlices; ++slice) {
             QPainterPath path(circle.center());
-            path.arcTo(circle, m_angle + slice * 360.0 / kSlices, 360.0 / kSlices);
+            path.arcTo(circle, m_angle + slice * kCircle / kSlices, kCircle / kSlices);
             QPainterPath hole;
             hole.addEllipse(circle.center(), kHole, kHole);
             QRadialGradient gradient(circle.center(), circle.width() / 2);
-            const QColor colour = QColor::fromHsv(slice * 360 / kSlices, 160, 220);
-            gradient.setColorAt(0, colour.lighter(120));
+            const QColor colour =
+                QColor::fromHsv(static_cast<int>(slice * kCircle / kSlices), 160, 220);
+            gradient.setColorAt(0, colour.lighter(kLighter));
             gradient.setColorAt(1, colour);
-            painter.setPen(QPen(Qt::white, 1.5));
+            painter.setPen(QPen(Qt::white, kBorder));
             painter.setBrush(gradient);
             painter.drawPath(path.subtracted(hole));
         }
@@ -64,10 +78,10 @@ private:
 
 void fill(QWidget &page)
 {
-    for (int i = 0; i < 26; ++i) {
+    for (int i = 0; i < kLabels; ++i) {
         auto *const label = new QLabel(QStringLiteral("Label %1, 12.3 MB").arg(i), &page);
-        label->setFont(interfaceFont(Typeface::Light, 14));
-        label->move(20 + (i % 2) * 720, 20 + (i / 2) * 50);
+        label->setFont(interfaceFont(Typeface::Light, kFontSize));
+        label->move(kFirstLabel + kNextColumn * (i % 2) + kNextRow * (i / 2));
     }
 }
 
@@ -80,11 +94,11 @@ template <typename Step> void measure(const char *what, QWidget &window, Pie &pi
         QElapsedTimer timer;
         timer.start();
         QCoreApplication::sendPostedEvents(&window, QEvent::UpdateRequest);
-        times.push_back(static_cast<double>(timer.nsecsElapsed()) / 1e6);
+        times.push_back(static_cast<double>(timer.nsecsElapsed()) / kNanosecondsPerMillisecond);
     }
     std::sort(times.begin(), times.end());
     std::printf("%-28s median %6.2f ms   95 %% %6.2f ms\n", what, times[times.size() / 2],
-                times[times.size() * 95 / 100]);
+                times[times.size() * kHighPercentile / kHundred]);
 }
 
 } // namespace

@@ -27,6 +27,11 @@ void DirectoryVisitor::failed(const WalkedFolder &, const char *, int)
 {
 }
 
+void DirectoryVisitor::statusFailed(const WalkedFolder &folder, const char *name, int error)
+{
+    failed(folder, name, error);
+}
+
 unsigned usefulWalkThreads()
 {
     return std::clamp(std::thread::hardware_concurrency(), 1U, kMostThreads);

@@ -53,6 +53,10 @@ public:
     /// opened, or, with an empty name, the rest of the folder itself. `error` is an errno. What
     /// merely vanished meanwhile, and mount points, are no failures and are not told.
     virtual void failed(const WalkedFolder &folder, const char *name, int error);
+
+    /// The first of these cases by itself: an entry was listed, but its status cannot be had. Says
+    /// failed() unless told otherwise.
+    virtual void statusFailed(const WalkedFolder &folder, const char *name, int error);
 };
 
 /// The number of threads from which walking gains: one for each processor, four at most.

@@ -11,7 +11,10 @@
 class InterfaceLoader::Reader final : public QUiLoader
 {
 public:
-    void add(const QString &className, Factory factory) { m_factories.insert(className, factory); }
+    void add(const QString &className, const Factory &factory)
+    {
+        m_factories.insert(className, factory);
+    }
 
     std::unique_ptr<QWidget> read(QIODevice &description)
     {
@@ -72,9 +75,9 @@ InterfaceLoader::InterfaceLoader(QString folder) : m_folder(std::move(folder))
 
 InterfaceLoader::~InterfaceLoader() = default;
 
-void InterfaceLoader::registerClass(const QString &className, Factory factory)
+void InterfaceLoader::registerClass(const QString &className, const Factory &factory)
 {
-    m_reader->add(className, std::move(factory));
+    m_reader->add(className, factory);
 }
 
 LoadedInterface InterfaceLoader::load(const QString &className) const

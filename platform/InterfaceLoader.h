@@ -38,7 +38,7 @@ public:
         registerClass(QString::fromLatin1(Widget::staticMetaObject.className()),
                       [](QWidget *parent) -> QWidget * { return new Widget(parent); });
     }
-    void registerClass(const QString &className, Factory factory);
+    void registerClass(const QString &className, const Factory &factory);
 
     /// A new interface from the description of this class. Slots named on_<object>_<signal> of the
     /// root widget are connected.

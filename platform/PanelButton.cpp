@@ -13,6 +13,18 @@ constexpr int kHeight = 32;
 constexpr int kMinimumWidth = 96;
 constexpr int kPadding = 20; // at each side of the title
 constexpr double kRadius = 7;
+constexpr double kHalfLine = 0.5; // a line of one point lies half inside its outline
+
+// Per cent of the face's own lightness.
+constexpr int kPressedDefault = 122;
+constexpr int kPressed = 112;
+constexpr int kHoveredDefault = 110;
+constexpr int kHovered = 104;
+constexpr int kDefaultBorder = 115;
+
+constexpr float kBorderOpacity = 0.22F;
+constexpr float kRingOpacity = 0.45F;
+constexpr double kDisabledOpacity = 0.45;
 
 } // namespace
 
@@ -36,9 +48,9 @@ QColor PanelButton::faceColor() const
     const QColor face =
         isDefault() ? palette().color(QPalette::Highlight) : palette().color(QPalette::Base);
     if (isDown())
-        return face.darker(isDefault() ? 122 : 112);
+        return face.darker(isDefault() ? kPressedDefault : kPressed);
     if (underMouse() && isEnabled())
-        return isDefault() ? face.lighter(110) : face.darker(104);
+        return isDefault() ? face.lighter(kHoveredDefault) : face.darker(kHovered);
     return face;
 }
 
@@ -53,7 +65,7 @@ QColor PanelButton::textColor() const
 void PanelButton::paintRing(QPainter &painter, const QRectF &face) const
 {
     QColor ring = palette().color(QPalette::Highlight);
-    ring.setAlphaF(0.45F);
+    ring.setAlphaF(kRingOpacity);
     painter.setPen(QPen(ring, kRing));
     painter.setBrush(Qt::NoBrush);
     const double out = kRing / 2.0;
@@ -65,16 +77,17 @@ void PanelButton::paintEvent(QPaintEvent *)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     if (!isEnabled())
-        painter.setOpacity(0.45);
+        painter.setOpacity(kDisabledOpacity);
     const QRectF face = QRectF(rect()).adjusted(kRing, kRing, -kRing, -kRing);
     if (hasFocus())
         paintRing(painter, face);
-    QColor border = isDefault() ? palette().color(QPalette::Highlight).darker(115)
+    QColor border = isDefault() ? palette().color(QPalette::Highlight).darker(kDefaultBorder)
                                 : palette().color(QPalette::WindowText);
-    border.setAlphaF(isDefault() ? 1.0F : 0.22F);
+    border.setAlphaF(isDefault() ? 1.0F : kBorderOpacity);
     painter.setPen(QPen(border, 1));
     painter.setBrush(faceColor());
-    painter.drawRoundedRect(face.adjusted(0.5, 0.5, -0.5, -0.5), kRadius, kRadius);
+    painter.drawRoundedRect(face.adjusted(kHalfLine, kHalfLine, -kHalfLine, -kHalfLine), kRadius,
+                            kRadius);
     painter.setPen(textColor());
     painter.drawText(face, Qt::AlignCenter | Qt::TextShowMnemonic, text());
 }

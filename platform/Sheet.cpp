@@ -18,7 +18,7 @@ class SheetQueue final : public QObject
 public:
     explicit SheetQueue(QWidget *host) : QObject(host), m_host(*host) {}
 
-    bool isUp() const { return m_overlay; }
+    bool isUp() const { return m_overlay != nullptr; }
     QWidget *panel() const { return m_overlay ? m_overlay->panel() : nullptr; }
     bool holds(const QWidget &panel) const;
     void add(QWidget &panel, SheetCompletion completion, SheetCancel cancel);
@@ -149,7 +149,7 @@ void endSheet(QWidget &panel, int result)
 bool hasSheet(const QWidget &host)
 {
     const SheetQueue *const queue = queueOf(host);
-    return queue && queue->isUp();
+    return queue != nullptr && queue->isUp();
 }
 
 QWidget *sheetPanel(const QWidget &host)

@@ -10,6 +10,7 @@ namespace {
 
 constexpr int kRadius = 10;
 constexpr int kEdge = 1;
+constexpr int kBorderOpacity = 46;       // of 255
 constexpr double kShadowStrength = 0.26; // right at the edge
 constexpr int kShadowDrop = 3;           // the light comes from above
 constexpr int kSlotDepth = 7;            // of the shade under the edge from which the sheet comes
@@ -118,7 +119,7 @@ void SheetFrame::paintEvent(QPaintEvent *)
 
     const QColor border = palette().color(QPalette::WindowText);
     const QRectF line = body().adjusted(0.5, 0, -0.5, -0.5);
-    painter.setPen(QColor(border.red(), border.green(), border.blue(), 46));
+    painter.setPen(QColor(border.red(), border.green(), border.blue(), kBorderOpacity));
     painter.setBrush(palette().brush(QPalette::Window));
     painter.drawPath(outline(line, kRadius));
 

@@ -41,8 +41,8 @@ bool isInput(QEvent::Type type)
 
 bool takesTab(const QWidget &widget)
 {
-    return widget.isVisible() && widget.isEnabled() && (widget.focusPolicy() & Qt::TabFocus) &&
-           !widget.focusProxy();
+    return widget.isVisible() && widget.isEnabled() && widget.focusProxy() == nullptr &&
+           (widget.focusPolicy() & Qt::TabFocus) != 0;
 }
 
 } // namespace
@@ -112,10 +112,16 @@ void SheetOverlay::slideOut()
         QMetaObject::invokeMethod(this, &SheetOverlay::endSlide, Qt::QueuedConnection);
 }
 
+void SheetOverlay::dropSlide()
+{
+    delete m_slide;
+    m_slide = nullptr;
+}
+
 /// Whether there is anything to see of it.
 bool SheetOverlay::slide(double from, double to)
 {
-    delete m_slide;
+    dropSlide();
     const auto duration = animationDuration(m_host, kSlide);
     if (duration.count() <= 0 || !m_host.isVisible())
         return false;

@@ -51,6 +51,7 @@ private:
     void layOut();
     void takeFocus();
     bool slide(double from, double to);
+    void dropSlide();
     void endSlide();
     void cancel();
     void pressDefaultButton();

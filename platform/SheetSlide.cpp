@@ -21,7 +21,7 @@ protected:
 QPixmap pictureWithout(QWidget &window, QWidget &child)
 {
     child.setGraphicsEffect(new Unseen(&child));
-    const QPixmap picture = window.grab();
+    QPixmap picture = window.grab();
     child.setGraphicsEffect(nullptr);
     return picture;
 }

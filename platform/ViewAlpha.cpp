@@ -129,7 +129,7 @@ private:
 
     void drawByPicture(double alpha)
     {
-        const bool isFaded = m_effect && m_effect->isEnabled();
+        const bool isFaded = !m_effect.isNull() && m_effect->isEnabled();
         if (alpha < 1 && !isFaded)
             showGroundBelowChildren(m_widget);
         if (!m_effect && alpha < 1) {
@@ -143,8 +143,10 @@ private:
     void drawByVeil(double alpha)
     {
         QWidget *const parent = m_widget.isWindow() ? nullptr : m_widget.parentWidget();
-        if (m_veil && (alpha >= 1 || m_veil->parentWidget() != parent))
+        if (m_veil && (alpha >= 1 || m_veil->parentWidget() != parent)) {
             delete m_veil;
+            m_veil = nullptr;
+        }
         if (!m_veil && alpha < 1 && parent)
             m_veil = new AlphaVeil(m_widget);
         if (m_veil)

@@ -165,8 +165,11 @@ void WalkWorker::lookAt(const DirectoryRecord &record)
         return m_visitor.found({*level.folder, record.name, nullptr});
 
     const auto status = m_calls.status(topDescriptor(), record.name);
-    if (!status)
-        return failed(record.name, status.error());
+    if (!status) {
+        if (!isTolerated(status.error()))
+            m_visitor.statusFailed(*level.folder, record.name, status.error());
+        return;
+    }
     if (status->kind == FileKind::Folder)
         return addSubfolder(record.name);
     m_visitor.found({*level.folder, record.name, wantsStatus ? &*status : nullptr});

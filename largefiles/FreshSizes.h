@@ -1,0 +1,25 @@
+#pragma once
+
+#include "largefiles/LatestTask.h"
+#include "platform/FileUrl.h"
+#include "platform/SystemCalls.h"
+#include "slices/FileAccess.h"
+
+/// Reads the present sizes of listed files on a thread of its own. Main thread only.
+class FreshSizes final
+{
+public:
+    using Answer = std::function<void(const QList<qint64> &sizes)>;
+
+    /// Both must outlive it.
+    FreshSizes(const SystemCalls &calls, FileAccess &access) : m_calls(calls), m_access(access) {}
+
+    /// Answers on the main thread, with bytes in the order of the files, 0 for what cannot be read;
+    /// only the latest question is answered, and none once this is gone.
+    void read(const FileUrls &files, Answer answer);
+
+private:
+    const SystemCalls &m_calls;
+    FileAccess &m_access;
+    LatestTask m_task;
+};

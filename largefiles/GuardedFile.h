@@ -1,0 +1,62 @@
+#pragma once
+
+#include "platform/FileUrl.h"
+#include "platform/SystemCalls.h"
+#include "slices/FileAccess.h"
+
+#include <QDeadlineTimer>
+#include <QFile>
+#include <chrono>
+#include <memory>
+#include <stop_token>
+
+/// What reads files for previews: the system's calls and the right to work in the granted folder.
+/// Both outlive whoever holds this.
+struct FileReading
+{
+    const SystemCalls &calls;
+    FileAccess &access;
+};
+
+/// How much may be spent on looking into one file.
+struct ReadingLimits
+{
+    qint64 bytes = 512LL * 1024 * 1024;   ///< read all in all
+    std::chrono::milliseconds time{4000}; ///< from the opening on
+};
+
+/// A file whose content nobody vouches for, as a device for decoders: reads fail once the limits
+/// are reached or the token says stop, so that no decoder goes on for long. Only regular files are
+/// opened, and no link is followed. One thread at a time, any but the main one.
+class GuardedFile final : public QIODevice
+{
+    Q_OBJECT
+
+public:
+    /// Null when there is no such regular file in the granted folder, or it cannot be read. The
+    /// caller holds the access while the file lives.
+    static std::unique_ptr<GuardedFile> open(const FileReading &reading, const FileUrl &url,
+                                             const std::stop_token &stop,
+                                             ReadingLimits limits = {});
+
+    /// Whether a read was refused. What a decoder made of the file is worth nothing then.
+    bool hasGivenUp() const { return m_hasGivenUp; }
+    QDateTime modified() const;
+
+    qint64 size() const override { return m_file.size(); }
+    bool seek(qint64 position) override;
+
+protected:
+    qint64 readData(char *data, qint64 largest) override;
+    qint64 writeData(const char *, qint64) override { return -1; }
+
+private:
+    GuardedFile(FileDescriptor descriptor, std::stop_token stop, ReadingLimits limits);
+
+    FileDescriptor m_descriptor;
+    QFile m_file;
+    std::stop_token m_stop;
+    qint64 m_bytesLeft;
+    QDeadlineTimer m_deadline;
+    bool m_hasGivenUp = false;
+};

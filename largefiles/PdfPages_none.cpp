@@ -1,0 +1,6 @@
+#include "largefiles/PdfPages.h"
+
+PdfPage pdfPage(QIODevice &, int, QSize)
+{
+    return {};
+}

@@ -1,0 +1,66 @@
+#include "largefiles/PreviewContent.h"
+
+#include "largefiles/PdfPages.h"
+
+#include <QMimeDatabase>
+#include <QStringDecoder>
+#include <optional>
+
+namespace {
+
+constexpr int kIconSide = 160;
+
+/// The beginning of a file as text; nothing when it does not look like one.
+std::optional<QString> textIn(GuardedFile &file)
+{
+    const QByteArray bytes = file.read(kPreviewedText);
+    if (bytes.isEmpty() || bytes.contains('\0'))
+        return std::nullopt;
+    // Stateful: the last letter may be cut in two.
+    QStringDecoder decoder(QStringDecoder::Utf8);
+    QString text = decoder(bytes);
+    if (decoder.hasError())
+        return std::nullopt;
+    return text;
+}
+
+PreviewContent::Kind lookInto(GuardedFile &file, const PreviewRequest &request,
+                              PreviewContent &content)
+{
+    PdfPage page = pdfPage(file, request.page, request.size.pixels());
+    content.pageCount = page.pageCount;
+    content.image = std::move(page.image);
+    if (content.image.isNull() && file.seek(0))
+        content.image = decodedPicture(file, request.size.pixels());
+    if (!content.image.isNull() && !file.hasGivenUp()) {
+        content.image.setDevicePixelRatio(request.size.scale);
+        return PreviewContent::Kind::Picture;
+    }
+    content.image = {};
+    if (const auto text = file.seek(0) ? textIn(file) : std::nullopt) {
+        content.text = *text;
+        content.isCut = content.size > kPreviewedText;
+        return PreviewContent::Kind::Text;
+    }
+    return PreviewContent::Kind::Facts;
+}
+
+} // namespace
+
+PreviewContent readPreview(const FileReading &reading, const PreviewRequest &request,
+                           const std::stop_token &stop)
+{
+    const AccessScope scope(reading.access);
+    PreviewContent content;
+    const QString name = QString::fromUtf8(request.file.lastPathComponent());
+    content.typeName =
+        QMimeDatabase().mimeTypeForFile(name, QMimeDatabase::MatchExtension).comment();
+    if (const auto file = GuardedFile::open(reading, request.file, stop)) {
+        content.size = file->size();
+        content.modified = file->modified();
+        content.kind = lookInto(*file, request, content);
+    }
+    if (content.image.isNull() && content.kind != PreviewContent::Kind::Text)
+        content.image = iconOfFile(request.file, {QSize(kIconSide, kIconSide), request.size.scale});
+    return content;
+}

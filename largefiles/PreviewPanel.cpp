@@ -1,0 +1,147 @@
+#include "largefiles/PreviewPanel.h"
+
+#include "largefiles/PreviewCard.h"
+
+#include <QKeyEvent>
+#include <QPainter>
+
+namespace {
+
+constexpr int kMargin = 18; // around the card
+constexpr QColor kVeil(40, 46, 54, 96);
+
+} // namespace
+
+PreviewPanel::PreviewPanel(FileReading reading, QWidget *parent)
+    : QWidget(parent), m_reading(reading), m_card(new PreviewCard(this))
+{
+    setFocusPolicy(Qt::StrongFocus);
+    setAccessibleName(tr("Preview"));
+    connect(m_card, &PreviewCard::closePressed, this, &PreviewPanel::orderOut);
+    parent->installEventFilter(this);
+    hide();
+}
+
+void PreviewPanel::makeKeyAndOrderFront()
+{
+    if (isHidden())
+        m_formerFocus = window()->focusWidget();
+    setGeometry(parentWidget()->rect());
+    show();
+    raise();
+    setFocus(Qt::OtherFocusReason);
+}
+
+void PreviewPanel::orderOut()
+{
+    m_job.stop();
+    m_content.reset();
+    const bool hadFocus = hasFocus() || isAncestorOf(window()->focusWidget());
+    if (hadFocus && m_formerFocus)
+        m_formerFocus->setFocus(Qt::OtherFocusReason);
+    hide();
+}
+
+void PreviewPanel::reloadData()
+{
+    PreviewPanelDataSource *const source = m_dataSource.get();
+    m_count = source ? source->numberOfPreviewItemsInPreviewPanel(*this) : 0;
+    showItem(m_count > 0 ? 0 : -1, 0);
+}
+
+void PreviewPanel::showItem(int index, int page)
+{
+    m_job.stop();
+    m_content.reset();
+    m_index = index;
+    m_page = page;
+    std::optional<File> file;
+    if (index >= 0)
+        file = m_dataSource.get()->previewItemAtIndex(*this, index);
+    setAccessibleDescription(file ? file->name() : QString());
+    if (!file)
+        return m_card->showNothing();
+    m_card->showTitle(*file, index, m_count);
+    const PreviewRequest request{
+        file->previewItemURL(), {m_card->contentSize(), devicePixelRatioF()}, page};
+    m_job.run([reading = m_reading, request, file = *file, this](const std::stop_token &stop) {
+        return [this, file, content = readPreview(reading, request, stop)] { take(file, content); };
+    });
+}
+
+void PreviewPanel::take(const File &file, const PreviewContent &content)
+{
+    m_content = content;
+    m_card->showContent(file, content, m_page);
+    Q_EMIT contentShown();
+}
+
+/// Whether the key led to another item or page.
+bool PreviewPanel::turnTo(int key)
+{
+    const int items = key == Qt::Key_Right ? 1 : key == Qt::Key_Left ? -1 : 0;
+    if (items != 0 && m_count > 1) {
+        showItem(qBound(0, m_index + items, m_count - 1), 0);
+        return true;
+    }
+    const int pages = key == Qt::Key_PageDown ? 1 : key == Qt::Key_PageUp ? -1 : 0;
+    if (pages == 0 || !m_content)
+        return false;
+    if (m_content->kind == PreviewContent::Kind::Text)
+        return m_card->scrollText(pages);
+    if (m_content->pageCount < 2)
+        return false;
+    showItem(m_index, qBound(0, m_page + pages, m_content->pageCount - 1));
+    return true;
+}
+
+void PreviewPanel::keyPressEvent(QKeyEvent *event)
+{
+    event->accept(); // nothing goes on to what lies behind
+    if (event->key() == Qt::Key_Escape)
+        return orderOut();
+    if (turnTo(event->key()))
+        return;
+    if (PreviewPanelDelegate *const delegate = m_delegate.get())
+        delegate->handleEvent(*this, *event);
+}
+
+bool PreviewPanel::event(QEvent *event)
+{
+    // The mouse, too, stops here.
+    if (event->type() == QEvent::Wheel || event->type() == QEvent::ContextMenu) {
+        event->accept();
+        return true;
+    }
+    return QWidget::event(event);
+}
+
+bool PreviewPanel::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == parentWidget() && event->type() == QEvent::Resize)
+        setGeometry(parentWidget()->rect());
+    return QWidget::eventFilter(watched, event);
+}
+
+/// There is nothing to go to but what is covered.
+bool PreviewPanel::focusNextPrevChild(bool)
+{
+    return true;
+}
+
+void PreviewPanel::mousePressEvent(QMouseEvent *event)
+{
+    event->accept();
+    if (!m_card->geometry().contains(event->pos()))
+        orderOut();
+}
+
+void PreviewPanel::paintEvent(QPaintEvent *)
+{
+    QPainter(this).fillRect(rect(), kVeil);
+}
+
+void PreviewPanel::resizeEvent(QResizeEvent *)
+{
+    m_card->setGeometry(rect().adjusted(kMargin, kMargin, -kMargin, -kMargin));
+}

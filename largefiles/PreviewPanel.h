@@ -1,0 +1,68 @@
+#pragma once
+
+#include "largefiles/LatestJob.h"
+#include "largefiles/PreviewContent.h"
+#include "largefiles/PreviewPanelProtocols.h"
+#include "platform/WeakDelegate.h"
+
+#include <QPointer>
+#include <QWidget>
+
+class PreviewCard;
+
+/// Shows what is in the files of its data source, one at a time, over the whole of its parent:
+/// pictures, pages of documents, how texts begin, and an icon with the facts of everything else.
+/// Left and Right page through several items, Page Up and Page Down through the pages of a document
+/// or a text; Escape, the close button and a click beside the card close it; all other keys are the
+/// delegate's. Has the focus while it is shown, and gives it back. Files are read on a thread of
+/// its own. Main thread only.
+class PreviewPanel final : public QWidget
+{
+    Q_OBJECT
+
+public:
+    PreviewPanel(FileReading reading, QWidget *parent);
+
+    void setDataSource(WeakDelegate<PreviewPanelDataSource> source) { m_dataSource = source; }
+    void setDelegate(WeakDelegate<PreviewPanelDelegate> delegate) { m_delegate = delegate; }
+
+    /// Shows it, with the focus; what it shows comes with reloadData().
+    void makeKeyAndOrderFront();
+    void orderOut();
+    /// Asks the data source anew and shows the first item.
+    void reloadData();
+
+    /// The item that is shown, from 0; -1 while there are none.
+    int currentPreviewItemIndex() const { return m_index; }
+    /// What was read of it; nothing while it is being read, or there is no item.
+    const std::optional<PreviewContent> &content() const { return m_content; }
+
+Q_SIGNALS:
+    /// The present item has been read.
+    void contentShown();
+
+protected:
+    bool event(QEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    bool focusNextPrevChild(bool next) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    bool turnTo(int key);
+    void showItem(int index, int page);
+    void take(const File &file, const PreviewContent &content);
+
+    FileReading m_reading;
+    WeakDelegate<PreviewPanelDataSource> m_dataSource;
+    WeakDelegate<PreviewPanelDelegate> m_delegate;
+    PreviewCard *m_card;
+    QPointer<QWidget> m_formerFocus;
+    int m_count = 0;
+    int m_index = -1;
+    int m_page = 0;
+    std::optional<PreviewContent> m_content;
+    LatestJob m_job;
+};

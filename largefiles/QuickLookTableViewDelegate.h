@@ -1,0 +1,14 @@
+#pragma once
+
+class QuickLookTableView;
+
+/// Whom a table tells that its rows should be previewed.
+class QuickLookTableViewDelegate
+{
+public:
+    virtual ~QuickLookTableViewDelegate() = default;
+
+    /// The space bar was pressed in the table. False when that means nothing to the delegate; the
+    /// table then goes by the key itself.
+    virtual bool didPressSpacebarForTableView(QuickLookTableView &) { return false; }
+};

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "platform/FileUrl.h"
+
+#include <QCoreApplication>
+#include <QStringList>
+
+/// What a search is about and what it came to, in words for the line below the list. A value.
+class SearchStatus final
+{
+    Q_DECLARE_TR_FUNCTIONS(SearchStatus)
+
+public:
+    void begin();
+    void searching(const FileUrl &folder) { m_folder = folder; }
+    void unreadable(const FileUrl &place) { m_unreadable.append(place.displayPath()); }
+    /// It ran to its end, or was ended before.
+    void end(bool ranToItsEnd);
+
+    /// One line, for this many listed files; empty before the first search.
+    QString text(int fileCount) const;
+    /// What stands in the list while it is empty.
+    QString emptyText() const;
+    /// The places that could not be read, one a line, as many as people want to see.
+    QString details() const;
+
+private:
+    enum class State { New, Searching, Done, Stopped };
+
+    QString countText(int fileCount) const;
+
+    State m_state = State::New;
+    FileUrl m_folder;
+    QStringList m_unreadable;
+};

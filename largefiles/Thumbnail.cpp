@@ -1,0 +1,122 @@
+#include "largefiles/Thumbnail.h"
+
+#include "largefiles/PdfPages.h"
+#include "largefiles/ThumbnailCache.h"
+#include "platform/FileImages.h"
+
+#include <QDateTime>
+#include <QImageReader>
+#include <QPainter>
+#include <QPainterPath>
+#include <QSvgRenderer>
+
+namespace {
+
+constexpr int kLargestDecoded = 256; // MB in memory
+constexpr qint64 kMostPixels = 200'000'000;
+constexpr double kCornerRadius = 6;
+constexpr QColor kEdgeColour(0, 0, 0, 40);
+
+/// The formats whose decoders read as they go, so that they can be stopped. Drawings made of text
+/// are not among them: to parse a large one takes for ever.
+bool isDecodable(const QByteArray &format)
+{
+    static const QList<QByteArray> formats{"bmp", "gif", "icns", "ico",  "jpeg",
+                                           "jpg", "png", "tif",  "tiff", "webp"};
+    return formats.contains(format);
+}
+
+QSize fitted(QSize picture, QSize room)
+{
+    if (picture.width() <= room.width() && picture.height() <= room.height())
+        return picture;
+    return picture.scaled(room, Qt::KeepAspectRatio).expandedTo({1, 1});
+}
+
+QImage pictureIn(const FileReading &reading, const FileUrl &file, QSize pixels,
+                 const std::stop_token &stop)
+{
+    const auto device = GuardedFile::open(reading, file, stop);
+    if (!device)
+        return {};
+    const QImage cached =
+        cachedThumbnail(file, device->modified(), qMin(pixels.width(), pixels.height()));
+    if (!cached.isNull())
+        return cached.scaled(fitted(cached.size(), pixels), Qt::KeepAspectRatio,
+                             Qt::SmoothTransformation);
+    QImage picture = pdfPage(*device, 0, pixels).image;
+    if (picture.isNull() && device->seek(0))
+        picture = decodedPicture(*device, pixels);
+    return device->hasGivenUp() ? QImage() : picture;
+}
+
+QImage asPrint(const QImage &picture, qreal scale)
+{
+    QImage print(picture.size(), QImage::Format_ARGB32_Premultiplied);
+    print.fill(Qt::transparent);
+    const double radius =
+        qMin(kCornerRadius * scale, qMin(picture.width(), picture.height()) / 8.0);
+    QPainter painter(&print);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(QBrush(picture));
+    painter.drawRoundedRect(QRectF(picture.rect()), radius, radius);
+    const double half = scale / 2;
+    painter.setPen(QPen(kEdgeColour, scale));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(QRectF(picture.rect()).adjusted(half, half, -half, -half), radius,
+                            radius);
+    return print;
+}
+
+} // namespace
+
+QImage decodedPicture(GuardedFile &device, QSize pixels)
+{
+    QImageReader::setAllocationLimit(kLargestDecoded);
+    QImageReader reader(&device);
+    reader.setDecideFormatFromContent(true);
+    reader.setAutoTransform(true);
+    if (!isDecodable(reader.format()))
+        return {};
+    const QSize size = reader.size();
+    if (size.isEmpty() || qint64(size.width()) * size.height() > kMostPixels)
+        return {};
+    const bool isTurned = reader.transformation() & QImageIOHandler::TransformationRotate90;
+    reader.setScaledSize(fitted(size, isTurned ? pixels.transposed() : pixels));
+    const QImage image = reader.read();
+    return device.hasGivenUp() ? QImage() : image;
+}
+
+QImage iconOfFile(const FileUrl &file, PictureSize size)
+{
+    const int side = qMin(size.pixels().width(), size.pixels().height());
+    const QString name = imageNameForGenericIcon(genericIconName(file.lastPathComponent()));
+    QImage icon(side, side, QImage::Format_ARGB32_Premultiplied);
+    icon.fill(Qt::transparent);
+    // Not through the application's picture cache, which is the main thread's.
+    QSvgRenderer drawing(QStringLiteral(":/images/%1.svg").arg(name));
+    drawing.setAspectRatioMode(Qt::KeepAspectRatio);
+    QPainter painter(&icon);
+    drawing.render(&painter, QRectF(icon.rect()));
+    painter.end();
+    icon.setDevicePixelRatio(size.scale);
+    return icon;
+}
+
+QImage imageWithPreviewOfFileAtPath(const FileReading &reading, const FileUrl &file,
+                                    PictureSize size, ThumbnailMode mode,
+                                    const std::stop_token &stop)
+{
+    if (!file.isValid() || size.pixels().isEmpty())
+        return {};
+    const AccessScope scope(reading.access);
+    const QImage picture = pictureIn(reading, file, size.pixels(), stop);
+    if (stop.stop_requested())
+        return {};
+    if (picture.isNull())
+        return iconOfFile(file, size);
+    QImage image = mode == ThumbnailMode::Icon ? asPrint(picture, size.scale) : picture;
+    image.setDevicePixelRatio(size.scale);
+    return image;
+}

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "largefiles/GuardedFile.h"
+
+#include <QImage>
+
+/// How a thumbnail is drawn.
+enum class ThumbnailMode {
+    Plain, ///< the picture alone
+    Icon,  ///< as a print: round corners and a thin edge
+};
+
+/// How large a picture is wanted.
+struct PictureSize
+{
+    QSize points;
+    qreal scale = 1; ///< pixels a point, of the screen it is for
+
+    QSize pixels() const { return points * scale; }
+};
+
+/// A picture of what is in the file, fitted into the size: of a photograph or a document, or what
+/// the desktop keeps in its thumbnail cache. Else the icon of the file's kind, in a square whose
+/// side is the smaller of width and height. Null for no URL, for no size, and after a stop. Bears
+/// the scale. Damaged, huge and odd files cost a few seconds at worst. Any thread but the main one.
+QImage imageWithPreviewOfFileAtPath(const FileReading &reading, const FileUrl &file,
+                                    PictureSize size, ThumbnailMode mode,
+                                    const std::stop_token &stop = {});
+
+/// What the device holds, decoded and fitted into `pixels`; a small picture stays small. Null for
+/// what is no picture, or one too large. Any thread.
+QImage decodedPicture(GuardedFile &device, QSize pixels);
+
+/// The icon of the file's kind, told by its name alone; with the size's smaller side.
+QImage iconOfFile(const FileUrl &file, PictureSize size);

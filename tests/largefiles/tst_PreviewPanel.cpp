@@ -1,0 +1,181 @@
+#include "largefiles/PreviewCard.h"
+#include "largefiles/PreviewPanel.h"
+#include "largefiles/QuickLookTableView.h"
+#include "tests/support/GuiTestMain.h"
+#include "tests/support/OpenAccess.h"
+#include "tests/support/ScratchFolder.h"
+
+#include <QSignalSpy>
+#include <QStringListModel>
+
+/// A table of files and a panel that previews its selected rows.
+class Files final : public QObject,
+                    public QuickLookTableViewDelegate,
+                    public PreviewPanelDataSource,
+                    public PreviewPanelDelegate
+{
+    Q_OBJECT
+
+public:
+    explicit Files(const QStringList &names)
+        : access(folder.path()),
+          model(names),
+          table(&window),
+          panel({hostSystemCalls(), access}, &window)
+    {
+        window.resize(600, 400);
+        table.setGeometry(0, 0, 400, 400);
+        table.setModel(&model);
+        table.setQlDelegate(this);
+        panel.setDataSource(this);
+        panel.setDelegate(this);
+        connect(&table, &QuickLookTableView::selectionDidChange, this, [this] {
+            if (panel.isVisible())
+                panel.reloadData();
+        });
+        window.show();
+        window.activateWindow();
+        if (!QTest::qWaitForWindowActive(&window))
+            qFatal("the window does not become active");
+        table.setFocus();
+    }
+
+    bool didPressSpacebarForTableView(QuickLookTableView &) override
+    {
+        if (panel.isVisible()) {
+            panel.orderOut();
+        } else {
+            panel.makeKeyAndOrderFront();
+            panel.reloadData();
+        }
+        return true;
+    }
+    int numberOfPreviewItemsInPreviewPanel(PreviewPanel &) override
+    {
+        return int(table.selectedRows().size());
+    }
+    std::optional<File> previewItemAtIndex(PreviewPanel &, int index) override
+    {
+        const QString name = model.stringList().at(table.selectedRows().at(index));
+        return File(FileUrl::fromPath(folder.path(name.toUtf8()), FileUrlKind::File));
+    }
+    bool handleEvent(PreviewPanel &, QEvent &event) override
+    {
+        if (event.type() == QEvent::KeyPress)
+            table.keyDown(static_cast<QKeyEvent *>(&event));
+        return event.type() == QEvent::KeyPress;
+    }
+
+    void write(const QByteArray &name, const QByteArray &bytes) const
+    {
+        QFile file(QFile::decodeName(folder.path(name)));
+        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
+            qFatal("cannot write");
+    }
+    /// What the panel shows once it has been read.
+    PreviewContent shown()
+    {
+        if (!QTest::qWaitFor([this] { return panel.content().has_value(); }))
+            qFatal("nothing was read");
+        return *panel.content();
+    }
+    QString title() const { return panel.findChild<PreviewCard *>()->title(); }
+    void press(int key) { QTest::keyClick(window.focusWidget(), Qt::Key(key)); }
+
+    ScratchFolder folder;
+    OpenAccess access;
+    QWidget window;
+    QStringListModel model;
+    QuickLookTableView table;
+    PreviewPanel panel;
+};
+
+class PreviewPanelTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void spaceWithNothingSelectedShowsAnEmptyPanel()
+    {
+        Files files({QStringLiteral("a")});
+        files.press(Qt::Key_Space);
+        QVERIFY(files.panel.isVisible());
+        QCOMPARE(files.panel.currentPreviewItemIndex(), -1);
+        QCOMPARE(files.title(), QStringLiteral("Nothing is selected"));
+    }
+
+    void spaceHidesItWhereverTheFocusIs()
+    {
+        Files files({QStringLiteral("a")});
+        files.press(Qt::Key_Space);
+        QVERIFY(files.panel.hasFocus());
+        files.press(Qt::Key_Space);
+        QVERIFY(!files.panel.isVisible());
+        QVERIFY(files.table.hasFocus());
+        files.press(Qt::Key_Space);
+        files.table.setFocus();
+        files.press(Qt::Key_Space);
+        QVERIFY(!files.panel.isVisible());
+    }
+
+    void escapeClosesIt()
+    {
+        Files files({QStringLiteral("a")});
+        files.press(Qt::Key_Space);
+        files.press(Qt::Key_Escape);
+        QVERIFY(!files.panel.isVisible());
+    }
+
+    void arrowsMoveTheSelectionOfTheTable()
+    {
+        Files files({QStringLiteral("a"), QStringLiteral("b")});
+        files.write("b", "beta");
+        files.table.selectRow(0);
+        files.press(Qt::Key_Space);
+        files.press(Qt::Key_Down);
+        QCOMPARE(files.table.selectedRows(), QList<int>{1});
+        QCOMPARE(files.shown().text, QStringLiteral("beta"));
+    }
+
+    void severalRowsArePagedThroughInTheirOrder()
+    {
+        Files files({QStringLiteral("a"), QStringLiteral("b")});
+        files.table.selectAll();
+        files.press(Qt::Key_Space);
+        QCOMPARE(files.title(), QStringLiteral("a   1 of 2"));
+        files.press(Qt::Key_Right);
+        QCOMPARE(files.title(), QStringLiteral("b   2 of 2"));
+        files.press(Qt::Key_Right);
+        QCOMPARE(files.panel.currentPreviewItemIndex(), 1);
+        files.press(Qt::Key_Left);
+        QCOMPARE(files.panel.currentPreviewItemIndex(), 0);
+    }
+
+    void showsHowATextBegins()
+    {
+        Files files({QStringLiteral("log.txt")});
+        files.write("log.txt", QByteArray("line\n").repeated(20'000));
+        files.table.selectRow(0);
+        files.press(Qt::Key_Space);
+        const PreviewContent content = files.shown();
+        QCOMPARE(content.kind, PreviewContent::Kind::Text);
+        QCOMPARE(content.text.size(), kPreviewedText);
+        QVERIFY(content.isCut);
+    }
+
+    void showsTheFactsOfEverythingElse()
+    {
+        Files files({QStringLiteral("film.mkv"), QStringLiteral("gone")});
+        files.write("film.mkv", QByteArray("\0\1\2\3", 4));
+        files.table.selectRow(0);
+        files.press(Qt::Key_Space);
+        QCOMPARE(files.shown().kind, PreviewContent::Kind::Facts);
+        QCOMPARE(files.shown().size, 4);
+        QVERIFY(!files.shown().image.isNull());
+        files.press(Qt::Key_Down);
+        QCOMPARE(files.shown().kind, PreviewContent::Kind::Missing);
+    }
+};
+
+VANTOR_GUI_TEST_MAIN(PreviewPanelTest)
+#include "tst_PreviewPanel.moc"
