@@ -1,6 +1,7 @@
 #include "app/InterfaceClasses.h"
 
 #include "chart/PieChart.h"
+#include "largefiles/InterfaceClasses.h"
 #include "platform/InterfaceLoader.h"
 #include "prefs/InterfaceClasses.h"
 #include "widgets/ColorView.h"
@@ -13,6 +14,7 @@
 
 void registerInterfaceClasses(InterfaceLoader &loader)
 {
+    registerLargeFilesClasses(loader);
     registerPrefsClasses(loader);
     loader.registerClass<ColorView>();
     loader.registerClass<ImageButton>();

@@ -2,6 +2,7 @@
 
 #include "app/DiskInfoViewController.h"
 #include "chart/PieChart.h"
+#include "platform/SheetSlide.h"
 #include "platform/ViewAlpha.h"
 #include "prefs/ColorWindow.h"
 #include "tests/support/SheetDriver.h"
@@ -116,11 +117,9 @@ bool Journey::waitForMeasures()
 
 bool Journey::waitForSheet()
 {
-    // Fully out: its upper edge has come down to where sheets hang.
     return waitFor([this] {
         const QWidget *panel = sheetPanel(window());
-        return panel && panel->isVisible() &&
-               panel->mapTo(&window(), QPoint()).y() >= sheetDrop(window());
+        return panel && panel->isVisible() && !window().findChild<SheetSlide *>();
     });
 }
 
