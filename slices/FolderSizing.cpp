@@ -111,6 +111,14 @@ FolderSize nothingBecauseOf(int error)
     return nothing;
 }
 
+/// A sub-volume opens like any folder, but is as little cleaned as another file system.
+bool isOnVolumeOf(const SystemCalls &calls, int anchor, int folder)
+{
+    const auto granted = calls.statusOf(anchor);
+    const auto found = calls.statusOf(folder);
+    return granted && found && granted->device == found->device;
+}
+
 bool leadsToNoItem(const SystemCalls &calls, int folder, const char *link)
 {
     const auto behind = calls.kindBehind(folder, link);
@@ -149,6 +157,8 @@ FolderSize measureFolder(const SystemCalls &calls, const AnchoredPath &place,
                          const std::stop_token &stop, unsigned threads)
 {
     auto folder = openAnchored(calls, place, Descent::Strict);
+    if (folder && !isOnVolumeOf(calls, place.anchor->get(), folder->get()))
+        return nothingBecauseOf(EXDEV);
     if (folder)
         return sizeOfFolder(calls, std::move(*folder), stop, threads);
     const bool isNoFolder = folder.error() == ENOTDIR || folder.error() == ELOOP;
