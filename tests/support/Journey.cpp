@@ -182,6 +182,12 @@ bool Journey::pressInLargeFiles(QWidget &button)
     return clickButton(button) && waitFor([this] { return !hasSheet(window()); });
 }
 
+void Journey::press(Qt::Key key)
+{
+    // To the window, as the window system does.
+    QTest::keyClick(window().windowHandle(), key);
+}
+
 QPixmap Journey::picture() const
 {
     return window().grab();

@@ -49,6 +49,9 @@ public:
     bool pressInLargeFiles(QWidget &button);
     LargeFilesWindowController &largeFiles() const;
 
+    /// Presses a key, for whatever has the focus.
+    void press(Qt::Key key);
+
     QPixmap picture() const;
 
 private:
