@@ -178,9 +178,10 @@ private:
         if (!m_journey.openLargeFiles() || !m_journey.waitForSearch())
             return false;
         LargeFilesWindowController &sheet = m_journey.largeFiles();
-        QSignalSpy shown(&sheet, &LargeFilesWindowController::thumbnailShown);
-        for (int row = 0; row <= kPanoramaRow; ++row)
+        for (int row = 0; row < kPanoramaRow; ++row)
             m_journey.press(Qt::Key_Down);
+        QSignalSpy shown(&sheet, &LargeFilesWindowController::thumbnailShown);
+        m_journey.press(Qt::Key_Down);
         if (!QTest::qWaitFor([&] { return !shown.isEmpty(); }))
             return false;
         takePicture(QStringLiteral("4-large-files"));

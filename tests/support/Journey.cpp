@@ -101,8 +101,12 @@ bool Journey::clickSlice(SliceKind kind)
 bool Journey::hoverSlice(SliceKind kind)
 {
     PieChart &chart = *controller().freeSpacePage().pieChart();
+    // The pie does not look at the pointer while it moves itself.
+    if (!waitFor([&] { return !chart.isAnimating(); }))
+        return false;
     const QPoint position = chart.mapTo(&window(), middleOfSlice(indexOf(kind)));
-    QTest::mouseMove(window().windowHandle(), position);
+    for (const QPoint beside : {QPoint(1, 1), QPoint()}) // to where it is would be no move
+        QTest::mouseMove(window().windowHandle(), position + beside);
     return waitFor([&] { return chart.findChild<ImageButton *>()->isVisible(); });
 }
 
