@@ -21,7 +21,10 @@ AppDelegate::AppDelegate(Configuration configuration) : m_configuration(std::mov
     registerInterfaceClasses(m_loader);
 }
 
-AppDelegate::~AppDelegate() = default;
+AppDelegate::~AppDelegate()
+{
+    ResourceManager::setGrantSource([]() -> std::optional<QByteArray> { return std::nullopt; });
+}
 
 void AppDelegate::applicationDidFinishLaunching()
 {
@@ -140,7 +143,8 @@ void AppDelegate::restart()
 {
     applicationWillTerminate();
     if (QProcess::startDetached(QCoreApplication::applicationFilePath(), {})) {
-        QCoreApplication::quit();
+        // Not quit(), which a window with a sheet refuses: two would then write the settings.
+        QCoreApplication::exit();
         return;
     }
     presentAlert(m_mainWindowController->window(),

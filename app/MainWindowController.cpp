@@ -71,12 +71,8 @@ void MainWindowController::setupViewControllers()
     m_viewControllers = {m_folderSelect.get(), m_diskInfo.get(), m_freeSpace.get(), m_final.get()};
     connect(m_freeSpace.get(), &FreeSpaceViewController::cleaningChanged, this,
             [this](bool isCleaning) { Q_EMIT navigationAllowed(!isCleaning); });
-    connect(m_freeSpace.get(), &FreeSpaceViewController::placesLeftAlone, this,
-            [this](const QString &text) {
-                presentAlert(*m_window, {.style = AlertStyle::Warning,
-                                         .messageText = tr("Some places were left alone."),
-                                         .informativeText = text});
-            });
+    connect(m_freeSpace.get(), &FreeSpaceViewController::tells, this,
+            [this](const Alert &alert) { presentAlert(*m_window, alert); });
 }
 
 void MainWindowController::setupNavigationController()

@@ -25,7 +25,8 @@ public:
 
     ResourceManager() = delete;
 
-    /// Where the grant is stored. Once, at start-up, on the main thread, before anything else here.
+    /// Where the grant is stored. At start-up, on the main thread, before anything else here; again
+    /// when the source goes away.
     static void setGrantSource(GrantSource source);
 
     /// Why the grant stored now cannot be used; nothing when it can. Changes nothing, and may be

@@ -128,11 +128,12 @@ void InfoLayer::askForSize()
     if (m_askAgain)
         return;
     m_asked = m_info.get();
-    QThreadPool::globalInstance()->start([this, life = lifetime(), info = m_info] {
+    QThreadPool::globalInstance()->start([this, life = lifetime(), info = m_info]() mutable {
         const std::optional<QString> text = info->fileSizeString();
+        // The record goes back with the answer: the last reference must not end on this thread.
         QMetaObject::invokeMethod(
             QCoreApplication::instance(),
-            [this, life, info, text] {
+            [this, life, info = std::move(info), text] {
                 if (!life.expired())
                     sizeArrived(info.get(), text);
             },
@@ -174,7 +175,7 @@ std::optional<WeightedText> InfoLayer::attributedSizeString(const QString &text)
     if (text.size() <= kUnitLength || text == u"Empty" || text == u"Click to select")
         return std::nullopt;
     return WeightedText{{text.chopped(kUnitLength), Typeface::Regular},
-                    {text.last(kUnitLength), Typeface::Medium}};
+                        {text.last(kUnitLength), Typeface::Medium}};
 }
 
 QString InfoLayer::sizeString() const

@@ -93,3 +93,11 @@ QString unknownExclusionsText(const QString &damage, const ExcludedPaths &exclud
                                           : tr("Excluded now:\n%1").arg(shortened(paths));
     return damage + QStringLiteral("\n\n") + known;
 }
+
+QString unparsableExclusionsText(const QStringList &stored)
+{
+    return tr("Nothing is cleaned while nobody knows what it stands for. Please remove it from "
+              "your "
+              "excluded paths in the preferences:\n%1")
+        .arg(shortened(stored));
+}

@@ -15,5 +15,8 @@ QString confirmationText(const std::vector<std::shared_ptr<Info>> &records);
 /// there is none. Single files that could not be removed are not told of.
 QString leftAloneText(const CleaningReport &report);
 
+/// Which stored exclusions cannot be read, and what to do about it, for people.
+QString unparsableExclusionsText(const QStringList &stored);
+
 /// Why nobody knows what is excluded, and what is known, for people.
 QString unknownExclusionsText(const QString &damage, const ExcludedPaths &excluded);

@@ -111,12 +111,28 @@ FolderSize nothingBecauseOf(int error)
     return nothing;
 }
 
-/// A sub-volume opens like any folder, but is as little cleaned as another file system.
-bool isOnVolumeOf(const SystemCalls &calls, int anchor, int folder)
+/// A sub-volume opens like any folder, but is as little cleaned as another file system. The errno
+/// tells why nothing counts.
+SystemResult<void> checkVolume(const SystemCalls &calls, int anchor, int folder)
 {
     const auto granted = calls.statusOf(anchor);
+    if (!granted)
+        return tl::unexpected(granted.error());
     const auto found = calls.statusOf(folder);
-    return granted && found && granted->device == found->device;
+    if (!found)
+        return tl::unexpected(found.error());
+    return granted->device == found->device ? SystemResult<void>() : tl::unexpected(EXDEV);
+}
+
+/// The place's folder, opened for a measure.
+SystemResult<FileDescriptor> openPlace(const SystemCalls &calls, const AnchoredPath &place,
+                                       const std::stop_token &stop)
+{
+    auto folder = openAnchored(calls, place, Descent::Strict);
+    if (!folder || stop.stop_requested())
+        return folder ? tl::unexpected(ECANCELED) : std::move(folder);
+    const auto checked = checkVolume(calls, place.anchor->get(), folder->get());
+    return checked ? std::move(folder) : tl::unexpected(checked.error());
 }
 
 bool leadsToNoItem(const SystemCalls &calls, int folder, const char *link)
@@ -156,9 +172,9 @@ FolderSize sizeOfItem(const SystemCalls &calls, const AnchoredPath &place)
 FolderSize measureFolder(const SystemCalls &calls, const AnchoredPath &place,
                          const std::stop_token &stop, unsigned threads)
 {
-    auto folder = openAnchored(calls, place, Descent::Strict);
-    if (folder && !isOnVolumeOf(calls, place.anchor->get(), folder->get()))
-        return nothingBecauseOf(EXDEV);
+    auto folder = openPlace(calls, place, stop);
+    if (stop.stop_requested())
+        return nothingBecauseOf(ECANCELED);
     if (folder)
         return sizeOfFolder(calls, std::move(*folder), stop, threads);
     const bool isNoFolder = folder.error() == ENOTDIR || folder.error() == ELOOP;

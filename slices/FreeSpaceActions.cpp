@@ -24,6 +24,15 @@ namespace {
 
 constexpr float kPopoverWidth = 200;
 
+/// Whether nothing was cleaned because nobody knows for sure what is excluded.
+bool refusedEverything(const CleaningReport &report)
+{
+    const RefusalReason first = report.refusals.value(0).reason;
+    return report.refusalCount > 0 && report.removedItems == 0 &&
+           (first == RefusalReason::UnknownExclusions ||
+            first == RefusalReason::UnparsableExclusion);
+}
+
 } // namespace
 
 void FreeSpaceViewController::didSelectSliceAtIndex(PieChart &, int index)
@@ -34,7 +43,8 @@ void FreeSpaceViewController::didSelectSliceAtIndex(PieChart &, int index)
         return pickLargeFiles();
     if (m_selection.toggle(index) == SliceSelection::Toggle::Excluded)
         showMessage(
-            tr("To enable this slice, please remove it's excluded folder from preferences."));
+            {.messageText = tr("To enable this slice, please remove it's excluded folder from "
+                               "preferences.")});
     m_selection.updateSelectedSlicesUserDefaults();
     m_pieChart->reloadData();
     updateButtonText();
@@ -53,21 +63,25 @@ void FreeSpaceViewController::updateExcludedFiles()
         return; // heard when it is over; the cleaning reads the list itself
     dropLargeFiles();
     if (m_selection.applyExclusions() && !isPickingLargeFiles())
-        showMessage(tr("Your preferences have been adjusted, please scan for large files again"));
+        showMessage({.messageText = tr("Your preferences have been adjusted, please scan for "
+                                       "large files again")});
     m_pieChart->reloadData();
     updateButtonText();
     m_selection.updateSelectedSlicesUserDefaults();
 }
 
-void FreeSpaceViewController::showMessage(const QString &text, const QString &informative)
+void FreeSpaceViewController::showMessage(const Alert &alert)
 {
-    presentAlert(*view(), {.messageText = text, .informativeText = informative});
+    if (view()->isVisible())
+        presentAlert(*view(), alert);
+    else
+        Q_EMIT tells(alert); // a sheet on a page without window could never be answered
 }
 
 void FreeSpaceViewController::updateButtonText()
 {
-    if (m_isCleaning)
-        return; // a late measure must not overwrite "Cleaning"
+    if (m_isCleaning || !m_isShown)
+        return; // a late measure must not overwrite "Cleaning", nor a figure on its way out
     const qint64 total = m_selection.totalSize();
     qCInfo(logVantor).noquote() << QString::number(total);
     const bool isSelected = m_selection.somethingIsSelected();
@@ -75,6 +89,13 @@ void FreeSpaceViewController::updateButtonText()
     m_startButton->mainText().setAttributedText(isSelected ? startButtonSizeText(sizeText)
                                                            : selectSlicesText());
     m_startButton->detailText().setVisible(isSelected);
+}
+
+/// The pie moves away below the pointer.
+void FreeSpaceViewController::forgetHover()
+{
+    m_hoverButtons->setCurrentHoverIndex(SliceHoverButtons::kNoSlice);
+    m_hoverButtons->hide();
 }
 
 void FreeSpaceViewController::didHoverOverSliceAtIndex(PieChart &, int index)
@@ -158,8 +179,14 @@ void FreeSpaceViewController::next()
 bool FreeSpaceViewController::mayClean()
 {
     UserDefaults &defaults = m_services.defaults;
-    if (defaults.exclusionsAreKnown())
-        return m_services.grantIsUsable();
+    if (defaults.exclusionsAreKnown()) {
+        const QStringList unparsable = m_selection.excludedPaths().unparsable();
+        if (!unparsable.isEmpty())
+            showMessage({.style = AlertStyle::Warning,
+                         .messageText = tr("An excluded path cannot be read."),
+                         .informativeText = unparsableExclusionsText(unparsable)});
+        return unparsable.isEmpty() && m_services.grantIsUsable();
+    }
     const Alert alert{
         .style = AlertStyle::Warning,
         .messageText = tr("Cleaning is off until you have checked your excluded paths."),
@@ -190,7 +217,7 @@ void FreeSpaceViewController::askForConfirmation()
 void FreeSpaceViewController::beginCleaning()
 {
     // Asked again: the page may have been left, or the settings changed, while the sheet was up.
-    if (!m_isShown || m_isCleaning || !mayClean())
+    if (!m_selection.somethingIsSelected() || m_isCleaning || !m_isShown || !mayClean())
         return;
     m_isCleaning = true;
     Q_EMIT cleaningChanged(true);
@@ -214,7 +241,7 @@ void FreeSpaceViewController::showCleaningState()
 {
     m_startButton->mainText().setText(tr("Cleaning"));
     m_startButton->detailText().setText(QString());
-    m_hoverButtons->hide();
+    forgetHover();
     for (QWidget *subview : directSubviews(*view())) {
         if (subview != m_startButton && subview != m_pieChart)
             animateAlphaValue(*subview, 0);
@@ -226,9 +253,7 @@ void FreeSpaceViewController::showCleaningState()
 
 void FreeSpaceViewController::finishCleaning(const CleaningReport &report)
 {
-    const bool isRefused = report.refusalCount > 0 && report.removedItems == 0 &&
-                           report.refusals.value(0).reason == RefusalReason::UnknownExclusions;
-    const QVariant freed = isRefused ? qint64{0} : m_selection.totalSize();
+    const QVariant freed = refusedEverything(report) ? qint64{0} : m_selection.totalSize();
     m_isCleaning = false;
     dropLargeFiles();
     m_selection.applyExclusions(); // what was excluded meanwhile
@@ -237,5 +262,7 @@ void FreeSpaceViewController::finishCleaning(const CleaningReport &report)
     goForward(freed);
     const QString leftAlone = leftAloneText(report);
     if (!leftAlone.isEmpty())
-        Q_EMIT placesLeftAlone(leftAlone);
+        Q_EMIT tells({.style = AlertStyle::Warning,
+                      .messageText = tr("Some places were left alone."),
+                      .informativeText = leftAlone});
 }

@@ -99,7 +99,8 @@ void FreeSpaceViewController::rebuildRecords()
     m_measuring = std::stop_source();
     const auto measure = [&calls = m_services.calls, &access = m_services.access,
                           stop = m_measuring.get_token()](const FileUrl &url) {
-        return sizeForFolderAtPath(calls, access, url, stop);
+        const qint64 bytes = sizeForFolderAtPath(calls, access, url, stop);
+        return stop.stop_requested() ? std::nullopt : std::optional(bytes);
     };
     m_selection.rebuild(m_services.homeFolder(), {measure, m_sizeChanged});
 }
@@ -136,6 +137,7 @@ DemoWindowController &FreeSpaceViewController::demoWindowController()
 void FreeSpaceViewController::viewWillDisappear(bool)
 {
     m_isShown = false;
+    forgetHover();
     m_startButton->setEnabled(false);
     m_measuring.request_stop();
     m_selection.record(SliceKind::LargeFiles).setIsOn(false);

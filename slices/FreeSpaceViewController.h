@@ -11,6 +11,7 @@
 #include <stop_token>
 
 class DemoWindowController;
+struct Alert;
 class ExcludedFilesChangedNotification;
 class LargeFilesWindowController;
 class PieChart;
@@ -88,8 +89,8 @@ public Q_SLOTS:
 Q_SIGNALS:
     /// From the confirmation to the hand-over to the next page: no way back meanwhile.
     void cleaningChanged(bool isCleaning);
-    /// A cleaning ended and left places alone that the user had chosen; a text for people.
-    void placesLeftAlone(const QString &text);
+    /// A message for the user while this page is in no window.
+    void tells(const Alert &alert);
 
 private:
     void connectOutlets();
@@ -104,13 +105,14 @@ private:
     void askForConfirmation();
     void beginCleaning();
     void showCleaningState();
+    void forgetHover();
     void finishCleaning(const CleaningReport &report);
     void pickLargeFiles();
     void takePickedFiles();
     void followPickedSize();
     void dropLargeFiles();
     bool isPickingLargeFiles() const { return m_pickingAccess.has_value(); }
-    void showMessage(const QString &text, const QString &informative = {});
+    void showMessage(const Alert &alert);
 
     Services m_services;
     LabelController m_labelController;

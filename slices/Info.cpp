@@ -44,12 +44,12 @@ void Info::setFileURLs(const FileUrls &fileURLs)
         const std::scoped_lock lock(m_mutex);
         m_fileURLs = fileURLs;
     }
-    const qint64 bytes = measured(fileURLs);
+    const std::optional<qint64> bytes = measured(fileURLs);
     {
         const std::scoped_lock lock(m_mutex);
-        if (m_fileURLs != fileURLs)
+        if (!bytes || m_fileURLs != fileURLs)
             return; // whoever set newer places measures those
-        m_fileSize = bytes;
+        m_fileSize = *bytes;
     }
     postSizeChanged();
 }
@@ -93,7 +93,10 @@ void Info::measureOnce()
     // cleaning that asks begins only when nobody measures any more.
     const std::scoped_lock measuring(m_measuring);
     while (const std::optional<FileUrls> places = placesToMeasure()) {
-        if (storeFirstMeasure(*places, measured(*places)))
+        const std::optional<qint64> bytes = measured(*places);
+        if (!bytes)
+            return;
+        if (storeFirstMeasure(*places, *bytes))
             postSizeChanged();
     }
 }
@@ -133,13 +136,17 @@ void Info::setFileSizeString(std::optional<QString> text)
     m_fileSizeString = std::move(text);
 }
 
-qint64 Info::measured(const FileUrls &fileURLs) const
+std::optional<qint64> Info::measured(const FileUrls &fileURLs) const
 {
     qint64 bytes = 0;
     if (!m_services.measure)
         return bytes;
-    for (const FileUrl &url : fileURLs)
-        bytes = sumOfByteCounts(bytes, m_services.measure(url));
+    for (const FileUrl &url : fileURLs) {
+        const std::optional<qint64> place = m_services.measure(url);
+        if (!place)
+            return std::nullopt;
+        bytes = sumOfByteCounts(bytes, *place);
+    }
     return bytes;
 }
 

@@ -27,8 +27,9 @@ Q_SIGNALS:
 class Info final
 {
 public:
-    /// Measures one place, in bytes; called on the thread that asks for the size text.
-    using Measure = std::function<qint64(const FileUrl &)>;
+    /// Measures one place, in bytes; called on the thread that asks for the size text. Nothing when
+    /// it was stopped: a part of the size is no size.
+    using Measure = std::function<std::optional<qint64>(const FileUrl &)>;
 
     /// What a record uses to find its size and to tell of it. A record without places needs none.
     struct Services
@@ -64,7 +65,8 @@ public:
     void setFileSize(qint64 bytes);
 
     /// The text shown for the size. Measures on first use, which may take long: not for the main
-    /// thread. "Empty" for no bytes; nothing while there are no places and no preset text.
+    /// thread. "Empty" for no bytes; nothing while there are no places and no preset text, or when
+    /// the measuring was stopped.
     std::optional<QString> fileSizeString();
     void setFileSizeString(std::optional<QString> text);
     /// Whether there are places and their size text stands.
@@ -74,7 +76,7 @@ public:
     void setIsOn(bool isOn) { m_isOn = isOn; }
 
 private:
-    qint64 measured(const FileUrls &fileURLs) const;
+    std::optional<qint64> measured(const FileUrls &fileURLs) const;
     void measureOnce();
     std::optional<FileUrls> placesToMeasure() const;
     bool storeFirstMeasure(const FileUrls &places, qint64 bytes);

@@ -15,6 +15,7 @@ private Q_SLOTS:
     void countsWhatItDoesNotName();
     void saysNothingWhenNothingWasLeftAlone();
     void showsWhatIsKnownToBeExcluded();
+    void namesExclusionsThatCannotBeRead();
 };
 
 void TestCleaningText::asksWithTheSlicesThatAreOn()
@@ -68,6 +69,13 @@ void TestCleaningText::showsWhatIsKnownToBeExcluded()
     QVERIFY(text.startsWith(QStringLiteral("Damaged.")));
     QVERIFY(text.contains(QStringLiteral("/home/anna/Keep")));
     QVERIFY(unknownExclusionsText({}, {}).contains(QStringLiteral("No path")));
+}
+
+void TestCleaningText::namesExclusionsThatCannotBeRead()
+{
+    const QString text = unparsableExclusionsText({QStringLiteral("nonsense")});
+    QVERIFY(text.contains(QStringLiteral("preferences")));
+    QVERIFY(text.endsWith(QStringLiteral("\nnonsense")));
 }
 
 VANTOR_GUI_TEST_MAIN(TestCleaningText)
