@@ -9,7 +9,7 @@ namespace {
 
 /// How long a loaded page must have asked for nothing before it counts as settled, and how long it
 /// may go on asking.
-constexpr auto kQuiet = 500ms;
+constexpr auto kQuiet = 1s;
 constexpr auto kPatience = 5s;
 
 } // namespace

@@ -8,6 +8,8 @@
 #include <barrier>
 #include <csignal>
 #include <fcntl.h>
+#include <mutex>
+#include <set>
 #include <thread>
 #include <unistd.h>
 
@@ -109,15 +111,17 @@ void TestResourceManager::isTheGrantedFolder()
 
 void TestResourceManager::isMadeOnceHoweverManyThreadsAskFirst()
 {
-    std::atomic<FileAccess *> first = nullptr;
-    std::atomic<int> strangers = 0;
+    // The anchor is opened when the manager is made: another one would be another descriptor.
+    std::mutex mutex;
+    std::set<std::shared_ptr<const FileDescriptor>> anchors;
     inThreads([&] {
-        FileAccess *const mine = &ResourceManager::access();
-        FileAccess *expected = nullptr;
-        if (!first.compare_exchange_strong(expected, mine) && expected != mine)
-            ++strangers;
+        const AccessScope scope(ResourceManager::access());
+        const auto place = ResourceManager::access().anchoredPath(urlOf("anna"));
+        const std::scoped_lock lock(mutex);
+        anchors.insert(place ? place->anchor : nullptr);
     });
-    QCOMPARE(strangers.load(), 0);
+    QCOMPARE(anchors.size(), std::size_t(1));
+    QVERIFY(*anchors.begin());
     QCOMPARE(ResourceManager::homeFolder().path(), m_scratch->path("anna"));
 }
 

@@ -99,7 +99,7 @@ private Q_SLOTS:
     void ignoresAnAnswerAfterItsEnd();
     void stopsAtTheLargestTotal();
     void emptiesOnDeleteData();
-    void takes100000RowsSwiftly();
+    void keeps100000RowsInOrder();
 };
 
 void TestLargeFileList::putsEveryFileInItsPlace_data()
@@ -369,7 +369,7 @@ void TestLargeFileList::emptiesOnDeleteData()
     QVERIFY(!list.fileAt(0).isAdded());
 }
 
-void TestLargeFileList::takes100000RowsSwiftly()
+void TestLargeFileList::keeps100000RowsInOrder()
 {
     constexpr int kRows = 100'000;
     std::mt19937 random(1);

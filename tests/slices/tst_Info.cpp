@@ -44,6 +44,7 @@ private Q_SLOTS:
     void postsEveryTimeTheSizeIsSet();
     void postsOnTheMainThread();
     void isMeasuredByTwoReadersAtOnce();
+    void staysUnmeasuredWhenTheMeasureIsStopped();
     void dropsAMeasureOfPlacesThatWereChangedMeanwhile();
     void dropsAnOldMeasureOfNewPlaces();
     void doesNotTurnOver();
@@ -219,6 +220,22 @@ void TestInfo::isMeasuredByTwoReadersAtOnce()
     QCOMPARE(first, QStringLiteral("1.23 GB"));
     QCOMPARE(second, QStringLiteral("1.23 GB"));
     QCOMPARE(info->fileSize(), 1'234'000'000);
+    QCOMPARE(m_measures, 2); // each place once
+}
+
+void TestInfo::staysUnmeasuredWhenTheMeasureIsStopped()
+{
+    m_services.measure = [](const FileUrl &url) {
+        return url == kCaches ? std::optional(bytesOf(url)) : std::nullopt;
+    };
+    const auto info = slice(FileUrls{kCaches, kLogs});
+    QVERIFY(!info->fileSizeString());
+    QVERIFY(!info->isMeasured());
+    QCOMPARE(info->fileSize(), 0);
+    info->setFileURLs({kLogs});
+    QCOMPARE(info->fileSize(), 0);
+    QCoreApplication::processEvents();
+    QCOMPARE(m_posts->count(), 0);
 }
 
 void TestInfo::dropsAMeasureOfPlacesThatWereChangedMeanwhile()

@@ -13,6 +13,7 @@ class TestSliceHoverButtons final : public QObject
 private Q_SLOTS:
     void liesJustInsideTheEdge_data();
     void liesJustInsideTheEdge();
+    void placesBothBeforeTheEndOfTheSlice();
     void startsHiddenWithoutSlice();
     void offersToRevealOnDemand();
 };
@@ -36,6 +37,17 @@ void TestSliceHoverButtons::liesJustInsideTheEdge()
     const QPointF found = hoverButtonOrigin(chart, angle);
     QVERIFY2(std::abs(found.x() - origin.x()) < 0.01 && std::abs(found.y() - origin.y()) < 0.01,
              qPrintable(QStringLiteral("%1, %2").arg(found.x()).arg(found.y())));
+}
+
+void TestSliceHoverButtons::placesBothBeforeTheEndOfTheSlice()
+{
+    // The second of eight slices ends a quarter beyond the top, which is at the left.
+    PieChart chart(QRect(0, 0, 400, 400));
+    SliceHoverButtons buttons(chart);
+    buttons.placeOnSlice(1, 8, RevealOffer::Yes);
+    const double end = std::numbers::pi;
+    QCOMPARE(buttons.infoButton()->pos(), hoverButtonOrigin(chart, end - 0.08).toPoint());
+    QCOMPARE(buttons.showInFinderButton()->pos(), hoverButtonOrigin(chart, end - 0.21).toPoint());
 }
 
 void TestSliceHoverButtons::startsHiddenWithoutSlice()
