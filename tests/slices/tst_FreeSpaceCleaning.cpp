@@ -27,6 +27,9 @@ private Q_SLOTS:
     void keepsWhatIsExcludedAfterTheConsent();
     void removesNothingOnceTheExclusionsAreUnknown();
     void removesNothingOnceThePageIsLeft();
+    void removesNothingOnceNothingIsSelected();
+    void asksNothingWhileAnExclusionCannotBeRead();
+    void freesNothingWhenAnExclusionBecomesUnreadable();
     void ignoresEveryWishWhileItCleans();
 
 private:
@@ -144,6 +147,40 @@ void TestFreeSpaceCleaning::removesNothingOnceThePageIsLeft()
     letMeasuresEnd();
     QVERIFY(QThreadPool::globalInstance()->waitForDone());
     QVERIFY(m_fixture->exists(".Trash/keep") && m_fixture->exists(".Trash/other"));
+}
+
+void TestFreeSpaceCleaning::removesNothingOnceNothingIsSelected()
+{
+    m_page->next();
+    QTRY_VERIFY(sheetButton(*m_page->view(), QStringLiteral("Delete Files")));
+    const FileUrl trash = m_fixture->homeUrl().appending(".Trash", FileUrlKind::Folder);
+    m_fixture->defaults().setStrings(VNTExcludedPathsString,
+                                     {QString::fromLatin1(trash.absoluteString())});
+    m_excludedFilesChanged.post(); // takes the only slice out
+    QVERIFY(pressSheetButton(*m_page->view(), QStringLiteral("Delete Files")));
+    QVERIFY(!m_page->isCleaning());
+    QCOMPARE(m_delegate.moves.size(), 0);
+}
+
+void TestFreeSpaceCleaning::asksNothingWhileAnExclusionCannotBeRead()
+{
+    m_fixture->defaults().setStrings(VNTExcludedPathsString, {QStringLiteral("nonsense")});
+    m_page->next();
+    QTRY_VERIFY(sheetButton(*m_page->view(), QStringLiteral("OK")));
+    QVERIFY(sheetText(*m_page->view()).contains(QStringLiteral("nonsense")));
+    QVERIFY(!sheetButton(*m_page->view(), QStringLiteral("Delete Files")));
+    QVERIFY(pressSheetButton(*m_page->view(), QStringLiteral("OK")));
+    QVERIFY(m_fixture->exists(".Trash/keep"));
+}
+
+void TestFreeSpaceCleaning::freesNothingWhenAnExclusionBecomesUnreadable()
+{
+    QVERIFY(consent());
+    m_fixture->defaults().setStrings(VNTExcludedPathsString, {QStringLiteral("nonsense")});
+    letMeasuresEnd();
+    QTRY_COMPARE(m_delegate.moves.size(), 1);
+    QCOMPARE(m_delegate.moves[0].data, QVariant(qint64{0}));
+    QVERIFY(m_fixture->exists(".Trash/keep"));
 }
 
 void TestFreeSpaceCleaning::ignoresEveryWishWhileItCleans()

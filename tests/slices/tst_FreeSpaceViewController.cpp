@@ -6,6 +6,7 @@
 #include "chart/PieChart.h"
 #include "largefiles/LargeFilesWindowController.h"
 #include "largefiles/TextButton.h"
+#include "platform/Alert.h"
 #include "platform/ViewAlpha.h"
 #include "prefs/DemoWindowController.h"
 #include "prefs/Popover.h"
@@ -41,6 +42,7 @@ private Q_SLOTS:
     void refusesAnExcludedSliceEachTime();
     void asksForLargeFilesInASheet();
     void followsTheExcludedPaths();
+    void tellsOfTheChangeAlsoFromOutsideTheWindow();
     void placesTheHoverButtons();
     void offersToRevealOldUpdatesWhenThereAreAny();
     void explainsAndRevealsTheHoveredSlice();
@@ -219,6 +221,20 @@ void TestFreeSpaceViewController::followsTheExcludedPaths()
     QVERIFY(!m_page->selection().record(SliceKind::Trash).isOn());
     QVERIFY(!hasSheet(*m_page->view()));
     QCOMPARE(m_fixture->defaults().booleans(VNTSelectedSlicesString).at(0), false);
+}
+
+void TestFreeSpaceViewController::tellsOfTheChangeAlsoFromOutsideTheWindow()
+{
+    appear();
+    m_page->selection().record(SliceKind::LargeFiles).setFileURLs({m_fixture->homeUrl()}, 5);
+    QStringList told;
+    connect(m_page.get(), &FreeSpaceViewController::tells, this,
+            [&told](const Alert &alert) { told.append(alert.messageText); });
+    m_page->view()->hide();
+    m_excludedFilesChanged.post();
+    QCOMPARE(told, QStringList{QStringLiteral(
+                       "Your preferences have been adjusted, please scan for large files again")});
+    QVERIFY(!hasSheet(*m_page->view())); // nobody could answer it there
 }
 
 void TestFreeSpaceViewController::placesTheHoverButtons()

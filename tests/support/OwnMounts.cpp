@@ -6,7 +6,8 @@
 
 OwnMounts::OwnMounts(MadeTree &tree) : m_tree(tree)
 {
-    note(::unshare(CLONE_NEWNS) == 0);
+    const int user = ::geteuid() == 0 ? 0 : CLONE_NEWUSER; // whose root may mount
+    note(::unshare(CLONE_NEWNS | user) == 0);
     note(::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0);
     m_tree.reopen();
 }
