@@ -10,6 +10,7 @@
 #include "tests/support/PageFixture.h"
 
 #include <QRegularExpression>
+#include <QScopeGuard>
 #include <QSignalSpy>
 #include <QThread>
 #include <atomic>
@@ -18,6 +19,33 @@
 namespace {
 
 const CleaningJob::Exclusions kNothingExcluded = [] { return ExcludedPaths(); };
+
+/// Holds every removal of a file until it is opened.
+class Gate final
+{
+public:
+    ForwardingSystemCalls::Hook hook()
+    {
+        return [this](int, std::string_view name) {
+            if (name == "removeFile") {
+                ++m_arrivals;
+                m_isOpen.wait(false);
+            }
+            return 0;
+        };
+    }
+    /// How many removals were begun.
+    int arrivals() const { return m_arrivals; }
+    void open()
+    {
+        m_isOpen = true;
+        m_isOpen.notify_all();
+    }
+
+private:
+    std::atomic<int> m_arrivals = 0;
+    std::atomic<bool> m_isOpen = false;
+};
 
 } // namespace
 
@@ -34,13 +62,15 @@ private Q_SLOTS:
     void measuresBeforeItRemoves();
     void tellsOnTheMainThread();
     void logsAndLeavesWhatIsLocked();
-    void stopsWhenItIsDestroyed();
+    void stopsBeforeTheNextItem();
+    void isOverOnceItIsDestroyed();
     void asksForTheExclusionsAfterMeasuring();
     void removesNothingWhileTheExclusionsAreUnknown();
 
 private:
     std::shared_ptr<Info> record(SliceKind kind) const;
     CleaningReport clean(const std::vector<std::shared_ptr<Info>> &chosen);
+    void makeTrash(int files);
 
     std::unique_ptr<PageFixture> m_fixture;
     ForwardingSystemCalls m_calls;
@@ -79,6 +109,12 @@ CleaningReport TestCleaningJob::clean(const std::vector<std::shared_ptr<Info>> &
     if (!finished.wait())
         qFatal("the cleaning did not end");
     return report;
+}
+
+void TestCleaningJob::makeTrash(int files)
+{
+    for (int i = 0; i < files; ++i)
+        m_fixture->makeFile(".Trash/" + QByteArray::number(i), 0);
 }
 
 void TestCleaningJob::emptiesFoldersAndKeepsThem()
@@ -129,8 +165,8 @@ void TestCleaningJob::logsAndLeavesWhatIsLocked()
 {
     m_fixture->makeFile(".Trash/locked", 5);
     m_fixture->makeFile(".Trash/other", 5);
-    m_calls.setHook([](int, std::string_view name) {
-        static int removals = 0;
+    std::atomic<int> removals = 0;
+    m_calls.setHook([&](int, std::string_view name) {
         return name == "removeFile" && ++removals == 1 ? EPERM : 0;
     });
     QTest::ignoreMessage(QtInfoMsg, QRegularExpression(QStringLiteral("^File might be locked: ")));
@@ -139,22 +175,40 @@ void TestCleaningJob::logsAndLeavesWhatIsLocked()
     QCOMPARE(report.removedItems, 1U);
 }
 
-void TestCleaningJob::stopsWhenItIsDestroyed()
+void TestCleaningJob::stopsBeforeTheNextItem()
 {
-    for (int i = 0; i < 200; ++i)
-        m_fixture->makeFile(".Trash/" + QByteArray::number(i), 0);
-    std::atomic<int> removals = 0;
-    m_calls.setHook([&](int, std::string_view name) {
-        removals += name == "removeFile" ? 1 : 0;
-        return 0;
-    });
+    constexpr int kFiles = 200;
+    makeTrash(kFiles);
+    Gate gate;
+    m_calls.setHook(gate.hook());
+    CleaningJob job(m_calls, ResourceManager::access());
+    const auto atEnd = qScopeGuard([&] { gate.open(); }); // also where the test fails
+    CleaningReport report;
+    QSignalSpy finished(&job, &CleaningJob::finished);
+    connect(&job, &CleaningJob::finished, this, [&](const CleaningReport &done) { report = done; });
+    job.start({record(SliceKind::Trash)}, kNothingExcluded);
+    QTRY_VERIFY(gate.arrivals() > 0); // in the midst of it
+    job.requestStop();
+    gate.open();
+    QVERIFY(finished.wait());
+    QVERIFY(report.wasStopped);
+    // So few files are one thread's, which was about to remove one.
+    QCOMPARE(report.removedItems, 1U);
+    QCOMPARE(gate.arrivals(), 1);
+}
+
+void TestCleaningJob::isOverOnceItIsDestroyed()
+{
+    makeTrash(20);
+    Gate gate;
+    m_calls.setHook(gate.hook());
     {
         CleaningJob job(m_calls, ResourceManager::access());
+        const auto atEnd = qScopeGuard([&] { gate.open(); });
         job.start({record(SliceKind::Trash)}, kNothingExcluded);
-        QTRY_VERIFY(removals >= 1);
+        QTRY_VERIFY(gate.arrivals() > 0);
     }
-    const int atEnd = removals; // nobody removes any more: the thread has been joined
-    QVERIFY(atEnd >= 1);
+    // Whoever removes holds the access.
     QCOMPARE(ResourceManager::accessCount(), 0);
 }
 
