@@ -23,6 +23,6 @@ function(vantor_tests)
             $<IF:$<BOOL:${ARG_GUI}>,vantor_test_support_gui,vantor_test_support>)
         add_test(NAME ${folder}/${name} COMMAND ${name})
         set_tests_properties(${folder}/${name} PROPERTIES TIMEOUT 240 ENVIRONMENT
-            "QT_QPA_PLATFORM=offscreen;DBUS_SESSION_BUS_ADDRESS=disabled:;LANG=C.UTF-8;LC_ALL=C.UTF-8;QTWEBENGINE_DISABLE_SANDBOX=1;TSAN_OPTIONS=suppressions='${PROJECT_SOURCE_DIR}/tests/support/tsan.supp'")
+            "QT_QPA_PLATFORM=offscreen;DBUS_SESSION_BUS_ADDRESS=disabled:;LANG=C.UTF-8;LC_ALL=C.UTF-8;QTWEBENGINE_DISABLE_SANDBOX=1;TSAN_OPTIONS=die_after_fork=0:suppressions='${PROJECT_SOURCE_DIR}/tests/support/tsan.supp';LSAN_OPTIONS=print_suppressions=0:suppressions='${PROJECT_SOURCE_DIR}/tests/support/lsan.supp'")
     endforeach()
 endfunction()
