@@ -1,4 +1,5 @@
 #include "app/RealHomeDirectory.h"
+#include "tests/support/Administrator.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/TestMain.h"
 
@@ -25,6 +26,7 @@ void TestRealHomeDirectory::isThePasswordDatabasesNotTheEnvironments()
 
 void TestRealHomeDirectory::endsTheProgramForAnUnknownUser()
 {
+    VANTOR_NEEDS_ADMINISTRATOR();
     uid_t unknown = 54321;
     while (::getpwuid(unknown))
         ++unknown;

@@ -1,3 +1,4 @@
+#include "tests/support/Administrator.h"
 #include "tests/app/SettingsFolder.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/ForwardingSystemCalls.h"
@@ -261,6 +262,7 @@ void TestSettingsFile::aFolderThatIsAFileIsADamage()
 
 void TestSettingsFile::aFileOfAnotherUserStays()
 {
+    VANTOR_NEEDS_ADMINISTRATOR();
     const SettingsFolder folder;
     folder.fill();
     constexpr QFile::Permissions kEverybody(0x7777);

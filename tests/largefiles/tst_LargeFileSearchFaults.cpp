@@ -1,3 +1,4 @@
+#include "tests/support/Administrator.h"
 #include "tests/largefiles/SearchKit.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/LogRecorder.h"
@@ -107,6 +108,7 @@ void TestLargeFileSearchFaults::passesAFileOverWhoseStatusIsRefused()
 
 void TestLargeFileSearchFaults::tellsWhatAUserCannotRead()
 {
+    VANTOR_NEEDS_ADMINISTRATOR();
     const MadeTree home;
     grow(home);
     make(home, {"Public/", "Public/e", "Sites/", "Sites/listed/", "Sites/listed/f", "Sites/g"});

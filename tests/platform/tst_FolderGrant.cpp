@@ -1,4 +1,5 @@
 #include "platform/FolderGrant.h"
+#include "tests/support/Administrator.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/ForwardingSystemCalls.h"
 #include "tests/support/ScratchFolder.h"
@@ -315,6 +316,7 @@ void TestFolderGrant::getsAlongWithWhatBothTimesKnow()
 
 void TestFolderGrant::saysUnreadableWithoutTheRightToRead()
 {
+    VANTOR_NEEDS_ADMINISTRATOR();
     QCOMPARE(::chown(path("anna").constData(), kNobody, kNobody), 0);
     const auto outcome = runInChild(ChildUser::Nobody, [this] {
         const QByteArray grant = grantOf("anna");

@@ -1,23 +1,17 @@
 #include "tests/slices/CleaningKit.h"
+#include "tests/support/Administrator.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/MountNamespace.h"
 #include "tests/support/Must.h"
 #include "tests/support/TestMain.h"
 
 #include <cerrno>
 #include <fcntl.h>
 #include <linux/fs.h>
-#include <sched.h>
 #include <sys/ioctl.h>
 #include <sys/mount.h>
 
 namespace {
-
-/// A view of the mounts that the rest of the system does not share.
-bool mountsAreOurs()
-{
-    return ::unshare(CLONE_NEWNS) == 0 &&
-           ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
-}
 
 bool bindMount(const QByteArray &from, const QByteArray &to)
 {
@@ -112,7 +106,7 @@ void TestCleaningHazards::leavesMountsAlone()
         makeFile(downloads + '/' + name);
     makeFile(scratch / "outside/precious");
     const QByteArray wrong = inChild(ChildUser::Same, [&]() -> QByteArray {
-        if (!mountsAreOurs() ||
+        if (!enterMountNamespace() ||
             ::mount("none", (downloads + "/tmp").constData(), "tmpfs", 0, nullptr) != 0 ||
             !bindMount(scratch / "outside", downloads + "/deep/bind") ||
             !bindMount(scratch / "outside/precious", downloads + "/file"))
@@ -141,7 +135,7 @@ void TestCleaningHazards::refusesAPlaceThatIsAMount()
     makeFile(scratch / "home/Downloads/a");
     makeFile(scratch / "outside/precious");
     const QByteArray wrong = inChild(ChildUser::Same, [&]() -> QByteArray {
-        if (!mountsAreOurs() || !bindMount(scratch / "outside", scratch / "home/Downloads"))
+        if (!enterMountNamespace() || !bindMount(scratch / "outside", scratch / "home/Downloads"))
             return "cannot mount";
         const CleaningReport report = cleanDownloads(scratch / "home");
         if (reported(report, scratch / "home/Downloads") != EXDEV ||
@@ -161,7 +155,7 @@ void TestCleaningHazards::findsAnExclusionBelowAMount()
         makeFile(downloads + '/' + name);
     makeFile(scratch / "outside/kept");
     const QByteArray wrong = inChild(ChildUser::Same, [&]() -> QByteArray {
-        if (!mountsAreOurs() || !bindMount(scratch / "outside", downloads + "/mount"))
+        if (!enterMountNamespace() || !bindMount(scratch / "outside", downloads + "/mount"))
             return "cannot mount";
         const FileUrl kept = FileUrl::fromPath(downloads + "/mount/kept", FileUrlKind::File);
         const CleaningReport report = cleanDownloads(scratch / "home", {kept});
@@ -181,6 +175,7 @@ void TestCleaningHazards::leavesLockedItems_data()
 
 void TestCleaningHazards::leavesLockedItems()
 {
+    VANTOR_NEEDS_ADMINISTRATOR();
     QFETCH(int, flag);
     const CleaningGround scratch(CleaningGround::Medium::Disk);
     const QByteArray downloads = scratch / "home/Downloads";
@@ -205,6 +200,7 @@ void TestCleaningHazards::leavesLockedItems()
 
 void TestCleaningHazards::leavesWhatAnOrdinaryUserMayNotRemove()
 {
+    VANTOR_NEEDS_ADMINISTRATOR();
     const CleaningGround scratch;
     const QByteArray downloads = scratch / "home/Downloads";
     for (const char *name : {"mine", "foreign", "sticky/foreign", "sticky/mine", "fixed/mine",

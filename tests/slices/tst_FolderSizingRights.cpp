@@ -1,4 +1,5 @@
 #include "slices/FolderSizing.h"
+#include "tests/support/Administrator.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/MadeTree.h"
 #include "tests/support/TestMain.h"
@@ -74,6 +75,7 @@ void TestFolderSizingRights::followsTheRightsOfTheFolder_data()
 
 void TestFolderSizingRights::followsTheRightsOfTheFolder()
 {
+    VANTOR_NEEDS_ADMINISTRATOR();
     QFETCH(unsigned, mode);
     QFETCH(unsigned, owner);
     const MadeTree tree;
@@ -91,6 +93,7 @@ void TestFolderSizingRights::followsTheRightsOfTheFolder()
 
 void TestFolderSizingRights::judgesEveryFolderByItself()
 {
+    VANTOR_NEEDS_ADMINISTRATOR();
     const MadeTree tree;
     tree.makeFolder("locked");
     tree.makeFile("locked/stays", 100);
@@ -115,6 +118,7 @@ void TestFolderSizingRights::followsTheStickyBit_data()
 
 void TestFolderSizingRights::followsTheStickyBit()
 {
+    VANTOR_NEEDS_ADMINISTRATOR();
     QFETCH(unsigned, owner);
     const MadeTree tree;
     tree.makeFolder("folder");
@@ -142,6 +146,7 @@ void TestFolderSizingRights::judgesSingleItemsByTheirFolder_data()
 
 void TestFolderSizingRights::judgesSingleItemsByTheirFolder()
 {
+    VANTOR_NEEDS_ADMINISTRATOR();
     QFETCH(unsigned, mode);
     const MadeTree tree;
     tree.makeFolder("folder");
@@ -162,6 +167,7 @@ void TestFolderSizingRights::leavesLockedFilesOut_data()
 
 void TestFolderSizingRights::leavesLockedFilesOut()
 {
+    VANTOR_NEEDS_ADMINISTRATOR();
     QFETCH(int, attribute);
     MadeTree tree;
     tree.makeFile("locked", 1000);
@@ -181,6 +187,7 @@ void TestFolderSizingRights::leavesTheEntriesOfLockedFoldersOut_data()
 
 void TestFolderSizingRights::leavesTheEntriesOfLockedFoldersOut()
 {
+    VANTOR_NEEDS_ADMINISTRATOR();
     QFETCH(int, attribute);
     MadeTree tree;
     tree.makeFolder("locked");

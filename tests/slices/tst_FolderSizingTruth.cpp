@@ -1,4 +1,5 @@
 #include "slices/FolderSizing.h"
+#include "tests/support/Administrator.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/MadeTree.h"
 #include "tests/support/TestMain.h"
@@ -124,6 +125,7 @@ void TestFolderSizingTruth::countsExactlyWhatCanBeRemoved_data()
 
 void TestFolderSizingTruth::countsExactlyWhatCanBeRemoved()
 {
+    VANTOR_NEEDS_ADMINISTRATOR();
     QFETCH(unsigned, seed);
     const RandomTree random(seed);
     const MadeTree &tree = random.tree();

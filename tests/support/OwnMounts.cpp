@@ -1,14 +1,13 @@
 #include "tests/support/OwnMounts.h"
 
+#include "tests/support/MountNamespace.h"
+
 #include <cstdio>
-#include <sched.h>
 #include <sys/mount.h>
 
 OwnMounts::OwnMounts(MadeTree &tree) : m_tree(tree)
 {
-    const int user = ::geteuid() == 0 ? 0 : CLONE_NEWUSER; // whose root may mount
-    note(::unshare(CLONE_NEWNS | user) == 0);
-    note(::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0);
+    note(enterMountNamespace());
     m_tree.reopen();
 }
 
