@@ -5,6 +5,7 @@
 #include "platform/SheetSlide.h"
 #include "platform/ViewAlpha.h"
 #include "prefs/ColorWindow.h"
+#include "slices/SliceHoverButtons.h"
 #include "tests/support/SheetDriver.h"
 #include "widgets/ImageButton.h"
 #include "widgets/StartButton.h"
@@ -92,16 +93,27 @@ bool Journey::clickSlice(SliceKind kind)
 {
     FreeSpaceViewController &page = controller().freeSpacePage();
     const bool wasOn = page.selection().record(kind).isOn();
-    clickInWindow(*page.pieChart(), middleOfSlice(indexOf(kind)));
+    tapSlice(kind);
     return waitFor([&] { return page.selection().record(kind).isOn() != wasOn; });
+}
+
+void Journey::tapSlice(SliceKind kind)
+{
+    clickInWindow(*controller().freeSpacePage().pieChart(), middleOfSlice(indexOf(kind)));
 }
 
 bool Journey::hoverSlice(SliceKind kind)
 {
-    PieChart &chart = *controller().freeSpacePage().pieChart();
+    FreeSpaceViewController &page = controller().freeSpacePage();
+    const PieChart &chart = *page.pieChart();
     const QPoint position = chart.mapTo(&window(), middleOfSlice(indexOf(kind)));
-    QTest::mouseMove(window().windowHandle(), position);
-    return waitFor([&] { return chart.findChild<ImageButton *>()->isVisible(); });
+    // No hand moves in one leap: the first step takes the pointer off a button, which hides then.
+    for (const QPoint &step : {position - QPoint(1, 1), position})
+        QTest::mouseMove(window().windowHandle(), step);
+    return waitFor([&] {
+        const SliceHoverButtons &buttons = *page.hoverButtons();
+        return buttons.currentHoverIndex() == indexOf(kind) && buttons.infoButton()->isVisible();
+    });
 }
 
 bool Journey::waitForMeasures()

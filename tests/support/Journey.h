@@ -25,8 +25,10 @@ public:
     bool chooseHome(const QByteArray &path);
     bool pressStart();
 
-    /// Clicks the slice where it is painted.
+    /// Clicks the slice where it is painted, and waits for it to change.
     bool clickSlice(SliceKind kind);
+    /// Clicks there, whatever comes of it.
+    void tapSlice(SliceKind kind);
     /// Moves the pointer over the slice.
     bool hoverSlice(SliceKind kind);
     bool waitForMeasures();
