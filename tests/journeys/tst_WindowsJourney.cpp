@@ -65,10 +65,8 @@ void TestWindowsJourney::click(const QWidget &widget)
 /// Points at the slice and presses the button that explains it.
 Popover *TestWindowsJourney::openPopover(SliceKind kind)
 {
-    if (!m_fixture->journey().hoverSlice(kind))
-        return nullptr;
-    click(*m_fixture->slicesPage().hoverButtons()->infoButton());
-    return m_fixture->journey().window().findChild<Popover *>();
+    Journey &journey = m_fixture->journey();
+    return journey.hoverSlice(kind) ? journey.openPopover() : nullptr;
 }
 
 /// To the disk and to the slices again.

@@ -4,7 +4,9 @@
 #include "chart/PieChart.h"
 #include "platform/SheetSlide.h"
 #include "platform/ViewAlpha.h"
+#include "prefs/COICOPopoverView.h"
 #include "prefs/ColorWindow.h"
+#include "prefs/Popover.h"
 #include "slices/SliceHoverButtons.h"
 #include "tests/support/SheetDriver.h"
 #include "widgets/ImageButton.h"
@@ -107,13 +109,29 @@ bool Journey::hoverSlice(SliceKind kind)
     FreeSpaceViewController &page = controller().freeSpacePage();
     const PieChart &chart = *page.pieChart();
     const QPoint position = chart.mapTo(&window(), middleOfSlice(indexOf(kind)));
-    // No hand moves in one leap: the first step takes the pointer off a button, which hides then.
-    for (const QPoint &step : {position - QPoint(1, 1), position})
-        QTest::mouseMove(window().windowHandle(), step);
+    // The hand moves on until the slice answers: a first step may only take the pointer off a
+    // button, or meet with the window system's own word on where the pointer is.
+    int step = 0;
     return waitFor([&] {
         const SliceHoverButtons &buttons = *page.hoverButtons();
-        return buttons.currentHoverIndex() == indexOf(kind) && buttons.infoButton()->isVisible();
+        if (buttons.currentHoverIndex() == indexOf(kind) && buttons.infoButton()->isVisible())
+            return true;
+        QTest::mouseMove(window().windowHandle(), position + QPoint(step++ % 2, 0));
+        return false;
     });
+}
+
+Popover *Journey::openPopover()
+{
+    const auto popover = [this] { return window().findChild<Popover *>(); };
+    const auto isShown = [&] {
+        return popover() && popover()->isVisible() &&
+               alphaValue(*popover()->content().parentWidget()) == 1;
+    };
+    if (!clickButton(*controller().freeSpacePage().hoverButtons()->infoButton()) ||
+        !waitFor(isShown))
+        return nullptr;
+    return popover();
 }
 
 bool Journey::waitForMeasures()

@@ -6,6 +6,7 @@
 #include <QPixmap>
 #include <functional>
 
+class Popover;
 class ViewController;
 
 /// A user at the real window: looks where things are, moves the mouse there, presses keys, and
@@ -31,6 +32,9 @@ public:
     void tapSlice(SliceKind kind);
     /// Moves the pointer over the slice.
     bool hoverSlice(SliceKind kind);
+    /// Presses the button that explains the slice under the pointer; null when nothing opens. The
+    /// popover stays until it is closed, and is shown in full.
+    Popover *openPopover();
     bool waitForMeasures();
     /// Waits until a sheet hangs in full.
     bool waitForSheet();
