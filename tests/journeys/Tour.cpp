@@ -4,6 +4,7 @@
 #include "app/Appearance.h"
 #include "app/DiskInfoViewController.h"
 #include "platform/ByteCount.h"
+#include "platform/Sheet.h"
 #include "platform/ViewAlpha.h"
 #include "prefs/ColorWindow.h"
 #include "prefs/Popover.h"
@@ -19,6 +20,7 @@
 #include <QPainter>
 #include <QPointer>
 #include <QTest>
+#include <QTextBrowser>
 #include <QTextStream>
 #include <algorithm>
 
@@ -146,6 +148,9 @@ private:
         if (!m_journey.waitForSheet())
             return false;
         takePicture(QStringLiteral("3-tutorial"));
+        QTest::keyClick(sheetPanel(m_journey.window())->findChild<QTextBrowser *>(), Qt::Key_End,
+                        Qt::ControlModifier);
+        takePicture(QStringLiteral("3-tutorial-end"));
         return m_journey.declineTutorial();
     }
 
