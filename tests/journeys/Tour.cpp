@@ -148,8 +148,7 @@ private:
         if (!m_journey.waitForSheet())
             return false;
         takePicture(QStringLiteral("3-tutorial"));
-        QTest::keyClick(sheetPanel(m_journey.window())->findChild<QTextBrowser *>(), Qt::Key_End,
-                        Qt::ControlModifier);
+        QTest::keyClick(sheetPanel(m_journey.window())->findChild<QTextBrowser *>(), Qt::Key_End);
         takePicture(QStringLiteral("3-tutorial-end"));
         return m_journey.declineTutorial();
     }

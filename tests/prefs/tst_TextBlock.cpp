@@ -2,10 +2,9 @@
 #include "prefs/TextBlock.h"
 #include "tests/support/GuiTestMain.h"
 
-#include <cmath>
-
 #include <QFontMetricsF>
 #include <QPainter>
+#include <cmath>
 
 class TestTextBlock final : public QObject
 {
