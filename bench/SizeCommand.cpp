@@ -11,15 +11,17 @@
 
 namespace {
 
-/// The place at a path whose links have been followed, anchored at the folder that holds it.
+/// The place at a path whose links have been followed. A folder is its own anchor, for it may be a
+/// mount; anything else is anchored at the folder that holds it.
 std::optional<AnchoredPath> placeAt(const QString &path)
 {
     const QFileInfo found(QFileInfo(path).canonicalFilePath());
-    auto anchor = hostSystemCalls().openRoot(QFile::encodeName(found.path()).constData());
+    const QString held = found.isDir() ? found.filePath() : found.path();
+    auto anchor = hostSystemCalls().openRoot(QFile::encodeName(held).constData());
     if (found.filePath().isEmpty() || !anchor)
         return std::nullopt;
     return AnchoredPath{std::make_shared<const FileDescriptor>(std::move(*anchor)),
-                        QFile::encodeName(found.fileName())};
+                        found.isDir() ? QByteArray() : QFile::encodeName(found.fileName())};
 }
 
 bool measure(const QString &path, unsigned threads)

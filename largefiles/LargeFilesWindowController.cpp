@@ -23,7 +23,6 @@ constexpr QColor kBlue(0, 122, 255);
 constexpr QColor kGreen(65, 204, 89);
 constexpr int kRowTitleSize = 15;
 constexpr int kButtonTitleSize = 18;
-constexpr double kInterimIconPart = 0.6; ///< of the picture's place
 
 TextRun titleStyle(int size, const QColor &color)
 {
@@ -246,8 +245,8 @@ void LargeFilesWindowController::showThumbnailOfRow(int row)
     }
     const FileUrl file = m_array.fileAt(row).fileURL();
     const PictureSize size{m_imageView->size(), m_imageView->devicePixelRatioF()};
-    m_imageView->setPixmap(imageNamed(m_icons.imageName(file.lastPathComponent()), size.scale,
-                                      size.points * kInterimIconPart));
+    m_imageView->setPixmap(
+        imageNamed(m_icons.imageName(file.lastPathComponent()), size.scale, size.points));
     m_placeLabel->setText(m_placeLabel->fontMetrics().elidedText(
         tr("In %1").arg(placeOf(file, m_services.homeFolder)), Qt::ElideMiddle,
         size.points.width()));

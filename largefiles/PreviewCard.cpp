@@ -13,7 +13,6 @@
 
 namespace {
 
-constexpr double kRadius = 10;
 constexpr int kMargin = 20;
 constexpr int kHeaderHeight = 48;
 constexpr int kFooterHeight = 40;
@@ -153,9 +152,6 @@ void PreviewCard::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(palette().color(QPalette::Base));
-    painter.drawRoundedRect(QRectF(rect()), kRadius, kRadius);
     painter.fillRect(0, kHeaderHeight, width(), 1, kLineColour);
     painter.fillRect(0, height() - kFooterHeight - 1, width(), 1, kLineColour);
     if (m_image.isNull())

@@ -9,7 +9,7 @@ class ImageButton;
 class QLabel;
 class QPlainTextEdit;
 
-/// What a preview looks like: a white card with the file's name above, what is in it in the middle,
+/// What a preview looks like: a card with the file's name above, what is in it in the middle,
 /// and its facts below. Takes no focus. Main thread only.
 class PreviewCard final : public QWidget
 {

@@ -7,8 +7,8 @@
 
 namespace {
 
-constexpr int kMargin = 18; // around the card
-constexpr QColor kVeil(40, 46, 54, 96);
+/// Left free above it, for the shade under the edge that the sheet comes out of.
+constexpr int kTopMargin = 8;
 
 } // namespace
 
@@ -26,7 +26,7 @@ void PreviewPanel::makeKeyAndOrderFront()
 {
     if (isHidden())
         m_formerFocus = window()->focusWidget();
-    setGeometry(parentWidget()->rect());
+    setGeometry(parentWidget()->rect().adjusted(0, kTopMargin, 0, 0));
     show();
     raise();
     setFocus(Qt::OtherFocusReason);
@@ -119,7 +119,7 @@ bool PreviewPanel::event(QEvent *event)
 bool PreviewPanel::eventFilter(QObject *watched, QEvent *event)
 {
     if (watched == parentWidget() && event->type() == QEvent::Resize)
-        setGeometry(parentWidget()->rect());
+        setGeometry(parentWidget()->rect().adjusted(0, kTopMargin, 0, 0));
     return QWidget::eventFilter(watched, event);
 }
 
@@ -131,17 +131,15 @@ bool PreviewPanel::focusNextPrevChild(bool)
 
 void PreviewPanel::mousePressEvent(QMouseEvent *event)
 {
-    event->accept();
-    if (!m_card->geometry().contains(event->pos()))
-        orderOut();
+    event->accept(); // not for what is covered
 }
 
 void PreviewPanel::paintEvent(QPaintEvent *)
 {
-    QPainter(this).fillRect(rect(), kVeil);
+    QPainter(this).fillRect(rect(), palette().window());
 }
 
 void PreviewPanel::resizeEvent(QResizeEvent *)
 {
-    m_card->setGeometry(rect().adjusted(kMargin, kMargin, -kMargin, -kMargin));
+    m_card->setGeometry(rect());
 }

@@ -2,10 +2,12 @@
 
 #include "largefiles/PdfPages.h"
 #include "largefiles/ThumbnailCache.h"
+#include "largefiles/Thumbnailers.h"
 #include "platform/FileImages.h"
 
 #include <QDateTime>
 #include <QImageReader>
+#include <QMimeDatabase>
 #include <QPainter>
 #include <QPainterPath>
 #include <QSvgRenderer>
@@ -33,21 +35,55 @@ QSize fitted(QSize picture, QSize room)
     return picture.scaled(room, Qt::KeepAspectRatio).expandedTo({1, 1});
 }
 
+QString mimeTypeOf(const FileUrl &file)
+{
+    const QString name = QString::fromUtf8(file.lastPathComponent());
+    return QMimeDatabase().mimeTypeForFile(name, QMimeDatabase::MatchExtension).name();
+}
+
+/// The desktop's programs are for what Vantor does not decode itself: they would do no better with
+/// a damaged photograph.
+QImage pictureByProgram(const FileUrl &file, int side, const std::stop_token &stop)
+{
+    const QString type = mimeTypeOf(file);
+    for (const QByteArray &format : QImageReader::imageFormatsForMimeType(type.toLatin1())) {
+        if (isDecodable(format))
+            return {};
+    }
+    const auto thumbnailer = thumbnailerFor(type);
+    return thumbnailer ? pictureMadeBy(*thumbnailer, file, side, stop) : QImage();
+}
+
+QImage newPicture(GuardedFile &device, const FileUrl &file, QSize pixels,
+                  const std::stop_token &stop)
+{
+    QImage picture = pdfPage(device, 0, pixels).image;
+    if (picture.isNull() && device.seek(0))
+        picture = decodedPicture(device, pixels);
+    if (device.hasGivenUp())
+        return {};
+    return picture.isNull() ? pictureByProgram(file, pixels.width(), stop) : picture;
+}
+
 QImage pictureIn(const FileReading &reading, const FileUrl &file, QSize pixels,
                  const std::stop_token &stop)
 {
     const auto device = GuardedFile::open(reading, file, stop);
     if (!device)
         return {};
-    const QImage cached =
-        cachedThumbnail(file, device->modified(), qMin(pixels.width(), pixels.height()));
-    if (!cached.isNull())
-        return cached.scaled(fitted(cached.size(), pixels), Qt::KeepAspectRatio,
-                             Qt::SmoothTransformation);
-    QImage picture = pdfPage(*device, 0, pixels).image;
-    if (picture.isNull() && device->seek(0))
-        picture = decodedPicture(*device, pixels);
-    return device->hasGivenUp() ? QImage() : picture;
+    const int side = qMin(pixels.width(), pixels.height());
+    QImage picture = cachedThumbnail(file, device->modified(), side);
+    if (picture.isNull()) {
+        // In the cache's size, for all who come after, unless that is too small.
+        const int kept = qMax(cachedSide(side), qMax(pixels.width(), pixels.height()));
+        picture = newPicture(*device, file, {kept, kept}, stop);
+        if (kept == cachedSide(side))
+            cacheThumbnail(file, device->modified(), picture, side);
+    }
+    if (picture.isNull())
+        return {};
+    return picture.scaled(fitted(picture.size(), pixels), Qt::KeepAspectRatio,
+                          Qt::SmoothTransformation);
 }
 
 QImage asPrint(const QImage &picture, qreal scale)

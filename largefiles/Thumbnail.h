@@ -19,8 +19,9 @@ struct PictureSize
     QSize pixels() const { return points * scale; }
 };
 
-/// A picture of what is in the file, fitted into the size: of a photograph or a document, or what
-/// the desktop keeps in its thumbnail cache. Else the icon of the file's kind, in a square whose
+/// A picture of what is in the file, fitted into the size: what the desktop keeps in its thumbnail
+/// cache, or one of a photograph or a document, or what one of the desktop's thumbnail programs
+/// makes, kept in the cache for the next time. Else the icon of the file's kind, in a square whose
 /// side is the smaller of width and height. Null for no URL, for no size, and after a stop. Bears
 /// the scale. Damaged, huge and odd files cost a few seconds at worst. Any thread but the main one.
 QImage imageWithPreviewOfFileAtPath(const FileReading &reading, const FileUrl &file,

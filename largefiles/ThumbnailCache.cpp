@@ -4,6 +4,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QImageReader>
+#include <QSaveFile>
 #include <QStandardPaths>
 #include <algorithm>
 #include <array>
@@ -42,28 +43,74 @@ QImage readCached(const QString &path, const QString &uri, const QDateTime &modi
     return isValid ? image : QImage();
 }
 
+/// Where the cache keeps this file's picture in one of its sizes.
+QString cachePath(const CacheFolder &folder, const QByteArray &uri)
+{
+    const QByteArray sum = QCryptographicHash::hash(uri, QCryptographicHash::Md5).toHex();
+    const QDir caches(QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation));
+    return caches.filePath(QStringLiteral("thumbnails/%1/%2.png")
+                               .arg(QLatin1String(folder.name), QString::fromLatin1(sum)));
+}
+
+const CacheFolder *folderFor(int side)
+{
+    const auto fits = [side](const CacheFolder &folder) { return folder.side >= side; };
+    const auto folder = std::find_if(kFolders.begin(), kFolders.end(), fits);
+    return folder != kFolders.end() ? folder : &kFolders.back();
+}
+
+/// The user's own, with the folders above that are missing.
+bool makePrivateFolder(const QString &path)
+{
+    constexpr auto kPrivate = QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner;
+    const QFileInfo info(path);
+    if (info.isDir())
+        return true;
+    return makePrivateFolder(info.path()) && QDir().mkdir(path, kPrivate);
+}
+
 } // namespace
+
+int cachedSide(int side)
+{
+    return folderFor(side)->side;
+}
 
 QImage cachedThumbnail(const FileUrl &file, const QDateTime &modified, int side)
 {
     const QByteArray uri = file.absoluteString();
-    const QString name = QString::fromLatin1(
-        QCryptographicHash::hash(uri, QCryptographicHash::Md5).toHex() + ".png");
-    const QDir caches(QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation));
     const auto read = [&](const CacheFolder &folder) {
-        const QString below =
-            QStringLiteral("thumbnails/%1/%2").arg(QLatin1String(folder.name), name);
-        return readCached(caches.filePath(below), QString::fromLatin1(uri), modified);
+        return readCached(cachePath(folder, uri), QString::fromLatin1(uri), modified);
     };
-    const auto fits = [side](const CacheFolder &folder) { return folder.side >= side; };
-    const auto first = std::find_if(kFolders.begin(), kFolders.end(), fits);
-    for (auto folder = first; folder != kFolders.end(); ++folder) {
+    const CacheFolder *const first = folderFor(side);
+    for (const CacheFolder *folder = first; folder != kFolders.end(); ++folder) {
         if (const QImage image = read(*folder); !image.isNull())
             return image;
     }
-    for (auto folder = first; folder != kFolders.begin();) {
+    for (const CacheFolder *folder = first; folder != kFolders.begin();) {
         if (const QImage image = read(*--folder); !image.isNull())
             return image;
     }
     return {};
+}
+
+void cacheThumbnail(const FileUrl &file, const QDateTime &modified, QImage picture, int side)
+{
+    constexpr qint64 kSettled = 2; // seconds
+    if (picture.isNull() || modified.secsTo(QDateTime::currentDateTime()) < kSettled)
+        return;
+    const QByteArray uri = file.absoluteString();
+    const QString path = cachePath(*folderFor(side), uri);
+    if (!makePrivateFolder(QFileInfo(path).path()))
+        return;
+    picture.setText(QStringLiteral("Thumb::URI"), QString::fromLatin1(uri));
+    picture.setText(QStringLiteral("Thumb::MTime"), QString::number(modified.toSecsSinceEpoch()));
+    picture.setText(QStringLiteral("Software"), QStringLiteral("Vantor"));
+    // Under another name first, so that nobody reads half a picture.
+    QSaveFile output(path);
+    if (!output.open(QIODevice::WriteOnly))
+        return;
+    output.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
+    if (picture.save(&output, "PNG"))
+        output.commit();
 }

@@ -5,8 +5,19 @@
 #include <QDateTime>
 #include <QImage>
 
-/// The picture of a file that some program of the desktop has put into the shared thumbnail cache
-/// ($XDG_CACHE_HOME/thumbnails), in the smallest kept size that is not smaller than `side` pixels,
-/// or else the largest; null where there is none that was made of this file as last modified at
-/// that time. Reads only. Any thread but the main one.
+// The thumbnail cache that the programs of the desktop share ($XDG_CACHE_HOME/thumbnails). Any
+// thread but the main one.
+
+/// The largest picture, in pixels a side, of the smallest kept size that is not smaller than
+/// `side`; of the largest when all are.
+int cachedSide(int side);
+
+/// The picture of a file that some program has put into the cache, in the size for `side` or else
+/// the next one that there is, larger ones first; null where there is none that was made of this
+/// file as last modified at that time.
 QImage cachedThumbnail(const FileUrl &file, const QDateTime &modified, int side);
+
+/// Keeps a picture of the file for all programs, among those of cachedSide(side), which it fits
+/// into. Not of a file that was modified just now: the cache knows times by whole seconds, and
+/// would not see the next change. Failing to write is no matter.
+void cacheThumbnail(const FileUrl &file, const QDateTime &modified, QImage picture, int side);

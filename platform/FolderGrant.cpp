@@ -4,7 +4,6 @@
 #include <QDataStream>
 #include <QIODevice>
 #include <cerrno>
-#include <cstdlib>
 #include <unistd.h>
 
 namespace {
@@ -109,15 +108,6 @@ bool isForeign(const FileStatus &status)
     return ::geteuid() == 0 && status.owner != 0;
 }
 
-SystemResult<QByteArray> realPathOf(const QByteArray &path)
-{
-    const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.constData(), nullptr),
-                                                           &std::free);
-    if (!real)
-        return tl::unexpected(errno);
-    return QByteArray(real.get());
-}
-
 GrantFailure failureFor(int error)
 {
     switch (error) {
@@ -157,7 +147,7 @@ SystemResult<QByteArray> makeGrant(const SystemCalls &calls, const QByteArray &p
 {
     if (!FileUrl::fromPath(path, FileUrlKind::Folder).isValid())
         return tl::unexpected(EINVAL);
-    const auto real = realPathOf(path);
+    const auto real = calls.realPath(path.constData());
     if (!real)
         return tl::unexpected(real.error());
     if (*real == "/") // every home and the system itself: nobody means that

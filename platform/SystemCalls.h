@@ -71,6 +71,9 @@ public:
     virtual SystemResult<FileDescriptor> openParent(int folder) const = 0;
     /// Opens a folder by its absolute path. No component may be a link.
     virtual SystemResult<FileDescriptor> openRoot(const char *path) const = 0;
+    /// The absolute path without any link, "." or "..", of something that is there. Only for what a
+    /// user named.
+    virtual SystemResult<QByteArray> realPath(const char *path) const = 0;
     /// Fills the buffer with directory records (see DirectoryRecords); 0 at the end.
     virtual SystemResult<std::size_t> readEntries(int folder, std::span<char> buffer) const = 0;
 

@@ -3,12 +3,14 @@
 
 #include <array>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
 #include <linux/capability.h>
 #include <linux/magic.h>
 #include <linux/openat2.h>
+#include <memory>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/sysmacros.h>
@@ -195,6 +197,13 @@ public:
     SystemResult<FileDescriptor> openRoot(const char *path) const override
     {
         return openResolved(AT_FDCWD, path, RESOLVE_NO_SYMLINKS | RESOLVE_NO_MAGICLINKS);
+    }
+
+    SystemResult<QByteArray> realPath(const char *path) const override
+    {
+        const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path, nullptr),
+                                                               &std::free);
+        return real ? SystemResult<QByteArray>(real.get()) : lastError();
     }
 
     SystemResult<std::size_t> readEntries(int folder, std::span<char> buffer) const override

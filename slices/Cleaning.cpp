@@ -130,7 +130,7 @@ void Performance::refuse(const CleaningLocation &location, RefusalReason reason,
 
 void Performance::logContents(const CleaningLocation &location, const FolderListing &listing)
 {
-    if (!m_ledger.logsRemovals())
+    if (!m_ledger.logsCandidates())
         return;
     FileUrls candidates;
     for (std::size_t i = 0; i < std::min(listing.size(), kMaxCandidatesLogged); ++i) {

@@ -1,5 +1,6 @@
 #include "slices/CleaningJob.h"
 
+#include "slices/CleaningLedger.h"
 #include "slices/ExcludedPaths.h"
 #include "slices/Info.h"
 #include "slices/SliceCatalogue.h"
@@ -36,10 +37,8 @@ CleaningReport cleanDisk(const SystemCalls &calls, FileAccess &access, const Rec
 
 CleaningReport refusedReport()
 {
-    CleaningReport report;
-    report.refusals = {{QByteArray(), RefusalReason::UnknownExclusions, 0}};
-    report.refusalCount = 1;
-    return report;
+    return CleaningLedger({{QByteArray(), RefusalReason::UnknownExclusions, 0}}, nullptr)
+        .finish(false);
 }
 
 } // namespace

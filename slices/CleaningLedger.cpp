@@ -7,7 +7,6 @@
 namespace {
 
 constexpr std::uint64_t kItemsBetweenCalls = 512;
-constexpr int kMaxRemovalLines = 10'000;
 
 /// What people and tests read: the URL, which is plain ASCII whatever the name.
 QByteArray textOf(const QByteArray &path, FileUrlKind kind)
@@ -15,10 +14,61 @@ QByteArray textOf(const QByteArray &path, FileUrlKind kind)
     return FileUrl::fromPath(path, kind).absoluteString();
 }
 
-void logLocked(const QByteArray &path, int error)
+const char *reasonText(RefusalReason reason)
 {
-    qCInfo(logVantor, "File might be locked: %s: %s", textOf(path, FileUrlKind::File).constData(),
-           std::generic_category().message(error).c_str());
+    switch (reason) {
+    case RefusalReason::UnknownExclusions:
+        return "nobody knows what is excluded";
+    case RefusalReason::UnparsableExclusion:
+        return "excluded, but not a path that can be read";
+    case RefusalReason::UnresolvedExclusion:
+        return "something excluded inside cannot be found";
+    case RefusalReason::OutsideGrant:
+        return "not in the granted folder";
+    case RefusalReason::GrantedFolder:
+        return "the granted folder itself";
+    case RefusalReason::Link:
+        return "a link, or reached through one";
+    case RefusalReason::NotAFolder:
+        return "not a folder";
+    case RefusalReason::OtherFileSystem:
+        return "on another file system";
+    case RefusalReason::Unreadable:
+        return "cannot be read";
+    case RefusalReason::PartlyListed:
+        return "cannot be read to its end";
+    case RefusalReason::Changed:
+        return "changed meanwhile";
+    }
+    Q_UNREACHABLE();
+}
+
+std::string errorText(int error)
+{
+    return std::generic_category().message(error);
+}
+
+void logLocked(const CleaningFailure &failure)
+{
+    qCInfo(logVantor, "File might be locked: %s: %s",
+           textOf(failure.path, FileUrlKind::File).constData(), errorText(failure.error).c_str());
+}
+
+/// What an exclusion that cannot be read says is no path, and may be any text.
+QByteArray whatIsRefused(const CleaningRefusal &refusal)
+{
+    if (refusal.path.isEmpty())
+        return "everything";
+    return refusal.path.startsWith('/') ? textOf(refusal.path, FileUrlKind::File)
+                                        : refusal.path.toPercentEncoding(":/%");
+}
+
+void logLocked(const CleaningRefusal &refusal)
+{
+    const std::string error =
+        refusal.error == 0 ? std::string() : " (" + errorText(refusal.error) + ')';
+    qCInfo(logVantor, "File might be locked: %s: %s%s", whatIsRefused(refusal).constData(),
+           reasonText(refusal.reason), error.c_str());
 }
 
 } // namespace
@@ -26,10 +76,12 @@ void logLocked(const QByteArray &path, int error)
 CleaningLedger::CleaningLedger(const QList<CleaningRefusal> &planned, CleaningObserver *observer)
     : m_observer(observer),
       m_plannedRefusals(static_cast<std::uint64_t>(planned.size())),
-      m_logsRemovals(logVantor().isInfoEnabled())
+      m_isLogging(logVantor().isInfoEnabled())
 {
     m_report.refusals = planned;
     m_report.refusalCount = m_plannedRefusals;
+    for (const CleaningRefusal &refusal : planned)
+        logLocked(refusal);
 }
 
 void CleaningLedger::logCandidates(const FileUrls &candidates, std::size_t total)
@@ -43,14 +95,8 @@ void CleaningLedger::logCandidates(const FileUrls &candidates, std::size_t total
     qCInfo(logVantor, "(%s)", texts.join(", ").constData());
 }
 
-void CleaningLedger::logRemoval(const QByteArray &path, FileUrlKind kind)
+void CleaningLedger::logRemoval(const QByteArray &path, FileUrlKind kind) const
 {
-    const std::scoped_lock lock(m_mutex);
-    if (++m_removalLines > kMaxRemovalLines) {
-        if (m_logsRemovals.exchange(false))
-            qCInfo(logVantor, "Further removals are not logged one by one");
-        return;
-    }
     qCInfo(logVantor, "%s", textOf(path, kind).constData());
 }
 
@@ -75,7 +121,7 @@ void CleaningLedger::failed(const QByteArray &path, int error)
     if (++m_report.failureCount > CleaningReport::kMaxReported)
         return;
     m_report.failures.append({path, error});
-    logLocked(path, error);
+    logLocked(m_report.failures.last());
 }
 
 void CleaningLedger::refused(const QByteArray &path, RefusalReason reason, int error)
@@ -84,7 +130,7 @@ void CleaningLedger::refused(const QByteArray &path, RefusalReason reason, int e
     if (++m_report.refusalCount > m_plannedRefusals + CleaningReport::kMaxReported)
         return;
     m_report.refusals.append({path, reason, error});
-    logLocked(path, error);
+    logLocked(m_report.refusals.last());
 }
 
 CleaningReport CleaningLedger::finish(bool wasStopped)
@@ -93,5 +139,17 @@ CleaningReport CleaningLedger::finish(bool wasStopped)
     const std::scoped_lock lock(m_mutex);
     m_report.removedItems = m_removed.load(std::memory_order_relaxed);
     m_report.wasStopped = wasStopped;
+    logTheRest();
     return m_report;
+}
+
+void CleaningLedger::logTheRest() const
+{
+    const std::uint64_t announced = m_announced.load(std::memory_order_relaxed);
+    if (announced > kMaxRemovalLines)
+        qCInfo(logVantor, "and %llu more removals", qulonglong(announced - kMaxRemovalLines));
+    const std::uint64_t left = m_report.failureCount + m_report.refusalCount;
+    const auto listed = std::uint64_t(m_report.failures.size() + m_report.refusals.size());
+    if (left > listed)
+        qCInfo(logVantor, "File might be locked: %llu more", qulonglong(left - listed));
 }

@@ -1,6 +1,7 @@
 #include "slices/CleaningPlan.h"
 
 #include "slices/AnchoredFolder.h"
+#include "slices/ResolvedExclusions.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -29,16 +30,8 @@ public:
     CleaningPlan plan();
 
 private:
-    struct Unresolved
-    {
-        QByteArray path;
-        int error;
-    };
-
     bool refuseUnparsable();
-    void resolveExclusions();
-    SystemResult<FileIdentity> identityOfExclusion(const FileUrl &url) const;
-    SystemResult<FileIdentity> identityElsewhere(const FileUrl &url) const;
+    void takeExclusions();
     void planSlice(const SliceToClean &slice);
     void planLocation(CleaningLocation location);
     bool isExcludedByPath(const CleaningLocation &location) const;
@@ -58,13 +51,13 @@ private:
     const FileAccess &m_access;
     const QList<SliceToClean> &m_slices;
     CleaningPlan m_plan;
-    std::vector<Unresolved> m_unresolved;
+    std::vector<ResolvedExclusions::Lost> m_lost;
 };
 
 CleaningPlan CleaningPlanner::plan()
 {
     if (!refuseUnparsable()) {
-        resolveExclusions();
+        takeExclusions();
         for (const SliceToClean &slice : m_slices)
             planSlice(slice);
     }
@@ -78,48 +71,12 @@ bool CleaningPlanner::refuseUnparsable()
     return !m_plan.m_excluded.unparsable().isEmpty();
 }
 
-void CleaningPlanner::resolveExclusions()
+void CleaningPlanner::takeExclusions()
 {
-    for (const FileUrl &url : m_plan.m_excluded.urls()) {
-        const auto identity = identityOfExclusion(url);
-        if (identity)
-            m_plan.m_excludedIdentities.push_back(*identity);
-        else
-            m_unresolved.push_back({url.path(), identity.error()});
-    }
-}
-
-SystemResult<FileIdentity> CleaningPlanner::identityOfExclusion(const FileUrl &url) const
-{
-    const auto anchored = m_access.anchoredPath(url);
-    if (!anchored || !anchored->anchor)
-        return identityElsewhere(url);
-    if (anchored->relativePath.isEmpty())
-        return m_calls.identityOf(anchored->anchor->get());
-    const auto [around, name] = anchoredEntry(*anchored);
-    const auto folder = openAnchored(m_calls, around, Descent::AcrossMounts);
-    if (!folder)
-        return tl::unexpected(folder.error());
-    return m_calls.identity(folder->get(), name.constData());
-}
-
-/// An exclusion that does not lie below the granted folder by its path may still do so by another
-/// road, such as a mount of the home folder. Only one that speaks of a place that is to be cleaned
-/// is looked for: other volumes may be slow, or hang.
-SystemResult<FileIdentity> CleaningPlanner::identityElsewhere(const FileUrl &url) const
-{
-    const QByteArray path = url.path();
-    const auto speaksOf = [&](const FileUrl &place) { return path.contains(place.path()); };
-    const auto touches = [&](const SliceToClean &slice) {
-        return std::any_of(slice.fileURLs.begin(), slice.fileURLs.end(), speaksOf);
-    };
-    if (!std::any_of(m_slices.begin(), m_slices.end(), touches))
-        return tl::unexpected(ENOENT);
-    const QByteArray name = url.lastPathComponent();
-    const auto folder = m_calls.openRoot(path.first(path.size() - name.size()).constData());
-    if (!folder)
-        return tl::unexpected(folder.error());
-    return m_calls.identity(folder->get(), name.constData());
+    ResolvedExclusions resolved = resolveExclusions(m_calls, m_access, m_plan.m_excluded);
+    m_plan.m_excluded = std::move(resolved.paths);
+    m_plan.m_excludedIdentities = std::move(resolved.identities);
+    m_lost = std::move(resolved.lost);
 }
 
 void CleaningPlanner::planSlice(const SliceToClean &slice)
@@ -193,6 +150,7 @@ CleaningPlanner::examine(CleaningLocation &location) const
     FileDescriptor held;
     int folder = location.path.anchor->get();
     auto identity = m_calls.identityOf(folder);
+    const std::uint64_t device = identity ? identity->device : 0;
     for (const QByteArray &name : names) {
         if (!identity || isExcluded(*identity))
             break;
@@ -207,6 +165,8 @@ CleaningPlanner::examine(CleaningLocation &location) const
         identity = m_calls.identity(folder, fileName.constData());
     if (!identity)
         return tl::unexpected(Obstacle{RefusalReason::Unreadable, identity.error()});
+    if (identity->device != device) // a sub-volume opens like any folder
+        return tl::unexpected(Obstacle{RefusalReason::OtherFileSystem, EXDEV});
     location.identity = *identity;
     return isExcluded(*identity);
 }
@@ -232,14 +192,15 @@ bool CleaningPlanner::isExcluded(const FileIdentity &identity) const
     });
 }
 
-/// An exclusion that cannot be found could be anything in the folder that holds it by its path.
+/// An exclusion that cannot be found could be anything in the folder that holds it by its path, and
+/// one that cannot be looked at anything at all.
 bool CleaningPlanner::refuseUnresolved(const CleaningLocation &location)
 {
     const QByteArray inside = location.url.path() + '/';
-    const auto found =
-        std::find_if(m_unresolved.begin(), m_unresolved.end(),
-                     [&](const Unresolved &excluded) { return excluded.path.startsWith(inside); });
-    if (found == m_unresolved.end())
+    const auto found = std::find_if(m_lost.begin(), m_lost.end(), [&](const auto &excluded) {
+        return excluded.isHidden || excluded.path.startsWith(inside);
+    });
+    if (found == m_lost.end())
         return false;
     refuse(location.url.path(), RefusalReason::UnresolvedExclusion, found->error);
     return true;

@@ -34,6 +34,13 @@ PrefixSet::PrefixSet(std::vector<QByteArray> texts) : m_all(std::move(texts))
     }
 }
 
+PrefixSet PrefixSet::with(const QByteArray &text) const
+{
+    std::vector<QByteArray> texts = m_all;
+    texts.push_back(text);
+    return PrefixSet(std::move(texts));
+}
+
 Sparing PrefixSet::sparing(const QByteArray &text) const
 {
     // No member of m_shortest begins another, so only the last one not after the text can begin it.
@@ -62,6 +69,13 @@ ExcludedPaths ExcludedPaths::fromStoredStrings(const QStringList &strings)
     result.m_texts = PrefixSet(std::move(texts));
     result.m_paths = PrefixSet(std::move(paths));
     return result;
+}
+
+void ExcludedPaths::add(const FileUrl &url)
+{
+    m_urls.append(url);
+    m_texts = m_texts.with(textOf(url));
+    m_paths = m_paths.with(slashed(url.path()));
 }
 
 bool ExcludedPaths::containsExcludedFile(const FileUrls &urls) const

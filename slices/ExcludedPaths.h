@@ -18,6 +18,7 @@ class PrefixSet final
 public:
     PrefixSet() = default;
     explicit PrefixSet(std::vector<QByteArray> texts);
+    PrefixSet with(const QByteArray &text) const;
 
     /// Whole when a member begins the text (or equals it), OnTheWay when the text begins a member.
     Sparing sparing(const QByteArray &text) const;
@@ -37,6 +38,9 @@ public:
 
     /// Takes the strings stored under VNTExcludedPathsString, in their order.
     static ExcludedPaths fromStoredStrings(const QStringList &strings);
+
+    /// One more, which was found out.
+    void add(const FileUrl &url);
 
     /// Those that could be read, in stored order, duplicates kept.
     const FileUrls &urls() const { return m_urls; }

@@ -102,12 +102,21 @@ FolderSize sizeOfFolder(const SystemCalls &calls, FileDescriptor folder,
     return sum;
 }
 
-/// Nothing counts; complete where the reason is that nothing is there, or only by way of a link.
+/// Nothing counts; complete where the reason is that nothing is there, only by way of a link, or on
+/// another file system, which is never cleaned.
 FolderSize nothingBecauseOf(int error)
 {
     FolderSize nothing;
-    nothing.isComplete = error == ENOENT || error == ENOTDIR || error == ELOOP;
+    nothing.isComplete = error == ENOENT || error == ENOTDIR || error == ELOOP || error == EXDEV;
     return nothing;
+}
+
+/// A sub-volume opens like any folder, but is as little cleaned as another file system.
+bool isOnVolumeOf(const SystemCalls &calls, int anchor, int folder)
+{
+    const auto granted = calls.statusOf(anchor);
+    const auto found = calls.statusOf(folder);
+    return granted && found && granted->device == found->device;
 }
 
 bool leadsToNoItem(const SystemCalls &calls, int folder, const char *link)
@@ -119,7 +128,7 @@ bool leadsToNoItem(const SystemCalls &calls, int folder, const char *link)
 FolderSize sizeOfItem(const SystemCalls &calls, const AnchoredPath &place)
 {
     const AnchoredEntry entry = anchoredEntry(place);
-    const auto folder = openAnchored(calls, entry.folder, Descent::AcrossMounts);
+    const auto folder = openAnchored(calls, entry.folder, Descent::Strict);
     if (!folder)
         return nothingBecauseOf(folder.error());
     const auto folderStatus = calls.statusOf(folder->get());
@@ -147,7 +156,9 @@ FolderSize sizeOfItem(const SystemCalls &calls, const AnchoredPath &place)
 FolderSize measureFolder(const SystemCalls &calls, const AnchoredPath &place,
                          const std::stop_token &stop, unsigned threads)
 {
-    auto folder = openAnchored(calls, place, Descent::AcrossMounts);
+    auto folder = openAnchored(calls, place, Descent::Strict);
+    if (folder && !isOnVolumeOf(calls, place.anchor->get(), folder->get()))
+        return nothingBecauseOf(EXDEV);
     if (folder)
         return sizeOfFolder(calls, std::move(*folder), stop, threads);
     const bool isNoFolder = folder.error() == ENOTDIR || folder.error() == ELOOP;

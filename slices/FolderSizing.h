@@ -28,7 +28,9 @@ struct FolderSize
 /// append-only. Links count with their own size. Mount points are not entered.
 ///
 /// A place that is no folder is judged alike and counts its own size. Nothing there, a dangling
-/// link, and a link to a folder count 0. Unreadable folders are passed over.
+/// link, and a link to a folder count 0. Unreadable folders are passed over. A mount between the
+/// anchor and the place, or the place itself being one, makes it 0 too: a cleaning refuses such a
+/// place. The anchor alone may be a mount.
 ///
 /// Any thread but the main one; blocks until done or stopped. Uses up to `threads` threads, as
 /// many as pay for 0.

@@ -28,8 +28,10 @@ constexpr float kPopoverWidth = 200;
 
 void FreeSpaceViewController::didSelectSliceAtIndex(PieChart &, int index)
 {
-    if (m_isCleaning || index == indexOf(SliceKind::LargeFiles))
+    if (m_isCleaning)
         return;
+    if (index == indexOf(SliceKind::LargeFiles))
+        return pickLargeFiles();
     if (m_selection.toggle(index) == SliceSelection::Toggle::Excluded)
         showMessage(
             tr("To enable this slice, please remove it's excluded folder from preferences."));
@@ -49,7 +51,8 @@ void FreeSpaceViewController::updateExcludedFiles()
         return; // not shown yet
     if (m_isCleaning)
         return; // heard when it is over; the cleaning reads the list itself
-    if (m_selection.applyExclusions())
+    dropLargeFiles();
+    if (m_selection.applyExclusions() && !isPickingLargeFiles())
         showMessage(tr("Your preferences have been adjusted, please scan for large files again"));
     m_pieChart->reloadData();
     updateButtonText();
@@ -227,6 +230,7 @@ void FreeSpaceViewController::finishCleaning(const CleaningReport &report)
                            report.refusals.value(0).reason == RefusalReason::UnknownExclusions;
     const QVariant freed = isRefused ? qint64{0} : m_selection.totalSize();
     m_isCleaning = false;
+    dropLargeFiles();
     m_selection.applyExclusions(); // what was excluded meanwhile
     m_selection.updateSelectedSlicesUserDefaults();
     Q_EMIT cleaningChanged(false);

@@ -5,6 +5,7 @@
 #include "app/SettingsKeys.h"
 #include "app/UserDefaults.h"
 #include "chart/PieChart.h"
+#include "largefiles/LargeFilesWindowController.h"
 #include "platform/InterfaceLoader.h"
 #include "platform/Sheet.h"
 #include "platform/ViewAlpha.h"

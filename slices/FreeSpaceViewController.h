@@ -12,6 +12,7 @@
 
 class DemoWindowController;
 class ExcludedFilesChangedNotification;
+class LargeFilesWindowController;
 class PieChart;
 class SliceHoverButtons;
 class StartButton;
@@ -53,6 +54,8 @@ public:
     SliceHoverButtons *hoverButtons() const { return m_hoverButtons; }
     /// The tutorial; made on first use and kept.
     DemoWindowController &demoWindowController();
+    /// The sheet in which large files are picked; made on first use and kept.
+    LargeFilesWindowController &largeFilesWindowController();
     bool isCleaning() const { return m_isCleaning; }
 
     void viewDidLoad() override;
@@ -102,6 +105,11 @@ private:
     void beginCleaning();
     void showCleaningState();
     void finishCleaning(const CleaningReport &report);
+    void pickLargeFiles();
+    void takePickedFiles();
+    void followPickedSize();
+    void dropLargeFiles();
+    bool isPickingLargeFiles() const { return m_pickingAccess.has_value(); }
     void showMessage(const QString &text, const QString &informative = {});
 
     Services m_services;
@@ -112,6 +120,8 @@ private:
     const InterfaceLoader &m_loader;
     CleaningJob m_job;
     std::unique_ptr<DemoWindowController> m_demoWindowController;
+    std::unique_ptr<LargeFilesWindowController> m_largeFilesWindowController;
+    std::optional<AccessScope> m_pickingAccess; ///< held while the sheet of large files is up
     bool m_isCleaning = false;
     bool m_isShown = false; ///< has appeared and is not on its way out
     PieChart *m_pieChart = nullptr;

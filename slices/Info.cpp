@@ -54,6 +54,16 @@ void Info::setFileURLs(const FileUrls &fileURLs)
     postSizeChanged();
 }
 
+void Info::setFileURLs(const FileUrls &fileURLs, qint64 measuredBytes)
+{
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_fileURLs = fileURLs;
+        m_fileSize = measuredBytes;
+    }
+    postSizeChanged();
+}
+
 qint64 Info::fileSize() const
 {
     const std::scoped_lock lock(m_mutex);

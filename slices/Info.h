@@ -55,6 +55,8 @@ public:
     /// Measures the new places, which may take long, and sets the size, unless still newer places
     /// were set meanwhile. The size text is the caller's to change.
     void setFileURLs(const FileUrls &fileURLs);
+    /// The same for places whose size was just measured elsewhere; returns at once.
+    void setFileURLs(const FileUrls &fileURLs, qint64 measuredBytes);
 
     /// Bytes below all places; 0 until measured.
     qint64 fileSize() const;

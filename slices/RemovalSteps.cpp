@@ -31,7 +31,7 @@ RemovalSteps::Verdict RemovalSteps::deal(const Spot &spot, const FolderListing::
             return {Fate::Enter, Care::Judged};
     }
     const bool isFolder = *kind == FileKind::Folder;
-    if (care != Care::Removed && m_ledger.logsRemovals())
+    if (care != Care::Removed && m_ledger.announce())
         m_ledger.logRemoval(spot.path(), isFolder ? FileUrlKind::Folder : FileUrlKind::File);
     return {isFolder ? Fate::Enter : removeFile(spot)};
 }

@@ -5,6 +5,7 @@
 #include "platform/Sheet.h"
 #include "tests/support/ForwardingSystemCalls.h"
 #include "tests/support/GuiTestMain.h"
+#include "tests/support/LogRecorder.h"
 #include "tests/support/PageFixture.h"
 #include "tests/support/RecordingPageDelegate.h"
 #include "tests/support/SheetDriver.h"
@@ -129,11 +130,13 @@ void TestFolderSelectViewController::acceptsOnlyFoldersNamedLikeTheHome()
 
 void TestFolderSelectViewController::storesNothingWhenCancelled()
 {
+    const LogRecorder log;
     QTest::mouseClick(m_page->homeButton(), Qt::LeftButton);
     QTRY_VERIFY(sheetPanel(*m_page->view()));
     QTest::keyClick(sheetPanel(*m_page->view()), Qt::Key_Escape);
     QTRY_VERIFY(!hasSheet(*m_page->view()));
     QVERIFY(!hasGrant());
+    QCOMPARE(log.lines(), QStringList{QStringLiteral("anna")}); // from when the panel opened
     QCOMPARE(m_page->homeButton()->imageName(), QStringLiteral("welcomeHome"));
 }
 

@@ -16,8 +16,10 @@
 #include "widgets/StartButton.h"
 #include "widgets/TextField.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QThreadPool>
 
 namespace {
 
@@ -25,6 +27,29 @@ class SilentStats final : public StatsUpdater
 {
 public:
     void updateStatsForURLString(const QString &) override {}
+};
+
+/// What data a page has whenever its button goes on or off.
+class DataAtChange final : public QObject
+{
+public:
+    DataAtChange(const VNTViewController &page, QWidget &button) : m_page(page)
+    {
+        button.installEventFilter(this);
+    }
+    QVariantList values() const { return m_values; }
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() == QEvent::EnabledChange)
+            m_values.append(QVariantList{m_page.data()});
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    const VNTViewController &m_page;
+    QVariantList m_values;
 };
 
 } // namespace
@@ -40,6 +65,7 @@ private Q_SLOTS:
     void opensOnTheFirstPageWithoutGrant();
     void movesOnByItselfOnceTheGrantIsStored();
     void opensOnTheDiskWithAGrant();
+    void tellsTheFirstPageOnceThatItAppears();
     void makesThePagesOnceInTheirOrder();
     void handsDataOverBetweenAppearing();
     void movesOnOnceHoweverOftenStartIsPressed();
@@ -52,7 +78,7 @@ private Q_SLOTS:
     void tellsThatANewFolderNeedsARestart();
 
 private:
-    void makeController();
+    void makeController(LabelController::Reader readVolume = PageFixture::madeVolume());
     bool waitForPage(const VNTViewController &page);
 
     std::unique_ptr<PageFixture> m_fixture;
@@ -71,10 +97,11 @@ void TestMainWindowController::init()
 void TestMainWindowController::cleanup()
 {
     m_controller.reset();
+    QVERIFY(QThreadPool::globalInstance()->waitForDone()); // its pages may still have measured
     m_fixture.reset();
 }
 
-void TestMainWindowController::makeController()
+void TestMainWindowController::makeController(LabelController::Reader readVolume)
 {
     m_controller = std::make_unique<MainWindowController>(
         MainWindowController::Services{.loader = m_fixture->loader(),
@@ -86,7 +113,7 @@ void TestMainWindowController::makeController()
                                        .excludedFilesChanged = m_excludedFilesChanged,
                                        .addresses = {},
                                        .realHomeDirectory = [this] { return m_fixture->home(); },
-                                       .readVolume = PageFixture::madeVolume(),
+                                       .readVolume = std::move(readVolume),
                                        .restart = [this] { ++m_restarts; }});
     m_controller->showWindow();
 }
@@ -126,6 +153,24 @@ void TestMainWindowController::opensOnTheDiskWithAGrant()
     QCOMPARE(m_controller->diskInfoPage().view()->size(), QSize(860, 680));
 }
 
+void TestMainWindowController::tellsTheFirstPageOnceThatItAppears()
+{
+    m_fixture->grantHome();
+    // The disk page reads the volume when it did appear; its button is off from when it was about
+    // to appear until then.
+    QList<bool> buttonStates;
+    makeController([&buttonStates] {
+        for (const QWidget *widget : QApplication::allWidgets()) {
+            if (qobject_cast<const StartButton *>(widget))
+                buttonStates.append(widget->isEnabled());
+        }
+        return VolumeSizes{1000, 250};
+    });
+    QTRY_COMPARE(alphaValue(*m_controller->diskInfoPage().labelController().freeLabel()), 1.0);
+    QCOMPARE(buttonStates, QList<bool>{false});
+    QVERIFY(m_controller->diskInfoPage().startButton()->isEnabled());
+}
+
 void TestMainWindowController::makesThePagesOnceInTheirOrder()
 {
     makeController();
@@ -146,10 +191,15 @@ void TestMainWindowController::handsDataOverBetweenAppearing()
     makeController();
     m_controller->navigationController().pushViewController(&m_controller->freeSpacePage(),
                                                             Animated::No);
+    const FinalViewController &result = m_controller->finalPage();
+    auto *button = m_controller->finalPage().view()->findChild<StartButton *>();
+    button->setEnabled(true);
+    DataAtChange beforeAndAfter(result, *button); // off when about to appear, on when it did
     m_controller->willGoForward(m_controller->freeSpacePage(), true, qint64{5'000'000});
-    QCOMPARE(m_controller->finalPage().data(), QVariant(qint64{5'000'000}));
+    QCOMPARE(result.data(), QVariant(qint64{5'000'000}));
     QVERIFY(waitForPage(m_controller->finalPage()));
     QTRY_COMPARE(m_controller->finalPage().sizeLabel()->text(), QStringLiteral("5 MB"));
+    QCOMPARE(beforeAndAfter.values(), QVariantList({QVariant(), qint64{5'000'000}}));
 }
 
 void TestMainWindowController::movesOnOnceHoweverOftenStartIsPressed()

@@ -3,6 +3,9 @@
 
 #include "app/Appearance.h"
 #include "app/DiskInfoViewController.h"
+#include "largefiles/LargeFilesWindowController.h"
+#include "largefiles/PreviewPanel.h"
+#include "largefiles/TextButton.h"
 #include "platform/ByteCount.h"
 #include "platform/Sheet.h"
 #include "platform/ViewAlpha.h"
@@ -18,11 +21,15 @@
 #include <QCommandLineParser>
 #include <QDir>
 #include <QPainter>
+#include <QPainterPath>
 #include <QPointer>
+#include <QSignalSpy>
 #include <QTest>
 #include <QTextBrowser>
 #include <QTextStream>
 #include <algorithm>
+#include <array>
+#include <cmath>
 
 namespace {
 
@@ -34,6 +41,10 @@ QTextStream &out()
 
 const QList<SliceKind> kCleaned{SliceKind::Trash, SliceKind::Cache, SliceKind::AppLogs,
                                 SliceKind::OldIos, SliceKind::Downloads};
+
+// Rows of the list of large files.
+constexpr int kPanoramaRow = 4;
+constexpr std::array kPickedRows{1, 2};
 
 qint64 bytesPresent(const SampleHome &home)
 {
@@ -63,6 +74,8 @@ QList<QByteArray> pathsToKeep(const SampleHome &home)
                 paths.removeOne(path);
         }
     }
+    for (const int row : kPickedRows)
+        paths.removeOne(home.largeFiles()[row]);
     return paths;
 }
 
@@ -78,6 +91,39 @@ QPixmap pictureWith(QWidget &window, QWidget &above)
     return picture;
 }
 
+/// A picture to look at: hills in the evening.
+QImage paintedPanorama()
+{
+    QImage picture(2400, 1000, QImage::Format_RGB32);
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    QLinearGradient sky(0, 0, 0, 700);
+    sky.setColorAt(0, QColor(70, 110, 190));
+    sky.setColorAt(1, QColor(250, 200, 150));
+    painter.fillRect(picture.rect(), sky);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(QColor(255, 240, 200));
+    painter.drawEllipse(QPoint(1700, 480), 90, 90);
+    for (int ridge = 0; ridge < 4; ++ridge) {
+        QPainterPath hills(QPointF(0, 1000));
+        for (int x = 0; x <= 2400; x += 20)
+            hills.lineTo(x, 520 + ridge * 110 +
+                                70 * std::sin(x / (260.0 - 35 * ridge) + ridge * 2) +
+                                18 * std::sin(x / 47.0 + ridge));
+        hills.lineTo(2400, 1000);
+        painter.fillPath(hills, QColor(96 - ridge * 20, 96 - ridge * 16, 130 - ridge * 24));
+    }
+    return picture;
+}
+
+/// Gives one of the made files, which are all empty pages, something to see. It keeps its size.
+bool paintPanorama(const SampleHome &home)
+{
+    const QByteArray path = home.path(home.largeFiles()[kPanoramaRow]);
+    QFile file(QFile::decodeName(path));
+    return file.open(QIODevice::ReadWrite) && paintedPanorama().save(&file, "PNG");
+}
+
 class Tour final
 {
 public:
@@ -91,7 +137,9 @@ public:
     {
         return step("grant the home folder", grant()) && step("see the disk", seeDisk()) &&
                step("measure the slices", measure()) && step("read the tutorial", readTutorial()) &&
-               step("exclude what must stay", exclude()) && step("choose Downloads", choose()) &&
+               step("exclude what must stay", exclude()) &&
+               step("find large files", findLargeFiles()) && step("look into them", lookInside()) &&
+               step("pick two", pickTwo()) && step("choose Downloads", choose()) &&
                step("ask what it is", readPopover()) && step("clean", clean()) &&
                step("see what was freed", seeResult());
     }
@@ -174,7 +222,7 @@ private:
         if (!m_journey.clickSlice(SliceKind::Downloads) ||
             !m_journey.hoverSlice(SliceKind::Downloads))
             return false;
-        takePicture(QStringLiteral("4-slices"));
+        takePicture(QStringLiteral("7-slices"));
         return true;
     }
 
@@ -186,6 +234,44 @@ private:
         savePicture(QStringLiteral("popover"), pictureWith(m_journey.window(), *popover));
         QTest::keyClick(popover->windowHandle(), Qt::Key_Escape);
         return QTest::qWaitFor([&] { return !popover; });
+    }
+
+    bool findLargeFiles()
+    {
+        if (!m_journey.openLargeFiles() || !m_journey.waitForSearch())
+            return false;
+        LargeFilesWindowController &sheet = m_journey.largeFiles();
+        for (int row = 0; row < kPanoramaRow; ++row)
+            m_journey.press(Qt::Key_Down);
+        QSignalSpy shown(&sheet, &LargeFilesWindowController::thumbnailShown);
+        m_journey.press(Qt::Key_Down);
+        if (!QTest::qWaitFor([&] { return !shown.isEmpty(); }))
+            return false;
+        takePicture(QStringLiteral("4-large-files"));
+        return sheet.array().rowCount() == m_home.largeFiles().size();
+    }
+
+    bool lookInside()
+    {
+        m_journey.press(Qt::Key_Space);
+        PreviewPanel *const panel = m_journey.largeFiles().previewPanel();
+        if (!panel || !QTest::qWaitFor([&] { return panel->content().has_value(); }))
+            return false;
+        takePicture(QStringLiteral("5-preview"));
+        m_journey.press(Qt::Key_Space);
+        return panel->isHidden();
+    }
+
+    bool pickTwo()
+    {
+        LargeFilesWindowController &sheet = m_journey.largeFiles();
+        for (const int row : kPickedRows) {
+            if (!m_journey.clickSizeButton(row))
+                return false;
+        }
+        takePicture(QStringLiteral("6-picked"));
+        out() << "      picked: " << sheet.sizeString() << Qt::endl;
+        return m_journey.pressInLargeFiles(*sheet.addButton());
     }
 
     bool clean()
@@ -200,7 +286,7 @@ private:
         if (!m_journey.waitForPage(page) ||
             !QTest::qWaitFor([&] { return alphaValue(*page.sizeLabel()) == 1; }))
             return false;
-        takePicture(QStringLiteral("5-result"));
+        takePicture(QStringLiteral("8-result"));
         const qint64 after = bytesPresent(m_home);
         out() << "      shown as freed: " << page.sizeLabel()->text() << Qt::endl
               << "      found to be gone: " << stringFromByteCount(m_before - after) << Qt::endl
@@ -241,6 +327,8 @@ int main(int argc, char **argv)
 
     const ScratchFolder place;
     const SampleHome home(place);
+    if (!paintPanorama(home))
+        return 1;
     AppDelegate delegate({.realHomeDirectory = [&home] { return home.path(); }});
     delegate.applicationDidFinishLaunching();
     Journey journey(delegate);

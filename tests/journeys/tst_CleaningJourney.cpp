@@ -11,6 +11,7 @@
 #include "widgets/StartButton.h"
 #include "widgets/TextField.h"
 
+#include <QAction>
 #include <QDir>
 #include <QThreadPool>
 #include <algorithm>
@@ -245,11 +246,14 @@ void TestCleaningJourney::letsNobodyLeaveWhileItCleans()
     start();
     QVERIFY(reachSlices());
     QList<bool> allowed;
-    connect(&m_journey->controller(), &MainWindowController::navigationAllowed, this,
-            [&](bool isAllowed) { allowed.append(isAllowed); });
+    connect(&m_journey->controller(), &MainWindowController::navigationAllowed, this, [&] {
+        for (const char *name : {"goBackAction", "resetHomeFolderAction"})
+            allowed.append(
+                m_journey->window().findChild<QAction *>(QLatin1String(name))->isEnabled());
+    });
     QVERIFY(m_journey->pressClean(QStringLiteral("Delete Files")));
     QVERIFY(m_journey->waitForPage(m_journey->controller().finalPage()));
-    QCOMPARE(allowed, QList<bool>({false, true}));
+    QCOMPARE(allowed, QList<bool>({false, false, true, true}));
 }
 
 VANTOR_GUI_TEST_MAIN(TestCleaningJourney)

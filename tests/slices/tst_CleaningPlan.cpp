@@ -30,6 +30,7 @@ private Q_SLOTS:
     void leavesPlacesAloneWhenAllAroundIsExcluded();
     void knowsAnExcludedFolderUnderItsNewName();
     void knowsAnExclusionByAnotherRoad();
+    void refusesAPlaceOnAnotherVolume();
     void marksPlacesThatHoldAnExclusion();
 
     void sparesAnExcludedFileAmongSeveral();
@@ -288,6 +289,27 @@ void TestCleaningPlan::knowsAnExclusionByAnotherRoad()
     QCOMPARE(plan.locations().size(), std::size_t(1));
     QCOMPARE(plan.excludedIdentities().size(), std::size_t(1));
     QVERIFY(plan.locations().front().isTouched);
+}
+
+void TestCleaningPlan::refusesAPlaceOnAnotherVolume()
+{
+    // As a sub-volume is: opened like any folder, but with a device number of its own.
+    class SubVolume final : public ForwardingSystemCalls
+    {
+    public:
+        SystemResult<FileIdentity> identityOf(int descriptor) const override
+        {
+            auto identity = ForwardingSystemCalls::identityOf(descriptor);
+            identity->device += m_count++ == 0 ? 0 : 1; // all but the granted folder
+            return identity;
+        }
+
+    private:
+        mutable int m_count = 0;
+    };
+    const CleaningPlan plan = makeCleaningPlan(
+        SubVolume(), *m_home, {contentsOf({m_home->folder("Library/Caches")})}, {});
+    QVERIFY(refusesOnly(plan, RefusalReason::OtherFileSystem, EXDEV));
 }
 
 void TestCleaningPlan::marksPlacesThatHoldAnExclusion()

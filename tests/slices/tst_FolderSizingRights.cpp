@@ -1,7 +1,6 @@
 #include "slices/FolderSizing.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/MadeTree.h"
-#include "tests/support/OwnMounts.h"
 #include "tests/support/TestMain.h"
 
 #include <cstdio>
@@ -57,10 +56,6 @@ private Q_SLOTS:
     void leavesLockedFilesOut();
     void leavesTheEntriesOfLockedFoldersOut_data();
     void leavesTheEntriesOfLockedFoldersOut();
-    void findsNothingOnAReadOnlyMount();
-    void leavesOutWhatSomethingIsMountedOn();
-    void measuresAPlaceThatIsAMount();
-    void staysOutOfMountsBeneath();
 };
 
 void TestFolderSizingRights::followsTheRightsOfTheFolder_data()
@@ -198,73 +193,6 @@ void TestFolderSizingRights::leavesTheEntriesOfLockedFoldersOut()
         QCOMPARE(measuredBy(user, tree, "locked"), QByteArray("10"));
         QCOMPARE(measuredBy(user, tree, "locked/stays"), QByteArray("0 (0 : 1)"));
     }
-}
-
-void TestFolderSizingRights::findsNothingOnAReadOnlyMount()
-{
-    MadeTree tree;
-    tree.makeFolder("folder");
-    tree.makeFile("folder/file", 1000);
-    tree.makeFolder("mount");
-    const ChildOutcome outcome = runInChild(ChildUser::Same, [&] {
-        const OwnMounts mounts(tree);
-        mounts.bindReadOnly("folder", "mount");
-        const QByteArray found =
-            textOf(measured(tree, "mount")) + ", " + textOf(measured(tree, "mount/file"));
-        std::fputs(found.constData(), stderr);
-        return 0;
-    });
-    QCOMPARE(outcome.errorText, QByteArray("0, 0 (0 : 1)"));
-}
-
-void TestFolderSizingRights::leavesOutWhatSomethingIsMountedOn()
-{
-    MadeTree tree;
-    tree.makeFile("large", 1000);
-    tree.makeFolder("folder");
-    tree.makeFile("folder/under", 10);
-    tree.makeFile("folder/file", 1);
-    const ChildOutcome outcome = runInChild(ChildUser::Same, [&] {
-        const OwnMounts mounts(tree);
-        mounts.bind("large", "folder/under");
-        std::fputs(textOf(measured(tree, "folder")).constData(), stderr);
-        return 0;
-    });
-    QCOMPARE(outcome.errorText, QByteArray("1"));
-}
-
-void TestFolderSizingRights::measuresAPlaceThatIsAMount()
-{
-    MadeTree tree;
-    tree.makeFolder("mount");
-    const ChildOutcome outcome = runInChild(ChildUser::Same, [&] {
-        const OwnMounts mounts(tree);
-        mounts.mountMemory("mount");
-        tree.makeFile("mount/file", 10);
-        std::fputs(textOf(measured(tree, "mount")).constData(), stderr);
-        return 0;
-    });
-    QCOMPARE(outcome.errorText, QByteArray("10"));
-}
-
-void TestFolderSizingRights::staysOutOfMountsBeneath()
-{
-    MadeTree tree;
-    tree.makeFolder("elsewhere");
-    tree.makeFile("elsewhere/file", 1000);
-    tree.makeFolder("folder");
-    tree.makeFile("folder/file", 1);
-    tree.makeFolder("folder/same");
-    tree.makeFolder("folder/other");
-    const ChildOutcome outcome = runInChild(ChildUser::Same, [&] {
-        const OwnMounts mounts(tree);
-        mounts.bind("elsewhere", "folder/same");
-        mounts.mountMemory("folder/other");
-        tree.makeFile("folder/other/file", 1000);
-        std::fputs(textOf(measured(tree, "folder")).constData(), stderr);
-        return 0;
-    });
-    QCOMPARE(outcome.errorText, QByteArray("1"));
 }
 
 VANTOR_TEST_MAIN(TestFolderSizingRights)

@@ -4,6 +4,8 @@
 #include "app/ResourceManager.h"
 #include "app/SettingsKeys.h"
 #include "chart/PieChart.h"
+#include "largefiles/LargeFilesWindowController.h"
+#include "largefiles/TextButton.h"
 #include "platform/ViewAlpha.h"
 #include "prefs/DemoWindowController.h"
 #include "prefs/Popover.h"
@@ -16,8 +18,8 @@
 #include "widgets/StartButton.h"
 #include "widgets/TextField.h"
 
-#include <QSignalSpy>
 #include <QElapsedTimer>
+#include <QSignalSpy>
 #include <QThreadPool>
 #include <QTimer>
 
@@ -37,7 +39,7 @@ private Q_SLOTS:
     void asksToSelectWhenNothingIsOn();
     void togglesAndStoresOnAClick();
     void refusesAnExcludedSliceEachTime();
-    void keepsLargeFilesOffAndAsTheyAre();
+    void asksForLargeFilesInASheet();
     void followsTheExcludedPaths();
     void placesTheHoverButtons();
     void offersToRevealOldUpdatesWhenThereAreAny();
@@ -186,13 +188,23 @@ void TestFreeSpaceViewController::refusesAnExcludedSliceEachTime()
     }
 }
 
-void TestFreeSpaceViewController::keepsLargeFilesOffAndAsTheyAre()
+void TestFreeSpaceViewController::asksForLargeFilesInASheet()
 {
     appear();
-    m_page->didSelectSliceAtIndex(*m_page->pieChart(), indexOf(SliceKind::LargeFiles));
+    PieChart &chart = *m_page->pieChart();
+    for (int click = 0; click < 2; ++click) // the second does nothing
+        m_page->didSelectSliceAtIndex(chart, indexOf(SliceKind::LargeFiles));
+    LargeFilesWindowController &sheet = m_page->largeFilesWindowController();
+    QCOMPARE(sheetPanel(*m_page->view()->window()), sheet.window());
+    QVERIFY(ResourceManager::accessCount() > 0);
+    QVERIFY(!m_page->selection().record(SliceKind::LargeFiles).isOn());
+    sheet.dismissPanel(sheet.addButton());
+    QTRY_VERIFY(!hasSheet(*m_page->view()->window()));
+    QTRY_COMPARE(ResourceManager::accessCount(), 0);
     Info &largeFiles = m_page->selection().record(SliceKind::LargeFiles);
     QVERIFY(!largeFiles.isOn());
     QCOMPARE(largeFiles.fileSizeString().value_or(QString()), QStringLiteral("Click to select"));
+    QCOMPARE(largeFiles.fileURLs().value_or(FileUrls()), FileUrls());
 }
 
 void TestFreeSpaceViewController::followsTheExcludedPaths()

@@ -6,6 +6,7 @@
 #include "tests/support/GuiTestMain.h"
 #include "tests/support/PageFixture.h"
 
+#include <QFile>
 #include <QSignalSpy>
 
 namespace {
@@ -23,6 +24,7 @@ private Q_SLOTS:
     void cleanup();
 
     void startsWithTheDefaultSelection();
+    void switchesAllButLargeFilesOnWithoutAnySelection();
     void restoresAStoredSelection_data();
     void restoresAStoredSelection();
     void neverStoresLargeFilesAsOn();
@@ -81,6 +83,16 @@ void TestSliceSelection::exclude(const QByteArrayList &relativePaths)
 void TestSliceSelection::startsWithTheDefaultSelection()
 {
     QCOMPARE(states(), kDefaultSelection);
+}
+
+void TestSliceSelection::switchesAllButLargeFilesOnWithoutAnySelection()
+{
+    UserDefaults empty(QFile::decodeName(m_fixture->folder().path("empty")), hostSystemCalls());
+    QVERIFY(!empty.isStored(VNTSelectedSlicesString));
+    SliceSelection selection(empty, ResourceManager::access());
+    selection.rebuild(m_fixture->homeUrl(), {});
+    for (const auto &record : selection.records())
+        QCOMPARE(record->isOn(), record.get() != &selection.record(SliceKind::LargeFiles));
 }
 
 void TestSliceSelection::restoresAStoredSelection_data()

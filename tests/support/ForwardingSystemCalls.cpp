@@ -48,6 +48,11 @@ SystemResult<FileDescriptor> ForwardingSystemCalls::openRoot(const char *path) c
     return forwarded("openRoot", [&] { return m_next.openRoot(path); });
 }
 
+SystemResult<QByteArray> ForwardingSystemCalls::realPath(const char *path) const
+{
+    return forwarded("realPath", [&] { return m_next.realPath(path); });
+}
+
 SystemResult<std::size_t> ForwardingSystemCalls::readEntries(int folder,
                                                              std::span<char> buffer) const
 {

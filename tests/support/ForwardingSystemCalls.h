@@ -32,6 +32,7 @@ public:
                                             Descent descent) const override;
     SystemResult<FileDescriptor> openParent(int folder) const override;
     SystemResult<FileDescriptor> openRoot(const char *path) const override;
+    SystemResult<QByteArray> realPath(const char *path) const override;
     SystemResult<std::size_t> readEntries(int folder, std::span<char> buffer) const override;
     SystemResult<FileStatus> status(int parent, const char *name) const override;
     SystemResult<FileStatus> statusOf(int descriptor) const override;

@@ -2,6 +2,8 @@
 
 #include "app/DiskInfoViewController.h"
 #include "chart/PieChart.h"
+#include "largefiles/FileTableCellView.h"
+#include "largefiles/LargeFilesWindowController.h"
 #include "platform/SheetSlide.h"
 #include "platform/ViewAlpha.h"
 #include "prefs/COICOPopoverView.h"
@@ -108,6 +110,9 @@ bool Journey::hoverSlice(SliceKind kind)
 {
     FreeSpaceViewController &page = controller().freeSpacePage();
     const PieChart &chart = *page.pieChart();
+    // The pie does not look at the pointer while it moves itself.
+    if (!waitFor([&] { return !chart.isAnimating(); }))
+        return false;
     const QPoint position = chart.mapTo(&window(), middleOfSlice(indexOf(kind)));
     // The hand moves on until the slice answers: a first step may only take the pointer off a
     // button, or meet with the window system's own word on where the pointer is.
@@ -174,6 +179,46 @@ bool Journey::pressClean(const QString &answer)
 bool Journey::scanAgain()
 {
     return clickButton(*controller().finalPage().scanAgainButton());
+}
+
+LargeFilesWindowController &Journey::largeFiles() const
+{
+    return controller().freeSpacePage().largeFilesWindowController();
+}
+
+bool Journey::openLargeFiles()
+{
+    FreeSpaceViewController &page = controller().freeSpacePage();
+    clickInWindow(*page.pieChart(), middleOfSlice(indexOf(SliceKind::LargeFiles)));
+    return waitForSheet() && sheetPanel(window()) == largeFiles().window();
+}
+
+bool Journey::waitForSearch()
+{
+    return waitFor([this] { return !largeFiles().search().isRunning(); });
+}
+
+bool Journey::clickSizeButton(int row)
+{
+    const LargeFileList &list = largeFiles().array();
+    if (row >= list.rowCount())
+        return false;
+    QuickLookTableView &table = *largeFiles().tableView();
+    const bool wasAdded = list.fileAt(row).isAdded();
+    const QRect place = table.visualRect(list.index(row));
+    clickInWindow(*table.viewport(), FileTableCellView::addButtonRect(place).center());
+    return waitFor([&] { return list.fileAt(row).isAdded() != wasAdded; });
+}
+
+bool Journey::pressInLargeFiles(QWidget &button)
+{
+    return clickButton(button) && waitFor([this] { return !hasSheet(window()); });
+}
+
+void Journey::press(Qt::Key key)
+{
+    // To the window, as the window system does.
+    QTest::keyClick(window().windowHandle(), key);
 }
 
 QPixmap Journey::picture() const

@@ -6,6 +6,7 @@
 #include <QPixmap>
 #include <functional>
 
+class LargeFilesWindowController;
 class Popover;
 class ViewController;
 
@@ -43,6 +44,19 @@ public:
     /// Presses the clean button and answers the confirmation with this button.
     bool pressClean(const QString &answer);
     bool scanAgain();
+
+    /// Clicks "Large Files" and waits until its sheet hangs in full.
+    bool openLargeFiles();
+    /// Waits until the sheet says that the search is over.
+    bool waitForSearch();
+    /// Clicks the size button of the sheet's row, and drops the file when it is picked.
+    bool clickSizeButton(int row);
+    /// Ends the sheet with its add or its cancel button.
+    bool pressInLargeFiles(QWidget &button);
+    LargeFilesWindowController &largeFiles() const;
+
+    /// Presses a key, for whatever has the focus.
+    void press(Qt::Key key);
 
     QPixmap picture() const;
 

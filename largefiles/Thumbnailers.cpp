@@ -1,0 +1,164 @@
+#include "largefiles/Thumbnailers.h"
+
+#include <QDeadlineTimer>
+#include <QDir>
+#include <QFile>
+#include <QHash>
+#include <QImageReader>
+#include <QMimeDatabase>
+#include <QProcess>
+#include <QSet>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <csignal>
+#include <sys/resource.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr QLatin1String kGroup("[Thumbnailer Entry]");
+constexpr qint64 kLargestEntry = 64 * 1024;
+constexpr int kGlance = 20; // milliseconds between two looks at the program
+constexpr rlim_t kMostMemory = 4ULL << 30;
+constexpr rlim_t kLargestOutput = 64ULL << 20;
+constexpr rlim_t kMostProcessorSeconds = 30;
+
+QHash<QString, QString> valuesOf(const QString &entry)
+{
+    QHash<QString, QString> values;
+    QFile file(entry);
+    if (file.size() > kLargestEntry || !file.open(QIODevice::ReadOnly))
+        return values;
+    bool isInGroup = false;
+    for (const QString &line : QString::fromUtf8(file.readAll()).split(u'\n')) {
+        const QString text = line.trimmed();
+        if (text.startsWith(u'['))
+            isInGroup = text == kGroup;
+        else if (const qsizetype sign = text.indexOf(u'='); isInGroup && sign > 0)
+            values.insert(text.first(sign).trimmed(), text.mid(sign + 1).trimmed());
+    }
+    return values;
+}
+
+bool isInstalled(const QString &program)
+{
+    return !QStandardPaths::findExecutable(program).isEmpty();
+}
+
+/// All entries; one hides those of its name in the folders after its own.
+QStringList installedEntries()
+{
+    QStringList entries;
+    QSet<QString> names;
+    for (const QString &path : QStandardPaths::locateAll(QStandardPaths::GenericDataLocation,
+                                                         QStringLiteral("thumbnailers"),
+                                                         QStandardPaths::LocateDirectory)) {
+        const QDir folder(path);
+        for (const QString &name :
+             folder.entryList({QStringLiteral("*.thumbnailer")}, QDir::Files, QDir::Name)) {
+            if (!names.contains(name))
+                entries.append(folder.filePath(name));
+            names.insert(name);
+        }
+    }
+    return entries;
+}
+
+QString filledIn(const QString &argument, const QHash<QChar, QString> &fields)
+{
+    QString filled;
+    for (qsizetype i = 0; i < argument.size(); ++i) {
+        const bool isField = argument[i] == u'%' && i + 1 < argument.size();
+        filled += isField ? fields.value(argument[++i]) : QString(argument[i]);
+    }
+    return filled;
+}
+
+void limitItself()
+{
+    ::setpgid(0, 0); // so that it can be ended with all that it starts
+    const auto limit = [](auto resource, rlim_t value) {
+        const rlimit limits{value, value};
+        ::setrlimit(resource, &limits);
+    };
+    limit(RLIMIT_AS, kMostMemory);
+    limit(RLIMIT_FSIZE, kLargestOutput);
+    limit(RLIMIT_CPU, kMostProcessorSeconds);
+    limit(RLIMIT_CORE, 0);
+}
+
+bool runsToItsEnd(QProcess &process, const std::stop_token &stop, QDeadlineTimer deadline)
+{
+    process.setChildProcessModifier(&limitItself);
+    process.setStandardInputFile(QProcess::nullDevice());
+    process.setStandardOutputFile(QProcess::nullDevice());
+    process.setStandardErrorFile(QProcess::nullDevice());
+    process.start();
+    if (!process.waitForStarted())
+        return false;
+    const auto group = static_cast<pid_t>(-process.processId());
+    while (!process.waitForFinished(kGlance) && process.state() != QProcess::NotRunning) {
+        if (stop.stop_requested() || deadline.hasExpired()) {
+            ::kill(group, SIGKILL);
+            process.waitForFinished();
+            return false;
+        }
+    }
+    ::kill(group, SIGKILL); // what it left behind
+    return process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
+}
+
+} // namespace
+
+std::optional<Thumbnailer> readThumbnailer(const QString &entry)
+{
+    const QHash<QString, QString> values = valuesOf(entry);
+    const QString tried = values.value(QStringLiteral("TryExec"));
+    const Thumbnailer thumbnailer{
+        QProcess::splitCommand(values.value(QStringLiteral("Exec"))),
+        values.value(QStringLiteral("MimeType")).split(u';', Qt::SkipEmptyParts)};
+    if (thumbnailer.command.isEmpty() || thumbnailer.mimeTypes.isEmpty() ||
+        (!tried.isEmpty() && !isInstalled(tried)) || !isInstalled(thumbnailer.command.constFirst()))
+        return std::nullopt;
+    return thumbnailer;
+}
+
+std::optional<Thumbnailer> thumbnailerFor(const QString &mimeType)
+{
+    const QMimeType type = QMimeDatabase().mimeTypeForName(mimeType);
+    const QStringList names = type.aliases() + QStringList{type.name()};
+    for (const QString &entry : installedEntries()) {
+        const auto thumbnailer = readThumbnailer(entry);
+        if (!thumbnailer)
+            continue;
+        for (const QString &name : names) {
+            if (thumbnailer->mimeTypes.contains(name))
+                return thumbnailer;
+        }
+    }
+    return std::nullopt;
+}
+
+QImage pictureMadeBy(const Thumbnailer &thumbnailer, const FileUrl &file, int side,
+                     const std::stop_token &stop, std::chrono::milliseconds patience)
+{
+    const QTemporaryDir place;
+    if (!place.isValid() || stop.stop_requested())
+        return {};
+    const QString output = place.filePath(QStringLiteral("thumbnail.png"));
+    const QHash<QChar, QString> fields{{u'u', QString::fromLatin1(file.absoluteString())},
+                                       {u'i', QFile::decodeName(file.path())},
+                                       {u'o', output},
+                                       {u's', QString::number(side)},
+                                       {u'%', QStringLiteral("%")}};
+    QStringList arguments;
+    for (const QString &argument : thumbnailer.command.mid(1))
+        arguments.append(filledIn(argument, fields));
+    QProcess process;
+    process.setProgram(thumbnailer.command.constFirst());
+    process.setArguments(arguments);
+    process.setWorkingDirectory(place.path());
+    if (!runsToItsEnd(process, stop, QDeadlineTimer(patience)))
+        return {};
+    return QImageReader(output, "png").read();
+}
