@@ -143,6 +143,7 @@ void ColorWindow::setMenuBar(QMenuBar *bar)
                 &ColorWindow::showMenu);
     delete m_menu;
     m_menu = new WindowMenu(bar, this);
+    connect(m_menu, &QMenu::aboutToHide, this, [this] { m_menuButton->lookForPointer(); });
     if (m_menuButton)
         m_menuButton->show();
 }
