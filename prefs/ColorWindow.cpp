@@ -72,7 +72,7 @@ void ColorWindow::addButtons()
     m_closeButton = new WindowButton(WindowButtonKind::Close, m_frameView);
     m_minimizeButton = new WindowButton(WindowButtonKind::Minimize, m_frameView);
     m_menuButton = new WindowButton(WindowButtonKind::Menu, m_frameView);
-    m_menuButton->setVisible(m_menu);
+    m_menuButton->setVisible(m_menu != nullptr);
     connect(m_closeButton, &QAbstractButton::clicked, this, &QWidget::close);
     connect(m_minimizeButton, &QAbstractButton::clicked, this, &QWidget::showMinimized);
     connect(m_menuButton, &QAbstractButton::clicked, this, &ColorWindow::showMenu);
@@ -143,6 +143,7 @@ void ColorWindow::setMenuBar(QMenuBar *bar)
                 &ColorWindow::showMenu);
     delete m_menu;
     m_menu = new WindowMenu(bar, this);
+    connect(m_menu, &QMenu::aboutToHide, this, [this] { m_menuButton->lookForPointer(); });
     if (m_menuButton)
         m_menuButton->show();
 }

@@ -9,8 +9,8 @@ constexpr int kCornerLength = 10;
 
 Qt::CursorShape cursorFor(Qt::Edges edges)
 {
-    const bool isHorizontal = edges & (Qt::LeftEdge | Qt::RightEdge);
-    const bool isVertical = edges & (Qt::TopEdge | Qt::BottomEdge);
+    const bool isHorizontal = edges.testAnyFlags(Qt::LeftEdge | Qt::RightEdge);
+    const bool isVertical = edges.testAnyFlags(Qt::TopEdge | Qt::BottomEdge);
     if (!isVertical)
         return Qt::SizeHorCursor;
     if (!isHorizontal)
@@ -45,10 +45,10 @@ EdgeGrip::EdgeGrip(Qt::Edges edges, QWidget *parent) : QWidget(parent), m_edges(
 
 void EdgeGrip::place(QSize parent)
 {
-    const Span x =
-        spanOf(m_edges & Qt::LeftEdge, m_edges & Qt::RightEdge, parent.width(), kThickness);
-    const Span y =
-        spanOf(m_edges & Qt::TopEdge, m_edges & Qt::BottomEdge, parent.height(), kThickness);
+    const Span x = spanOf(m_edges.testFlag(Qt::LeftEdge), m_edges.testFlag(Qt::RightEdge),
+                          parent.width(), kThickness);
+    const Span y = spanOf(m_edges.testFlag(Qt::TopEdge), m_edges.testFlag(Qt::BottomEdge),
+                          parent.height(), kThickness);
     setGeometry(x.start, y.start, x.length, y.length);
 }
 

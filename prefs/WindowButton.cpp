@@ -50,6 +50,12 @@ QSize WindowButton::sizeHint() const
     return imageSize(baseName(m_kind));
 }
 
+void WindowButton::lookForPointer()
+{
+    setAttribute(Qt::WA_UnderMouse, rect().contains(mapFromGlobal(QCursor::pos())));
+    update();
+}
+
 QString WindowButton::imageName() const
 {
     const QString base = baseName(m_kind);

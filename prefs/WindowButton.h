@@ -17,6 +17,10 @@ public:
     /// Its own size.
     QSize sizeHint() const override;
 
+    /// Finds out anew whether the pointer is here. For when a popup closes: it takes the pointer
+    /// along without a word to the button that opened it.
+    void lookForPointer();
+
 protected:
     void paintEvent(QPaintEvent *event) override;
 

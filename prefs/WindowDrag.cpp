@@ -9,13 +9,13 @@ namespace {
 /// The window's size after the pointer took these edges so far along.
 QSize sizeAfter(QSize size, Qt::Edges edges, QPoint way)
 {
-    if (edges & Qt::LeftEdge)
+    if (edges.testFlag(Qt::LeftEdge))
         size.rwidth() -= way.x();
-    if (edges & Qt::RightEdge)
+    if (edges.testFlag(Qt::RightEdge))
         size.rwidth() += way.x();
-    if (edges & Qt::TopEdge)
+    if (edges.testFlag(Qt::TopEdge))
         size.rheight() -= way.y();
-    if (edges & Qt::BottomEdge)
+    if (edges.testFlag(Qt::BottomEdge))
         size.rheight() += way.y();
     return size;
 }
@@ -24,9 +24,9 @@ QSize sizeAfter(QSize size, Qt::Edges edges, QPoint way)
 QRect resized(const QRect &rect, Qt::Edges edges, QSize size)
 {
     QRect result(rect.topLeft(), size);
-    if (edges & Qt::LeftEdge)
+    if (edges.testFlag(Qt::LeftEdge))
         result.moveRight(rect.right());
-    if (edges & Qt::TopEdge)
+    if (edges.testFlag(Qt::TopEdge))
         result.moveBottom(rect.bottom());
     return result;
 }

@@ -6,15 +6,18 @@ namespace {
 
 constexpr int kGap = 4;
 
-/// Everything in a menu and its submenus that can be triggered.
-QList<QAction *> commandsOf(const QWidget &menu)
+/// Everything in a bar's menus and their submenus that can be triggered.
+QList<QAction *> commandsOf(const QMenuBar &bar)
 {
     QList<QAction *> commands;
-    for (QAction *action : menu.actions()) {
-        if (action->menu())
-            commands += commandsOf(*action->menu());
-        else if (!action->isSeparator())
-            commands.append(action);
+    QList<const QWidget *> menus{&bar};
+    while (!menus.isEmpty()) {
+        for (QAction *action : menus.takeFirst()->actions()) {
+            if (action->menu())
+                menus.append(action->menu());
+            else if (!action->isSeparator())
+                commands.append(action);
+        }
     }
     return commands;
 }

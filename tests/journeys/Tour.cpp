@@ -7,8 +7,11 @@
 #include "largefiles/PreviewPanel.h"
 #include "largefiles/TextButton.h"
 #include "platform/ByteCount.h"
+#include "platform/Sheet.h"
 #include "platform/ViewAlpha.h"
 #include "prefs/ColorWindow.h"
+#include "prefs/Popover.h"
+#include "tests/journeys/PreferencesJourney.h"
 #include "tests/support/Journey.h"
 #include "tests/support/SampleHome.h"
 #include "tests/support/ScratchEnvironment.h"
@@ -19,9 +22,12 @@
 #include <QDir>
 #include <QPainter>
 #include <QPainterPath>
+#include <QPointer>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTextBrowser>
 #include <QTextStream>
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -48,17 +54,41 @@ qint64 bytesPresent(const SampleHome &home)
     return bytes;
 }
 
+const QList<QByteArray> kExcluded{SampleHome::kKeep, "Documents/Thesis.odt",
+                                  "Library/Caches/no text \xff\xfe", "Pictures/2014"};
+
+bool isExcluded(const QByteArray &path)
+{
+    return std::ranges::any_of(kExcluded, [&path](const QByteArray &excluded) {
+        return path == excluded || path.startsWith(excluded + '/');
+    });
+}
+
 /// All that was made, but for what the cleaned slices take.
 QList<QByteArray> pathsToKeep(const SampleHome &home)
 {
     QList<QByteArray> paths = home.paths();
     for (const SliceKind kind : kCleaned) {
-        for (const QByteArray &path : home.pathsCleanedWith(indexOf(kind)))
-            paths.removeOne(path);
+        for (const QByteArray &path : home.pathsCleanedWith(indexOf(kind))) {
+            if (!isExcluded(path))
+                paths.removeOne(path);
+        }
     }
     for (const int row : kPickedRows)
         paths.removeOne(home.largeFiles()[row]);
     return paths;
+}
+
+/// The window as it is seen with a small window above it.
+QPixmap pictureWith(QWidget &window, QWidget &above)
+{
+    QPixmap picture = window.grab();
+    QPainter painter(&picture);
+    painter.translate(above.mapToGlobal(QPoint()) - window.mapToGlobal(QPoint()));
+    if (!above.mask().isEmpty())
+        painter.setClipRegion(above.mask());
+    painter.drawPixmap(0, 0, above.grab());
+    return picture;
 }
 
 /// A picture to look at: hills in the evening.
@@ -97,8 +127,9 @@ bool paintPanorama(const SampleHome &home)
 class Tour final
 {
 public:
-    Tour(Journey &journey, const SampleHome &home, const QString &pictures)
-        : m_journey(journey), m_home(home), m_pictures(pictures)
+    Tour(AppDelegate &application, Journey &journey, const SampleHome &home,
+         const QString &pictures)
+        : m_application(application), m_journey(journey), m_home(home), m_pictures(pictures)
     {
     }
 
@@ -106,9 +137,11 @@ public:
     {
         return step("grant the home folder", grant()) && step("see the disk", seeDisk()) &&
                step("measure the slices", measure()) && step("read the tutorial", readTutorial()) &&
+               step("exclude what must stay", exclude()) &&
                step("find large files", findLargeFiles()) && step("look into them", lookInside()) &&
                step("pick two", pickTwo()) && step("choose Downloads", choose()) &&
-               step("clean", clean()) && step("see what was freed", seeResult());
+               step("ask what it is", readPopover()) && step("clean", clean()) &&
+               step("see what was freed", seeResult());
     }
 
 private:
@@ -120,12 +153,14 @@ private:
         return isDone;
     }
 
-    void takePicture(const QString &name)
+    void takePicture(const QString &name) { savePicture(name, m_journey.picture()); }
+
+    void savePicture(const QString &name, const QPixmap &picture)
     {
         if (m_pictures.isEmpty())
             return;
         const QString file = QDir(m_pictures).filePath(name + QStringLiteral(".png"));
-        m_journey.picture().save(file);
+        picture.save(file);
         out() << "      picture: " << file << Qt::endl;
     }
 
@@ -161,7 +196,25 @@ private:
         if (!m_journey.waitForSheet())
             return false;
         takePicture(QStringLiteral("3-tutorial"));
+        QTest::keyClick(sheetPanel(m_journey.window())->findChild<QTextBrowser *>(), Qt::Key_End);
+        takePicture(QStringLiteral("3-tutorial-end"));
         return m_journey.declineTutorial();
+    }
+
+    bool exclude()
+    {
+        PreferencesJourney preferences(m_application, m_journey);
+        QList<QByteArray> paths;
+        for (const QByteArray &path : kExcluded)
+            paths.append(m_home.path(path));
+        if (!preferences.open() || !preferences.add(paths.takeFirst()) ||
+            !preferences.drop(paths) ||
+            !preferences.waitForRows(static_cast<int>(kExcluded.size())) ||
+            !preferences.waitForSizes())
+            return false;
+        preferences.select({0});
+        savePicture(QStringLiteral("preferences"), preferences.picture());
+        return preferences.close();
     }
 
     bool choose()
@@ -171,6 +224,16 @@ private:
             return false;
         takePicture(QStringLiteral("7-slices"));
         return true;
+    }
+
+    bool readPopover()
+    {
+        QPointer<Popover> popover = m_journey.openPopover();
+        if (!popover)
+            return false;
+        savePicture(QStringLiteral("popover"), pictureWith(m_journey.window(), *popover));
+        QTest::keyClick(popover->windowHandle(), Qt::Key_Escape);
+        return QTest::qWaitFor([&] { return !popover; });
     }
 
     bool findLargeFiles()
@@ -231,6 +294,7 @@ private:
         return m_home.presentPaths() == pathsToKeep(m_home);
     }
 
+    AppDelegate &m_application;
     Journey &m_journey;
     const SampleHome &m_home;
     QString m_pictures;
@@ -268,7 +332,7 @@ int main(int argc, char **argv)
     AppDelegate delegate({.realHomeDirectory = [&home] { return home.path(); }});
     delegate.applicationDidFinishLaunching();
     Journey journey(delegate);
-    const bool isDone = Tour(journey, home, pictures).take();
+    const bool isDone = Tour(delegate, journey, home, pictures).take();
     delegate.applicationWillTerminate();
     return isDone ? 0 : 1;
 }

@@ -86,6 +86,7 @@ private Q_SLOTS:
     void closesAndMinimises();
     void hasSquareCornersOnTheWholeScreen();
     void showsItsMenuBehindAButton();
+    void noticesThatThePointerLeftTheMenusButton();
     void isTheRootOfAnInterfaceDescription();
 
 private:
@@ -310,6 +311,26 @@ void TestColorWindow::showsItsMenuBehindAButton()
         QVERIFY(menu);
         QVERIFY(menu->actions().contains(quit));
         menu->close();
+    }
+}
+
+void TestColorWindow::noticesThatThePointerLeftTheMenusButton()
+{
+    const auto window = shown();
+    auto *bar = new QMenuBar;
+    bar->addMenu(QStringLiteral("File"))->addAction(QStringLiteral("Quit"));
+    window->setMenuBar(bar);
+    WindowButton &button = *window->menuButton();
+    for (const bool stays : {true, false}) {
+        QTest::mouseMove(&button, button.rect().center());
+        QTRY_VERIFY(button.underMouse());
+        QTest::mouseClick(&button, Qt::LeftButton);
+        QWidget *menu = QApplication::activePopupWidget();
+        QVERIFY(menu);
+        if (!stays)
+            QTest::mouseMove(menu, {5, 100}); // while the menu has the pointer
+        menu->close();
+        QCOMPARE(button.underMouse(), stays);
     }
 }
 

@@ -1,6 +1,8 @@
 #include "prefs/RoundedFrame.h"
 #include "tests/support/GuiTestMain.h"
 
+#include <QLineEdit>
+
 class TestRoundedFrame final : public QObject
 {
     Q_OBJECT
@@ -8,6 +10,7 @@ class TestRoundedFrame final : public QObject
 private Q_SLOTS:
     void paintsALineAroundItsFill();
     void takesOtherColours();
+    void showsTheFocusOfWhatItHolds();
 };
 
 namespace {
@@ -41,6 +44,23 @@ void TestRoundedFrame::takesOtherColours()
     const QImage image = pictureOf(frame);
     QCOMPARE(image.pixelColor(30, 20), QColor(Qt::yellow));
     QCOMPARE(image.pixelColor(30, 39), QColor(Qt::red));
+}
+
+void TestRoundedFrame::showsTheFocusOfWhatItHolds()
+{
+    QWidget window;
+    auto *frame = new RoundedFrame(&window);
+    frame->resize(60, 40);
+    auto *inside = new QLineEdit(frame);
+    auto *outside = new QLineEdit(&window);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowActive(&window));
+    inside->setFocus();
+    QCOMPARE(pictureOf(*frame).pixelColor(30, 39), frame->lineColor());
+    frame->setShowsFocus(true);
+    QCOMPARE(pictureOf(*frame).pixelColor(30, 39), frame->palette().color(QPalette::Highlight));
+    outside->setFocus();
+    QCOMPARE(pictureOf(*frame).pixelColor(30, 39), frame->lineColor());
 }
 
 VANTOR_GUI_TEST_MAIN(TestRoundedFrame)

@@ -15,6 +15,7 @@ private Q_SLOTS:
     void looksPaleWhileAnotherWindowIsActive();
     void showsItsColourUnderThePointer_data();
     void showsItsColourUnderThePointer();
+    void losesItsColourWhenThePointerLeavesTheWindow();
     void showsThatItIsPressed();
     void isSharpOnAFineScreen();
     void keepsTheFocusAway();
@@ -96,6 +97,18 @@ void TestWindowButton::showsItsColourUnderThePointer()
     QTRY_COMPARE(edgeColour(*button), colour);
     QTest::mouseMove(m_window.get(), {80, 50});
     QTRY_VERIFY(edgeColour(*button).saturation() < 20);
+}
+
+void TestWindowButton::losesItsColourWhenThePointerLeavesTheWindow()
+{
+    const auto button = add(WindowButtonKind::Close);
+    const QColor before = edgeColour(*button);
+    QTest::mouseMove(m_window.get(), {17, 17});
+    QTRY_VERIFY(edgeColour(*button) != before);
+    // In one leap, over no other place of the window.
+    QEvent leave(QEvent::Leave);
+    QCoreApplication::sendEvent(m_window->windowHandle(), &leave);
+    QCOMPARE(edgeColour(*button), before);
 }
 
 void TestWindowButton::showsThatItIsPressed()

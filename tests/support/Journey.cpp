@@ -6,7 +6,10 @@
 #include "largefiles/LargeFilesWindowController.h"
 #include "platform/SheetSlide.h"
 #include "platform/ViewAlpha.h"
+#include "prefs/COICOPopoverView.h"
 #include "prefs/ColorWindow.h"
+#include "prefs/Popover.h"
+#include "slices/SliceHoverButtons.h"
 #include "tests/support/SheetDriver.h"
 #include "widgets/ImageButton.h"
 #include "widgets/StartButton.h"
@@ -94,20 +97,46 @@ bool Journey::clickSlice(SliceKind kind)
 {
     FreeSpaceViewController &page = controller().freeSpacePage();
     const bool wasOn = page.selection().record(kind).isOn();
-    clickInWindow(*page.pieChart(), middleOfSlice(indexOf(kind)));
+    tapSlice(kind);
     return waitFor([&] { return page.selection().record(kind).isOn() != wasOn; });
+}
+
+void Journey::tapSlice(SliceKind kind)
+{
+    clickInWindow(*controller().freeSpacePage().pieChart(), middleOfSlice(indexOf(kind)));
 }
 
 bool Journey::hoverSlice(SliceKind kind)
 {
-    PieChart &chart = *controller().freeSpacePage().pieChart();
+    FreeSpaceViewController &page = controller().freeSpacePage();
+    const PieChart &chart = *page.pieChart();
     // The pie does not look at the pointer while it moves itself.
     if (!waitFor([&] { return !chart.isAnimating(); }))
         return false;
     const QPoint position = chart.mapTo(&window(), middleOfSlice(indexOf(kind)));
-    for (const QPoint beside : {QPoint(1, 1), QPoint()}) // to where it is would be no move
-        QTest::mouseMove(window().windowHandle(), position + beside);
-    return waitFor([&] { return chart.findChild<ImageButton *>()->isVisible(); });
+    // The hand moves on until the slice answers: a first step may only take the pointer off a
+    // button, or meet with the window system's own word on where the pointer is.
+    int step = 0;
+    return waitFor([&] {
+        const SliceHoverButtons &buttons = *page.hoverButtons();
+        if (buttons.currentHoverIndex() == indexOf(kind) && buttons.infoButton()->isVisible())
+            return true;
+        QTest::mouseMove(window().windowHandle(), position + QPoint(step++ % 2, 0));
+        return false;
+    });
+}
+
+Popover *Journey::openPopover()
+{
+    const auto popover = [this] { return window().findChild<Popover *>(); };
+    const auto isShown = [&] {
+        return popover() && popover()->isVisible() &&
+               alphaValue(*popover()->content().parentWidget()) == 1;
+    };
+    if (!clickButton(*controller().freeSpacePage().hoverButtons()->infoButton()) ||
+        !waitFor(isShown))
+        return nullptr;
+    return popover();
 }
 
 bool Journey::waitForMeasures()

@@ -7,6 +7,7 @@
 #include <functional>
 
 class LargeFilesWindowController;
+class Popover;
 class ViewController;
 
 /// A user at the real window: looks where things are, moves the mouse there, presses keys, and
@@ -26,10 +27,15 @@ public:
     bool chooseHome(const QByteArray &path);
     bool pressStart();
 
-    /// Clicks the slice where it is painted.
+    /// Clicks the slice where it is painted, and waits for it to change.
     bool clickSlice(SliceKind kind);
+    /// Clicks there, whatever comes of it.
+    void tapSlice(SliceKind kind);
     /// Moves the pointer over the slice.
     bool hoverSlice(SliceKind kind);
+    /// Presses the button that explains the slice under the pointer; null when nothing opens. The
+    /// popover stays until it is closed, and is shown in full.
+    Popover *openPopover();
     bool waitForMeasures();
     /// Waits until a sheet hangs in full.
     bool waitForSheet();

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "app/AppDelegate.h"
+#include "tests/support/Journey.h"
+#include "tests/support/PageFixture.h"
+#include "tests/support/SampleHome.h"
+
+#include <memory>
+
+/// The real program on a made home folder, and a user before it. It can be started anew with the
+/// settings that it left. Ends quietly: no work of the program's outlives it.
+class JourneyFixture final
+{
+public:
+    /// Whether the user has declined the tutorial before the program starts.
+    enum class Tutorial { Declined, Shown };
+
+    JourneyFixture() : m_home(m_place), m_workspace(std::make_shared<RecordingWorkspace>()) {}
+    ~JourneyFixture() { quit(); }
+    JourneyFixture(const JourneyFixture &) = delete;
+    JourneyFixture &operator=(const JourneyFixture &) = delete;
+
+    void start(Tutorial tutorial = Tutorial::Declined);
+    /// Ends the program and waits for what it still does.
+    void quit();
+
+    /// From the first page that is shown to the slices, each of them measured.
+    bool reachSlices();
+
+    /// What there is of the home after these slices were cleaned and nothing was excluded, sorted.
+    QList<QByteArray> keptAfter(const QList<SliceKind> &cleaned) const;
+
+    /// Those of the made paths that are, or lie below, one of these.
+    QList<QByteArray> pathsAt(const QList<QByteArray> &tops) const;
+
+    const ScratchFolder &place() const { return m_place; }
+    const SampleHome &home() const { return m_home; }
+    AppDelegate &application() { return *m_application; }
+    RecordingWorkspace &workspace() { return *m_workspace; }
+    Journey &journey() { return *m_journey; }
+    FreeSpaceViewController &slicesPage() { return m_journey->controller().freeSpacePage(); }
+
+private:
+    ScratchFolder m_place;
+    SampleHome m_home;
+    std::shared_ptr<RecordingWorkspace> m_workspace;
+    std::unique_ptr<AppDelegate> m_application;
+    std::unique_ptr<Journey> m_journey;
+};
