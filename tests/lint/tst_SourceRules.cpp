@@ -110,6 +110,7 @@ QList<Sample> goodSamples()
         {"bare sleep", "tests/a.cpp", "QTest::qWait(9); // the clock's own tick\n"},
         {"bare sleep", "tests/a.cpp", "// The clock's own tick.\nQTest::qWait(9);\n"},
         {"left-over note", "slices/a.cpp", "const char *word = \"TODO\";\nint XXXL = 0;\n"},
+        {"skipped test", "tests/support/Administrator.h", "QSKIP(\"no rights\");\n"},
         {"module-prefixed include", "app/a.h", "#include <QtGlobal>\n#include \"a/b.h\"\n"},
         {"include beyond Qt Core", "engine.cpp", "#include <QString>\n#include <vector>\n"},
         {"include beyond Qt Core", "app/a.cpp", "#include <QWidget>\n"},
