@@ -126,7 +126,7 @@ std::optional<Thumbnailer> readThumbnailer(const QString &entry)
 std::optional<Thumbnailer> thumbnailerFor(const QString &mimeType)
 {
     const QMimeType type = QMimeDatabase().mimeTypeForName(mimeType);
-    const QStringList names = type.aliases() + QStringList{type.name()};
+    const QStringList names = QStringList{mimeType, type.name()} + type.aliases();
     for (const QString &entry : installedEntries()) {
         const auto thumbnailer = readThumbnailer(entry);
         if (!thumbnailer)
