@@ -91,6 +91,8 @@ void LargeFilesWindowController::connectTable()
             &LargeFilesWindowController::toggleSelectedRows);
     connect(m_tableView, &QuickLookTableView::selectionDidChange, this,
             &LargeFilesWindowController::tableViewSelectionDidChange);
+    for (const auto change : {&LargeFileList::rowsInserted, &LargeFileList::rowsRemoved})
+        connect(&m_array, change, this, &LargeFilesWindowController::showHint);
 }
 
 void LargeFilesWindowController::makeMenu()
@@ -233,13 +235,25 @@ void LargeFilesWindowController::tableViewSelectionDidChange()
         m_previewPanel->reloadData();
 }
 
+/// Instead of a picture, what there is to do.
+void LargeFilesWindowController::showHint()
+{
+    if (m_tableView->selectionModel()->hasSelection())
+        return;
+    m_imageView->setText(m_array.rowCount() > 0
+                             ? tr("Click a size to pick the file.\n\n"
+                                  "Select a file and press the space bar to look inside.")
+                             : QString());
+}
+
 /// The icon at once, and then what the file's content gives.
 void LargeFilesWindowController::showThumbnailOfRow(int row)
 {
     m_thumbnails.stop();
     if (row < 0) {
-        m_imageView->clear();
+        m_imageView->clear(); // an empty text would leave the picture
         m_placeLabel->clear();
+        showHint();
         Q_EMIT thumbnailShown();
         return;
     }
