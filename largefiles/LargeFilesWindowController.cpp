@@ -240,6 +240,7 @@ void LargeFilesWindowController::showHint()
 {
     if (m_tableView->selectionModel()->hasSelection())
         return;
+    m_imageView->setAlignment(Qt::AlignCenter);
     m_imageView->setText(m_array.rowCount() > 0
                              ? tr("Click a size to pick the file.\n\n"
                                   "Select a file and press the space bar to look inside.")
