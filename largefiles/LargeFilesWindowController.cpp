@@ -260,6 +260,7 @@ void LargeFilesWindowController::showThumbnailOfRow(int row)
     }
     const FileUrl file = m_array.fileAt(row).fileURL();
     const PictureSize size{m_imageView->size(), m_imageView->devicePixelRatioF()};
+    m_imageView->setAlignment(Qt::AlignHCenter | Qt::AlignBottom); // on the name of its folder
     m_imageView->setPixmap(
         imageNamed(m_icons.imageName(file.lastPathComponent()), size.scale, size.points));
     m_placeLabel->setText(m_placeLabel->fontMetrics().elidedText(
