@@ -97,7 +97,7 @@ QImage decodedPicture(GuardedFile &device, QSize pixels)
     const QSize size = reader.size();
     if (size.isEmpty() || qint64(size.width()) * size.height() > kMostPixels)
         return {};
-    const bool isTurned = reader.transformation() & QImageIOHandler::TransformationRotate90;
+    const bool isTurned = reader.transformation().testFlag(QImageIOHandler::TransformationRotate90);
     reader.setScaledSize(fitted(size, isTurned ? pixels.transposed() : pixels));
     const QImage image = reader.read();
     return device.hasGivenUp() ? QImage() : image;

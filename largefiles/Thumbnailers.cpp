@@ -15,7 +15,7 @@
 namespace {
 
 constexpr QLatin1String kGroup("[Thumbnailer Entry]");
-constexpr qint64 kLargestEntry = 64 * 1024;
+constexpr qint64 kLargestEntry = 64LL * 1024;
 
 QHash<QString, QString> valuesOf(const QString &entry)
 {
