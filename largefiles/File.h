@@ -3,13 +3,14 @@
 #include "platform/FileUrl.h"
 
 #include <optional>
+#include <utility>
 
 /// One file or folder as a table shows it: a file that the search found, or an entry of the
 /// excluded paths. Its icon is looked up where it is shown. A plain record; one thread at a time.
 class File final
 {
 public:
-    explicit File(const FileUrl &fileURL) : m_fileURL(fileURL) {}
+    explicit File(FileUrl fileURL) : m_fileURL(std::move(fileURL)) {}
 
     const FileUrl &fileURL() const { return m_fileURL; }
     /// The preview shows the file itself.

@@ -21,8 +21,8 @@ struct FileReading
 /// How much may be spent on looking into one file.
 struct ReadingLimits
 {
-    qint64 bytes = 512LL * 1024 * 1024;   ///< read all in all
-    std::chrono::milliseconds time{4000}; ///< from the opening on
+    qint64 bytes = 512LL * 1024 * 1024;                       ///< read all in all
+    std::chrono::milliseconds time = std::chrono::seconds(4); ///< from the opening on
 };
 
 /// A file whose content nobody vouches for, as a device for decoders: reads fail once the limits

@@ -18,6 +18,14 @@ int LargeFileList::rowCount(const QModelIndex &parent) const
     return parent.isValid() ? 0 : static_cast<int>(m_files.size());
 }
 
+/// What the row's icon, name and button say to the eye.
+QString LargeFileList::accessibleText(const File &file)
+{
+    const QString text =
+        file.isAdded() ? tr("%1, %2, picked", "name, size") : tr("%1, %2", "name, size");
+    return text.arg(file.name(), file.sizeString().value_or(QString()));
+}
+
 QVariant LargeFileList::data(const QModelIndex &index, int role) const
 {
     if (!checkIndex(index, CheckIndexOption::IndexIsValid))
@@ -28,6 +36,8 @@ QVariant LargeFileList::data(const QModelIndex &index, int role) const
         return file.name();
     case Qt::ToolTipRole:
         return file.fileURL().displayPath();
+    case Qt::AccessibleTextRole:
+        return accessibleText(file);
     case SizeStringRole:
         return file.sizeString().value_or(QString());
     case IsAddedRole:
@@ -113,7 +123,7 @@ void LargeFileList::toggle(int row)
 {
     File &file = *m_files[std::size_t(row)];
     file.setIsAdded(!file.isAdded());
-    Q_EMIT dataChanged(index(row), index(row), {IsAddedRole});
+    Q_EMIT dataChanged(index(row), index(row), {IsAddedRole, Qt::AccessibleTextRole});
     picksChanged();
 }
 
@@ -123,7 +133,7 @@ void LargeFileList::dropPicks()
         return;
     for (File *file : m_files)
         file->setIsAdded(false);
-    Q_EMIT dataChanged(index(0), index(rowCount() - 1), {IsAddedRole});
+    Q_EMIT dataChanged(index(0), index(rowCount() - 1), {IsAddedRole, Qt::AccessibleTextRole});
     picksChanged();
 }
 

@@ -36,7 +36,8 @@ public:
     ~LargeFileList() override;
 
     int rowCount(const QModelIndex &parent = {}) const override;
-    /// The name for Qt::DisplayRole, the path for Qt::ToolTipRole, and the roles above.
+    /// The name for Qt::DisplayRole, the path for Qt::ToolTipRole, name, size and whether it is
+    /// picked for Qt::AccessibleTextRole, and the roles above.
     QVariant data(const QModelIndex &index, int role) const override;
 
     const File &fileAt(int row) const { return *m_files[std::size_t(row)]; }
@@ -67,6 +68,7 @@ Q_SIGNALS:
     void sizeStringChanged();
 
 private:
+    static QString accessibleText(const File &file);
     void removeRun(std::size_t first, std::size_t end);
     void picksChanged();
     void takeSizes(const FileUrls &files, const QList<qint64> &sizes);

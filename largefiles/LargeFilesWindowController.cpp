@@ -7,12 +7,10 @@
 #include "largefiles/PreviewPanel.h"
 #include "largefiles/TextButton.h"
 #include "platform/Fonts.h"
-#include "platform/Images.h"
 #include "platform/InterfaceLoader.h"
 #include "platform/Sheet.h"
 #include "platform/Workspace.h"
 
-#include <QKeyEvent>
 #include <QLabel>
 #include <QMenu>
 #include <algorithm>
@@ -33,16 +31,6 @@ TextRun withText(TextRun style, const QString &text)
 {
     style.text = text;
     return style;
-}
-
-/// The folder that a file lies in, for people: from the home folder on.
-QString placeOf(const FileUrl &file, const FileUrl &home)
-{
-    QByteArray path = file.path();
-    path.truncate(path.lastIndexOf('/'));
-    if (path.startsWith(home.path() + '/'))
-        path.remove(0, home.path().size() + 1);
-    return QString::fromUtf8(path);
 }
 
 } // namespace
@@ -91,6 +79,8 @@ void LargeFilesWindowController::connectTable()
             &LargeFilesWindowController::toggleSelectedRows);
     connect(m_tableView, &QuickLookTableView::selectionDidChange, this,
             &LargeFilesWindowController::tableViewSelectionDidChange);
+    for (const auto change : {&LargeFileList::rowsInserted, &LargeFileList::rowsRemoved})
+        connect(&m_array, change, this, &LargeFilesWindowController::showHint);
 }
 
 void LargeFilesWindowController::makeMenu()
@@ -214,86 +204,4 @@ void LargeFilesWindowController::showInFinder()
     if (index.isValid())
         m_services.workspace.activateFileViewerSelectingUrls(
             {m_array.fileAt(index.row()).fileURL()});
-}
-
-/// Of several, the one that the user came to last.
-int LargeFilesWindowController::selectedRow() const
-{
-    const QList<int> rows = m_tableView->selectedRows();
-    const int current = m_tableView->currentIndex().row();
-    if (rows.isEmpty() || rows.contains(current))
-        return rows.isEmpty() ? -1 : current;
-    return rows.constLast();
-}
-
-void LargeFilesWindowController::tableViewSelectionDidChange()
-{
-    showThumbnailOfRow(selectedRow());
-    if (m_previewPanel && m_previewPanel->isVisible())
-        m_previewPanel->reloadData();
-}
-
-/// The icon at once, and then what the file's content gives.
-void LargeFilesWindowController::showThumbnailOfRow(int row)
-{
-    m_thumbnails.stop();
-    if (row < 0) {
-        m_imageView->clear();
-        m_placeLabel->clear();
-        Q_EMIT thumbnailShown();
-        return;
-    }
-    const FileUrl file = m_array.fileAt(row).fileURL();
-    const PictureSize size{m_imageView->size(), m_imageView->devicePixelRatioF()};
-    m_imageView->setPixmap(
-        imageNamed(m_icons.imageName(file.lastPathComponent()), size.scale, size.points));
-    m_placeLabel->setText(m_placeLabel->fontMetrics().elidedText(
-        tr("In %1").arg(placeOf(file, m_services.homeFolder)), Qt::ElideMiddle,
-        size.points.width()));
-    const FileReading reading{m_services.calls, m_services.access};
-    m_thumbnails.run([this, reading, file, size](const std::stop_token &stop) {
-        const QImage image =
-            imageWithPreviewOfFileAtPath(reading, file, size, ThumbnailMode::Icon, stop);
-        return [this, image] {
-            m_imageView->setPixmap(QPixmap::fromImage(image));
-            Q_EMIT thumbnailShown();
-        };
-    });
-}
-
-bool LargeFilesWindowController::didPressSpacebarForTableView(QuickLookTableView &)
-{
-    if (m_previewPanel && m_previewPanel->isVisible()) {
-        m_previewPanel->orderOut();
-        return true;
-    }
-    if (!m_previewPanel) {
-        m_previewPanel = new PreviewPanel({m_services.calls, m_services.access}, window());
-        m_previewPanel->setDataSource(this);
-        m_previewPanel->setDelegate(this);
-    }
-    m_previewPanel->makeKeyAndOrderFront();
-    m_previewPanel->reloadData();
-    return true;
-}
-
-int LargeFilesWindowController::numberOfPreviewItemsInPreviewPanel(PreviewPanel &)
-{
-    return static_cast<int>(m_tableView->selectedRows().size());
-}
-
-std::optional<File> LargeFilesWindowController::previewItemAtIndex(PreviewPanel &, int index)
-{
-    const QList<int> rows = m_tableView->selectedRows();
-    if (index < 0 || index >= rows.size())
-        return std::nullopt;
-    return m_array.fileAt(rows.at(index));
-}
-
-bool LargeFilesWindowController::handleEvent(PreviewPanel &, QEvent &event)
-{
-    if (event.type() != QEvent::KeyPress)
-        return false;
-    m_tableView->keyDown(static_cast<QKeyEvent *>(&event));
-    return true;
 }

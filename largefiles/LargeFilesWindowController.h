@@ -105,6 +105,7 @@ private:
     void toggleSelectedRows();
     void tableViewSelectionDidChange();
     void showThumbnailOfRow(int row);
+    void showHint();
     int selectedRow() const;
 
     Services m_services;

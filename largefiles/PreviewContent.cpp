@@ -45,6 +45,19 @@ PreviewContent::Kind lookInto(GuardedFile &file, const PreviewRequest &request,
     return PreviewContent::Kind::Facts;
 }
 
+/// What stands for a file that cannot be shown itself: a scene of a film, or the icon.
+QImage emblemOf(const FileReading &reading, const PreviewRequest &request, bool mayHavePicture,
+                const std::stop_token &stop)
+{
+    QImage image;
+    if (mayHavePicture)
+        image = pictureOfFile(reading, request.file, request.size.pixels(), stop);
+    if (image.isNull())
+        return iconOfFile(request.file, {QSize(kIconSide, kIconSide), request.size.scale});
+    image.setDevicePixelRatio(request.size.scale);
+    return image;
+}
+
 } // namespace
 
 PreviewContent readPreview(const FileReading &reading, const PreviewRequest &request,
@@ -55,12 +68,14 @@ PreviewContent readPreview(const FileReading &reading, const PreviewRequest &req
     const QString name = QString::fromUtf8(request.file.lastPathComponent());
     content.typeName =
         QMimeDatabase().mimeTypeForFile(name, QMimeDatabase::MatchExtension).comment();
+    bool isReadable = false;
     if (const auto file = GuardedFile::open(reading, request.file, stop)) {
         content.size = file->size();
         content.modified = file->modified();
         content.kind = lookInto(*file, request, content);
+        isReadable = !file->hasGivenUp();
     }
     if (content.image.isNull() && content.kind != PreviewContent::Kind::Text)
-        content.image = iconOfFile(request.file, {QSize(kIconSide, kIconSide), request.size.scale});
+        content.image = emblemOf(reading, request, isReadable, stop);
     return content;
 }

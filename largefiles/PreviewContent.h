@@ -34,7 +34,7 @@ struct PreviewContent
 };
 
 /// How much of a text is shown, in bytes.
-inline constexpr qint64 kPreviewedText = 64 * 1024;
+inline constexpr qint64 kPreviewedText = 64LL * 1024;
 
 /// Looks into the file, within limits (see imageWithPreviewOfFileAtPath()). Any thread but the main
 /// one.

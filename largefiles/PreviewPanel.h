@@ -23,8 +23,14 @@ class PreviewPanel final : public QWidget
 public:
     PreviewPanel(FileReading reading, QWidget *parent);
 
-    void setDataSource(WeakDelegate<PreviewPanelDataSource> source) { m_dataSource = source; }
-    void setDelegate(WeakDelegate<PreviewPanelDelegate> delegate) { m_delegate = delegate; }
+    void setDataSource(WeakDelegate<PreviewPanelDataSource> source)
+    {
+        m_dataSource = std::move(source);
+    }
+    void setDelegate(WeakDelegate<PreviewPanelDelegate> delegate)
+    {
+        m_delegate = std::move(delegate);
+    }
 
     /// Shows it, with the focus; what it shows comes with reloadData().
     void makeKeyAndOrderFront();

@@ -20,7 +20,7 @@ public:
     QuickLookTableViewDelegate *qlDelegate() const { return m_qlDelegate.get(); }
     void setQlDelegate(WeakDelegate<QuickLookTableViewDelegate> delegate)
     {
-        m_qlDelegate = delegate;
+        m_qlDelegate = std::move(delegate);
     }
 
     QMenu *menu() const { return m_menu; }

@@ -65,27 +65,6 @@ QImage newPicture(GuardedFile &device, const FileUrl &file, QSize pixels,
     return picture.isNull() ? pictureByProgram(file, pixels.width(), stop) : picture;
 }
 
-QImage pictureIn(const FileReading &reading, const FileUrl &file, QSize pixels,
-                 const std::stop_token &stop)
-{
-    const auto device = GuardedFile::open(reading, file, stop);
-    if (!device)
-        return {};
-    const int side = qMin(pixels.width(), pixels.height());
-    QImage picture = cachedThumbnail(file, device->modified(), side);
-    if (picture.isNull()) {
-        // In the cache's size, for all who come after, unless that is too small.
-        const int kept = qMax(cachedSide(side), qMax(pixels.width(), pixels.height()));
-        picture = newPicture(*device, file, {kept, kept}, stop);
-        if (kept == cachedSide(side))
-            cacheThumbnail(file, device->modified(), picture, side);
-    }
-    if (picture.isNull())
-        return {};
-    return picture.scaled(fitted(picture.size(), pixels), Qt::KeepAspectRatio,
-                          Qt::SmoothTransformation);
-}
-
 QImage asPrint(const QImage &picture, qreal scale)
 {
     QImage print(picture.size(), QImage::Format_ARGB32_Premultiplied);
@@ -118,10 +97,32 @@ QImage decodedPicture(GuardedFile &device, QSize pixels)
     const QSize size = reader.size();
     if (size.isEmpty() || qint64(size.width()) * size.height() > kMostPixels)
         return {};
-    const bool isTurned = reader.transformation() & QImageIOHandler::TransformationRotate90;
+    const bool isTurned = reader.transformation().testFlag(QImageIOHandler::TransformationRotate90);
     reader.setScaledSize(fitted(size, isTurned ? pixels.transposed() : pixels));
     const QImage image = reader.read();
     return device.hasGivenUp() ? QImage() : image;
+}
+
+QImage pictureOfFile(const FileReading &reading, const FileUrl &file, QSize pixels,
+                     const std::stop_token &stop)
+{
+    const AccessScope scope(reading.access);
+    const auto device = GuardedFile::open(reading, file, stop);
+    if (!device)
+        return {};
+    const int side = qMin(pixels.width(), pixels.height());
+    QImage picture = cachedThumbnail(file, device->modified(), side);
+    if (picture.isNull()) {
+        // In the cache's size, for all who come after, unless that is too small.
+        const int kept = qMax(cachedSide(side), qMax(pixels.width(), pixels.height()));
+        picture = newPicture(*device, file, {kept, kept}, stop);
+        if (kept == cachedSide(side))
+            cacheThumbnail(file, device->modified(), picture, side);
+    }
+    if (picture.isNull())
+        return {};
+    return picture.scaled(fitted(picture.size(), pixels), Qt::IgnoreAspectRatio,
+                          Qt::SmoothTransformation);
 }
 
 QImage iconOfFile(const FileUrl &file, PictureSize size)
@@ -146,8 +147,7 @@ QImage imageWithPreviewOfFileAtPath(const FileReading &reading, const FileUrl &f
 {
     if (!file.isValid() || size.pixels().isEmpty())
         return {};
-    const AccessScope scope(reading.access);
-    const QImage picture = pictureIn(reading, file, size.pixels(), stop);
+    const QImage picture = pictureOfFile(reading, file, size.pixels(), stop);
     if (stop.stop_requested())
         return {};
     if (picture.isNull())

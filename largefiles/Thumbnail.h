@@ -28,6 +28,10 @@ QImage imageWithPreviewOfFileAtPath(const FileReading &reading, const FileUrl &f
                                     PictureSize size, ThumbnailMode mode,
                                     const std::stop_token &stop = {});
 
+/// The same without the icon: null for a file without a picture.
+QImage pictureOfFile(const FileReading &reading, const FileUrl &file, QSize pixels,
+                     const std::stop_token &stop);
+
 /// What the device holds, decoded and fitted into `pixels`; a small picture stays small. Null for
 /// what is no picture, or one too large. Any thread.
 QImage decodedPicture(GuardedFile &device, QSize pixels);

@@ -55,18 +55,19 @@ QString cachePath(const CacheFolder &folder, const QByteArray &uri)
 const CacheFolder *folderFor(int side)
 {
     const auto fits = [side](const CacheFolder &folder) { return folder.side >= side; };
-    const auto folder = std::find_if(kFolders.begin(), kFolders.end(), fits);
+    const auto *const folder = std::find_if(kFolders.begin(), kFolders.end(), fits);
     return folder != kFolders.end() ? folder : &kFolders.back();
 }
 
-/// The user's own, with the folders above that are missing.
+/// Makes the folder and those above it that are missing, for the user alone.
 bool makePrivateFolder(const QString &path)
 {
     constexpr auto kPrivate = QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner;
-    const QFileInfo info(path);
-    if (info.isDir())
-        return true;
-    return makePrivateFolder(info.path()) && QDir().mkdir(path, kPrivate);
+    QStringList missing;
+    for (QString folder = path; !QFileInfo(folder).isDir(); folder = QFileInfo(folder).path())
+        missing.prepend(folder);
+    return std::all_of(missing.cbegin(), missing.cend(),
+                       [kPrivate](const QString &folder) { return QDir().mkdir(folder, kPrivate); });
 }
 
 } // namespace
@@ -84,11 +85,11 @@ QImage cachedThumbnail(const FileUrl &file, const QDateTime &modified, int side)
     };
     const CacheFolder *const first = folderFor(side);
     for (const CacheFolder *folder = first; folder != kFolders.end(); ++folder) {
-        if (const QImage image = read(*folder); !image.isNull())
+        if (QImage image = read(*folder); !image.isNull())
             return image;
     }
     for (const CacheFolder *folder = first; folder != kFolders.begin();) {
-        if (const QImage image = read(*--folder); !image.isNull())
+        if (QImage image = read(*--folder); !image.isNull())
             return image;
     }
     return {};

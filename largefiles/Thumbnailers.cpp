@@ -1,6 +1,7 @@
 #include "largefiles/Thumbnailers.h"
 
-#include <QDeadlineTimer>
+#include "platform/ConfinedProcess.h"
+
 #include <QDir>
 #include <QFile>
 #include <QHash>
@@ -10,18 +11,11 @@
 #include <QSet>
 #include <QStandardPaths>
 #include <QTemporaryDir>
-#include <csignal>
-#include <sys/resource.h>
-#include <unistd.h>
 
 namespace {
 
 constexpr QLatin1String kGroup("[Thumbnailer Entry]");
-constexpr qint64 kLargestEntry = 64 * 1024;
-constexpr int kGlance = 20; // milliseconds between two looks at the program
-constexpr rlim_t kMostMemory = 4ULL << 30;
-constexpr rlim_t kLargestOutput = 64ULL << 20;
-constexpr rlim_t kMostProcessorSeconds = 30;
+constexpr qint64 kLargestEntry = 64LL * 1024;
 
 QHash<QString, QString> valuesOf(const QString &entry)
 {
@@ -74,40 +68,6 @@ QString filledIn(const QString &argument, const QHash<QChar, QString> &fields)
     return filled;
 }
 
-void limitItself()
-{
-    ::setpgid(0, 0); // so that it can be ended with all that it starts
-    const auto limit = [](auto resource, rlim_t value) {
-        const rlimit limits{value, value};
-        ::setrlimit(resource, &limits);
-    };
-    limit(RLIMIT_AS, kMostMemory);
-    limit(RLIMIT_FSIZE, kLargestOutput);
-    limit(RLIMIT_CPU, kMostProcessorSeconds);
-    limit(RLIMIT_CORE, 0);
-}
-
-bool runsToItsEnd(QProcess &process, const std::stop_token &stop, QDeadlineTimer deadline)
-{
-    process.setChildProcessModifier(&limitItself);
-    process.setStandardInputFile(QProcess::nullDevice());
-    process.setStandardOutputFile(QProcess::nullDevice());
-    process.setStandardErrorFile(QProcess::nullDevice());
-    process.start();
-    if (!process.waitForStarted())
-        return false;
-    const auto group = static_cast<pid_t>(-process.processId());
-    while (!process.waitForFinished(kGlance) && process.state() != QProcess::NotRunning) {
-        if (stop.stop_requested() || deadline.hasExpired()) {
-            ::kill(group, SIGKILL);
-            process.waitForFinished();
-            return false;
-        }
-    }
-    ::kill(group, SIGKILL); // what it left behind
-    return process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
-}
-
 } // namespace
 
 std::optional<Thumbnailer> readThumbnailer(const QString &entry)
@@ -126,7 +86,7 @@ std::optional<Thumbnailer> readThumbnailer(const QString &entry)
 std::optional<Thumbnailer> thumbnailerFor(const QString &mimeType)
 {
     const QMimeType type = QMimeDatabase().mimeTypeForName(mimeType);
-    const QStringList names = type.aliases() + QStringList{type.name()};
+    const QStringList names = QStringList{mimeType, type.name()} + type.aliases();
     for (const QString &entry : installedEntries()) {
         const auto thumbnailer = readThumbnailer(entry);
         if (!thumbnailer)
@@ -154,11 +114,7 @@ QImage pictureMadeBy(const Thumbnailer &thumbnailer, const FileUrl &file, int si
     QStringList arguments;
     for (const QString &argument : thumbnailer.command.mid(1))
         arguments.append(filledIn(argument, fields));
-    QProcess process;
-    process.setProgram(thumbnailer.command.constFirst());
-    process.setArguments(arguments);
-    process.setWorkingDirectory(place.path());
-    if (!runsToItsEnd(process, stop, QDeadlineTimer(patience)))
+    if (!runConfined({thumbnailer.command.constFirst(), arguments, place.path(), patience}, stop))
         return {};
     return QImageReader(output, "png").read();
 }

@@ -5,7 +5,9 @@
 #include "tests/support/OpenAccess.h"
 #include "tests/support/ScratchFolder.h"
 
-#include <QSignalSpy>
+#include <QAbstractButton>
+#include <QPainter>
+#include <QPdfWriter>
 #include <QStringListModel>
 
 /// A table of files and a panel that previews its selected rows.
@@ -174,6 +176,80 @@ private Q_SLOTS:
         QVERIFY(!files.shown().image.isNull());
         files.press(Qt::Key_Down);
         QCOMPARE(files.shown().kind, PreviewContent::Kind::Missing);
+    }
+
+    void showsAPictureAsLargeAsThereIsRoom()
+    {
+        Files files({QStringLiteral("wide.png")});
+        QImage picture(3000, 1000, QImage::Format_RGB32);
+        picture.fill(Qt::darkGreen);
+        QVERIFY(picture.save(QFile::decodeName(files.folder.path("wide.png"))));
+        files.table.selectRow(0);
+        files.press(Qt::Key_Space);
+        QCOMPARE(files.shown().kind, PreviewContent::Kind::Picture);
+        const QSize room = files.panel.findChild<PreviewCard *>()->contentSize();
+        QCOMPARE(files.shown().image.width(), room.width());
+        const QImage shot = files.window.grab().toImage();
+        QCOMPARE(shot.pixelColor(shot.width() / 2, shot.height() / 2), QColor(Qt::darkGreen));
+    }
+
+    void turnsThePagesOfADocument()
+    {
+        Files files({QStringLiteral("two.pdf")});
+        QPdfWriter writer(QFile::decodeName(files.folder.path("two.pdf")));
+        QPainter painter(&writer);
+        painter.fillRect(0, 0, writer.width(), writer.height(), Qt::red);
+        writer.newPage();
+        painter.fillRect(0, 0, writer.width(), writer.height(), Qt::blue);
+        painter.end();
+        files.table.selectRow(0);
+        files.press(Qt::Key_Space);
+        if (files.shown().pageCount == 0) { // built without documents
+            QCOMPARE(files.shown().kind, PreviewContent::Kind::Text);
+            return;
+        }
+        const auto colour = [&] {
+            const QImage image = files.shown().image;
+            return image.pixelColor(image.rect().center());
+        };
+        QCOMPARE(colour(), QColor(Qt::red));
+        for (int press = 0; press < 2; ++press) { // the last page is the last
+            files.press(Qt::Key_PageDown);
+            QCOMPARE(colour(), QColor(Qt::blue));
+        }
+        files.press(Qt::Key_PageUp);
+        QCOMPARE(colour(), QColor(Qt::red));
+        QCOMPARE(files.table.selectedRows(), QList<int>{0});
+    }
+
+    void keepsTheMouseFromWhatItCovers()
+    {
+        Files files({QStringLiteral("a"), QStringLiteral("b")});
+        files.table.selectRow(1);
+        files.press(Qt::Key_Space);
+        const QPoint onFirstRow = files.table.mapTo(&files.window, QPoint(60, 20));
+        QTest::mouseClick(files.window.windowHandle(), Qt::LeftButton, {}, onFirstRow);
+        QCOMPARE(files.table.selectedRows(), QList<int>{1});
+        QCOMPARE(files.panel.geometry().bottomRight(), files.window.rect().bottomRight());
+        QTest::mouseClick(files.panel.findChild<QAbstractButton *>(), Qt::LeftButton);
+        QVERIFY(!files.panel.isVisible());
+        QVERIFY(files.table.hasFocus());
+    }
+
+    void givesUpWhatIsNoLongerWanted()
+    {
+        Files files({QStringLiteral("a"), QStringLiteral("b")});
+        files.write("a", "alpha");
+        files.write("b", "beta");
+        files.table.selectRow(0);
+        files.press(Qt::Key_Space);
+        files.press(Qt::Key_Down);
+        files.press(Qt::Key_Up);
+        files.press(Qt::Key_Down);
+        QCOMPARE(files.shown().text, QStringLiteral("beta"));
+        QCOMPARE(files.title(), QStringLiteral("b"));
+        files.press(Qt::Key_Space);
+        QVERIFY(!files.panel.content());
     }
 };
 

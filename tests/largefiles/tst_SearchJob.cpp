@@ -1,6 +1,7 @@
 #include "largefiles/FreshSizes.h"
 #include "largefiles/LargeFileList.h"
 #include "largefiles/SearchJob.h"
+#include "tests/largefiles/Gate.h"
 #include "tests/largefiles/SearchKit.h"
 #include "tests/support/TestMain.h"
 #include "tests/support/WatchedSystemCalls.h"
@@ -9,56 +10,8 @@
 #include <QSignalSpy>
 #include <QThread>
 #include <cerrno>
-#include <condition_variable>
-#include <mutex>
 
 namespace {
-
-/// A gate in the way of the calls about one name: the first of them waits there until it is let
-/// through.
-class Gate
-{
-public:
-    explicit Gate(QByteArray name)
-        : m_name(std::move(name)),
-          calls([this](int, WatchedCall, const char *about) { return passed(about); })
-    {
-    }
-
-    /// Waits until somebody stands at the gate.
-    void awaitArrival()
-    {
-        std::unique_lock lock(m_mutex);
-        m_changed.wait(lock, [this] { return m_hasArrived; });
-    }
-    void open()
-    {
-        const std::scoped_lock lock(m_mutex);
-        m_isOpen = true;
-        m_changed.notify_all();
-    }
-
-private:
-    int passed(const char *name)
-    {
-        std::unique_lock lock(m_mutex);
-        if (name != m_name || m_hasArrived)
-            return 0;
-        m_hasArrived = true;
-        m_changed.notify_all();
-        m_changed.wait(lock, [this] { return m_isOpen; });
-        return 0;
-    }
-
-    const QByteArray m_name;
-    std::mutex m_mutex;
-    std::condition_variable m_changed;
-    bool m_hasArrived = false;
-    bool m_isOpen = false;
-
-public:
-    const WatchedSystemCalls calls;
-};
 
 /// A home with a search and its list.
 struct Sheet

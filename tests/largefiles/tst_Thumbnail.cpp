@@ -68,6 +68,12 @@ private:
     bool isIcon(const FileUrl &file) const { return made(file) == iconOfFile(file, {kRoom, 1}); }
 
 private Q_SLOTS:
+    void initTestCase()
+    {
+        m_folder.makeFolder("shared"); // without thumbnail programs
+        m_folder.makeLink("shared/mime", "/usr/share/mime");
+        qputenv("XDG_DATA_DIRS", m_folder.path("shared"));
+    }
     void cleanup() { QCOMPARE(m_access.count(), 0); }
 
     void aPictureIsFittedIntoTheRoom()

@@ -1,0 +1,87 @@
+#include "largefiles/LatestTask.h"
+#include "tests/support/TestMain.h"
+
+#include <QTest>
+#include <atomic>
+#include <latch>
+
+namespace {
+
+void waitForStop(const std::stop_token &stop)
+{
+    while (!stop.stop_requested())
+        std::this_thread::yield();
+}
+
+} // namespace
+
+class LatestTaskTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void runsOnAThreadOfItsOwn()
+    {
+        LatestTask task;
+        std::atomic<std::thread::id> worked;
+        task.start([&](const std::stop_token &) { worked = std::this_thread::get_id(); });
+        QCOMPARE(task.threadCount(), 1);
+        QTRY_COMPARE(task.threadCount(), 0);
+        QVERIFY(worked.load() != std::this_thread::get_id());
+    }
+
+    void aNewerTaskStopsThoseBeforeItWithoutWaiting()
+    {
+        LatestTask task;
+        std::latch gate(1);
+        std::atomic<int> stopped = 0;
+        for (int i = 0; i < 3; ++i) {
+            task.start([&](const std::stop_token &stop) {
+                waitForStop(stop);
+                gate.wait(); // slow to heed it
+                ++stopped;
+            });
+        }
+        QCOMPARE(task.threadCount(), 3);
+        QCOMPARE(stopped.load(), 0);
+        task.stop();
+        gate.count_down();
+        QTRY_COMPARE(task.threadCount(), 0);
+        QCOMPARE(stopped.load(), 3);
+    }
+
+    void theLatestIsLeftInPeace()
+    {
+        LatestTask task;
+        std::latch begun(1), gate(1);
+        std::atomic<bool> wasStopped = true;
+        task.start(waitForStop);
+        task.start([&](const std::stop_token &stop) {
+            begun.count_down();
+            gate.wait();
+            wasStopped = stop.stop_requested();
+        });
+        begun.wait();
+        gate.count_down();
+        QTRY_COMPARE(task.threadCount(), 0);
+        QVERIFY(!wasStopped);
+    }
+
+    void theDestructorStopsAndWaits()
+    {
+        std::atomic<int> ended = 0;
+        {
+            LatestTask task;
+            for (int i = 0; i < 2; ++i) {
+                task.start([&](const std::stop_token &stop) {
+                    waitForStop(stop);
+                    ++ended;
+                });
+            }
+        }
+        QCOMPARE(ended.load(), 2);
+    }
+};
+
+VANTOR_TEST_MAIN(LatestTaskTest)
+#include "tst_LatestTask.moc"

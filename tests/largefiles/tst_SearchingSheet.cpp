@@ -1,0 +1,126 @@
+#include "app/UserDefaults.h"
+#include "largefiles/InterfaceClasses.h"
+#include "largefiles/LargeFilesWindowController.h"
+#include "largefiles/PreviewPanel.h"
+#include "largefiles/TextButton.h"
+#include "platform/InterfaceLoader.h"
+#include "platform/Workspace.h"
+#include "tests/largefiles/Gate.h"
+#include "tests/support/GuiTestMain.h"
+#include "tests/support/OpenAccess.h"
+#include "tests/support/ScratchFolder.h"
+#include "tests/support/SheetHost.h"
+
+#include <QElapsedTimer>
+#include <QLabel>
+
+namespace {
+
+/// The sheet over a window while the search stands at a gate in "Pictures", with two files
+/// found and one folder that nobody may read.
+struct HeldSheet
+{
+    HeldSheet()
+        : access(folder.path()),
+          defaults(QFile::decodeName(folder.path("settings")), hostSystemCalls()),
+          controller(loader, {defaults, gate.calls, access, workspace,
+                              FileUrl::fromPath(folder.path(), FileUrlKind::Folder)})
+    {
+        registerLargeFilesClasses(loader);
+        for (const char *name : {"Movies", "Movies/locked", "Pictures"})
+            folder.makeFolder(name);
+        folder.makeFile("Movies/summer.mkv", 300'000'000);
+        folder.makeFile("Movies/disk.iso", 200'000'000);
+        folder.makeFile("Pictures/scan.tiff", 250'000'000);
+        host.window.resize(860, 680);
+        controller.refreshData();
+        presentSheet(
+            host.window, *controller.window(), [this](int) { isDone = true; },
+            [this] { controller.cancel(); });
+        gate.awaitArrival();
+    }
+    ~HeldSheet() { gate.open(); }
+
+    QLabel &label(const char *name) const
+    {
+        return *controller.tableView()->window()->findChild<QLabel *>(QLatin1String(name));
+    }
+    QString status() const { return label("statusLabel").text(); }
+    int rowCount() { return controller.array().rowCount(); }
+
+    Gate gate{"scan.tiff", "locked"};
+    ScratchFolder folder;
+    OpenAccess access;
+    InterfaceLoader loader;
+    UserDefaults defaults;
+    Workspace workspace;
+    SheetHost host;
+    LargeFilesWindowController controller;
+    bool isDone = false;
+};
+
+} // namespace
+
+/// The sheet while its search is under way.
+class SearchingSheetTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void fillsAndSaysWhereItIs()
+    {
+        HeldSheet sheet;
+        QTRY_COMPARE(sheet.rowCount(), 2);
+        QTRY_COMPARE(sheet.status(),
+                     QStringLiteral("Searching Pictures…  ·  1 place could not be read"));
+        QVERIFY(sheet.label("statusLabel").toolTip().endsWith(QStringLiteral("/Movies/locked")));
+        sheet.gate.open();
+        QTRY_COMPARE(sheet.status(),
+                     QStringLiteral("3 files over 100 MB  ·  1 place could not be read"));
+        QCOMPARE(sheet.controller.array().fileAt(1).name(), QStringLiteral("scan.tiff"));
+    }
+
+    void tellsWhatThereIsToDoOnceThereAreRows()
+    {
+        HeldSheet sheet;
+        QTRY_COMPARE(sheet.rowCount(), 2);
+        QVERIFY(sheet.label("imageView").text().startsWith(QStringLiteral("Click a size")));
+        sheet.controller.tableView()->selectRow(0);
+        QCOMPARE(sheet.label("imageView").text(), QString());
+        sheet.controller.deleteData();
+        QCOMPARE(sheet.label("imageView").text(), QString());
+        QVERIFY(sheet.label("imageView").pixmap().isNull());
+    }
+
+    void mayBeUsedMeanwhile()
+    {
+        HeldSheet sheet;
+        QTRY_COMPARE(sheet.rowCount(), 2);
+        sheet.controller.tableView()->selectRow(1);
+        sheet.controller.addButtonPressed(1);
+        sheet.gate.open();
+        QTRY_COMPARE(sheet.rowCount(), 3);
+        // A row came in between: selection and pick stay with the file.
+        QCOMPARE(sheet.controller.tableView()->selectedRows(), QList<int>{2});
+        QVERIFY(sheet.controller.array().fileAt(2).isAdded());
+        QCOMPARE(sheet.controller.selectedURLs().size(), 1);
+    }
+
+    void closesAtOnceAndStopsTheSearch()
+    {
+        HeldSheet sheet;
+        QTRY_COMPARE(sheet.rowCount(), 2);
+        QElapsedTimer timer;
+        timer.start();
+        QTest::keyClick(sheet.host.window.windowHandle(), Qt::Key_Escape);
+        QVERIFY(!sheet.controller.search().isRunning());
+        QVERIFY(timer.elapsed() < 100);
+        sheet.gate.open();
+        QTRY_VERIFY(!sheet.controller.search().isAtWork());
+        QTRY_VERIFY(sheet.isDone);
+        QCOMPARE(sheet.rowCount(), 2); // what lay behind the gate was not looked at any more
+    }
+};
+
+VANTOR_GUI_TEST_MAIN(SearchingSheetTest)
+#include "tst_SearchingSheet.moc"
