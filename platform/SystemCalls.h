@@ -55,8 +55,9 @@ enum class Descent {
     AcrossMounts,
 };
 
-/// Every system call by which the engines and the settings writer touch the file system, behind
-/// one interface, so that tests can fail, watch or interleave each of them. Stateless; any thread.
+/// Every system call by which the engines and the settings writer touch the file system, or look
+/// at who else does, behind one interface, so that tests can fail, watch or interleave each of
+/// them. Stateless; any thread.
 /// Names are single components unless said otherwise, without NUL.
 class SystemCalls
 {
@@ -94,6 +95,19 @@ public:
 
     virtual SystemResult<void> removeFile(int parent, const char *name) const = 0;
     virtual SystemResult<void> removeFolder(int parent, const char *name) const = 0;
+    /// Sets the mode's lower twelve bits of what the descriptor holds open.
+    virtual SystemResult<void> setPermissions(int descriptor, std::uint16_t permissions) const = 0;
+
+    /// The bytes that a link holds.
+    virtual SystemResult<QByteArray> readLink(int parent, const char *name) const = 0;
+    /// Whether another process holds a record lock on any part of an open file.
+    virtual SystemResult<bool> isLocked(int file) const = 0;
+    /// Whether there is a process of this number, whoever's it is.
+    virtual bool isRunning(std::int64_t process) const = 0;
+    /// Whether the acting user runs a program of this name, as the process list shows it.
+    virtual bool isProgramRunning(const char *name) const = 0;
+    /// The name of this machine.
+    virtual QByteArray hostName() const = 0;
 
     /// Opens an existing file for reading.
     virtual SystemResult<FileDescriptor> openFile(int parent, const char *name) const = 0;

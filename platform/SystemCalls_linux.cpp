@@ -1,8 +1,10 @@
 #include "platform/DirectoryRecords.h"
+#include "platform/ProcessList.h"
 #include "platform/SystemCalls.h"
 
 #include <array>
 #include <cerrno>
+#include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <dirent.h>
@@ -14,6 +16,7 @@
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/sysmacros.h>
+#include <sys/utsname.h>
 #include <sys/vfs.h>
 #include <unistd.h>
 
@@ -260,6 +263,46 @@ public:
     SystemResult<void> removeFolder(int parent, const char *name) const override
     {
         return checked(::unlinkat(parent, name, AT_REMOVEDIR));
+    }
+
+    SystemResult<void> setPermissions(int descriptor, std::uint16_t permissions) const override
+    {
+        return checked(::fchmod(descriptor, permissions));
+    }
+
+    SystemResult<QByteArray> readLink(int parent, const char *name) const override
+    {
+        QByteArray text(PATH_MAX, Qt::Uninitialized);
+        const ssize_t size = ::readlinkat(parent, name, text.data(), text.size());
+        if (size < 0)
+            return lastError();
+        text.truncate(size);
+        return text;
+    }
+
+    SystemResult<bool> isLocked(int file) const override
+    {
+        struct flock wanted
+        {
+        };
+        wanted.l_type = F_WRLCK;
+        wanted.l_whence = SEEK_SET;
+        if (::fcntl(file, F_GETLK, &wanted) != 0)
+            return lastError();
+        return wanted.l_type != F_UNLCK;
+    }
+
+    bool isRunning(std::int64_t process) const override { return isProcessRunning(process); }
+
+    bool isProgramRunning(const char *name) const override
+    {
+        return isProgramRunningFor(::geteuid(), name);
+    }
+
+    QByteArray hostName() const override
+    {
+        utsname system{};
+        return ::uname(&system) == 0 ? QByteArray(system.nodename) : QByteArray();
     }
 
     SystemResult<FileDescriptor> openFile(int parent, const char *name) const override

@@ -111,6 +111,38 @@ SystemResult<void> ForwardingSystemCalls::removeFolder(int parent, const char *n
     return forwarded("removeFolder", [&] { return m_next.removeFolder(parent, name); });
 }
 
+SystemResult<void> ForwardingSystemCalls::setPermissions(int descriptor,
+                                                         std::uint16_t permissions) const
+{
+    return forwarded("setPermissions",
+                     [&] { return m_next.setPermissions(descriptor, permissions); });
+}
+
+SystemResult<QByteArray> ForwardingSystemCalls::readLink(int parent, const char *name) const
+{
+    return forwarded("readLink", [&] { return m_next.readLink(parent, name); });
+}
+
+SystemResult<bool> ForwardingSystemCalls::isLocked(int file) const
+{
+    return forwarded("isLocked", [&] { return m_next.isLocked(file); });
+}
+
+bool ForwardingSystemCalls::isRunning(std::int64_t process) const
+{
+    return m_next.isRunning(process);
+}
+
+bool ForwardingSystemCalls::isProgramRunning(const char *name) const
+{
+    return m_next.isProgramRunning(name);
+}
+
+QByteArray ForwardingSystemCalls::hostName() const
+{
+    return m_next.hostName();
+}
+
 SystemResult<FileDescriptor> ForwardingSystemCalls::openFile(int parent, const char *name) const
 {
     return forwarded("openFile", [&] { return m_next.openFile(parent, name); });

@@ -44,6 +44,12 @@ public:
     bool isInMemory(int folder) const override;
     SystemResult<void> removeFile(int parent, const char *name) const override;
     SystemResult<void> removeFolder(int parent, const char *name) const override;
+    SystemResult<void> setPermissions(int descriptor, std::uint16_t permissions) const override;
+    SystemResult<QByteArray> readLink(int parent, const char *name) const override;
+    SystemResult<bool> isLocked(int file) const override;
+    bool isRunning(std::int64_t process) const override;
+    bool isProgramRunning(const char *name) const override;
+    QByteArray hostName() const override;
     SystemResult<FileDescriptor> openFile(int parent, const char *name) const override;
     SystemResult<FileDescriptor> createFile(int parent, const char *name) const override;
     SystemResult<std::size_t> read(int file, std::span<char> buffer) const override;

@@ -1,0 +1,63 @@
+#include "platform/ProcessList.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <limits>
+#include <string>
+#include <sys/stat.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t kLongestName = 15; // what the kernel keeps of a process's name
+
+bool isProcessFolder(const fs::path &path)
+{
+    return path.filename().native().find_first_not_of("0123456789") == std::string::npos;
+}
+
+bool belongsTo(uid_t user, const fs::path &path)
+{
+    struct stat found
+    {
+    };
+    return ::stat(path.c_str(), &found) == 0 && found.st_uid == user;
+}
+
+std::string nameOf(const fs::path &process)
+{
+    std::string name;
+    std::ifstream comm(process / "comm");
+    std::getline(comm, name);
+    return name;
+}
+
+} // namespace
+
+bool isProcessRunning(std::int64_t process)
+{
+    if (process <= 0 || process > std::numeric_limits<pid_t>::max())
+        return false;
+    return ::kill(static_cast<pid_t>(process), 0) == 0 || errno == EPERM;
+}
+
+bool isProgramRunningFor(uid_t user, const char *name)
+{
+    const std::string wanted(name, std::min(std::strlen(name), kLongestName));
+    std::error_code error;
+    bool hasSeenAny = false;
+    for (fs::directory_iterator entry("/proc", error), end; !error && entry != end;
+         entry.increment(error)) {
+        if (!isProcessFolder(entry->path()))
+            continue;
+        hasSeenAny = true;
+        if (belongsTo(user, entry->path()) && nameOf(entry->path()) == wanted)
+            return true;
+    }
+    return error || !hasSeenAny;
+}

@@ -1,0 +1,6 @@
+#include "platform/SystemHomes.h"
+
+bool homesHaveALibrary()
+{
+    return false;
+}

@@ -1,0 +1,130 @@
+#include "platform/SystemCalls.h"
+#include "tests/support/Must.h"
+#include "tests/support/ScratchFolder.h"
+#include "tests/support/TestMain.h"
+
+#include <cerrno>
+#include <csignal>
+#include <fcntl.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+/// Another process, which does something and then waits to be ended.
+class OtherProcess final
+{
+public:
+    explicit OtherProcess(void (*work)(const char *), const char *argument)
+    {
+        int ready[2];
+        must(::pipe(ready) == 0, "a pipe");
+        m_process = ::fork();
+        must(m_process >= 0, "a process");
+        if (m_process == 0) {
+            work(argument);
+            must(::write(ready[1], "x", 1) == 1, "a sign that it is ready");
+            for (;;)
+                ::pause();
+        }
+        char sign = 0;
+        must(::read(ready[0], &sign, 1) == 1, "waiting for the other process");
+        ::close(ready[0]);
+        ::close(ready[1]);
+    }
+    ~OtherProcess() { end(); }
+    OtherProcess(const OtherProcess &) = delete;
+    OtherProcess &operator=(const OtherProcess &) = delete;
+
+    pid_t number() const { return m_process; }
+    void end()
+    {
+        if (m_process > 0) {
+            ::kill(m_process, SIGKILL);
+            ::waitpid(m_process, nullptr, 0);
+        }
+        m_process = 0;
+    }
+
+private:
+    pid_t m_process = 0;
+};
+
+void takeName(const char *name)
+{
+    ::prctl(PR_SET_NAME, name);
+}
+
+void takeLock(const char *path)
+{
+    const int file = ::open(path, O_RDWR | O_CLOEXEC);
+    struct flock lock
+    {
+    };
+    lock.l_type = F_WRLCK;
+    must(::fcntl(file, F_SETLK, &lock) == 0, "a lock");
+}
+
+} // namespace
+
+/// Who else is there: processes, and the locks that they hold.
+class TestProcessList final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void knowsWhichNumbersRun();
+    void knowsWhichProgramsRun();
+    void seesTheLocksOfOthers();
+    void readsALink();
+};
+
+void TestProcessList::knowsWhichNumbersRun()
+{
+    OtherProcess other(takeName, "other");
+    const pid_t number = other.number();
+    QVERIFY(hostSystemCalls().isRunning(::getpid()));
+    QVERIFY(hostSystemCalls().isRunning(number));
+    other.end();
+    QVERIFY(!hostSystemCalls().isRunning(number));
+    for (const std::int64_t none : {std::int64_t(0), std::int64_t(-1), std::int64_t(1) << 40})
+        QVERIFY(!hostSystemCalls().isRunning(none));
+}
+
+void TestProcessList::knowsWhichProgramsRun()
+{
+    QVERIFY(!hostSystemCalls().isProgramRunning("vantor-mailer"));
+    OtherProcess other(takeName, "vantor-mailer");
+    QVERIFY(hostSystemCalls().isProgramRunning("vantor-mailer"));
+    QVERIFY(!hostSystemCalls().isProgramRunning("vantor-mail"));
+    other.end();
+    QVERIFY(!hostSystemCalls().isProgramRunning("vantor-mailer"));
+}
+
+void TestProcessList::seesTheLocksOfOthers()
+{
+    const ScratchFolder place;
+    const QByteArray path = place.makeFile("lock");
+    const auto folder = hostSystemCalls().openRoot(place.path().constData());
+    const auto file = hostSystemCalls().openFile(folder->get(), "lock");
+    QVERIFY(!*hostSystemCalls().isLocked(file->get()));
+    OtherProcess other(takeLock, path.constData());
+    QVERIFY(*hostSystemCalls().isLocked(file->get()));
+    other.end();
+    QVERIFY(!*hostSystemCalls().isLocked(file->get()));
+}
+
+void TestProcessList::readsALink()
+{
+    const ScratchFolder place;
+    place.makeLink("lock", "host-\xff-12");
+    place.makeFile("file");
+    const auto folder = hostSystemCalls().openRoot(place.path().constData());
+    QCOMPARE(*hostSystemCalls().readLink(folder->get(), "lock"), QByteArray("host-\xff-12"));
+    QCOMPARE(hostSystemCalls().readLink(folder->get(), "file").error(), EINVAL);
+    QCOMPARE(hostSystemCalls().readLink(folder->get(), "none").error(), ENOENT);
+}
+
+VANTOR_TEST_MAIN(TestProcessList)
+#include "tst_ProcessList.moc"
