@@ -1,0 +1,246 @@
+#include "slices/FreedesktopSurvey.h"
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+constexpr std::size_t kLargestUserDirsFile = 64 * 1024;
+
+constexpr auto kHomeTrash = ".local/share/Trash";
+constexpr std::array kTrashFolders{"files", "info", "expunged"};
+
+/// The folders that a freedesktop home names in the user's language, and their plain names.
+struct NamedFolder
+{
+    const char *variable;
+    const char *plainName;
+};
+constexpr NamedFolder kDownloads{"XDG_DOWNLOAD_DIR", "Downloads"};
+
+/// In the order in which large files are looked for. Without a variable a folder has just the name.
+constexpr std::array kSearched{
+    NamedFolder{"XDG_DESKTOP_DIR", "Desktop"},
+    NamedFolder{"XDG_DOCUMENTS_DIR", "Documents"},
+    kDownloads,
+    NamedFolder{"", "Dropbox"},
+    NamedFolder{"XDG_VIDEOS_DIR", "Videos"},
+    NamedFolder{"XDG_MUSIC_DIR", "Music"},
+    NamedFolder{"XDG_PICTURES_DIR", "Pictures"},
+    NamedFolder{"XDG_PUBLICSHARE_DIR", "Public"},
+    NamedFolder{"", "Sites"},
+};
+constexpr NamedFolder kTemplates{"XDG_TEMPLATES_DIR", "Templates"};
+
+struct MailProgram
+{
+    const char *name;
+    const char *process;
+    const char *folder; ///< where attachments are put to be opened; never a store of mail
+};
+constexpr std::array kMailPrograms{
+    MailProgram{"Claws Mail", "claws-mail", ".claws-mail/mimetmp"},
+    MailProgram{"Sylpheed", "sylpheed", ".sylpheed-2.0/mimetmp"},
+};
+
+constexpr std::array kUpdateFolders{"iPad", "iPod", "iPhone"};
+
+bool isInside(const QByteArray &path, const QByteArray &folder)
+{
+    return path.startsWith(folder + '/');
+}
+
+bool isAtOrInside(const QByteArray &path, const QByteArray &folder)
+{
+    return path == folder || isInside(path, folder);
+}
+
+} // namespace
+
+FreedesktopSurvey::FreedesktopSurvey(const HomeReader &reader, const FileUrl &home,
+                                     const HomeEnvironment &environment)
+    : m_reader(reader), m_home(home), m_environment(environment)
+{
+}
+
+HomeLayout::Places FreedesktopSurvey::places()
+{
+    readUserDirs();
+    m_places.trashFolder = folderUrl(QByteArray(kHomeTrash) + "/files");
+    addTrash(kHomeTrash);
+    for (const char *pattern : {".var/app/*/data/Trash", "snap/*/common/.local/share/Trash",
+                                "snap/*/@current/.local/share/Trash"}) {
+        for (const QByteArray &trash : m_reader.foldersMatching(pattern))
+            addTrash(trash);
+    }
+    for (const char *pattern : {".cache", ".var/app/*/cache", "snap/*/common/.cache"})
+        addFolders(SliceKind::Cache, pattern);
+    for (const char *pattern :
+         {".local/share/xorg", ".npm/_logs", ".config/*/logs", ".local/share/*/logs",
+          ".local/state/*/logs", ".var/app/*/config/*/logs"})
+        addFolders(SliceKind::AppLogs, pattern);
+    for (const QByteArray device : kUpdateFolders) {
+        const QByteArray pattern = ".wine/drive_c/users/*/AppData/Roaming/Apple Computer/iTunes/" +
+                                   device + " Software Updates";
+        addFolders(SliceKind::OldIos, pattern.constData());
+    }
+    addMailDownloads();
+    addBrowserData();
+    addDownloads();
+    addTrashOfEnvironment();
+    addCacheOfEnvironment();
+    addSearchFolders();
+    return std::move(m_places);
+}
+
+void FreedesktopSurvey::readUserDirs()
+{
+    m_userDirs =
+        UserDirs::parse(m_reader.contentOf(".config/user-dirs.dirs", kLargestUserDirsFile));
+    const auto note = [this](const NamedFolder &folder) {
+        m_userFolders.append(folder.plainName);
+        if (const auto named = m_userDirs.folder(folder.variable, m_home.path()))
+            m_userFolders.append(*named);
+    };
+    for (const NamedFolder &folder : kSearched) {
+        if (QByteArray(folder.variable) != kDownloads.variable)
+            note(folder);
+    }
+    note(kTemplates);
+}
+
+void FreedesktopSurvey::addFolders(SliceKind kind, const char *pattern)
+{
+    for (const QByteArray &folder : m_reader.foldersMatching(pattern))
+        add(kind, folder);
+}
+
+void FreedesktopSurvey::addTrash(const QByteArray &trash)
+{
+    for (const char *name : kTrashFolders) {
+        const QByteArray folder = trash + '/' + name;
+        if (m_reader.hasFolder(folder))
+            add(SliceKind::Trash, folder);
+    }
+}
+
+void FreedesktopSurvey::addMailDownloads()
+{
+    for (const MailProgram &program : kMailPrograms) {
+        if (!m_reader.hasFolder(program.folder) || !add(SliceKind::MailDownloads, program.folder))
+            continue;
+        m_places.programs.push_back({QString::fromLatin1(program.name),
+                                     {ProgramLock::Style::ProcessName, program.process},
+                                     {folderUrl(program.folder)}});
+    }
+}
+
+void FreedesktopSurvey::addBrowserData()
+{
+    FileUrls &all = m_places.locations[indexOf(SliceKind::BrowserData)];
+    for (const FoundProgram &found : browserFiles(m_reader)) {
+        FileUrls files;
+        for (const QByteArray &path : found.paths) {
+            m_known.append(path);
+            files.append(m_home.appending(path, FileUrlKind::File));
+        }
+        all += files;
+        m_places.programs.push_back({found.program, found.lock, files});
+    }
+}
+
+/// The folder that the user named, unless it holds more than downloads; else the plain name.
+void FreedesktopSurvey::addDownloads()
+{
+    const auto named = m_userDirs.folder(kDownloads.variable, m_home.path());
+    const QByteArray folder =
+        named && mayBeDownloads(*named) ? *named : QByteArray(kDownloads.plainName);
+    if (mayBeDownloads(folder) && m_reader.hasFolder(folder))
+        add(SliceKind::Downloads, folder);
+}
+
+bool FreedesktopSurvey::mayBeDownloads(const QByteArray &path) const
+{
+    return !isAtOrInside(path, "snap") && !holdsUserFolder(path) && !touchesKnown(path);
+}
+
+void FreedesktopSurvey::addTrashOfEnvironment()
+{
+    const auto data = pathBelowHome(m_environment.dataHome, m_home.path());
+    if (!data)
+        return;
+    // A folder that just happens to bear the name has no book of what was thrown away.
+    const QByteArray trash = *data + "/Trash";
+    if (!m_reader.hasFolder(trash + "/files") || !m_reader.hasFolder(trash + "/info"))
+        return;
+    addTrash(trash);
+    m_places.trashFolder = folderUrl(trash + "/files");
+}
+
+/// A cache is emptied whole: the place must be called one, and must not be where the user keeps
+/// things, nor hold any of those places.
+void FreedesktopSurvey::addCacheOfEnvironment()
+{
+    const auto cache = pathBelowHome(m_environment.cacheHome, m_home.path());
+    if (!cache)
+        return;
+    const QByteArray name = cache->sliced(cache->lastIndexOf('/') + 1).toLower();
+    const bool isTheUsers = holdsUserFolder(*cache) || isInUserFolder(*cache);
+    if (name.contains("cache") && !isTheUsers && m_reader.hasFolder(*cache))
+        add(SliceKind::Cache, *cache);
+}
+
+/// None twice and none inside another, or its files would be listed twice.
+void FreedesktopSurvey::addSearchFolders()
+{
+    QByteArrayList folders;
+    for (const NamedFolder &folder : kSearched) {
+        const QByteArray path =
+            m_userDirs.folder(folder.variable, m_home.path()).value_or(folder.plainName);
+        if (!folders.contains(path))
+            folders.append(path);
+    }
+    for (const QByteArray &folder : folders) {
+        const auto isAround = [&](const QByteArray &other) { return isInside(folder, other); };
+        if (std::none_of(folders.begin(), folders.end(), isAround))
+            m_places.searchFolders.append(folderUrl(folder));
+    }
+}
+
+bool FreedesktopSurvey::add(SliceKind kind, const QByteArray &path)
+{
+    if (touchesKnown(path))
+        return false;
+    m_known.append(path);
+    m_places.locations[indexOf(kind)].append(folderUrl(path));
+    return true;
+}
+
+/// Whether the place is one of the locations, or lies in or around one.
+bool FreedesktopSurvey::touchesKnown(const QByteArray &path) const
+{
+    return std::any_of(m_known.begin(), m_known.end(), [&](const QByteArray &known) {
+        return isAtOrInside(path, known) || isInside(known, path);
+    });
+}
+
+bool FreedesktopSurvey::holdsUserFolder(const QByteArray &path) const
+{
+    return std::any_of(m_userFolders.begin(), m_userFolders.end(),
+                       [&](const QByteArray &folder) { return isAtOrInside(folder, path); });
+}
+
+bool FreedesktopSurvey::isInUserFolder(const QByteArray &path) const
+{
+    const QByteArrayList downloads{
+        kDownloads.plainName,
+        m_userDirs.folder(kDownloads.variable, m_home.path()).value_or(kDownloads.plainName)};
+    const auto holds = [&](const QByteArray &folder) { return isAtOrInside(path, folder); };
+    return std::any_of(m_userFolders.begin(), m_userFolders.end(), holds) ||
+           std::any_of(downloads.begin(), downloads.end(), holds);
+}
+
+FileUrl FreedesktopSurvey::folderUrl(const QByteArray &path) const
+{
+    return m_home.appending(path, FileUrlKind::Folder);
+}

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "slices/BrowserFiles.h"
+#include "slices/HomeSurvey.h"
+#include "slices/UserDirs.h"
+
+/// Finds the places of one freedesktop home. What has a fixed name comes first; what the user's own
+/// files and the environment name may then only add what lies neither in nor around anything that
+/// is known already. One thread.
+class FreedesktopSurvey final
+{
+public:
+    /// All must outlive it.
+    FreedesktopSurvey(const HomeReader &reader, const FileUrl &home,
+                      const HomeEnvironment &environment);
+
+    HomeLayout::Places places();
+
+private:
+    void readUserDirs();
+    void addFolders(SliceKind kind, const char *pattern);
+    void addTrash(const QByteArray &trash);
+    void addDownloads();
+    void addMailDownloads();
+    void addBrowserData();
+    void addTrashOfEnvironment();
+    void addCacheOfEnvironment();
+    void addSearchFolders();
+
+    bool add(SliceKind kind, const QByteArray &path);
+    bool touchesKnown(const QByteArray &path) const;
+    bool holdsUserFolder(const QByteArray &path) const;
+    bool isInUserFolder(const QByteArray &path) const;
+    bool mayBeDownloads(const QByteArray &path) const;
+    FileUrl folderUrl(const QByteArray &path) const;
+
+    const HomeReader &m_reader;
+    const FileUrl m_home;
+    const HomeEnvironment m_environment;
+    UserDirs m_userDirs;
+    /// Where the user keeps what nobody may take for something else; downloads are not among them.
+    QByteArrayList m_userFolders;
+    QByteArrayList m_known; ///< all folders that are locations already
+    HomeLayout::Places m_places;
+};

@@ -1,0 +1,70 @@
+#include "slices/HomeLayout.h"
+
+#include <QCoreApplication>
+
+namespace {
+
+QString tr(const char *text)
+{
+    return QCoreApplication::translate("HomeLayout", text);
+}
+
+} // namespace
+
+HomeLayout HomeLayout::withLibrary(const FileUrl &home)
+{
+    HomeLayout layout;
+    layout.m_home = home;
+    return layout;
+}
+
+HomeLayout HomeLayout::freedesktop(const FileUrl &home, Places places)
+{
+    HomeLayout layout;
+    layout.m_kind = HomeKind::Freedesktop;
+    layout.m_home = home;
+    layout.m_places = std::move(places);
+    return layout;
+}
+
+std::optional<FileUrls> HomeLayout::locations(SliceKind kind) const
+{
+    if (m_kind == HomeKind::Library)
+        return sliceLocations(kind, m_home);
+    if (kind == SliceKind::LargeFiles)
+        return std::nullopt;
+    return m_places.locations[indexOf(kind)];
+}
+
+QString HomeLayout::details(SliceKind kind) const
+{
+    if (m_kind == HomeKind::Freedesktop) {
+        switch (kind) {
+        case SliceKind::OldIos:
+            return tr("Every single iOS update that is downloaded from iTunes is stored in the "
+                      "folder of Wine.");
+        case SliceKind::MailDownloads:
+            return tr("Attachments downloaded in Claws Mail and Sylpheed are stored in your hard "
+                      "drive when they are opened.");
+        case SliceKind::BrowserData:
+            return tr("Removes browser data from Firefox, Chrome, Chromium, Brave, Edge and "
+                      "Vivaldi such as cookie files, the history of the latter five and what was "
+                      "typed into forms.");
+        default:
+            break;
+        }
+    }
+    return QString::fromUtf16(sliceCatalogue()[indexOf(kind)].details);
+}
+
+FileUrl HomeLayout::trashFolder() const
+{
+    return m_kind == HomeKind::Freedesktop ? m_places.trashFolder
+                                           : locations(SliceKind::Trash)->constLast();
+}
+
+bool HomeLayout::isInTrash(const FileUrl &location) const
+{
+    return m_kind == HomeKind::Freedesktop &&
+           m_places.locations[indexOf(SliceKind::Trash)].contains(location);
+}

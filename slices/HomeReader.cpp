@@ -1,0 +1,137 @@
+#include "slices/HomeReader.h"
+
+#include "slices/AnchoredFolder.h"
+
+#include <algorithm>
+
+namespace {
+
+QByteArray joined(const QByteArray &folder, const QByteArray &name)
+{
+    return folder.isEmpty() ? name : folder + '/' + name;
+}
+
+bool isPlainName(const QByteArray &name)
+{
+    return !name.isEmpty() && name != "." && name != ".." && !name.contains('/');
+}
+
+} // namespace
+
+HomeReader::HomeReader(const SystemCalls &calls, std::shared_ptr<const FileDescriptor> home)
+    : m_calls(calls), m_home(std::move(home)), m_space(kListingSpace)
+{
+}
+
+bool HomeReader::hasFolder(const QByteArray &path) const
+{
+    return open(path).has_value();
+}
+
+QByteArrayList HomeReader::foldersMatching(const QByteArray &pattern) const
+{
+    QByteArrayList found{QByteArray()};
+    for (const QByteArray &component : pattern.split('/')) {
+        QByteArrayList deeper;
+        for (const QByteArray &folder : found)
+            deeper += matchesIn(folder, component);
+        found = deeper;
+    }
+    found.removeIf([this](const QByteArray &folder) { return !hasFolder(folder); });
+    return found;
+}
+
+QByteArrayList HomeReader::filesAmong(const QByteArrayList &paths) const
+{
+    QByteArrayList files = paths;
+    files.removeIf([this](const QByteArray &path) {
+        const auto status = statusOf(path);
+        return !status || status->kind != FileKind::Regular;
+    });
+    return files;
+}
+
+std::optional<QByteArray> HomeReader::linkAt(const QByteArray &path) const
+{
+    const auto [around, name] = anchoredEntry({m_home, path});
+    const auto folder = open(around.relativePath);
+    if (!folder)
+        return std::nullopt;
+    const auto text = m_calls.readLink(folder->get(), name.constData());
+    return text ? std::optional(*text) : std::nullopt;
+}
+
+QByteArray HomeReader::contentOf(const QByteArray &path, std::size_t limit) const
+{
+    const auto [around, name] = anchoredEntry({m_home, path});
+    const auto folder = open(around.relativePath);
+    if (!folder)
+        return {};
+    const auto file = m_calls.openFile(folder->get(), name.constData());
+    const auto status = file ? m_calls.statusOf(file->get()) : tl::unexpected(file.error());
+    if (!status || status->kind != FileKind::Regular || status->size > limit)
+        return {};
+    QByteArray content(static_cast<qsizetype>(limit), Qt::Uninitialized);
+    std::size_t size = 0;
+    while (size < limit) {
+        const auto count =
+            m_calls.read(file->get(), std::span(content.data(), limit).subspan(size));
+        if (!count)
+            return {};
+        if (*count == 0)
+            break;
+        size += *count;
+    }
+    content.truncate(static_cast<qsizetype>(size));
+    return content;
+}
+
+SystemResult<FileDescriptor> HomeReader::open(const QByteArray &path) const
+{
+    return openAnchored(m_calls, {m_home, path}, Descent::Strict);
+}
+
+SystemResult<FileStatus> HomeReader::statusOf(const QByteArray &path) const
+{
+    const auto [around, name] = anchoredEntry({m_home, path});
+    const auto folder = open(around.relativePath);
+    if (!folder)
+        return tl::unexpected(folder.error());
+    return m_calls.status(folder->get(), name.constData());
+}
+
+/// Also what the file system does not tell the kind of: that comes out when it is opened.
+QByteArrayList HomeReader::foldersIn(const QByteArray &path) const
+{
+    QByteArrayList found;
+    const auto folder = open(path);
+    if (!folder)
+        return found;
+    const auto listing = FolderListing::ofFolder(m_calls, folder->get(), m_space);
+    if (!listing)
+        return found;
+    for (std::size_t i = 0; i < listing->size(); ++i) {
+        const FolderListing::Entry &entry = listing->at(i);
+        if (entry.kind == FileKind::Folder || entry.kind == FileKind::Unknown)
+            found.append(joined(path, listing->name(entry)));
+    }
+    std::sort(found.begin(), found.end());
+    return found;
+}
+
+QByteArrayList HomeReader::behindLink(const QByteArray &path, const QByteArray &name) const
+{
+    const std::optional<QByteArray> target = linkAt(joined(path, name));
+    if (!target)
+        return {joined(path, name)};
+    return isPlainName(*target) ? QByteArrayList{joined(path, *target)} : QByteArrayList();
+}
+
+QByteArrayList HomeReader::matchesIn(const QByteArray &path, const QByteArray &component) const
+{
+    if (component == "*")
+        return foldersIn(path);
+    if (component.startsWith('@'))
+        return behindLink(path, component.sliced(1));
+    return {joined(path, component)};
+}

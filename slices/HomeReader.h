@@ -1,0 +1,40 @@
+#pragma once
+
+#include "slices/FileAccess.h"
+#include "slices/FolderListing.h"
+
+#include <QByteArrayList>
+
+/// Looks into a granted home, to find out which of the places that programs use are there. Goes
+/// down from the home's descriptor, never through a link and never onto another file system. What
+/// it cannot read is not there. Paths are raw and relative to the home. One thread at a time, not
+/// the main one.
+class HomeReader final
+{
+public:
+    /// `home` is the granted folder, open. The calls must outlive the reader.
+    HomeReader(const SystemCalls &calls, std::shared_ptr<const FileDescriptor> home);
+
+    bool hasFolder(const QByteArray &path) const;
+    /// The folders that the pattern matches, sorted. A component "*" matches every name of one
+    /// folder that is there; a component "@name" is the folder of that name or, where that is a
+    /// link, the folder beside it to which the link leads.
+    QByteArrayList foldersMatching(const QByteArray &pattern) const;
+    /// Those of the paths, in their order, where a plain file is.
+    QByteArrayList filesAmong(const QByteArrayList &paths) const;
+    /// Where a link leads, by its own bytes; nothing where there is none.
+    std::optional<QByteArray> linkAt(const QByteArray &path) const;
+    /// The bytes of a plain file of no more than `limit` bytes; nothing for any other.
+    QByteArray contentOf(const QByteArray &path, std::size_t limit) const;
+
+private:
+    SystemResult<FileDescriptor> open(const QByteArray &path) const;
+    SystemResult<FileStatus> statusOf(const QByteArray &path) const;
+    QByteArrayList foldersIn(const QByteArray &path) const;
+    QByteArrayList behindLink(const QByteArray &path, const QByteArray &name) const;
+    QByteArrayList matchesIn(const QByteArray &path, const QByteArray &component) const;
+
+    const SystemCalls &m_calls;
+    std::shared_ptr<const FileDescriptor> m_home;
+    mutable std::vector<char> m_space;
+};

@@ -1,0 +1,112 @@
+#include "slices/ProgramsInUse.h"
+
+#include "slices/AnchoredFolder.h"
+
+#include <algorithm>
+#include <cerrno>
+
+namespace {
+
+using Style = ProgramLock::Style;
+
+enum class Answer { Running, NotRunning };
+
+/// What an error says of a lock: it is not there, or it cannot be told.
+Answer answerTo(int error)
+{
+    return error == ENOENT ? Answer::NotRunning : Answer::Running;
+}
+
+Answer answerFor(bool isRunning)
+{
+    return isRunning ? Answer::Running : Answer::NotRunning;
+}
+
+/// "host-process": the process means something on that host alone, and in a sandbox nothing.
+Answer judgedHostLink(const SystemCalls &calls, const QByteArray &text, Style style)
+{
+    const qsizetype dash = text.lastIndexOf('-');
+    bool isNumber = false;
+    const qint64 process = text.sliced(dash + 1).toLongLong(&isNumber);
+    if (style == Style::SandboxedHostLink || dash < 0 || !isNumber || process <= 0 ||
+        text.first(dash) != calls.hostName())
+        return Answer::Running;
+    return answerFor(calls.isRunning(process));
+}
+
+/// "address:+process". Without the plus the program had no lock on the file, for want of a file
+/// system that gives one; such a home may be in use from another machine.
+Answer judgedAddressLink(const SystemCalls &calls, const QByteArray &text)
+{
+    const qsizetype mark = text.lastIndexOf(":+");
+    bool isNumber = false;
+    const qint64 process = mark < 0 ? 0 : text.sliced(mark + 2).toLongLong(&isNumber);
+    return answerFor(!isNumber || process <= 0 || calls.isRunning(process));
+}
+
+Answer askHostLink(const SystemCalls &calls, int folder, Style style)
+{
+    const auto text = calls.readLink(folder, "SingletonLock");
+    return text ? judgedHostLink(calls, *text, style) : answerTo(text.error());
+}
+
+Answer askParentLock(const SystemCalls &calls, int folder)
+{
+    const auto file = calls.openFile(folder, ".parentlock");
+    if (!file && file.error() != ENOENT)
+        return Answer::Running;
+    if (file && calls.isLocked(file->get()).value_or(true))
+        return Answer::Running;
+    const auto text = calls.readLink(folder, "lock");
+    return text ? judgedAddressLink(calls, *text) : answerTo(text.error());
+}
+
+Answer ask(const SystemCalls &calls, const AnchoredPath &home, const ProgramLock &lock)
+{
+    if (lock.style == Style::ProcessName)
+        return answerFor(calls.isProgramRunning(lock.place.constData()));
+    const auto folder = openAnchored(calls, {home.anchor, lock.place}, Descent::Strict);
+    if (!folder)
+        return answerTo(folder.error());
+    return lock.style == Style::ParentLock ? askParentLock(calls, folder->get())
+                                           : askHostLink(calls, folder->get(), lock.style);
+}
+
+} // namespace
+
+ProgramsInUse ProgramsInUse::find(const SystemCalls &calls, const FileAccess &access,
+                                  const HomeLayout &layout)
+{
+    ProgramsInUse found;
+    const auto home = access.anchoredPath(layout.home());
+    if (!home || !home->anchor)
+        return found; // nothing can be cleaned there either
+    for (const ProgramFiles &program : layout.programs()) {
+        if (ask(calls, *home, program.lock) == Answer::Running)
+            found.m_programs.append({program.program, program.places});
+    }
+    return found;
+}
+
+FileUrls ProgramsInUse::without(const FileUrls &locations) const
+{
+    FileUrls rest = locations;
+    rest.removeIf([this](const FileUrl &location) {
+        return std::any_of(m_programs.begin(), m_programs.end(), [&](const Program &program) {
+            return program.places.contains(location);
+        });
+    });
+    return rest;
+}
+
+QStringList ProgramsInUse::programs(const FileUrls &locations) const
+{
+    QStringList names;
+    for (const Program &program : m_programs) {
+        const auto isKept = [&](const FileUrl &place) { return locations.contains(place); };
+        if (std::any_of(program.places.begin(), program.places.end(), isKept))
+            names.append(program.name);
+    }
+    names.removeDuplicates();
+    return names;
+}

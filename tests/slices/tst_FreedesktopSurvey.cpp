@@ -1,0 +1,155 @@
+#include "tests/slices/HomeKit.h"
+#include "tests/support/TestMain.h"
+
+/// What the user's own file and the environment may add to a home, and what they may not.
+class TestFreedesktopSurvey final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void takesDownloadsFromTheUsersFile_data();
+    void takesDownloadsFromTheUsersFile();
+    void takesLittleFromTheEnvironment_data();
+    void takesLittleFromTheEnvironment();
+    void searchesTheUsersFolders_data();
+    void searchesTheUsersFolders();
+};
+
+void TestFreedesktopSurvey::takesDownloadsFromTheUsersFile_data()
+{
+    QTest::addColumn<QByteArray>("lines");
+    QTest::addColumn<QByteArray>("folder");
+    const auto row = [](const char *name, const QByteArray &lines, const QByteArray &folder) {
+        QTest::newRow(name) << lines << folder;
+    };
+    const auto download = [](const QByteArray &value) {
+        return "XDG_DOWNLOAD_DIR=\"" + value + "\"\n";
+    };
+    row("Japanese", download("$HOME/ダウンロード"), "ダウンロード/");
+    row("deep", download("$HOME/Data/Get"), "Data/Get/");
+    row("inside another of the user's", download("$HOME/Documents/Get"), "Documents/Get/");
+    row("gone", download("$HOME/Gone"), "");
+    row("a link", download("$HOME/Linked"), "");
+    row("through a link", download("$HOME/Linked/Get"), "");
+    row("the home", download("$HOME"), "Downloads/");
+    row("elsewhere", download("/etc"), "Downloads/");
+    row("the documents", download("$HOME/Documents"), "Downloads/");
+    row("the documents by name",
+        download("$HOME/Papiere") + "XDG_DOCUMENTS_DIR=\"$HOME/Papiere\"\n", "Downloads/");
+    row("around the documents", download("$HOME/Data") + "XDG_DOCUMENTS_DIR=\"$HOME/Data/Get\"\n",
+        "Downloads/");
+    row("a slice's place", download("$HOME/.cache"), "Downloads/");
+    row("around a slice's place", download("$HOME/.local"), "Downloads/");
+    row("programs' own", download("$HOME/snap"), "Downloads/");
+    row("the plain name means documents", "XDG_DOCUMENTS_DIR=\"$HOME/Downloads\"\n", "");
+}
+
+void TestFreedesktopSurvey::takesDownloadsFromTheUsersFile()
+{
+    QFETCH(const QByteArray, lines);
+    QFETCH(const QByteArray, folder);
+    MadeHome home(kPlainHome);
+    for (const char *path : {"ダウンロード/x", "Data/Get/x", "Documents/Get/x", "Papiere/x",
+                             "snap/tool/common/x", ".config/x"})
+        home.make(path);
+    home.link("Linked", "Data");
+    home.nameUserDirs(lines);
+    const QByteArrayList expected = folder.isEmpty() ? QByteArrayList() : QByteArrayList{folder};
+    QCOMPARE(home.relative(*home.survey().locations(SliceKind::Downloads)), expected);
+}
+
+void TestFreedesktopSurvey::takesLittleFromTheEnvironment_data()
+{
+    QTest::addColumn<QByteArray>("data");
+    QTest::addColumn<QByteArray>("cache");
+    QTest::addColumn<QByteArrayList>("added");
+    const auto row = [](const char *name, const QByteArray &data, const QByteArray &cache,
+                        const QByteArrayList &added) {
+        QTest::newRow(name) << data << cache << added;
+    };
+    row("below", "HOME/data", "HOME/var/cache",
+        {"data/Trash/files/", "data/Trash/info/", "var/cache/"});
+    row("where they are anyway", "HOME/.local/share", "HOME/.cache", {});
+    row("the home", "HOME", "HOME", {});
+    row("with a slash", "HOME/", "HOME/", {});
+    row("its folder", "HOME/..", "HOME/..", {});
+    row("up and down", "HOME/../anna/data", "HOME/../anna/var/cache", {});
+    row("elsewhere", "/usr/share", "/var/cache", {});
+    row("relative", "data", "var/cache", {});
+    row("the documents", "HOME/Documents", "HOME/Documents", {});
+    row("among the documents", "HOME/nothing", "HOME/Documents/cache", {});
+    row("around a location", "HOME/.local", "HOME/.local", {});
+    row("in a location", "HOME/.cache", "HOME/.cache/cache", {});
+    row("in the downloads", "HOME/Downloads", "HOME/Downloads/cache", {});
+    row("not called a cache", "HOME/half", "HOME/var", {});
+    row("a link", "HOME/linked", "HOME/linked-cache", {});
+    row("the keys", "HOME/.ssh", "HOME/.ssh", {});
+    row("around the user's folders", "HOME/nothing", "HOME/my caches", {});
+}
+
+void TestFreedesktopSurvey::takesLittleFromTheEnvironment()
+{
+    QFETCH(QByteArray, data);
+    QFETCH(QByteArray, cache);
+    QFETCH(const QByteArrayList, added);
+    MadeHome home(kPlainHome);
+    for (const char *path :
+         {"data/Trash/files/x", "data/Trash/info/x", "var/cache/x", "Documents/cache/x",
+          "half/Trash/files/x", ".ssh/id", ".cache/cache/x", "Downloads/cache/x",
+          "Downloads/Trash/files/x", "Downloads/Trash/info/x", "my caches/Pictures/x"})
+        home.make(path);
+    home.nameUserDirs("XDG_PICTURES_DIR=\"$HOME/my caches/Pictures\"\n");
+    home.link("linked", "data");
+    home.link("linked-cache", "var/cache");
+    const HomeEnvironment environment{data.replace("HOME", home.path()),
+                                      cache.replace("HOME", home.path())};
+    QByteArrayList found;
+    for (const auto &[kind, paths] : locationsOf(home, home.survey(environment)))
+        found += paths;
+    for (const auto &[kind, paths] : kPlainLocations) {
+        for (const QByteArray &path : paths)
+            QVERIFY2(found.removeOne(path), path);
+    }
+    QCOMPARE(found, added);
+}
+
+void TestFreedesktopSurvey::searchesTheUsersFolders_data()
+{
+    QTest::addColumn<QByteArray>("lines");
+    QTest::addColumn<QByteArrayList>("folders");
+    QTest::newRow("plain names") << QByteArray()
+                                 << QByteArrayList{"Desktop/",  "Documents/", "Downloads/",
+                                                   "Dropbox/",  "Videos/",    "Music/",
+                                                   "Pictures/", "Public/",    "Sites/"};
+    QTest::newRow("German") << QByteArray("XDG_DESKTOP_DIR=\"$HOME/Schreibtisch\"\n"
+                                          "XDG_DOCUMENTS_DIR=\"$HOME/Dokumente\"\n"
+                                          "XDG_DOWNLOAD_DIR=\"$HOME/Downloads\"\n"
+                                          "XDG_MUSIC_DIR=\"$HOME/Musik\"\n"
+                                          "XDG_PICTURES_DIR=\"$HOME/Bilder\"\n"
+                                          "XDG_PUBLICSHARE_DIR=\"$HOME/Öffentlich\"\n"
+                                          "XDG_TEMPLATES_DIR=\"$HOME/Vorlagen\"\n"
+                                          "XDG_VIDEOS_DIR=\"$HOME/Videos\"\n")
+                            << QByteArrayList{"Schreibtisch/", "Dokumente/",  "Downloads/",
+                                              "Dropbox/",      "Videos/",     "Musik/",
+                                              "Bilder/",       "Öffentlich/", "Sites/"};
+    QTest::newRow("one for all") << QByteArray("XDG_DESKTOP_DIR=\"$HOME/Documents\"\n"
+                                               "XDG_DOWNLOAD_DIR=\"$HOME/Documents\"\n"
+                                               "XDG_MUSIC_DIR=\"$HOME/Dropbox/Music\"\n"
+                                               "XDG_VIDEOS_DIR=\"$HOME/Music/../..\"\n"
+                                               "XDG_PICTURES_DIR=\"$HOME/Documents/Old/Pictures\"\n"
+                                               "XDG_PUBLICSHARE_DIR=\"$HOME/\"\n")
+                                 << QByteArrayList{"Documents/", "Dropbox/", "Videos/", "Public/",
+                                                   "Sites/"};
+}
+
+void TestFreedesktopSurvey::searchesTheUsersFolders()
+{
+    QFETCH(const QByteArray, lines);
+    QFETCH(const QByteArrayList, folders);
+    const MadeHome home;
+    home.nameUserDirs(lines);
+    QCOMPARE(home.relative(home.survey().searchFolders()), folders);
+}
+
+VANTOR_TEST_MAIN(TestFreedesktopSurvey)
+#include "tst_FreedesktopSurvey.moc"

@@ -1,0 +1,270 @@
+#include "tests/slices/HomeKit.h"
+#include "tests/support/ForwardingSystemCalls.h"
+#include "tests/support/TestMain.h"
+
+#include <cerrno>
+
+/// What is found in homes of every make, and that nothing else is.
+class TestHomeSurvey final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void keepsTheFixedLayoutWhereThereIsALibrary();
+    void takesNoLinkForALibrary();
+    void costsOneCallToTellTheKind();
+    void findsAPlainDesktop();
+    void findsNothingInAnEmptyHome();
+    void findsSandboxedPrograms();
+    void followsARevisionOfASnapAlone();
+    void findsTheUpdatesOfEveryUserOfWine();
+    void findsAttachmentsButNoMail();
+    void findsEveryBrowserProfile();
+    void followsNoLink_data();
+    void followsNoLink();
+    void findsNothingItMayNotRead();
+};
+
+void TestHomeSurvey::keepsTheFixedLayoutWhereThereIsALibrary()
+{
+    MadeHome home(kPlainHome);
+    home.make("Library/");
+    home.nameUserDirs("XDG_DOWNLOAD_DIR=\"$HOME/Elsewhere\"\n");
+    const HomeLayout layout = home.survey({home.path("data"), home.path("cache")});
+    QCOMPARE(layout.kind(), HomeKind::Library);
+    for (const SliceDescription &slice : sliceCatalogue()) {
+        QCOMPARE(layout.locations(slice.kind), sliceLocations(slice.kind, home.url()));
+        QCOMPARE(layout.details(slice.kind), QString::fromUtf16(slice.details));
+        for (const FileUrl &url : layout.locations(slice.kind).value_or(FileUrls()))
+            QVERIFY(!layout.isInTrash(url));
+    }
+    QCOMPARE(home.relative(layout.trashFolder()), QByteArray(".Trash/"));
+    QVERIFY(layout.programs().empty() && layout.searchFolders().isEmpty());
+}
+
+void TestHomeSurvey::takesNoLinkForALibrary()
+{
+    const MadeHome linked({"Books/"});
+    linked.link("Library", "Books");
+    QCOMPARE(linked.survey().kind(), HomeKind::Freedesktop);
+    QCOMPARE(MadeHome({"Library"}).survey().kind(), HomeKind::Freedesktop); // a file
+}
+
+void TestHomeSurvey::costsOneCallToTellTheKind()
+{
+    const MadeHome home({"Library/Caches/"});
+    QByteArrayList calls;
+    const ForwardingSystemCalls watched([&](int, std::string_view name) {
+        calls.append(QByteArray(name.data(), static_cast<qsizetype>(name.size())));
+        return 0;
+    });
+    QVERIFY(hasLibrary(watched, home.access(), home.url()));
+    QCOMPARE(calls, QByteArrayList{"status"});
+}
+
+void TestHomeSurvey::findsAPlainDesktop()
+{
+    const MadeHome home(kPlainHome);
+    const HomeLayout layout = home.survey();
+    QCOMPARE(layout.kind(), HomeKind::Freedesktop);
+    QCOMPARE(locationsOf(home, layout), kPlainLocations);
+    QVERIFY(!layout.locations(SliceKind::LargeFiles));
+    QCOMPARE(home.relative(layout.trashFolder()), QByteArray(".local/share/Trash/files/"));
+    for (const FileUrl &url : *layout.locations(SliceKind::Trash))
+        QVERIFY(layout.isInTrash(url));
+    QVERIFY(!layout.isInTrash(layout.locations(SliceKind::Cache)->constFirst()));
+}
+
+void TestHomeSurvey::findsNothingInAnEmptyHome()
+{
+    const MadeHome home;
+    QCOMPARE(locationsOf(home, home.survey()), Found());
+    QCOMPARE(home.survey().locations(SliceKind::Cache), std::optional(FileUrls()));
+}
+
+void TestHomeSurvey::findsSandboxedPrograms()
+{
+    MadeHome home(kPlainHome);
+    for (const char *path :
+         {".var/app/org.a.A/cache/x", ".var/app/org.a.A/data/Trash/files/y",
+          ".var/app/org.a.A/data/Trash/info/y.trashinfo", ".var/app/org.a.A/config/a/logs/z",
+          ".var/app/org.b.B/cache/", ".var/app/org.b.B/data/notes/keep",
+          "snap/tool/common/.cache/x", "snap/tool/common/.local/share/Trash/files/y",
+          "snap/tool/12/.local/share/Trash/expunged/z", "snap/tool/12/Documents/keep"})
+        home.make(path);
+    home.link("snap/tool/current", "12");
+    QCOMPARE(
+        locationsOf(home, home.survey()),
+        plainWith(
+            {{SliceKind::Trash, kPlainLocations.at(SliceKind::Trash) +
+                                    QByteArrayList{".var/app/org.a.A/data/Trash/files/",
+                                                   ".var/app/org.a.A/data/Trash/info/",
+                                                   "snap/tool/common/.local/share/Trash/files/",
+                                                   "snap/tool/12/.local/share/Trash/expunged/"}},
+             {SliceKind::Cache,
+              {".cache/", ".var/app/org.a.A/cache/", ".var/app/org.b.B/cache/",
+               "snap/tool/common/.cache/"}},
+             {SliceKind::AppLogs, kPlainLocations.at(SliceKind::AppLogs) +
+                                      QByteArrayList{".var/app/org.a.A/config/a/logs/"}}}));
+}
+
+void TestHomeSurvey::followsARevisionOfASnapAlone()
+{
+    MadeHome home({"snap/a/current/.local/share/Trash/files/x", "snap/b/7/", "elsewhere/x",
+                   "snap/c/9/inner/.local/share/Trash/files/x", "snap/d/", "snap/e/"});
+    home.make("elsewhere/.local/share/Trash/files/x");
+    home.link("snap/b/current", "../../elsewhere");
+    home.link("snap/c/current", "9/inner");
+    home.link("snap/d/current", home.path("elsewhere"));
+    home.link("snap/e/current", ".");
+    QCOMPARE(locationsOf(home, home.survey()),
+             (Found{{SliceKind::Trash, {"snap/a/current/.local/share/Trash/files/"}}}));
+}
+
+void TestHomeSurvey::findsTheUpdatesOfEveryUserOfWine()
+{
+    const QByteArray users = ".wine/drive_c/users/";
+    const QByteArray updates = "/AppData/Roaming/Apple Computer/iTunes/";
+    MadeHome home({users + "anna" + updates + "iPhone Software Updates/a.ipsw",
+                   users + "anna" + updates + "iPad Software Updates/a.ipsw",
+                   users + "bert" + updates + "iPad Software Updates/a.ipsw",
+                   users + "bert" + updates + "iPod Software Updates/a.ipsw",
+                   users + "bert" + updates + "iTunes Library.itl"});
+    home.link(users + "link", "anna");
+    QCOMPARE(locationsOf(home, home.survey()),
+             (Found{{SliceKind::OldIos,
+                     {users + "anna" + updates + "iPad Software Updates/",
+                      users + "bert" + updates + "iPad Software Updates/",
+                      users + "bert" + updates + "iPod Software Updates/",
+                      users + "anna" + updates + "iPhone Software Updates/"}}}));
+}
+
+void TestHomeSurvey::findsAttachmentsButNoMail()
+{
+    const MadeHome home({".claws-mail/mimetmp/0.pdf", ".claws-mail/imapcache/keep",
+                         ".sylpheed-2.0/mimetmp/1.pdf", ".sylpheed-2.0/addrbook.xml",
+                         ".local/share/geary/account/attachments/keep",
+                         ".thunderbird/p.default/ImapMail/keep", ".local/share/local-mail/keep"});
+    const HomeLayout layout = home.survey();
+    QCOMPARE(
+        locationsOf(home, layout),
+        (Found{{SliceKind::MailDownloads, {".claws-mail/mimetmp/", ".sylpheed-2.0/mimetmp/"}}}));
+    QCOMPARE(layout.programs().size(), 2U);
+    QCOMPARE(layout.programs().front().lock.place, QByteArray("claws-mail"));
+}
+
+void TestHomeSurvey::findsEveryBrowserProfile()
+{
+    const MadeHome home({
+        ".config/google-chrome/Default/Cookies",
+        ".config/google-chrome/Default/Cookies-journal",
+        ".config/google-chrome/Default/History",
+        ".config/google-chrome/Default/Web Data",
+        ".config/google-chrome/Default/Login Data",
+        ".config/google-chrome/Default/Bookmarks",
+        ".config/google-chrome/Profile 2/Network/Cookies",
+        ".config/google-chrome/Crashpad/History",
+        ".config/google-chrome/Local State",
+        ".config/BraveSoftware/Brave-Browser/Default/History-wal",
+        ".var/app/org.chromium.Chromium/config/chromium/Default/History",
+        ".mozilla/firefox/ab.default/cookies.sqlite",
+        ".mozilla/firefox/ab.default/cookies.sqlite-wal",
+        ".mozilla/firefox/ab.default/cookies.sqlite-shm",
+        ".mozilla/firefox/ab.default/places.sqlite",
+        ".mozilla/firefox/ab.default/logins.json",
+        ".mozilla/firefox/ab.default/key4.db",
+        ".mozilla/firefox/profiles.ini",
+        ".mozilla/firefox/cd.work/formhistory.sqlite",
+        ".var/app/org.mozilla.firefox/.mozilla/firefox/ef/cookies.sqlite",
+        "snap/firefox/common/.mozilla/firefox/gh/formhistory.sqlite",
+    });
+    const HomeLayout layout = home.survey();
+    QCOMPARE(locationsOf(home, layout)[SliceKind::BrowserData],
+             QByteArrayList({
+                 ".config/google-chrome/Default/Cookies",
+                 ".config/google-chrome/Default/Cookies-journal",
+                 ".config/google-chrome/Default/History",
+                 ".config/google-chrome/Default/Web Data",
+                 ".config/google-chrome/Profile 2/Network/Cookies",
+                 ".var/app/org.chromium.Chromium/config/chromium/Default/History",
+                 ".config/BraveSoftware/Brave-Browser/Default/History-wal",
+                 ".mozilla/firefox/ab.default/cookies.sqlite",
+                 ".mozilla/firefox/ab.default/cookies.sqlite-wal",
+                 ".mozilla/firefox/ab.default/cookies.sqlite-shm",
+                 ".mozilla/firefox/cd.work/formhistory.sqlite",
+                 ".var/app/org.mozilla.firefox/.mozilla/firefox/ef/cookies.sqlite",
+                 "snap/firefox/common/.mozilla/firefox/gh/formhistory.sqlite",
+             }));
+    QCOMPARE(layout.programs().size(), 7U);
+}
+
+void TestHomeSurvey::followsNoLink_data()
+{
+    QTest::addColumn<QByteArray>("link");
+    for (const char *path : {".local",
+                             ".local/share",
+                             ".local/share/Trash",
+                             ".local/share/Trash/files",
+                             ".cache",
+                             ".local/share/xorg",
+                             ".npm",
+                             ".npm/_logs",
+                             ".config",
+                             ".config/editor",
+                             ".config/editor/logs",
+                             ".local/state/player/logs",
+                             "Downloads",
+                             "snap",
+                             "snap/tool/common",
+                             ".var/app/org.a.A",
+                             ".var/app/org.a.A/cache",
+                             ".wine/drive_c/users/anna",
+                             ".claws-mail/mimetmp",
+                             ".mozilla/firefox/ab",
+                             ".mozilla/firefox/ab/cookies.sqlite",
+                             ".config/chromium",
+                             ".config/chromium/Default",
+                             ".config/chromium/Default/Network"})
+        QTest::newRow(path) << QByteArray(path);
+}
+
+/// Everything that would be found stands elsewhere, and only a link leads there.
+void TestHomeSurvey::followsNoLink()
+{
+    QFETCH(const QByteArray, link);
+    QByteArrayList everything = kPlainHome;
+    everything += {"snap/tool/common/.cache/x",
+                   ".var/app/org.a.A/cache/x",
+                   ".wine/drive_c/users/anna/AppData/Roaming/Apple Computer/iTunes/"
+                   "iPad Software Updates/x",
+                   ".claws-mail/mimetmp/x",
+                   ".mozilla/firefox/ab/cookies.sqlite",
+                   ".config/chromium/Default/Network/Cookies"};
+    const MadeHome home(everything);
+    std::filesystem::rename(native(home.path(link)), native(home.outside("moved")));
+    home.link(link, home.outside("moved"));
+    for (const auto &[kind, paths] : locationsOf(home, home.survey())) {
+        for (const QByteArray &path : paths)
+            QVERIFY2(!(path + '/').startsWith(link + '/'), path);
+    }
+}
+
+/// Whichever call fails, the survey ends and finds no more than it would have found.
+void TestHomeSurvey::findsNothingItMayNotRead()
+{
+    const MadeHome home(kPlainHome);
+    ForwardingSystemCalls calls;
+    home.survey({}, calls);
+    const int count = calls.callCount();
+    QVERIFY(count > 20);
+    for (int number = 2; number <= count; ++number) {
+        calls.setHook(ForwardingSystemCalls::failing(number, EIO));
+        for (const auto &[kind, paths] : locationsOf(home, home.survey({}, calls))) {
+            for (const QByteArray &path : paths)
+                QVERIFY2(kPlainLocations.at(kind).contains(path), path);
+        }
+    }
+}
+
+VANTOR_TEST_MAIN(TestHomeSurvey)
+#include "tst_HomeSurvey.moc"
