@@ -38,7 +38,8 @@ public:
 
 /// Removes for good what the plan says and nothing else: never through a link, never on another
 /// file system, never anything excluded, and nothing of a folder that could not be listed wholly.
-/// Rights are never changed. Goes on after a failure; looks at the stop token before every item.
+/// Rights are never changed, but for read-only folders inside a place whose plan says so, which are
+/// the user's own. Goes on after a failure; looks at the stop token before every item.
 /// Runs on the caller's thread, with a second one where the disk gains by it, and writes the log
 /// lines of the cleaning. Blocks: not for the main thread.
 CleaningReport performCleaning(const SystemCalls &calls, const CleaningPlan &plan,

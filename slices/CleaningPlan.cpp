@@ -90,7 +90,7 @@ void CleaningPlanner::planSlice(const SliceToClean &slice)
         // because it was listed beside another.
         const bool isTouched =
             slice.mode == CleaningMode::TheVeryFiles ? isAnyTouched : excluded.touches(url);
-        planLocation({slice.name, url, {}, slice.mode, {}, isTouched});
+        planLocation({slice.name, url, {}, slice.mode, {}, isTouched, slice.readOnlyFolders});
     }
 }
 

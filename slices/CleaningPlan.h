@@ -3,6 +3,7 @@
 #include "platform/SystemCalls.h"
 #include "slices/ExcludedPaths.h"
 #include "slices/FileAccess.h"
+#include "slices/ReadOnlyFolders.h"
 
 #include <QList>
 #include <vector>
@@ -19,6 +20,7 @@ struct SliceToClean
     QString name;
     FileUrls fileURLs;
     CleaningMode mode = CleaningMode::ContentsOfFolders;
+    ReadOnlyFolders readOnlyFolders = ReadOnlyFolders::Stay; ///< inside the places, not themselves
 };
 
 /// Why something that was asked for is left alone.
@@ -55,6 +57,7 @@ struct CleaningLocation
     /// Whether an exclusion touches the place (for the very files: any of their slice), so that
     /// each item below is judged by its path.
     bool isTouched = false;
+    ReadOnlyFolders readOnlyFolders = ReadOnlyFolders::Stay;
 };
 
 /// Exactly what a cleaning may remove: places in order, and what is kept inside them. Made by

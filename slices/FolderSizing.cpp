@@ -47,7 +47,8 @@ bool allowsRemovalOf(const FileStatus &entry, const FileStatus &folder, const Ac
 class alignas(kCacheLine) SizingVisitor final : public DirectoryVisitor
 {
 public:
-    SizingVisitor(const SystemCalls &calls, const ActingUser &user) : m_calls(calls), m_user(user)
+    SizingVisitor(const SystemCalls &calls, const ActingUser &user, ReadOnlyFolders readOnlyFolders)
+        : m_calls(calls), m_user(user), m_readOnlyFolders(readOnlyFolders)
     {
     }
 
@@ -61,8 +62,9 @@ public:
 
     EntryDetail entered(const WalkedFolder &folder, int descriptor) override
     {
-        return allowsRemoval(m_calls, descriptor, folder.status()) ? EntryDetail::Status
-                                                                   : EntryDetail::NameAlone;
+        const bool allows =
+            allowsRemoval(m_calls, descriptor, folder.status()) || willAllowRemoval(folder);
+        return allows ? EntryDetail::Status : EntryDetail::NameAlone;
     }
 
     void found(const WalkedEntry &entry) override
@@ -76,16 +78,25 @@ public:
     void failed(const WalkedFolder &, const char *, int) override { m_size.isComplete = false; }
 
 private:
+    /// Whether a cleaning will make it so. The place itself keeps its rights.
+    bool willAllowRemoval(const WalkedFolder &folder) const
+    {
+        return m_readOnlyFolders == ReadOnlyFolders::Emptied && folder.parent() &&
+               isNotImmutable(folder.status()) && isOwnAndReadOnly(folder.status(), m_user);
+    }
+
     const SystemCalls &m_calls;
     const ActingUser m_user;
+    const ReadOnlyFolders m_readOnlyFolders;
     FolderSize m_size;
 };
 
 FolderSize sizeOfFolder(const SystemCalls &calls, FileDescriptor folder,
-                        const std::stop_token &stop, unsigned threads)
+                        const std::stop_token &stop, unsigned threads,
+                        ReadOnlyFolders readOnlyFolders)
 {
     std::vector<SizingVisitor> visitors(threads == 0 ? usefulWalkThreads() : threads,
-                                        SizingVisitor(calls, calls.actingUser()));
+                                        SizingVisitor(calls, calls.actingUser(), readOnlyFolders));
     std::vector<DirectoryVisitor *> team;
     team.reserve(visitors.size());
     for (SizingVisitor &visitor : visitors)
@@ -170,25 +181,26 @@ FolderSize sizeOfItem(const SystemCalls &calls, const AnchoredPath &place)
 } // namespace
 
 FolderSize measureFolder(const SystemCalls &calls, const AnchoredPath &place,
-                         const std::stop_token &stop, unsigned threads)
+                         const std::stop_token &stop, unsigned threads,
+                         ReadOnlyFolders readOnlyFolders)
 {
     auto folder = openPlace(calls, place, stop);
     if (stop.stop_requested())
         return nothingBecauseOf(ECANCELED);
     if (folder)
-        return sizeOfFolder(calls, std::move(*folder), stop, threads);
+        return sizeOfFolder(calls, std::move(*folder), stop, threads, readOnlyFolders);
     const bool isNoFolder = folder.error() == ENOTDIR || folder.error() == ELOOP;
     return isNoFolder ? sizeOfItem(calls, place) : nothingBecauseOf(folder.error());
 }
 
 qint64 sizeForFolderAtPath(const SystemCalls &calls, FileAccess &access, const FileUrl &url,
-                           const std::stop_token &stop)
+                           const std::stop_token &stop, ReadOnlyFolders readOnlyFolders)
 {
     const AccessScope scope(access);
     const auto place = access.anchoredPath(url);
     if (!place)
         return 0;
-    const FolderSize size = measureFolder(calls, *place, stop);
+    const FolderSize size = measureFolder(calls, *place, stop, 0, readOnlyFolders);
     if (size.item)
         qCInfo(logVantor, "%d : %d", size.item->isDeletable, size.item->isNotImmutable);
     return size.bytes;

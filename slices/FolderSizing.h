@@ -2,6 +2,7 @@
 
 #include "platform/SystemCalls.h"
 #include "slices/FileAccess.h"
+#include "slices/ReadOnlyFolders.h"
 
 #include <optional>
 #include <stop_token>
@@ -32,13 +33,17 @@ struct FolderSize
 /// anchor and the place, or the place itself being one, makes it 0 too: a cleaning refuses such a
 /// place. The anchor alone may be a mount.
 ///
+/// A folder inside that is the user's own and read-only counts as the cleaning will treat it.
+///
 /// Any thread but the main one; blocks until done or stopped. Uses up to `threads` threads, as
 /// many as pay for 0.
 FolderSize measureFolder(const SystemCalls &calls, const AnchoredPath &place,
-                         const std::stop_token &stop, unsigned threads = 0);
+                         const std::stop_token &stop, unsigned threads = 0,
+                         ReadOnlyFolders readOnlyFolders = ReadOnlyFolders::Stay);
 
 /// The one size measure of the program, in bytes: measureFolder() of a URL in the granted folder,
 /// within one access of its own. 0 for what lies elsewhere. Writes "%d : %d" to the log for a
 /// single item: whether it may be deleted, and whether it is not immutable.
 qint64 sizeForFolderAtPath(const SystemCalls &calls, FileAccess &access, const FileUrl &url,
-                           const std::stop_token &stop = {});
+                           const std::stop_token &stop = {},
+                           ReadOnlyFolders readOnlyFolders = ReadOnlyFolders::Stay);

@@ -15,7 +15,10 @@ QByteArrayView lastName(const QByteArray &path)
 
 Protection::Protection(const CleaningPlan &plan, const CleaningLocation &location,
                        std::uint64_t device)
-    : m_excluded(plan.excluded()), m_device(device), m_isTouched(location.isTouched)
+    : m_excluded(plan.excluded()),
+      m_device(device),
+      m_isTouched(location.isTouched),
+      m_readOnlyFolders(location.readOnlyFolders)
 {
     for (const FileIdentity &identity : plan.excludedIdentities()) {
         if (identity.device == device)

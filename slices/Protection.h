@@ -18,6 +18,9 @@ public:
     /// handle: a number that was reused meanwhile only keeps something more.
     bool keepsInode(std::uint64_t inode) const;
 
+    /// Whether a folder inside is emptied although it is the user's own and read-only.
+    ReadOnlyFolders readOnlyFolders() const { return m_readOnlyFolders; }
+
     /// What the path rules say of an item at a raw path without a trailing slash. A package on the
     /// way to something excluded is kept whole: people see it as one file.
     Sparing sparing(const QByteArray &path, FileKind kind) const;
@@ -27,4 +30,5 @@ private:
     std::vector<std::uint64_t> m_inodes;
     std::uint64_t m_device;
     bool m_isTouched;
+    ReadOnlyFolders m_readOnlyFolders;
 };

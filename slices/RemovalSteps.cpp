@@ -50,10 +50,26 @@ tl::expected<EnteredFolder, RemovalSteps::Fate> RemovalSteps::enter(const Spot &
         return tl::unexpected(refused(spot, RefusalReason::OtherFileSystem, EXDEV));
     if (m_protection.keepsInode(status->inode))
         return tl::unexpected(Fate::Stays);
+    makeWritable(spot, opened->get(), *status);
     auto listing = list(opened->get(), space);
     if (!listing)
         return tl::unexpected(refused(spot, RefusalReason::PartlyListed, listing.error()));
     return EnteredFolder{std::move(*opened), status->inode, std::move(*listing)};
+}
+
+/// By the descriptor: the name may stand for another folder by now. A folder on the way to what is
+/// kept stays, and so do its rights. Where it is refused, the removals inside fail and say so.
+void RemovalSteps::makeWritable(const Spot &spot, int folder, const FileStatus &status) const
+{
+    constexpr unsigned kAllOfTheOwners = 0700;
+    if (m_protection.readOnlyFolders() == ReadOnlyFolders::Stay ||
+        !isOwnAndReadOnly(status, m_calls.actingUser()))
+        return;
+    if (m_protection.isTouched() &&
+        m_protection.sparing(spot.path(), FileKind::Folder) != Sparing::None)
+        return;
+    m_calls.setPermissions(folder,
+                           static_cast<std::uint16_t>(status.permissions | kAllOfTheOwners));
 }
 
 SystemResult<FolderListing> RemovalSteps::list(int folder, std::span<char> space) const

@@ -75,6 +75,7 @@ public:
     void abandon(const QByteArray &path, int error) const;
 
 private:
+    void makeWritable(const Spot &spot, int folder, const FileStatus &status) const;
     Fate removeFile(const Spot &spot) const;
     Fate settled(const SystemResult<void> &answer, const Spot &spot) const;
     Fate refused(const Spot &spot, RefusalReason reason, int error) const;

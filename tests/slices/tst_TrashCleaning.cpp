@@ -1,0 +1,203 @@
+#include "slices/FolderSizing.h"
+#include "slices/Info.h"
+#include "slices/SlicesToClean.h"
+#include "tests/slices/HomeKit.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/ForwardingSystemCalls.h"
+#include "tests/support/MadeTree.h"
+#include "tests/support/TestMain.h"
+
+#include <cerrno>
+#include <cstdio>
+
+namespace {
+
+const QByteArray kTrash = ".local/share/Trash/";
+
+struct Trash
+{
+    MadeTree tree;
+    GrantedFolder access{tree.path()};
+    FileUrl home = FileUrl::fromPath(tree.path(), FileUrlKind::Folder);
+
+    Trash()
+    {
+        for (const QByteArray &folder :
+             {QByteArray(".local"), QByteArray(".local/share"), kTrash.chopped(1), kTrash + "files",
+              kTrash + "info", QByteArray(".cache")})
+            folderOf(kNobody, folder);
+    }
+    void folderOf(unsigned user, const QByteArray &path, unsigned mode = 0755) const
+    {
+        tree.makeFolder(path);
+        tree.setOwner(path, user);
+        tree.setMode(path, mode);
+    }
+    /// A read-only folder of the user's with something in it.
+    void readOnlyFolder(const QByteArray &path, unsigned user = kNobody) const
+    {
+        folderOf(user, path);
+        tree.makeFile(path + "/inside", 700);
+        tree.setMode(path, 0555);
+    }
+    bool has(const QByteArray &path) const { return exists(tree.path(path)); }
+    unsigned modeOf(const QByteArray &path) const
+    {
+        struct stat found
+        {
+        };
+        return ::stat(tree.path(path).constData(), &found) == 0 ? found.st_mode & 07777 : 0;
+    }
+
+    /// Measures and cleans a slice as the ordinary user. "shown, removed, failures".
+    QByteArray clean(SliceKind kind, const ExcludedPaths &excluded = {},
+                     const SystemCalls &calls = hostSystemCalls()) const
+    {
+        const auto work = [&] {
+            std::fputs(cleaned(kind, excluded, calls).constData(), stderr);
+            return 0;
+        };
+        // The log comes the same way, before.
+        const QByteArray text = runInChild(ChildUser::Nobody, work).errorText;
+        return text.sliced(text.lastIndexOf('\n') + 1);
+    }
+
+private:
+    QByteArray cleaned(SliceKind kind, const ExcludedPaths &excluded,
+                       const SystemCalls &calls) const
+    {
+        const HomeLayout layout = surveyHome(calls, access, home, {});
+        const FileUrls places = *layout.locations(kind);
+        qint64 shown = 0;
+        for (const FileUrl &place : places) {
+            const auto rule =
+                layout.isInTrash(place) ? ReadOnlyFolders::Emptied : ReadOnlyFolders::Stay;
+            shown += measureFolder(calls, *access.anchoredPath(place), {}, 1, rule).bytes;
+        }
+        const auto record =
+            Info::infoWithName(QString::fromUtf16(sliceCatalogue()[indexOf(kind)].name), places);
+        const CleaningReport report = performCleaning(
+            calls, makeCleaningPlan(calls, access, slicesToClean(layout, {record}), excluded), {});
+        return QByteArray::number(shown) + ", " + QByteArray::number(report.removedItems) + ", " +
+               QByteArray::number(report.failureCount + report.refusalCount);
+    }
+};
+
+} // namespace
+
+/// What is special about emptying a freedesktop trash.
+class TestTrashCleaning final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void removesReadOnlyFoldersInside();
+    void leavesReadOnlyFoldersElsewhere();
+    void leavesThoseOfOthers();
+    void leavesTheRightsOfWhatIsKept();
+    void leavesTheRightsOfTheTrashItself();
+    void saysWhenTheRightCannotBeGivenBack();
+    void forgetsTheSizesOfWhatIsGone();
+    void removesTheBookOfSizesFirst();
+    void leavesTheFixedTrashAsItIs();
+};
+
+void TestTrashCleaning::removesReadOnlyFoldersInside()
+{
+    const Trash trash;
+    trash.readOnlyFolder(kTrash + "files/album");
+    trash.tree.setMode(kTrash + "files/album", 0755);
+    trash.readOnlyFolder(kTrash + "files/album/deep");
+    trash.tree.setMode(kTrash + "files/album", 0500);
+    trash.tree.makeFile(kTrash + "info/album.trashinfo", 50);
+    QCOMPARE(trash.clean(SliceKind::Trash), QByteArray("1450, 5, 0"));
+    QVERIFY(!trash.has(kTrash + "files/album") && !trash.has(kTrash + "info/album.trashinfo"));
+    QVERIFY(trash.has(kTrash + "files"));
+}
+
+void TestTrashCleaning::leavesReadOnlyFoldersElsewhere()
+{
+    const Trash trash;
+    trash.readOnlyFolder(".cache/modules");
+    QCOMPARE(trash.clean(SliceKind::Cache), QByteArray("0, 0, 1"));
+    QVERIFY(trash.has(".cache/modules/inside"));
+    QCOMPARE(trash.modeOf(".cache/modules"), 0555U);
+}
+
+void TestTrashCleaning::leavesThoseOfOthers()
+{
+    const Trash trash;
+    trash.readOnlyFolder(kTrash + "files/root's", 0);
+    QCOMPARE(trash.clean(SliceKind::Trash), QByteArray("0, 0, 1"));
+    QVERIFY(trash.has(kTrash + "files/root's/inside"));
+    QCOMPARE(trash.modeOf(kTrash + "files/root's"), 0555U);
+}
+
+void TestTrashCleaning::leavesTheRightsOfWhatIsKept()
+{
+    const Trash trash;
+    trash.readOnlyFolder(kTrash + "files/album");
+    trash.readOnlyFolder(kTrash + "files/other");
+    const FileUrl kept = trash.access.file(kTrash + "files/album/inside");
+    trash.clean(SliceKind::Trash, excluding({kept}));
+    QVERIFY(trash.has(kTrash + "files/album/inside"));
+    QCOMPARE(trash.modeOf(kTrash + "files/album"), 0555U);
+    QVERIFY(!trash.has(kTrash + "files/other"));
+}
+
+void TestTrashCleaning::leavesTheRightsOfTheTrashItself()
+{
+    const Trash trash;
+    trash.tree.makeFile(kTrash + "files/letter", 10);
+    trash.tree.setMode(kTrash + "files", 0555);
+    QCOMPARE(trash.clean(SliceKind::Trash), QByteArray("0, 0, 1"));
+    QCOMPARE(trash.modeOf(kTrash + "files"), 0555U);
+}
+
+void TestTrashCleaning::saysWhenTheRightCannotBeGivenBack()
+{
+    const Trash trash;
+    trash.readOnlyFolder(kTrash + "files/album");
+    const ForwardingSystemCalls calls(
+        [](int, std::string_view name) { return name == "setPermissions" ? EPERM : 0; });
+    QCOMPARE(trash.clean(SliceKind::Trash, {}, calls), QByteArray("700, 0, 1"));
+    QVERIFY(trash.has(kTrash + "files/album/inside"));
+}
+
+void TestTrashCleaning::forgetsTheSizesOfWhatIsGone()
+{
+    const Trash trash;
+    trash.folderOf(kNobody, kTrash + "files/album");
+    trash.tree.makeFile(kTrash + "directorysizes", 90);
+    trash.tree.makeFile(kTrash + "metadata", 90);
+    QCOMPARE(trash.clean(SliceKind::Trash), QByteArray("0, 2, 0"));
+    QVERIFY(!trash.has(kTrash + "directorysizes"));
+    QVERIFY(trash.has(kTrash + "metadata")); // nobody has said what that is
+}
+
+void TestTrashCleaning::removesTheBookOfSizesFirst()
+{
+    const Trash trash;
+    trash.folderOf(kNobody, kTrash + "files/album");
+    trash.tree.makeFile(kTrash + "directorysizes", 90);
+    const ForwardingSystemCalls calls(
+        [](int, std::string_view name) { return name == "removeFolder" ? EIO : 0; });
+    trash.clean(SliceKind::Trash, {}, calls);
+    QVERIFY(trash.has(kTrash + "files/album"));
+    QVERIFY(!trash.has(kTrash + "directorysizes"));
+}
+
+void TestTrashCleaning::leavesTheFixedTrashAsItIs()
+{
+    const Trash trash;
+    trash.folderOf(kNobody, "Library");
+    trash.folderOf(kNobody, ".Trash");
+    trash.readOnlyFolder(".Trash/album");
+    trash.tree.makeFile(kTrash + "directorysizes", 90);
+    QCOMPARE(trash.clean(SliceKind::Trash), QByteArray("0, 0, 1"));
+    QVERIFY(trash.has(".Trash/album/inside") && trash.has(kTrash + "directorysizes"));
+    QCOMPARE(trash.modeOf(".Trash/album"), 0555U);
+}
+
+VANTOR_TEST_MAIN(TestTrashCleaning)
+#include "tst_TrashCleaning.moc"
