@@ -1,0 +1,204 @@
+#include "tests/slices/HomeKit.h"
+#include "tests/support/ForwardingSystemCalls.h"
+#include "tests/support/TestMain.h"
+
+#include <cerrno>
+#include <set>
+
+namespace {
+
+/// A machine called "desk" on which just these run.
+class MadeMachine final : public ForwardingSystemCalls
+{
+public:
+    using ForwardingSystemCalls::ForwardingSystemCalls;
+
+    std::set<std::int64_t> processes;
+    std::set<QByteArray> programs;
+    SystemResult<bool> locked = false;
+
+    bool isRunning(std::int64_t process) const override { return processes.contains(process); }
+    bool isProgramRunning(const char *name) const override { return programs.contains(name); }
+    QByteArray hostName() const override { return "desk"; }
+    SystemResult<bool> isLocked(int) const override { return locked; }
+};
+
+FileUrls places(const HomeLayout &layout, SliceKind kind)
+{
+    return *layout.locations(kind);
+}
+
+} // namespace
+
+/// Which programs are taken for running, by the traces that they leave.
+class TestProgramsInUse final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+
+    void judgesTheLinkOfAChromium_data();
+    void judgesTheLinkOfAChromium();
+    void believesNoNumberOutOfASandbox();
+    void judgesTheLocksOfAFirefox_data();
+    void judgesTheLocksOfAFirefox();
+    void looksForMailProgramsInTheProcessList();
+    void leavesOutTheFilesOfTheOneProfileAlone();
+    void namesEachProgramOnce();
+    void takesWhatCannotBeToldForRunning_data();
+    void takesWhatCannotBeToldForRunning();
+    void findsNoneWithALibrary();
+
+private:
+    ProgramsInUse found(const MadeHome &home) const
+    {
+        return ProgramsInUse::find(*m_machine, home.access(), home.survey());
+    }
+    bool isFirefoxInUse(const MadeHome &home) const
+    {
+        const FileUrls files = places(home.survey(), SliceKind::BrowserData);
+        return found(home).without(files).isEmpty();
+    }
+
+    std::unique_ptr<MadeMachine> m_machine;
+};
+
+void TestProgramsInUse::init()
+{
+    m_machine = std::make_unique<MadeMachine>();
+    m_machine->processes = {77};
+}
+
+void TestProgramsInUse::judgesTheLinkOfAChromium_data()
+{
+    QTest::addColumn<QByteArray>("link");
+    QTest::addColumn<bool>("isInUse");
+    QTest::newRow("running") << QByteArray("desk-77") << true;
+    QTest::newRow("left by a crash") << QByteArray("desk-78") << false;
+    QTest::newRow("on another machine") << QByteArray("laptop-78") << true;
+    QTest::newRow("a machine with a dash") << QByteArray("lap-desk-78") << true;
+    QTest::newRow("no number") << QByteArray("desk-") << true;
+    QTest::newRow("nonsense") << QByteArray("?") << true;
+    QTest::newRow("no process's number") << QByteArray("desk-0") << true;
+    QTest::newRow("none") << QByteArray() << false;
+}
+
+void TestProgramsInUse::judgesTheLinkOfAChromium()
+{
+    QFETCH(const QByteArray, link);
+    QFETCH(const bool, isInUse);
+    const MadeHome home({".config/vivaldi/Default/History"});
+    if (!link.isEmpty())
+        home.link(".config/vivaldi/SingletonLock", link);
+    const FileUrls files = places(home.survey(), SliceKind::BrowserData);
+    QCOMPARE(found(home).without(files), isInUse ? FileUrls() : files);
+    QCOMPARE(found(home).programs(files),
+             isInUse ? QStringList{QStringLiteral("Vivaldi")} : QStringList());
+}
+
+void TestProgramsInUse::believesNoNumberOutOfASandbox()
+{
+    const MadeHome home({".var/app/com.brave.Browser/config/BraveSoftware/Brave-Browser/Default/"
+                         "Cookies"});
+    const FileUrls files = places(home.survey(), SliceKind::BrowserData);
+    QCOMPARE(found(home).without(files), files);
+    home.link(".var/app/com.brave.Browser/config/BraveSoftware/Brave-Browser/SingletonLock",
+              "desk-78");
+    QCOMPARE(found(home).without(files), FileUrls());
+}
+
+void TestProgramsInUse::judgesTheLocksOfAFirefox_data()
+{
+    QTest::addColumn<QByteArray>("link");
+    QTest::addColumn<bool>("hasFile");
+    QTest::addColumn<bool>("isLocked");
+    QTest::addColumn<bool>("isInUse");
+    const QByteArray none;
+    QTest::newRow("never run") << none << false << false << false;
+    QTest::newRow("ended") << none << true << false << false;
+    QTest::newRow("running") << QByteArray("127.0.1.1:+77") << true << true << true;
+    QTest::newRow("locked alone") << none << true << true << true;
+    QTest::newRow("left by a crash") << QByteArray("127.0.1.1:+78") << true << false << false;
+    QTest::newRow("a process of that number")
+        << QByteArray("127.0.1.1:+77") << true << false << true;
+    QTest::newRow("without a record lock") << QByteArray("10.0.0.9:78") << true << false << true;
+    QTest::newRow("nonsense") << QByteArray("?") << true << false << true;
+    QTest::newRow("no number") << QByteArray("127.0.1.1:+") << false << false << true;
+}
+
+void TestProgramsInUse::judgesTheLocksOfAFirefox()
+{
+    QFETCH(const QByteArray, link);
+    QFETCH(const bool, hasFile);
+    QFETCH(const bool, isLocked);
+    QFETCH(const bool, isInUse);
+    const MadeHome home({".mozilla/firefox/a/cookies.sqlite"});
+    if (hasFile)
+        home.make(".mozilla/firefox/a/.parentlock");
+    if (!link.isEmpty())
+        home.link(".mozilla/firefox/a/lock", link);
+    m_machine->locked = isLocked;
+    QCOMPARE(isFirefoxInUse(home), isInUse);
+}
+
+void TestProgramsInUse::looksForMailProgramsInTheProcessList()
+{
+    const MadeHome home({".claws-mail/mimetmp/", ".sylpheed-2.0/mimetmp/"});
+    const FileUrls folders = places(home.survey(), SliceKind::MailDownloads);
+    QCOMPARE(found(home).without(folders), folders);
+    m_machine->programs = {"claws-mail"};
+    QCOMPARE(home.relative(found(home).without(folders)), QByteArrayList{".sylpheed-2.0/mimetmp/"});
+    QCOMPARE(found(home).programs(folders), QStringList{QStringLiteral("Claws Mail")});
+}
+
+void TestProgramsInUse::leavesOutTheFilesOfTheOneProfileAlone()
+{
+    const MadeHome home({".mozilla/firefox/a/cookies.sqlite", ".mozilla/firefox/b/cookies.sqlite",
+                         ".config/chromium/Default/History"});
+    home.link(".mozilla/firefox/b/lock", "127.0.1.1:+77");
+    const HomeLayout layout = home.survey();
+    QCOMPARE(
+        home.relative(found(home).without(places(layout, SliceKind::BrowserData))),
+        QByteArrayList({".config/chromium/Default/History", ".mozilla/firefox/a/cookies.sqlite"}));
+    QVERIFY(found(home).programs(places(layout, SliceKind::Cache)).isEmpty());
+}
+
+void TestProgramsInUse::namesEachProgramOnce()
+{
+    const MadeHome home({".mozilla/firefox/a/cookies.sqlite", ".mozilla/firefox/b/cookies.sqlite"});
+    home.link(".mozilla/firefox/a/lock", "127.0.1.1:+77");
+    home.link(".mozilla/firefox/b/lock", "127.0.1.1:+77");
+    QCOMPARE(found(home).programs(places(home.survey(), SliceKind::BrowserData)),
+             QStringList{QStringLiteral("Firefox")});
+}
+
+void TestProgramsInUse::takesWhatCannotBeToldForRunning_data()
+{
+    QTest::addColumn<QByteArray>("call");
+    for (const char *call : {"openFolder", "openFile", "readLink"})
+        QTest::newRow(call) << QByteArray(call);
+}
+
+void TestProgramsInUse::takesWhatCannotBeToldForRunning()
+{
+    QFETCH(const QByteArray, call);
+    const MadeHome home({".mozilla/firefox/a/cookies.sqlite", ".mozilla/firefox/a/.parentlock"});
+    QVERIFY(!isFirefoxInUse(home));
+    m_machine->setHook([&](int, std::string_view name) { return name == call.data() ? EIO : 0; });
+    QVERIFY(isFirefoxInUse(home));
+    m_machine->setHook({});
+    m_machine->locked = tl::unexpected(ENOLCK);
+    QVERIFY(isFirefoxInUse(home));
+}
+
+void TestProgramsInUse::findsNoneWithALibrary()
+{
+    const MadeHome home({"Library/Safari/History.plist"});
+    m_machine->programs = {"claws-mail"};
+    const FileUrls files = places(home.survey(), SliceKind::BrowserData);
+    QCOMPARE(found(home).without(files), files);
+}
+
+VANTOR_TEST_MAIN(TestProgramsInUse)
+#include "tst_ProgramsInUse.moc"
