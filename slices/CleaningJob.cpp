@@ -3,36 +3,26 @@
 #include "slices/CleaningLedger.h"
 #include "slices/ExcludedPaths.h"
 #include "slices/Info.h"
-#include "slices/SliceCatalogue.h"
+#include "slices/RecordPlaces.h"
+#include "slices/SlicesToClean.h"
 
 namespace {
 
 using Records = CleaningJob::Records;
 
-/// Whether the record's places are the very files to remove.
-bool infoIsFilesNotFolders(const Info &info)
-{
-    const std::optional<SliceKind> kind = sliceKindNamed(info.name());
-    return kind && sliceCatalogue()[indexOf(*kind)].content == SliceContent::Files;
-}
-
-QList<SliceToClean> slicesToClean(const Records &chosen)
-{
-    QList<SliceToClean> slices;
-    for (const auto &record : chosen) {
-        slices.append({record->name(), record->fileURLs().value_or(FileUrls()),
-                       infoIsFilesNotFolders(*record) ? CleaningMode::TheVeryFiles
-                                                      : CleaningMode::ContentsOfFolders});
-    }
-    return slices;
-}
-
 CleaningReport cleanDisk(const SystemCalls &calls, FileAccess &access, const Records &chosen,
-                         const ExcludedPaths &excluded, const std::stop_token &stop)
+                         const HomeLayout &layout, const ExcludedPaths &excluded,
+                         const std::stop_token &stop)
 {
     const AccessScope scope(access);
-    const CleaningPlan plan = makeCleaningPlan(calls, access, slicesToClean(chosen), excluded);
-    return performCleaning(calls, plan, stop);
+    const FileUrls inUse = takeAwayPlacesInUse(chosen, ProgramsInUse::find(calls, access, layout));
+    const CleaningPlan plan =
+        makeCleaningPlan(calls, access, slicesToClean(layout, chosen), excluded);
+    CleaningReport report = performCleaning(calls, plan, stop);
+    for (const FileUrl &url : inUse)
+        report.refusals.append({url.path(), RefusalReason::InUse, 0});
+    report.refusalCount += static_cast<std::uint64_t>(inUse.size());
+    return report;
 }
 
 CleaningReport refusedReport()
@@ -58,13 +48,14 @@ void CleaningJob::requestStop()
     m_stop.request_stop();
 }
 
-void CleaningJob::start(Records chosen, Exclusions exclusions)
+void CleaningJob::start(Records chosen, Exclusions exclusions, HomeLayout layout)
 {
     Q_ASSERT(!m_isRunning);
     m_isRunning = true;
     m_stop = std::stop_source();
     m_chosen = std::move(chosen);
     m_exclusions = std::move(exclusions);
+    m_layout = std::move(layout);
     runInBackground([this, records = m_chosen](const std::stop_token &) {
         for (const auto &record : records)
             record->fileSizeString();
@@ -81,11 +72,12 @@ void CleaningJob::remove()
         finish(refusedReport());
         return;
     }
-    runInBackground([this, records = m_chosen, excluded = *excluded](const std::stop_token &stop) {
+    runInBackground([this, records = m_chosen, layout = m_layout,
+                     excluded = *excluded](const std::stop_token &stop) {
         CleaningReport report;
         report.wasStopped = true;
         if (!stop.stop_requested())
-            report = cleanDisk(m_calls, m_access, records, excluded, stop);
+            report = cleanDisk(m_calls, m_access, records, layout, excluded, stop);
         return [this, report] { finish(report); };
     });
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "slices/Cleaning.h"
+#include "slices/HomeLayout.h"
 
 #include <QObject>
 #include <functional>
@@ -29,8 +30,9 @@ public:
     ~CleaningJob() override;
 
     /// Cleans the chosen slices. Those that are still being measured are waited for first, so that
-    /// what was freed is what was there.
-    void start(Records chosen, Exclusions exclusions);
+    /// what was freed is what was there. Of a layout with programs, the places of those that were
+    /// started meanwhile are left alone, and taken from the records.
+    void start(Records chosen, Exclusions exclusions, HomeLayout layout = {});
 
     /// Nothing is removed from now on. The cleaning's end is still told.
     void requestStop();
@@ -52,6 +54,7 @@ private:
     bool m_isRunning = false;
     Records m_chosen;
     Exclusions m_exclusions;
+    HomeLayout m_layout;
     std::stop_source m_stop;
     std::jthread m_thread;
 };

@@ -39,6 +39,8 @@ const char *reasonText(RefusalReason reason)
         return "cannot be read to its end";
     case RefusalReason::Changed:
         return "changed meanwhile";
+    case RefusalReason::InUse:
+        return "used by a program";
     }
     Q_UNREACHABLE();
 }

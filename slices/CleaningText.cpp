@@ -1,8 +1,10 @@
 #include "slices/CleaningText.h"
 
+#include "platform/ByteCount.h"
 #include "slices/Cleaning.h"
 #include "slices/ExcludedPaths.h"
 #include "slices/Info.h"
+#include "slices/SliceCatalogue.h"
 
 #include <QCoreApplication>
 
@@ -40,6 +42,8 @@ QString reasonText(RefusalReason reason)
         return tr("it could not be read to the end");
     case RefusalReason::Changed:
         return tr("it was changed meanwhile");
+    case RefusalReason::InUse:
+        return tr("a program has begun to use it");
     }
     Q_UNREACHABLE();
 }
@@ -49,6 +53,27 @@ QString leftAloneLine(const CleaningRefusal &refusal)
     const QString reason = reasonText(refusal.reason);
     return refusal.path.isEmpty() ? reason
                                   : tr("%1: %2").arg(QString::fromUtf8(refusal.path), reason);
+}
+
+/// "Chromium, Edge and Firefox".
+QString enumerated(const QStringList &names)
+{
+    if (names.size() < 2)
+        return names.join(QString());
+    return tr("%1 and %2")
+        .arg(names.mid(0, names.size() - 1).join(QStringLiteral(", ")), names.last());
+}
+
+/// The size of a slice of which programs in use keep something; empty for any other.
+QString withoutText(const Info &record, const ProgramsOfSlice &programs)
+{
+    const std::optional<SliceKind> kind = sliceKindNamed(record.name());
+    const QStringList names = kind && programs ? programs(*kind) : QStringList();
+    if (names.isEmpty())
+        return {};
+    const QString text = names.size() == 1 ? tr(" (%1 without the files of %2, which is in use)")
+                                           : tr(" (%1 without the files of %2, which are in use)");
+    return text.arg(stringFromByteCount(record.fileSize()), enumerated(names));
 }
 
 /// The first lines, and how many there are besides.
@@ -63,17 +88,27 @@ QString shortened(const QStringList &lines)
 
 } // namespace
 
-QString confirmationText(const std::vector<std::shared_ptr<Info>> &records)
+QString confirmationText(const std::vector<std::shared_ptr<Info>> &records,
+                         const ProgramsOfSlice &programs)
 {
     QString list = tr("You have chosen to delete these slices:\n");
     for (const auto &record : records) {
         if (record->isOn())
-            list += QStringLiteral("• %1\n").arg(record->name());
+            list += QStringLiteral("• %1\n").arg(record->name() + withoutText(*record, programs));
     }
     return list + u'\n' +
            tr("Are you sure you want to permanently erase the items you’ve selected and that are "
               "in colored slices? You cannot undo this action and we recommend backing up "
               "before continuing.");
+}
+
+QString inUseText(const QStringList &programs)
+{
+    if (programs.isEmpty())
+        return {};
+    const QString text = programs.size() == 1 ? tr(" %1 is in use: its files stay.")
+                                              : tr(" %1 are in use: their files stay.");
+    return text.arg(enumerated(programs));
 }
 
 QString leftAloneText(const CleaningReport &report)

@@ -1,15 +1,26 @@
 #pragma once
 
-#include <QString>
+#include <QStringList>
+#include <cstdint>
+#include <functional>
 #include <memory>
 #include <vector>
 
 class ExcludedPaths;
 class Info;
+enum class SliceKind : std::uint8_t;
 struct CleaningReport;
 
-/// What the user is asked before a cleaning: the slices that are on, and the warning.
-QString confirmationText(const std::vector<std::shared_ptr<Info>> &records);
+/// The programs that keep something of a slice because they are in use.
+using ProgramsOfSlice = std::function<QStringList(SliceKind)>;
+
+/// What the user is asked before a cleaning: the slices that are on, and the warning. Where a
+/// program in use keeps its files, the slice's size without them.
+QString confirmationText(const std::vector<std::shared_ptr<Info>> &records,
+                         const ProgramsOfSlice &programs = {});
+
+/// What a slice's description adds while programs keep something of it; empty without any.
+QString inUseText(const QStringList &programs);
 
 /// Which of the chosen places a cleaning left alone as a whole, and why, for people; empty when
 /// there is none. Single files that could not be removed are not told of.

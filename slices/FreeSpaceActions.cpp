@@ -151,9 +151,10 @@ void FreeSpaceViewController::showInfo()
     const int index = m_hoverButtons->currentHoverIndex();
     if (index == SliceHoverButtons::kNoSlice)
         return;
+    const SliceKind kind = sliceCatalogue()[index].kind;
     ImageButton &button = *m_hoverButtons->infoButton();
     MessagePopover::showRelativeToRect(button.rect(), button, Qt::BottomEdge,
-                                       QString::fromUtf16(sliceCatalogue()[index].details),
+                                       m_home.layout.details(kind) + inUseText(programsInUse(kind)),
                                        kPopoverWidth);
 }
 
@@ -164,16 +165,17 @@ void FreeSpaceViewController::showInFinder()
         return;
     const Info &info = *m_selection.records().at(index);
     if (index == indexOf(SliceKind::Trash))
-        m_services.workspace.openUrl(info.fileURLs()->constLast());
+        m_services.workspace.openUrl(m_home.layout.trashFolder());
     else
         m_services.workspace.activateFileViewerSelectingUrls(existingPlaces(info));
 }
 
 void FreeSpaceViewController::next()
 {
-    if (!m_selection.somethingIsSelected() || m_isCleaning || !m_isShown || !mayClean())
+    if (!m_selection.somethingIsSelected() || m_isCleaning || !m_isShown ||
+        m_home.layout.kind() == HomeKind::Unknown || !mayClean())
         return;
-    askForConfirmation();
+    lookAgainAndConfirm();
 }
 
 bool FreeSpaceViewController::mayClean()
@@ -205,7 +207,9 @@ void FreeSpaceViewController::askForConfirmation()
 {
     const Alert alert{.style = AlertStyle::Critical,
                       .messageText = tr("Deleting Files"),
-                      .informativeText = confirmationText(m_selection.records()),
+                      .informativeText =
+                          confirmationText(m_selection.records(),
+                                           [this](SliceKind kind) { return programsInUse(kind); }),
                       .buttons = {{tr("Cancel"), AlertButtonRole::Cancel},
                                   {tr("Delete Files"), AlertButtonRole::Destructive}}};
     presentAlert(*view(), alert, [this](int button) {
@@ -227,7 +231,8 @@ void FreeSpaceViewController::beginCleaning()
         if (record->isOn())
             chosen.push_back(record);
     }
-    m_job.start(std::move(chosen), [this] { return knownExclusions(); });
+    m_job.start(
+        std::move(chosen), [this] { return knownExclusions(); }, m_home.layout);
 }
 
 std::optional<ExcludedPaths> FreeSpaceViewController::knownExclusions() const

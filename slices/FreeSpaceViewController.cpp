@@ -10,7 +10,6 @@
 #include "platform/Sheet.h"
 #include "platform/ViewAlpha.h"
 #include "prefs/DemoWindowController.h"
-#include "slices/FolderSizing.h"
 #include "slices/SliceHoverButtons.h"
 #include "widgets/ImageButton.h"
 #include "widgets/LegendView.h"
@@ -93,18 +92,6 @@ void FreeSpaceViewController::viewWillAppear(bool)
         setAlphaValue(*subview, 1);
 }
 
-void FreeSpaceViewController::rebuildRecords()
-{
-    m_measuring.request_stop();
-    m_measuring = std::stop_source();
-    const auto measure = [&calls = m_services.calls, &access = m_services.access,
-                          stop = m_measuring.get_token()](const FileUrl &url) {
-        const qint64 bytes = sizeForFolderAtPath(calls, access, url, stop);
-        return stop.stop_requested() ? std::nullopt : std::optional(bytes);
-    };
-    m_selection.rebuild(m_services.homeFolder(), {measure, m_sizeChanged});
-}
-
 void FreeSpaceViewController::viewDidAppear(bool)
 {
     m_pieChart->setDidLoad(false);
@@ -113,7 +100,7 @@ void FreeSpaceViewController::viewDidAppear(bool)
     animateAlphaValue(*m_startButton, 1, kEntrance);
     animateAlphaValue(*m_legendImageView, 1, kEntrance);
     m_pieChart->setDrawShadow(true);
-    m_startButton->setEnabled(true);
+    m_startButton->setEnabled(m_home.layout.kind() != HomeKind::Unknown);
     m_isShown = true;
     QTimer::singleShot(kPauseBeforeTutorial, this,
                        &FreeSpaceViewController::showTutorialUnlessDeclined);

@@ -3,7 +3,9 @@
 #include "app/VNTViewController.h"
 #include "chart/PieChartDataSource.h"
 #include "chart/PieChartDelegate.h"
+#include "largefiles/LatestJob.h"
 #include "slices/CleaningJob.h"
+#include "slices/HomeLayout.h"
 #include "slices/SliceSelection.h"
 #include "widgets/LabelController.h"
 
@@ -58,6 +60,8 @@ public:
     /// The sheet in which large files are picked; made on first use and kept.
     LargeFilesWindowController &largeFilesWindowController();
     bool isCleaning() const { return m_isCleaning; }
+    /// Where everything is in the home; unknown until it has been looked at.
+    const HomeLayout &homeLayout() const { return m_home.layout; }
 
     void viewDidLoad() override;
     void viewWillAppear(bool animated) override;
@@ -93,10 +97,22 @@ Q_SIGNALS:
     void tells(const Alert &alert);
 
 private:
+    struct HomeFindings
+    {
+        HomeLayout layout;
+        ProgramsInUse inUse;
+    };
+
     void connectOutlets();
     void showTutorialUnlessDeclined();
     void makeHoverButtons();
     void rebuildRecords();
+    bool homeHasLibrary(const FileUrl &home) const;
+    void place(const HomeFindings &findings);
+    void homeWasFound(const HomeFindings &findings);
+    void lookAgainAndConfirm();
+    void programsWereFound(const ProgramsInUse &inUse);
+    QStringList programsInUse(SliceKind kind) const;
     bool offersReveal(int index) const;
     FileUrls existingPlaces(const Info &info) const;
     bool exists(const FileUrl &url) const;
@@ -121,6 +137,7 @@ private:
     std::stop_source m_measuring; ///< stops the measures of an earlier visit
     const InterfaceLoader &m_loader;
     CleaningJob m_job;
+    HomeFindings m_home;
     std::unique_ptr<DemoWindowController> m_demoWindowController;
     std::unique_ptr<LargeFilesWindowController> m_largeFilesWindowController;
     std::optional<AccessScope> m_pickingAccess; ///< held while the sheet of large files is up
@@ -130,4 +147,5 @@ private:
     StartButton *m_startButton = nullptr;
     QWidget *m_legendImageView = nullptr;
     SliceHoverButtons *m_hoverButtons = nullptr; ///< the chart's
+    LatestJob m_looking; ///< looks at the home; last: its answers find all the others
 };

@@ -14,6 +14,7 @@ QString tr(const char *text)
 HomeLayout HomeLayout::withLibrary(const FileUrl &home)
 {
     HomeLayout layout;
+    layout.m_kind = HomeKind::Library;
     layout.m_home = home;
     return layout;
 }
@@ -31,7 +32,7 @@ std::optional<FileUrls> HomeLayout::locations(SliceKind kind) const
 {
     if (m_kind == HomeKind::Library)
         return sliceLocations(kind, m_home);
-    if (kind == SliceKind::LargeFiles)
+    if (m_kind == HomeKind::Unknown || kind == SliceKind::LargeFiles)
         return std::nullopt;
     return m_places.locations[indexOf(kind)];
 }
@@ -59,8 +60,8 @@ QString HomeLayout::details(SliceKind kind) const
 
 FileUrl HomeLayout::trashFolder() const
 {
-    return m_kind == HomeKind::Freedesktop ? m_places.trashFolder
-                                           : locations(SliceKind::Trash)->constLast();
+    return m_kind == HomeKind::Library ? locations(SliceKind::Trash)->constLast()
+                                       : m_places.trashFolder;
 }
 
 bool HomeLayout::isInTrash(const FileUrl &location) const

@@ -4,6 +4,7 @@
 
 /// The two ways in which a home folder is laid out.
 enum class HomeKind {
+    Unknown,     ///< nobody has looked yet
     Library,     ///< the programs keep what is theirs in the folder "Library"
     Freedesktop, ///< in hidden folders, as the freedesktop conventions have it
 };
@@ -49,7 +50,7 @@ public:
         std::vector<ProgramFiles> programs;
     };
 
-    /// No home: a layout whose places are nowhere.
+    /// Of a home that nobody has looked at: no slice has a place.
     HomeLayout() = default;
     /// The fixed layout; nothing is looked at.
     static HomeLayout withLibrary(const FileUrl &home);
@@ -58,15 +59,15 @@ public:
     HomeKind kind() const { return m_kind; }
     const FileUrl &home() const { return m_home; }
 
-    /// Where the slice's content lies; nothing for large files, which the user picks. Folders are
-    /// emptied, files are removed.
+    /// Where the slice's content lies; nothing for large files, which the user picks, and while
+    /// nobody knows. Folders are emptied, files are removed.
     std::optional<FileUrls> locations(SliceKind kind) const;
     /// The slice's description, which names the programs of this kind of home.
     QString details(SliceKind kind) const;
     /// The folders in which large files are looked for, none inside another. Empty for the fixed
     /// layout, whose folders the search knows.
     const FileUrls &searchFolders() const { return m_places.searchFolders; }
-    /// The folder that shows what is in the trash.
+    /// The folder that shows what is in the trash; invalid while nobody knows.
     FileUrl trashFolder() const;
     /// Whether this is a folder of the trash, where what the user threw away is removed though a
     /// folder of it was made read-only.
@@ -75,7 +76,7 @@ public:
     const std::vector<ProgramFiles> &programs() const { return m_places.programs; }
 
 private:
-    HomeKind m_kind = HomeKind::Library;
+    HomeKind m_kind = HomeKind::Unknown;
     FileUrl m_home;
     Places m_places;
 };

@@ -10,12 +10,16 @@
 
 namespace {
 
-std::shared_ptr<Info> madeRecord(const SliceDescription &slice, const FileUrl &home,
-                                 const Info::Services &services)
+std::shared_ptr<Info> madeRecord(const SliceDescription &slice, const HomeLayout &layout,
+                                 const Info::Services &services, const ProgramsInUse &inUse)
 {
     const QString name = QString::fromUtf16(slice.name);
-    if (slice.kind != SliceKind::LargeFiles)
-        return Info::infoWithName(name, sliceLocations(slice.kind, home), services);
+    if (slice.kind != SliceKind::LargeFiles) {
+        std::optional<FileUrls> places = layout.locations(slice.kind);
+        if (places)
+            places = inUse.without(*places);
+        return Info::infoWithName(name, std::move(places), services);
+    }
     auto record = std::make_shared<Info>(name, std::nullopt, name,
                                          QString::fromUtf16(kClickToSelect), services);
     record->setIsOn(false);
@@ -29,11 +33,12 @@ SliceSelection::SliceSelection(UserDefaults &defaults, FileAccess &access)
 {
 }
 
-void SliceSelection::rebuild(const FileUrl &home, const Info::Services &services)
+void SliceSelection::rebuild(const HomeLayout &layout, const Info::Services &services,
+                             const ProgramsInUse &inUse)
 {
     m_records.clear();
     for (const SliceDescription &slice : sliceCatalogue())
-        m_records.push_back(madeRecord(slice, home, services));
+        m_records.push_back(madeRecord(slice, layout, services, inUse));
     restore();
 }
 

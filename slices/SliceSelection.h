@@ -2,7 +2,7 @@
 
 #include "slices/FileAccess.h"
 #include "slices/Info.h"
-#include "slices/SliceCatalogue.h"
+#include "slices/ProgramsInUse.h"
 
 #include <memory>
 #include <vector>
@@ -30,8 +30,10 @@ public:
     const Records &records() const { return m_records; }
     Info &record(SliceKind kind) { return *m_records.at(indexOf(kind)); }
 
-    /// Makes eight new records, nothing measured yet, and restores the stored selection.
-    void rebuild(const FileUrl &home, const Info::Services &services);
+    /// Makes eight new records, nothing measured yet, and restores the stored selection. Places in
+    /// use are left out.
+    void rebuild(const HomeLayout &layout, const Info::Services &services,
+                 const ProgramsInUse &inUse = {});
 
     /// Stores which slices are on. Large files are never stored as on: they are picked anew.
     void updateSelectedSlicesUserDefaults() const;

@@ -53,7 +53,7 @@ void TestSliceSelection::init()
     m_fixture->grantHome();
     m_selection =
         std::make_unique<SliceSelection>(m_fixture->defaults(), ResourceManager::access());
-    m_selection->rebuild(m_fixture->homeUrl(), {});
+    m_selection->rebuild(HomeLayout::withLibrary(m_fixture->homeUrl()), {});
 }
 
 void TestSliceSelection::cleanup()
@@ -90,7 +90,7 @@ void TestSliceSelection::switchesAllButLargeFilesOnWithoutAnySelection()
     UserDefaults empty(QFile::decodeName(m_fixture->folder().path("empty")), hostSystemCalls());
     QVERIFY(!empty.isStored(VNTSelectedSlicesString));
     SliceSelection selection(empty, ResourceManager::access());
-    selection.rebuild(m_fixture->homeUrl(), {});
+    selection.rebuild(HomeLayout::withLibrary(m_fixture->homeUrl()), {});
     for (const auto &record : selection.records())
         QCOMPARE(record->isOn(), record.get() != &selection.record(SliceKind::LargeFiles));
 }
@@ -113,7 +113,7 @@ void TestSliceSelection::restoresAStoredSelection()
 {
     QFETCH(QList<bool>, stored);
     m_fixture->defaults().setBooleans(VNTSelectedSlicesString, stored);
-    m_selection->rebuild(m_fixture->homeUrl(), {});
+    m_selection->rebuild(HomeLayout::withLibrary(m_fixture->homeUrl()), {});
     QTEST(states(), "states");
 }
 

@@ -21,7 +21,7 @@ void RecordingWorkspace::activateFileViewerSelectingUrls(const FileUrls &urls)
 
 PageFixture::PageFixture()
 {
-    m_folder.makeFolder("anna");
+    m_folder.makeFolder("anna/Library");
     registerInterfaceClasses(m_loader);
     m_defaults = std::make_unique<UserDefaults>(QFile::decodeName(m_folder.path("settings")),
                                                 hostSystemCalls());

@@ -1,0 +1,92 @@
+// What the page of the slices knows of the home: where everything is, and which programs run.
+
+#include "app/PageViews.h"
+#include "chart/PieChart.h"
+#include "slices/FolderSizing.h"
+#include "slices/FreeSpaceViewController.h"
+#include "slices/HomeSurvey.h"
+#include "slices/RecordPlaces.h"
+#include "widgets/StartButton.h"
+
+/// One status call tells a home with a Library. Any other is looked at beside the main thread, and
+/// until that is done the slices have no places.
+void FreeSpaceViewController::rebuildRecords()
+{
+    const FileUrl home = m_services.homeFolder();
+    m_looking.stop();
+    if (homeHasLibrary(home)) {
+        place({HomeLayout::withLibrary(home), {}});
+        return;
+    }
+    place({});
+    m_looking.run([this, &calls = m_services.calls, &access = m_services.access, home,
+                   environment = HomeEnvironment::ofThisProcess()](const std::stop_token &) {
+        const AccessScope scope(access);
+        const HomeLayout layout = surveyHome(calls, access, home, environment);
+        const HomeFindings findings{layout, ProgramsInUse::find(calls, access, layout)};
+        return [this, findings] { homeWasFound(findings); };
+    });
+}
+
+bool FreeSpaceViewController::homeHasLibrary(const FileUrl &home) const
+{
+    const AccessScope scope(m_services.access);
+    return hasLibrary(m_services.calls, m_services.access, home);
+}
+
+void FreeSpaceViewController::place(const HomeFindings &findings)
+{
+    m_home = findings;
+    m_measuring.request_stop();
+    m_measuring = std::stop_source();
+    const auto measure = [&calls = m_services.calls, &access = m_services.access,
+                          stop = m_measuring.get_token(),
+                          layout = m_home.layout](const FileUrl &url) {
+        const auto readOnlyFolders =
+            layout.isInTrash(url) ? ReadOnlyFolders::Emptied : ReadOnlyFolders::Stay;
+        const qint64 bytes = sizeForFolderAtPath(calls, access, url, stop, readOnlyFolders);
+        return stop.stop_requested() ? std::nullopt : std::optional(bytes);
+    };
+    m_selection.rebuild(m_home.layout, {measure, m_sizeChanged}, m_home.inUse);
+}
+
+void FreeSpaceViewController::homeWasFound(const HomeFindings &findings)
+{
+    place(findings);
+    if (!m_isShown)
+        return; // shown when it appears
+    m_pieChart->reloadData();
+    m_startButton->setEnabled(true);
+    updateButtonText();
+}
+
+/// Programs come and go: the confirmation names what stays because of those that run now, and the
+/// size without it.
+void FreeSpaceViewController::lookAgainAndConfirm()
+{
+    if (m_home.layout.programs().empty()) {
+        askForConfirmation();
+        return;
+    }
+    m_looking.run([this, &calls = m_services.calls, &access = m_services.access,
+                   layout = m_home.layout,
+                   records = m_selection.records()](const std::stop_token &) {
+        const AccessScope scope(access);
+        const auto inUse = ProgramsInUse::find(calls, access, layout);
+        placeRecords(records, layout, inUse);
+        return [this, inUse] { programsWereFound(inUse); };
+    });
+}
+
+void FreeSpaceViewController::programsWereFound(const ProgramsInUse &inUse)
+{
+    m_home.inUse = inUse;
+    m_pieChart->reloadData();
+    if (m_isShown && !m_isCleaning && m_selection.somethingIsSelected())
+        askForConfirmation();
+}
+
+QStringList FreeSpaceViewController::programsInUse(SliceKind kind) const
+{
+    return m_home.inUse.programs(m_home.layout.locations(kind).value_or(FileUrls()));
+}
