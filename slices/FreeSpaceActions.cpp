@@ -161,7 +161,7 @@ void FreeSpaceViewController::showInfo()
 void FreeSpaceViewController::showInFinder()
 {
     const int index = m_hoverButtons->currentHoverIndex();
-    if (index == SliceHoverButtons::kNoSlice)
+    if (index == SliceHoverButtons::kNoSlice || m_home.layout.kind() == HomeKind::Unknown)
         return;
     const Info &info = *m_selection.records().at(index);
     if (index == indexOf(SliceKind::Trash))

@@ -30,6 +30,7 @@ void placeRecords(const std::vector<std::shared_ptr<Info>> &records, const HomeL
         const FileUrls places = inUse.without(*locations);
         if (record->fileURLs() != places)
             place(*record, places);
+        record->fileSizeString();
     }
 }
 

@@ -6,8 +6,8 @@
 
 class Info;
 
-/// Gives each record of a slice with programs the layout's locations without those in use. A record
-/// whose places change by it is measured anew, on the calling thread: not for the main one.
+/// Gives each record of a slice with programs the layout's locations without those in use, and
+/// measures it unless its size stands, on the calling thread: not for the main one.
 void placeRecords(const std::vector<std::shared_ptr<Info>> &records, const HomeLayout &layout,
                   const ProgramsInUse &inUse);
 

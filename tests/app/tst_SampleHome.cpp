@@ -43,6 +43,8 @@ private Q_SLOTS:
 private:
     ScratchFolder m_place;
     SampleHome m_home{m_place};
+    ScratchFolder m_freedesktopPlace;
+    SampleHome m_freedesktop{m_freedesktopPlace, 1, HomeKind::Freedesktop};
 };
 
 void TestSampleHome::isNamedAsTheLoginFolder()
@@ -54,22 +56,29 @@ void TestSampleHome::isNamedAsTheLoginFolder()
 void TestSampleHome::recordsWhatIsOnTheDisk()
 {
     QCOMPARE(m_home.presentPaths(), m_home.paths());
+    QCOMPARE(m_freedesktop.presentPaths(), m_freedesktop.paths());
+    QVERIFY(!m_freedesktop.paths().contains("Library"));
 }
 
 void TestSampleHome::knowsWhatMeasuringShows_data()
 {
+    QTest::addColumn<HomeKind>("kind");
     QTest::addColumn<int>("slice");
-    for (int slice = 0; slice < SampleHome::kSlices; ++slice)
-        QTest::addRow("%d", slice) << slice;
+    for (int slice = 0; slice < SampleHome::kSlices; ++slice) {
+        QTest::addRow("%d", slice) << HomeKind::Library << slice;
+        QTest::addRow("freedesktop, %d", slice) << HomeKind::Freedesktop << slice;
+    }
 }
 
 void TestSampleHome::knowsWhatMeasuringShows()
 {
+    QFETCH(HomeKind, kind);
     QFETCH(int, slice);
+    const SampleHome &home = kind == HomeKind::Library ? m_home : m_freedesktop;
     qint64 bytes = 0;
-    for (const QByteArray &place : SampleHome::placesOf(slice))
-        bytes += bytesOnDisk(m_home.path(place));
-    QCOMPARE(m_home.bytesShownFor(slice), bytes);
+    for (const QByteArray &place : home.placesOf(slice))
+        bytes += bytesOnDisk(home.path(place));
+    QCOMPARE(home.bytesShownFor(slice), bytes);
     constexpr int kLargeFiles = 1;
     QCOMPARE(bytes == 0, slice == kLargeFiles);
 }
@@ -85,6 +94,8 @@ void TestSampleHome::knowsWhatCleaningTakes()
     QVERIFY(!downloads.contains("Downloads"));
     QVERIFY(!downloads.contains("Downloads old/setup-4.1.dmg"));
     QCOMPARE(m_home.pathsCleanedWith(kBrowserData).size(), 5);
+    QVERIFY(m_freedesktop.pathsCleanedWith(0).contains(".local/share/Trash/directorysizes"));
+    QVERIFY(!m_freedesktop.pathsCleanedWith(0).contains(".local/share/Trash/files"));
 }
 
 void TestSampleHome::listsLargeFilesByTheirSize()

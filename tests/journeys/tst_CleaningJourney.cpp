@@ -29,6 +29,7 @@ class TestCleaningJourney final : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase_data();
     void init();
     void cleanup();
 
@@ -54,10 +55,18 @@ private:
     std::unique_ptr<Journey> m_journey;
 };
 
+void TestCleaningJourney::initTestCase_data()
+{
+    QTest::addColumn<HomeKind>("kind");
+    QTest::newRow("with a Library") << HomeKind::Library;
+    QTest::newRow("freedesktop") << HomeKind::Freedesktop;
+}
+
 void TestCleaningJourney::init()
 {
+    QFETCH_GLOBAL(const HomeKind, kind);
     m_place = std::make_unique<ScratchFolder>();
-    m_home = std::make_unique<SampleHome>(*m_place);
+    m_home = std::make_unique<SampleHome>(*m_place, 1, kind);
 }
 
 void TestCleaningJourney::cleanup()

@@ -142,6 +142,8 @@ Popover *Journey::openPopover()
 bool Journey::waitForMeasures()
 {
     return waitFor([this] {
+        if (controller().freeSpacePage().homeLayout().kind() == HomeKind::Unknown)
+            return false;
         for (const auto &record : controller().freeSpacePage().selection().records()) {
             if (record->fileURLs() && !record->isMeasured())
                 return false;

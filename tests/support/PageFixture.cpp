@@ -19,9 +19,9 @@ void RecordingWorkspace::activateFileViewerSelectingUrls(const FileUrls &urls)
     revealed.append(urls);
 }
 
-PageFixture::PageFixture()
+PageFixture::PageFixture(HomeKind kind)
 {
-    m_folder.makeFolder("anna/Library");
+    m_folder.makeFolder(kind == HomeKind::Library ? "anna/Library" : "anna");
     registerInterfaceClasses(m_loader);
     m_defaults = std::make_unique<UserDefaults>(QFile::decodeName(m_folder.path("settings")),
                                                 hostSystemCalls());

@@ -3,6 +3,7 @@
 #include "app/UserDefaults.h"
 #include "platform/InterfaceLoader.h"
 #include "platform/Workspace.h"
+#include "slices/HomeLayout.h"
 #include "tests/support/ScratchFolder.h"
 #include "widgets/LabelController.h"
 
@@ -28,7 +29,7 @@ public:
 class PageFixture final
 {
 public:
-    PageFixture();
+    explicit PageFixture(HomeKind kind = HomeKind::Library);
     ~PageFixture();
 
     QByteArray home() const { return m_folder.path("anna"); }

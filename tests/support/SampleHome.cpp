@@ -17,7 +17,21 @@ struct MadeFile
     qint64 size;
 };
 
-constexpr MadeFile kSliceFiles[] = {
+constexpr MadeFile kDownloads[] = {
+    {"Downloads/holiday photos.zip", 212 * kMega},
+    {"Downloads/setup-4.2.1.dmg", 86 * kMega + 300},
+    {"Downloads/Invoice April.pdf", 240 * kKilo},
+    {"Downloads/Caf\xc3\xa9 menu.pdf", 1 * kMega},
+    {"Downloads/.partial download", 44 * kMega},
+    {"Downloads/unpacked/readme.txt", 3 * kKilo},
+    {"Downloads/unpacked/data/deep/er/table.csv", 9 * kMega},
+    {"Downloads/Keep/contract.pdf", 2 * kMega},
+    {"Downloads/Keep/taxes/2014/return.pdf", 5 * kMega},
+    {"Downloads/Keep/.private", 6 * kKilo},
+    {"Downloads/Keepsake.jpg", 4 * kMega},
+};
+
+constexpr MadeFile kLibraryFiles[] = {
     {".Trash/old render.mov", 734 * kMega + 12},
     {".Trash/old project/src/main.cpp", 12 * kKilo},
     {".Trash/old project/build/app.o", 3 * kMega},
@@ -37,18 +51,6 @@ constexpr MadeFile kSliceFiles[] = {
     {"Library/iTunes/iPod Software Updates/iPod_6.1_Restore.ipsw", 790 * kMega},
     {"Library/iTunes/iPhone Software Updates/iPhone_8.1_Restore.ipsw", 1'420 * kMega},
 
-    {"Downloads/holiday photos.zip", 212 * kMega},
-    {"Downloads/setup-4.2.1.dmg", 86 * kMega + 300},
-    {"Downloads/Invoice April.pdf", 240 * kKilo},
-    {"Downloads/Caf\xc3\xa9 menu.pdf", 1 * kMega},
-    {"Downloads/.partial download", 44 * kMega},
-    {"Downloads/unpacked/readme.txt", 3 * kKilo},
-    {"Downloads/unpacked/data/deep/er/table.csv", 9 * kMega},
-    {"Downloads/Keep/contract.pdf", 2 * kMega},
-    {"Downloads/Keep/taxes/2014/return.pdf", 5 * kMega},
-    {"Downloads/Keep/.private", 6 * kKilo},
-    {"Downloads/Keepsake.jpg", 4 * kMega},
-
     {"Library/Containers/com.apple.mail/Data/Library/Mail Downloads/A1/slides.key", 38 * kMega},
     {"Library/Containers/com.apple.mail/Data/Library/Mail Downloads/B2/photo.jpg", 6 * kMega},
 
@@ -57,6 +59,49 @@ constexpr MadeFile kSliceFiles[] = {
     {"Library/Application Support/Google/Chrome/Default/Web Data", 900 * kKilo},
     {"Library/Safari/History.plist", 14 * kMega},
     {"Library/Safari/WebpageIcons.db", 8 * kMega},
+};
+
+constexpr MadeFile kFreedesktopFiles[] = {
+    {".local/share/Trash/files/old render.mov", 734 * kMega + 12},
+    {".local/share/Trash/files/old project/src/main.cpp", 12 * kKilo},
+    {".local/share/Trash/files/old project/.git/index", 90 * kKilo},
+    {".local/share/Trash/files/.hidden note", 2 * kKilo},
+    {".local/share/Trash/info/old render.mov.trashinfo", 94},
+    {".local/share/Trash/info/old project.trashinfo", 88},
+    {".local/share/Trash/expunged/3141592653", 3 * kMega},
+    {".var/app/org.example.Editor/data/Trash/files/draft.txt", 5 * kKilo},
+    {".var/app/org.example.Editor/data/Trash/info/draft.txt.trashinfo", 71},
+    {"snap/player/common/.local/share/Trash/files/old.flac", 31 * kMega},
+
+    {".cache/browser/cache2/entries/blob", 1'630 * kMega},
+    {".cache/thumbnails/large/4f1a.png", 80 * kKilo},
+    {".cache/.lock", 1},
+    {".cache/no text \xff\xfe", 7 * kKilo},
+    {".var/app/org.example.Editor/cache/tmp/index", 45 * kMega},
+    {"snap/player/common/.cache/covers/1.jpg", 300 * kKilo},
+
+    {".local/share/xorg/Xorg.0.log", 60 * kKilo},
+    {".npm/_logs/2026-01-02-debug.log", 9 * kKilo},
+    {".config/editor/logs/20260102/crash #1 100%.log", 640 * kKilo},
+    {".local/share/game/logs/two\nlines.log", 5 * kKilo},
+    {".local/state/player/logs/player.log", 3 * kMega},
+    {".var/app/org.example.Editor/config/editor/logs/main.log", 2 * kMega},
+
+    {".wine/drive_c/users/anna/AppData/Roaming/Apple Computer/iTunes/iPad Software Updates/a.ipsw",
+     1'810 * kMega + 1},
+    {".wine/drive_c/users/anna/AppData/Roaming/Apple Computer/iTunes/iPhone Software "
+     "Updates/b.ipsw",
+     1'420 * kMega},
+
+    {".claws-mail/mimetmp/00000001/slides.odp", 38 * kMega},
+    {".sylpheed-2.0/mimetmp/photo.jpg", 6 * kMega},
+
+    {".config/chromium/Default/Cookies", 2 * kMega},
+    {".config/chromium/Default/Cookies-journal", 4 * kKilo},
+    {".config/chromium/Default/History", 21 * kMega},
+    {".config/chromium/Default/Web Data", 900 * kKilo},
+    {".mozilla/firefox/ab12.default/cookies.sqlite", 500 * kKilo},
+    {".mozilla/firefox/ab12.default/formhistory.sqlite", 200 * kKilo},
 };
 
 /// What nobody chose: beside the places, named like them, or found by the search alone.
@@ -70,10 +115,6 @@ constexpr MadeFile kBystanders[] = {
     {"Documents/One byte more.bin", kLargeFileLimit + 1},
     {"Documents/Tool.app/Contents/Resources/huge.dat", 310 * kMega},
     {"Downloads old/setup-4.1.dmg", 80 * kMega},
-    {"Library/Application Support/Google/Chrome/Default/Bookmarks", 60 * kKilo},
-    {"Library/Caches.bak/org.example.mail/Envelope Index", 9 * kMega},
-    {"Library/Preferences/org.example.mail.plist", 4 * kKilo},
-    {"Library/Safari/Bookmarks.plist", 70 * kKilo},
     {"Movies/Summer in the mountains.mov", 2'350 * kMega},
     {"Movies/.unfinished.mov", 500 * kMega},
     {"Music/Concert.flac", 420 * kMega + 7},
@@ -81,6 +122,32 @@ constexpr MadeFile kBystanders[] = {
     {"Pictures/2014/beach.jpg", 7 * kMega},
     {"Public/Drop Box/from a friend.zip", 15 * kMega},
 };
+
+constexpr MadeFile kLibraryBystanders[] = {
+    {"Library/Application Support/Google/Chrome/Default/Bookmarks", 60 * kKilo},
+    {"Library/Caches.bak/org.example.mail/Envelope Index", 9 * kMega},
+    {"Library/Preferences/org.example.mail.plist", 4 * kKilo},
+    {"Library/Safari/Bookmarks.plist", 70 * kKilo},
+};
+
+constexpr MadeFile kFreedesktopBystanders[] = {
+    {".cache.bak/browser/cache2/entries/blob", 9 * kMega},
+    {".claws-mail/imapcache/mail/1", 70 * kKilo},
+    {".config/chromium/Default/Bookmarks", 60 * kKilo},
+    {".config/chromium/Default/Login Data", 40 * kKilo},
+    {".config/chromium/Local State", 8 * kKilo},
+    {".config/logs.conf", 1 * kKilo},
+    {".local/share/game/saves/1.sav", 4 * kMega},
+    {".local/share/keyrings/login.keyring", 2 * kKilo},
+    {".mozilla/firefox/ab12.default/key4.db", 290 * kKilo},
+    {".mozilla/firefox/ab12.default/logins.json", 12 * kKilo},
+    {".mozilla/firefox/ab12.default/places.sqlite", 10 * kMega},
+    {".thunderbird/cd34.default/ImapMail/mail/INBOX", 210 * kMega},
+    {".var/app/org.example.Editor/data/notes/keep.md", 3 * kKilo},
+    {"Videos/Winter by the sea.mkv", 1'200 * kMega},
+};
+
+constexpr auto kFolderSizes = ".local/share/Trash/directorysizes";
 
 bool isBelow(const QByteArray &path, const QByteArray &folder)
 {
@@ -92,9 +159,52 @@ bool hasHiddenName(const QByteArray &relativePath)
     return ('/' + relativePath).contains("/.");
 }
 
+QList<QByteArray> libraryPlaces(int slice)
+{
+    static const QByteArray chrome = "Library/Application Support/Google/Chrome/Default/";
+    static const QList<QByteArray> places[SampleHome::kSlices] = {
+        {".Trash"},
+        {},
+        {"Library/Caches"},
+        {"Library/Logs"},
+        {"Library/iTunes/iPad Software Updates", "Library/iTunes/iPod Software Updates",
+         "Library/iTunes/iPhone Software Updates"},
+        {"Downloads"},
+        {"Library/Containers/com.apple.mail/Data/Library/Mail Downloads"},
+        {chrome + "Cookies", chrome + "History", chrome + "Web Data",
+         "Library/Safari/History.plist", "Library/Safari/WebpageIcons.db"},
+    };
+    return places[slice];
+}
+
+QList<QByteArray> freedesktopPlaces(int slice)
+{
+    static const QByteArray sandbox = ".var/app/org.example.Editor/";
+    static const QByteArray updates =
+        ".wine/drive_c/users/anna/AppData/Roaming/Apple Computer/iTunes/";
+    static const QByteArray chromium = ".config/chromium/Default/";
+    static const QByteArray firefox = ".mozilla/firefox/ab12.default/";
+    static const QList<QByteArray> places[SampleHome::kSlices] = {
+        {".local/share/Trash/files", ".local/share/Trash/info", ".local/share/Trash/expunged",
+         sandbox + "data/Trash/files", sandbox + "data/Trash/info",
+         "snap/player/common/.local/share/Trash/files"},
+        {},
+        {".cache", sandbox + "cache", "snap/player/common/.cache"},
+        {".local/share/xorg", ".npm/_logs", ".config/editor/logs", ".local/share/game/logs",
+         ".local/state/player/logs", sandbox + "config/editor/logs"},
+        {updates + "iPad Software Updates", updates + "iPhone Software Updates"},
+        {"Downloads"},
+        {".claws-mail/mimetmp", ".sylpheed-2.0/mimetmp"},
+        {chromium + "Cookies", chromium + "Cookies-journal", chromium + "History",
+         chromium + "Web Data", firefox + "cookies.sqlite", firefox + "formhistory.sqlite"},
+    };
+    return places[slice];
+}
+
 } // namespace
 
-SampleHome::SampleHome(const ScratchFolder &place, int scale) : m_place(place)
+SampleHome::SampleHome(const ScratchFolder &place, int scale, HomeKind kind)
+    : m_place(place), m_kind(kind)
 {
     const QByteArray login = RealHomeDirectory().split('/').last();
     m_name = login.isEmpty() ? QByteArray("home") : login;
@@ -115,22 +225,9 @@ QByteArray SampleHome::path(const QByteArray &relativePath) const
     return relativePath.isEmpty() ? home : home + '/' + relativePath;
 }
 
-QList<QByteArray> SampleHome::placesOf(int slice)
+QList<QByteArray> SampleHome::placesOf(int slice) const
 {
-    static const QByteArray chrome = "Library/Application Support/Google/Chrome/Default/";
-    static const QList<QByteArray> places[kSlices] = {
-        {".Trash"},
-        {},
-        {"Library/Caches"},
-        {"Library/Logs"},
-        {"Library/iTunes/iPad Software Updates", "Library/iTunes/iPod Software Updates",
-         "Library/iTunes/iPhone Software Updates"},
-        {"Downloads"},
-        {"Library/Containers/com.apple.mail/Data/Library/Mail Downloads"},
-        {chrome + "Cookies", chrome + "History", chrome + "Web Data",
-         "Library/Safari/History.plist", "Library/Safari/WebpageIcons.db"},
-    };
-    return places[slice];
+    return m_kind == HomeKind::Library ? libraryPlaces(slice) : freedesktopPlaces(slice);
 }
 
 qint64 SampleHome::bytesShownFor(int slice) const
@@ -161,7 +258,8 @@ QList<QByteArray> SampleHome::pathsCleanedWith(int slice) const
         const bool isCleaned = std::ranges::any_of(places, [&](const QByteArray &place) {
             return isBelow(item.key(), place) || (item.key() == place && !item->isFolder);
         });
-        if (isCleaned)
+        const bool isBookOfTrash = slice == 0 && item.key() == kFolderSizes;
+        if (isCleaned || isBookOfTrash)
             cleaned.append(item.key());
     }
     return cleaned;
@@ -169,9 +267,9 @@ QList<QByteArray> SampleHome::pathsCleanedWith(int slice) const
 
 QList<QByteArray> SampleHome::largeFiles() const
 {
-    static const QList<QByteArray> searched{"Desktop",  "Documents", "Downloads",
-                                            "Dropbox",  "Movies",    "Music",
-                                            "Pictures", "Public",    "Sites"};
+    const QByteArray films = m_kind == HomeKind::Library ? "Movies" : "Videos";
+    const QList<QByteArray> searched{"Desktop", "Documents", "Downloads", "Dropbox", films,
+                                     "Music",   "Pictures",  "Public",    "Sites"};
     QList<QByteArray> found;
     for (auto item = m_items.begin(); item != m_items.end(); ++item) {
         const QByteArray top = item.key().split('/').first();
@@ -196,25 +294,40 @@ QList<QByteArray> SampleHome::presentPaths() const
 
 void SampleHome::makeSlices()
 {
-    for (const MadeFile &made : kSliceFiles)
+    for (const MadeFile &made : kDownloads)
         file(made.path, made.size);
+    if (m_kind == HomeKind::Library) {
+        for (const MadeFile &made : kLibraryFiles)
+            file(made.path, made.size);
+        return;
+    }
+    for (const MadeFile &made : kFreedesktopFiles)
+        file(made.path, made.size);
+    file(kFolderSizes, 120);
 }
 
 void SampleHome::makeSmallFiles(int scale)
 {
     constexpr int kFilesPerFolder = 15;
     for (int i = 0; i < 3 * scale; ++i) {
-        const QByteArray folder = "Library/Caches/org.example.app" + QByteArray::number(i) + '/';
+        const QByteArray folder = caches() + "/org.example.app" + QByteArray::number(i) + '/';
         for (int j = 0; j < kFilesPerFolder; ++j)
             file(folder + "entry " + QByteArray::number(j), (j + 1) * kKilo + i);
     }
     for (int i = 0; i < kFilesPerFolder * scale; ++i)
-        file("Library/Logs/Daily/day " + QByteArray::number(i) + ".log", 800 + i);
+        file(placesOf(3).first() + "/Daily/day " + QByteArray::number(i) + ".log", 800 + i);
 }
 
 void SampleHome::makeBystanders()
 {
     for (const MadeFile &made : kBystanders)
+        file(made.path, made.size);
+    if (m_kind == HomeKind::Library) {
+        for (const MadeFile &made : kLibraryBystanders)
+            file(made.path, made.size);
+        return;
+    }
+    for (const MadeFile &made : kFreedesktopBystanders)
         file(made.path, made.size);
 }
 
@@ -222,8 +335,8 @@ void SampleHome::makeLinks()
 {
     link("Downloads/movies", "../Movies");
     link("Downloads/thesis.odt", "../Documents/Thesis.odt");
-    link(".Trash/nowhere", "not there");
-    link("Library/Caches/shortcut to documents", path("Documents"));
+    link(placesOf(0).first() + "/nowhere", "not there");
+    link(caches() + "/shortcut to documents", path("Documents"));
 }
 
 void SampleHome::file(const QByteArray &relativePath, qint64 size)

@@ -1,13 +1,15 @@
 #pragma once
 
 #include "platform/FileUrl.h"
+#include "slices/HomeLayout.h"
 #include "tests/support/ScratchFolder.h"
 
 #include <QMap>
 
-/// A made-up home folder, named as the login folder, with content of every kind that Vantor cleans
-/// and of the kinds that it must leave: hidden items, links out of the folders to be cleaned,
-/// names that begin like theirs, names that are no text. Large files take no room on the disk.
+/// A made-up home folder of either kind, named as the login folder, with content of every kind that
+/// Vantor cleans and of the kinds that it must leave: hidden items, links out of the folders to be
+/// cleaned, names that begin like theirs, names that are no text. Large files take no room on the
+/// disk.
 ///
 /// It keeps a record of what it made, so that tests compare with sums and lists that no walker of
 /// the program has touched. Slices go by their index in the catalogue; paths are raw and relative
@@ -21,13 +23,14 @@ public:
 
     /// `scale` multiplies the number of small files in the caches and logs (about 60 at 1), for
     /// measurements. The folder lives as long as `place`.
-    explicit SampleHome(const ScratchFolder &place, int scale = 1);
+    explicit SampleHome(const ScratchFolder &place, int scale = 1,
+                        HomeKind kind = HomeKind::Library);
 
     FileUrl url(const QByteArray &relativePath = {}, FileUrlKind kind = FileUrlKind::Folder) const;
     QByteArray path(const QByteArray &relativePath = {}) const;
 
     /// The folders and files that a slice stands for; none for "Large Files".
-    static QList<QByteArray> placesOf(int slice);
+    QList<QByteArray> placesOf(int slice) const;
 
     /// What measuring shows: all that is no folder and not hidden below the places, links with
     /// their own size.
@@ -54,6 +57,7 @@ private:
         qint64 size = 0;
     };
 
+    QByteArray caches() const { return placesOf(2).first(); }
     void makeSlices();
     void makeSmallFiles(int scale);
     void makeBystanders();
@@ -63,6 +67,7 @@ private:
     void foldersAbove(const QByteArray &relativePath);
 
     const ScratchFolder &m_place;
+    const HomeKind m_kind;
     QByteArray m_name;
     QMap<QByteArray, Item> m_items;
 };

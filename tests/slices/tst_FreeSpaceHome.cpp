@@ -1,0 +1,242 @@
+#include "app/ExcludedFilesChangedNotification.h"
+#include "app/ResourceManager.h"
+#include "app/SettingsKeys.h"
+#include "chart/PieChart.h"
+#include "prefs/Popover.h"
+#include "slices/FreeSpaceViewController.h"
+#include "slices/SliceHoverButtons.h"
+#include "tests/support/GuiTestMain.h"
+#include "tests/support/PageFixture.h"
+#include "tests/support/RecordingPageDelegate.h"
+#include "tests/support/SheetDriver.h"
+#include "tests/support/WatchedSystemCalls.h"
+#include "widgets/ImageButton.h"
+#include "widgets/StartButton.h"
+
+#include <QLabel>
+#include <QSemaphore>
+#include <QThreadPool>
+#include <unistd.h>
+
+/// The page of the slices in a freedesktop home, whose places have to be found first.
+class TestFreeSpaceHome final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void findsThePlacesBesideTheMainThread();
+    void findsThemAfreshAtEveryVisit();
+    void describesTheProgramsOfThisKindOfHome();
+    void opensTheTrash();
+    void leavesOutWhatARunningBrowserUses();
+    void looksForProgramsAgainBeforeItAsks();
+    void givesBackWhatAnEndedProgramUsed();
+    void keepsTheFilesOfAProgramStartedAfterTheConsent();
+
+private:
+    void appear();
+    void firefoxStarts();
+    void firefoxEnds();
+    QString description(SliceKind kind);
+    Info &browserData() { return m_page->selection().record(SliceKind::BrowserData); }
+
+    std::unique_ptr<PageFixture> m_fixture;
+    std::function<void()> m_beforeListing; ///< on the thread that lists
+    WatchedSystemCalls m_calls{[this](int, WatchedCall call, const char *) {
+        if (call == WatchedCall::ReadEntries && m_beforeListing)
+            m_beforeListing();
+        return 0;
+    }};
+    std::unique_ptr<FreeSpaceViewController> m_page;
+    RecordingPageDelegate m_delegate;
+    ExcludedFilesChangedNotification m_excludedFilesChanged;
+};
+
+void TestFreeSpaceHome::init()
+{
+    m_delegate.moves.clear();
+    m_beforeListing = {};
+    m_fixture = std::make_unique<PageFixture>(HomeKind::Freedesktop);
+    m_fixture->grantHome();
+    m_fixture->makeFile(".cache/a", 2'000'000);
+    m_fixture->makeFile(".local/share/Trash/files/b", 300'000);
+    m_fixture->makeFile(".config/chromium/Default/History", 4'000'000);
+    m_fixture->makeFile(".mozilla/firefox/x.default/cookies.sqlite", 500'000);
+    m_fixture->makeFile(".mozilla/firefox/x.default/.parentlock", 0);
+    m_fixture->defaults().setBoolean(VNTHideDemoWindowString, true);
+    m_fixture->defaults().setBooleans(VNTSelectedSlicesString,
+                                      {false, false, false, false, false, false, false, true});
+    m_page = std::make_unique<FreeSpaceViewController>(
+        m_fixture->loader(),
+        FreeSpaceViewController::Services{m_fixture->defaults(), m_calls, ResourceManager::access(),
+                                          m_fixture->workspace(), m_excludedFilesChanged,
+                                          &ResourceManager::homeFolder, [] { return true; },
+                                          PageFixture::madeVolume()});
+    m_page->setDelegate(&m_delegate);
+    m_page->view()->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_page->view()));
+}
+
+void TestFreeSpaceHome::cleanup()
+{
+    m_page.reset();
+    QVERIFY(QThreadPool::globalInstance()->waitForDone());
+    QCOMPARE(ResourceManager::accessCount(), 0);
+    m_fixture.reset();
+}
+
+void TestFreeSpaceHome::appear()
+{
+    m_page->viewWillAppear(true);
+    m_page->viewDidAppear(true);
+    QTRY_VERIFY(m_page->startButton()->isEnabled());
+}
+
+/// As far as its traces tell, Firefox is this very process.
+void TestFreeSpaceHome::firefoxStarts()
+{
+    m_fixture->folder().makeLink("anna/.mozilla/firefox/x.default/lock",
+                                 "127.0.1.1:+" + QByteArray::number(::getpid()));
+}
+
+void TestFreeSpaceHome::firefoxEnds()
+{
+    QVERIFY(
+        QFile::remove(QFile::decodeName(m_fixture->home() + "/.mozilla/firefox/x.default/lock")));
+}
+
+QString TestFreeSpaceHome::description(SliceKind kind)
+{
+    m_page->didHoverOverSliceAtIndex(*m_page->pieChart(), indexOf(kind));
+    m_page->showInfo();
+    QString text;
+    for (const Popover *popover : m_page->view()->window()->findChildren<Popover *>()) {
+        for (const QLabel *label : popover->findChildren<QLabel *>())
+            text += label->text();
+    }
+    return text;
+}
+
+void TestFreeSpaceHome::findsThePlacesBesideTheMainThread()
+{
+    QSemaphore gate;
+    m_beforeListing = [&gate] { gate.acquire(); };
+    m_page->viewWillAppear(true);
+    m_page->viewDidAppear(true);
+    for (const auto &record : m_page->selection().records())
+        QVERIFY(!record->fileURLs());
+    QVERIFY(!m_page->startButton()->isEnabled());
+    m_page->next();
+    m_page->showInFinder();
+    QVERIFY(!hasSheet(*m_page->view()));
+    gate.release(1'000);
+    QTRY_VERIFY(m_page->startButton()->isEnabled());
+    QCOMPARE(m_page->homeLayout().kind(), HomeKind::Freedesktop);
+    QTRY_COMPARE(m_page->selection().record(SliceKind::Cache).fileSize(), 2'000'000);
+    QTRY_COMPARE(m_page->selection().record(SliceKind::Trash).fileSize(), 300'000);
+    QTRY_COMPARE(m_page->selection().totalSize(), 4'500'000);
+    QTRY_COMPARE(m_page->selection().record(SliceKind::OldIos).fileSizeString().value_or(QString()),
+                 QStringLiteral("Empty"));
+}
+
+void TestFreeSpaceHome::findsThemAfreshAtEveryVisit()
+{
+    appear();
+    QTRY_COMPARE(m_page->selection().record(SliceKind::Cache).fileSize(), 2'000'000);
+    m_page->viewWillDisappear(true);
+    m_fixture->makeFile(".var/app/org.a.A/cache/c", 1'000'000);
+    appear();
+    QTRY_COMPARE(m_page->selection().record(SliceKind::Cache).fileSize(), 3'000'000);
+    m_page->viewWillDisappear(true);
+    m_fixture->makeFile("Library/Caches/d", 700);
+    m_page->viewWillAppear(true);
+    QCOMPARE(m_page->homeLayout().kind(), HomeKind::Library); // at once
+    m_page->viewDidAppear(true);
+    QTRY_COMPARE(m_page->selection().record(SliceKind::Cache).fileSize(), 700);
+}
+
+void TestFreeSpaceHome::describesTheProgramsOfThisKindOfHome()
+{
+    appear();
+    QVERIFY(description(SliceKind::OldIos).contains(QStringLiteral("Wine")));
+    QVERIFY(description(SliceKind::BrowserData).contains(QStringLiteral("Firefox")));
+    QVERIFY(!description(SliceKind::BrowserData).contains(QStringLiteral("in use")));
+    QVERIFY(description(SliceKind::Trash).contains(QStringLiteral("Empty the Trash")));
+}
+
+void TestFreeSpaceHome::opensTheTrash()
+{
+    appear();
+    m_page->didHoverOverSliceAtIndex(*m_page->pieChart(), indexOf(SliceKind::Trash));
+    m_page->showInFinder();
+    QCOMPARE(m_fixture->workspace().opened.size(), 1);
+    QVERIFY(m_fixture->workspace().opened[0].path().endsWith(
+        QStringLiteral("/.local/share/Trash/files/")));
+}
+
+void TestFreeSpaceHome::leavesOutWhatARunningBrowserUses()
+{
+    firefoxStarts();
+    appear();
+    QTRY_COMPARE(m_page->selection().totalSize(), 4'000'000);
+    QCOMPARE(browserData().fileURLs()->size(), 1);
+    QVERIFY(description(SliceKind::BrowserData)
+                .contains(QStringLiteral("Firefox is in use: its files stay.")));
+    m_page->next();
+    QTRY_VERIFY(hasSheet(*m_page->view()));
+    QVERIFY(sheetText(*m_page->view())
+                .contains(QStringLiteral("• Browser Data (4 MB without the files of Firefox, which "
+                                         "is in use)\n")));
+    QVERIFY(pressSheetButton(*m_page->view(), QStringLiteral("Delete Files")));
+    QTRY_COMPARE(m_delegate.moves.size(), 1);
+    QCOMPARE(m_delegate.moves[0].data, QVariant(qint64{4'000'000}));
+    QVERIFY(m_fixture->exists(".mozilla/firefox/x.default/cookies.sqlite"));
+    QVERIFY(!m_fixture->exists(".config/chromium/Default/History"));
+}
+
+void TestFreeSpaceHome::looksForProgramsAgainBeforeItAsks()
+{
+    appear();
+    QTRY_COMPARE(m_page->selection().totalSize(), 4'500'000);
+    firefoxStarts();
+    m_page->next();
+    QTRY_VERIFY(hasSheet(*m_page->view()));
+    QVERIFY(sheetText(*m_page->view()).contains(QStringLiteral("(4 MB without")));
+    QCOMPARE(m_page->selection().totalSize(), 4'000'000);
+}
+
+void TestFreeSpaceHome::givesBackWhatAnEndedProgramUsed()
+{
+    firefoxStarts();
+    appear();
+    QTRY_COMPARE(m_page->selection().totalSize(), 4'000'000);
+    firefoxEnds();
+    m_page->next();
+    QTRY_VERIFY(hasSheet(*m_page->view()));
+    QVERIFY(sheetText(*m_page->view()).contains(QStringLiteral("• Browser Data\n")));
+    QCOMPARE(m_page->selection().totalSize(), 4'500'000);
+}
+
+void TestFreeSpaceHome::keepsTheFilesOfAProgramStartedAfterTheConsent()
+{
+    appear();
+    QTRY_COMPARE(m_page->selection().totalSize(), 4'500'000);
+    QString leftAlone;
+    connect(m_page.get(), &FreeSpaceViewController::placesLeftAlone, this,
+            [&](const QString &text) { leftAlone = text; });
+    m_page->next();
+    QTRY_VERIFY(hasSheet(*m_page->view()));
+    firefoxStarts();
+    QVERIFY(pressSheetButton(*m_page->view(), QStringLiteral("Delete Files")));
+    QTRY_COMPARE(m_delegate.moves.size(), 1);
+    QCOMPARE(m_delegate.moves[0].data, QVariant(qint64{4'000'000}));
+    QVERIFY(m_fixture->exists(".mozilla/firefox/x.default/cookies.sqlite"));
+    QVERIFY(!m_fixture->exists(".config/chromium/Default/History"));
+    QVERIFY(leftAlone.contains(QStringLiteral("cookies.sqlite: a program has begun to use it")));
+}
+
+VANTOR_GUI_TEST_MAIN(TestFreeSpaceHome)
+#include "tst_FreeSpaceHome.moc"
