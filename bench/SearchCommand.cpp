@@ -2,6 +2,7 @@
 #include "largefiles/LargeFileSearch.h"
 #include "platform/ByteCount.h"
 #include "platform/ProcessMemory.h"
+#include "slices/HomeSurvey.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -30,6 +31,8 @@ public:
     {
         const QByteArray home = m_home.path();
         const QByteArray inside = home == "/" ? home : home + '/';
+        if (m_anchor && url == m_home)
+            return AnchoredPath{m_anchor, {}};
         if (!m_anchor || !url.path().startsWith(inside))
             return std::nullopt;
         return AnchoredPath{m_anchor, url.path().sliced(inside.size())};
@@ -68,11 +71,13 @@ int search(const QString &path, unsigned threads)
         std::fprintf(stderr, "vantor-bench: cannot open %s\n", qPrintable(path));
         return kFailed;
     }
+    const HomeLayout layout =
+        surveyHome(hostSystemCalls(), access, home, HomeEnvironment::ofThisProcess());
     Tally tally;
     QElapsedTimer timer;
     timer.start();
-    const SearchOutcome outcome =
-        searchLargeFiles(hostSystemCalls(), access, {searchURLs(home), {}, {}}, tally, {}, threads);
+    const SearchOutcome outcome = searchLargeFiles(
+        hostSystemCalls(), access, {searchURLs(layout), {}, {}}, tally, {}, threads);
     const double seconds = static_cast<double>(timer.nsecsElapsed()) / 1e9;
 
     const QJsonObject line{{QStringLiteral("found"), tally.found()},

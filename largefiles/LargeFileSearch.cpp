@@ -207,6 +207,12 @@ FileUrls searchURLs(const FileUrl &homeFolder)
     return urls;
 }
 
+FileUrls searchURLs(const HomeLayout &layout)
+{
+    return layout.kind() == HomeKind::Freedesktop ? layout.searchFolders()
+                                                  : searchURLs(layout.home());
+}
+
 SearchOutcome searchLargeFiles(const SystemCalls &calls, FileAccess &access,
                                const LargeFileQuery &query, LargeFileListener &listener,
                                const std::stop_token &stop, unsigned threads)

@@ -3,6 +3,7 @@
 #include "largefiles/File.h"
 #include "platform/SystemCalls.h"
 #include "slices/FileAccess.h"
+#include "slices/HomeLayout.h"
 
 #include <QStringList>
 #include <functional>
@@ -13,6 +14,8 @@ inline constexpr qint64 kSmallestLargeFile = 100'000'001;
 
 /// The folders of a home that are searched, in this order.
 FileUrls searchURLs(const FileUrl &homeFolder);
+/// The folders of a home of either kind: those, or the ones that a freedesktop home names.
+FileUrls searchURLs(const HomeLayout &layout);
 
 /// What could not be read, and why.
 struct UnreadablePlace

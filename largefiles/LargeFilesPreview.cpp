@@ -67,7 +67,7 @@ void LargeFilesWindowController::showThumbnailOfRow(int row)
     m_imageView->setPixmap(
         imageNamed(m_icons.imageName(file.lastPathComponent()), size.scale, size.points));
     m_placeLabel->setText(m_placeLabel->fontMetrics().elidedText(
-        tr("In %1").arg(placeOf(file, m_services.homeFolder)), Qt::ElideMiddle,
+        tr("In %1").arg(placeOf(file, m_services.home.home())), Qt::ElideMiddle,
         size.points.width()));
     const FileReading reading{m_services.calls, m_services.access};
     m_thumbnails.run([this, reading, file, size](const std::stop_token &stop) {

@@ -39,7 +39,7 @@ LargeFilesWindowController::LargeFilesWindowController(const InterfaceLoader &lo
                                                        Services services, QObject *parent)
     : WindowController(loader, parent),
       m_services(std::move(services)),
-      m_searchURLs(::searchURLs(m_services.homeFolder)),
+      m_searchURLs(::searchURLs(m_services.home)),
       m_freshSizes(m_services.calls, m_services.access),
       m_array([this](const FileUrls &files, LargeFileList::Answer answer) {
           m_freshSizes.read(files, std::move(answer));

@@ -41,8 +41,8 @@ public:
         const SystemCalls &calls;
         FileAccess &access;
         Workspace &workspace;
-        /// The granted folder; read once, when the controller is made.
-        FileUrl homeFolder;
+        /// The granted folder and where everything is in it; taken when the controller is made.
+        HomeLayout home;
     };
 
     LargeFilesWindowController(const InterfaceLoader &loader, Services services,

@@ -11,7 +11,7 @@ LargeFilesWindowController &FreeSpaceViewController::largeFilesWindowController(
         m_largeFilesWindowController = std::make_unique<LargeFilesWindowController>(
             m_loader, LargeFilesWindowController::Services{m_services.defaults, m_services.calls,
                                                            m_services.access, m_services.workspace,
-                                                           m_services.homeFolder()});
+                                                           m_home.layout});
         connect(&m_largeFilesWindowController->array(), &LargeFileList::sizeStringChanged, this,
                 &FreeSpaceViewController::followPickedSize);
     }
@@ -20,7 +20,8 @@ LargeFilesWindowController &FreeSpaceViewController::largeFilesWindowController(
 
 void FreeSpaceViewController::pickLargeFiles()
 {
-    if (!m_isShown || isPickingLargeFiles() || !m_services.grantIsUsable())
+    if (!m_isShown || m_home.layout.kind() == HomeKind::Unknown || isPickingLargeFiles() ||
+        !m_services.grantIsUsable())
         return;
     m_pickingAccess.emplace(m_services.access);
     LargeFilesWindowController &picker = largeFilesWindowController();

@@ -48,6 +48,7 @@ private Q_SLOTS:
     void listsFilesAbove100MB();
     void tellsSizeAndText();
     void searchesTheFoldersInOrder();
+    void searchesTheFoldersThatTheHomeNames();
     void passesMissingFoldersOverInSilence();
     void looksNowhereElse();
     void entersNeitherHiddenFoldersNorPackages();
@@ -114,6 +115,17 @@ void TestLargeFileSearch::searchesTheFoldersInOrder()
     search(home, record);
     QCOMPARE(record.folders, kAllFolders);
     QCOMPARE(record.files, files);
+}
+
+void TestLargeFileSearch::searchesTheFoldersThatTheHomeNames()
+{
+    const FileUrl home = FileUrl::fromPath("/home/anna", FileUrlKind::Folder);
+    const FileUrls named{home.appending("Dokumente", FileUrlKind::Folder),
+                         home.appending("Bilder", FileUrlKind::Folder)};
+    HomeLayout::Places places;
+    places.searchFolders = named;
+    QCOMPARE(searchURLs(HomeLayout::freedesktop(home, places)), named);
+    QCOMPARE(searchURLs(HomeLayout::withLibrary(home)), searchURLs(home));
 }
 
 void TestLargeFileSearch::passesMissingFoldersOverInSilence()

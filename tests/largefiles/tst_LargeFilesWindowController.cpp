@@ -35,7 +35,8 @@ struct Sheet
         : access(folder.path()),
           defaults(QFile::decodeName(folder.path("settings")), hostSystemCalls()),
           controller(loader, {defaults, hostSystemCalls(), access, workspace,
-                              FileUrl::fromPath(folder.path(), FileUrlKind::Folder)})
+                              HomeLayout::withLibrary(
+                                  FileUrl::fromPath(folder.path(), FileUrlKind::Folder))})
     {
         registerLargeFilesClasses(loader);
         folder.makeFolder("Movies");

@@ -2,6 +2,8 @@
 #include "app/ResourceManager.h"
 #include "app/SettingsKeys.h"
 #include "chart/PieChart.h"
+#include "largefiles/LargeFilesWindowController.h"
+#include "platform/Alert.h"
 #include "prefs/Popover.h"
 #include "slices/FreeSpaceViewController.h"
 #include "slices/SliceHoverButtons.h"
@@ -31,6 +33,7 @@ private Q_SLOTS:
     void findsThemAfreshAtEveryVisit();
     void describesTheProgramsOfThisKindOfHome();
     void opensTheTrash();
+    void searchesLargeFilesWhereTheHomeNamesThem();
     void leavesOutWhatARunningBrowserUses();
     void looksForProgramsAgainBeforeItAsks();
     void givesBackWhatAnEndedProgramUsed();
@@ -177,6 +180,20 @@ void TestFreeSpaceHome::opensTheTrash()
         QStringLiteral("/.local/share/Trash/files/")));
 }
 
+void TestFreeSpaceHome::searchesLargeFilesWhereTheHomeNamesThem()
+{
+    m_fixture->makeFile("Videos/film.mkv", 300'000'000);
+    m_fixture->makeFile("Movies/film.mkv", 300'000'000); // the other kind's name
+    appear();
+    m_page->didSelectSliceAtIndex(*m_page->pieChart(), indexOf(SliceKind::LargeFiles));
+    LargeFilesWindowController &sheet = m_page->largeFilesWindowController();
+    QTRY_VERIFY(!sheet.search().isRunning());
+    QTRY_COMPARE(sheet.array().rowCount(), 1);
+    QVERIFY(sheet.array().fileAt(0).fileURL().path().endsWith("/Videos/film.mkv"));
+    sheet.cancel();
+    QTRY_VERIFY(!hasSheet(*m_page->view()));
+}
+
 void TestFreeSpaceHome::leavesOutWhatARunningBrowserUses()
 {
     firefoxStarts();
@@ -225,8 +242,8 @@ void TestFreeSpaceHome::keepsTheFilesOfAProgramStartedAfterTheConsent()
     appear();
     QTRY_COMPARE(m_page->selection().totalSize(), 4'500'000);
     QString leftAlone;
-    connect(m_page.get(), &FreeSpaceViewController::placesLeftAlone, this,
-            [&](const QString &text) { leftAlone = text; });
+    connect(m_page.get(), &FreeSpaceViewController::tells, this,
+            [&](const Alert &alert) { leftAlone = alert.informativeText; });
     m_page->next();
     QTRY_VERIFY(hasSheet(*m_page->view()));
     firefoxStarts();
