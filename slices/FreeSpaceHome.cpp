@@ -1,6 +1,5 @@
 // What the page of the slices knows of the home: where everything is, and which programs run.
 
-#include "app/PageViews.h"
 #include "chart/PieChart.h"
 #include "slices/FolderSizing.h"
 #include "slices/FreeSpaceViewController.h"

@@ -3,6 +3,7 @@
 #include "slices/Cleaning.h"
 #include "slices/ExcludedPaths.h"
 #include "slices/Info.h"
+#include "slices/SliceCatalogue.h"
 #include "tests/support/GuiTestMain.h"
 
 class TestCleaningText final : public QObject
@@ -11,6 +12,8 @@ class TestCleaningText final : public QObject
 
 private Q_SLOTS:
     void asksWithTheSlicesThatAreOn();
+    void asksWithTheSizeWithoutWhatIsInUse();
+    void saysWhichProgramsKeepTheirFiles();
     void namesEveryPlaceLeftAloneWithItsReason();
     void countsWhatItDoesNotName();
     void saysNothingWhenNothingWasLeftAlone();
@@ -31,11 +34,41 @@ void TestCleaningText::asksWithTheSlicesThatAreOn()
                             "recommend backing up before continuing."));
 }
 
+void TestCleaningText::asksWithTheSizeWithoutWhatIsInUse()
+{
+    const auto trash = Info::infoWithName(QStringLiteral("Trash"), std::nullopt);
+    const auto browsers = Info::infoWithName(QStringLiteral("Browser Data"), std::nullopt);
+    browsers->setFileSize(12'000'000);
+    QStringList names{QStringLiteral("Edge")};
+    const auto programs = [&](SliceKind kind) {
+        return kind == SliceKind::BrowserData ? names : QStringList();
+    };
+    QVERIFY(
+        confirmationText({trash, browsers}, programs)
+            .contains(QStringLiteral("• Trash\n• Browser Data (12 MB without the files of Edge, "
+                                     "which is in use)\n\n")));
+    names.append({QStringLiteral("Vivaldi"), QStringLiteral("Firefox")});
+    QVERIFY(confirmationText({trash, browsers}, programs)
+                .contains(QStringLiteral("(12 MB without the files of Edge, Vivaldi and Firefox, "
+                                         "which are in use)\n")));
+    browsers->setIsOn(false);
+    QVERIFY(!confirmationText({trash, browsers}, programs).contains(QStringLiteral("Edge")));
+}
+
+void TestCleaningText::saysWhichProgramsKeepTheirFiles()
+{
+    QCOMPARE(inUseText({}), QString());
+    QCOMPARE(inUseText({QStringLiteral("Edge")}),
+             QStringLiteral(" Edge is in use: its files stay."));
+    QCOMPARE(inUseText({QStringLiteral("Edge"), QStringLiteral("Brave")}),
+             QStringLiteral(" Edge and Brave are in use: their files stay."));
+}
+
 void TestCleaningText::namesEveryPlaceLeftAloneWithItsReason()
 {
     CleaningReport report;
     QStringList reasons;
-    for (int reason = 0; reason <= static_cast<int>(RefusalReason::Changed); ++reason) {
+    for (int reason = 0; reason <= static_cast<int>(RefusalReason::InUse); ++reason) {
         report.refusals = {{"/home/anna/place", static_cast<RefusalReason>(reason), 0}};
         const QString text = leftAloneText(report);
         QVERIFY(text.startsWith(QStringLiteral("/home/anna/place: ")));

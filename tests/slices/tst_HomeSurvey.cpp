@@ -1,8 +1,22 @@
 #include "tests/slices/HomeKit.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/ForwardingSystemCalls.h"
+#include "tests/support/OwnMounts.h"
 #include "tests/support/TestMain.h"
 
 #include <cerrno>
+
+namespace {
+
+/// Lets a cleaning believe that a disk is waited for by nobody, so that it works on one thread: a
+/// child of a process that has several is to start none.
+class OneThreadCalls final : public ForwardingSystemCalls
+{
+public:
+    bool isInMemory(int) const override { return true; }
+};
+
+} // namespace
 
 /// What is found in homes of every make, and that nothing else is.
 class TestHomeSurvey final : public QObject
@@ -22,6 +36,7 @@ private Q_SLOTS:
     void findsEveryBrowserProfile();
     void followsNoLink_data();
     void followsNoLink();
+    void leavesMountsAlone();
     void findsNothingItMayNotRead();
 };
 
@@ -247,6 +262,33 @@ void TestHomeSurvey::followsNoLink()
         for (const QByteArray &path : paths)
             QVERIFY2(!(path + '/').startsWith(link + '/'), path);
     }
+}
+
+/// A folder of documents that a desktop shows below the cache, and a cache that is a disk itself.
+void TestHomeSurvey::leavesMountsAlone()
+{
+    MadeTree tree;
+    for (const char *folder :
+         {".cache", ".cache/doc", ".var", ".var/app", ".var/app/org.a.A", ".var/app/org.a.A/cache"})
+        tree.makeFolder(folder);
+    tree.makeFile(".cache/old");
+    const auto work = [&tree] {
+        const OwnMounts mounts(tree);
+        mounts.mountMemory(".cache/doc");
+        mounts.mountMemory(".var/app/org.a.A/cache");
+        makeFile(tree.path(".cache/doc/letter.odt"));
+        makeFile(tree.path(".var/app/org.a.A/cache/item"));
+        const GrantedFolder access(tree.path());
+        const HomeLayout layout = surveyHome(
+            hostSystemCalls(), access, FileUrl::fromPath(tree.path(), FileUrlKind::Folder), {});
+        const FileUrls caches = *layout.locations(SliceKind::Cache);
+        clean(access, {contentsOf(caches)}, {}, OneThreadCalls());
+        const bool areLeft = exists(tree.path(".cache/doc/letter.odt")) &&
+                             exists(tree.path(".var/app/org.a.A/cache/item"));
+        const bool isGone = !exists(tree.path(".cache/old"));
+        return mounts.areMade() && caches.size() == 1 && areLeft && isGone ? 0 : 1;
+    };
+    QCOMPARE(runInChild(ChildUser::Same, work).exitCode, 0);
 }
 
 /// Whichever call fails, the survey ends and finds no more than it would have found.
