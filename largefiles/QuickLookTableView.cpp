@@ -90,6 +90,12 @@ void QuickLookTableView::keyPressEvent(QKeyEvent *event)
         Q_EMIT togglePressed();
         return;
     }
+    if (event->key() == Qt::Key_Down && selectedRows().isEmpty() && model() &&
+        model()->rowCount() > 0) {
+        event->accept();
+        selectRow(0); // whatever row was current when the list filled
+        return;
+    }
     QTableView::keyPressEvent(event);
 }
 
