@@ -148,7 +148,7 @@ bool isMissing(const SystemCalls &calls, const AnchoredPath &place, int error)
     if (error != ELOOP && error != ENOTDIR) // which of both a link gives is up to the system
         return error == ENOENT;
     const AnchoredEntry entry = anchoredEntry(place);
-    const auto around = openAnchored(calls, entry.folder, Descent::AcrossMounts);
+    const auto around = openAnchored(calls, entry.folder, Descent::Strict);
     if (!around)
         return false;
     const auto behind = calls.kindBehind(around->get(), entry.name.constData());
@@ -164,7 +164,7 @@ std::optional<FileDescriptor> openSearched(const SystemCalls &calls, const FileA
         search.cannotList(folder, EACCES);
         return std::nullopt;
     }
-    auto opened = openAnchored(calls, *place, Descent::AcrossMounts);
+    auto opened = openOnVolume(calls, *place);
     if (opened)
         return std::move(*opened);
     if (!isMissing(calls, *place, opened.error()))

@@ -15,7 +15,7 @@ SystemResult<FileStatus> statusOf(const SystemCalls &calls, const FileAccess &ac
     if (!place)
         return tl::unexpected(EACCES);
     const AnchoredEntry entry = anchoredEntry(*place);
-    const auto folder = openAnchored(calls, entry.folder, Descent::AcrossMounts);
+    const auto folder = openOnVolume(calls, entry.folder);
     if (!folder)
         return tl::unexpected(folder.error());
     return calls.status(folder->get(), entry.name.constData());

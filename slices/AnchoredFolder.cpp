@@ -39,3 +39,19 @@ SystemResult<FileDescriptor> openAnchored(const SystemCalls &calls, const Anchor
     }
     return calls.openFolder(from, rest.constData(), descent);
 }
+
+SystemResult<FileDescriptor> openOnVolume(const SystemCalls &calls, const AnchoredPath &path)
+{
+    auto folder = openAnchored(calls, path, Descent::Strict);
+    if (!folder)
+        return folder;
+    const auto granted = calls.statusOf(path.anchor->get());
+    if (!granted)
+        return tl::unexpected(granted.error());
+    const auto found = calls.statusOf(folder->get());
+    if (!found)
+        return tl::unexpected(found.error());
+    if (granted->device != found->device)
+        return tl::unexpected(EXDEV);
+    return folder;
+}

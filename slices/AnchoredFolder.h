@@ -19,3 +19,7 @@ AnchoredEntry anchoredEntry(const AnchoredPath &path);
 /// EINVAL.
 SystemResult<FileDescriptor> openAnchored(const SystemCalls &calls, const AnchoredPath &path,
                                           Descent descent);
+
+/// The same without crossing mounts, and only on the anchor's own volume, where alone things are
+/// measured, found and cleaned: a sub-volume, which opens like any folder, fails with EXDEV too.
+SystemResult<FileDescriptor> openOnVolume(const SystemCalls &calls, const AnchoredPath &path);

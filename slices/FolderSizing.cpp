@@ -122,30 +122,6 @@ FolderSize nothingBecauseOf(int error)
     return nothing;
 }
 
-/// A sub-volume opens like any folder, but is as little cleaned as another file system. The errno
-/// tells why nothing counts.
-SystemResult<void> checkVolume(const SystemCalls &calls, int anchor, int folder)
-{
-    const auto granted = calls.statusOf(anchor);
-    if (!granted)
-        return tl::unexpected(granted.error());
-    const auto found = calls.statusOf(folder);
-    if (!found)
-        return tl::unexpected(found.error());
-    return granted->device == found->device ? SystemResult<void>() : tl::unexpected(EXDEV);
-}
-
-/// The place's folder, opened for a measure.
-SystemResult<FileDescriptor> openPlace(const SystemCalls &calls, const AnchoredPath &place,
-                                       const std::stop_token &stop)
-{
-    auto folder = openAnchored(calls, place, Descent::Strict);
-    if (!folder || stop.stop_requested())
-        return folder ? tl::unexpected(ECANCELED) : std::move(folder);
-    const auto checked = checkVolume(calls, place.anchor->get(), folder->get());
-    return checked ? std::move(folder) : tl::unexpected(checked.error());
-}
-
 bool leadsToNoItem(const SystemCalls &calls, int folder, const char *link)
 {
     const auto behind = calls.kindBehind(folder, link);
@@ -184,7 +160,7 @@ FolderSize measureFolder(const SystemCalls &calls, const AnchoredPath &place,
                          const std::stop_token &stop, unsigned threads,
                          ReadOnlyFolders readOnlyFolders)
 {
-    auto folder = openPlace(calls, place, stop);
+    auto folder = openOnVolume(calls, place);
     if (stop.stop_requested())
         return nothingBecauseOf(ECANCELED);
     if (folder)

@@ -201,6 +201,15 @@ private Q_SLOTS:
         QVERIFY(!table.menuForEvent(QPoint(40, 300)));
     }
 
+    void theFirstArrowKeyTakesTheFirstRow()
+    {
+        const Sheet sheet; // whose list was full before it got the focus
+        for (int row = 0; row < 2; ++row) {
+            QTest::keyClick(sheet.controller.tableView(), Qt::Key_Down);
+            QCOMPARE(sheet.controller.tableView()->selectedRows(), QList<int>{row});
+        }
+    }
+
     void tabGoesFromTheListToCancelToAdd()
     {
         const Sheet sheet;

@@ -24,7 +24,8 @@ struct HeldSheet
         : access(folder.path()),
           defaults(QFile::decodeName(folder.path("settings")), hostSystemCalls()),
           controller(loader, {defaults, gate.calls, access, workspace,
-                              FileUrl::fromPath(folder.path(), FileUrlKind::Folder)})
+                              HomeLayout::withLibrary(
+                                  FileUrl::fromPath(folder.path(), FileUrlKind::Folder))})
     {
         registerLargeFilesClasses(loader);
         for (const char *name : {"Movies", "Movies/locked", "Pictures"})

@@ -1,4 +1,5 @@
 #include "slices/AnchoredFolder.h"
+#include "tests/support/ForwardingSystemCalls.h"
 #include "tests/support/MadeTree.h"
 #include "tests/support/TestMain.h"
 
@@ -33,6 +34,7 @@ private Q_SLOTS:
     void opensPathsOfAnyLength_data();
     void opensPathsOfAnyLength();
     void refusesWhatLeadsElsewhere();
+    void staysOnTheAnchorsVolume();
 };
 
 void TestAnchoredFolder::takesPathsApart_data()
@@ -107,6 +109,37 @@ void TestAnchoredFolder::refusesWhatLeadsElsewhere()
     QCOMPARE(errorOf(tree, "file"), ENOTDIR);
     QCOMPARE(errorOf(tree, "gone"), ENOENT);
     QCOMPARE(errorOf(tree, QByteArray("a\0b", 3)), EINVAL);
+}
+
+void TestAnchoredFolder::staysOnTheAnchorsVolume()
+{
+    // As a sub-volume is: opened like any folder, but with a device number of its own.
+    class SubVolume final : public ForwardingSystemCalls
+    {
+    public:
+        explicit SubVolume(std::uint64_t inode) : m_inode(inode) {}
+        SystemResult<FileStatus> statusOf(int descriptor) const override
+        {
+            auto status = ForwardingSystemCalls::statusOf(descriptor);
+            status->device += status->inode == m_inode ? 1 : 0;
+            return status;
+        }
+
+    private:
+        std::uint64_t m_inode;
+    };
+    const MadeTree tree;
+    tree.makeFolder("volume");
+    tree.makeFolder("plain");
+    const auto volume =
+        openAnchored(hostSystemCalls(), {tree.descriptor(), "volume"}, Descent::Strict);
+    const SubVolume calls(inodeOf(*volume));
+    QVERIFY(openOnVolume(calls, {tree.descriptor(), "plain"}));
+    QVERIFY(openOnVolume(calls, {tree.descriptor(), {}}));
+    const auto opened = openOnVolume(calls, {tree.descriptor(), "volume"});
+    QVERIFY(!opened);
+    QCOMPARE(opened.error(), EXDEV);
+    QCOMPARE(openOnVolume(calls, {tree.descriptor(), "gone"}).error(), ENOENT);
 }
 
 VANTOR_TEST_MAIN(TestAnchoredFolder)
