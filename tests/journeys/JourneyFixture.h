@@ -15,7 +15,10 @@ public:
     /// Whether the user has declined the tutorial before the program starts.
     enum class Tutorial { Declined, Shown };
 
-    JourneyFixture() : m_home(m_place), m_workspace(std::make_shared<RecordingWorkspace>()) {}
+    explicit JourneyFixture(HomeKind kind = HomeKind::Library)
+        : m_home(m_place, 1, kind), m_workspace(std::make_shared<RecordingWorkspace>())
+    {
+    }
     ~JourneyFixture() { quit(); }
     JourneyFixture(const JourneyFixture &) = delete;
     JourneyFixture &operator=(const JourneyFixture &) = delete;

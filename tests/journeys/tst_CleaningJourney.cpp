@@ -3,17 +3,14 @@
 #include "app/ResourceManager.h"
 #include "app/SettingsKeys.h"
 #include "prefs/ColorWindow.h"
+#include "tests/journeys/JourneyFixture.h"
 #include "tests/support/GuiTestMain.h"
-#include "tests/support/Journey.h"
-#include "tests/support/ResourceManagerReset.h"
-#include "tests/support/SampleHome.h"
 #include "tests/support/SheetDriver.h"
 #include "widgets/StartButton.h"
 #include "widgets/TextField.h"
 
 #include <QAction>
 #include <QDir>
-#include <QThreadPool>
 #include <algorithm>
 
 namespace {
@@ -44,15 +41,12 @@ private Q_SLOTS:
     void letsNobodyLeaveWhileItCleans();
 
 private:
-    void start();
-    bool reachSlices();
-    QList<QByteArray> keptAfter(const QList<SliceKind> &cleaned) const;
     void exclude(const QByteArray &relativePath);
 
-    std::unique_ptr<ScratchFolder> m_place;
-    std::unique_ptr<SampleHome> m_home;
-    std::unique_ptr<AppDelegate> m_application;
-    std::unique_ptr<Journey> m_journey;
+    Journey &journey() const { return m_fixture->journey(); }
+    const SampleHome &home() const { return m_fixture->home(); }
+
+    std::unique_ptr<JourneyFixture> m_fixture;
 };
 
 void TestCleaningJourney::initTestCase_data()
@@ -69,203 +63,151 @@ void TestCleaningJourney::initTestCase_data()
 void TestCleaningJourney::init()
 {
     QFETCH_GLOBAL(const HomeKind, kind);
-    m_place = std::make_unique<ScratchFolder>();
-    m_home = std::make_unique<SampleHome>(*m_place, 1, kind);
+    m_fixture = std::make_unique<JourneyFixture>(kind);
+    m_fixture->start();
 }
 
 void TestCleaningJourney::cleanup()
 {
-    m_journey.reset();
-    m_application.reset();
-    QVERIFY(QThreadPool::globalInstance()->waitForDone());
+    m_fixture->quit();
     QCOMPARE(ResourceManager::accessCount(), 0);
-    m_home.reset();
-    m_place.reset();
-}
-
-/// Starts the program, or starts it anew with the settings that it left.
-void TestCleaningJourney::start()
-{
-    m_journey.reset();
-    m_application.reset();
-    QThreadPool::globalInstance()->waitForDone();
-    ResourceManagerReset::beginRun();
-    AppDelegate::Configuration configuration;
-    configuration.settingsFolder = QFile::decodeName(m_place->path("settings"));
-    configuration.realHomeDirectory = [this] { return m_home->path(); };
-    configuration.pingHelper.program.clear();
-    m_application = std::make_unique<AppDelegate>(std::move(configuration));
-    m_application->applicationDidFinishLaunching();
-    m_application->defaults().setBoolean(VNTHideDemoWindowString, true);
-    m_journey = std::make_unique<Journey>(*m_application);
-}
-
-bool TestCleaningJourney::reachSlices()
-{
-    MainWindowController &controller = m_journey->controller();
-    if (!m_application->defaults().hasInitializedFolders() &&
-        !(m_journey->waitForPage(controller.folderSelectPage()) &&
-          m_journey->chooseHome(m_home->path())))
-        return false;
-    return m_journey->waitForPage(controller.diskInfoPage()) && m_journey->pressStart() &&
-           m_journey->waitForPage(controller.freeSpacePage()) && m_journey->waitForMeasures();
-}
-
-QList<QByteArray> TestCleaningJourney::keptAfter(const QList<SliceKind> &cleaned) const
-{
-    QList<QByteArray> paths = m_home->paths();
-    for (const SliceKind kind : cleaned) {
-        for (const QByteArray &path : m_home->pathsCleanedWith(indexOf(kind)))
-            paths.removeOne(path);
-    }
-    return paths;
+    m_fixture.reset();
 }
 
 void TestCleaningJourney::exclude(const QByteArray &relativePath)
 {
-    const FileUrl url = m_home->url(relativePath);
-    m_application->defaults().setStrings(VNTExcludedPathsString,
-                                         {QString::fromLatin1(url.absoluteString())});
+    const FileUrl url = home().url(relativePath);
+    m_fixture->application().defaults().setStrings(VNTExcludedPathsString,
+                                                   {QString::fromLatin1(url.absoluteString())});
 }
 
 void TestCleaningJourney::grantsMeasuresCleansAndShows()
 {
-    start();
-    QVERIFY(reachSlices());
+    QVERIFY(m_fixture->reachSlices());
     qint64 expected = 0;
     for (int slice = 0; slice < kSliceCount; ++slice) {
-        const auto &record = m_journey->controller().freeSpacePage().selection().records()[slice];
+        const auto &record = m_fixture->slicesPage().selection().records()[slice];
         QCOMPARE(record->fileSize(),
-                 slice == indexOf(SliceKind::LargeFiles) ? 0 : m_home->bytesShownFor(slice));
-        expected += record->isOn() ? m_home->bytesShownFor(slice) : 0;
+                 slice == indexOf(SliceKind::LargeFiles) ? 0 : home().bytesShownFor(slice));
+        expected += record->isOn() ? home().bytesShownFor(slice) : 0;
     }
-    QVERIFY(m_journey->pressClean(QStringLiteral("Delete Files")));
-    FinalViewController &result = m_journey->controller().finalPage();
-    QVERIFY(m_journey->waitForPage(result));
-    QCOMPARE(m_home->presentPaths(), keptAfter(kOnByDefault));
+    QVERIFY(journey().pressClean(QStringLiteral("Delete Files")));
+    FinalViewController &result = journey().controller().finalPage();
+    QVERIFY(journey().waitForPage(result));
+    QCOMPARE(home().presentPaths(), m_fixture->keptAfter(kOnByDefault));
     QCOMPARE(result.data().toLongLong(), expected);
-    QCOMPARE(m_application->defaults().integer(VNTTotalCleanedSize), expected);
+    QCOMPARE(m_fixture->application().defaults().integer(VNTTotalCleanedSize), expected);
 }
 
 void TestCleaningJourney::remembersTheGrantAndTheSelection()
 {
-    start();
-    QVERIFY(reachSlices());
-    QVERIFY(m_journey->clickSlice(SliceKind::Downloads));
-    QVERIFY(m_journey->clickSlice(SliceKind::Trash));
-    m_application->applicationWillTerminate();
-    start();
-    QCOMPARE(m_journey->controller().currentViewController(),
-             &m_journey->controller().diskInfoPage());
-    QVERIFY(reachSlices());
-    SliceSelection &selection = m_journey->controller().freeSpacePage().selection();
+    QVERIFY(m_fixture->reachSlices());
+    QVERIFY(journey().clickSlice(SliceKind::Downloads));
+    QVERIFY(journey().clickSlice(SliceKind::Trash));
+    m_fixture->start();
+    QCOMPARE(journey().controller().currentViewController(),
+             &journey().controller().diskInfoPage());
+    QVERIFY(m_fixture->reachSlices());
+    SliceSelection &selection = m_fixture->slicesPage().selection();
     QVERIFY(selection.record(SliceKind::Downloads).isOn());
     QVERIFY(!selection.record(SliceKind::Trash).isOn());
 }
 
 void TestCleaningJourney::leavesEverythingOnCancel()
 {
-    start();
-    QVERIFY(reachSlices());
-    QVERIFY(m_journey->pressClean(QStringLiteral("Cancel")));
-    QCOMPARE(m_home->presentPaths(), m_home->paths());
-    FreeSpaceViewController &page = m_journey->controller().freeSpacePage();
+    QVERIFY(m_fixture->reachSlices());
+    QVERIFY(journey().pressClean(QStringLiteral("Cancel")));
+    QCOMPARE(home().presentPaths(), home().paths());
+    FreeSpaceViewController &page = m_fixture->slicesPage();
     QVERIFY(page.startButton()->isEnabled() && !page.isCleaning());
 }
 
 void TestCleaningJourney::asksNothingWhenNothingIsSelected()
 {
-    start();
-    QVERIFY(reachSlices());
+    QVERIFY(m_fixture->reachSlices());
     for (const SliceKind kind : kOnByDefault)
-        QVERIFY(m_journey->clickSlice(kind));
-    m_journey->controller().freeSpacePage().next();
-    QVERIFY(!hasSheet(m_journey->window()));
-    QCOMPARE(m_home->presentPaths(), m_home->paths());
+        QVERIFY(journey().clickSlice(kind));
+    m_fixture->slicesPage().next();
+    QVERIFY(!hasSheet(journey().window()));
+    QCOMPARE(home().presentPaths(), home().paths());
 }
 
 void TestCleaningJourney::sparesWhatIsExcluded()
 {
-    start();
-    QVERIFY(reachSlices());
+    QVERIFY(m_fixture->reachSlices());
     exclude(SampleHome::kKeep);
-    QVERIFY(m_journey->clickSlice(SliceKind::Downloads));
-    QVERIFY(m_journey->pressClean(QStringLiteral("Delete Files")));
-    QVERIFY(m_journey->waitForPage(m_journey->controller().finalPage()));
-    QList<QByteArray> expected = keptAfter(kOnByDefault + QList{SliceKind::Downloads});
-    for (const QByteArray &path : m_home->paths()) {
+    QVERIFY(journey().clickSlice(SliceKind::Downloads));
+    QVERIFY(journey().pressClean(QStringLiteral("Delete Files")));
+    QVERIFY(journey().waitForPage(journey().controller().finalPage()));
+    QList<QByteArray> expected = m_fixture->keptAfter(kOnByDefault + QList{SliceKind::Downloads});
+    for (const QByteArray &path : home().paths()) {
         if (path == SampleHome::kKeep || path.startsWith(QByteArray(SampleHome::kKeep) + '/'))
             expected.append(path);
     }
     std::ranges::sort(expected);
-    QCOMPARE(m_home->presentPaths(), expected);
+    QCOMPARE(home().presentPaths(), expected);
 }
 
 void TestCleaningJourney::leavesAPlaceAloneWhoseExclusionIsGone()
 {
-    start();
-    QVERIFY(reachSlices());
+    QVERIFY(m_fixture->reachSlices());
     exclude("Downloads/moved away");
-    QVERIFY(m_journey->clickSlice(SliceKind::Downloads));
-    QVERIFY(m_journey->pressClean(QStringLiteral("Delete Files")));
-    QVERIFY(m_journey->waitForPage(m_journey->controller().finalPage()));
-    QCOMPARE(m_home->presentPaths(), keptAfter(kOnByDefault));
-    QTRY_VERIFY(hasSheet(m_journey->window()));
-    QVERIFY(sheetText(m_journey->window()).contains(QStringLiteral("Downloads")));
+    QVERIFY(journey().clickSlice(SliceKind::Downloads));
+    QVERIFY(journey().pressClean(QStringLiteral("Delete Files")));
+    QVERIFY(journey().waitForPage(journey().controller().finalPage()));
+    QCOMPARE(home().presentPaths(), m_fixture->keptAfter(kOnByDefault));
+    QTRY_VERIFY(hasSheet(journey().window()));
+    QVERIFY(sheetText(journey().window()).contains(QStringLiteral("Downloads")));
 }
 
 void TestCleaningJourney::cleansNothingWhileTheExclusionsAreUnknown()
 {
-    start();
-    QVERIFY(reachSlices());
+    QVERIFY(m_fixture->reachSlices());
     exclude(SampleHome::kKeep);
-    m_application->applicationWillTerminate();
-    m_journey.reset();
-    m_application.reset();
-    const QDir settings(QFile::decodeName(m_place->path("settings")));
+    m_fixture->quit();
+    const QDir settings(QFile::decodeName(m_fixture->place().path("settings")));
     for (const QString &name : settings.entryList(QDir::Files)) {
         QFile file(settings.filePath(name));
         QVERIFY(file.resize(file.size() / 2));
     }
-    start();
-    QTRY_VERIFY(hasSheet(m_journey->window()));
-    QVERIFY(!m_application->defaults().exclusionsAreKnown());
-    QVERIFY(pressSheetButton(m_journey->window(), QStringLiteral("OK")));
-    QVERIFY(reachSlices());
-    QVERIFY(m_journey->pressClean(QStringLiteral("Cancel")));
-    QVERIFY(!m_journey->controller().freeSpacePage().isCleaning());
-    QCOMPARE(m_home->presentPaths(), m_home->paths());
+    m_fixture->start();
+    QTRY_VERIFY(hasSheet(journey().window()));
+    QVERIFY(!m_fixture->application().defaults().exclusionsAreKnown());
+    QVERIFY(pressSheetButton(journey().window(), QStringLiteral("OK")));
+    QVERIFY(m_fixture->reachSlices());
+    QVERIFY(journey().pressClean(QStringLiteral("Cancel")));
+    QVERIFY(!m_fixture->slicesPage().isCleaning());
+    QCOMPARE(home().presentPaths(), home().paths());
 }
 
 void TestCleaningJourney::cleansAgainAfterScanningAgain()
 {
-    start();
-    QVERIFY(reachSlices());
-    QVERIFY(m_journey->pressClean(QStringLiteral("Delete Files")));
-    QVERIFY(m_journey->waitForPage(m_journey->controller().finalPage()));
-    QVERIFY(m_journey->scanAgain());
-    FreeSpaceViewController &page = m_journey->controller().freeSpacePage();
-    QVERIFY(m_journey->waitForPage(page));
-    QVERIFY(m_journey->waitForMeasures());
+    QVERIFY(m_fixture->reachSlices());
+    QVERIFY(journey().pressClean(QStringLiteral("Delete Files")));
+    QVERIFY(journey().waitForPage(journey().controller().finalPage()));
+    QVERIFY(journey().scanAgain());
+    FreeSpaceViewController &page = m_fixture->slicesPage();
+    QVERIFY(journey().waitForPage(page));
+    QVERIFY(journey().waitForMeasures());
     QCOMPARE(page.selection().totalSize(), 0);
-    QVERIFY(m_journey->clickSlice(SliceKind::BrowserData));
-    QVERIFY(m_journey->pressClean(QStringLiteral("Delete Files")));
-    QVERIFY(m_journey->waitForPage(m_journey->controller().finalPage()));
-    QCOMPARE(m_home->presentPaths(), keptAfter(kOnByDefault + QList{SliceKind::BrowserData}));
+    QVERIFY(journey().clickSlice(SliceKind::BrowserData));
+    QVERIFY(journey().pressClean(QStringLiteral("Delete Files")));
+    QVERIFY(journey().waitForPage(journey().controller().finalPage()));
+    QCOMPARE(home().presentPaths(),
+             m_fixture->keptAfter(kOnByDefault + QList{SliceKind::BrowserData}));
 }
 
 void TestCleaningJourney::letsNobodyLeaveWhileItCleans()
 {
-    start();
-    QVERIFY(reachSlices());
+    QVERIFY(m_fixture->reachSlices());
     QList<bool> allowed;
-    connect(&m_journey->controller(), &MainWindowController::navigationAllowed, this, [&] {
+    connect(&journey().controller(), &MainWindowController::navigationAllowed, this, [&] {
         for (const char *name : {"goBackAction", "resetHomeFolderAction"})
             allowed.append(
-                m_journey->window().findChild<QAction *>(QLatin1String(name))->isEnabled());
+                journey().window().findChild<QAction *>(QLatin1String(name))->isEnabled());
     });
-    QVERIFY(m_journey->pressClean(QStringLiteral("Delete Files")));
-    QVERIFY(m_journey->waitForPage(m_journey->controller().finalPage()));
+    QVERIFY(journey().pressClean(QStringLiteral("Delete Files")));
+    QVERIFY(journey().waitForPage(journey().controller().finalPage()));
     QCOMPARE(allowed, QList<bool>({false, false, true, true}));
 }
 
