@@ -59,7 +59,7 @@ void TextButton::paintEvent(QPaintEvent *)
 void TextButton::keyPressEvent(QKeyEvent *event)
 {
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
-        event->ignore();
+        click();
     else
         QPushButton::keyPressEvent(event);
 }

@@ -21,7 +21,8 @@ public:
 
 protected:
     void paintEvent(QPaintEvent *event) override;
-    /// Only the space bar presses the button that has the focus; Enter is the default button's.
+    /// Enter presses the button that has the focus, whatever the default is: whoever has gone to
+    /// "Cancel" means it.
     void keyPressEvent(QKeyEvent *event) override;
 
 private:

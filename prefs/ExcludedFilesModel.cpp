@@ -6,6 +6,16 @@
 #include <algorithm>
 #include <ranges>
 
+namespace {
+
+/// A tool tip that looks like marked-up text would be read as such: a name must not.
+QString plainToolTip(const QString &text)
+{
+    return QStringLiteral("<qt>%1</qt>").arg(text.toHtmlEscaped());
+}
+
+} // namespace
+
 ExcludedFilesModel::ExcludedFilesModel(FileToView &toView, QObject *parent)
     : QAbstractTableModel(parent), m_toView(toView)
 {
@@ -47,7 +57,7 @@ QVariant ExcludedFilesModel::pathData(const Row &row, int role) const
     case Qt::DisplayRole:
         return row.unreadable.value_or(row.file->name());
     case Qt::ToolTipRole:
-        return row.unreadable.value_or(row.file->fileURL().displayPath());
+        return plainToolTip(row.unreadable.value_or(row.file->fileURL().displayPath()));
     case Qt::AccessibleDescriptionRole:
     case PlaceRole:
         return placeText(row);
@@ -144,6 +154,16 @@ void ExcludedFilesModel::append(const FileUrls &urls)
     prepare(first);
 }
 
+void ExcludedFilesModel::appendPaths(const QList<QByteArray> &paths)
+{
+    FileUrls urls;
+    for (const QByteArray &path : paths)
+        urls.append(FileUrl::fromPath(path, FileUrlKind::File));
+    append(urls);
+    for (Row &row : std::ranges::subrange(m_rows.end() - urls.size(), m_rows.end()))
+        row.isOfOpenKind = true;
+}
+
 void ExcludedFilesModel::remove(QList<int> rows)
 {
     std::sort(rows.begin(), rows.end(), std::greater<>());
@@ -199,11 +219,25 @@ void ExcludedFilesModel::takeFacts(const File *file, const FileFacts &facts)
     const bool isBack = taken.facts.presence == FileFacts::Presence::Missing &&
                         facts.presence == FileFacts::Presence::Present;
     taken.facts = facts;
+    if (taken.isOfOpenKind && facts.presence != FileFacts::Presence::Unknown)
+        settleKind(taken);
     if (isBack) {
         taken.file->setSizeString(std::nullopt);
         measure(taken);
     }
     rowChanged(row);
+}
+
+void ExcludedFilesModel::settleKind(Row &row)
+{
+    row.isOfOpenKind = false;
+    if (row.facts.kind != FileUrlKind::Folder)
+        return;
+    m_toView.cancel(*row.file);
+    row.file =
+        std::make_shared<File>(FileUrl::fromPath(row.file->fileURL().path(), FileUrlKind::Folder));
+    measure(row);
+    Q_EMIT storedStringsChanged();
 }
 
 int ExcludedFilesModel::rowOf(const File *file) const

@@ -36,11 +36,18 @@ public:
     const std::shared_ptr<File> &fileAt(int row) const { return m_rows.at(row).file; }
 
     void append(const FileUrls &urls);
+    /// Takes each path as a file's at once, so that it is kept from now on, and finds out in the
+    /// background which are folders.
+    void appendPaths(const QList<QByteArray> &paths);
     /// Rows may come in any order.
     void remove(QList<int> rows);
 
     /// Finds out anew which entries are there.
     void lookAgain();
+
+Q_SIGNALS:
+    /// What was taken as a file has turned out to be a folder.
+    void storedStringsChanged();
 
 private:
     struct Row
@@ -48,7 +55,8 @@ private:
         std::shared_ptr<File> file = {};
         std::optional<QString> unreadable = {}; ///< a stored string that is no URL
         FileFacts facts = {};
-        bool hasNoSize = false; ///< nobody may measure now
+        bool hasNoSize = false;    ///< nobody may measure now
+        bool isOfOpenKind = false; ///< may still turn out to be a folder
     };
 
     static Row rowOf(const QString &stored);
@@ -61,6 +69,7 @@ private:
     void prepare(int firstRow);
     void measure(Row &row);
     void takeFacts(const File *file, const FileFacts &facts);
+    void settleKind(Row &row);
     int rowOf(const File *file) const;
     void rowChanged(int row);
 

@@ -131,11 +131,26 @@ void ExcludedFilesView::paintHint(QPainter &painter) const
                      tr("Nothing is excluded.\nDrop files and folders here, or press Add."));
 }
 
+namespace {
+
+/// Some programs leave letters beyond ASCII as they are: the very bytes of the name.
+QByteArray escaped(const QByteArray &text)
+{
+    QByteArray result;
+    for (const char byte : text) {
+        const bool isAscii = static_cast<unsigned char>(byte) < 0x80;
+        result += isAscii ? QByteArray(1, byte) : '%' + QByteArray(1, byte).toHex().toUpper();
+    }
+    return result;
+}
+
+} // namespace
+
 QList<QByteArray> pathsOfUriList(const QByteArray &uriList)
 {
     QList<QByteArray> paths;
     for (const QByteArray &line : uriList.split('\n')) {
-        QByteArray text = line.trimmed();
+        QByteArray text = escaped(line.trimmed());
         if (text.startsWith("file://localhost/"))
             text.remove(7, 9);
         // Not through QUrl: it would change the bytes of names that are no UTF-8.

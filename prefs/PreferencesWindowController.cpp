@@ -43,6 +43,8 @@ void PreferencesWindowController::connectOutlets()
         ->titleField()
         ->setText(interface.windowTitle());
     m_tableView = outlet<ExcludedFilesView>(interface, "tableView");
+    connect(&m_model, &ExcludedFilesModel::storedStringsChanged, this,
+            &PreferencesWindowController::saveURLs);
     m_removeButton = outlet<QAbstractButton>(interface, "removeButton");
     m_tableView->setModel(&m_model);
     m_tableView->setRule([this](const QByteArray &path) { return shouldEnable(path); });
@@ -120,17 +122,7 @@ void PreferencesWindowController::addPaths(const QList<QByteArray> &paths)
                               [this](const QByteArray &path) { return shouldEnable(path); });
     tellRefused(QList<QByteArray>(refused, wanted.end()));
     wanted.erase(refused, wanted.end());
-    m_toView.lookAt(wanted,
-                    [this, wanted](const QList<FileFacts> &facts) { appendKnown(wanted, facts); });
-}
-
-void PreferencesWindowController::appendKnown(const QList<QByteArray> &paths,
-                                              const QList<FileFacts> &facts)
-{
-    FileUrls urls;
-    for (int i = 0; i < paths.size(); ++i)
-        urls.append(FileUrl::fromPath(paths.at(i), facts.at(i).kind));
-    m_model.append(urls);
+    m_model.appendPaths(wanted);
     saveURLs();
 }
 

@@ -62,7 +62,6 @@ private:
     void connectOutlets();
     void addKeys();
     void showDamage();
-    void appendKnown(const QList<QByteArray> &paths, const QList<FileFacts> &facts);
     void tellRefused(const QList<QByteArray> &paths);
 
     Services m_services;

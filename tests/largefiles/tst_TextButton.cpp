@@ -98,16 +98,16 @@ private Q_SLOTS:
         QTest::mouseRelease(shown.button, Qt::LeftButton, {}, QPoint(-5, -5));
     }
 
-    void theSpaceBarPressesItAndEnterDoesNot()
+    void theSpaceBarAndEnterPressIt()
     {
         const Shown shown;
         const QSignalSpy clicked(shown.button, &QAbstractButton::clicked);
         shown.button->setFocus();
-        QTest::keyClick(shown.button, Qt::Key_Return);
-        QTest::keyClick(shown.button, Qt::Key_Enter);
-        QCOMPARE(clicked.size(), 0);
-        QTest::keyClick(shown.button, Qt::Key_Space);
-        QCOMPARE(clicked.size(), 1);
+        int presses = 0;
+        for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space}) {
+            QTest::keyClick(shown.button, key);
+            QCOMPARE(clicked.size(), ++presses);
+        }
     }
 };
 

@@ -93,6 +93,7 @@ void TestExcludedFilesView::readsListsOfUrls_data()
     add("no UTF-8", "file:///home/anna/%FF%fe", {"/home/anna/\xff\xfe"});
     add("percent", "file:///home/anna/100%25", {"/home/anna/100%"});
     add("line end in a name", "file:///home/anna/two%0Alines", {"/home/anna/two\nlines"});
+    add("letters as they are", "file:///home/anna/M\xc3\xbcsik", {"/home/anna/M\xc3\xbcsik"});
     add("upwards", "file:///home/anna/../otto", {});
 }
 

@@ -36,11 +36,11 @@ void TestPopoverGeometry::widensTheTextAndAddsMargins()
     const PopoverGeometry geometry = PopoverGeometry::forText(text);
     QCOMPARE(geometry.textFrame, QRectF(15, 15, width, text.height()));
     QCOMPARE(geometry.contentSize, QSizeF(width + 30, text.height() + 30));
-    const double asPublished = text.width() == 10    ? 30.8
-                               : text.width() == 100 ? 124.5
-                               : text.width() == 200 ? 224.75
-                                                     : 0;
-    QVERIFY(std::abs(geometry.textFrame.width() - asPublished) < 0.05);
+    const double roughly = text.width() == 10    ? 30.8
+                           : text.width() == 100 ? 124.5
+                           : text.width() == 200 ? 224.75
+                                                 : 0;
+    QVERIFY(std::abs(geometry.textFrame.width() - roughly) < 0.05);
 }
 
 void TestPopoverGeometry::takesThePreferredEdgeWhereThereIsRoom_data()

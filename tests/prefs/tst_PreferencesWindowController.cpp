@@ -4,6 +4,7 @@
 #include "tests/support/StillStyle.h"
 
 #include <QLineEdit>
+#include <filesystem>
 
 class TestPreferencesWindowController final : public QObject
 {
@@ -16,6 +17,7 @@ private Q_SLOTS:
     void writesTheSettingWithTheFirstEntry();
     void showsTheStoredEntries();
     void addsWhatThePanelChose();
+    void keepsWhatWasAddedBeforeTheDiskAnswers();
     void savesAndTellsWhenThePanelIsCancelled();
     void enablesWhatContainsTheHomeFoldersPath_data();
     void enablesWhatContainsTheHomeFoldersPath();
@@ -49,9 +51,11 @@ void TestPreferencesWindowController::init()
 
 void TestPreferencesWindowController::add(const QByteArray &relativePath)
 {
-    const auto count = m_controller->array().size();
-    m_controller->addPaths({m_fixture->folder.path(relativePath)});
-    QTRY_COMPARE(m_controller->array().size(), count + 1);
+    const QByteArray path = m_fixture->folder.path(relativePath);
+    const bool isFolder = std::filesystem::is_directory(path.toStdString());
+    m_controller->addPaths({path});
+    QTRY_COMPARE(m_controller->array().constLast()->fileURL(),
+                 FileUrl::fromPath(path, isFolder ? FileUrlKind::Folder : FileUrlKind::File));
 }
 
 void TestPreferencesWindowController::choose(const QString &path, const QString &button)
@@ -79,12 +83,12 @@ void TestPreferencesWindowController::writesTheSettingWithTheFirstEntry()
     add("Movies");
     QCOMPARE(m_fixture->setting(), QStringList{m_fixture->stored("Movies")});
     QVERIFY(m_fixture->setting().constFirst().endsWith(QLatin1String("/Movies/")));
-    QCOMPARE(posted.count(), 1);
+    QCOMPARE(posted.count(), 2); // once more when it turned out to be a folder
     add("notes.txt");
     QCOMPARE(m_fixture->setting(),
              (QStringList{m_fixture->stored("Movies"),
                           m_fixture->stored("notes.txt", FileUrlKind::File)}));
-    QCOMPARE(posted.count(), 2);
+    QCOMPARE(posted.count(), 3);
 }
 
 void TestPreferencesWindowController::showsTheStoredEntries()
@@ -107,6 +111,19 @@ void TestPreferencesWindowController::addsWhatThePanelChose()
     choose(QString::fromUtf8(m_fixture->folder.path("notes.txt")), QStringLiteral("Add"));
     QTRY_COMPARE(m_controller->array().size(), 2);
     QCOMPARE(m_fixture->setting().constLast(), m_fixture->stored("notes.txt", FileUrlKind::File));
+}
+
+void TestPreferencesWindowController::keepsWhatWasAddedBeforeTheDiskAnswers()
+{
+    const QSignalSpy posted(&m_fixture->changed, &ExcludedFilesChangedNotification::posted);
+    m_fixture->access().hold(); // as a volume that hangs does
+    m_controller->addPaths({m_fixture->folder.path("Movies")});
+    // Nobody knows yet that it is a folder; as a file's, the text keeps it with all it holds.
+    QCOMPARE(m_fixture->setting(), QStringList{m_fixture->stored("Movies", FileUrlKind::File)});
+    QCOMPARE(posted.count(), 1);
+    m_fixture->access().release();
+    QTRY_COMPARE(m_fixture->setting(), QStringList{m_fixture->stored("Movies")});
+    QCOMPARE(posted.count(), 2);
 }
 
 void TestPreferencesWindowController::savesAndTellsWhenThePanelIsCancelled()
