@@ -38,6 +38,7 @@ private Q_SLOTS:
     void cleanup();
 
     void showsThePage();
+    void movesItsPictures();
     void standsStillWhereTheDesktopDoes();
     void showsTheTypefaceAndThePicturesOfTheProgram();
     void asksNothingOfTheNetwork();
@@ -147,6 +148,21 @@ void TestWebTutorialView::showsThePage()
     };
     QTRY_VERIFY_WITH_TIMEOUT(blue() > 40, kPatience);
     QVERIFY(m_view->grab().toImage().pixelColor(4, 250) == QColor(Qt::white));
+}
+
+void TestWebTutorialView::movesItsPictures()
+{
+    load();
+    // When the steps have come in, only what moves within the pictures is left.
+    const QString haveArrived =
+        QStringLiteral("document.getAnimations().every(a => a.playState == 'finished')");
+    QTRY_COMPARE_WITH_TIMEOUT(ask(haveArrived), QVariant(true), kPatience);
+    ask(QStringLiteral("document.images[2].scrollIntoView(); 0"));
+    const QRect picture(36, 0, 140, 130);
+    const QImage before = m_view->grab(picture).toImage();
+    QTRY_VERIFY_WITH_TIMEOUT(m_view->grab(picture).toImage() != before, kPatience);
+    const QImage scrolled = m_view->grab(picture).toImage();
+    QTRY_VERIFY_WITH_TIMEOUT(m_view->grab(picture).toImage() != scrolled, kPatience);
 }
 
 void TestWebTutorialView::standsStillWhereTheDesktopDoes()
