@@ -19,6 +19,8 @@
 AppDelegate::AppDelegate(Configuration configuration) : m_configuration(std::move(configuration))
 {
     registerInterfaceClasses(m_loader);
+    if (m_configuration.makeTutorialView)
+        m_loader.registerClass(QStringLiteral("TutorialView"), m_configuration.makeTutorialView);
 }
 
 AppDelegate::~AppDelegate()

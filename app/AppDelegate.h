@@ -30,6 +30,8 @@ public:
         std::function<QByteArray()> realHomeDirectory;
         std::shared_ptr<Workspace> workspace = std::make_shared<Workspace>();
         LabelController::Reader readVolume = startUpVolumeSizes;
+        /// Makes the view that shows the tutorial; rich text where none is given.
+        InterfaceLoader::Factory makeTutorialView = {};
     };
 
     explicit AppDelegate(Configuration configuration);

@@ -13,9 +13,14 @@ constexpr int kTextPoints = 14;
 
 } // namespace
 
+void nameProgram()
+{
+    QCoreApplication::setApplicationName(QStringLiteral("vantor"));
+}
+
 void setUpAppearance(QApplication &application)
 {
-    QApplication::setApplicationName(QStringLiteral("vantor"));
+    nameProgram();
     QApplication::setApplicationDisplayName(QStringLiteral("Vantor"));
     QApplication::setApplicationVersion(QStringLiteral(VANTOR_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("invalid.vantor.Vantor"));

@@ -104,6 +104,13 @@ SettingsContent SettingsFile::load()
             damageText(current) + adviceText(content.has_value())};
 }
 
+SettingsContent SettingsFile::peek()
+{
+    if (!open())
+        return {};
+    return contentIn(m_file->read(Generation::Current)).value_or(SettingsContent{});
+}
+
 SaveOutcome SettingsFile::save(const QByteArray &text, Replace replace)
 {
     QDir().mkpath(m_folder);

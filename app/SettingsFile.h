@@ -45,6 +45,10 @@ public:
     /// no file at all, an empty one.
     SettingsContent load();
 
+    /// The current content as it stands, for what must be known before anything else; an empty one
+    /// when it is bad. Changes nothing.
+    SettingsContent peek();
+
     /// Makes this text the file's content, and first the folder where there is none.
     SaveOutcome save(const QByteArray &text, Replace replace);
 

@@ -35,6 +35,7 @@ void DemoWindowController::windowDidLoad()
     connect(okButton, &QAbstractButton::clicked, this, &DemoWindowController::okPressed);
     m_checkbox->setFont(interfaceFont(Typeface::Regular, kTextSize));
     m_webview->load(QUrl(QStringLiteral("qrc:/tutorialVantor.html")));
+    m_webview->setFocus(); // the keys scroll it, as soon as the panel is shown
     outlet<ColorView>(panel, "contentView")->setColor(Qt::white);
     readSetting();
     panel.installEventFilter(this);

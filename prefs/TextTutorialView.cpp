@@ -14,7 +14,8 @@ namespace {
 constexpr int kTextSize = 14;
 constexpr double kPageMargin = 24;
 
-/// Takes its pictures as drawings: read as pictures they would be blurred on a fine screen.
+/// Takes its pictures as drawings: read as pictures they would be blurred on a fine screen. Has the
+/// page's own styles alone: the style sheet beside it is for the web view.
 class Browser final : public QTextBrowser
 {
 public:
@@ -26,6 +27,8 @@ protected:
         const QString drawing = QFileInfo(name.path()).completeBaseName();
         if (type == QTextDocument::ImageResource && hasImageNamed(drawing))
             return imageNamed(drawing, devicePixelRatioF());
+        if (type == QTextDocument::StyleSheetResource)
+            return {};
         return QTextBrowser::loadResource(type, name);
     }
 };

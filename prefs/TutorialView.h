@@ -15,5 +15,5 @@ public:
     virtual void load(const QUrl &page) = 0;
 };
 
-/// The view that this build has.
+/// The view without a web engine.
 TutorialView *makeTutorialView(QWidget *parent);

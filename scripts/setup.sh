@@ -86,7 +86,7 @@ name_the_needs() {
     cat >&2 <<'NEEDS'
 This is not Debian, so nothing is installed for you. Vantor needs:
   a C++20 compiler (GCC 12 or later), CMake 3.25, Ninja
-  Qt 6.4 or later: Core, Gui, Widgets, Network, Svg, UiTools, Test, WebEngine, Pdf, with their headers
+  Qt 6.4 or later: Core, Gui, Widgets, Network, Svg, UiTools, Test, Quick, WebEngine, Pdf, with their headers
   tl::expected (headers), zlib (headers), xcb (headers), pkg-config, OpenGL (headers), shared-mime-info, xdg-utils
   the static OpenType files of the Inter typeface (their folder goes into VANTOR_FONT_DIR)
   without a desktop: Xvfb and xvfb-run, xauth, openbox

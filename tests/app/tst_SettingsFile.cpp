@@ -1,5 +1,5 @@
-#include "tests/support/Administrator.h"
 #include "tests/app/SettingsFolder.h"
+#include "tests/support/Administrator.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/ForwardingSystemCalls.h"
 #include "tests/support/TestMain.h"
@@ -21,6 +21,7 @@ private Q_SLOTS:
     void theFirstStartIsWell();
     void contentsComeBack();
     void theNoteOfADamageComesBack();
+    void aPeekChangesNothing();
     void theFolderIsMadeByTheFirstSave();
     void theFolderMayBeReachedThroughALink();
 
@@ -69,6 +70,19 @@ void TestSettingsFile::theNoteOfADamageComesBack()
     content.damage = QStringLiteral("It “was” damaged.");
     QVERIFY(folder.settings().save(settingsText(content), kKnown).isWell());
     QCOMPARE(folder.settings().load(), content);
+}
+
+void TestSettingsFile::aPeekChangesNothing()
+{
+    const SettingsFolder folder;
+    QCOMPARE(folder.settings().peek(), SettingsContent{});
+    QVERIFY(QDir(folder.path()).isEmpty());
+    folder.fill();
+    QCOMPARE(folder.settings().peek(), SettingsFolder::second());
+    SettingsFolder::setRaw(folder.file(), "spoilt");
+    QCOMPARE(folder.settings().peek(), SettingsContent{});
+    QCOMPARE(SettingsFolder::raw(folder.file()), QByteArray("spoilt"));
+    QVERIFY(folder.badFiles().isEmpty());
 }
 
 void TestSettingsFile::theFolderIsMadeByTheFirstSave()

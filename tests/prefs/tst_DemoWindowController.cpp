@@ -6,10 +6,13 @@
 #include "prefs/DemoWindowController.h"
 #include "prefs/InterfaceClasses.h"
 #include "prefs/TextTutorialView.h"
+#include "prefs/WebTutorial.h"
 #include "tests/support/GuiTestMain.h"
+#include "tests/support/LogRecorder.h"
 #include "widgets/ColorView.h"
 
 #include <QCheckBox>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 
 /// The tutorial as a sheet on a window, as the slices page shows it.
@@ -27,6 +30,8 @@ private Q_SLOTS:
     void storesNoAgainInALaterShowing();
     void closesByOk();
     void closesByEscape();
+    void scrollsByTheKeysAtOnce();
+    void staysRichTextInAnApplicationNotMadeForTheEngine();
     void isLoadedOnce();
     void saysEveryControlsName();
 
@@ -140,6 +145,24 @@ void TestDemoWindowController::closesByEscape()
     present();
     QTest::keyClick(m_host->windowHandle(), Qt::Key_Escape);
     QTRY_VERIFY(!hasSheet(*m_host));
+}
+
+void TestDemoWindowController::scrollsByTheKeysAtOnce()
+{
+    present();
+    QVERIFY(m_demo->webview()->isAncestorOf(QApplication::focusWidget()));
+}
+
+void TestDemoWindowController::staysRichTextInAnApplicationNotMadeForTheEngine()
+{
+    // This one has no shared contexts; a probe, which has, would say that all is well.
+    const LogRecorder log;
+    WebTutorial tutorial(
+        {.plugin = QStringLiteral("plugin"), .probe = QStringLiteral("/bin/true")});
+    QSignalSpy probed(&tutorial, &WebTutorial::probed);
+    tutorial.probe();
+    QCOMPARE(probed.count(), 1);
+    QVERIFY(!tutorial.isUsable());
 }
 
 void TestDemoWindowController::isLoadedOnce()

@@ -18,16 +18,23 @@ private Q_SLOTS:
     void scrollsByKeyboard();
     void isReadByAScreenReader();
     void fetchesNothingFromTheNetwork();
+    void leavesTheStylesOfTheWebViewOut();
+    void hasAStyleSheetThatNamesNothingThatIsMissing();
 };
 
 namespace {
 
 const QUrl kPage(QStringLiteral("qrc:/tutorialVantor.html"));
 
+QByteArray sourceOf(const QString &resource)
+{
+    QFile page(QStringLiteral(":/") + resource);
+    return page.open(QIODevice::ReadOnly) ? page.readAll() : QByteArray();
+}
+
 QByteArray pageSource()
 {
-    QFile page(QStringLiteral(":/tutorialVantor.html"));
-    return page.open(QIODevice::ReadOnly) ? page.readAll() : QByteArray();
+    return sourceOf(QStringLiteral("tutorialVantor.html"));
 }
 
 } // namespace
@@ -110,6 +117,33 @@ void TestTextTutorialView::fetchesNothingFromTheNetwork()
     QVERIFY(!source.isEmpty());
     QVERIFY(!source.contains("http"));
     QVERIFY(!source.contains("<script"));
+    const QByteArray styles = sourceOf(QStringLiteral("tutorialVantor.css"));
+    QVERIFY(!styles.isEmpty());
+    QVERIFY(!styles.contains("http"));
+}
+
+void TestTextTutorialView::leavesTheStylesOfTheWebViewOut()
+{
+    TextTutorialView view;
+    view.load(kPage);
+    const QTextDocument *document = view.findChild<QTextBrowser *>()->document();
+    QVERIFY(pageSource().contains("tutorialVantor.css"));
+    QCOMPARE(document->resource(QTextDocument::StyleSheetResource,
+                                QUrl(QStringLiteral("tutorialVantor.css"))),
+             QVariant());
+}
+
+void TestTextTutorialView::hasAStyleSheetThatNamesNothingThatIsMissing()
+{
+    static const QRegularExpression named(QStringLiteral("url\\(\"([^\"]+)\"\\)"));
+    auto found =
+        named.globalMatch(QString::fromUtf8(sourceOf(QStringLiteral("tutorialVantor.css"))));
+    int count = 0;
+    for (; found.hasNext(); ++count) {
+        const QString name = found.next().captured(1);
+        QVERIFY2(QFile::exists(QStringLiteral(":/") + name), qPrintable(name));
+    }
+    QCOMPARE(count, 7);
 }
 
 VANTOR_GUI_TEST_MAIN(TestTextTutorialView)
