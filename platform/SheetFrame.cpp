@@ -1,10 +1,10 @@
 #include "platform/SheetFrame.h"
 
+#include "platform/SoftShadow.h"
+
 #include <QAccessibleWidget>
 #include <QPainter>
 #include <QPainterPath>
-#include <QPixmapCache>
-#include <qdrawutil.h>
 
 namespace {
 
@@ -42,45 +42,6 @@ QPainterPath outline(const QRectF &body, double radius)
     QPainterPath path;
     path.addRoundedRect(body.adjusted(0, -2 * radius, 0, 0), radius, radius);
     return path;
-}
-
-/// The part of the shadow's picture that is not stretched: the fading and the bend.
-constexpr int kCorner = SheetFrame::kShadow + 2 * kRadius;
-
-/// A small shadow, drawn once and stretched to any size: fine layers, each a point wider and
-/// together fading like the square of the distance.
-QPixmap drawnShadow(qreal scale)
-{
-    const QSize size(2 * kCorner + 1, 2 * kCorner + 1);
-    QPixmap picture(size * scale);
-    picture.setDevicePixelRatio(scale);
-    picture.fill(Qt::transparent);
-    QPainter painter(&picture);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setCompositionMode(QPainter::CompositionMode_Source);
-    painter.setPen(Qt::NoPen);
-    const QRectF body = QRectF(QPointF(), size)
-                            .adjusted(SheetFrame::kShadow, SheetFrame::kShadow,
-                                      -SheetFrame::kShadow, -SheetFrame::kShadow);
-    for (int reach = SheetFrame::kShadow; reach >= 0; --reach) {
-        const double nearness = 1 - static_cast<double>(reach) / SheetFrame::kShadow;
-        painter.setBrush(
-            QColor::fromRgbF(0, 0, 0, static_cast<float>(kShadowStrength * nearness * nearness)));
-        painter.drawRoundedRect(body.adjusted(-reach, -reach, reach, reach), kRadius + reach,
-                                kRadius + reach);
-    }
-    return picture;
-}
-
-QPixmap shadowPicture(qreal scale)
-{
-    const QString key = QStringLiteral("vantor/sheet shadow@%1").arg(scale);
-    QPixmap picture;
-    if (!QPixmapCache::find(key, &picture)) {
-        picture = drawnShadow(scale);
-        QPixmapCache::insert(key, picture);
-    }
-    return picture;
 }
 
 } // namespace
@@ -129,12 +90,11 @@ void SheetFrame::paintEvent(QPaintEvent *)
     painter.fillRect(QRectF(line.left(), 0, line.width(), kSlotDepth), slot);
 }
 
-void SheetFrame::paintShadow(QPainter &painter, const QRectF &body) const
+void SheetFrame::paintShadow(QPainter &painter, const QRectF &body)
 {
-    const QPixmap shadow = shadowPicture(devicePixelRatioF());
-    const QRect target =
-        body.translated(0, kShadowDrop).adjusted(-kShadow, -2 * kCorner, kShadow, kShadow).toRect();
-    const QMargins margins(kCorner, kCorner, kCorner, kCorner);
-    qDrawBorderPixmap(&painter, target, margins, shadow, shadow.rect(),
-                      margins * shadow.devicePixelRatio());
+    // The sheet comes out of a slot: its shadow has no upper end.
+    constexpr int kBeyondTheSlot = kShadow + 4 * kRadius;
+    paintSoftShadow(painter,
+                    body.translated(0, kShadowDrop).adjusted(0, -kBeyondTheSlot, 0, 0).toRect(),
+                    {kShadow, kRadius, kShadowStrength});
 }

@@ -25,6 +25,6 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    void paintShadow(QPainter &painter, const QRectF &body) const;
+    static void paintShadow(QPainter &painter, const QRectF &body);
     QRectF body() const;
 };

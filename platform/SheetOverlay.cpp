@@ -85,7 +85,7 @@ void SheetOverlay::adoptPanel()
 
 void SheetOverlay::layOut()
 {
-    setGeometry(m_host.rect());
+    setGeometry(m_host.contentsRect()); // not over the window's own shadow
     const int drop = sheetDrop(m_host);
     const QSize room = size() - QSize(2 * kMargin, drop + kMargin) +
                        QSize(2 * SheetFrame::kShadow, SheetFrame::kShadow);

@@ -3,6 +3,8 @@
 #include "platform/Compositing.h"
 #include "platform/Fonts.h"
 #include "platform/Sheet.h"
+#include "platform/SoftShadow.h"
+#include "platform/WindowShadow.h"
 #include "prefs/ColorWindowFrameView.h"
 #include "prefs/ColorWindowGeometry.h"
 #include "prefs/EdgeGrip.h"
@@ -12,6 +14,7 @@
 #include <QLabel>
 #include <QMenuBar>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QShortcut>
 
 namespace {
@@ -20,6 +23,11 @@ constexpr int kSheetDrop = 30;
 constexpr int kTitleSize = 13;
 constexpr float kTitleGrey = 0.35F;
 
+constexpr SoftShadow kShadow{24, 5, 0.20};
+constexpr int kShadowDrop = 6; // the light comes from above
+constexpr QMargins kShadowMargins(kShadow.reach, kShadow.reach - kShadowDrop, kShadow.reach,
+                                  kShadow.reach + kShadowDrop);
+
 /// The desktop may still minimise it and lists it among its windows.
 constexpr Qt::WindowFlags kBorderless =
     Qt::Window | Qt::FramelessWindowHint | Qt::WindowSystemMenuHint | Qt::WindowMinimizeButtonHint;
@@ -27,7 +35,10 @@ constexpr Qt::WindowFlags kBorderless =
 } // namespace
 
 ColorWindow::ColorWindow(QWidget *parent, Qt::WindowFlags)
-    : QWidget(parent, kBorderless), m_drag(*this), m_isBlended(isCompositing())
+    : QWidget(parent, kBorderless),
+      m_drag(*this),
+      m_isBlended(isCompositing()),
+      m_hasShadow(canAnnounceShadow())
 {
     setAttribute(Qt::WA_TranslucentBackground, m_isBlended);
     setWindowTitle(QStringLiteral("Vantor"));
@@ -59,7 +70,7 @@ void ColorWindow::buildChrome()
 {
     m_frameView = new ColorWindowFrameView(this);
     m_frameView->setIsBlended(m_isBlended);
-    m_frameView->resize(size());
+    m_frameView->setGeometry(contentsRect());
     addButtons();
     addTitle();
     addGrips();
@@ -104,21 +115,22 @@ void ColorWindow::layOut()
 {
     if (!m_frameView)
         return;
-    m_frameView->resize(size());
+    const QSize frame = contentsRect().size();
+    m_frameView->setGeometry(contentsRect());
     const auto geometry =
-        ColorWindowGeometry::make(size(), m_closeButton->size(), m_minimizeButton->size());
-    m_closeButton->setGeometry(flipped(geometry.closeButton, height()));
-    m_minimizeButton->setGeometry(flipped(geometry.minimizeButton, height()));
-    const int right = width() - m_closeButton->x() - m_menuButton->width();
+        ColorWindowGeometry::make(frame, m_closeButton->size(), m_minimizeButton->size());
+    m_closeButton->setGeometry(flipped(geometry.closeButton, frame.height()));
+    m_minimizeButton->setGeometry(flipped(geometry.minimizeButton, frame.height()));
+    const int right = frame.width() - m_closeButton->x() - m_menuButton->width();
     m_menuButton->move(right, m_closeButton->y());
     // Until it was seen. From then on it keeps its width and its distance from the upper left.
     if (!m_wasShown)
-        m_titleField->setGeometry(flipped(geometry.titleField, height()));
+        m_titleField->setGeometry(flipped(geometry.titleField, frame.height()));
     if (m_childContentView)
-        m_childContentView->setGeometry(flipped(geometry.content, height()));
+        m_childContentView->setGeometry(flipped(geometry.content, frame.height()));
     const bool isResizable = minimumSize() != maximumSize() && !isMaximized() && !isFullScreen();
     for (EdgeGrip *grip : m_grips) {
-        grip->place(size());
+        grip->place(frame);
         grip->setVisible(isResizable);
     }
     updateShape();
@@ -176,10 +188,43 @@ void ColorWindow::mainWindowChanged()
             button->update();
 }
 
+/// All sizes that were set until now are the frame's; from now on they are the window's, with the
+/// shadow around the frame.
+void ColorWindow::makeRoomForShadow()
+{
+    const QSize minimum = minimumSize();
+    const QSize maximum = maximumSize();
+    const QSize frame = size();
+    const QSize room = frame.grownBy(kShadowMargins) - frame;
+    setContentsMargins(kShadowMargins);
+    setMinimumSize(minimum.isNull() ? minimum : minimum + room);
+    setMaximumSize((maximum + room).boundedTo({QWIDGETSIZE_MAX, QWIDGETSIZE_MAX}));
+    resize(frame + room);
+}
+
+/// A window that fills the screen has none.
+QMargins ColorWindow::shadowNow() const
+{
+    return m_hasShadow && !isMaximized() && !isFullScreen() ? kShadowMargins : QMargins();
+}
+
+void ColorWindow::paintEvent(QPaintEvent *)
+{
+    const QMargins margins = shadowNow();
+    if (margins.isNull())
+        return;
+    QPainter painter(this);
+    paintSoftShadow(painter, contentsRect().translated(0, kShadowDrop), kShadow);
+}
+
 void ColorWindow::showEvent(QShowEvent *event)
 {
+    if (m_hasShadow && !m_wasShown)
+        makeRoomForShadow();
     QWidget::showEvent(event);
     layOut();
+    if (m_hasShadow)
+        announceShadow(*this, shadowNow());
     m_wasShown = true;
 }
 
@@ -187,6 +232,8 @@ void ColorWindow::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
     layOut();
+    if (m_hasShadow && m_wasShown)
+        announceShadow(*this, shadowNow());
 }
 
 void ColorWindow::changeEvent(QEvent *event)
@@ -194,8 +241,10 @@ void ColorWindow::changeEvent(QEvent *event)
     QWidget::changeEvent(event);
     if (event->type() == QEvent::ActivationChange)
         mainWindowChanged();
-    if (event->type() == QEvent::WindowStateChange)
+    if (event->type() == QEvent::WindowStateChange) {
+        setContentsMargins(m_wasShown ? shadowNow() : QMargins());
         layOut();
+    }
 }
 
 // What no view in the window wanted: the background.

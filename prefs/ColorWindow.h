@@ -57,9 +57,14 @@ public:
     bool canMove() const { return m_canMove; }
     void setCanMove(bool canMove) { m_canMove = canMove; }
 
+    /// Whether it draws a soft shadow around its frame; unless set, as the desktop allows. Its sizes
+    /// are the frame's until it is shown, then the shadow's room comes on top. Before it is shown.
+    void setHasShadow(bool hasShadow) { m_hasShadow = hasShadow; }
+
     QSize sizeHint() const override;
 
 protected:
+    void paintEvent(QPaintEvent *event) override;
     void showEvent(QShowEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void changeEvent(QEvent *event) override;
@@ -76,6 +81,8 @@ private:
     void updateShape();
     void mainWindowChanged();
     void showMenu();
+    void makeRoomForShadow();
+    QMargins shadowNow() const;
 
     ColorWindowFrameView *m_frameView = nullptr;
     QPointer<QWidget> m_childContentView;
@@ -89,4 +96,5 @@ private:
     bool m_canMove = true;
     bool m_wasShown = false;
     const bool m_isBlended;
+    bool m_hasShadow;
 };

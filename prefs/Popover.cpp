@@ -18,7 +18,7 @@ constexpr std::chrono::milliseconds kFade{120};
 QRect boundsFor(QSize body, const QWidget &window)
 {
     const QRect screen = window.screen()->availableGeometry();
-    const QRect own(window.mapToGlobal(QPoint()), window.size());
+    const QRect own = window.contentsRect().translated(window.mapToGlobal(QPoint()));
     const QRect seen = own & screen;
     const bool isTooSmall = seen.width() < body.width() || seen.height() < body.height();
     return isTooSmall ? screen : seen;

@@ -7,7 +7,7 @@ declare -A PACKAGES=(
     # The compiler, Qt's parts, and what their CMake files look for.
     [building]="g++ cmake ninja-build
         qt6-base-dev qt6-tools-dev qt6-tools-dev-tools qt6-svg-dev qt6-webengine-dev qt6-pdf-dev
-        libgl1-mesa-dev libexpected-dev zlib1g-dev libxcb1-dev pkg-config fonts-inter"
+        libgl1-mesa-dev libexpected-dev zlib1g-dev libxcb1-dev libxcb-shape0-dev pkg-config fonts-inter"
     # The kinds of files, the browser's opener, drawing without a graphics card, and desktops that
     # speak Wayland alone.
     [running]="shared-mime-info xdg-utils libegl1 libgl1-mesa-dri qt6-wayland"
@@ -87,7 +87,7 @@ name_the_needs() {
 This is not Debian, so nothing is installed for you. Vantor needs:
   a C++20 compiler (GCC 12 or later), CMake 3.25, Ninja
   Qt 6.4 or later: Core, Gui, Widgets, Network, Svg, UiTools, Test, Quick, WebEngine, Pdf, with their headers
-  tl::expected (headers), zlib (headers), xcb (headers), pkg-config, OpenGL (headers), shared-mime-info, xdg-utils
+  tl::expected (headers), zlib (headers), xcb and xcb-shape (headers), pkg-config, OpenGL (headers), shared-mime-info, xdg-utils
   the static OpenType files of the Inter typeface (their folder goes into VANTOR_FONT_DIR)
   without a desktop: Xvfb and xvfb-run, xauth, openbox
 NEEDS
