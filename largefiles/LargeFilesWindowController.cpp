@@ -176,10 +176,7 @@ void LargeFilesWindowController::toggleSelectedRows()
     const QList<int> rows = m_tableView->selectedRows();
     const bool allAreAdded = std::all_of(rows.begin(), rows.end(),
                                          [this](int row) { return m_array.fileAt(row).isAdded(); });
-    for (const int row : rows) {
-        if (m_array.fileAt(row).isAdded() == allAreAdded)
-            m_array.toggle(row);
-    }
+    m_array.setAdded(rows, !allAreAdded);
 }
 
 void LargeFilesWindowController::dismissPanel(QAbstractButton *sender)

@@ -66,8 +66,11 @@ QList<int> QuickLookTableView::selectedRows() const
 {
     QList<int> rows;
     if (selectionModel()) {
-        for (const QModelIndex &index : selectionModel()->selectedRows())
-            rows.append(index.row());
+        // Not row by row, which would ask the model about each of very many.
+        for (const QItemSelectionRange &range : selectionModel()->selection()) {
+            for (int row = range.top(); row <= range.bottom(); ++row)
+                rows.append(row);
+        }
     }
     std::sort(rows.begin(), rows.end());
     return rows;
