@@ -1,6 +1,7 @@
 #include "largefiles/LargeFileList.h"
 
 #include "platform/ByteCount.h"
+#include "platform/PlainToolTip.h"
 
 #include <QPointer>
 #include <QSet>
@@ -35,7 +36,7 @@ QVariant LargeFileList::data(const QModelIndex &index, int role) const
     case Qt::DisplayRole:
         return file.name();
     case Qt::ToolTipRole:
-        return file.fileURL().displayPath();
+        return plainToolTip(file.fileURL().displayPath());
     case Qt::AccessibleTextRole:
         return accessibleText(file);
     case SizeStringRole:
