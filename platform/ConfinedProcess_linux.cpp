@@ -9,21 +9,21 @@
 namespace {
 
 constexpr int kGlance = 20; // milliseconds between two looks at the program
-constexpr rlim_t kMostMemory = 4ULL << 30;
-constexpr rlim_t kLargestOutput = 64ULL << 20;
-constexpr rlim_t kMostProcessorSeconds = 30;
 
-void limitItself()
+/// Runs in the child, between fork and exec.
+void limitItself(const ProcessLimits &limits, int input)
 {
     ::setpgid(0, 0); // so that it can be ended with all that it starts
     const auto limit = [](auto resource, rlim_t value) {
-        const rlimit limits{value, value};
-        ::setrlimit(resource, &limits);
+        const rlimit both{value, value};
+        ::setrlimit(resource, &both);
     };
-    limit(RLIMIT_AS, kMostMemory);
-    limit(RLIMIT_FSIZE, kLargestOutput);
-    limit(RLIMIT_CPU, kMostProcessorSeconds);
+    limit(RLIMIT_AS, limits.memory);
+    limit(RLIMIT_FSIZE, limits.fileSize);
+    limit(RLIMIT_CPU, rlim_t(limits.processorTime.count()));
     limit(RLIMIT_CORE, 0);
+    if (input >= 0)
+        ::dup2(input, STDIN_FILENO);
 }
 
 void setUp(QProcess &process, const ConfinedProcess &wanted)
@@ -31,9 +31,11 @@ void setUp(QProcess &process, const ConfinedProcess &wanted)
     process.setProgram(wanted.program);
     process.setArguments(wanted.arguments);
     process.setWorkingDirectory(wanted.workingFolder);
-    process.setChildProcessModifier(&limitItself);
+    process.setChildProcessModifier(
+        [limits = wanted.limits, input = wanted.input] { limitItself(limits, input); });
     process.setStandardInputFile(QProcess::nullDevice());
-    process.setStandardOutputFile(QProcess::nullDevice());
+    process.setStandardOutputFile(wanted.outputFile.isEmpty() ? QProcess::nullDevice()
+                                                              : wanted.outputFile);
     process.setStandardErrorFile(QProcess::nullDevice());
 }
 
