@@ -91,6 +91,8 @@ QImage pictureOfFile(const FileReading &reading, const FileUrl &file, QSize pixe
             cacheThumbnail(file, device->modified(), picture, side);
     }
     if (picture.isNull())
+        picture = smallerCachedThumbnail(file, device->modified(), side);
+    if (picture.isNull())
         return {};
     return picture.scaled(fitted(picture.size(), pixels), Qt::IgnoreAspectRatio,
                           Qt::SmoothTransformation);
