@@ -25,8 +25,9 @@ struct ConfinedProcess
     ProcessLimits limits = {};
 };
 
-/// Runs a program that nobody vouches for, with no input or output but what it is given, and
-/// with limits on memory, processor time and what it writes. True when it ended by itself, and
-/// well. Once it takes too long or the token says stop, it is killed. Whatever it has started ends
-/// with it. Any thread but the main one; blocks.
+/// Runs a program that nobody vouches for, with no input or output but what it is given, and with
+/// limits on memory, processor time and what it writes. True when it ended by itself, and well.
+/// Once it takes too long or the token says stop, it is killed. What it has started ends with it,
+/// unless that has left its process group on purpose: the limits hold for that too, but it is not
+/// waited for. Any thread but the main one; blocks.
 bool runConfined(const ConfinedProcess &process, const std::stop_token &stop);
