@@ -85,8 +85,10 @@ void QuickLookTableView::setEmptyText(const QString &text)
 void QuickLookTableView::keyPressEvent(QKeyEvent *event)
 {
     QuickLookTableViewDelegate *const delegate = qlDelegate();
-    if (delegate && event->text() == QLatin1String(" ") &&
-        delegate->didPressSpacebarForTableView(*this))
+    const bool isSpace = event->text() == QLatin1String(" ");
+    if (delegate && isSpace && event->isAutoRepeat())
+        return event->accept(); // a held key would open and close what it shows
+    if (delegate && isSpace && delegate->didPressSpacebarForTableView(*this))
         return event->accept();
     if (isEnter(*event) && !selectedRows().isEmpty()) {
         event->accept();

@@ -120,6 +120,18 @@ private Q_SLOTS:
         QVERIFY(!files.panel.isVisible());
     }
 
+    void aHeldSpaceBarCountsOnce()
+    {
+        Files files({QStringLiteral("a")});
+        files.press(Qt::Key_Space);
+        for (QWidget *const widget :
+             {static_cast<QWidget *>(&files.panel), static_cast<QWidget *>(&files.table)}) {
+            QKeyEvent repeated(QEvent::KeyPress, Qt::Key_Space, {}, QStringLiteral(" "), true);
+            QApplication::sendEvent(widget, &repeated);
+            QVERIFY(files.panel.isVisible());
+        }
+    }
+
     void escapeClosesIt()
     {
         Files files({QStringLiteral("a")});
