@@ -4,14 +4,7 @@
 
 void FreshSizes::read(const FileUrls &files, Answer answer)
 {
-    m_task.start([this, files, answer = std::move(answer)](const std::stop_token &stop) {
-        const QList<qint64> sizes = currentSizes(m_calls, m_access, files, stop);
-        QMetaObject::invokeMethod(
-            &m_task,
-            [stop, sizes, answer] {
-                if (!stop.stop_requested())
-                    answer(sizes);
-            },
-            Qt::QueuedConnection);
+    m_job.run([this, files, answer = std::move(answer)](const std::stop_token &stop) {
+        return [answer, sizes = currentSizes(m_calls, m_access, files, stop)] { answer(sizes); };
     });
 }

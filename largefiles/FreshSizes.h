@@ -1,11 +1,12 @@
 #pragma once
 
-#include "largefiles/LatestTask.h"
+#include "largefiles/LatestJob.h"
 #include "platform/FileUrl.h"
 #include "platform/SystemCalls.h"
 #include "slices/FileAccess.h"
 
-/// Reads the present sizes of listed files on a thread of its own. Main thread only.
+/// Reads the present sizes of listed files on one thread of its own, however many questions there
+/// are: a disk that hangs holds up no more than that. Main thread only.
 class FreshSizes final
 {
 public:
@@ -21,5 +22,5 @@ public:
 private:
     const SystemCalls &m_calls;
     FileAccess &m_access;
-    LatestTask m_task;
+    LatestJob m_job;
 };

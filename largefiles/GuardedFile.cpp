@@ -3,6 +3,21 @@
 #include "slices/AnchoredFolder.h"
 
 #include <QDateTime>
+#include <QMimeDatabase>
+
+namespace {
+
+/// Where readers look for the mark of a format, in bytes.
+constexpr qint64 kHeaderWithin = 1024;
+
+/// Films and texts are too many to start a process for each. Only compares bytes.
+bool mayHoldPicture(const QByteArray &header)
+{
+    return header.contains("%PDF-") ||
+           QMimeDatabase().mimeTypeForData(header).name().startsWith(QLatin1String("image/"));
+}
+
+} // namespace
 
 std::unique_ptr<GuardedFile> GuardedFile::open(const FileReading &reading, const FileUrl &url,
                                                const std::stop_token &stop, ReadingLimits limits)
@@ -21,12 +36,15 @@ std::unique_ptr<GuardedFile> GuardedFile::open(const FileReading &reading, const
     auto descriptor = reading.calls.openFile(folder->get(), entry.name.constData());
     if (!descriptor)
         return nullptr;
-    std::unique_ptr<GuardedFile> file(new GuardedFile(std::move(*descriptor), stop, limits));
+    std::unique_ptr<GuardedFile> file(
+        new GuardedFile(std::move(*descriptor), reading.decoder, stop, limits));
     return file->isOpen() ? std::move(file) : nullptr;
 }
 
-GuardedFile::GuardedFile(FileDescriptor descriptor, std::stop_token stop, ReadingLimits limits)
-    : m_descriptor(std::move(descriptor)),
+GuardedFile::GuardedFile(FileDescriptor descriptor, PictureDecoder decoder, std::stop_token stop,
+                         ReadingLimits limits)
+    : m_decoder(std::move(decoder)),
+      m_descriptor(std::move(descriptor)),
       m_stop(std::move(stop)),
       m_bytesLeft(limits.bytes),
       m_deadline(limits.time)
@@ -38,6 +56,13 @@ GuardedFile::GuardedFile(FileDescriptor descriptor, std::stop_token stop, Readin
 QDateTime GuardedFile::modified() const
 {
     return m_file.fileTime(QFileDevice::FileModificationTime);
+}
+
+DecodedPicture GuardedFile::picture(int page, QSize pixels)
+{
+    if (!seek(0) || !mayHoldPicture(read(kHeaderWithin)))
+        return {};
+    return m_decoder.picture(m_descriptor.get(), page, pixels, m_stop);
 }
 
 bool GuardedFile::seek(qint64 position)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "largefiles/PictureDecoder.h"
 #include "platform/FileUrl.h"
 #include "platform/SystemCalls.h"
 #include "slices/FileAccess.h"
@@ -10,12 +11,13 @@
 #include <memory>
 #include <stop_token>
 
-/// What reads files for previews: the system's calls and the right to work in the granted folder.
-/// Both outlive whoever holds this.
+/// What reads files for previews: the system's calls and the right to work in the granted folder,
+/// which both outlive whoever holds this, and what decodes them.
 struct FileReading
 {
     const SystemCalls &calls;
     FileAccess &access;
+    PictureDecoder decoder = {};
 };
 
 /// How much may be spent on looking into one file.
@@ -25,8 +27,8 @@ struct ReadingLimits
     std::chrono::milliseconds time = std::chrono::seconds(4); ///< from the opening on
 };
 
-/// A file whose content nobody vouches for, as a device for decoders: reads fail once the limits
-/// are reached or the token says stop, so that no decoder goes on for long. Only regular files are
+/// A file whose content nobody vouches for, as a device: reads fail once the limits are reached
+/// or the token says stop, so that nobody goes on reading for long. Only regular files are
 /// opened, and no link is followed. One thread at a time, any but the main one.
 class GuardedFile final : public QIODevice
 {
@@ -39,9 +41,11 @@ public:
                                              const std::stop_token &stop,
                                              ReadingLimits limits = {});
 
-    /// Whether a read was refused. What a decoder made of the file is worth nothing then.
+    /// Whether a read was refused. What was read is not all then.
     bool hasGivenUp() const { return m_hasGivenUp; }
     QDateTime modified() const;
+    /// What is in it as a picture; where reading goes on from is open then, see seek().
+    DecodedPicture picture(int page, QSize pixels);
 
     qint64 size() const override { return m_file.size(); }
     bool seek(qint64 position) override;
@@ -51,8 +55,10 @@ protected:
     qint64 writeData(const char *, qint64) override { return -1; }
 
 private:
-    GuardedFile(FileDescriptor descriptor, std::stop_token stop, ReadingLimits limits);
+    GuardedFile(FileDescriptor descriptor, PictureDecoder decoder, std::stop_token stop,
+                ReadingLimits limits);
 
+    PictureDecoder m_decoder;
     FileDescriptor m_descriptor;
     QFile m_file;
     std::stop_token m_stop;

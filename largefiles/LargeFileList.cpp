@@ -1,6 +1,7 @@
 #include "largefiles/LargeFileList.h"
 
 #include "platform/ByteCount.h"
+#include "platform/PlainToolTip.h"
 
 #include <QPointer>
 #include <QSet>
@@ -35,7 +36,7 @@ QVariant LargeFileList::data(const QModelIndex &index, int role) const
     case Qt::DisplayRole:
         return file.name();
     case Qt::ToolTipRole:
-        return file.fileURL().displayPath();
+        return plainToolTip(file.fileURL().displayPath());
     case Qt::AccessibleTextRole:
         return accessibleText(file);
     case SizeStringRole:
@@ -121,9 +122,24 @@ void LargeFileList::deleteData()
 
 void LargeFileList::toggle(int row)
 {
-    File &file = *m_files[std::size_t(row)];
-    file.setIsAdded(!file.isAdded());
-    Q_EMIT dataChanged(index(row), index(row), {IsAddedRole, Qt::AccessibleTextRole});
+    setAdded({row}, !fileAt(row).isAdded());
+}
+
+void LargeFileList::setAdded(const QList<int> &rows, bool isAdded)
+{
+    int first = rowCount();
+    int last = -1;
+    for (const int row : rows) {
+        File &file = *m_files[std::size_t(row)];
+        if (file.isAdded() == isAdded)
+            continue;
+        file.setIsAdded(isAdded);
+        first = std::min(first, row);
+        last = std::max(last, row);
+    }
+    if (last < 0)
+        return;
+    Q_EMIT dataChanged(index(first), index(last), {IsAddedRole, Qt::AccessibleTextRole});
     picksChanged();
 }
 
@@ -185,6 +201,7 @@ void LargeFileList::picksChanged()
 void LargeFileList::takeSizes(const FileUrls &files, const QList<qint64> &sizes)
 {
     m_freshSizes.clear();
+    m_freshSizes.reserve(files.size());
     for (qsizetype i = 0; i < std::min(files.size(), sizes.size()); ++i)
         m_freshSizes.insert(files[i].path(), sizes[i]);
     Q_EMIT sizeStringChanged();

@@ -53,6 +53,8 @@ public:
     void deleteData();
 
     void toggle(int row);
+    /// Picks these files, or drops them; however many there are, the total is asked for once.
+    void setAdded(const QList<int> &rows, bool isAdded);
     /// Unpicks every file.
     void dropPicks();
 

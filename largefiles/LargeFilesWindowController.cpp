@@ -8,6 +8,7 @@
 #include "largefiles/TextButton.h"
 #include "platform/Fonts.h"
 #include "platform/InterfaceLoader.h"
+#include "platform/PlainToolTip.h"
 #include "platform/Sheet.h"
 #include "platform/Workspace.h"
 
@@ -161,7 +162,8 @@ void LargeFilesWindowController::showStatus()
     if (!isWindowLoaded())
         return;
     m_statusLabel->setText(m_status.text(m_array.rowCount()));
-    m_statusLabel->setToolTip(m_status.details());
+    m_statusLabel->setToolTip(plainToolTip(m_status.details()));
+    m_statusLabel->setAccessibleDescription(m_status.details()); // else it were the markup
     m_tableView->setEmptyText(m_status.emptyText());
 }
 
@@ -176,10 +178,7 @@ void LargeFilesWindowController::toggleSelectedRows()
     const QList<int> rows = m_tableView->selectedRows();
     const bool allAreAdded = std::all_of(rows.begin(), rows.end(),
                                          [this](int row) { return m_array.fileAt(row).isAdded(); });
-    for (const int row : rows) {
-        if (m_array.fileAt(row).isAdded() == allAreAdded)
-            m_array.toggle(row);
-    }
+    m_array.setAdded(rows, !allAreAdded);
 }
 
 void LargeFilesWindowController::dismissPanel(QAbstractButton *sender)

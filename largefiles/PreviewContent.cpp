@@ -1,7 +1,5 @@
 #include "largefiles/PreviewContent.h"
 
-#include "largefiles/PdfPages.h"
-
 #include <QMimeDatabase>
 #include <QStringDecoder>
 #include <optional>
@@ -27,11 +25,9 @@ std::optional<QString> textIn(GuardedFile &file)
 PreviewContent::Kind lookInto(GuardedFile &file, const PreviewRequest &request,
                               PreviewContent &content)
 {
-    PdfPage page = pdfPage(file, request.page, request.size.pixels());
-    content.pageCount = page.pageCount;
-    content.image = std::move(page.image);
-    if (content.image.isNull() && file.seek(0))
-        content.image = decodedPicture(file, request.size.pixels());
+    DecodedPicture picture = file.picture(request.page, request.size.pixels());
+    content.pageCount = picture.pageCount;
+    content.image = std::move(picture.image);
     if (!content.image.isNull() && !file.hasGivenUp()) {
         content.image.setDevicePixelRatio(request.size.scale);
         return PreviewContent::Kind::Picture;

@@ -35,6 +35,7 @@ void PreviewPanel::makeKeyAndOrderFront()
 void PreviewPanel::orderOut()
 {
     m_job.stop();
+    m_isReading = false;
     m_content.reset();
     const bool hadFocus = hasFocus() || isAncestorOf(window()->focusWidget());
     if (hadFocus && m_formerFocus)
@@ -46,22 +47,29 @@ void PreviewPanel::reloadData()
 {
     PreviewPanelDataSource *const source = m_dataSource.get();
     m_count = source ? source->numberOfPreviewItemsInPreviewPanel(*this) : 0;
-    showItem(m_count > 0 ? 0 : -1, 0);
+    showItem(m_count > 0 ? 0 : -1);
 }
 
-void PreviewPanel::showItem(int index, int page)
+void PreviewPanel::showItem(int index)
+{
+    m_index = index;
+    m_kind.reset();
+    readPage(0);
+}
+
+void PreviewPanel::readPage(int page)
 {
     m_job.stop();
     m_content.reset();
-    m_index = index;
     m_page = page;
     std::optional<File> file;
-    if (index >= 0)
-        file = m_dataSource.get()->previewItemAtIndex(*this, index);
+    if (m_index >= 0)
+        file = m_dataSource.get()->previewItemAtIndex(*this, m_index);
+    m_isReading = file.has_value();
     setAccessibleDescription(file ? file->name() : QString());
     if (!file)
         return m_card->showNothing();
-    m_card->showTitle(*file, index, m_count);
+    m_card->showTitle(*file, m_index, m_count);
     const PreviewRequest request{
         file->previewItemURL(), {m_card->contentSize(), devicePixelRatioF()}, page};
     m_job.run([reading = m_reading, request, file = *file, this](const std::stop_token &stop) {
@@ -71,27 +79,38 @@ void PreviewPanel::showItem(int index, int page)
 
 void PreviewPanel::take(const File &file, const PreviewContent &content)
 {
+    m_isReading = false;
     m_content = content;
+    m_kind = Kind{content.kind == PreviewContent::Kind::Text, content.pageCount};
     m_card->showContent(file, content, m_page);
     Q_EMIT contentShown();
 }
 
-/// Whether the key led to another item or page.
+/// Whether the key was for what is shown.
 bool PreviewPanel::turnTo(int key)
 {
     const int items = key == Qt::Key_Right ? 1 : key == Qt::Key_Left ? -1 : 0;
     if (items != 0 && m_count > 1) {
-        showItem(qBound(0, m_index + items, m_count - 1), 0);
+        showItem(qBound(0, m_index + items, m_count - 1));
         return true;
     }
     const int pages = key == Qt::Key_PageDown ? 1 : key == Qt::Key_PageUp ? -1 : 0;
-    if (pages == 0 || !m_content)
-        return false;
-    if (m_content->kind == PreviewContent::Kind::Text)
+    return pages != 0 && turnPages(pages);
+}
+
+/// A page that is still being read may be turned already; nobody knows whose key it is as long as
+/// nothing has been read at all, so that it is nobody's.
+bool PreviewPanel::turnPages(int pages)
+{
+    if (!m_kind)
+        return m_isReading;
+    if (m_kind->isText)
         return m_card->scrollText(pages);
-    if (m_content->pageCount < 2)
+    if (m_kind->pageCount < 2)
         return false;
-    showItem(m_index, qBound(0, m_page + pages, m_content->pageCount - 1));
+    const int page = qBound(0, m_page + pages, m_kind->pageCount - 1);
+    if (page != m_page)
+        readPage(page);
     return true;
 }
 

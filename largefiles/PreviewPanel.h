@@ -57,8 +57,17 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
+    /// What was read of the present item before, which holds for all its pages.
+    struct Kind
+    {
+        bool isText = false;
+        int pageCount = 0;
+    };
+
     bool turnTo(int key);
-    void showItem(int index, int page);
+    bool turnPages(int pages);
+    void showItem(int index);
+    void readPage(int page);
     void take(const File &file, const PreviewContent &content);
 
     FileReading m_reading;
@@ -70,5 +79,7 @@ private:
     int m_index = -1;
     int m_page = 0;
     std::optional<PreviewContent> m_content;
+    std::optional<Kind> m_kind;
+    bool m_isReading = false;
     LatestJob m_job;
 };

@@ -66,8 +66,11 @@ QList<int> QuickLookTableView::selectedRows() const
 {
     QList<int> rows;
     if (selectionModel()) {
-        for (const QModelIndex &index : selectionModel()->selectedRows())
-            rows.append(index.row());
+        // Not row by row, which would ask the model about each of very many.
+        for (const QItemSelectionRange &range : selectionModel()->selection()) {
+            for (int row = range.top(); row <= range.bottom(); ++row)
+                rows.append(row);
+        }
     }
     std::sort(rows.begin(), rows.end());
     return rows;
@@ -82,8 +85,10 @@ void QuickLookTableView::setEmptyText(const QString &text)
 void QuickLookTableView::keyPressEvent(QKeyEvent *event)
 {
     QuickLookTableViewDelegate *const delegate = qlDelegate();
-    if (delegate && event->text() == QLatin1String(" ") &&
-        delegate->didPressSpacebarForTableView(*this))
+    const bool isSpace = event->text() == QLatin1String(" ");
+    if (delegate && isSpace && event->isAutoRepeat())
+        return event->accept(); // a held key would open and close what it shows
+    if (delegate && isSpace && delegate->didPressSpacebarForTableView(*this))
         return event->accept();
     if (isEnter(*event) && !selectedRows().isEmpty()) {
         event->accept();

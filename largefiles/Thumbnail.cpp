@@ -1,12 +1,10 @@
 #include "largefiles/Thumbnail.h"
 
-#include "largefiles/PdfPages.h"
 #include "largefiles/ThumbnailCache.h"
 #include "largefiles/Thumbnailers.h"
 #include "platform/FileImages.h"
 
 #include <QDateTime>
-#include <QImageReader>
 #include <QMimeDatabase>
 #include <QPainter>
 #include <QPainterPath>
@@ -14,19 +12,8 @@
 
 namespace {
 
-constexpr int kLargestDecoded = 256; // MB in memory
-constexpr qint64 kMostPixels = 200'000'000;
 constexpr double kCornerRadius = 6;
 constexpr QColor kEdgeColour(0, 0, 0, 40);
-
-/// The formats whose decoders read as they go, so that they can be stopped. Drawings made of text
-/// are not among them: to parse a large one takes for ever.
-bool isDecodable(const QByteArray &format)
-{
-    static const QList<QByteArray> formats{"bmp", "gif", "icns", "ico",  "jpeg",
-                                           "jpg", "png", "tif",  "tiff", "webp"};
-    return formats.contains(format);
-}
 
 QSize fitted(QSize picture, QSize room)
 {
@@ -46,10 +33,13 @@ QString mimeTypeOf(const FileUrl &file)
 QImage pictureByProgram(const FileUrl &file, int side, const std::stop_token &stop)
 {
     const QString type = mimeTypeOf(file);
-    for (const QByteArray &format : QImageReader::imageFormatsForMimeType(type.toLatin1())) {
-        if (isDecodable(format))
-            return {};
-    }
+    static const QStringList decoded{
+        QStringLiteral("image/bmp"),  QStringLiteral("image/gif"),
+        QStringLiteral("image/jpeg"), QStringLiteral("image/png"),
+        QStringLiteral("image/tiff"), QStringLiteral("image/vnd.microsoft.icon"),
+        QStringLiteral("image/webp"), QStringLiteral("image/x-icns")};
+    if (decoded.contains(type))
+        return {};
     const auto thumbnailer = thumbnailerFor(type);
     return thumbnailer ? pictureMadeBy(*thumbnailer, file, side, stop) : QImage();
 }
@@ -57,9 +47,7 @@ QImage pictureByProgram(const FileUrl &file, int side, const std::stop_token &st
 QImage newPicture(GuardedFile &device, const FileUrl &file, QSize pixels,
                   const std::stop_token &stop)
 {
-    QImage picture = pdfPage(device, 0, pixels).image;
-    if (picture.isNull() && device.seek(0))
-        picture = decodedPicture(device, pixels);
+    const QImage picture = device.picture(0, pixels).image;
     if (device.hasGivenUp())
         return {};
     return picture.isNull() ? pictureByProgram(file, pixels.width(), stop) : picture;
@@ -86,23 +74,6 @@ QImage asPrint(const QImage &picture, qreal scale)
 
 } // namespace
 
-QImage decodedPicture(GuardedFile &device, QSize pixels)
-{
-    QImageReader::setAllocationLimit(kLargestDecoded);
-    QImageReader reader(&device);
-    reader.setDecideFormatFromContent(true);
-    reader.setAutoTransform(true);
-    if (!isDecodable(reader.format()))
-        return {};
-    const QSize size = reader.size();
-    if (size.isEmpty() || qint64(size.width()) * size.height() > kMostPixels)
-        return {};
-    const bool isTurned = reader.transformation().testFlag(QImageIOHandler::TransformationRotate90);
-    reader.setScaledSize(fitted(size, isTurned ? pixels.transposed() : pixels));
-    const QImage image = reader.read();
-    return device.hasGivenUp() ? QImage() : image;
-}
-
 QImage pictureOfFile(const FileReading &reading, const FileUrl &file, QSize pixels,
                      const std::stop_token &stop)
 {
@@ -119,6 +90,8 @@ QImage pictureOfFile(const FileReading &reading, const FileUrl &file, QSize pixe
         if (kept == cachedSide(side))
             cacheThumbnail(file, device->modified(), picture, side);
     }
+    if (picture.isNull())
+        picture = smallerCachedThumbnail(file, device->modified(), side);
     if (picture.isNull())
         return {};
     return picture.scaled(fitted(picture.size(), pixels), Qt::IgnoreAspectRatio,

@@ -32,9 +32,5 @@ QImage imageWithPreviewOfFileAtPath(const FileReading &reading, const FileUrl &f
 QImage pictureOfFile(const FileReading &reading, const FileUrl &file, QSize pixels,
                      const std::stop_token &stop);
 
-/// What the device holds, decoded and fitted into `pixels`; a small picture stays small. Null for
-/// what is no picture, or one too large. Any thread.
-QImage decodedPicture(GuardedFile &device, QSize pixels);
-
 /// The icon of the file's kind, told by its name alone; with the size's smaller side.
 QImage iconOfFile(const FileUrl &file, PictureSize size);

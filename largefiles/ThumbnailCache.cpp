@@ -31,18 +31,6 @@ bool isOfTime(const QString &text, const QDateTime &modified)
     return isNumber && std::floor(seconds) == wanted;
 }
 
-QImage readCached(const QString &path, const QString &uri, const QDateTime &modified)
-{
-    const QFileInfo info(path);
-    if (!info.isFile() || info.size() > kLargestFile)
-        return {};
-    // The reader's own text() cuts keys at their first colon.
-    const QImage image = QImageReader(path, "png").read();
-    const bool isValid = image.text(QStringLiteral("Thumb::URI")) == uri &&
-                         isOfTime(image.text(QStringLiteral("Thumb::MTime")), modified);
-    return isValid ? image : QImage();
-}
-
 /// Where the cache keeps this file's picture in one of its sizes.
 QString cachePath(const CacheFolder &folder, const QByteArray &uri)
 {
@@ -50,6 +38,20 @@ QString cachePath(const CacheFolder &folder, const QByteArray &uri)
     const QDir caches(QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation));
     return caches.filePath(QStringLiteral("thumbnails/%1/%2.png")
                                .arg(QLatin1String(folder.name), QString::fromLatin1(sum)));
+}
+
+QImage readCached(const CacheFolder &folder, const FileUrl &file, const QDateTime &modified)
+{
+    const QByteArray uri = file.absoluteString();
+    const QString path = cachePath(folder, uri);
+    const QFileInfo info(path);
+    if (!info.isFile() || info.size() > kLargestFile)
+        return {};
+    // The reader's own text() cuts keys at their first colon.
+    const QImage image = QImageReader(path, "png").read();
+    const bool isValid = image.text(QStringLiteral("Thumb::URI")) == QString::fromLatin1(uri) &&
+                         isOfTime(image.text(QStringLiteral("Thumb::MTime")), modified);
+    return isValid ? image : QImage();
 }
 
 const CacheFolder *folderFor(int side)
@@ -66,8 +68,9 @@ bool makePrivateFolder(const QString &path)
     QStringList missing;
     for (QString folder = path; !QFileInfo(folder).isDir(); folder = QFileInfo(folder).path())
         missing.prepend(folder);
-    return std::all_of(missing.cbegin(), missing.cend(),
-                       [kPrivate](const QString &folder) { return QDir().mkdir(folder, kPrivate); });
+    return std::all_of(missing.cbegin(), missing.cend(), [kPrivate](const QString &folder) {
+        return QDir().mkdir(folder, kPrivate);
+    });
 }
 
 } // namespace
@@ -79,17 +82,17 @@ int cachedSide(int side)
 
 QImage cachedThumbnail(const FileUrl &file, const QDateTime &modified, int side)
 {
-    const QByteArray uri = file.absoluteString();
-    const auto read = [&](const CacheFolder &folder) {
-        return readCached(cachePath(folder, uri), QString::fromLatin1(uri), modified);
-    };
-    const CacheFolder *const first = folderFor(side);
-    for (const CacheFolder *folder = first; folder != kFolders.end(); ++folder) {
-        if (QImage image = read(*folder); !image.isNull())
+    for (const CacheFolder *folder = folderFor(side); folder != kFolders.end(); ++folder) {
+        if (QImage image = readCached(*folder, file, modified); !image.isNull())
             return image;
     }
-    for (const CacheFolder *folder = first; folder != kFolders.begin();) {
-        if (QImage image = read(*--folder); !image.isNull())
+    return {};
+}
+
+QImage smallerCachedThumbnail(const FileUrl &file, const QDateTime &modified, int side)
+{
+    for (const CacheFolder *folder = folderFor(side); folder != kFolders.begin();) {
+        if (QImage image = readCached(*--folder, file, modified); !image.isNull())
             return image;
     }
     return {};

@@ -13,9 +13,12 @@
 int cachedSide(int side);
 
 /// The picture of a file that some program has put into the cache, in the size for `side` or else
-/// the next one that there is, larger ones first; null where there is none that was made of this
-/// file as last modified at that time.
+/// the next larger one that there is; null where there is none that was made of this file as last
+/// modified at that time.
 QImage cachedThumbnail(const FileUrl &file, const QDateTime &modified, int side);
+
+/// The largest of the smaller ones, for where nothing better can be had.
+QImage smallerCachedThumbnail(const FileUrl &file, const QDateTime &modified, int side);
 
 /// Keeps a picture of the file for all programs, among those of cachedSide(side), which it fits
 /// into. Not of a file that was modified just now: the cache knows times by whole seconds, and

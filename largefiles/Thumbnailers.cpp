@@ -1,6 +1,7 @@
 #include "largefiles/Thumbnailers.h"
 
 #include "platform/ConfinedProcess.h"
+#include "platform/FileDescriptor.h"
 
 #include <QDir>
 #include <QFile>
@@ -11,11 +12,15 @@
 #include <QSet>
 #include <QStandardPaths>
 #include <QTemporaryDir>
+#include <fcntl.h>
+#include <sys/stat.h>
 
 namespace {
 
 constexpr QLatin1String kGroup("[Thumbnailer Entry]");
 constexpr qint64 kLargestEntry = 64LL * 1024;
+constexpr qint64 kLargestPicture = 16LL * 1024 * 1024; // bytes
+constexpr qint64 kMostPixels = 32'000'000;
 
 QHash<QString, QString> valuesOf(const QString &entry)
 {
@@ -68,6 +73,28 @@ QString filledIn(const QString &argument, const QHash<QChar, QString> &fields)
     return filled;
 }
 
+/// What a program has left there, which need not be a picture, nor of the size it was told, nor a
+/// file at all: to open a pipe may wait for ever.
+QImage pictureLeftAt(const QString &output, int side)
+{
+    const FileDescriptor descriptor(::open(QFile::encodeName(output).constData(),
+                                           O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    QFile file;
+    struct stat status = {};
+    if (!descriptor.isValid() || ::fstat(descriptor.get(), &status) != 0 ||
+        !S_ISREG(status.st_mode) || status.st_size > kLargestPicture ||
+        !file.open(descriptor.get(), QIODevice::ReadOnly))
+        return {};
+    QImageReader reader(&file, "png");
+    const QSize size = reader.size();
+    if (size.isEmpty() || qint64(size.width()) * size.height() > kMostPixels)
+        return {};
+    const QImage picture = reader.read();
+    if (picture.width() <= side && picture.height() <= side)
+        return picture;
+    return picture.scaled(side, side, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+}
+
 } // namespace
 
 std::optional<Thumbnailer> readThumbnailer(const QString &entry)
@@ -116,5 +143,5 @@ QImage pictureMadeBy(const Thumbnailer &thumbnailer, const FileUrl &file, int si
         arguments.append(filledIn(argument, fields));
     if (!runConfined({thumbnailer.command.constFirst(), arguments, place.path(), patience}, stop))
         return {};
-    return QImageReader(output, "png").read();
+    return pictureLeftAt(output, side);
 }

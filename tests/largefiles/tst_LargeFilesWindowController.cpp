@@ -170,6 +170,22 @@ private Q_SLOTS:
         QVERIFY(!sheet.isDone);
     }
 
+    void manyRowsArePickedAtOnce()
+    {
+        Sheet sheet;
+        LargeFileList &array = sheet.controller.array();
+        for (int i = 0; i < 1000; ++i)
+            array.insert(File(FileUrl::fromPath(
+                sheet.folder.path("Movies/gone" + QByteArray::number(i)), FileUrlKind::File)));
+        sheet.controller.addButtonPressed(0);
+        const QSignalSpy total(&array, &LargeFileList::sizeStringChanged);
+        QTest::keyClick(sheet.controller.tableView(), Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClick(sheet.controller.tableView(), Qt::Key_Return);
+        QCOMPARE(total.size(), 1);
+        QCOMPARE(sheet.controller.selectedURLs().size(), 1003);
+        QTRY_COMPARE(sheet.addTitle(), QStringLiteral("Add 650 MB"));
+    }
+
     void theSelectedFileIsShownAndNothingWithoutOne()
     {
         Sheet sheet;

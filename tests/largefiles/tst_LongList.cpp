@@ -7,6 +7,7 @@
 #include <QAbstractButton>
 #include <QElapsedTimer>
 #include <QScrollBar>
+#include <QSignalSpy>
 #include <QTest>
 #include <algorithm>
 #include <random>
@@ -127,6 +128,28 @@ private Q_SLOTS:
         });
         qInfo("a pick: %.2f ms", time);
         QVERIFY2(time < kFrame, qPrintable(QString::number(time)));
+    }
+
+    void pickingAllAsksForTheTotalOnce()
+    {
+        int questions = 0;
+        m_list = std::make_unique<LargeFileList>(
+            [&](const FileUrls &files, const LargeFileList::Answer &answer) {
+                ++questions;
+                answer(QList<qint64>(files.size(), 1));
+            });
+        m_table->setModel(m_list.get());
+        fill(kFiles);
+        const QSignalSpy changed(m_list.get(), &QAbstractItemModel::dataChanged);
+        QTest::keyClick(m_table.get(), Qt::Key_A, Qt::ControlModifier);
+        m_list->setAdded(m_table->selectedRows(), true);
+        QCOMPARE(m_list->selectedSize(), kFiles);
+        QCOMPARE(questions, 1);
+        QCOMPARE(changed.size(), 1);
+        m_list->setAdded(m_table->selectedRows(), true); // as it is already
+        QCOMPARE(questions, 1);
+        m_table->clearSelection();
+        QVERIFY(m_table->selectedRows().isEmpty());
     }
 
     void noRowHasAWidget()

@@ -120,6 +120,18 @@ private Q_SLOTS:
         QVERIFY(!files.panel.isVisible());
     }
 
+    void aHeldSpaceBarCountsOnce()
+    {
+        Files files({QStringLiteral("a")});
+        files.press(Qt::Key_Space);
+        for (QWidget *const widget :
+             {static_cast<QWidget *>(&files.panel), static_cast<QWidget *>(&files.table)}) {
+            QKeyEvent repeated(QEvent::KeyPress, Qt::Key_Space, {}, QStringLiteral(" "), true);
+            QApplication::sendEvent(widget, &repeated);
+            QVERIFY(files.panel.isVisible());
+        }
+    }
+
     void escapeClosesIt()
     {
         Files files({QStringLiteral("a")});
@@ -220,6 +232,31 @@ private Q_SLOTS:
         files.press(Qt::Key_PageUp);
         QCOMPARE(colour(), QColor(Qt::red));
         QCOMPARE(files.table.selectedRows(), QList<int>{0});
+    }
+
+    void turnsOnBeforeAPageHasBeenRead()
+    {
+        Files files({QStringLiteral("three.pdf"), QStringLiteral("b"), QStringLiteral("c")});
+        QPdfWriter writer(QFile::decodeName(files.folder.path("three.pdf")));
+        QPainter painter(&writer);
+        for (const Qt::GlobalColor colour : {Qt::red, Qt::green, Qt::blue}) {
+            if (colour != Qt::red)
+                writer.newPage();
+            painter.fillRect(0, 0, writer.width(), writer.height(), colour);
+        }
+        painter.end();
+        files.table.selectRow(0);
+        files.press(Qt::Key_Space);
+        for (int round = 0; round < 2; ++round) { // nothing known yet; the page count known
+            files.press(Qt::Key_PageDown);
+            files.press(Qt::Key_PageDown);
+            QCOMPARE(files.table.selectedRows(), QList<int>{0});
+            const PreviewContent content = files.shown();
+            if (content.pageCount == 0) // built without documents
+                return;
+            const QColor colour = content.image.pixelColor(content.image.rect().center());
+            QCOMPARE(colour, QColor(round == 0 ? Qt::red : Qt::blue));
+        }
     }
 
     void keepsTheMouseFromWhatItCovers()

@@ -13,6 +13,7 @@
 
 #include <QElapsedTimer>
 #include <QLabel>
+#include <QTextDocumentFragment>
 
 namespace {
 
@@ -74,7 +75,10 @@ private Q_SLOTS:
         QTRY_COMPARE(sheet.rowCount(), 2);
         QTRY_COMPARE(sheet.status(),
                      QStringLiteral("Searching Pictures…  ·  1 place could not be read"));
-        QVERIFY(sheet.label("statusLabel").toolTip().endsWith(QStringLiteral("/Movies/locked")));
+        const QLabel &label = sheet.label("statusLabel");
+        const QString details = label.accessibleDescription();
+        QVERIFY(details.endsWith(QStringLiteral("/Movies/locked")));
+        QCOMPARE(QTextDocumentFragment::fromHtml(label.toolTip()).toPlainText(), details);
         sheet.gate.open();
         QTRY_COMPARE(sheet.status(),
                      QStringLiteral("3 files over 100 MB  ·  1 place could not be read"));

@@ -1,5 +1,5 @@
-#include "largefiles/PdfPages.h"
 #include "largefiles/Thumbnail.h"
+#include "largefiles/ThumbnailCache.h"
 #include "tests/support/GuiTestMain.h"
 #include "tests/support/OpenAccess.h"
 #include "tests/support/ScratchFolder.h"
@@ -16,6 +16,7 @@
 namespace {
 
 constexpr QSize kRoom(400, 300);
+constexpr std::chrono::milliseconds kNoTime{0};
 
 QByteArray encoded(const char *format, QSize size, const QColor &color)
 {
@@ -154,6 +155,9 @@ private Q_SLOTS:
         QCOMPARE(device->read(1000).size(), 1000);
         QVERIFY(device->read(1000).isEmpty());
         QVERIFY(device->hasGivenUp());
+        const auto late = GuardedFile::open(m_reading, file, {}, {10'000, kNoTime});
+        QVERIFY(late->read(1).isEmpty());
+        QVERIFY(late->hasGivenUp());
     }
 
     void aStopEndsTheWork()
@@ -208,6 +212,24 @@ private Q_SLOTS:
             QCOMPARE(made(file).pixelColor(100, 50), QColor(Qt::magenta));
     }
 
+    void aSmallPictureInTheCacheGivesWayToABetterOne()
+    {
+        QImage small(128, 128, QImage::Format_RGB32);
+        small.fill(Qt::magenta);
+        const auto colourOf = [&](const FileUrl &file) {
+            QFile opened(QFile::decodeName(file.path()));
+            const QDateTime old = QDateTime::currentDateTime().addDays(-1);
+            if (!opened.open(QIODevice::ReadWrite) ||
+                !opened.setFileTime(old, QFileDevice::FileModificationTime))
+                qFatal("cannot set the time");
+            cacheThumbnail(file, old, small, 128);
+            return made(file).pixelColor(60, 60);
+        };
+        QCOMPARE(colourOf(write("better.png", encoded("PNG", {400, 300}, Qt::blue))),
+                 QColor(Qt::blue));
+        QCOMPARE(colourOf(write("scene.mkv", "film")), QColor(Qt::magenta));
+    }
+
     void aDocumentShowsItsPageOnWhitePaper()
     {
         const FileUrl file = write("d.pdf", {});
@@ -216,12 +238,12 @@ private Q_SLOTS:
         painter.fillRect(0, 0, writer.width(), writer.height() / 2, Qt::red);
         painter.end();
         const auto device = GuardedFile::open(m_reading, file, {});
-        const PdfPage page = pdfPage(*device, 0, kRoom);
-        if (page.pageCount == 0) { // built without documents
+        const int pageCount = device->picture(0, kRoom).pageCount;
+        if (pageCount == 0) { // built without documents
             QVERIFY(isIcon(file));
             return;
         }
-        QCOMPARE(page.pageCount, 1);
+        QCOMPARE(pageCount, 1);
         const QImage image = made(file);
         QCOMPARE(image.height(), kRoom.height());
         QCOMPARE(image.pixelColor(image.width() / 2, image.height() / 4), QColor(Qt::red));

@@ -89,9 +89,20 @@ private Q_SLOTS:
     void theNextLargerSizeComesFirst()
     {
         cacheThumbnail(kFile, kModified, pictureOf({100, 100}), 128);
-        QCOMPARE(cachedThumbnail(kFile, kModified, 256).size(), QSize(100, 100));
+        QVERIFY(cachedThumbnail(kFile, kModified, 256).isNull());
         cacheThumbnail(kFile, kModified, pictureOf({1000, 1000}), 1024);
         QCOMPARE(cachedThumbnail(kFile, kModified, 256).size(), QSize(1000, 1000));
+    }
+
+    void theLargestOfTheSmallerOnesIsThereInNeed()
+    {
+        QVERIFY(smallerCachedThumbnail(kFile, kModified, 512).isNull());
+        cacheThumbnail(kFile, kModified, pictureOf({100, 100}), 128);
+        cacheThumbnail(kFile, kModified, pictureOf({250, 250}), 256);
+        QCOMPARE(smallerCachedThumbnail(kFile, kModified, 512).size(), QSize(250, 250));
+        QCOMPARE(smallerCachedThumbnail(kFile, kModified, 256).size(), QSize(100, 100));
+        QVERIFY(smallerCachedThumbnail(kFile, kModified, 128).isNull());
+        QVERIFY(smallerCachedThumbnail(kFile, kModified.addSecs(1), 256).isNull());
     }
 
     void whatChangesJustNowIsNotKept()

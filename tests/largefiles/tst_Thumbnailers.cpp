@@ -161,6 +161,11 @@ private Q_SLOTS:
         QTest::newRow("crashes") << QByteArray("cp \"$F/picture\" \"$2\"; kill -9 $$");
         QTest::newRow("writes nothing") << QByteArray("true");
         QTest::newRow("writes no picture") << QByteArray("echo no >\"$2\"");
+        QTest::newRow("leaves a pipe") << QByteArray("mkfifo \"$2\"");
+        QTest::newRow("leaves a link") << QByteArray("ln -s \"$F/picture\" \"$2\"");
+        QTest::newRow("leaves a folder") << QByteArray("mkdir \"$2\"");
+        QTest::newRow("leaves a heavy file")
+            << QByteArray("cp \"$F/picture\" \"$2\"; truncate -s 30M \"$2\"");
         QTest::newRow("writes without end") << QByteArray("cat /dev/zero >\"$2\"");
     }
 
@@ -169,6 +174,15 @@ private Q_SLOTS:
         QFETCH(QByteArray, line);
         QVERIFY(pictureBy(program(line), std::chrono::seconds(20)).isNull());
         QVERIFY(pictureBy(path("no such program"), std::chrono::seconds(20)).isNull());
+    }
+
+    void tooLargeAPictureIsMadeSmaller()
+    {
+        QImage picture(2000, 1000, QImage::Format_RGB32);
+        picture.fill(Qt::cyan);
+        QVERIFY(picture.save(path("picture"), "PNG"));
+        const QString command = program("cp \"$F/picture\" \"$2\"");
+        QCOMPARE(pictureBy(command, std::chrono::seconds(20)).size(), QSize(128, 64));
     }
 
     void whatTakesTooLongIsEndedWithItsChildren()

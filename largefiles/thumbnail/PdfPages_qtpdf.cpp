@@ -1,4 +1,4 @@
-#include "largefiles/PdfPages.h"
+#include "largefiles/thumbnail/PdfPages.h"
 
 #include <QPainter>
 #include <QPdfDocument>

@@ -1,4 +1,4 @@
-#include "largefiles/PdfPages.h"
+#include "largefiles/thumbnail/PdfPages.h"
 
 PdfPage pdfPage(QIODevice &, int, QSize)
 {

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QIODevice>
+#include <QImage>
+
+/// What a decoder made of a file.
+struct DecodedPicture
+{
+    QImage image;      ///< null when there is none
+    int pageCount = 0; ///< of a document; 0 when it is none
+};
+
+/// Writes it as plain pixels, for the other process to read without decoding anything. False when
+/// the device does not take it.
+bool writePicture(QIODevice &device, const DecodedPicture &picture);
+
+/// Reads what writePicture() wrote, of a writer that nobody vouches for: nothing when it is
+/// damaged, cut or larger than `largest` pixels.
+DecodedPicture readPicture(QIODevice &device, QSize largest);
