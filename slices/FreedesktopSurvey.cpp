@@ -1,5 +1,7 @@
 #include "slices/FreedesktopSurvey.h"
 
+#include "slices/Conversations.h"
+
 #include <algorithm>
 #include <array>
 
@@ -75,10 +77,7 @@ HomeLayout::Places FreedesktopSurvey::places()
     }
     for (const char *pattern : {".cache", ".var/app/*/cache", "snap/*/common/.cache"})
         addFolders(SliceKind::Cache, pattern);
-    for (const char *pattern :
-         {".local/share/xorg", ".npm/_logs", ".config/*/logs", ".local/share/*/logs",
-          ".local/state/*/logs", ".var/app/*/config/*/logs"})
-        addFolders(SliceKind::AppLogs, pattern);
+    addAppLogs();
     for (const QByteArray device : kUpdateFolders) {
         const QByteArray pattern = ".wine/drive_c/users/*/AppData/Roaming/Apple Computer/iTunes/" +
                                    device + " Software Updates";
@@ -113,6 +112,18 @@ void FreedesktopSurvey::addFolders(SliceKind kind, const char *pattern)
 {
     for (const QByteArray &folder : m_reader.foldersMatching(pattern))
         add(kind, folder);
+}
+
+void FreedesktopSurvey::addAppLogs()
+{
+    for (const char *pattern :
+         {".local/share/xorg", ".npm/_logs", ".config/*/logs", ".local/share/*/logs",
+          ".local/state/*/logs", ".var/app/*/config/*/logs"}) {
+        for (const QByteArray &folder : m_reader.foldersMatching(pattern)) {
+            if (!mayHoldConversations(folder))
+                add(SliceKind::AppLogs, folder);
+        }
+    }
 }
 
 void FreedesktopSurvey::addTrash(const QByteArray &trash)

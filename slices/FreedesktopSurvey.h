@@ -19,6 +19,7 @@ public:
 private:
     void readUserDirs();
     void addFolders(SliceKind kind, const char *pattern);
+    void addAppLogs();
     void addTrash(const QByteArray &trash);
     void addDownloads();
     void addMailDownloads();
