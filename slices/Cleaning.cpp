@@ -24,10 +24,11 @@ class Performance final
 {
 public:
     Performance(const SystemCalls &calls, const CleaningPlan &plan, std::stop_token stop,
-                CleaningObserver *observer)
+                CleaningObserver *observer, const InUseCheck &isInUse)
         : m_calls(calls),
           m_plan(plan),
           m_stop(std::move(stop)),
+          m_isInUse(isInUse),
           m_ledger(plan.refusals(), observer),
           m_space(kListingSpace)
     {
@@ -36,6 +37,7 @@ public:
     CleaningReport run();
 
 private:
+    void clean(const CleaningLocation &location);
     void emptyFolder(const CleaningLocation &location);
     void removeFile(const CleaningLocation &location);
     bool isAsPlanned(const CleaningLocation &location, const SystemResult<FileIdentity> &found);
@@ -47,6 +49,7 @@ private:
     const SystemCalls &m_calls;
     const CleaningPlan &m_plan;
     std::stop_token m_stop;
+    const InUseCheck &m_isInUse;
     CleaningLedger m_ledger;
     std::vector<char> m_space;
 };
@@ -55,14 +58,21 @@ CleaningReport Performance::run()
 {
     const auto &locations = m_plan.locations();
     for (std::size_t i = 0; i < locations.size() && !m_stop.stop_requested(); ++i) {
-        if (locations[i].mode == CleaningMode::ContentsOfFolders) {
-            emptyFolder(locations[i]);
-        } else {
+        if (locations[i].mode == CleaningMode::TheVeryFiles)
             logFiles(i);
-            removeFile(locations[i]);
-        }
+        clean(locations[i]);
     }
     return m_ledger.finish(m_stop.stop_requested());
+}
+
+void Performance::clean(const CleaningLocation &location)
+{
+    if (m_isInUse && m_isInUse(location))
+        refuse(location, RefusalReason::InUse, 0);
+    else if (location.mode == CleaningMode::ContentsOfFolders)
+        emptyFolder(location);
+    else
+        removeFile(location);
 }
 
 void Performance::emptyFolder(const CleaningLocation &location)
@@ -160,7 +170,8 @@ void Performance::logFiles(std::size_t first)
 } // namespace
 
 CleaningReport performCleaning(const SystemCalls &calls, const CleaningPlan &plan,
-                               std::stop_token stop, CleaningObserver *observer)
+                               std::stop_token stop, CleaningObserver *observer,
+                               const InUseCheck &isInUse)
 {
-    return Performance(calls, plan, std::move(stop), observer).run();
+    return Performance(calls, plan, std::move(stop), observer, isInUse).run();
 }
