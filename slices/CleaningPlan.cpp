@@ -27,7 +27,7 @@ public:
         m_plan.m_excluded = excluded;
     }
 
-    CleaningPlan plan();
+    CleaningPlan plan(const FileUrls &inUse);
 
 private:
     bool refuseUnparsable();
@@ -54,13 +54,15 @@ private:
     std::vector<ResolvedExclusions::Lost> m_lost;
 };
 
-CleaningPlan CleaningPlanner::plan()
+CleaningPlan CleaningPlanner::plan(const FileUrls &inUse)
 {
     if (!refuseUnparsable()) {
         takeExclusions();
         for (const SliceToClean &slice : m_slices)
             planSlice(slice);
     }
+    for (const FileUrl &url : inUse)
+        refuse(url.path(), RefusalReason::InUse);
     return std::move(m_plan);
 }
 
@@ -212,7 +214,8 @@ void CleaningPlanner::refuse(const QByteArray &path, RefusalReason reason, int e
 }
 
 CleaningPlan makeCleaningPlan(const SystemCalls &calls, const FileAccess &access,
-                              const QList<SliceToClean> &slices, const ExcludedPaths &excluded)
+                              const QList<SliceToClean> &slices, const ExcludedPaths &excluded,
+                              const FileUrls &inUse)
 {
-    return CleaningPlanner(calls, access, slices, excluded).plan();
+    return CleaningPlanner(calls, access, slices, excluded).plan(inUse);
 }

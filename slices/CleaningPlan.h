@@ -88,7 +88,9 @@ private:
 /// Plans the cleaning of the chosen slices, in their order. Fails closed: an exclusion that cannot
 /// be read stops everything, one that cannot be found stops the place around it, and a place that
 /// is not a plain folder or file of the granted folder's own file system is refused. A place that
-/// does not exist is simply not in the plan. Touches the file system, so not for the main thread;
+/// does not exist is simply not in the plan. What is in use the plan just refuses, after all else.
+/// Touches the file system, so not for the main thread;
 /// the caller holds the access, from here until the cleaning is done.
 CleaningPlan makeCleaningPlan(const SystemCalls &calls, const FileAccess &access,
-                              const QList<SliceToClean> &slices, const ExcludedPaths &excluded);
+                              const QList<SliceToClean> &slices, const ExcludedPaths &excluded,
+                              const FileUrls &inUse = {});

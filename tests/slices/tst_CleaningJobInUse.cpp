@@ -5,8 +5,10 @@
 #include "slices/Info.h"
 #include "tests/support/ForwardingSystemCalls.h"
 #include "tests/support/GuiTestMain.h"
+#include "tests/support/LogRecorder.h"
 #include "tests/support/PageFixture.h"
 
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <unistd.h>
 
@@ -31,6 +33,7 @@ private Q_SLOTS:
     void cleanup();
 
     void keepsWhatAProgramStartedMeanwhileUses();
+    void logsWhatStaysForAProgram();
 
 private:
     void firefoxStarts() const
@@ -101,6 +104,21 @@ void TestCleaningJobInUse::keepsWhatAProgramStartedMeanwhileUses()
     QVERIFY(m_fixture->exists(".mozilla/firefox/a/formhistory.sqlite"));
     QCOMPARE(report.refusalCount, 2U);
     QCOMPARE(report.refusals.value(0).reason, RefusalReason::InUse);
+}
+
+void TestCleaningJobInUse::logsWhatStaysForAProgram()
+{
+    firefoxStarts();
+    const LogRecorder log;
+    const CleaningReport report = clean({SliceKind::BrowserData});
+    QCOMPARE(report.refusalCount, 2U);
+    QCOMPARE(report.refusals.size(), 2);
+    QCOMPARE(
+        log.lines()
+            .filter(QRegularExpression(QStringLiteral(
+                "^File might be locked: .*/(cookies|formhistory)\\.sqlite: used by a program$")))
+            .size(),
+        2);
 }
 
 VANTOR_GUI_TEST_MAIN(TestCleaningJobInUse)
