@@ -112,6 +112,9 @@ void Performance::removeFile(const CleaningLocation &location)
     const auto status = m_calls.status(folder->get(), name.constData());
     if (!status)
         return refuse(location, RefusalReason::Unreadable, status.error());
+    // The name may stand for something else again; from here on it is unlinked as what it is.
+    if (location.whatGoes == WhatGoes::RegularFiles && status->kind != FileKind::Regular)
+        return refuse(location, RefusalReason::NotAFile, 0);
     const Protection protection(m_plan, location, identity->device);
     const RemovalSteps steps(m_calls, protection, m_ledger, EntryOrder::AsListed);
     const QByteArray path = location.url.path();

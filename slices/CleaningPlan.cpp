@@ -92,7 +92,14 @@ void CleaningPlanner::planSlice(const SliceToClean &slice)
         // because it was listed beside another.
         const bool isTouched =
             slice.mode == CleaningMode::TheVeryFiles ? isAnyTouched : excluded.touches(url);
-        planLocation({slice.name, url, {}, slice.mode, {}, isTouched, slice.readOnlyFolders});
+        planLocation({slice.name,
+                      url,
+                      {},
+                      slice.mode,
+                      {},
+                      isTouched,
+                      slice.readOnlyFolders,
+                      slice.whatGoes});
     }
 }
 
@@ -163,8 +170,16 @@ CleaningPlanner::examine(CleaningLocation &location) const
         folder = held.get();
         identity = m_calls.identityOf(folder);
     }
-    if (identity && !isExcluded(*identity) && !fileName.isEmpty())
+    if (identity && !isExcluded(*identity) && !fileName.isEmpty()) {
+        if (location.whatGoes == WhatGoes::RegularFiles) {
+            const auto status = m_calls.status(folder, fileName.constData());
+            if (!status)
+                return tl::unexpected(Obstacle{RefusalReason::Unreadable, status.error()});
+            if (status->kind != FileKind::Regular)
+                return tl::unexpected(Obstacle{RefusalReason::NotAFile, 0});
+        }
         identity = m_calls.identity(folder, fileName.constData());
+    }
     if (!identity)
         return tl::unexpected(Obstacle{RefusalReason::Unreadable, identity.error()});
     if (identity->device != device) // a sub-volume opens like any folder

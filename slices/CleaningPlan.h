@@ -14,6 +14,12 @@ enum class CleaningMode {
     TheVeryFiles,      ///< the files themselves
 };
 
+/// What of a slice's places may go.
+enum class WhatGoes {
+    Everything,
+    RegularFiles, ///< of the very files: whatever else bears such a name stays
+};
+
 /// A slice as the user chose it.
 struct SliceToClean
 {
@@ -21,6 +27,7 @@ struct SliceToClean
     FileUrls fileURLs;
     CleaningMode mode = CleaningMode::ContentsOfFolders;
     ReadOnlyFolders readOnlyFolders = ReadOnlyFolders::Stay; ///< inside the places, not themselves
+    WhatGoes whatGoes = WhatGoes::Everything;
 };
 
 /// Why something that was asked for is left alone.
@@ -32,6 +39,7 @@ enum class RefusalReason {
     GrantedFolder,       ///< the granted folder itself
     Link,                ///< a link, or reached through one
     NotAFolder,
+    NotAFile,        ///< a folder or the like where only a plain file may go
     OtherFileSystem, ///< a mount, or another volume
     Unreadable,      ///< could not be opened or examined; the errno says why
     PartlyListed,    ///< an error ended the listing: nothing more of the folder is removed
@@ -59,6 +67,7 @@ struct CleaningLocation
     /// each item below is judged by its path.
     bool isTouched = false;
     ReadOnlyFolders readOnlyFolders = ReadOnlyFolders::Stay;
+    WhatGoes whatGoes = WhatGoes::Everything;
 };
 
 /// Exactly what a cleaning may remove: places in order, and what is kept inside them. Made by

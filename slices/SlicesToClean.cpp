@@ -11,6 +11,15 @@ CleaningMode modeOf(const QString &slice)
     return areFiles ? CleaningMode::TheVeryFiles : CleaningMode::ContentsOfFolders;
 }
 
+/// What is in the freedesktop places of single files is written by the programs as plain files; the
+/// fixed layout says nothing of the kind, and large files may be packages.
+WhatGoes whatGoesOf(const HomeLayout &layout, const QString &slice)
+{
+    const bool isBrowserData = sliceKindNamed(slice) == SliceKind::BrowserData;
+    return layout.kind() == HomeKind::Freedesktop && isBrowserData ? WhatGoes::RegularFiles
+                                                                   : WhatGoes::Everything;
+}
+
 /// "…/Trash/directorysizes" for "…/Trash/files".
 FileUrls folderSizeBooks(const HomeLayout &layout, const FileUrls &locations)
 {
@@ -34,10 +43,12 @@ QList<SliceToClean> slicesToClean(const HomeLayout &layout,
         const FileUrls locations = record->fileURLs().value_or(FileUrls());
         const FileUrls books = folderSizeBooks(layout, locations);
         if (!books.isEmpty())
-            slices.append({record->name(), books, CleaningMode::TheVeryFiles});
+            slices.append({record->name(), books, CleaningMode::TheVeryFiles, ReadOnlyFolders::Stay,
+                           WhatGoes::RegularFiles});
         const bool isTrash = !locations.isEmpty() && layout.isInTrash(locations.constFirst());
         slices.append({record->name(), locations, modeOf(record->name()),
-                       isTrash ? ReadOnlyFolders::Emptied : ReadOnlyFolders::Stay});
+                       isTrash ? ReadOnlyFolders::Emptied : ReadOnlyFolders::Stay,
+                       whatGoesOf(layout, record->name())});
     }
     return slices;
 }

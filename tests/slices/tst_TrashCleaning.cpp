@@ -9,6 +9,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <unistd.h>
 
 namespace {
 
@@ -99,6 +100,8 @@ private Q_SLOTS:
     void saysWhenTheRightCannotBeGivenBack();
     void forgetsTheSizesOfWhatIsGone();
     void removesTheBookOfSizesFirst();
+    void removesNoFolderCalledLikeTheBookOfSizes();
+    void removesNoFolderPutInThePlaceOfABrowsersFile();
     void leavesTheFixedTrashAsItIs();
 };
 
@@ -190,6 +193,29 @@ void TestTrashCleaning::removesTheBookOfSizesFirst()
     trash.clean(SliceKind::Trash, {}, calls);
     QVERIFY(trash.has(kTrash + "files/album"));
     QVERIFY(!trash.has(kTrash + "directorysizes"));
+}
+
+void TestTrashCleaning::removesNoFolderCalledLikeTheBookOfSizes()
+{
+    const Trash trash;
+    trash.folderOf(kNobody, kTrash + "directorysizes");
+    trash.tree.makeFile(kTrash + "directorysizes/letter", 90);
+    QCOMPARE(trash.clean(SliceKind::Trash), QByteArray("0, 0, 1"));
+    QVERIFY(trash.has(kTrash + "directorysizes/letter"));
+}
+
+void TestTrashCleaning::removesNoFolderPutInThePlaceOfABrowsersFile()
+{
+    const MadeHome home({".mozilla/firefox/a/cookies.sqlite"});
+    const HomeLayout layout = home.survey();
+    const QByteArray place = home.path(".mozilla/firefox/a/cookies.sqlite");
+    const auto record = Info::infoWithName(QStringLiteral("Browser Data"),
+                                           layout.locations(SliceKind::BrowserData));
+    QVERIFY(::unlink(place.constData()) == 0);
+    home.make(".mozilla/firefox/a/cookies.sqlite/letter");
+    const CleaningReport report = ::clean(home.access(), slicesToClean(layout, {record}));
+    QCOMPARE(report.refusals.value(0).reason, RefusalReason::NotAFile);
+    QVERIFY(exists(place + "/letter"));
 }
 
 void TestTrashCleaning::leavesTheFixedTrashAsItIs()
