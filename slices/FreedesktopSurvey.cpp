@@ -4,9 +4,11 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 
 namespace {
 
+constexpr auto kUserDirsFile = ".config/user-dirs.dirs";
 constexpr std::size_t kLargestUserDirsFile = 64 * 1024;
 
 constexpr auto kHomeTrash = ".local/share/Trash";
@@ -86,16 +88,19 @@ HomeLayout::Places FreedesktopSurvey::places()
     addMailDownloads();
     addBrowserData();
     addDownloads();
-    addTrashOfEnvironment();
-    addCacheOfEnvironment();
+    if (m_userDirsAreKnown) {
+        addTrashOfEnvironment();
+        addCacheOfEnvironment();
+    }
     addSearchFolders();
     return std::move(m_places);
 }
 
 void FreedesktopSurvey::readUserDirs()
 {
-    m_userDirs =
-        UserDirs::parse(m_reader.contentOf(".config/user-dirs.dirs", kLargestUserDirsFile));
+    const auto text = userDirsText();
+    m_userDirsAreKnown = text || text.error() == ENOENT;
+    m_userDirs = UserDirs::parse(text.value_or(QByteArray()));
     const auto note = [this](const NamedFolder &folder) {
         m_userFolders.append(folder.plainName);
         if (const auto named = m_userDirs.folder(folder.variable, m_home.path()))
@@ -106,6 +111,22 @@ void FreedesktopSurvey::readUserDirs()
             note(folder);
     }
     note(kTemplates);
+}
+
+/// Many people keep such files in one folder and put links in their places. One link is followed,
+/// if it does not leave the home; a link to nothing may lead to something tomorrow.
+SystemResult<QByteArray> FreedesktopSurvey::userDirsText() const
+{
+    auto text = m_reader.contentOf(kUserDirsFile, kLargestUserDirsFile);
+    if (text || text.error() != ELOOP)
+        return text;
+    const auto link = m_reader.linkAt(kUserDirsFile);
+    const auto target =
+        link ? linkTargetBelowHome(kUserDirsFile, *link, m_home.path()) : std::nullopt;
+    if (!target)
+        return tl::unexpected(ELOOP);
+    text = m_reader.contentOf(*target, kLargestUserDirsFile);
+    return text ? text : tl::unexpected(ELOOP);
 }
 
 void FreedesktopSurvey::addFolders(SliceKind kind, const char *pattern)
@@ -160,9 +181,12 @@ void FreedesktopSurvey::addBrowserData()
     }
 }
 
-/// The folder that the user named, unless it holds more than downloads; else the plain name.
+/// The folder that the user named, unless it holds more than downloads; else the plain name. While
+/// the file that may name another cannot be read, the plain name may be that of anything.
 void FreedesktopSurvey::addDownloads()
 {
+    if (!m_userDirsAreKnown)
+        return;
     const auto named = m_userDirs.folder(kDownloads.variable, m_home.path());
     const QByteArray folder =
         named && mayBeDownloads(*named) ? *named : QByteArray(kDownloads.plainName);

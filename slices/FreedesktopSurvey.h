@@ -18,6 +18,7 @@ public:
 
 private:
     void readUserDirs();
+    SystemResult<QByteArray> userDirsText() const;
     void addFolders(SliceKind kind, const char *pattern);
     void addAppLogs();
     void addTrash(const QByteArray &trash);
@@ -39,6 +40,9 @@ private:
     const FileUrl m_home;
     const HomeEnvironment m_environment;
     UserDirs m_userDirs;
+    /// Whether the file was read, or there is none. Otherwise nobody knows which folder the user
+    /// keeps what in.
+    bool m_userDirsAreKnown = false;
     /// Where the user keeps what nobody may take for something else; downloads are not among them.
     QByteArrayList m_userFolders;
     QByteArrayList m_known; ///< all folders that are locations already

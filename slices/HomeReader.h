@@ -7,8 +7,8 @@
 
 /// Looks into a granted home, to find out which of the places that programs use are there. Goes
 /// down from the home's descriptor, never through a link and never onto another file system. What
-/// it cannot read is not there. Paths are raw and relative to the home. One thread at a time, not
-/// the main one.
+/// it cannot read is not there, unless said otherwise. Paths are raw and relative to the home. One
+/// thread at a time, not the main one.
 class HomeReader final
 {
 public:
@@ -24,8 +24,9 @@ public:
     QByteArrayList filesAmong(const QByteArrayList &paths) const;
     /// Where a link leads, by its own bytes; nothing where there is none.
     std::optional<QByteArray> linkAt(const QByteArray &path) const;
-    /// The bytes of a plain file of no more than `limit` bytes; nothing for any other.
-    QByteArray contentOf(const QByteArray &path, std::size_t limit) const;
+    /// The bytes of a plain file of no more than `limit` bytes. ENOENT alone says that there is
+    /// none; whatever else is there and cannot be read has another error, a link ELOOP.
+    SystemResult<QByteArray> contentOf(const QByteArray &path, std::size_t limit) const;
 
 private:
     SystemResult<FileDescriptor> open(const QByteArray &path) const;

@@ -125,6 +125,25 @@ std::optional<QByteArray> pathBelowHome(const QByteArray &path, const QByteArray
     return names.sliced(home.size()).join('/');
 }
 
+std::optional<QByteArray> linkTargetBelowHome(const QByteArray &linkPath, const QByteArray &target,
+                                              const QByteArray &homePath)
+{
+    if (target.startsWith('/') || target.contains('\0'))
+        return pathBelowHome(target, homePath);
+    QByteArrayList folders = namesOf(linkPath);
+    folders.removeLast();
+    QByteArrayList names = namesOf(target);
+    while (!names.isEmpty() && names.first() == "..") {
+        if (folders.isEmpty())
+            return std::nullopt;
+        folders.removeLast();
+        names.removeFirst();
+    }
+    if (names.isEmpty() || names.contains(".."))
+        return std::nullopt;
+    return (folders + names).join('/');
+}
+
 bool hasHiddenComponent(const QByteArray &relativePath)
 {
     return relativePath.startsWith('.') || relativePath.contains("/.");

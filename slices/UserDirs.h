@@ -31,5 +31,11 @@ private:
 /// not strictly below it, or that goes through "..". Compares bytes and looks at no disk.
 std::optional<QByteArray> pathBelowHome(const QByteArray &path, const QByteArray &homePath);
 
+/// Where a link below the home leads: the path, also relative to the home, that the link at
+/// `linkPath` stands for by its bytes. Nothing unless it is strictly below the home and goes up, if
+/// at all, before it goes down. Looks at no disk.
+std::optional<QByteArray> linkTargetBelowHome(const QByteArray &linkPath, const QByteArray &target,
+                                              const QByteArray &homePath);
+
 /// Whether a name on the path is hidden.
 bool hasHiddenComponent(const QByteArray &relativePath);

@@ -1,5 +1,8 @@
 #include "tests/slices/HomeKit.h"
+#include "tests/support/ForwardingSystemCalls.h"
 #include "tests/support/TestMain.h"
+
+#include <cerrno>
 
 /// What the user's own file and the environment may add to a home, and what they may not.
 class TestFreedesktopSurvey final : public QObject
@@ -9,6 +12,9 @@ class TestFreedesktopSurvey final : public QObject
 private Q_SLOTS:
     void takesDownloadsFromTheUsersFile_data();
     void takesDownloadsFromTheUsersFile();
+    void emptiesNoDownloadsWhileTheUsersFileIsUnreadable_data();
+    void emptiesNoDownloadsWhileTheUsersFileIsUnreadable();
+    void emptiesNoDownloadsWhenReadingFails();
     void takesLittleFromTheEnvironment_data();
     void takesLittleFromTheEnvironment();
     void searchesTheUsersFolders_data();
@@ -56,6 +62,64 @@ void TestFreedesktopSurvey::takesDownloadsFromTheUsersFile()
     home.nameUserDirs(lines);
     const QByteArrayList expected = folder.isEmpty() ? QByteArrayList() : QByteArrayList{folder};
     QCOMPARE(home.relative(*home.survey().locations(SliceKind::Downloads)), expected);
+}
+
+void TestFreedesktopSurvey::emptiesNoDownloadsWhileTheUsersFileIsUnreadable_data()
+{
+    QTest::addColumn<QByteArray>("link");
+    QTest::addColumn<QByteArrayList>("found");
+    const QByteArrayList none;
+    QTest::newRow("no file") << QByteArray() << QByteArrayList{"Downloads/", "var/cache/"};
+    QTest::newRow("a link beside it") << QByteArray("here") << QByteArrayList{"Get/", "var/cache/"};
+    QTest::newRow("a link into the home")
+        << QByteArray("../dots/u") << QByteArrayList{"Get/", "var/cache/"};
+    QTest::newRow("a full link") << QByteArray("HOME/dots/u")
+                                 << QByteArrayList{"Get/", "var/cache/"};
+    QTest::newRow("a link to a link") << QByteArray("link") << none;
+    QTest::newRow("through a link") << QByteArray("../linked/u") << none;
+    QTest::newRow("out of the home") << QByteArray("../../elsewhere") << none;
+    QTest::newRow("a full one out of it") << QByteArray("HOME/../elsewhere") << none;
+    QTest::newRow("around") << QByteArray("../dots/../dots/u") << none;
+    QTest::newRow("to nothing") << QByteArray("gone") << none;
+    QTest::newRow("to a folder") << QByteArray("../dots") << none;
+    QTest::newRow("too large") << QByteArray("large") << none;
+}
+
+void TestFreedesktopSurvey::emptiesNoDownloadsWhileTheUsersFileIsUnreadable()
+{
+    QFETCH(QByteArray, link);
+    QFETCH(const QByteArrayList, found);
+    const QByteArray lines = "XDG_DOWNLOAD_DIR=\"$HOME/Get\"\n";
+    const MadeHome home({"Downloads/x", "Get/x", "var/cache/x"});
+    home.make(".config/here", lines);
+    home.make("dots/u", lines);
+    home.make(".config/large", lines + QByteArray(64 * 1024, '#'));
+    makeFile(home.outside("elsewhere"), lines);
+    home.link("linked", "dots");
+    home.link(".config/link", "here");
+    if (!link.isEmpty())
+        home.link(".config/user-dirs.dirs", link.replace("HOME", home.path()));
+    const HomeLayout layout = home.survey({{}, home.path("var/cache")});
+    QCOMPARE(home.relative(*layout.locations(SliceKind::Downloads) +
+                           *layout.locations(SliceKind::Cache)),
+             found);
+}
+
+void TestFreedesktopSurvey::emptiesNoDownloadsWhenReadingFails()
+{
+    const MadeHome home({"Downloads/x"});
+    home.nameUserDirs("XDG_DOWNLOAD_DIR=\"$HOME/Get\"\n");
+    const auto downloads = [&](const SystemCalls &calls) {
+        return home.relative(*home.survey({}, calls).locations(SliceKind::Downloads));
+    };
+    for (const char *call : {"openFile", "read"}) {
+        const ForwardingSystemCalls failing(
+            [&](int, std::string_view name) { return name == call ? EIO : 0; });
+        QCOMPARE(downloads(failing), QByteArrayList());
+    }
+    const MadeHome linked({"Downloads/x", "dots/user-dirs.dirs"});
+    linked.link(".config", "dots");
+    QCOMPARE(linked.survey().locations(SliceKind::Downloads), FileUrls());
 }
 
 void TestFreedesktopSurvey::takesLittleFromTheEnvironment_data()
