@@ -43,6 +43,7 @@ private:
     bool isAsPlanned(const CleaningLocation &location, const SystemResult<FileIdentity> &found);
     void refuse(const CleaningLocation &location, RefusalReason reason, int error);
 
+    void passOverRecordsInNeed(const CleaningLocation &location, FolderListing &listing) const;
     void logContents(const CleaningLocation &location, const FolderListing &listing);
     void logFiles(std::size_t first);
 
@@ -90,6 +91,8 @@ void Performance::emptyFolder(const CleaningLocation &location)
     auto listing = steps.list(folder->get(), m_space);
     if (!listing)
         return refuse(location, RefusalReason::PartlyListed, listing.error());
+    if (location.whatGoes == WhatGoes::LoneRecords)
+        passOverRecordsInNeed(location, *listing);
     if (!location.isTouched)
         logContents(location, *listing);
     const Care care = location.isTouched ? Care::Judged : Care::Logged;
@@ -98,6 +101,26 @@ void Performance::emptyFolder(const CleaningLocation &location)
         Remover(steps, m_stop).removeListed(held, std::move(*listing));
     else
         RemovalCrew(steps, m_stop, kThreadsForDisks).removeListed(held, std::move(*listing));
+}
+
+/// Without its record nobody could put an item back that stayed: it was excluded, is another's or
+/// could not be removed. The folder "files" was dealt with before; in doubt something is in it.
+void Performance::passOverRecordsInNeed(const CleaningLocation &location,
+                                        FolderListing &listing) const
+{
+    constexpr QByteArrayView kEnding(".trashinfo");
+    const AnchoredPath trash = anchoredEntry(location.path).folder;
+    const auto files =
+        openAnchored(m_calls, {trash.anchor, trash.relativePath + "/files"}, Descent::Strict);
+    const bool mayHoldItems = files || files.error() != ENOENT;
+    listing.removeIf([&](const char *record) {
+        const QByteArray name(record);
+        if (!mayHoldItems || !name.endsWith(kEnding))
+            return false;
+        const auto item = files ? m_calls.status(files->get(), name.chopped(kEnding.size()))
+                                : tl::unexpected(files.error());
+        return item || item.error() != ENOENT;
+    });
 }
 
 void Performance::removeFile(const CleaningLocation &location)

@@ -14,7 +14,8 @@ struct CleaningFailure
 };
 
 /// What a cleaning did. Whatever was planned and still exists is kept by an exclusion, named in one
-/// of the two lists or lies below a folder named there; beyond a bound the lists only count.
+/// of the two lists, lies below a folder named there or is the trash's record of such an item;
+/// beyond a bound the lists only count.
 struct CleaningReport
 {
     std::uint64_t removedItems = 0; ///< files, links and folders, those deep inside included

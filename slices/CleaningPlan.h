@@ -18,6 +18,9 @@ enum class CleaningMode {
 enum class WhatGoes {
     Everything,
     RegularFiles, ///< of the very files: whatever else bears such a name stays
+    /// Of a trash's folder "info": the record "X.trashinfo", which says where X came from, stays
+    /// for as long as X is in the folder "files" beside it.
+    LoneRecords,
 };
 
 /// A slice as the user chose it.
