@@ -54,16 +54,15 @@ bool isInside(const QByteArray &path, const QByteArray &folder)
     return path.startsWith(folder + '/');
 }
 
-bool isAtOrInside(const QByteArray &path, const QByteArray &folder)
-{
-    return path == folder || isInside(path, folder);
-}
-
 } // namespace
 
 FreedesktopSurvey::FreedesktopSurvey(const HomeReader &reader, const FileUrl &home,
                                      const HomeEnvironment &environment)
-    : m_reader(reader), m_home(home), m_environment(environment)
+    : m_reader(reader),
+      m_home(home),
+      m_environment(environment),
+      m_userFolders(reader, home.path()),
+      m_downloads(reader, home.path())
 {
 }
 
@@ -101,16 +100,16 @@ void FreedesktopSurvey::readUserDirs()
     const auto text = userDirsText();
     m_userDirsAreKnown = text || text.error() == ENOENT;
     m_userDirs = UserDirs::parse(text.value_or(QByteArray()));
-    const auto note = [this](const NamedFolder &folder) {
-        m_userFolders.append(folder.plainName);
-        if (const auto named = m_userDirs.folder(folder.variable, m_home.path()))
-            m_userFolders.append(*named);
-    };
     for (const NamedFolder &folder : kSearched) {
         if (QByteArray(folder.variable) != kDownloads.variable)
-            note(folder);
+            m_userFolders.add(folder.plainName);
     }
-    note(kTemplates);
+    m_userFolders.add(kTemplates.plainName);
+    for (const QByteArray &folder : m_userDirs.allBut(kDownloads.variable, m_home.path()))
+        m_userFolders.add(folder);
+    m_downloads.add(kDownloads.plainName);
+    if (const auto named = m_userDirs.folder(kDownloads.variable, m_home.path()))
+        m_downloads.add(*named);
 }
 
 /// Many people keep such files in one folder and put links in their places. One link is followed,
@@ -196,7 +195,8 @@ void FreedesktopSurvey::addDownloads()
 
 bool FreedesktopSurvey::mayBeDownloads(const QByteArray &path) const
 {
-    return !isAtOrInside(path, "snap") && !holdsUserFolder(path) && !touchesKnown(path);
+    return !isAtOrInside(path, "snap") && !m_userFolders.isAtOrAroundOne(path) &&
+           !touchesKnown(path);
 }
 
 void FreedesktopSurvey::addTrashOfEnvironment()
@@ -220,8 +220,7 @@ void FreedesktopSurvey::addCacheOfEnvironment()
     if (!cache)
         return;
     const QByteArray name = cache->sliced(cache->lastIndexOf('/') + 1).toLower();
-    const bool isTheUsers = holdsUserFolder(*cache) || isInUserFolder(*cache);
-    if (name.contains("cache") && !isTheUsers && m_reader.hasFolder(*cache))
+    if (name.contains("cache") && !isTheUsers(*cache) && m_reader.hasFolder(*cache))
         add(SliceKind::Cache, *cache);
 }
 
@@ -244,7 +243,7 @@ void FreedesktopSurvey::addSearchFolders()
 
 bool FreedesktopSurvey::add(SliceKind kind, const QByteArray &path)
 {
-    if (touchesKnown(path))
+    if (touchesKnown(path) || m_userFolders.isAtOrAroundOne(path))
         return false;
     m_known.append(path);
     m_places.locations[indexOf(kind)].append(folderUrl(path));
@@ -259,20 +258,11 @@ bool FreedesktopSurvey::touchesKnown(const QByteArray &path) const
     });
 }
 
-bool FreedesktopSurvey::holdsUserFolder(const QByteArray &path) const
+/// Whether the place holds something of the user's, or is held by it.
+bool FreedesktopSurvey::isTheUsers(const QByteArray &path) const
 {
-    return std::any_of(m_userFolders.begin(), m_userFolders.end(),
-                       [&](const QByteArray &folder) { return isAtOrInside(folder, path); });
-}
-
-bool FreedesktopSurvey::isInUserFolder(const QByteArray &path) const
-{
-    const QByteArrayList downloads{
-        kDownloads.plainName,
-        m_userDirs.folder(kDownloads.variable, m_home.path()).value_or(kDownloads.plainName)};
-    const auto holds = [&](const QByteArray &folder) { return isAtOrInside(path, folder); };
-    return std::any_of(m_userFolders.begin(), m_userFolders.end(), holds) ||
-           std::any_of(downloads.begin(), downloads.end(), holds);
+    return m_userFolders.isAtOrAroundOne(path) || m_userFolders.isAtOrInOne(path) ||
+           m_downloads.isAtOrAroundOne(path) || m_downloads.isAtOrInOne(path);
 }
 
 FileUrl FreedesktopSurvey::folderUrl(const QByteArray &path) const

@@ -2,7 +2,7 @@
 
 #include "slices/BrowserFiles.h"
 #include "slices/HomeSurvey.h"
-#include "slices/UserDirs.h"
+#include "slices/UserFolders.h"
 
 /// Finds the places of one freedesktop home. What has a fixed name comes first; what the user's own
 /// files and the environment name may then only add what lies neither in nor around anything that
@@ -31,8 +31,7 @@ private:
 
     bool add(SliceKind kind, const QByteArray &path);
     bool touchesKnown(const QByteArray &path) const;
-    bool holdsUserFolder(const QByteArray &path) const;
-    bool isInUserFolder(const QByteArray &path) const;
+    bool isTheUsers(const QByteArray &path) const;
     bool mayBeDownloads(const QByteArray &path) const;
     FileUrl folderUrl(const QByteArray &path) const;
 
@@ -43,8 +42,8 @@ private:
     /// Whether the file was read, or there is none. Otherwise nobody knows which folder the user
     /// keeps what in.
     bool m_userDirsAreKnown = false;
-    /// Where the user keeps what nobody may take for something else; downloads are not among them.
-    QByteArrayList m_userFolders;
-    QByteArrayList m_known; ///< all folders that are locations already
+    UserFolders m_userFolders; ///< downloads are not among them
+    UserFolders m_downloads;   ///< where they may be
+    QByteArrayList m_known;    ///< all folders that are locations already
     HomeLayout::Places m_places;
 };

@@ -48,6 +48,27 @@ bool HomeReader::hasFolder(const QByteArray &path) const
     return open(path).has_value();
 }
 
+std::optional<HomeReader::Identity> HomeReader::identityOf(const QByteArray &path) const
+{
+    const auto folder = open(path);
+    const auto status = folder ? m_calls.statusOf(folder->get()) : tl::unexpected(folder.error());
+    return status ? std::optional(Identity{status->device, status->inode}) : std::nullopt;
+}
+
+std::vector<HomeReader::Identity> HomeReader::identitiesOnTheWay(const QByteArray &path) const
+{
+    std::vector<Identity> found;
+    QByteArray folder;
+    for (const QByteArray &name : path.split('/')) {
+        folder = joined(folder, name);
+        const auto identity = identityOf(folder);
+        if (!identity)
+            break;
+        found.push_back(*identity);
+    }
+    return found;
+}
+
 QByteArrayList HomeReader::foldersMatching(const QByteArray &pattern) const
 {
     QByteArrayList found{QByteArray()};

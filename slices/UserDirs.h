@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QByteArrayList>
 #include <QByteArrayView>
 #include <QHash>
 #include <optional>
@@ -23,7 +24,13 @@ public:
     /// settings and keys.
     std::optional<QByteArray> folder(const QByteArray &name, const QByteArray &homePath) const;
 
+    /// All folders below the home that the file names for anything but this, hidden ones included:
+    /// where something of the user's may lie, also for names that nobody knows.
+    QByteArrayList allBut(const QByteArray &name, const QByteArray &homePath) const;
+
 private:
+    std::optional<QByteArray> place(const QByteArray &name, const QByteArray &homePath) const;
+
     QHash<QByteArray, QByteArray> m_values; ///< absolute paths, or "$HOME" with what follows
 };
 

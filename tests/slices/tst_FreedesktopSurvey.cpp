@@ -4,6 +4,23 @@
 
 #include <cerrno>
 
+namespace {
+
+/// A file system that takes two names in capitals for the usual ones.
+class CaselessCalls final : public ForwardingSystemCalls
+{
+public:
+    SystemResult<FileDescriptor> openFolder(int parent, const char *path,
+                                            Descent descent) const override
+    {
+        QByteArray small(path);
+        small.replace("DOWNLOADS", "downloads").replace("GET", "Get");
+        return ForwardingSystemCalls::openFolder(parent, small.constData(), descent);
+    }
+};
+
+} // namespace
+
 /// What the user's own file and the environment may add to a home, and what they may not.
 class TestFreedesktopSurvey final : public QObject
 {
@@ -15,6 +32,9 @@ private Q_SLOTS:
     void emptiesNoDownloadsWhileTheUsersFileIsUnreadable_data();
     void emptiesNoDownloadsWhileTheUsersFileIsUnreadable();
     void emptiesNoDownloadsWhenReadingFails();
+    void protectsTheUsersFoldersWhateverTheirNames_data();
+    void protectsTheUsersFoldersWhateverTheirNames();
+    void protectsOneFolderUnderTwoNames();
     void takesLittleFromTheEnvironment_data();
     void takesLittleFromTheEnvironment();
     void searchesTheUsersFolders_data();
@@ -120,6 +140,49 @@ void TestFreedesktopSurvey::emptiesNoDownloadsWhenReadingFails()
     const MadeHome linked({"Downloads/x", "dots/user-dirs.dirs"});
     linked.link(".config", "dots");
     QCOMPARE(linked.survey().locations(SliceKind::Downloads), FileUrls());
+}
+
+void TestFreedesktopSurvey::protectsTheUsersFoldersWhateverTheirNames_data()
+{
+    QTest::addColumn<QByteArray>("lines");
+    QTest::addColumn<QByteArray>("lost"); ///< of the places that are found otherwise
+    QTest::newRow("none") << QByteArray() << QByteArray();
+    QTest::newRow("a name of one's own")
+        << QByteArray("XDG_PROJECTS_DIR=\"$HOME/Downloads/Work\"\n") << QByteArray("Downloads/");
+    QTest::newRow("hidden") << QByteArray("XDG_DOCUMENTS_DIR=\"$HOME/.cache/papers\"\n")
+                            << QByteArray(".cache/");
+    QTest::newRow("a cache that is one")
+        << QByteArray("XDG_PROJECTS_DIR=\"$HOME/var/cache\"\n") << QByteArray("var/cache/");
+    QTest::newRow("a link into the downloads")
+        << QByteArray("XDG_MUSIC_DIR=\"$HOME/Linked\"\n") << QByteArray("Downloads/");
+}
+
+void TestFreedesktopSurvey::protectsTheUsersFoldersWhateverTheirNames()
+{
+    QFETCH(const QByteArray, lines);
+    QFETCH(const QByteArray, lost);
+    const MadeHome home({"Downloads/Work/x", ".cache/papers/x", "var/cache/x"});
+    home.link("Linked", "Downloads/Work");
+    home.nameUserDirs(lines);
+    const HomeLayout layout = home.survey({{}, home.path("var/cache")});
+    QByteArrayList expected{".cache/", "var/cache/", "Downloads/"};
+    expected.removeOne(lost);
+    QCOMPARE(home.relative(*layout.locations(SliceKind::Cache) +
+                           *layout.locations(SliceKind::Downloads)),
+             expected);
+}
+
+/// As where upper and lower case are the same.
+void TestFreedesktopSurvey::protectsOneFolderUnderTwoNames()
+{
+    const MadeHome home({"downloads/Papers/x", "Get/x"});
+    home.nameUserDirs("XDG_DOWNLOAD_DIR=\"$HOME/DOWNLOADS\"\n"
+                      "XDG_DOCUMENTS_DIR=\"$HOME/downloads/Papers\"\n");
+    const CaselessCalls calls;
+    QCOMPARE(home.survey({}, calls).locations(SliceKind::Downloads), FileUrls());
+    home.nameUserDirs("XDG_DOWNLOAD_DIR=\"$HOME/GET\"\n");
+    QCOMPARE(home.relative(*home.survey({}, calls).locations(SliceKind::Downloads)),
+             QByteArrayList{"GET/"});
 }
 
 void TestFreedesktopSurvey::takesLittleFromTheEnvironment_data()
