@@ -208,19 +208,26 @@ void FreedesktopSurvey::addTrashOfEnvironment()
     const QByteArray trash = *data + "/Trash";
     if (!m_reader.hasFolder(trash + "/files") || !m_reader.hasFolder(trash + "/info"))
         return;
+    if (isTheUsers(trash))
+        return;
     addTrash(trash);
     m_places.trashFolder = folderUrl(trash + "/files");
 }
 
-/// A cache is emptied whole: the place must be called one, and must not be where the user keeps
-/// things, nor hold any of those places.
+/// A cache is emptied whole, and one that a program has for itself may hold mail or maps: the place
+/// must be called just that, must not lie where some program keeps its own things nor where the
+/// user keeps his, and must not hold any of those.
 void FreedesktopSurvey::addCacheOfEnvironment()
 {
     const auto cache = pathBelowHome(m_environment.cacheHome, m_home.path());
     if (!cache)
         return;
-    const QByteArray name = cache->sliced(cache->lastIndexOf('/') + 1).toLower();
-    if (name.contains("cache") && !isTheUsers(*cache) && m_reader.hasFolder(*cache))
+    const qsizetype slash = cache->lastIndexOf('/');
+    const QByteArray name = cache->sliced(slash + 1);
+    const bool isCalledACache = name == "cache" || name == ".cache";
+    const bool isAPrograms = isAtOrInside(*cache, "snap") ||
+                             hasHiddenComponent(cache->first(std::max<qsizetype>(slash, 0)));
+    if (isCalledACache && !isAPrograms && !isTheUsers(*cache) && m_reader.hasFolder(*cache))
         add(SliceKind::Cache, *cache);
 }
 

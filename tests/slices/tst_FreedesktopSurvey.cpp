@@ -211,6 +211,14 @@ void TestFreedesktopSurvey::takesLittleFromTheEnvironment_data()
     row("not called a cache", "HOME/half", "HOME/var", {});
     row("a link", "HOME/linked", "HOME/linked-cache", {});
     row("the keys", "HOME/.ssh", "HOME/.ssh", {});
+    row("a mail store", "HOME/nothing", "HOME/.claws-mail/imapcache", {});
+    row("a program's own", "HOME/nothing", "HOME/.claws-mail/cache", {});
+    row("a sandbox's own", "HOME/nothing", "HOME/snap/cache", {});
+    row("a hobby", "HOME/nothing", "HOME/Geocaches", {});
+    row("a project", "HOME/nothing", "HOME/Projects/my-cache", {});
+    row("in capitals", "HOME/nothing", "HOME/Projects/Cache", {});
+    row("a hidden one", "HOME/nothing", "HOME/Projects/.cache", {"Projects/.cache/"});
+    row("documents called a trash", "HOME/Papers", "HOME/Papers/cache", {});
     row("around the user's folders", "HOME/nothing", "HOME/my caches", {});
 }
 
@@ -221,11 +229,16 @@ void TestFreedesktopSurvey::takesLittleFromTheEnvironment()
     QFETCH(const QByteArrayList, added);
     MadeHome home(kPlainHome);
     for (const char *path :
-         {"data/Trash/files/x", "data/Trash/info/x", "var/cache/x", "Documents/cache/x",
-          "half/Trash/files/x", ".ssh/id", ".cache/cache/x", "Downloads/cache/x",
+         {"data/Trash/files/x",      "data/Trash/info/x",      "var/cache/x",
+          "Documents/cache/x",       "half/Trash/files/x",     ".ssh/id",
+          ".cache/cache/x",          "Downloads/cache/x",      ".claws-mail/imapcache/x",
+          ".claws-mail/cache/x",     "snap/cache/x",           "Geocaches/x",
+          "Projects/my-cache/x",     "Projects/Cache/x",       "Projects/.cache/x",
+          "Papers/Trash/files/x",    "Papers/Trash/info/x",    "Papers/cache/x",
           "Downloads/Trash/files/x", "Downloads/Trash/info/x", "my caches/Pictures/x"})
         home.make(path);
-    home.nameUserDirs("XDG_PICTURES_DIR=\"$HOME/my caches/Pictures\"\n");
+    home.nameUserDirs("XDG_PICTURES_DIR=\"$HOME/my caches/Pictures\"\n"
+                      "XDG_DOCUMENTS_DIR=\"$HOME/Papers\"\n");
     home.link("linked", "data");
     home.link("linked-cache", "var/cache");
     const HomeEnvironment environment{data.replace("HOME", home.path()),
