@@ -24,10 +24,11 @@ class Performance final
 {
 public:
     Performance(const SystemCalls &calls, const CleaningPlan &plan, std::stop_token stop,
-                CleaningObserver *observer)
+                CleaningObserver *observer, const InUseCheck &isInUse)
         : m_calls(calls),
           m_plan(plan),
           m_stop(std::move(stop)),
+          m_isInUse(isInUse),
           m_ledger(plan.refusals(), observer),
           m_space(kListingSpace)
     {
@@ -36,17 +37,20 @@ public:
     CleaningReport run();
 
 private:
+    void clean(const CleaningLocation &location);
     void emptyFolder(const CleaningLocation &location);
     void removeFile(const CleaningLocation &location);
     bool isAsPlanned(const CleaningLocation &location, const SystemResult<FileIdentity> &found);
     void refuse(const CleaningLocation &location, RefusalReason reason, int error);
 
+    void passOverRecordsInNeed(const CleaningLocation &location, FolderListing &listing) const;
     void logContents(const CleaningLocation &location, const FolderListing &listing);
     void logFiles(std::size_t first);
 
     const SystemCalls &m_calls;
     const CleaningPlan &m_plan;
     std::stop_token m_stop;
+    const InUseCheck &m_isInUse;
     CleaningLedger m_ledger;
     std::vector<char> m_space;
 };
@@ -55,14 +59,21 @@ CleaningReport Performance::run()
 {
     const auto &locations = m_plan.locations();
     for (std::size_t i = 0; i < locations.size() && !m_stop.stop_requested(); ++i) {
-        if (locations[i].mode == CleaningMode::ContentsOfFolders) {
-            emptyFolder(locations[i]);
-        } else {
+        if (locations[i].mode == CleaningMode::TheVeryFiles)
             logFiles(i);
-            removeFile(locations[i]);
-        }
+        clean(locations[i]);
     }
     return m_ledger.finish(m_stop.stop_requested());
+}
+
+void Performance::clean(const CleaningLocation &location)
+{
+    if (m_isInUse && m_isInUse(location))
+        refuse(location, RefusalReason::InUse, 0);
+    else if (location.mode == CleaningMode::ContentsOfFolders)
+        emptyFolder(location);
+    else
+        removeFile(location);
 }
 
 void Performance::emptyFolder(const CleaningLocation &location)
@@ -80,6 +91,8 @@ void Performance::emptyFolder(const CleaningLocation &location)
     auto listing = steps.list(folder->get(), m_space);
     if (!listing)
         return refuse(location, RefusalReason::PartlyListed, listing.error());
+    if (location.whatGoes == WhatGoes::LoneRecords)
+        passOverRecordsInNeed(location, *listing);
     if (!location.isTouched)
         logContents(location, *listing);
     const Care care = location.isTouched ? Care::Judged : Care::Logged;
@@ -88,6 +101,26 @@ void Performance::emptyFolder(const CleaningLocation &location)
         Remover(steps, m_stop).removeListed(held, std::move(*listing));
     else
         RemovalCrew(steps, m_stop, kThreadsForDisks).removeListed(held, std::move(*listing));
+}
+
+/// Without its record nobody could put an item back that stayed: it was excluded, is another's or
+/// could not be removed. The folder "files" was dealt with before; in doubt something is in it.
+void Performance::passOverRecordsInNeed(const CleaningLocation &location,
+                                        FolderListing &listing) const
+{
+    constexpr QByteArrayView kEnding(".trashinfo");
+    const AnchoredPath trash = anchoredEntry(location.path).folder;
+    const auto files =
+        openAnchored(m_calls, {trash.anchor, trash.relativePath + "/files"}, Descent::Strict);
+    const bool mayHoldItems = files || files.error() != ENOENT;
+    listing.removeIf([&](const char *record) {
+        const QByteArray name(record);
+        if (!mayHoldItems || !name.endsWith(kEnding))
+            return false;
+        const auto item = files ? m_calls.status(files->get(), name.chopped(kEnding.size()))
+                                : tl::unexpected(files.error());
+        return item || item.error() != ENOENT;
+    });
 }
 
 void Performance::removeFile(const CleaningLocation &location)
@@ -102,6 +135,9 @@ void Performance::removeFile(const CleaningLocation &location)
     const auto status = m_calls.status(folder->get(), name.constData());
     if (!status)
         return refuse(location, RefusalReason::Unreadable, status.error());
+    // The name may stand for something else again; from here on it is unlinked as what it is.
+    if (location.whatGoes == WhatGoes::RegularFiles && status->kind != FileKind::Regular)
+        return refuse(location, RefusalReason::NotAFile, 0);
     const Protection protection(m_plan, location, identity->device);
     const RemovalSteps steps(m_calls, protection, m_ledger, EntryOrder::AsListed);
     const QByteArray path = location.url.path();
@@ -160,7 +196,8 @@ void Performance::logFiles(std::size_t first)
 } // namespace
 
 CleaningReport performCleaning(const SystemCalls &calls, const CleaningPlan &plan,
-                               std::stop_token stop, CleaningObserver *observer)
+                               std::stop_token stop, CleaningObserver *observer,
+                               const InUseCheck &isInUse)
 {
-    return Performance(calls, plan, std::move(stop), observer).run();
+    return Performance(calls, plan, std::move(stop), observer, isInUse).run();
 }

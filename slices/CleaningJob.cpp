@@ -17,12 +17,11 @@ CleaningReport cleanDisk(const SystemCalls &calls, FileAccess &access, const Rec
     const AccessScope scope(access);
     const FileUrls inUse = takeAwayPlacesInUse(chosen, ProgramsInUse::find(calls, access, layout));
     const CleaningPlan plan =
-        makeCleaningPlan(calls, access, slicesToClean(layout, chosen), excluded);
-    CleaningReport report = performCleaning(calls, plan, stop);
-    for (const FileUrl &url : inUse)
-        report.refusals.append({url.path(), RefusalReason::InUse, 0});
-    report.refusalCount += static_cast<std::uint64_t>(inUse.size());
-    return report;
+        makeCleaningPlan(calls, access, slicesToClean(layout, chosen), excluded, inUse);
+    const auto isInUse = [&](const CleaningLocation &location) {
+        return isUsedByAProgram(calls, location.path, layout, location.url);
+    };
+    return performCleaning(calls, plan, stop, nullptr, isInUse);
 }
 
 CleaningReport refusedReport()

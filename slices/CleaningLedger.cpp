@@ -31,6 +31,8 @@ const char *reasonText(RefusalReason reason)
         return "a link, or reached through one";
     case RefusalReason::NotAFolder:
         return "not a folder";
+    case RefusalReason::NotAFile:
+        return "not a plain file";
     case RefusalReason::OtherFileSystem:
         return "on another file system";
     case RefusalReason::Unreadable:

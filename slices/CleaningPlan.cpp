@@ -27,7 +27,7 @@ public:
         m_plan.m_excluded = excluded;
     }
 
-    CleaningPlan plan();
+    CleaningPlan plan(const FileUrls &inUse);
 
 private:
     bool refuseUnparsable();
@@ -54,13 +54,15 @@ private:
     std::vector<ResolvedExclusions::Lost> m_lost;
 };
 
-CleaningPlan CleaningPlanner::plan()
+CleaningPlan CleaningPlanner::plan(const FileUrls &inUse)
 {
     if (!refuseUnparsable()) {
         takeExclusions();
         for (const SliceToClean &slice : m_slices)
             planSlice(slice);
     }
+    for (const FileUrl &url : inUse)
+        refuse(url.path(), RefusalReason::InUse);
     return std::move(m_plan);
 }
 
@@ -90,7 +92,14 @@ void CleaningPlanner::planSlice(const SliceToClean &slice)
         // because it was listed beside another.
         const bool isTouched =
             slice.mode == CleaningMode::TheVeryFiles ? isAnyTouched : excluded.touches(url);
-        planLocation({slice.name, url, {}, slice.mode, {}, isTouched, slice.readOnlyFolders});
+        planLocation({slice.name,
+                      url,
+                      {},
+                      slice.mode,
+                      {},
+                      isTouched,
+                      slice.readOnlyFolders,
+                      slice.whatGoes});
     }
 }
 
@@ -161,8 +170,16 @@ CleaningPlanner::examine(CleaningLocation &location) const
         folder = held.get();
         identity = m_calls.identityOf(folder);
     }
-    if (identity && !isExcluded(*identity) && !fileName.isEmpty())
+    if (identity && !isExcluded(*identity) && !fileName.isEmpty()) {
+        if (location.whatGoes == WhatGoes::RegularFiles) {
+            const auto status = m_calls.status(folder, fileName.constData());
+            if (!status)
+                return tl::unexpected(Obstacle{RefusalReason::Unreadable, status.error()});
+            if (status->kind != FileKind::Regular)
+                return tl::unexpected(Obstacle{RefusalReason::NotAFile, 0});
+        }
         identity = m_calls.identity(folder, fileName.constData());
+    }
     if (!identity)
         return tl::unexpected(Obstacle{RefusalReason::Unreadable, identity.error()});
     if (identity->device != device) // a sub-volume opens like any folder
@@ -212,7 +229,8 @@ void CleaningPlanner::refuse(const QByteArray &path, RefusalReason reason, int e
 }
 
 CleaningPlan makeCleaningPlan(const SystemCalls &calls, const FileAccess &access,
-                              const QList<SliceToClean> &slices, const ExcludedPaths &excluded)
+                              const QList<SliceToClean> &slices, const ExcludedPaths &excluded,
+                              const FileUrls &inUse)
 {
-    return CleaningPlanner(calls, access, slices, excluded).plan();
+    return CleaningPlanner(calls, access, slices, excluded).plan(inUse);
 }

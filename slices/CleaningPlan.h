@@ -14,6 +14,15 @@ enum class CleaningMode {
     TheVeryFiles,      ///< the files themselves
 };
 
+/// What of a slice's places may go.
+enum class WhatGoes {
+    Everything,
+    RegularFiles, ///< of the very files: whatever else bears such a name stays
+    /// Of a trash's folder "info": the record "X.trashinfo", which says where X came from, stays
+    /// for as long as X is in the folder "files" beside it.
+    LoneRecords,
+};
+
 /// A slice as the user chose it.
 struct SliceToClean
 {
@@ -21,6 +30,7 @@ struct SliceToClean
     FileUrls fileURLs;
     CleaningMode mode = CleaningMode::ContentsOfFolders;
     ReadOnlyFolders readOnlyFolders = ReadOnlyFolders::Stay; ///< inside the places, not themselves
+    WhatGoes whatGoes = WhatGoes::Everything;
 };
 
 /// Why something that was asked for is left alone.
@@ -32,6 +42,7 @@ enum class RefusalReason {
     GrantedFolder,       ///< the granted folder itself
     Link,                ///< a link, or reached through one
     NotAFolder,
+    NotAFile,        ///< a folder or the like where only a plain file may go
     OtherFileSystem, ///< a mount, or another volume
     Unreadable,      ///< could not be opened or examined; the errno says why
     PartlyListed,    ///< an error ended the listing: nothing more of the folder is removed
@@ -59,6 +70,7 @@ struct CleaningLocation
     /// each item below is judged by its path.
     bool isTouched = false;
     ReadOnlyFolders readOnlyFolders = ReadOnlyFolders::Stay;
+    WhatGoes whatGoes = WhatGoes::Everything;
 };
 
 /// Exactly what a cleaning may remove: places in order, and what is kept inside them. Made by
@@ -88,7 +100,9 @@ private:
 /// Plans the cleaning of the chosen slices, in their order. Fails closed: an exclusion that cannot
 /// be read stops everything, one that cannot be found stops the place around it, and a place that
 /// is not a plain folder or file of the granted folder's own file system is refused. A place that
-/// does not exist is simply not in the plan. Touches the file system, so not for the main thread;
+/// does not exist is simply not in the plan. What is in use the plan just refuses, after all else.
+/// Touches the file system, so not for the main thread;
 /// the caller holds the access, from here until the cleaning is done.
 CleaningPlan makeCleaningPlan(const SystemCalls &calls, const FileAccess &access,
-                              const QList<SliceToClean> &slices, const ExcludedPaths &excluded);
+                              const QList<SliceToClean> &slices, const ExcludedPaths &excluded,
+                              const FileUrls &inUse = {});

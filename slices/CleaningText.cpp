@@ -34,6 +34,8 @@ QString reasonText(RefusalReason reason)
         return tr("it is a link");
     case RefusalReason::NotAFolder:
         return tr("it is not a folder");
+    case RefusalReason::NotAFile:
+        return tr("it is not a plain file");
     case RefusalReason::OtherFileSystem:
         return tr("it is on another disk");
     case RefusalReason::Unreadable:

@@ -39,6 +39,11 @@ void FolderListing::sortByInode()
               [](const Entry &left, const Entry &right) { return left.inode < right.inode; });
 }
 
+void FolderListing::removeIf(const std::function<bool(const char *name)> &isUnwanted)
+{
+    std::erase_if(m_entries, [&](const Entry &entry) { return isUnwanted(name(entry)); });
+}
+
 void FolderListing::append(const DirectoryRecord &record)
 {
     m_entries.push_back({record.inode, m_names.size() & kMaxOffset, record.kind});

@@ -2,6 +2,7 @@
 
 #include "platform/DirectoryRecords.h"
 
+#include <functional>
 #include <span>
 #include <vector>
 
@@ -29,6 +30,9 @@ public:
 
     /// By inode: on a disk that is near the order in which the entries lie.
     void sortByInode();
+
+    /// Forgets entries by their names.
+    void removeIf(const std::function<bool(const char *name)> &isUnwanted);
 
     std::size_t size() const { return m_entries.size(); }
     const Entry &at(std::size_t index) const { return m_entries[index]; }

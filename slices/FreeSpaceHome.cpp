@@ -8,16 +8,17 @@
 #include "widgets/StartButton.h"
 
 /// One status call tells a home with a Library. Any other is looked at beside the main thread, and
-/// until that is done the slices have no places.
+/// until that is done the slices have no places. Nor have those of a home that does not answer,
+/// until the next visit.
 void FreeSpaceViewController::rebuildRecords()
 {
     const FileUrl home = m_services.homeFolder();
     m_looking.stop();
-    if (homeHasLibrary(home)) {
-        place({HomeLayout::withLibrary(home), {}});
+    const HomeKind kind = kindOfHome(home);
+    place(kind == HomeKind::Library ? HomeFindings{HomeLayout::withLibrary(home), {}}
+                                    : HomeFindings{});
+    if (kind != HomeKind::Freedesktop)
         return;
-    }
-    place({});
     m_looking.run([this, &calls = m_services.calls, &access = m_services.access, home,
                    environment = HomeEnvironment::ofThisProcess()](const std::stop_token &) {
         const AccessScope scope(access);
@@ -27,10 +28,10 @@ void FreeSpaceViewController::rebuildRecords()
     });
 }
 
-bool FreeSpaceViewController::homeHasLibrary(const FileUrl &home) const
+HomeKind FreeSpaceViewController::kindOfHome(const FileUrl &home) const
 {
     const AccessScope scope(m_services.access);
-    return hasLibrary(m_services.calls, m_services.access, home);
+    return homeKind(m_services.calls, m_services.access, home);
 }
 
 void FreeSpaceViewController::place(const HomeFindings &findings)
@@ -55,7 +56,7 @@ void FreeSpaceViewController::homeWasFound(const HomeFindings &findings)
     if (!m_isShown)
         return; // shown when it appears
     m_pieChart->reloadData();
-    m_startButton->setEnabled(true);
+    m_startButton->setEnabled(m_home.layout.kind() != HomeKind::Unknown);
     updateButtonText();
 }
 

@@ -107,7 +107,7 @@ private:
     void showTutorialUnlessDeclined();
     void makeHoverButtons();
     void rebuildRecords();
-    bool homeHasLibrary(const FileUrl &home) const;
+    HomeKind kindOfHome(const FileUrl &home) const;
     void place(const HomeFindings &findings);
     void homeWasFound(const HomeFindings &findings);
     void lookAgainAndConfirm();

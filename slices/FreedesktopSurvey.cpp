@@ -1,10 +1,14 @@
 #include "slices/FreedesktopSurvey.h"
 
+#include "slices/Conversations.h"
+
 #include <algorithm>
 #include <array>
+#include <cerrno>
 
 namespace {
 
+constexpr auto kUserDirsFile = ".config/user-dirs.dirs";
 constexpr std::size_t kLargestUserDirsFile = 64 * 1024;
 
 constexpr auto kHomeTrash = ".local/share/Trash";
@@ -50,16 +54,15 @@ bool isInside(const QByteArray &path, const QByteArray &folder)
     return path.startsWith(folder + '/');
 }
 
-bool isAtOrInside(const QByteArray &path, const QByteArray &folder)
-{
-    return path == folder || isInside(path, folder);
-}
-
 } // namespace
 
 FreedesktopSurvey::FreedesktopSurvey(const HomeReader &reader, const FileUrl &home,
                                      const HomeEnvironment &environment)
-    : m_reader(reader), m_home(home), m_environment(environment)
+    : m_reader(reader),
+      m_home(home),
+      m_environment(environment),
+      m_userFolders(reader, home.path()),
+      m_downloads(reader, home.path())
 {
 }
 
@@ -75,10 +78,7 @@ HomeLayout::Places FreedesktopSurvey::places()
     }
     for (const char *pattern : {".cache", ".var/app/*/cache", "snap/*/common/.cache"})
         addFolders(SliceKind::Cache, pattern);
-    for (const char *pattern :
-         {".local/share/xorg", ".npm/_logs", ".config/*/logs", ".local/share/*/logs",
-          ".local/state/*/logs", ".var/app/*/config/*/logs"})
-        addFolders(SliceKind::AppLogs, pattern);
+    addAppLogs();
     for (const QByteArray device : kUpdateFolders) {
         const QByteArray pattern = ".wine/drive_c/users/*/AppData/Roaming/Apple Computer/iTunes/" +
                                    device + " Software Updates";
@@ -87,32 +87,63 @@ HomeLayout::Places FreedesktopSurvey::places()
     addMailDownloads();
     addBrowserData();
     addDownloads();
-    addTrashOfEnvironment();
-    addCacheOfEnvironment();
+    if (m_userDirsAreKnown) {
+        addTrashOfEnvironment();
+        addCacheOfEnvironment();
+    }
     addSearchFolders();
     return std::move(m_places);
 }
 
 void FreedesktopSurvey::readUserDirs()
 {
-    m_userDirs =
-        UserDirs::parse(m_reader.contentOf(".config/user-dirs.dirs", kLargestUserDirsFile));
-    const auto note = [this](const NamedFolder &folder) {
-        m_userFolders.append(folder.plainName);
-        if (const auto named = m_userDirs.folder(folder.variable, m_home.path()))
-            m_userFolders.append(*named);
-    };
+    const auto text = userDirsText();
+    m_userDirsAreKnown = text || text.error() == ENOENT;
+    m_userDirs = UserDirs::parse(text.value_or(QByteArray()));
     for (const NamedFolder &folder : kSearched) {
         if (QByteArray(folder.variable) != kDownloads.variable)
-            note(folder);
+            m_userFolders.add(folder.plainName);
     }
-    note(kTemplates);
+    m_userFolders.add(kTemplates.plainName);
+    for (const QByteArray &folder : m_userDirs.allBut(kDownloads.variable, m_home.path()))
+        m_userFolders.add(folder);
+    m_downloads.add(kDownloads.plainName);
+    if (const auto named = m_userDirs.folder(kDownloads.variable, m_home.path()))
+        m_downloads.add(*named);
+}
+
+/// Many people keep such files in one folder and put links in their places. One link is followed,
+/// if it does not leave the home; a link to nothing may lead to something tomorrow.
+SystemResult<QByteArray> FreedesktopSurvey::userDirsText() const
+{
+    auto text = m_reader.contentOf(kUserDirsFile, kLargestUserDirsFile);
+    if (text || text.error() != ELOOP)
+        return text;
+    const auto link = m_reader.linkAt(kUserDirsFile);
+    const auto target =
+        link ? linkTargetBelowHome(kUserDirsFile, *link, m_home.path()) : std::nullopt;
+    if (!target)
+        return tl::unexpected(ELOOP);
+    text = m_reader.contentOf(*target, kLargestUserDirsFile);
+    return text ? text : tl::unexpected(ELOOP);
 }
 
 void FreedesktopSurvey::addFolders(SliceKind kind, const char *pattern)
 {
     for (const QByteArray &folder : m_reader.foldersMatching(pattern))
         add(kind, folder);
+}
+
+void FreedesktopSurvey::addAppLogs()
+{
+    for (const char *pattern :
+         {".local/share/xorg", ".npm/_logs", ".config/*/logs", ".local/share/*/logs",
+          ".local/state/*/logs", ".var/app/*/config/*/logs"}) {
+        for (const QByteArray &folder : m_reader.foldersMatching(pattern)) {
+            if (!mayHoldConversations(folder))
+                add(SliceKind::AppLogs, folder);
+        }
+    }
 }
 
 void FreedesktopSurvey::addTrash(const QByteArray &trash)
@@ -149,9 +180,12 @@ void FreedesktopSurvey::addBrowserData()
     }
 }
 
-/// The folder that the user named, unless it holds more than downloads; else the plain name.
+/// The folder that the user named, unless it holds more than downloads; else the plain name. While
+/// the file that may name another cannot be read, the plain name may be that of anything.
 void FreedesktopSurvey::addDownloads()
 {
+    if (!m_userDirsAreKnown)
+        return;
     const auto named = m_userDirs.folder(kDownloads.variable, m_home.path());
     const QByteArray folder =
         named && mayBeDownloads(*named) ? *named : QByteArray(kDownloads.plainName);
@@ -161,7 +195,8 @@ void FreedesktopSurvey::addDownloads()
 
 bool FreedesktopSurvey::mayBeDownloads(const QByteArray &path) const
 {
-    return !isAtOrInside(path, "snap") && !holdsUserFolder(path) && !touchesKnown(path);
+    return !isAtOrInside(path, "snap") && !m_userFolders.isAtOrAroundOne(path) &&
+           !touchesKnown(path);
 }
 
 void FreedesktopSurvey::addTrashOfEnvironment()
@@ -173,20 +208,26 @@ void FreedesktopSurvey::addTrashOfEnvironment()
     const QByteArray trash = *data + "/Trash";
     if (!m_reader.hasFolder(trash + "/files") || !m_reader.hasFolder(trash + "/info"))
         return;
+    if (isTheUsers(trash))
+        return;
     addTrash(trash);
     m_places.trashFolder = folderUrl(trash + "/files");
 }
 
-/// A cache is emptied whole: the place must be called one, and must not be where the user keeps
-/// things, nor hold any of those places.
+/// A cache is emptied whole, and one that a program has for itself may hold mail or maps: the place
+/// must be called just that, must not lie where some program keeps its own things nor where the
+/// user keeps his, and must not hold any of those.
 void FreedesktopSurvey::addCacheOfEnvironment()
 {
     const auto cache = pathBelowHome(m_environment.cacheHome, m_home.path());
     if (!cache)
         return;
-    const QByteArray name = cache->sliced(cache->lastIndexOf('/') + 1).toLower();
-    const bool isTheUsers = holdsUserFolder(*cache) || isInUserFolder(*cache);
-    if (name.contains("cache") && !isTheUsers && m_reader.hasFolder(*cache))
+    const qsizetype slash = cache->lastIndexOf('/');
+    const QByteArray name = cache->sliced(slash + 1);
+    const bool isCalledACache = name == "cache" || name == ".cache";
+    const bool isAPrograms = isAtOrInside(*cache, "snap") ||
+                             hasHiddenComponent(cache->first(std::max<qsizetype>(slash, 0)));
+    if (isCalledACache && !isAPrograms && !isTheUsers(*cache) && m_reader.hasFolder(*cache))
         add(SliceKind::Cache, *cache);
 }
 
@@ -209,7 +250,7 @@ void FreedesktopSurvey::addSearchFolders()
 
 bool FreedesktopSurvey::add(SliceKind kind, const QByteArray &path)
 {
-    if (touchesKnown(path))
+    if (touchesKnown(path) || m_userFolders.isAtOrAroundOne(path))
         return false;
     m_known.append(path);
     m_places.locations[indexOf(kind)].append(folderUrl(path));
@@ -224,20 +265,11 @@ bool FreedesktopSurvey::touchesKnown(const QByteArray &path) const
     });
 }
 
-bool FreedesktopSurvey::holdsUserFolder(const QByteArray &path) const
+/// Whether the place holds something of the user's, or is held by it.
+bool FreedesktopSurvey::isTheUsers(const QByteArray &path) const
 {
-    return std::any_of(m_userFolders.begin(), m_userFolders.end(),
-                       [&](const QByteArray &folder) { return isAtOrInside(folder, path); });
-}
-
-bool FreedesktopSurvey::isInUserFolder(const QByteArray &path) const
-{
-    const QByteArrayList downloads{
-        kDownloads.plainName,
-        m_userDirs.folder(kDownloads.variable, m_home.path()).value_or(kDownloads.plainName)};
-    const auto holds = [&](const QByteArray &folder) { return isAtOrInside(path, folder); };
-    return std::any_of(m_userFolders.begin(), m_userFolders.end(), holds) ||
-           std::any_of(downloads.begin(), downloads.end(), holds);
+    return m_userFolders.isAtOrAroundOne(path) || m_userFolders.isAtOrInOne(path) ||
+           m_downloads.isAtOrAroundOne(path) || m_downloads.isAtOrInOne(path);
 }
 
 FileUrl FreedesktopSurvey::folderUrl(const QByteArray &path) const

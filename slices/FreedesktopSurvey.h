@@ -2,7 +2,7 @@
 
 #include "slices/BrowserFiles.h"
 #include "slices/HomeSurvey.h"
-#include "slices/UserDirs.h"
+#include "slices/UserFolders.h"
 
 /// Finds the places of one freedesktop home. What has a fixed name comes first; what the user's own
 /// files and the environment name may then only add what lies neither in nor around anything that
@@ -18,7 +18,9 @@ public:
 
 private:
     void readUserDirs();
+    SystemResult<QByteArray> userDirsText() const;
     void addFolders(SliceKind kind, const char *pattern);
+    void addAppLogs();
     void addTrash(const QByteArray &trash);
     void addDownloads();
     void addMailDownloads();
@@ -29,8 +31,7 @@ private:
 
     bool add(SliceKind kind, const QByteArray &path);
     bool touchesKnown(const QByteArray &path) const;
-    bool holdsUserFolder(const QByteArray &path) const;
-    bool isInUserFolder(const QByteArray &path) const;
+    bool isTheUsers(const QByteArray &path) const;
     bool mayBeDownloads(const QByteArray &path) const;
     FileUrl folderUrl(const QByteArray &path) const;
 
@@ -38,8 +39,11 @@ private:
     const FileUrl m_home;
     const HomeEnvironment m_environment;
     UserDirs m_userDirs;
-    /// Where the user keeps what nobody may take for something else; downloads are not among them.
-    QByteArrayList m_userFolders;
-    QByteArrayList m_known; ///< all folders that are locations already
+    /// Whether the file was read, or there is none. Otherwise nobody knows which folder the user
+    /// keeps what in.
+    bool m_userDirsAreKnown = false;
+    UserFolders m_userFolders; ///< downloads are not among them
+    UserFolders m_downloads;   ///< where they may be
+    QByteArrayList m_known;    ///< all folders that are locations already
     HomeLayout::Places m_places;
 };

@@ -3,6 +3,7 @@
 #include "slices/AnchoredFolder.h"
 
 #include <algorithm>
+#include <cerrno>
 
 namespace {
 
@@ -16,6 +17,25 @@ bool isPlainName(const QByteArray &name)
     return !name.isEmpty() && name != "." && name != ".." && !name.contains('/');
 }
 
+/// An error also for a file that has grown beyond the limit: a part of it may say anything.
+SystemResult<QByteArray> readToTheEnd(const SystemCalls &calls, int file, std::size_t limit)
+{
+    QByteArray content(static_cast<qsizetype>(limit) + 1, Qt::Uninitialized);
+    const std::span<char> space(content.data(), limit + 1);
+    std::size_t size = 0;
+    while (size <= limit) {
+        const auto count = calls.read(file, space.subspan(size));
+        if (!count)
+            return tl::unexpected(count.error());
+        if (*count == 0) {
+            content.truncate(static_cast<qsizetype>(size));
+            return content;
+        }
+        size += *count;
+    }
+    return tl::unexpected(EFBIG);
+}
+
 } // namespace
 
 HomeReader::HomeReader(const SystemCalls &calls, std::shared_ptr<const FileDescriptor> home)
@@ -26,6 +46,27 @@ HomeReader::HomeReader(const SystemCalls &calls, std::shared_ptr<const FileDescr
 bool HomeReader::hasFolder(const QByteArray &path) const
 {
     return open(path).has_value();
+}
+
+std::optional<HomeReader::Identity> HomeReader::identityOf(const QByteArray &path) const
+{
+    const auto folder = open(path);
+    const auto status = folder ? m_calls.statusOf(folder->get()) : tl::unexpected(folder.error());
+    return status ? std::optional(Identity{status->device, status->inode}) : std::nullopt;
+}
+
+std::vector<HomeReader::Identity> HomeReader::identitiesOnTheWay(const QByteArray &path) const
+{
+    std::vector<Identity> found;
+    QByteArray folder;
+    for (const QByteArray &name : path.split('/')) {
+        folder = joined(folder, name);
+        const auto identity = identityOf(folder);
+        if (!identity)
+            break;
+        found.push_back(*identity);
+    }
+    return found;
 }
 
 QByteArrayList HomeReader::foldersMatching(const QByteArray &pattern) const
@@ -61,29 +102,21 @@ std::optional<QByteArray> HomeReader::linkAt(const QByteArray &path) const
     return text ? std::optional(*text) : std::nullopt;
 }
 
-QByteArray HomeReader::contentOf(const QByteArray &path, std::size_t limit) const
+SystemResult<QByteArray> HomeReader::contentOf(const QByteArray &path, std::size_t limit) const
 {
     const auto [around, name] = anchoredEntry({m_home, path});
     const auto folder = open(around.relativePath);
     if (!folder)
-        return {};
+        return tl::unexpected(folder.error());
     const auto file = m_calls.openFile(folder->get(), name.constData());
-    const auto status = file ? m_calls.statusOf(file->get()) : tl::unexpected(file.error());
-    if (!status || status->kind != FileKind::Regular || status->size > limit)
-        return {};
-    QByteArray content(static_cast<qsizetype>(limit), Qt::Uninitialized);
-    std::size_t size = 0;
-    while (size < limit) {
-        const auto count =
-            m_calls.read(file->get(), std::span(content.data(), limit).subspan(size));
-        if (!count)
-            return {};
-        if (*count == 0)
-            break;
-        size += *count;
-    }
-    content.truncate(static_cast<qsizetype>(size));
-    return content;
+    if (!file)
+        return tl::unexpected(file.error());
+    const auto status = m_calls.statusOf(file->get());
+    if (!status)
+        return tl::unexpected(status.error());
+    if (status->kind != FileKind::Regular || status->size > limit)
+        return tl::unexpected(EFBIG);
+    return readToTheEnd(m_calls, file->get(), limit);
 }
 
 SystemResult<FileDescriptor> HomeReader::open(const QByteArray &path) const

@@ -3,25 +3,42 @@
 #include "platform/SystemHomes.h"
 #include "slices/FreedesktopSurvey.h"
 
+#include <cerrno>
+
 HomeEnvironment HomeEnvironment::ofThisProcess()
 {
     return {qgetenv("XDG_DATA_HOME"), qgetenv("XDG_CACHE_HOME")};
 }
 
-bool hasLibrary(const SystemCalls &calls, const FileAccess &access, const FileUrl &home)
+namespace {
+
+HomeKind kindOf(const SystemCalls &calls, const std::optional<AnchoredPath> &home)
 {
-    const auto place = access.anchoredPath(home);
-    if (homesHaveALibrary() || !place || !place->anchor)
-        return true;
-    const auto status = calls.status(place->anchor->get(), "Library");
-    return status && status->kind == FileKind::Folder;
+    if (homesHaveALibrary() || !home || !home->anchor)
+        return HomeKind::Library;
+    const auto status = calls.status(home->anchor->get(), "Library");
+    if (!status)
+        return status.error() == ENOENT ? HomeKind::Freedesktop : HomeKind::Unknown;
+    return status->kind == FileKind::Folder ? HomeKind::Library : HomeKind::Freedesktop;
 }
 
+} // namespace
+
+HomeKind homeKind(const SystemCalls &calls, const FileAccess &access, const FileUrl &home)
+{
+    return kindOf(calls, access.anchoredPath(home));
+}
+
+/// The access is asked once: it may be gone, or lead elsewhere, the next time.
 HomeLayout surveyHome(const SystemCalls &calls, const FileAccess &access, const FileUrl &home,
                       const HomeEnvironment &environment)
 {
-    if (hasLibrary(calls, access, home))
+    const std::optional<AnchoredPath> place = access.anchoredPath(home);
+    const HomeKind kind = kindOf(calls, place);
+    if (kind == HomeKind::Unknown)
+        return {};
+    if (kind == HomeKind::Library)
         return HomeLayout::withLibrary(home);
-    const HomeReader reader(calls, access.anchoredPath(home)->anchor);
+    const HomeReader reader(calls, place->anchor);
     return HomeLayout::freedesktop(home, FreedesktopSurvey(reader, home, environment).places());
 }

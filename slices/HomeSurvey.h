@@ -14,15 +14,17 @@ struct HomeEnvironment
     static HomeEnvironment ofThisProcess();
 };
 
-/// Whether the granted home has the fixed layout: it holds a folder "Library" itself, no link to
-/// one, or the system is one where all homes do. Also when there is no access to it, for then
-/// nothing is there at all. Costs one status call; any thread. The caller holds the access.
-bool hasLibrary(const SystemCalls &calls, const FileAccess &access, const FileUrl &home);
+/// How the granted home is laid out. The fixed layout has a home that holds a folder "Library"
+/// itself, no link to one, and every home of a system where all homes do; also one that there is no
+/// access to, for then nothing is there at all. Unknown where the home does not answer: neither
+/// layout may be taken for the other. Costs one status call; any thread. The caller holds the
+/// access.
+HomeKind homeKind(const SystemCalls &calls, const FileAccess &access, const FileUrl &home);
 
 /// Looks at the home and finds where everything is, see HomeLayout. Reads the names of a few dozen
 /// folders: not for the main thread. The caller holds the access.
 ///
 /// Whatever is found lies strictly below the home, with no link on the way, and no location lies in
-/// another.
+/// another. Unknown, with no place at all, where homeKind() is.
 HomeLayout surveyHome(const SystemCalls &calls, const FileAccess &access, const FileUrl &home,
                       const HomeEnvironment &environment);

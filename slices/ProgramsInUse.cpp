@@ -74,6 +74,16 @@ Answer ask(const SystemCalls &calls, const AnchoredPath &home, const ProgramLock
 
 } // namespace
 
+bool isUsedByAProgram(const SystemCalls &calls, const AnchoredPath &anchor,
+                      const HomeLayout &layout, const FileUrl &location)
+{
+    const auto isUsing = [&](const ProgramFiles &program) {
+        return program.places.contains(location) &&
+               ask(calls, anchor, program.lock) == Answer::Running;
+    };
+    return std::any_of(layout.programs().begin(), layout.programs().end(), isUsing);
+}
+
 ProgramsInUse ProgramsInUse::find(const SystemCalls &calls, const FileAccess &access,
                                   const HomeLayout &layout)
 {

@@ -6,6 +6,11 @@
 
 #include <QStringList>
 
+/// Whether a program of the layout that uses this location runs at this very moment, as its lock
+/// below the home tells, which `anchor` holds open; not for the main thread.
+bool isUsedByAProgram(const SystemCalls &calls, const AnchoredPath &anchor,
+                      const HomeLayout &layout, const FileUrl &location);
+
 /// The programs of a layout that were running when they were looked for, and the places that are
 /// therefore left out: a browser writes its cookies back when it ends, and breaks when they vanish
 /// under it. In doubt a program runs. A value.

@@ -107,11 +107,28 @@ UserDirs UserDirs::parse(const QByteArray &text)
 
 std::optional<QByteArray> UserDirs::folder(const QByteArray &name, const QByteArray &homePath) const
 {
+    const auto path = place(name, homePath);
+    return path && !hasHiddenComponent(*path) ? path : std::nullopt;
+}
+
+QByteArrayList UserDirs::allBut(const QByteArray &name, const QByteArray &homePath) const
+{
+    QByteArrayList folders;
+    for (const QByteArray &other : m_values.keys()) {
+        const auto path = other == name ? std::nullopt : place(other, homePath);
+        if (path)
+            folders.append(*path);
+    }
+    std::sort(folders.begin(), folders.end());
+    return folders;
+}
+
+std::optional<QByteArray> UserDirs::place(const QByteArray &name, const QByteArray &homePath) const
+{
     QByteArray value = m_values.value(name);
     if (value.startsWith(kHome))
         value.replace(0, kHome.size(), homePath);
-    const auto path = pathBelowHome(value, homePath);
-    return path && !hasHiddenComponent(*path) ? path : std::nullopt;
+    return pathBelowHome(value, homePath);
 }
 
 std::optional<QByteArray> pathBelowHome(const QByteArray &path, const QByteArray &homePath)
@@ -123,6 +140,25 @@ std::optional<QByteArray> pathBelowHome(const QByteArray &path, const QByteArray
     if (names.contains("..") || names.size() <= home.size() || names.first(home.size()) != home)
         return std::nullopt;
     return names.sliced(home.size()).join('/');
+}
+
+std::optional<QByteArray> linkTargetBelowHome(const QByteArray &linkPath, const QByteArray &target,
+                                              const QByteArray &homePath)
+{
+    if (target.startsWith('/') || target.contains('\0'))
+        return pathBelowHome(target, homePath);
+    QByteArrayList folders = namesOf(linkPath);
+    folders.removeLast();
+    QByteArrayList names = namesOf(target);
+    while (!names.isEmpty() && names.first() == "..") {
+        if (folders.isEmpty())
+            return std::nullopt;
+        folders.removeLast();
+        names.removeFirst();
+    }
+    if (names.isEmpty() || names.contains(".."))
+        return std::nullopt;
+    return (folders + names).join('/');
 }
 
 bool hasHiddenComponent(const QByteArray &relativePath)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QByteArrayList>
 #include <QByteArrayView>
 #include <QHash>
 #include <optional>
@@ -23,13 +24,25 @@ public:
     /// settings and keys.
     std::optional<QByteArray> folder(const QByteArray &name, const QByteArray &homePath) const;
 
+    /// All folders below the home that the file names for anything but this, hidden ones included:
+    /// where something of the user's may lie, also for names that nobody knows.
+    QByteArrayList allBut(const QByteArray &name, const QByteArray &homePath) const;
+
 private:
+    std::optional<QByteArray> place(const QByteArray &name, const QByteArray &homePath) const;
+
     QHash<QByteArray, QByteArray> m_values; ///< absolute paths, or "$HOME" with what follows
 };
 
 /// The path below the home, without "." and the like, of an absolute one; nothing for one that is
 /// not strictly below it, or that goes through "..". Compares bytes and looks at no disk.
 std::optional<QByteArray> pathBelowHome(const QByteArray &path, const QByteArray &homePath);
+
+/// Where a link below the home leads: the path, also relative to the home, that the link at
+/// `linkPath` stands for by its bytes. Nothing unless it is strictly below the home and goes up, if
+/// at all, before it goes down. Looks at no disk.
+std::optional<QByteArray> linkTargetBelowHome(const QByteArray &linkPath, const QByteArray &target,
+                                              const QByteArray &homePath);
 
 /// Whether a name on the path is hidden.
 bool hasHiddenComponent(const QByteArray &relativePath);

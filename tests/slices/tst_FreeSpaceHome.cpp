@@ -18,6 +18,7 @@
 #include <QLabel>
 #include <QSemaphore>
 #include <QThreadPool>
+#include <cerrno>
 #include <unistd.h>
 
 /// The page of the slices in a freedesktop home, whose places have to be found first.
@@ -31,6 +32,7 @@ private Q_SLOTS:
 
     void findsThePlacesBesideTheMainThread();
     void findsThemAfreshAtEveryVisit();
+    void hasNoPlacesWhileTheHomeDoesNotAnswer();
     void describesTheProgramsOfThisKindOfHome();
     void opensTheTrash();
     void searchesLargeFilesWhereTheHomeNamesThem();
@@ -48,7 +50,10 @@ private:
 
     std::unique_ptr<PageFixture> m_fixture;
     std::function<void()> m_beforeListing; ///< on the thread that lists
-    WatchedSystemCalls m_calls{[this](int, WatchedCall call, const char *) {
+    bool m_isSilent = false;               ///< whether nobody can tell what kind of home it is
+    WatchedSystemCalls m_calls{[this](int, WatchedCall call, const char *name) {
+        if (m_isSilent && qstrcmp(name, "Library") == 0)
+            return EIO;
         if (call == WatchedCall::ReadEntries && m_beforeListing)
             m_beforeListing();
         return 0;
@@ -62,6 +67,7 @@ void TestFreeSpaceHome::init()
 {
     m_delegate.moves.clear();
     m_beforeListing = {};
+    m_isSilent = false;
     m_fixture = std::make_unique<PageFixture>(HomeKind::Freedesktop);
     m_fixture->grantHome();
     m_fixture->makeFile(".cache/a", 2'000'000);
@@ -159,6 +165,19 @@ void TestFreeSpaceHome::findsThemAfreshAtEveryVisit()
     QCOMPARE(m_page->homeLayout().kind(), HomeKind::Library); // at once
     m_page->viewDidAppear(true);
     QTRY_COMPARE(m_page->selection().record(SliceKind::Cache).fileSize(), 700);
+}
+
+void TestFreeSpaceHome::hasNoPlacesWhileTheHomeDoesNotAnswer()
+{
+    m_isSilent = true;
+    m_page->viewWillAppear(true);
+    m_page->viewDidAppear(true);
+    QCOMPARE(m_page->homeLayout().kind(), HomeKind::Unknown);
+    QVERIFY(!m_page->startButton()->isEnabled());
+    m_page->viewWillDisappear(true);
+    m_isSilent = false;
+    appear();
+    QCOMPARE(m_page->homeLayout().kind(), HomeKind::Freedesktop);
 }
 
 void TestFreeSpaceHome::describesTheProgramsOfThisKindOfHome()

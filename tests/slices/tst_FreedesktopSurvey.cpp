@@ -1,5 +1,25 @@
 #include "tests/slices/HomeKit.h"
+#include "tests/support/ForwardingSystemCalls.h"
 #include "tests/support/TestMain.h"
+
+#include <cerrno>
+
+namespace {
+
+/// A file system that takes two names in capitals for the usual ones.
+class CaselessCalls final : public ForwardingSystemCalls
+{
+public:
+    SystemResult<FileDescriptor> openFolder(int parent, const char *path,
+                                            Descent descent) const override
+    {
+        QByteArray small(path);
+        small.replace("DOWNLOADS", "downloads").replace("GET", "Get");
+        return ForwardingSystemCalls::openFolder(parent, small.constData(), descent);
+    }
+};
+
+} // namespace
 
 /// What the user's own file and the environment may add to a home, and what they may not.
 class TestFreedesktopSurvey final : public QObject
@@ -9,6 +29,12 @@ class TestFreedesktopSurvey final : public QObject
 private Q_SLOTS:
     void takesDownloadsFromTheUsersFile_data();
     void takesDownloadsFromTheUsersFile();
+    void emptiesNoDownloadsWhileTheUsersFileIsUnreadable_data();
+    void emptiesNoDownloadsWhileTheUsersFileIsUnreadable();
+    void emptiesNoDownloadsWhenReadingFails();
+    void protectsTheUsersFoldersWhateverTheirNames_data();
+    void protectsTheUsersFoldersWhateverTheirNames();
+    void protectsOneFolderUnderTwoNames();
     void takesLittleFromTheEnvironment_data();
     void takesLittleFromTheEnvironment();
     void searchesTheUsersFolders_data();
@@ -58,6 +84,107 @@ void TestFreedesktopSurvey::takesDownloadsFromTheUsersFile()
     QCOMPARE(home.relative(*home.survey().locations(SliceKind::Downloads)), expected);
 }
 
+void TestFreedesktopSurvey::emptiesNoDownloadsWhileTheUsersFileIsUnreadable_data()
+{
+    QTest::addColumn<QByteArray>("link");
+    QTest::addColumn<QByteArrayList>("found");
+    const QByteArrayList none;
+    QTest::newRow("no file") << QByteArray() << QByteArrayList{"Downloads/", "var/cache/"};
+    QTest::newRow("a link beside it") << QByteArray("here") << QByteArrayList{"Get/", "var/cache/"};
+    QTest::newRow("a link into the home")
+        << QByteArray("../dots/u") << QByteArrayList{"Get/", "var/cache/"};
+    QTest::newRow("a full link") << QByteArray("HOME/dots/u")
+                                 << QByteArrayList{"Get/", "var/cache/"};
+    QTest::newRow("a link to a link") << QByteArray("link") << none;
+    QTest::newRow("through a link") << QByteArray("../linked/u") << none;
+    QTest::newRow("out of the home") << QByteArray("../../elsewhere") << none;
+    QTest::newRow("a full one out of it") << QByteArray("HOME/../elsewhere") << none;
+    QTest::newRow("around") << QByteArray("../dots/../dots/u") << none;
+    QTest::newRow("to nothing") << QByteArray("gone") << none;
+    QTest::newRow("to a folder") << QByteArray("../dots") << none;
+    QTest::newRow("too large") << QByteArray("large") << none;
+}
+
+void TestFreedesktopSurvey::emptiesNoDownloadsWhileTheUsersFileIsUnreadable()
+{
+    QFETCH(QByteArray, link);
+    QFETCH(const QByteArrayList, found);
+    const QByteArray lines = "XDG_DOWNLOAD_DIR=\"$HOME/Get\"\n";
+    const MadeHome home({"Downloads/x", "Get/x", "var/cache/x"});
+    home.make(".config/here", lines);
+    home.make("dots/u", lines);
+    home.make(".config/large", lines + QByteArray(64 * 1024, '#'));
+    makeFile(home.outside("elsewhere"), lines);
+    home.link("linked", "dots");
+    home.link(".config/link", "here");
+    if (!link.isEmpty())
+        home.link(".config/user-dirs.dirs", link.replace("HOME", home.path()));
+    const HomeLayout layout = home.survey({{}, home.path("var/cache")});
+    QCOMPARE(home.relative(*layout.locations(SliceKind::Downloads) +
+                           *layout.locations(SliceKind::Cache)),
+             found);
+}
+
+void TestFreedesktopSurvey::emptiesNoDownloadsWhenReadingFails()
+{
+    const MadeHome home({"Downloads/x"});
+    home.nameUserDirs("XDG_DOWNLOAD_DIR=\"$HOME/Get\"\n");
+    const auto downloads = [&](const SystemCalls &calls) {
+        return home.relative(*home.survey({}, calls).locations(SliceKind::Downloads));
+    };
+    for (const char *call : {"openFile", "read"}) {
+        const ForwardingSystemCalls failing(
+            [&](int, std::string_view name) { return name == call ? EIO : 0; });
+        QCOMPARE(downloads(failing), QByteArrayList());
+    }
+    const MadeHome linked({"Downloads/x", "dots/user-dirs.dirs"});
+    linked.link(".config", "dots");
+    QCOMPARE(linked.survey().locations(SliceKind::Downloads), FileUrls());
+}
+
+void TestFreedesktopSurvey::protectsTheUsersFoldersWhateverTheirNames_data()
+{
+    QTest::addColumn<QByteArray>("lines");
+    QTest::addColumn<QByteArray>("lost"); ///< of the places that are found otherwise
+    QTest::newRow("none") << QByteArray() << QByteArray();
+    QTest::newRow("a name of one's own")
+        << QByteArray("XDG_PROJECTS_DIR=\"$HOME/Downloads/Work\"\n") << QByteArray("Downloads/");
+    QTest::newRow("hidden") << QByteArray("XDG_DOCUMENTS_DIR=\"$HOME/.cache/papers\"\n")
+                            << QByteArray(".cache/");
+    QTest::newRow("a cache that is one")
+        << QByteArray("XDG_PROJECTS_DIR=\"$HOME/var/cache\"\n") << QByteArray("var/cache/");
+    QTest::newRow("a link into the downloads")
+        << QByteArray("XDG_MUSIC_DIR=\"$HOME/Linked\"\n") << QByteArray("Downloads/");
+}
+
+void TestFreedesktopSurvey::protectsTheUsersFoldersWhateverTheirNames()
+{
+    QFETCH(const QByteArray, lines);
+    QFETCH(const QByteArray, lost);
+    const MadeHome home({"Downloads/Work/x", ".cache/papers/x", "var/cache/x"});
+    home.link("Linked", "Downloads/Work");
+    home.nameUserDirs(lines);
+    const HomeLayout layout = home.survey({{}, home.path("var/cache")});
+    QByteArrayList expected{".cache/", "var/cache/", "Downloads/"};
+    expected.removeOne(lost);
+    QCOMPARE(home.relative(*layout.locations(SliceKind::Cache) +
+                           *layout.locations(SliceKind::Downloads)),
+             expected);
+}
+
+/// As where upper and lower case are the same.
+void TestFreedesktopSurvey::protectsOneFolderUnderTwoNames()
+{
+    const MadeHome home({"downloads/Papers/x", "Get/x"});
+    home.nameUserDirs("XDG_DOWNLOAD_DIR=\"$HOME/DOWNLOADS\"\n"
+                      "XDG_DOCUMENTS_DIR=\"$HOME/downloads/Papers\"\n");
+    const CaselessCalls calls;
+    QCOMPARE(home.survey({}, calls).locations(SliceKind::Downloads), FileUrls());
+    home.nameUserDirs("XDG_DOWNLOAD_DIR=\"$HOME/GET\"\n");
+    QCOMPARE(home.relative(*home.survey({}, calls).locations(SliceKind::Downloads)),
+             QByteArrayList{"GET/"});
+}
+
 void TestFreedesktopSurvey::takesLittleFromTheEnvironment_data()
 {
     QTest::addColumn<QByteArray>("data");
@@ -84,6 +211,14 @@ void TestFreedesktopSurvey::takesLittleFromTheEnvironment_data()
     row("not called a cache", "HOME/half", "HOME/var", {});
     row("a link", "HOME/linked", "HOME/linked-cache", {});
     row("the keys", "HOME/.ssh", "HOME/.ssh", {});
+    row("a mail store", "HOME/nothing", "HOME/.claws-mail/imapcache", {});
+    row("a program's own", "HOME/nothing", "HOME/.claws-mail/cache", {});
+    row("a sandbox's own", "HOME/nothing", "HOME/snap/cache", {});
+    row("a hobby", "HOME/nothing", "HOME/Geocaches", {});
+    row("a project", "HOME/nothing", "HOME/Projects/my-cache", {});
+    row("in capitals", "HOME/nothing", "HOME/Projects/Cache", {});
+    row("a hidden one", "HOME/nothing", "HOME/Projects/.cache", {"Projects/.cache/"});
+    row("documents called a trash", "HOME/Papers", "HOME/Papers/cache", {});
     row("around the user's folders", "HOME/nothing", "HOME/my caches", {});
 }
 
@@ -94,11 +229,16 @@ void TestFreedesktopSurvey::takesLittleFromTheEnvironment()
     QFETCH(const QByteArrayList, added);
     MadeHome home(kPlainHome);
     for (const char *path :
-         {"data/Trash/files/x", "data/Trash/info/x", "var/cache/x", "Documents/cache/x",
-          "half/Trash/files/x", ".ssh/id", ".cache/cache/x", "Downloads/cache/x",
+         {"data/Trash/files/x",      "data/Trash/info/x",      "var/cache/x",
+          "Documents/cache/x",       "half/Trash/files/x",     ".ssh/id",
+          ".cache/cache/x",          "Downloads/cache/x",      ".claws-mail/imapcache/x",
+          ".claws-mail/cache/x",     "snap/cache/x",           "Geocaches/x",
+          "Projects/my-cache/x",     "Projects/Cache/x",       "Projects/.cache/x",
+          "Papers/Trash/files/x",    "Papers/Trash/info/x",    "Papers/cache/x",
           "Downloads/Trash/files/x", "Downloads/Trash/info/x", "my caches/Pictures/x"})
         home.make(path);
-    home.nameUserDirs("XDG_PICTURES_DIR=\"$HOME/my caches/Pictures\"\n");
+    home.nameUserDirs("XDG_PICTURES_DIR=\"$HOME/my caches/Pictures\"\n"
+                      "XDG_DOCUMENTS_DIR=\"$HOME/Papers\"\n");
     home.link("linked", "data");
     home.link("linked-cache", "var/cache");
     const HomeEnvironment environment{data.replace("HOME", home.path()),

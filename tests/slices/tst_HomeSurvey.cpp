@@ -16,6 +16,24 @@ public:
     bool isInMemory(int) const override { return true; }
 };
 
+/// A grant that holds for the first question alone.
+class AnsweringOnce final : public FileAccess
+{
+public:
+    explicit AnsweringOnce(const FileAccess &access) : m_access(access) {}
+
+    void startAccessing() override {}
+    void stopAccessing() override {}
+    std::optional<AnchoredPath> anchoredPath(const FileUrl &url) const override
+    {
+        return std::exchange(m_isOver, true) ? std::nullopt : m_access.anchoredPath(url);
+    }
+
+private:
+    const FileAccess &m_access;
+    mutable bool m_isOver = false;
+};
+
 } // namespace
 
 /// What is found in homes of every make, and that nothing else is.
@@ -27,6 +45,8 @@ private Q_SLOTS:
     void keepsTheFixedLayoutWhereThereIsALibrary();
     void takesNoLinkForALibrary();
     void costsOneCallToTellTheKind();
+    void takesNoSilenceForAKind();
+    void asksForTheHomeOnce();
     void findsAPlainDesktop();
     void findsNothingInAnEmptyHome();
     void findsSandboxedPrograms();
@@ -73,8 +93,28 @@ void TestHomeSurvey::costsOneCallToTellTheKind()
         calls.append(QByteArray(name.data(), static_cast<qsizetype>(name.size())));
         return 0;
     });
-    QVERIFY(hasLibrary(watched, home.access(), home.url()));
+    QCOMPARE(homeKind(watched, home.access(), home.url()), HomeKind::Library);
     QCOMPARE(calls, QByteArrayList{"status"});
+}
+
+void TestHomeSurvey::takesNoSilenceForAKind()
+{
+    const MadeHome home(kPlainHome);
+    const ForwardingSystemCalls silent(ForwardingSystemCalls::failing(1, EIO));
+    QCOMPARE(homeKind(silent, home.access(), home.url()), HomeKind::Unknown);
+    const ForwardingSystemCalls silentAgain(ForwardingSystemCalls::failing(1, EACCES));
+    const HomeLayout layout = home.survey({}, silentAgain);
+    QCOMPARE(layout.kind(), HomeKind::Unknown);
+    QVERIFY(!layout.locations(SliceKind::Trash) && !layout.locations(SliceKind::Downloads));
+}
+
+/// The grant is taken back between two questions.
+void TestHomeSurvey::asksForTheHomeOnce()
+{
+    const MadeHome home(kPlainHome);
+    const AnsweringOnce access(home.access());
+    const HomeLayout layout = surveyHome(hostSystemCalls(), access, home.url(), {});
+    QCOMPARE(locationsOf(home, layout), kPlainLocations);
 }
 
 void TestHomeSurvey::findsAPlainDesktop()

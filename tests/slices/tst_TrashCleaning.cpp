@@ -2,6 +2,7 @@
 #include "slices/Info.h"
 #include "slices/SlicesToClean.h"
 #include "tests/slices/HomeKit.h"
+#include "tests/slices/HookedCalls.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/ForwardingSystemCalls.h"
 #include "tests/support/MadeTree.h"
@@ -9,6 +10,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <unistd.h>
 
 namespace {
 
@@ -83,6 +85,22 @@ private:
     }
 };
 
+/// One file cannot be removed.
+class FailingRemoval final : public HookedCalls
+{
+public:
+    explicit FailingRemoval(const QByteArray &name) : m_name(name) {}
+
+    std::optional<int> before(const char *call, int, const char *name) const override
+    {
+        const bool isIt = qstrcmp(call, "removeFile") == 0 && name == m_name;
+        return isIt ? std::optional(EBUSY) : std::nullopt;
+    }
+
+private:
+    const QByteArray m_name;
+};
+
 } // namespace
 
 /// What is special about emptying a freedesktop trash.
@@ -99,6 +117,10 @@ private Q_SLOTS:
     void saysWhenTheRightCannotBeGivenBack();
     void forgetsTheSizesOfWhatIsGone();
     void removesTheBookOfSizesFirst();
+    void keepsTheRecordsOfWhatStays();
+    void keepsAllRecordsWhileNobodyKnowsWhatStays();
+    void removesNoFolderCalledLikeTheBookOfSizes();
+    void removesNoFolderPutInThePlaceOfABrowsersFile();
     void leavesTheFixedTrashAsItIs();
 };
 
@@ -190,6 +212,56 @@ void TestTrashCleaning::removesTheBookOfSizesFirst()
     trash.clean(SliceKind::Trash, {}, calls);
     QVERIFY(trash.has(kTrash + "files/album"));
     QVERIFY(!trash.has(kTrash + "directorysizes"));
+}
+
+void TestTrashCleaning::keepsTheRecordsOfWhatStays()
+{
+    const Trash trash;
+    trash.readOnlyFolder(kTrash + "files/root's", 0);
+    for (const char *name : {"excluded", "locked", "gone"})
+        trash.tree.makeFile(kTrash + "files/" + name, 10);
+    for (const char *name : {"root's", "excluded", "locked", "gone", "never there"})
+        trash.tree.makeFile(kTrash + "info/" + name + ".trashinfo", 10);
+    trash.tree.makeFile(kTrash + "info/excluded", 10); // no record
+    const FailingRemoval calls("locked");
+    trash.clean(SliceKind::Trash, excluding({trash.access.file(kTrash + "files/excluded")}), calls);
+    for (const char *name : {"root's", "excluded", "locked"})
+        QVERIFY2(trash.has(kTrash + "info/" + name + ".trashinfo"), name);
+    for (const char *name : {"gone.trashinfo", "never there.trashinfo", "excluded"})
+        QVERIFY2(!trash.has(kTrash + "info/" + name), name);
+}
+
+void TestTrashCleaning::keepsAllRecordsWhileNobodyKnowsWhatStays()
+{
+    const Trash trash;
+    trash.tree.makeFile(kTrash + "files/item", 10);
+    trash.tree.makeFile(kTrash + "info/item.trashinfo", 10);
+    trash.tree.setMode(kTrash + "files", 0000);
+    trash.clean(SliceKind::Trash);
+    QVERIFY(trash.has(kTrash + "info/item.trashinfo"));
+}
+
+void TestTrashCleaning::removesNoFolderCalledLikeTheBookOfSizes()
+{
+    const Trash trash;
+    trash.folderOf(kNobody, kTrash + "directorysizes");
+    trash.tree.makeFile(kTrash + "directorysizes/letter", 90);
+    QCOMPARE(trash.clean(SliceKind::Trash), QByteArray("0, 0, 1"));
+    QVERIFY(trash.has(kTrash + "directorysizes/letter"));
+}
+
+void TestTrashCleaning::removesNoFolderPutInThePlaceOfABrowsersFile()
+{
+    const MadeHome home({".mozilla/firefox/a/cookies.sqlite"});
+    const HomeLayout layout = home.survey();
+    const QByteArray place = home.path(".mozilla/firefox/a/cookies.sqlite");
+    const auto record = Info::infoWithName(QStringLiteral("Browser Data"),
+                                           layout.locations(SliceKind::BrowserData));
+    QVERIFY(::unlink(place.constData()) == 0);
+    home.make(".mozilla/firefox/a/cookies.sqlite/letter");
+    const CleaningReport report = ::clean(home.access(), slicesToClean(layout, {record}));
+    QCOMPARE(report.refusals.value(0).reason, RefusalReason::NotAFile);
+    QVERIFY(exists(place + "/letter"));
 }
 
 void TestTrashCleaning::leavesTheFixedTrashAsItIs()
