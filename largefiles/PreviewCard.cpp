@@ -1,5 +1,6 @@
 #include "largefiles/PreviewCard.h"
 
+#include "largefiles/MediaView.h"
 #include "platform/ByteCount.h"
 #include "platform/Fonts.h"
 #include "prefs/ThinScrollBar.h"
@@ -49,7 +50,8 @@ PreviewCard::PreviewCard(QWidget *parent)
       m_title(new StyledLabel(this)),
       m_facts(new StyledLabel(this)),
       m_text(new QPlainTextEdit(this)),
-      m_closeButton(new ImageButton(this))
+      m_closeButton(new ImageButton(this)),
+      m_media(new MediaView(this))
 {
     m_title->setFont(interfaceFont(Typeface::Regular, kTitleSize));
     m_title->setTextFormat(Qt::PlainText);
@@ -84,6 +86,7 @@ void PreviewCard::showNothing()
 {
     m_title->setText(tr("Nothing is selected"));
     m_facts->clear();
+    m_media->clear();
     m_text->hide();
     m_image = {};
     update();
@@ -97,6 +100,7 @@ void PreviewCard::showTitle(const File &file, int index, int count)
         title += QStringLiteral("   ") + tr("%1 of %2").arg(index + 1).arg(count);
     m_title->setText(title);
     m_facts->clear();
+    m_media->clear();
     m_text->hide();
     m_image = {};
     update();
@@ -108,7 +112,17 @@ void PreviewCard::showContent(const File &file, const PreviewContent &content, i
     m_image = content.image;
     m_text->setPlainText(content.text);
     m_text->setVisible(content.kind == PreviewContent::Kind::Text);
+    if (content.kind == PreviewContent::Kind::Picture ||
+        content.kind == PreviewContent::Kind::Facts)
+        m_media->setFile(file.fileURL());
+    else
+        m_media->clear();
     update();
+}
+
+bool PreviewCard::togglePlaying()
+{
+    return m_media->togglePlaying();
 }
 
 bool PreviewCard::scrollText(int pages)
@@ -146,6 +160,7 @@ void PreviewCard::resizeEvent(QResizeEvent *)
                          kHeaderHeight);
     m_facts->setGeometry(kMargin, height() - kFooterHeight, width() - 2 * kMargin, kFooterHeight);
     m_text->setGeometry(contentRect());
+    m_media->setGeometry(contentRect());
 }
 
 void PreviewCard::paintEvent(QPaintEvent *)

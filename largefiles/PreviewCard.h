@@ -6,6 +6,7 @@
 #include <QWidget>
 
 class ImageButton;
+class MediaView;
 class QLabel;
 class QPlainTextEdit;
 
@@ -28,6 +29,9 @@ public:
     /// By pages down, or up for a negative number; true always.
     bool scrollText(int pages);
 
+    /// Whether what is shown can be played.
+    bool togglePlaying();
+
     QString title() const;
     QString facts() const;
     QString shownText() const;
@@ -47,5 +51,6 @@ private:
     QLabel *m_facts;
     QPlainTextEdit *m_text;
     ImageButton *m_closeButton;
+    MediaView *m_media;
     QImage m_image;
 };

@@ -10,6 +10,12 @@ namespace {
 /// Left free above it, for the shade under the edge that the sheet comes out of.
 constexpr int kTopMargin = 8;
 
+bool isPlayKey(const QKeyEvent &event)
+{
+    return event.key() == Qt::Key_P || event.key() == Qt::Key_MediaPlay ||
+           event.key() == Qt::Key_MediaTogglePlayPause;
+}
+
 } // namespace
 
 PreviewPanel::PreviewPanel(FileReading reading, QWidget *parent)
@@ -119,6 +125,8 @@ void PreviewPanel::keyPressEvent(QKeyEvent *event)
     event->accept(); // nothing goes on to what lies behind
     if (event->key() == Qt::Key_Escape)
         return orderOut();
+    if (isPlayKey(*event) && (event->isAutoRepeat() || m_card->togglePlaying()))
+        return;
     if (turnTo(event->key()))
         return;
     if (PreviewPanelDelegate *const delegate = m_delegate.get())

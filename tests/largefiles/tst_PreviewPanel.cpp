@@ -1,3 +1,4 @@
+#include "largefiles/MediaView.h"
 #include "largefiles/PreviewCard.h"
 #include "largefiles/PreviewPanel.h"
 #include "largefiles/QuickLookTableView.h"
@@ -188,6 +189,56 @@ private Q_SLOTS:
         QVERIFY(!files.shown().image.isNull());
         files.press(Qt::Key_Down);
         QCOMPARE(files.shown().kind, PreviewContent::Kind::Missing);
+    }
+
+    void playsAFilmUntilItIsNoLongerShown_data()
+    {
+        QTest::addColumn<int>("leave");
+        QTest::newRow("closed") << int(Qt::Key_Space);
+        QTest::newRow("escaped from") << int(Qt::Key_Escape);
+        QTest::newRow("another file") << int(Qt::Key_Down);
+    }
+    void playsAFilmUntilItIsNoLongerShown()
+    {
+        QFETCH(int, leave);
+        Files files({QStringLiteral("film.mp4"), QStringLiteral("b.txt")});
+        files.write("film.mp4", QByteArray("\0\1\2\3", 4));
+        files.write("b.txt", "beta");
+        files.table.selectRow(0);
+        files.press(Qt::Key_Space);
+        files.shown();
+        const MediaView &media = *files.panel.findChild<MediaView *>();
+        const bool hasPlayer = QFile::exists(PlayerProcess::besideTheProgram());
+        QCOMPARE(media.isVisible(), hasPlayer);
+        QVERIFY(!media.isOpen());
+        files.press(Qt::Key_P);
+        QCOMPARE(media.isOpen(), hasPlayer);
+        files.press(leave);
+        QVERIFY(!media.isOpen());
+        QVERIFY(!media.isVisible());
+    }
+
+    void staysUsableWithAFilmThatCannotBePlayed()
+    {
+        Files files({QStringLiteral("film.mp4"), QStringLiteral("b.txt")});
+        files.write("film.mp4", QByteArray("\0\1\2\3", 4));
+        files.write("b.txt", "beta");
+        files.table.selectRow(0);
+        files.press(Qt::Key_Space);
+        files.shown();
+        const MediaView &media = *files.panel.findChild<MediaView *>();
+        QKeyEvent mediaKey(QEvent::KeyPress, Qt::Key_MediaTogglePlayPause, {});
+        QApplication::sendEvent(&files.panel, &mediaKey);
+        QCOMPARE(media.isOpen(), media.isVisible());
+        if (media.isVisible()) // built with a player
+            QTRY_COMPARE_WITH_TIMEOUT(media.message(), QStringLiteral("This file cannot be played"),
+                                      20'000);
+        files.press(Qt::Key_Down);
+        QCOMPARE(files.shown().text, QStringLiteral("beta"));
+        files.press(Qt::Key_P); // nothing to play
+        QVERIFY(!media.isOpen());
+        files.press(Qt::Key_Space);
+        QVERIFY(!files.panel.isVisible());
     }
 
     void showsAPictureAsLargeAsThereIsRoom()

@@ -1,0 +1,55 @@
+#include "largefiles/PlayerProcess.h"
+
+#include <QCoreApplication>
+
+QString PlayerProcess::besideTheProgram()
+{
+    return QCoreApplication::applicationDirPath() + QStringLiteral("/vantor-player");
+}
+
+PlayerProcess::PlayerProcess(const QString &program, const QString &path, QSize frameSize,
+                             QObject *parent)
+    : QObject(parent)
+{
+    m_process.setStandardErrorFile(QProcess::nullDevice()); // codecs are talkative
+    connect(&m_process, &QProcess::readyReadStandardOutput, this, &PlayerProcess::read);
+    connect(&m_process, &QProcess::finished, this, &PlayerProcess::fail);
+    connect(&m_process, &QProcess::errorOccurred, this, &PlayerProcess::fail);
+    m_process.start(
+        program, {QString::number(frameSize.width()), QString::number(frameSize.height()), path});
+}
+
+PlayerProcess::~PlayerProcess()
+{
+    m_process.disconnect(this);
+    m_process.kill();
+    m_process.waitForFinished();
+}
+
+void PlayerProcess::seek(qint64 milliseconds)
+{
+    m_process.write("seek " + QByteArray::number(milliseconds) + '\n');
+}
+
+void PlayerProcess::read()
+{
+    while (!m_isOver) {
+        const ReadReport read = readReport(m_process);
+        if (read.state == ReadReport::State::Incomplete)
+            return;
+        if (read.state == ReadReport::State::Broken)
+            return fail();
+        m_isOver = read.report.kind == PlayerReport::Kind::Silent ||
+                   read.report.kind == PlayerReport::Kind::Failed;
+        Q_EMIT reported(read.report);
+    }
+}
+
+/// It has ended without a word, or talks nonsense. Nothing that went wrong twice is told twice.
+void PlayerProcess::fail()
+{
+    if (m_isOver)
+        return;
+    m_isOver = true;
+    Q_EMIT reported({});
+}

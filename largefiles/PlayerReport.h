@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QImage>
+#include <optional>
+
+class QIODevice;
+
+/// What the player's process tells of the one file it plays. A value.
+struct PlayerReport
+{
+    enum class Kind : quint8 {
+        Playing,
+        Paused,
+        Ended,    ///< played to its end, and stands there
+        Position, ///< where it is
+        Frame,    ///< `frame` is to be seen now
+        Silent,   ///< there is only sound, and nothing to hear it with: the last report
+        Failed,   ///< cannot be played: the last report
+    };
+
+    Kind kind = Kind::Failed;
+    qint64 position = 0; ///< milliseconds
+    qint64 duration = 0; ///< milliseconds; 0 while unknown
+    QImage frame;        ///< of Format_RGB32
+};
+
+/// The longest side of a frame, in pixels.
+inline constexpr int kLargestFrameSide = 8192;
+
+bool writeReport(QIODevice &device, const PlayerReport &report);
+
+/// What comes of reading. The process that wrote it may be in the hands of what it plays: nothing
+/// is believed without a look.
+struct ReadReport
+{
+    enum class State {
+        Whole,
+        Incomplete, ///< nothing was taken; more has to come
+        Broken,     ///< nothing sensible will come any more
+    };
+
+    State state = State::Incomplete;
+    PlayerReport report;
+};
+ReadReport readReport(QIODevice &device);
