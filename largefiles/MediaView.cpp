@@ -3,8 +3,8 @@
 #include "largefiles/MediaControls.h"
 #include "widgets/StyledLabel.h"
 
-#include <QHideEvent>
 #include <QFileInfo>
+#include <QHideEvent>
 #include <QMimeDatabase>
 #include <QPainter>
 #include <limits>
@@ -13,7 +13,6 @@ namespace {
 
 constexpr int kControlsHeight = 30; ///< the line below the frames
 constexpr int kSliderHeight = 16;
-constexpr int kTimeWidth = 130;
 constexpr int kGap = 10;
 
 bool isFilmOrSound(const FileUrl &file)
@@ -93,6 +92,8 @@ bool MediaView::togglePlaying()
         return false;
     if (!m_process)
         open();
+    else if (m_isOpening)
+        stop();
     else
         m_isPlaying ? m_process->pause() : m_process->play();
     return true;
@@ -101,6 +102,7 @@ bool MediaView::togglePlaying()
 void MediaView::open()
 {
     m_message->clear();
+    m_isOpening = true;
     const QSize pixels = (QSizeF(frameRoom().size()) * devicePixelRatioF()).toSize();
     m_process = std::make_unique<PlayerProcess>(
         m_player, QFile::decodeName(m_file.path()),
@@ -113,8 +115,10 @@ void MediaView::stop()
 {
     m_process.reset();
     m_isPlaying = false;
+    m_isOpening = false;
     m_frame = {};
     showPosition(0, 0);
+    refresh();
 }
 
 void MediaView::take(const PlayerReport &report)
@@ -126,6 +130,7 @@ void MediaView::take(const PlayerReport &report)
         return fail(tr("This file cannot be played"));
     case PlayerReport::Kind::Playing:
         m_isPlaying = true;
+        m_isOpening = false;
         break;
     case PlayerReport::Kind::Paused:
     case PlayerReport::Kind::Ended:
@@ -168,9 +173,9 @@ void MediaView::refresh()
     m_slider->setVisible(!m_time->text().isEmpty());
     m_time->setVisible(!m_time->text().isEmpty());
     m_message->setVisible(!m_message->text().isEmpty());
-    m_button->setIsPlaying(m_isPlaying ||
-                           (m_process && m_frame.isNull() && m_time->text().isEmpty()));
+    m_button->setIsPlaying(m_isPlaying || m_isOpening);
     m_button->setIsFaded(m_isPlaying && !m_frame.isNull() && !underMouse());
+    placeControls();
     update();
 }
 
@@ -198,21 +203,28 @@ bool MediaView::event(QEvent *event)
 
 void MediaView::hideEvent(QHideEvent *event)
 {
-    if (!event->spontaneous()) {
+    if (!event->spontaneous())
         stop();
-        refresh();
-    }
 }
 
 void MediaView::resizeEvent(QResizeEvent *)
 {
+    placeControls();
+}
+
+/// The slider is as long as the longest time leaves it.
+void MediaView::placeControls()
+{
     const QSize button = m_button->sizeHint();
-    m_button->setGeometry(
-        QRect(rect().center() - QPoint(button.width() / 2, button.height() / 2), button));
+    const QPoint middle = (m_frame.isNull() ? rect() : frameRoom()).center();
+    m_button->setGeometry(QRect(middle - QPoint(button.width() / 2, button.height() / 2), button));
+    const QString length = clockTime(m_slider->maximum());
+    const int timeWidth =
+        m_time->fontMetrics().horizontalAdvance(length + QStringLiteral(" / ") + length) + kGap;
     const int top = height() - kControlsHeight;
     m_slider->setGeometry(0, top + (kControlsHeight - kSliderHeight) / 2,
-                          width() - kTimeWidth - kGap, kSliderHeight);
-    m_time->setGeometry(width() - kTimeWidth, top, kTimeWidth, kControlsHeight);
+                          width() - timeWidth - kGap, kSliderHeight);
+    m_time->setGeometry(width() - timeWidth, top, timeWidth, kControlsHeight);
     m_message->setGeometry(0, top, width(), kControlsHeight);
 }
 

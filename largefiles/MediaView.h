@@ -26,7 +26,8 @@ public:
     void setFile(const FileUrl &file);
     /// Stops and hides.
     void clear();
-    /// Whether there was anything to start or to pause.
+    /// Whether there was anything to start or to pause. What has not come to playing yet is
+    /// stopped.
     bool togglePlaying();
 
     /// Whether the file was opened, be it that it is pausing.
@@ -57,6 +58,7 @@ private:
     void fail(const QString &message);
     void showPosition(qint64 position, qint64 duration);
     void refresh();
+    void placeControls();
     QRect frameRoom() const;
 
     QString m_player;
@@ -68,4 +70,5 @@ private:
     std::unique_ptr<PlayerProcess> m_process;
     QImage m_frame;
     bool m_isPlaying = false;
+    bool m_isOpening = false; ///< nothing is seen or heard yet
 };

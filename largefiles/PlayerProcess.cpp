@@ -2,6 +2,12 @@
 
 #include <QCoreApplication>
 
+namespace {
+
+constexpr int kPatience = 100; ///< milliseconds
+
+} // namespace
+
 QString PlayerProcess::besideTheProgram()
 {
     return QCoreApplication::applicationDirPath() + QStringLiteral("/vantor-player");
@@ -11,30 +17,34 @@ PlayerProcess::PlayerProcess(const QString &program, const QString &path, QSize 
                              QObject *parent)
     : QObject(parent)
 {
-    m_process.setStandardErrorFile(QProcess::nullDevice()); // codecs are talkative
-    connect(&m_process, &QProcess::readyReadStandardOutput, this, &PlayerProcess::read);
-    connect(&m_process, &QProcess::finished, this, &PlayerProcess::fail);
-    connect(&m_process, &QProcess::errorOccurred, this, &PlayerProcess::fail);
-    m_process.start(
+    m_process->setStandardErrorFile(QProcess::nullDevice()); // codecs are talkative
+    connect(m_process.get(), &QProcess::readyReadStandardOutput, this, &PlayerProcess::read);
+    connect(m_process.get(), &QProcess::finished, this, &PlayerProcess::fail);
+    connect(m_process.get(), &QProcess::errorOccurred, this, &PlayerProcess::fail);
+    m_process->start(
         program, {QString::number(frameSize.width()), QString::number(frameSize.height()), path});
 }
 
 PlayerProcess::~PlayerProcess()
 {
-    m_process.disconnect(this);
-    m_process.kill();
-    m_process.waitForFinished();
+    m_process->disconnect(this);
+    m_process->kill();
+    if (m_process->state() == QProcess::NotRunning || m_process->waitForFinished(kPatience))
+        return;
+    // It hangs in the system, with its disk perhaps: its end is for later.
+    QProcess *const late = m_process.release();
+    connect(late, &QProcess::finished, late, &QObject::deleteLater);
 }
 
 void PlayerProcess::seek(qint64 milliseconds)
 {
-    m_process.write("seek " + QByteArray::number(milliseconds) + '\n');
+    m_process->write("seek " + QByteArray::number(milliseconds) + '\n');
 }
 
 void PlayerProcess::read()
 {
     while (!m_isOver) {
-        const ReadReport read = readReport(m_process);
+        const ReadReport read = readReport(*m_process);
         if (read.state == ReadReport::State::Incomplete)
             return;
         if (read.state == ReadReport::State::Broken)

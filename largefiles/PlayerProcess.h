@@ -3,6 +3,7 @@
 #include "largefiles/PlayerReport.h"
 
 #include <QProcess>
+#include <memory>
 
 /// One film or sound being played by vantor-player, a process of its own, so that a file made to
 /// crash or to hang a codec ends that and nothing else. Plays from the start; playing ends with it.
@@ -18,8 +19,8 @@ public:
     PlayerProcess(const QString &program, const QString &path, QSize frameSize, QObject *parent);
     ~PlayerProcess() override;
 
-    void play() { m_process.write("play\n"); }
-    void pause() { m_process.write("pause\n"); }
+    void play() { m_process->write("play\n"); }
+    void pause() { m_process->write("pause\n"); }
     void seek(qint64 milliseconds);
 
 Q_SIGNALS:
@@ -30,6 +31,6 @@ private:
     void read();
     void fail();
 
-    QProcess m_process;
+    std::unique_ptr<QProcess> m_process = std::make_unique<QProcess>();
     bool m_isOver = false;
 };

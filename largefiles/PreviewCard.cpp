@@ -175,6 +175,7 @@ void PreviewCard::paintEvent(QPaintEvent *)
     QSizeF size = m_image.deviceIndependentSize();
     if (size.width() > room.width() || size.height() > room.height())
         size.scale(room.size(), Qt::KeepAspectRatio);
-    const QPoint origin(room.center() - QPoint(int(size.width() / 2), int(size.height() / 2)));
+    const QPointF middle(size.width() / 2, size.height() / 2);
+    const QPoint origin = (QRectF(room).center() - middle).toPoint();
     painter.drawImage(QRectF(origin, size), m_image);
 }

@@ -130,6 +130,18 @@ private Q_SLOTS:
         QVERIFY(view.message().isEmpty());
     }
 
+    void aPlayerThatHangsCanBeGivenUp()
+    {
+        MediaView view(&m_window, player("exec cat >/dev/null"));
+        view.setFile(write("a.mp4", "x"));
+        view.togglePlaying();
+        QVERIFY(view.isOpen());
+        QCOMPARE(button(view)->accessibleName(), QStringLiteral("Pause"));
+        view.togglePlaying();
+        QVERIFY(!view.isOpen());
+        QCOMPARE(button(view)->accessibleName(), QStringLiteral("Play"));
+    }
+
     void saysThatNothingCanBeHeard()
     {
         MediaView view(&m_window, player(report("silent", {PlayerReport::Kind::Silent, 0, 0, {}})));
