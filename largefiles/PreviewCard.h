@@ -23,14 +23,13 @@ public:
     /// The name of the file that is being read, and the how-manieth it is.
     void showTitle(const File &file, int index, int count);
     void showContent(const File &file, const PreviewContent &content, int page);
+    /// Whether there was anything to play or to pause.
+    bool togglePlaying();
 
     /// Room for a picture, in points.
     QSize contentSize() const { return contentRect().size(); }
     /// By pages down, or up for a negative number; true always.
     bool scrollText(int pages);
-
-    /// Whether what is shown can be played.
-    bool togglePlaying();
 
     QString title() const;
     QString facts() const;
