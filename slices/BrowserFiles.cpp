@@ -93,3 +93,12 @@ std::vector<FoundProgram> browserFiles(const HomeReader &home)
         addFirefox(found, home, folder);
     return found;
 }
+
+QByteArray databaseOfJournal(const QByteArray &name)
+{
+    for (const QByteArrayView ending : kJournalEndings) {
+        if (name.endsWith(ending))
+            return name.chopped(ending.size());
+    }
+    return {};
+}

@@ -16,3 +16,6 @@ struct FoundProgram
 /// database is thrown away by whoever opens it next, while a database without its journal may be
 /// broken. Bookmarks and passwords, and whatever holds them besides, are not among them.
 std::vector<FoundProgram> browserFiles(const HomeReader &home);
+
+/// The database to which a journal of this name belongs; empty for what is no journal.
+QByteArray databaseOfJournal(const QByteArray &name);

@@ -14,7 +14,8 @@ struct CleaningFailure
 };
 
 /// What a cleaning did. Whatever was planned and still exists is kept by an exclusion, named in one
-/// of the two lists, lies below a folder named there or is the trash's record of such an item;
+/// of the two lists, lies below a folder named there or belongs to such an item, as its
+/// record in the trash or as its journal;
 /// beyond a bound the lists only count.
 struct CleaningReport
 {

@@ -1,8 +1,8 @@
 #include "slices/FolderSizing.h"
 #include "slices/Info.h"
 #include "slices/SlicesToClean.h"
+#include "tests/slices/FailingRemoval.h"
 #include "tests/slices/HomeKit.h"
-#include "tests/slices/HookedCalls.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/ForwardingSystemCalls.h"
 #include "tests/support/MadeTree.h"
@@ -10,7 +10,6 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <unistd.h>
 
 namespace {
 
@@ -85,22 +84,6 @@ private:
     }
 };
 
-/// One file cannot be removed.
-class FailingRemoval final : public HookedCalls
-{
-public:
-    explicit FailingRemoval(const QByteArray &name) : m_name(name) {}
-
-    std::optional<int> before(const char *call, int, const char *name) const override
-    {
-        const bool isIt = qstrcmp(call, "removeFile") == 0 && name == m_name;
-        return isIt ? std::optional(EBUSY) : std::nullopt;
-    }
-
-private:
-    const QByteArray m_name;
-};
-
 } // namespace
 
 /// What is special about emptying a freedesktop trash.
@@ -120,7 +103,6 @@ private Q_SLOTS:
     void keepsTheRecordsOfWhatStays();
     void keepsAllRecordsWhileNobodyKnowsWhatStays();
     void removesNoFolderCalledLikeTheBookOfSizes();
-    void removesNoFolderPutInThePlaceOfABrowsersFile();
     void leavesTheFixedTrashAsItIs();
 };
 
@@ -248,20 +230,6 @@ void TestTrashCleaning::removesNoFolderCalledLikeTheBookOfSizes()
     trash.tree.makeFile(kTrash + "directorysizes/letter", 90);
     QCOMPARE(trash.clean(SliceKind::Trash), QByteArray("0, 0, 1"));
     QVERIFY(trash.has(kTrash + "directorysizes/letter"));
-}
-
-void TestTrashCleaning::removesNoFolderPutInThePlaceOfABrowsersFile()
-{
-    const MadeHome home({".mozilla/firefox/a/cookies.sqlite"});
-    const HomeLayout layout = home.survey();
-    const QByteArray place = home.path(".mozilla/firefox/a/cookies.sqlite");
-    const auto record = Info::infoWithName(QStringLiteral("Browser Data"),
-                                           layout.locations(SliceKind::BrowserData));
-    QVERIFY(::unlink(place.constData()) == 0);
-    home.make(".mozilla/firefox/a/cookies.sqlite/letter");
-    const CleaningReport report = ::clean(home.access(), slicesToClean(layout, {record}));
-    QCOMPARE(report.refusals.value(0).reason, RefusalReason::NotAFile);
-    QVERIFY(exists(place + "/letter"));
 }
 
 void TestTrashCleaning::leavesTheFixedTrashAsItIs()
