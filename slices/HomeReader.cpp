@@ -121,7 +121,7 @@ SystemResult<QByteArray> HomeReader::contentOf(const QByteArray &path, std::size
 
 SystemResult<FileDescriptor> HomeReader::open(const QByteArray &path) const
 {
-    return openAnchored(m_calls, {m_home, path}, Descent::Strict);
+    return openOnVolume(m_calls, {m_home, path});
 }
 
 SystemResult<FileStatus> HomeReader::statusOf(const QByteArray &path) const

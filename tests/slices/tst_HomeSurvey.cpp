@@ -16,6 +16,28 @@ public:
     bool isInMemory(int) const override { return true; }
 };
 
+/// A file system one folder of which is a volume of its own.
+class SubVolumeCalls final : public ForwardingSystemCalls
+{
+public:
+    explicit SubVolumeCalls(const QByteArray &folder)
+    {
+        const auto opened = ForwardingSystemCalls::openRoot(folder.constData());
+        m_inode = ForwardingSystemCalls::statusOf(opened->get())->inode;
+    }
+
+    SystemResult<FileStatus> statusOf(int descriptor) const override
+    {
+        auto status = ForwardingSystemCalls::statusOf(descriptor);
+        if (status && status->inode == m_inode)
+            ++status->device;
+        return status;
+    }
+
+private:
+    std::uint64_t m_inode = 0;
+};
+
 /// A grant that holds for the first question alone.
 class AnsweringOnce final : public FileAccess
 {
@@ -57,6 +79,7 @@ private Q_SLOTS:
     void followsNoLink_data();
     void followsNoLink();
     void leavesMountsAlone();
+    void leavesSubVolumesAlone();
     void findsNothingItMayNotRead();
 };
 
@@ -329,6 +352,16 @@ void TestHomeSurvey::leavesMountsAlone()
         return mounts.areMade() && caches.size() == 1 && areLeft && isGone ? 0 : 1;
     };
     QCOMPARE(runInChild(ChildUser::Same, work).exitCode, 0);
+}
+
+/// They open like any folder; their device number alone tells.
+void TestHomeSurvey::leavesSubVolumesAlone()
+{
+    const MadeHome home(kPlainHome);
+    const SubVolumeCalls calls(home.path(".cache"));
+    Found expected = kPlainLocations;
+    expected.erase(SliceKind::Cache);
+    QCOMPARE(locationsOf(home, home.survey({}, calls)), expected);
 }
 
 /// Whichever call fails, the survey ends and finds no more than it would have found.
