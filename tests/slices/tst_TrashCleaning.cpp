@@ -52,10 +52,11 @@ struct Trash
 
     /// Measures and cleans a slice as the ordinary user. "shown, removed, failures".
     QByteArray clean(SliceKind kind, const ExcludedPaths &excluded = {},
-                     const SystemCalls &calls = hostSystemCalls()) const
+                     const SystemCalls &calls = hostSystemCalls(),
+                     const std::stop_token &stop = {}) const
     {
         const auto work = [&] {
-            std::fputs(cleaned(kind, excluded, calls).constData(), stderr);
+            std::fputs(cleaned(kind, excluded, calls, stop).constData(), stderr);
             return 0;
         };
         // The log comes the same way, before.
@@ -64,8 +65,8 @@ struct Trash
     }
 
 private:
-    QByteArray cleaned(SliceKind kind, const ExcludedPaths &excluded,
-                       const SystemCalls &calls) const
+    QByteArray cleaned(SliceKind kind, const ExcludedPaths &excluded, const SystemCalls &calls,
+                       const std::stop_token &stop) const
     {
         const HomeLayout layout = surveyHome(calls, access, home, {});
         const FileUrls places = *layout.locations(kind);
@@ -78,10 +79,36 @@ private:
         const auto record =
             Info::infoWithName(QString::fromUtf16(sliceCatalogue()[indexOf(kind)].name), places);
         const CleaningReport report = performCleaning(
-            calls, makeCleaningPlan(calls, access, slicesToClean(layout, {record}), excluded), {});
+            calls, makeCleaningPlan(calls, access, slicesToClean(layout, {record}), excluded),
+            stop);
         return QByteArray::number(shown) + ", " + QByteArray::number(report.removedItems) + ", " +
                QByteArray::number(report.failureCount + report.refusalCount);
     }
+};
+
+/// Something happens right before one folder is listed by a cleaning, which may fail by it.
+class ListingCalls final : public ForwardingSystemCalls
+{
+public:
+    ListingCalls(const QByteArray &folder, std::function<int()> before)
+        : m_before(std::move(before))
+    {
+        const auto opened = ForwardingSystemCalls::openRoot(folder.constData());
+        m_inode = ForwardingSystemCalls::statusOf(opened->get())->inode;
+    }
+
+    SystemResult<std::size_t> readEntries(int folder, std::span<char> buffer) const override
+    {
+        const auto status = ForwardingSystemCalls::statusOf(folder);
+        const int error = status && status->inode == m_inode ? m_before() : 0;
+        if (error != 0)
+            return tl::unexpected(error);
+        return ForwardingSystemCalls::readEntries(folder, buffer);
+    }
+
+private:
+    std::function<int()> m_before;
+    std::uint64_t m_inode = 0;
 };
 
 } // namespace
@@ -96,6 +123,11 @@ private Q_SLOTS:
     void leavesReadOnlyFoldersElsewhere();
     void leavesThoseOfOthers();
     void leavesTheRightsOfWhatIsKept();
+    void leavesTheRightsOfWhatCannotBeListed();
+    void leavesTheRightsOfWhatWasPutBack();
+    void leavesTheRightsAroundWhatIsKeptByIdentity();
+    void givesTheRightsBackWhereSomethingStays();
+    void givesTheRightsBackWhenItIsStopped();
     void leavesTheRightsOfTheTrashItself();
     void saysWhenTheRightCannotBeGivenBack();
     void forgetsTheSizesOfWhatIsGone();
@@ -152,6 +184,87 @@ void TestTrashCleaning::leavesTheRightsOfWhatIsKept()
     QVERIFY(trash.has(kTrash + "files/album/inside"));
     QCOMPARE(trash.modeOf(kTrash + "files/album"), 0555U);
     QVERIFY(!trash.has(kTrash + "files/other"));
+}
+
+void TestTrashCleaning::leavesTheRightsOfWhatCannotBeListed()
+{
+    const Trash trash;
+    trash.readOnlyFolder(kTrash + "files/album");
+    const ListingCalls calls(trash.tree.path(kTrash + "files/album"), [] { return EIO; });
+    trash.clean(SliceKind::Trash, {}, calls);
+    QVERIFY(trash.has(kTrash + "files/album/inside"));
+    QCOMPARE(trash.modeOf(kTrash + "files/album"), 0555U);
+}
+
+void TestTrashCleaning::leavesTheRightsOfWhatWasPutBack()
+{
+    const Trash trash;
+    const QByteArray album = kTrash + "files/album";
+    trash.readOnlyFolder(album);
+    const ListingCalls calls(trash.tree.path(album), [&] {
+        ::rename(trash.tree.path(album).constData(), trash.tree.path(album + "2").constData());
+        return 0;
+    });
+    const HomeLayout layout = surveyHome(hostSystemCalls(), trash.access, trash.home, {});
+    const auto record =
+        Info::infoWithName(QStringLiteral("Trash"), layout.locations(SliceKind::Trash));
+    runInChild(ChildUser::Nobody, [&] {
+        ::clean(trash.access, slicesToClean(layout, {record}), {}, calls);
+        return 0;
+    });
+    QVERIFY(trash.has(album + "2/inside"));
+    QCOMPARE(trash.modeOf(album + "2"), 0555U);
+}
+
+void TestTrashCleaning::leavesTheRightsAroundWhatIsKeptByIdentity()
+{
+    const Trash trash;
+    trash.tree.makeFile("kept", 10);
+    trash.folderOf(kNobody, kTrash + "files/album");
+    std::filesystem::create_hard_link(native(trash.tree.path("kept")),
+                                      native(trash.tree.path(kTrash + "files/album/other name")));
+    trash.tree.setMode(kTrash + "files/album", 0555);
+    const ForwardingSystemCalls calls([](int, std::string_view name) {
+        if (name == "setPermissions")
+            qFatal("tried to change the rights");
+        return 0;
+    });
+    trash.clean(SliceKind::Trash, excluding({trash.access.file("kept")}), calls);
+    QVERIFY(trash.has(kTrash + "files/album/other name"));
+}
+
+void TestTrashCleaning::givesTheRightsBackWhereSomethingStays()
+{
+    const Trash trash;
+    trash.readOnlyFolder(kTrash + "files/album");
+    trash.clean(SliceKind::Trash, {}, FailingRemoval("inside"));
+    QVERIFY(trash.has(kTrash + "files/album/inside"));
+    QCOMPARE(trash.modeOf(kTrash + "files/album"), 0555U);
+}
+
+/// So deep that not all folders on the way are held open.
+void TestTrashCleaning::givesTheRightsBackWhenItIsStopped()
+{
+    constexpr int kDepth = 30;
+    const Trash trash;
+    QByteArrayList folders{kTrash + "files/0"};
+    for (int i = 1; i < kDepth; ++i)
+        folders.append(folders.constLast() + "/1");
+    for (const QByteArray &folder : folders)
+        trash.folderOf(kNobody, folder);
+    for (const char *name : {"/a", "/b"})
+        trash.tree.makeFile(folders.constLast() + name);
+    for (const QByteArray &folder : folders)
+        trash.tree.setMode(folder, 0555);
+    std::stop_source stop;
+    const ForwardingSystemCalls calls([&](int, std::string_view name) {
+        if (name == "removeFile")
+            stop.request_stop();
+        return 0;
+    });
+    QCOMPARE(trash.clean(SliceKind::Trash, {}, calls, stop.get_token()), QByteArray("0, 1, 0"));
+    for (const QByteArray &folder : folders)
+        QCOMPARE(trash.modeOf(folder), 0555U);
 }
 
 void TestTrashCleaning::leavesTheRightsOfTheTrashItself()
