@@ -53,6 +53,9 @@ void FreeSpaceViewController::place(const HomeFindings &findings)
 void FreeSpaceViewController::homeWasFound(const HomeFindings &findings)
 {
     place(findings);
+    // What was excluded meanwhile was heard by slices without places.
+    m_selection.applyExclusions();
+    m_selection.updateSelectedSlicesUserDefaults();
     if (!m_isShown)
         return; // shown when it appears
     m_pieChart->reloadData();
