@@ -20,9 +20,9 @@ void FreeSpaceViewController::rebuildRecords()
     if (kind != HomeKind::Freedesktop)
         return;
     m_looking.run([this, &calls = m_services.calls, &access = m_services.access, home,
-                   environment = HomeEnvironment::ofThisProcess()](const std::stop_token &) {
+                   environment = HomeEnvironment::ofThisProcess()](const std::stop_token &stop) {
         const AccessScope scope(access);
-        const HomeLayout layout = surveyHome(calls, access, home, environment);
+        const HomeLayout layout = surveyHome(calls, access, home, environment, stop);
         const HomeFindings findings{layout, ProgramsInUse::find(calls, access, layout)};
         return [this, findings] { homeWasFound(findings); };
     });

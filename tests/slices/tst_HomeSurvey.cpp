@@ -69,6 +69,7 @@ private Q_SLOTS:
     void costsOneCallToTellTheKind();
     void takesNoSilenceForAKind();
     void asksForTheHomeOnce();
+    void endsSoonOnceItIsToldTo();
     void findsAPlainDesktop();
     void findsNothingInAnEmptyHome();
     void findsSandboxedPrograms();
@@ -138,6 +139,23 @@ void TestHomeSurvey::asksForTheHomeOnce()
     const AnsweringOnce access(home.access());
     const HomeLayout layout = surveyHome(hostSystemCalls(), access, home.url(), {});
     QCOMPARE(locationsOf(home, layout), kPlainLocations);
+}
+
+void TestHomeSurvey::endsSoonOnceItIsToldTo()
+{
+    const MadeHome home(kPlainHome);
+    std::stop_source stop;
+    int listings = 0;
+    const ForwardingSystemCalls calls([&](int, std::string_view name) {
+        if (name == "readEntries") {
+            ++listings;
+            stop.request_stop();
+        }
+        return 0;
+    });
+    const HomeLayout layout = surveyHome(calls, home.access(), home.url(), {}, stop.get_token());
+    QCOMPARE(layout.kind(), HomeKind::Unknown);
+    QVERIFY(listings <= 2); // the folder that was being read, to its end
 }
 
 void TestHomeSurvey::findsAPlainDesktop()
