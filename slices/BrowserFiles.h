@@ -9,6 +9,7 @@ struct FoundProgram
     QString program;
     ProgramLock lock;
     QByteArrayList paths;
+    QByteArray cache; ///< the folder with its cache, which may be missing
 };
 
 /// The cookies, the history and the form entries of every browser profile of a freedesktop home:
