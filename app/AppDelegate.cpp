@@ -30,7 +30,8 @@ AppDelegate::~AppDelegate()
 
 void AppDelegate::applicationDidFinishLaunching()
 {
-    m_defaults = std::make_unique<UserDefaults>(m_configuration.settingsFolder, hostSystemCalls());
+    m_defaults =
+        std::make_unique<UserDefaults>(m_configuration.settingsFolder, m_configuration.calls);
     m_defaults->registerDefaults(registeredDefaults());
     m_pings = std::make_unique<PingSender>(m_configuration.pingHelper);
     sendLaunchPings(*m_defaults, *m_pings, m_configuration.addresses);
@@ -52,7 +53,7 @@ void AppDelegate::makeMainWindow()
                                        .defaults = *m_defaults,
                                        .stats = *m_pings,
                                        .workspace = *m_configuration.workspace,
-                                       .calls = hostSystemCalls(),
+                                       .calls = m_configuration.calls,
                                        .access = ResourceManager::access(),
                                        .excludedFilesChanged = m_excludedFilesChanged,
                                        .addresses = m_configuration.addresses,
@@ -114,8 +115,8 @@ PreferencesWindowController &AppDelegate::preferencesWindowController()
             return ResourceManager::checkStoredGrant() ? nullptr : &ResourceManager::access();
         };
         m_preferencesWindowController = std::make_unique<PreferencesWindowController>(
-            m_loader, PreferencesWindowController::Services{*m_defaults, hostSystemCalls(), access,
-                                                            m_excludedFilesChanged});
+            m_loader, PreferencesWindowController::Services{*m_defaults, m_configuration.calls,
+                                                            access, m_excludedFilesChanged});
     }
     return *m_preferencesWindowController;
 }

@@ -6,9 +6,11 @@
 #include "app/PingSender.h"
 #include "app/UserDefaults.h"
 #include "platform/InterfaceLoader.h"
+#include "platform/SystemCalls.h"
 #include "platform/Workspace.h"
 
 #include <QObject>
+#include <functional>
 #include <memory>
 
 class PreferencesWindowController;
@@ -28,6 +30,7 @@ public:
         Addresses addresses = buildAddresses();
         PingHelper pingHelper = PingHelper::besideTheProgram();
         std::function<QByteArray()> realHomeDirectory;
+        std::reference_wrapper<const SystemCalls> calls = hostSystemCalls(); ///< outlives it all
         std::shared_ptr<Workspace> workspace = std::make_shared<Workspace>();
         LabelController::Reader readVolume = startUpVolumeSizes;
         /// Makes the view that shows the tutorial; rich text where none is given.

@@ -70,6 +70,8 @@ public:
         m_end.request_stop();
     }
 
+    void isOnAnotherDisk(const FileUrl &url) { report({url, EXDEV}); }
+
     void cannotRead(const FileUrl &url, int error)
     {
         qCWarning(logVantor, "%s", qUtf8Printable(qt_error_string(error)));
@@ -167,7 +169,9 @@ std::optional<FileDescriptor> openSearched(const SystemCalls &calls, const FileA
     auto opened = openOnVolume(calls, *place);
     if (opened)
         return std::move(*opened);
-    if (!isMissing(calls, *place, opened.error()))
+    if (opened.error() == EXDEV)
+        search.isOnAnotherDisk(folder);
+    else if (!isMissing(calls, *place, opened.error()))
         search.cannotList(folder, opened.error());
     return std::nullopt;
 }
@@ -198,6 +202,11 @@ QByteArrayList saidTexts(const QStringList &texts)
 }
 
 } // namespace
+
+bool UnreadablePlace::isOnAnotherDisk() const
+{
+    return error == EXDEV;
+}
 
 FileUrls searchURLs(const FileUrl &homeFolder)
 {

@@ -22,6 +22,9 @@ struct UnreadablePlace
 {
     FileUrl url;
     int error = 0; ///< errno
+
+    /// It could be read, but what is there is none of the home's disk, and never cleaned.
+    bool isOnAnotherDisk() const;
 };
 
 /// What is searched, and what is left out of it.
@@ -61,7 +64,8 @@ struct SearchOutcome
 /// followed, mount points not crossed; what the query excludes is not even looked into. Deep or odd
 /// trees are no matter.
 ///
-/// A folder of the query that does not exist is passed over. Where a folder cannot be listed, that
+/// A folder of the query that does not exist is passed over; one on another disk is told of and
+/// passed over. Where a folder cannot be listed, that
 /// is logged ("URL, reason") and ends the search of the folder of the query in which it lies; a
 /// file whose status cannot be had is logged and passed over.
 ///

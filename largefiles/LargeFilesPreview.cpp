@@ -44,6 +44,7 @@ void LargeFilesWindowController::showHint()
     if (m_tableView->selectionModel()->hasSelection())
         return;
     m_imageView->setAlignment(Qt::AlignCenter);
+    m_imageView->setAccessibleName({}); // its text speaks for itself
     m_imageView->setText(m_array.rowCount() > 0
                              ? tr("Click a size to pick the file.\n\n"
                                   "Select a file and press the space bar to look inside.")
@@ -63,6 +64,7 @@ void LargeFilesWindowController::showThumbnailOfRow(int row)
     }
     const FileUrl file = m_array.fileAt(row).fileURL();
     const PictureSize size{m_imageView->size(), m_imageView->devicePixelRatioF()};
+    m_imageView->setAccessibleName(tr("Picture of %1").arg(m_array.fileAt(row).name()));
     m_imageView->setAlignment(Qt::AlignHCenter | Qt::AlignBottom); // on the name of its folder
     m_imageView->setPixmap(
         imageNamed(m_icons.imageName(file.lastPathComponent()), size.scale, size.points));

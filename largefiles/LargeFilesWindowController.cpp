@@ -109,7 +109,10 @@ void LargeFilesWindowController::connectSearch()
         showStatus();
     });
     connect(&m_search, &SearchJob::unreadable, this, [this](const UnreadablePlace &place) {
-        m_status.unreadable(place.url);
+        if (place.isOnAnotherDisk())
+            m_status.onAnotherDisk(place.url);
+        else
+            m_status.unreadable(place.url);
         showStatus();
     });
     const auto end = [this](bool ranToItsEnd) {

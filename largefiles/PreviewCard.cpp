@@ -75,7 +75,8 @@ void PreviewCard::setUpText()
     m_text->setFont(font);
     m_text->setReadOnly(true);
     m_text->setUndoRedoEnabled(false);
-    m_text->setFocusPolicy(Qt::NoFocus);
+    m_text->setFocusPolicy(Qt::TabFocus);
+    m_text->setTextInteractionFlags(Qt::TextSelectableByKeyboard | Qt::TextSelectableByMouse);
     m_text->setFrameShape(QFrame::NoFrame);
     m_text->setContextMenuPolicy(Qt::NoContextMenu);
     m_text->setVerticalScrollBar(new ThinScrollBar(Qt::Vertical, m_text));
@@ -130,6 +131,11 @@ bool PreviewCard::scrollText(int pages)
     QScrollBar &bar = *m_text->verticalScrollBar();
     bar.setValue(bar.value() + pages * bar.pageStep());
     return true;
+}
+
+QWidget *PreviewCard::textView() const
+{
+    return m_text->isVisibleTo(this) ? m_text : nullptr;
 }
 
 QString PreviewCard::title() const

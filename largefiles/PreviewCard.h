@@ -11,7 +11,7 @@ class QLabel;
 class QPlainTextEdit;
 
 /// What a preview looks like: a card with the file's name above, what is in it in the middle,
-/// and its facts below. Takes no focus. Main thread only.
+/// and its facts below. Takes no focus but for a text, to be read by keyboard. Main thread only.
 class PreviewCard final : public QWidget
 {
     Q_OBJECT
@@ -30,6 +30,9 @@ public:
     QSize contentSize() const { return contentRect().size(); }
     /// By pages down, or up for a negative number; true always.
     bool scrollText(int pages);
+
+    /// The view of the text that is shown, for the focus; null while there is none.
+    QWidget *textView() const;
 
     QString title() const;
     QString facts() const;

@@ -147,12 +147,26 @@ bool PreviewPanel::eventFilter(QObject *watched, QEvent *event)
 {
     if (watched == parentWidget() && event->type() == QEvent::Resize)
         setGeometry(parentWidget()->rect().adjusted(0, kTopMargin, 0, 0));
+    if (watched == m_card->textView() && event->type() == QEvent::KeyPress) {
+        auto *const pressed = static_cast<QKeyEvent *>(event);
+        if (pressed->key() == Qt::Key_Space) { // closes the preview; the text would scroll
+            keyPressEvent(pressed);
+            return true;
+        }
+    }
     return QWidget::eventFilter(watched, event);
 }
 
-/// There is nothing to go to but what is covered.
+/// To the text, where there is one, and back: all else is covered.
 bool PreviewPanel::focusNextPrevChild(bool)
 {
+    QWidget *const text = m_card->textView();
+    if (text && !text->hasFocus()) {
+        text->installEventFilter(this);
+        text->setFocus(Qt::TabFocusReason);
+    } else {
+        setFocus(Qt::TabFocusReason);
+    }
     return true;
 }
 

@@ -52,17 +52,22 @@ QString SearchStatus::emptyText() const
     case State::Searching:
         return tr("Looking for large files…");
     case State::Done:
-        return m_unreadable.isEmpty()
+        if (!m_unreadable.isEmpty())
+            return tr("No files over 100 MB were found\nin what could be read.");
+        return m_elsewhere.isEmpty()
                    ? tr("There are no files over 100 MB\nin your folders.")
-                   : tr("No files over 100 MB were found\nin what could be read.");
+                   : tr("There are no files over 100 MB\nin your folders on this disk.");
     }
     Q_UNREACHABLE();
 }
 
 QString SearchStatus::details() const
 {
-    QStringList shown = m_unreadable.first(qMin(kMostDetails, m_unreadable.size()));
-    if (shown.size() < m_unreadable.size())
+    QStringList shown;
+    for (const QString &folder : m_elsewhere)
+        shown << tr("%1 is on another disk, which Vantor never cleans").arg(folder);
+    shown << m_unreadable.first(qMin(kMostDetails, m_unreadable.size()));
+    if (m_unreadable.size() > kMostDetails)
         shown << QStringLiteral("…");
     return shown.join(u'\n');
 }

@@ -14,6 +14,8 @@ public:
     void begin();
     void searching(const FileUrl &folder) { m_folder = folder; }
     void unreadable(const FileUrl &place) { m_unreadable.append(place.displayPath()); }
+    /// A folder that is left out, for nothing is ever cleaned there.
+    void onAnotherDisk(const FileUrl &folder) { m_elsewhere.append(folder.displayPath()); }
     /// It ran to its end, or was ended before.
     void end(bool ranToItsEnd);
 
@@ -21,7 +23,8 @@ public:
     QString text(int fileCount) const;
     /// What stands in the list while it is empty.
     QString emptyText() const;
-    /// The places that could not be read, one a line, as many as people want to see.
+    /// The places that could not be read and the folders that were left out, one a line, as many as
+    /// people want to see.
     QString details() const;
 
 private:
@@ -32,4 +35,5 @@ private:
     State m_state = State::New;
     FileUrl m_folder;
     QStringList m_unreadable;
+    QStringList m_elsewhere;
 };

@@ -22,11 +22,17 @@ constexpr std::array kChromiumBrowsers{
 
 constexpr std::array kChromiumFiles{"Cookies", "Network/Cookies", "History", "Web Data"};
 
+struct FirefoxFolder
+{
+    const char *profiles;
+    const char *cache;
+};
 /// Plain, sandboxed one way, sandboxed the other way.
 constexpr std::array kFirefoxFolders{
-    ".mozilla/firefox",
-    ".var/app/org.mozilla.firefox/.mozilla/firefox",
-    "snap/firefox/common/.mozilla/firefox",
+    FirefoxFolder{".mozilla/firefox", ".cache/mozilla"},
+    FirefoxFolder{".var/app/org.mozilla.firefox/.mozilla/firefox",
+                  ".var/app/org.mozilla.firefox/cache"},
+    FirefoxFolder{"snap/firefox/common/.mozilla/firefox", "snap/firefox/common/.cache"},
 };
 
 /// Not "places.sqlite", the history: it holds the bookmarks too.
@@ -55,9 +61,9 @@ bool isChromiumProfile(const QByteArray &path)
 
 /// One lock guards all profiles of such a browser.
 void addChromium(std::vector<FoundProgram> &found, const HomeReader &home, const char *name,
-                 const QByteArray &folder, ProgramLock::Style style)
+                 const QByteArray &folder, ProgramLock::Style style, const QByteArray &cache)
 {
-    FoundProgram program{QString::fromLatin1(name), {style, folder}, {}};
+    FoundProgram program{QString::fromLatin1(name), {style, folder}, {}, cache};
     for (const QByteArray &profile : home.foldersMatching(folder + "/*")) {
         if (isChromiumProfile(profile))
             program.paths += databasesIn(home, profile, kChromiumFiles);
@@ -67,13 +73,16 @@ void addChromium(std::vector<FoundProgram> &found, const HomeReader &home, const
 }
 
 /// Each profile has a lock of its own.
-void addFirefox(std::vector<FoundProgram> &found, const HomeReader &home, const QByteArray &folder)
+void addFirefox(std::vector<FoundProgram> &found, const HomeReader &home,
+                const FirefoxFolder &folder)
 {
-    for (const QByteArray &profile : home.foldersMatching(folder + "/*")) {
+    for (const QByteArray &profile : home.foldersMatching(QByteArray(folder.profiles) + "/*")) {
         const QByteArrayList paths = databasesIn(home, profile, kFirefoxFiles);
         if (!paths.isEmpty())
-            found.push_back(
-                {QStringLiteral("Firefox"), {ProgramLock::Style::ParentLock, profile}, paths});
+            found.push_back({QStringLiteral("Firefox"),
+                             {ProgramLock::Style::ParentLock, profile},
+                             paths,
+                             folder.cache});
     }
 }
 
@@ -84,12 +93,22 @@ std::vector<FoundProgram> browserFiles(const HomeReader &home)
     std::vector<FoundProgram> found;
     for (const ChromiumBrowser &browser : kChromiumBrowsers) {
         addChromium(found, home, browser.name, QByteArray(".config/") + browser.folder,
-                    ProgramLock::Style::HostLink);
+                    ProgramLock::Style::HostLink, QByteArray(".cache/") + browser.folder);
         addChromium(found, home, browser.name,
                     QByteArray(".var/app/") + browser.sandbox + "/config/" + browser.folder,
-                    ProgramLock::Style::SandboxedHostLink);
+                    ProgramLock::Style::SandboxedHostLink,
+                    QByteArray(".var/app/") + browser.sandbox + "/cache");
     }
-    for (const char *folder : kFirefoxFolders)
+    for (const FirefoxFolder &folder : kFirefoxFolders)
         addFirefox(found, home, folder);
     return found;
+}
+
+QByteArray databaseOfJournal(const QByteArray &name)
+{
+    for (const QByteArrayView ending : kJournalEndings) {
+        if (name.endsWith(ending))
+            return name.chopped(ending.size());
+    }
+    return {};
 }

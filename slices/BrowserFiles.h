@@ -9,6 +9,7 @@ struct FoundProgram
     QString program;
     ProgramLock lock;
     QByteArrayList paths;
+    QByteArray cache; ///< the folder with its cache, which may be missing
 };
 
 /// The cookies, the history and the form entries of every browser profile of a freedesktop home:
@@ -16,3 +17,6 @@ struct FoundProgram
 /// database is thrown away by whoever opens it next, while a database without its journal may be
 /// broken. Bookmarks and passwords, and whatever holds them besides, are not among them.
 std::vector<FoundProgram> browserFiles(const HomeReader &home);
+
+/// The database to which a journal of this name belongs; empty for what is no journal.
+QByteArray databaseOfJournal(const QByteArray &name);

@@ -2,6 +2,7 @@
 
 #include "platform/Log.h"
 #include "slices/AnchoredFolder.h"
+#include "slices/BrowserFiles.h"
 #include "slices/RemovalCrew.h"
 
 #include <algorithm>
@@ -40,6 +41,8 @@ private:
     void clean(const CleaningLocation &location);
     void emptyFolder(const CleaningLocation &location);
     void removeFile(const CleaningLocation &location);
+    bool isJournalInNeed(const CleaningLocation &location, int folder,
+                         const QByteArray &name) const;
     bool isAsPlanned(const CleaningLocation &location, const SystemResult<FileIdentity> &found);
     void refuse(const CleaningLocation &location, RefusalReason reason, int error);
 
@@ -138,12 +141,27 @@ void Performance::removeFile(const CleaningLocation &location)
     // The name may stand for something else again; from here on it is unlinked as what it is.
     if (location.whatGoes == WhatGoes::RegularFiles && status->kind != FileKind::Regular)
         return refuse(location, RefusalReason::NotAFile, 0);
+    if (isJournalInNeed(location, folder->get(), name))
+        return;
     const Protection protection(m_plan, location, identity->device);
     const RemovalSteps steps(m_calls, protection, m_ledger, EntryOrder::AsListed);
     const QByteArray path = location.url.path();
     Remover(steps, m_stop)
         .removeListed({folder->get(), path.first(path.size() - name.size()), Care::Logged},
                       FolderListing::ofEntry({name.constData(), status->inode, status->kind}));
+}
+
+/// What a database stands for is lost with its journal. It comes first: where it is still there it
+/// was kept, refused or could not be removed, and that has been told.
+bool Performance::isJournalInNeed(const CleaningLocation &location, int folder,
+                                  const QByteArray &name) const
+{
+    const QByteArray database =
+        location.whatGoes == WhatGoes::RegularFiles ? databaseOfJournal(name) : QByteArray();
+    if (database.isEmpty())
+        return false;
+    const auto found = m_calls.status(folder, database.constData());
+    return found || found.error() != ENOENT;
 }
 
 bool Performance::isAsPlanned(const CleaningLocation &location,

@@ -14,7 +14,8 @@ struct CleaningFailure
 };
 
 /// What a cleaning did. Whatever was planned and still exists is kept by an exclusion, named in one
-/// of the two lists, lies below a folder named there or is the trash's record of such an item;
+/// of the two lists, lies below a folder named there or belongs to such an item, as its
+/// record in the trash or as its journal;
 /// beyond a bound the lists only count.
 struct CleaningReport
 {
@@ -44,9 +45,10 @@ using InUseCheck = std::function<bool(const CleaningLocation &)>;
 /// Removes for good what the plan says and nothing else: never through a link, never on another
 /// file system, never anything excluded, and nothing of a folder that could not be listed wholly.
 /// Rights are never changed, but for read-only folders inside a place whose plan says so, which are
-/// the user's own. A place that is in use when its turn comes stays. Goes on after a failure; looks
-/// at the stop token before every item. Runs on the caller's thread, with a second one where the
-/// disk gains by it, and writes the log lines of the cleaning. Blocks: not for the main thread.
+/// the user's own, and have them back where they stay. A place that is in use when its turn comes
+/// stays. Goes on after a failure; looks at the stop token before every item. Runs on the caller's
+/// thread, with a second one where the disk gains by it, and writes the log lines of the cleaning.
+/// Blocks: not for the main thread.
 CleaningReport performCleaning(const SystemCalls &calls, const CleaningPlan &plan,
                                std::stop_token stop, CleaningObserver *observer = nullptr,
                                const InUseCheck &isInUse = {});

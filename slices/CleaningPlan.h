@@ -17,7 +17,9 @@ enum class CleaningMode {
 /// What of a slice's places may go.
 enum class WhatGoes {
     Everything,
-    RegularFiles, ///< of the very files: whatever else bears such a name stays
+    /// Of the very files: whatever else bears such a name stays, and a database's journal for as
+    /// long as the database does.
+    RegularFiles,
     /// Of a trash's folder "info": the record "X.trashinfo", which says where X came from, stays
     /// for as long as X is in the folder "files" beside it.
     LoneRecords,

@@ -78,6 +78,15 @@ QString withoutText(const Info &record, const ProgramsOfSlice &programs)
     return text.arg(stringFromByteCount(record.fileSize()), enumerated(names));
 }
 
+/// The folder, where the slice's name does not say which it is.
+QString downloadsText(const Info &record, const ConfirmationDetails &details)
+{
+    const bool areDownloads = sliceKindNamed(record.name()) == SliceKind::Downloads;
+    return areDownloads && !details.nameOfDownloads.isEmpty()
+               ? tr(" (the folder “%1”)").arg(details.nameOfDownloads)
+               : QString();
+}
+
 /// The first lines, and how many there are besides.
 QString shortened(const QStringList &lines)
 {
@@ -91,12 +100,13 @@ QString shortened(const QStringList &lines)
 } // namespace
 
 QString confirmationText(const std::vector<std::shared_ptr<Info>> &records,
-                         const ProgramsOfSlice &programs)
+                         const ConfirmationDetails &details)
 {
     QString list = tr("You have chosen to delete these slices:\n");
     for (const auto &record : records) {
         if (record->isOn())
-            list += QStringLiteral("• %1\n").arg(record->name() + withoutText(*record, programs));
+            list += QStringLiteral("• %1\n").arg(record->name() + downloadsText(*record, details) +
+                                                 withoutText(*record, details.programs));
     }
     return list + u'\n' +
            tr("Are you sure you want to permanently erase the items you’ve selected and that are "

@@ -14,10 +14,18 @@ struct CleaningReport;
 /// The programs that keep something of a slice because they are in use.
 using ProgramsOfSlice = std::function<QStringList(SliceKind)>;
 
+/// What a confirmation tells of the slices besides their names.
+struct ConfirmationDetails
+{
+    ProgramsOfSlice programs;
+    QString nameOfDownloads; ///< the folder that is emptied; empty where it has the slice's name
+};
+
 /// What the user is asked before a cleaning: the slices that are on, and the warning. Where a
-/// program in use keeps its files, the slice's size without them.
+/// program in use keeps its files, the slice's size without them, and
+/// the folder of Downloads where it is called otherwise.
 QString confirmationText(const std::vector<std::shared_ptr<Info>> &records,
-                         const ProgramsOfSlice &programs = {});
+                         const ConfirmationDetails &details = {});
 
 /// What a slice's description adds while programs keep something of it; empty without any.
 QString inUseText(const QStringList &programs);

@@ -119,10 +119,18 @@ bool FreeSpaceViewController::offersReveal(int index) const
     case SliceKind::MailDownloads:
         return true;
     case SliceKind::OldIos:
-        return !existingPlaces(*m_selection.records().at(index)).isEmpty();
+        return hasPlaces(*m_selection.records().at(index));
     default:
         return false;
     }
+}
+
+/// Asked at every move onto a slice: of a home that was looked at, all places are there.
+bool FreeSpaceViewController::hasPlaces(const Info &info) const
+{
+    if (m_home.layout.kind() == HomeKind::Freedesktop)
+        return !info.fileURLs().value_or(FileUrls()).isEmpty();
+    return !existingPlaces(info).isEmpty();
 }
 
 FileUrls FreeSpaceViewController::existingPlaces(const Info &info) const
@@ -209,7 +217,8 @@ void FreeSpaceViewController::askForConfirmation()
                       .messageText = tr("Deleting Files"),
                       .informativeText =
                           confirmationText(m_selection.records(),
-                                           [this](SliceKind kind) { return programsInUse(kind); }),
+                                           {[this](SliceKind kind) { return programsInUse(kind); },
+                                            m_home.layout.nameOfDownloads()}),
                       .buttons = {{tr("Cancel"), AlertButtonRole::Cancel},
                                   {tr("Delete Files"), AlertButtonRole::Destructive}}};
     presentAlert(*view(), alert, [this](int button) {

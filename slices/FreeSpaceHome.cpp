@@ -20,9 +20,9 @@ void FreeSpaceViewController::rebuildRecords()
     if (kind != HomeKind::Freedesktop)
         return;
     m_looking.run([this, &calls = m_services.calls, &access = m_services.access, home,
-                   environment = HomeEnvironment::ofThisProcess()](const std::stop_token &) {
+                   environment = HomeEnvironment::ofThisProcess()](const std::stop_token &stop) {
         const AccessScope scope(access);
-        const HomeLayout layout = surveyHome(calls, access, home, environment);
+        const HomeLayout layout = surveyHome(calls, access, home, environment, stop);
         const HomeFindings findings{layout, ProgramsInUse::find(calls, access, layout)};
         return [this, findings] { homeWasFound(findings); };
     });
@@ -53,6 +53,9 @@ void FreeSpaceViewController::place(const HomeFindings &findings)
 void FreeSpaceViewController::homeWasFound(const HomeFindings &findings)
 {
     place(findings);
+    // What was excluded meanwhile was heard by slices without places.
+    m_selection.applyExclusions();
+    m_selection.updateSelectedSlicesUserDefaults();
     if (!m_isShown)
         return; // shown when it appears
     m_pieChart->reloadData();

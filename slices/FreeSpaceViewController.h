@@ -114,6 +114,7 @@ private:
     void programsWereFound(const ProgramsInUse &inUse);
     QStringList programsInUse(SliceKind kind) const;
     bool offersReveal(int index) const;
+    bool hasPlaces(const Info &info) const;
     FileUrls existingPlaces(const Info &info) const;
     bool exists(const FileUrl &url) const;
     std::optional<ExcludedPaths> knownExclusions() const;

@@ -176,6 +176,10 @@ void FreedesktopSurvey::addBrowserData()
             files.append(m_home.appending(path, FileUrlKind::File));
         }
         all += files;
+        // A sandbox's cache is a location of its own, and stays with the files.
+        const FileUrl cache = folderUrl(found.cache);
+        if (m_places.locations[indexOf(SliceKind::Cache)].contains(cache))
+            files.append(cache);
         m_places.programs.push_back({found.program, found.lock, files});
     }
 }

@@ -37,6 +37,15 @@ std::optional<FileUrls> HomeLayout::locations(SliceKind kind) const
     return m_places.locations[indexOf(kind)];
 }
 
+QString HomeLayout::nameOfDownloads() const
+{
+    const FileUrls places = locations(SliceKind::Downloads).value_or(FileUrls());
+    if (m_kind != HomeKind::Freedesktop || places.isEmpty())
+        return {};
+    const QByteArray path = places.constFirst().path().sliced(m_home.path().size() + 1);
+    return path == "Downloads" ? QString() : QString::fromUtf8(path);
+}
+
 QString HomeLayout::details(SliceKind kind) const
 {
     if (m_kind == HomeKind::Freedesktop) {
@@ -55,7 +64,9 @@ QString HomeLayout::details(SliceKind kind) const
             break;
         }
     }
-    return QString::fromUtf16(sliceCatalogue()[indexOf(kind)].details);
+    const QString details = QString::fromUtf16(sliceCatalogue()[indexOf(kind)].details);
+    const QString downloads = kind == SliceKind::Downloads ? nameOfDownloads() : QString();
+    return downloads.isEmpty() ? details : details + tr(" It is called “%1”.").arg(downloads);
 }
 
 FileUrl HomeLayout::trashFolder() const

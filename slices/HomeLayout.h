@@ -64,6 +64,9 @@ public:
     std::optional<FileUrls> locations(SliceKind kind) const;
     /// The slice's description, which names the programs of this kind of home.
     QString details(SliceKind kind) const;
+    /// The folder that the slice Downloads stands for, as people read it, relative to the home;
+    /// empty where it has the slice's own name, or there is none.
+    QString nameOfDownloads() const;
     /// The folders in which large files are looked for, none inside another. Empty for the fixed
     /// layout, whose folders the search knows.
     const FileUrls &searchFolders() const { return m_places.searchFolders; }

@@ -38,8 +38,9 @@ SystemResult<QByteArray> readToTheEnd(const SystemCalls &calls, int file, std::s
 
 } // namespace
 
-HomeReader::HomeReader(const SystemCalls &calls, std::shared_ptr<const FileDescriptor> home)
-    : m_calls(calls), m_home(std::move(home)), m_space(kListingSpace)
+HomeReader::HomeReader(const SystemCalls &calls, std::shared_ptr<const FileDescriptor> home,
+                       std::stop_token stop)
+    : m_calls(calls), m_home(std::move(home)), m_stop(std::move(stop)), m_space(kListingSpace)
 {
 }
 
@@ -71,7 +72,9 @@ std::vector<HomeReader::Identity> HomeReader::identitiesOnTheWay(const QByteArra
 
 QByteArrayList HomeReader::foldersMatching(const QByteArray &pattern) const
 {
-    QByteArrayList found{QByteArray()};
+    QByteArrayList found;
+    if (!m_stop.stop_requested())
+        found.append(QByteArray());
     for (const QByteArray &component : pattern.split('/')) {
         QByteArrayList deeper;
         for (const QByteArray &folder : found)
@@ -121,7 +124,7 @@ SystemResult<QByteArray> HomeReader::contentOf(const QByteArray &path, std::size
 
 SystemResult<FileDescriptor> HomeReader::open(const QByteArray &path) const
 {
-    return openAnchored(m_calls, {m_home, path}, Descent::Strict);
+    return openOnVolume(m_calls, {m_home, path});
 }
 
 SystemResult<FileStatus> HomeReader::statusOf(const QByteArray &path) const
@@ -137,6 +140,8 @@ SystemResult<FileStatus> HomeReader::statusOf(const QByteArray &path) const
 QByteArrayList HomeReader::foldersIn(const QByteArray &path) const
 {
     QByteArrayList found;
+    if (m_stop.stop_requested())
+        return found;
     const auto folder = open(path);
     if (!folder)
         return found;

@@ -4,6 +4,7 @@
 #include "slices/FolderListing.h"
 
 #include <QByteArrayList>
+#include <stop_token>
 
 /// Looks into a granted home, to find out which of the places that programs use are there. Goes
 /// down from the home's descriptor, never through a link and never onto another file system. What
@@ -12,8 +13,10 @@
 class HomeReader final
 {
 public:
-    /// `home` is the granted folder, open. The calls must outlive the reader.
-    HomeReader(const SystemCalls &calls, std::shared_ptr<const FileDescriptor> home);
+    /// `home` is the granted folder, open. The calls must outlive the reader. Once the token says
+    /// stop, nothing matches any more: what was found then is good for nothing.
+    HomeReader(const SystemCalls &calls, std::shared_ptr<const FileDescriptor> home,
+               std::stop_token stop = {});
 
     /// What a folder is, whatever its name.
     struct Identity
@@ -50,5 +53,6 @@ private:
 
     const SystemCalls &m_calls;
     std::shared_ptr<const FileDescriptor> m_home;
+    std::stop_token m_stop;
     mutable std::vector<char> m_space;
 };

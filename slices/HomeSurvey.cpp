@@ -31,7 +31,7 @@ HomeKind homeKind(const SystemCalls &calls, const FileAccess &access, const File
 
 /// The access is asked once: it may be gone, or lead elsewhere, the next time.
 HomeLayout surveyHome(const SystemCalls &calls, const FileAccess &access, const FileUrl &home,
-                      const HomeEnvironment &environment)
+                      const HomeEnvironment &environment, const std::stop_token &stop)
 {
     const std::optional<AnchoredPath> place = access.anchoredPath(home);
     const HomeKind kind = kindOf(calls, place);
@@ -39,6 +39,7 @@ HomeLayout surveyHome(const SystemCalls &calls, const FileAccess &access, const 
         return {};
     if (kind == HomeKind::Library)
         return HomeLayout::withLibrary(home);
-    const HomeReader reader(calls, place->anchor);
-    return HomeLayout::freedesktop(home, FreedesktopSurvey(reader, home, environment).places());
+    const HomeReader reader(calls, place->anchor, stop);
+    HomeLayout::Places places = FreedesktopSurvey(reader, home, environment).places();
+    return stop.stop_requested() ? HomeLayout() : HomeLayout::freedesktop(home, std::move(places));
 }

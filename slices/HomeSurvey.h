@@ -4,6 +4,8 @@
 #include "slices/FileAccess.h"
 #include "slices/HomeLayout.h"
 
+#include <stop_token>
+
 /// What the environment says about where programs keep things. It may add a trash and a cache, if
 /// they are below the home and look like one; it can change nothing else.
 struct HomeEnvironment
@@ -25,6 +27,7 @@ HomeKind homeKind(const SystemCalls &calls, const FileAccess &access, const File
 /// folders: not for the main thread. The caller holds the access.
 ///
 /// Whatever is found lies strictly below the home, with no link on the way, and no location lies in
-/// another. Unknown, with no place at all, where homeKind() is.
+/// another. Unknown, with no place at all, where homeKind() is, and when it
+/// was told to stop.
 HomeLayout surveyHome(const SystemCalls &calls, const FileAccess &access, const FileUrl &home,
-                      const HomeEnvironment &environment);
+                      const HomeEnvironment &environment, const std::stop_token &stop = {});

@@ -12,9 +12,11 @@ void place(Info &record, const FileUrls &places)
 
 bool hasPrograms(const HomeLayout &layout, const FileUrls &locations)
 {
+    const auto isLocation = [&](const FileUrl &place) { return locations.contains(place); };
     return std::any_of(
-        layout.programs().begin(), layout.programs().end(),
-        [&](const ProgramFiles &program) { return locations.contains(program.places.value(0)); });
+        layout.programs().begin(), layout.programs().end(), [&](const ProgramFiles &program) {
+            return std::any_of(program.places.begin(), program.places.end(), isLocation);
+        });
 }
 
 } // namespace

@@ -22,6 +22,7 @@ struct RemovalCrew::SharedFolder
     FileDescriptor owned;
     HeldFolder held;
     FolderListing listing;
+    std::optional<std::uint16_t> formerRights;
     std::atomic<std::size_t> openWork = 1; ///< jobs, folders inside, and whoever sets it up
     std::atomic<bool> stays = false;
 
@@ -103,6 +104,7 @@ void RemovalCrew::Worker::enter(const Job &job)
     folder->owned = std::move(entered->descriptor);
     folder->held = {folder->owned.get(), spot.path() + '/', job.inside};
     folder->stays = job.inside == Care::Judged;
+    folder->formerRights = entered->formerRights;
     if (m_crew.m_aliveFolders++ < kMostFolders) {
         folder->listing = std::move(entered->listing);
         share(folder);
@@ -192,6 +194,7 @@ void RemovalCrew::release(FolderPointer folder)
 {
     while (--folder->openWork == 0 && folder->around) {
         const FolderPointer around = folder->around;
+        m_steps.giveBack(folder->held.descriptor, folder->formerRights);
         folder->owned.reset();
         --m_aliveFolders;
         if (folder->stays || m_stop.stop_requested() ||

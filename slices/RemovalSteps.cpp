@@ -50,26 +50,48 @@ tl::expected<EnteredFolder, RemovalSteps::Fate> RemovalSteps::enter(const Spot &
         return tl::unexpected(refused(spot, RefusalReason::OtherFileSystem, EXDEV));
     if (m_protection.keepsInode(status->inode))
         return tl::unexpected(Fate::Stays);
-    makeWritable(spot, opened->get(), *status);
     auto listing = list(opened->get(), space);
     if (!listing)
         return tl::unexpected(refused(spot, RefusalReason::PartlyListed, listing.error()));
-    return EnteredFolder{std::move(*opened), status->inode, std::move(*listing)};
+    const auto formerRights = makeWritable(spot, opened->get(), *status, *listing);
+    return EnteredFolder{std::move(*opened), status->inode, std::move(*listing), formerRights};
 }
 
-/// By the descriptor: the name may stand for another folder by now. A folder on the way to what is
-/// kept stays, and so do its rights. Where it is refused, the removals inside fail and say so.
-void RemovalSteps::makeWritable(const Spot &spot, int folder, const FileStatus &status) const
+/// By the descriptor: the name may stand for another folder by now. Where it is refused, the
+/// removals inside fail and say so.
+std::optional<std::uint16_t> RemovalSteps::makeWritable(const Spot &spot, int folder,
+                                                        const FileStatus &status,
+                                                        const FolderListing &listing) const
 {
     constexpr unsigned kAllOfTheOwners = 0700;
     if (m_protection.readOnlyFolders() == ReadOnlyFolders::Stay ||
-        !isOwnAndReadOnly(status, m_calls.actingUser()))
-        return;
+        !isOwnAndReadOnly(status, m_calls.actingUser()) || !mayMakeWritable(spot, status, listing))
+        return std::nullopt;
+    const auto changed = m_calls.setPermissions(
+        folder, static_cast<std::uint16_t>(status.permissions | kAllOfTheOwners));
+    return changed ? std::optional(status.permissions) : std::nullopt;
+}
+
+/// A folder on the way to what is kept stays, and so do its rights. And one that has left its place
+/// since it was opened was put back by the user: it is none of ours any more.
+bool RemovalSteps::mayMakeWritable(const Spot &spot, const FileStatus &status,
+                                   const FolderListing &listing) const
+{
     if (m_protection.isTouched() &&
         m_protection.sparing(spot.path(), FileKind::Folder) != Sparing::None)
-        return;
-    m_calls.setPermissions(folder,
-                           static_cast<std::uint16_t>(status.permissions | kAllOfTheOwners));
+        return false;
+    for (std::size_t i = 0; i < listing.size(); ++i) {
+        if (m_protection.keepsInode(listing.at(i).inode))
+            return false;
+    }
+    const auto found = m_calls.status(spot.folder, spot.name);
+    return found && found->device == status.device && found->inode == status.inode;
+}
+
+void RemovalSteps::giveBack(int folder, std::optional<std::uint16_t> formerRights) const
+{
+    if (formerRights)
+        m_calls.setPermissions(folder, *formerRights);
 }
 
 SystemResult<FolderListing> RemovalSteps::list(int folder, std::span<char> space) const

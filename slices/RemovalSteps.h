@@ -4,6 +4,8 @@
 #include "slices/FolderListing.h"
 #include "slices/Protection.h"
 
+#include <optional>
+
 /// What happens to the entries of a folder that is being emptied.
 enum class Care {
     Removed, ///< all go; nothing that is kept lies below by its path
@@ -30,6 +32,8 @@ struct EnteredFolder
     FileDescriptor descriptor;
     std::uint64_t inode = 0;
     FolderListing listing;
+    /// What it had before it was given the right to be emptied; nothing where nothing was changed.
+    std::optional<std::uint16_t> formerRights;
 };
 
 /// The single steps of a removal, and the only place in the program that unlinks. Every step works
@@ -68,6 +72,10 @@ public:
     /// Opens the folder around an open one, which must have this inode number.
     SystemResult<FileDescriptor> back(int folder, std::uint64_t inode) const;
 
+    /// Gives a folder back the rights that enter() took; before it is removed, for somebody may
+    /// have put it elsewhere meanwhile, and also where something stays in it.
+    void giveBack(int folder, std::optional<std::uint16_t> formerRights) const;
+
     /// Removes a folder that should be empty by now.
     Fate removeFolder(const Spot &spot) const;
 
@@ -75,7 +83,11 @@ public:
     void abandon(const QByteArray &path, int error) const;
 
 private:
-    void makeWritable(const Spot &spot, int folder, const FileStatus &status) const;
+    std::optional<std::uint16_t> makeWritable(const Spot &spot, int folder,
+                                              const FileStatus &status,
+                                              const FolderListing &listing) const;
+    bool mayMakeWritable(const Spot &spot, const FileStatus &status,
+                         const FolderListing &listing) const;
     Fate removeFile(const Spot &spot) const;
     Fate settled(const SystemResult<void> &answer, const Spot &spot) const;
     Fate refused(const Spot &spot, RefusalReason reason, int error) const;

@@ -20,7 +20,7 @@ bool Remover::removeListed(const HeldFolder &folder, FolderListing listing)
     m_path = folder.path;
     m_firstOpen = 1;
     m_levels.clear();
-    m_levels.push_back({{}, 0, std::move(listing), 0, m_path.size(), folder.care, false});
+    m_levels.push_back({{}, 0, std::move(listing), 0, m_path.size(), folder.care, false, {}});
     const auto isDone = [this] {
         return m_levels.size() == 1 && m_levels.front().next == m_levels.front().listing.size();
     };
@@ -29,6 +29,7 @@ bool Remover::removeListed(const HeldFolder &folder, FolderListing listing)
             break;
         step();
     }
+    leaveAll();
     const bool isAllGone = isDone() && !m_levels.front().stays;
     m_levels.clear();
     return isAllGone;
@@ -62,7 +63,7 @@ void Remover::enter(const Spot &spot, Care care)
     m_path += '/';
     const bool isOnTheWay = care == Care::Judged;
     m_levels.push_back({std::move(entered->descriptor), entered->inode, std::move(entered->listing),
-                        0, m_path.size(), care, isOnTheWay});
+                        0, m_path.size(), care, isOnTheWay, entered->formerRights});
     closeOuterLevel();
 }
 
@@ -72,11 +73,21 @@ void Remover::leave()
     m_levels.pop_back();
     Level &outer = m_levels.back();
     m_path.truncate(outer.pathSize);
+    m_steps.giveBack(inner.descriptor.get(), inner.formerRights);
     if (!reopen(outer, inner))
         return;
     inner.descriptor.reset();
     if (inner.stays || m_steps.removeFolder(spotIn(outer, outer.next - 1)) == Fate::Stays)
         outer.stays = true;
+}
+
+/// The cleaning was stopped, or is at its end anyway.
+void Remover::leaveAll()
+{
+    while (m_levels.size() > 1) {
+        m_levels.back().stays = true;
+        leave();
+    }
 }
 
 bool Remover::reopen(Level &level, const Level &inner)

@@ -21,6 +21,7 @@ public:
     Remover(const RemovalSteps &steps, std::stop_token stop);
 
     /// Removes what the listing names in the folder, with all that it holds. Whether all is gone.
+    /// Stops before the next entry; the folders on the way down have their own rights again then.
     bool removeListed(const HeldFolder &folder, FolderListing listing);
 
 private:
@@ -34,11 +35,13 @@ private:
         qsizetype pathSize = 0;
         Care care = Care::Removed;
         bool stays = false; ///< something in it was left, or it is on the way to what is kept
+        std::optional<std::uint16_t> formerRights;
     };
 
     void step();
     void enter(const Spot &spot, Care care);
     void leave();
+    void leaveAll();
     bool reopen(Level &level, const Level &inner);
     void abandonClosedLevels(int error);
     void closeOuterLevel();

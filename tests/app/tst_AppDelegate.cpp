@@ -3,6 +3,7 @@
 #include "app/SettingsKeys.h"
 #include "prefs/ColorWindow.h"
 #include "prefs/PreferencesWindowController.h"
+#include "tests/support/ForwardingSystemCalls.h"
 #include "tests/support/GuiTestMain.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/RecordingServer.h"
@@ -12,6 +13,7 @@
 
 #include <QDir>
 #include <QTimer>
+#include <cerrno>
 
 /// The start of the program, with a server of the test's own in place of the maker's pages.
 class TestAppDelegate final : public QObject
@@ -23,6 +25,7 @@ private Q_SLOTS:
     void cleanup();
 
     void reportsTheFirstLaunchAndTheLaunch();
+    void worksWithTheCallsItIsGiven();
     void reportsLaterLaunchesOnce();
     void startsWithoutNetwork();
     void showsTheWindowAndSaysSo();
@@ -39,6 +42,7 @@ private:
     std::unique_ptr<ScratchFolder> m_folder;
     std::unique_ptr<RecordingServer> m_server;
     Addresses m_addresses;
+    ForwardingSystemCalls m_calls;
     std::unique_ptr<AppDelegate> m_application;
 };
 
@@ -54,6 +58,7 @@ void TestAppDelegate::init()
 void TestAppDelegate::cleanup()
 {
     m_application.reset();
+    m_calls.setHook({});
     m_server.reset();
     m_folder.reset();
 }
@@ -65,6 +70,7 @@ void TestAppDelegate::start()
     AppDelegate::Configuration configuration;
     configuration.settingsFolder = QFile::decodeName(m_folder->path("settings"));
     configuration.addresses = m_addresses;
+    configuration.calls = m_calls;
     configuration.pingHelper.program.clear();
     configuration.realHomeDirectory = [] { return QByteArray("/home/anna"); };
     m_application = std::make_unique<AppDelegate>(std::move(configuration));
@@ -86,6 +92,15 @@ void TestAppDelegate::reportsTheFirstLaunchAndTheLaunch()
     QVERIFY(log.lines().contains(QStringLiteral("Here")));
     QVERIFY(m_application->defaults().boolean(VNTHasLaunchedBeforeString));
     QTRY_COMPARE(pathsAsked(), QStringList({QStringLiteral("/first"), QStringLiteral("/launch")}));
+}
+
+/// Nothing of the machine reaches a run that has calls of its own.
+void TestAppDelegate::worksWithTheCallsItIsGiven()
+{
+    m_calls.setHook([](int, std::string_view) { return EIO; });
+    start();
+    QVERIFY(m_calls.callCount() > 0);
+    QVERIFY(!m_application->defaults().exclusionsAreKnown());
 }
 
 void TestAppDelegate::reportsLaterLaunchesOnce()

@@ -14,6 +14,7 @@ void JourneyFixture::start(Tutorial tutorial)
     quit();
     ResourceManagerReset::beginRun();
     AppDelegate::Configuration configuration;
+    configuration.calls = m_calls;
     configuration.settingsFolder = QFile::decodeName(m_place.path("settings"));
     configuration.realHomeDirectory = [this] { return m_home.path(); };
     configuration.pingHelper.program.clear();

@@ -1,7 +1,9 @@
 #include "largefiles/FreshSizes.h"
+#include "tests/largefiles/Gate.h"
 #include "tests/largefiles/SearchKit.h"
 #include "tests/support/TestMain.h"
 
+#include <QDir>
 #include <QTest>
 
 class FreshSizesTest final : public QObject
@@ -41,6 +43,29 @@ private Q_SLOTS:
             sizes.read({fileIn(home, "Movies/a")},
                        [&answered, question](const QList<qint64> &) { answered.append(question); });
         QTRY_COMPARE(answered, QList<int>{19});
+    }
+
+    void aDiskThatHangsHoldsUpOneThread()
+    {
+        const MadeTree home;
+        HomeAccess access(home);
+        make(home, {"Movies/", "Movies/a", "Movies/b"});
+        Gate gate("a");
+        FreshSizes sizes(gate.calls, access);
+        sizes.read({fileIn(home, "Movies/a")}, [](const QList<qint64> &) {});
+        gate.awaitArrival();
+        const auto threads = [] {
+            return QDir(QStringLiteral("/proc/self/task")).entryList(QDir::AllDirs).size();
+        };
+        const auto before = threads();
+        QList<qint64> answer;
+        for (int question = 0; question < 20; ++question)
+            sizes.read({fileIn(home, "Movies/b")},
+                       [&answer](const QList<qint64> &read) { answer += read; });
+        const auto during = threads();
+        gate.open();
+        QCOMPARE(during, before);
+        QTRY_COMPARE(answer, QList<qint64>{kLarge});
     }
 
     void nobodyIsAnsweredWhenItIsGone()

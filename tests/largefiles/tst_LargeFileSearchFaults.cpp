@@ -1,7 +1,8 @@
-#include "tests/support/Administrator.h"
 #include "tests/largefiles/SearchKit.h"
+#include "tests/support/Administrator.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/LogRecorder.h"
+#include "tests/support/OwnMounts.h"
 #include "tests/support/TestMain.h"
 #include "tests/support/WatchedSystemCalls.h"
 
@@ -65,6 +66,7 @@ class TestLargeFileSearchFaults final : public QObject
 private Q_SLOTS:
     void keepsAnErrorToItsFolder();
     void passesAFileOverWhoseStatusIsRefused();
+    void passesAFolderOnAnotherDiskOver();
     void tellsWhatAUserCannotRead();
     void toleratesAFolderThatVanishes();
     void toleratesAFileThatVanishes();
@@ -104,6 +106,27 @@ void TestLargeFileSearchFaults::passesAFileOverWhoseStatusIsRefused()
     QCOMPARE(sorted(record.files), others);
     QCOMPARE(record.failures, QByteArrayList{"Movies/early/b: " + QByteArray::number(EIO)});
     QCOMPARE(log.lines(), QStringList{qt_error_string(EIO)});
+}
+
+void TestLargeFileSearchFaults::passesAFolderOnAnotherDiskOver()
+{
+    VANTOR_NEEDS_ADMINISTRATOR();
+    MadeTree home;
+    grow(home);
+    const QByteArray text =
+        runInChild(ChildUser::Same, [&] {
+            const OwnMounts mounts(home);
+            mounts.mountMemory("Movies");
+            home.makeFile("Movies/far", kLarge);
+            SearchRecord record(home);
+            const LogRecorder log;
+            search(hostSystemCalls(), home, record);
+            const QByteArray said = record.files.join(',') + '|' + record.failures.join(',') + '|' +
+                                    log.lines().join(u',').toUtf8();
+            std::fputs(mounts.areMade() ? said.constData() : "not made", stderr);
+            return 0;
+        }).errorText;
+    QCOMPARE(text, "Desktop/a,Music/d|Movies: " + QByteArray::number(EXDEV) + '|');
 }
 
 void TestLargeFileSearchFaults::tellsWhatAUserCannotRead()

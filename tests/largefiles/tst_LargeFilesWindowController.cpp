@@ -63,6 +63,13 @@ struct Sheet
     {
         QTest::mouseClick(controller.tableView()->viewport(), Qt::LeftButton, {}, buttonOf(row));
     }
+    QImage pictureOfButton(int row) const
+    {
+        const QuickLookTableView &table = *controller.tableView();
+        return table.viewport()
+            ->grab(FileTableCellView::addButtonRect(table.visualRect(table.model()->index(row, 0))))
+            .toImage();
+    }
     QString addTitle() const { return controller.addButton()->attributedTitle().string(); }
 
     const QList<std::pair<QByteArray, off_t>> files{{"Movies/summer.mkv", 300'000'000},
@@ -129,7 +136,48 @@ private Q_SLOTS:
         Sheet sheet;
         QVERIFY(QFile::remove(QFile::decodeName(sheet.folder.path("Movies/disk.iso"))));
         sheet.pressButtonOf(1);
+        QCOMPARE(sheet.controller.selectedURLs().size(), 1);
         QTRY_COMPARE(sheet.addTitle(), QStringLiteral("Add Zero KB"));
+    }
+
+    void cancelMakesEveryButtonBlueAgain()
+    {
+        Sheet sheet;
+        QList<QImage> blue;
+        for (const int row : {0, 1, 2}) {
+            blue.append(sheet.pictureOfButton(row));
+            sheet.controller.addButtonPressed(row);
+            QVERIFY(sheet.pictureOfButton(row) != blue.constLast());
+        }
+        sheet.controller.cancel();
+        QTRY_VERIFY(sheet.isDone);
+        for (const int row : {0, 1, 2})
+            QCOMPARE(sheet.pictureOfButton(row), blue.at(row));
+    }
+
+    void thePreviewLeavesTheSheetItsKeys()
+    {
+        Sheet sheet;
+        const QuickLookTableView &table = *sheet.controller.tableView();
+        const auto press = [&](Qt::Key key) {
+            QTest::keyClick(sheet.host.window.windowHandle(), key);
+        };
+        press(Qt::Key_Down);
+        press(Qt::Key_Space);
+        QVERIFY(sheet.controller.previewPanel()->isVisible());
+        press(Qt::Key_Down);
+        QCOMPARE(table.selectedRows(), QList<int>{1});
+        press(Qt::Key_Return);
+        QVERIFY(sheet.controller.array().fileAt(1).isAdded());
+        QVERIFY(sheet.controller.previewPanel()->isVisible());
+        press(Qt::Key_Escape);
+        QVERIFY(!sheet.controller.previewPanel()->isVisible());
+        QVERIFY(table.hasFocus());
+        QVERIFY(!sheet.isDone);
+        QCOMPARE(sheet.controller.selectedURLs().size(), 1);
+        press(Qt::Key_Escape);
+        QTRY_VERIFY(sheet.isDone);
+        QVERIFY(sheet.controller.selectedURLs().isEmpty());
     }
 
     void cancelDropsThreePicks()
@@ -193,7 +241,13 @@ private Q_SLOTS:
         sheet.controller.tableView()->selectRow(0);
         QVERIFY(shown.wait());
         QCOMPARE(sheet.controller.imageView()->pixmap().size(), QSize(220, 220));
+        const auto spoken = [&] {
+            return QAccessible::queryAccessibleInterface(sheet.controller.imageView())
+                ->text(QAccessible::Name);
+        };
+        QCOMPARE(spoken(), QStringLiteral("Picture of summer.mkv"));
         sheet.controller.tableView()->clearSelection();
+        QVERIFY(spoken().startsWith(QStringLiteral("Click a size")));
         QVERIFY(sheet.controller.imageView()->pixmap().isNull());
         sheet.controller.tableView()->selectRow(1);
         sheet.controller.deleteData();

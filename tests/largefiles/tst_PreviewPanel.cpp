@@ -9,6 +9,7 @@
 #include <QAbstractButton>
 #include <QPainter>
 #include <QPdfWriter>
+#include <QPlainTextEdit>
 #include <QStringListModel>
 
 /// A table of files and a panel that previews its selected rows.
@@ -176,6 +177,40 @@ private Q_SLOTS:
         QCOMPARE(content.kind, PreviewContent::Kind::Text);
         QCOMPARE(content.text.size(), kPreviewedText);
         QVERIFY(content.isCut);
+    }
+
+    void aTextIsReachedWithTheTabKey()
+    {
+        Files files({QStringLiteral("log.txt"), QStringLiteral("film.mkv")});
+        files.write("log.txt", QByteArray("line\n").repeated(2000));
+        files.write("film.mkv", QByteArray("\0\1\2\3", 4));
+        files.table.selectRow(0);
+        files.press(Qt::Key_Space);
+        files.press(Qt::Key_Tab); // nothing is there yet
+        QVERIFY(files.panel.hasFocus());
+        files.shown();
+        auto *const text = files.panel.findChild<QPlainTextEdit *>();
+        files.press(Qt::Key_Tab);
+        QVERIFY(text->hasFocus());
+        files.press(Qt::Key_Down);
+        QCOMPARE(text->textCursor().blockNumber(), 1);
+        QCOMPARE(files.table.selectedRows(), QList<int>{0});
+        files.press(Qt::Key_Backtab);
+        QVERIFY(files.panel.hasFocus());
+        files.press(Qt::Key_Tab);
+        files.table.selectRow(1); // the text goes
+        QVERIFY(files.panel.hasFocus());
+        files.table.selectRow(0);
+        files.shown();
+        for (const Qt::Key key : {Qt::Key_Space, Qt::Key_Escape}) {
+            files.press(Qt::Key_Tab);
+            QVERIFY(text->hasFocus());
+            files.press(key);
+            QVERIFY(!files.panel.isVisible());
+            QVERIFY(files.table.hasFocus());
+            files.press(Qt::Key_Space);
+            files.shown();
+        }
     }
 
     void showsTheFactsOfEverythingElse()

@@ -82,6 +82,23 @@ private Q_SLOTS:
         QVERIFY(status.emptyText().contains(QStringLiteral("in what could be read")));
     }
 
+    void tellsWhatIsOnAnotherDisk()
+    {
+        SearchStatus status;
+        status.begin();
+        status.onAnotherDisk(folder("/home/u/Movies"));
+        status.end(true);
+        QCOMPARE(status.text(0), QStringLiteral("No files over 100 MB")); // nothing went wrong
+        QVERIFY(status.emptyText().endsWith(QStringLiteral("in your folders on this disk.")));
+        status.unreadable(folder("/home/u/Sites"));
+        QCOMPARE(status.text(0),
+                 QStringLiteral("No files over 100 MB  ·  1 place could not be read"));
+        QCOMPARE(status.details(), QStringLiteral("/home/u/Movies is on another disk, which "
+                                                  "Vantor never cleans\n/home/u/Sites"));
+        status.begin();
+        QCOMPARE(status.details(), QString());
+    }
+
     void cutsALongListShort()
     {
         SearchStatus status;

@@ -11,7 +11,6 @@
 #include "tests/support/ScratchFolder.h"
 #include "tests/support/SheetHost.h"
 
-#include <QElapsedTimer>
 #include <QLabel>
 #include <QTextDocumentFragment>
 
@@ -111,15 +110,14 @@ private Q_SLOTS:
         QCOMPARE(sheet.controller.selectedURLs().size(), 1);
     }
 
-    void closesAtOnceAndStopsTheSearch()
+    void closesAndStopsTheSearchWithoutWaitingForIt()
     {
         HeldSheet sheet;
         QTRY_COMPARE(sheet.rowCount(), 2);
-        QElapsedTimer timer;
-        timer.start();
+        // The search stands at the gate until it is opened below.
         QTest::keyClick(sheet.host.window.windowHandle(), Qt::Key_Escape);
         QVERIFY(!sheet.controller.search().isRunning());
-        QVERIFY(timer.elapsed() < 100);
+        QVERIFY(sheet.controller.search().isAtWork());
         sheet.gate.open();
         QTRY_VERIFY(!sheet.controller.search().isAtWork());
         QTRY_VERIFY(sheet.isDone);

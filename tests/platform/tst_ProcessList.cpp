@@ -20,9 +20,12 @@ public:
     {
         int ready[2];
         must(::pipe(ready) == 0, "a pipe");
+        const pid_t test = ::getpid();
         m_process = ::fork();
         must(m_process >= 0, "a process");
         if (m_process == 0) {
+            ::prctl(PR_SET_PDEATHSIG, SIGKILL); // it must not outlive a test that is killed
+            must(::getppid() == test, "the test that it is for");
             work(argument);
             must(::write(ready[1], "x", 1) == 1, "a sign that it is ready");
             for (;;)
@@ -94,12 +97,17 @@ void TestProcessList::knowsWhichNumbersRun()
 
 void TestProcessList::knowsWhichProgramsRun()
 {
-    QVERIFY(!hostSystemCalls().isProgramRunning("vantor-mailer"));
-    OtherProcess other(takeName, "vantor-mailer");
-    QVERIFY(hostSystemCalls().isProgramRunning("vantor-mailer"));
-    QVERIFY(!hostSystemCalls().isProgramRunning("vantor-mail"));
+    // No other run of this test on the machine has a program of the name.
+    const QByteArray name = "mailer" + QByteArray::number(::getpid());
+    const auto isRunning = [](const QByteArray &program) {
+        return hostSystemCalls().isProgramRunning(program.constData());
+    };
+    QVERIFY(!isRunning(name));
+    OtherProcess other(takeName, name.constData());
+    QVERIFY(isRunning(name));
+    QVERIFY(!isRunning(name.chopped(1)));
     other.end();
-    QVERIFY(!hostSystemCalls().isProgramRunning("vantor-mailer"));
+    QVERIFY(!isRunning(name));
 }
 
 void TestProcessList::seesTheLocksOfOthers()

@@ -3,25 +3,14 @@
 #include "slices/ExcludedPaths.h"
 #include "slices/HomeSurvey.h"
 #include "slices/Info.h"
-#include "tests/support/ForwardingSystemCalls.h"
 #include "tests/support/GuiTestMain.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/PageFixture.h"
+#include "tests/support/QuietMachine.h"
 
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <unistd.h>
-
-namespace {
-
-/// A machine without a mail program.
-class QuietMachine final : public ForwardingSystemCalls
-{
-public:
-    bool isProgramRunning(const char *) const override { return false; }
-};
-
-} // namespace
 
 /// What a cleaning does about programs that begin to use what it was asked to remove.
 class TestCleaningJobInUse final : public QObject

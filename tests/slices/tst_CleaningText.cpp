@@ -13,6 +13,7 @@ class TestCleaningText final : public QObject
 private Q_SLOTS:
     void asksWithTheSlicesThatAreOn();
     void asksWithTheSizeWithoutWhatIsInUse();
+    void namesTheFolderOfDownloads();
     void saysWhichProgramsKeepTheirFiles();
     void namesEveryPlaceLeftAloneWithItsReason();
     void countsWhatItDoesNotName();
@@ -44,15 +45,25 @@ void TestCleaningText::asksWithTheSizeWithoutWhatIsInUse()
         return kind == SliceKind::BrowserData ? names : QStringList();
     };
     QVERIFY(
-        confirmationText({trash, browsers}, programs)
+        confirmationText({trash, browsers}, {programs, {}})
             .contains(QStringLiteral("• Trash\n• Browser Data (12 MB without the files of Edge, "
                                      "which is in use)\n\n")));
     names.append({QStringLiteral("Vivaldi"), QStringLiteral("Firefox")});
-    QVERIFY(confirmationText({trash, browsers}, programs)
+    QVERIFY(confirmationText({trash, browsers}, {programs, {}})
                 .contains(QStringLiteral("(12 MB without the files of Edge, Vivaldi and Firefox, "
                                          "which are in use)\n")));
     browsers->setIsOn(false);
-    QVERIFY(!confirmationText({trash, browsers}, programs).contains(QStringLiteral("Edge")));
+    QVERIFY(!confirmationText({trash, browsers}, {programs, {}}).contains(QStringLiteral("Edge")));
+}
+
+void TestCleaningText::namesTheFolderOfDownloads()
+{
+    const auto trash = Info::infoWithName(QStringLiteral("Trash"), std::nullopt);
+    const auto downloads = Info::infoWithName(QStringLiteral("Downloads"), std::nullopt);
+    QVERIFY(
+        confirmationText({trash, downloads}, {{}, QStringLiteral("Data/ダウンロード")})
+            .contains(QStringLiteral("• Trash\n• Downloads (the folder “Data/ダウンロード”)\n")));
+    QVERIFY(confirmationText({trash, downloads}).contains(QStringLiteral("• Downloads\n")));
 }
 
 void TestCleaningText::saysWhichProgramsKeepTheirFiles()

@@ -15,9 +15,11 @@
 #include "widgets/ImageButton.h"
 #include "widgets/StartButton.h"
 
+#include <QFile>
 #include <QLabel>
 #include <QSemaphore>
 #include <QThreadPool>
+#include <atomic>
 #include <cerrno>
 #include <unistd.h>
 
@@ -33,6 +35,9 @@ private Q_SLOTS:
     void findsThePlacesBesideTheMainThread();
     void findsThemAfreshAtEveryVisit();
     void hasNoPlacesWhileTheHomeDoesNotAnswer();
+    void switchesOffWhatWasExcludedMeanwhile();
+    void asksTheDiskForNothingUnderThePointer();
+    void namesTheFolderOfDownloads();
     void describesTheProgramsOfThisKindOfHome();
     void opensTheTrash();
     void searchesLargeFilesWhereTheHomeNamesThem();
@@ -50,8 +55,10 @@ private:
 
     std::unique_ptr<PageFixture> m_fixture;
     std::function<void()> m_beforeListing; ///< on the thread that lists
+    std::atomic<int> m_count = 0;          ///< of the calls for folders and entries
     bool m_isSilent = false;               ///< whether nobody can tell what kind of home it is
     WatchedSystemCalls m_calls{[this](int, WatchedCall call, const char *name) {
+        ++m_count;
         if (m_isSilent && qstrcmp(name, "Library") == 0)
             return EIO;
         if (call == WatchedCall::ReadEntries && m_beforeListing)
@@ -178,6 +185,58 @@ void TestFreeSpaceHome::hasNoPlacesWhileTheHomeDoesNotAnswer()
     m_isSilent = false;
     appear();
     QCOMPARE(m_page->homeLayout().kind(), HomeKind::Freedesktop);
+}
+
+void TestFreeSpaceHome::switchesOffWhatWasExcludedMeanwhile()
+{
+    m_fixture->defaults().setBooleans(VNTSelectedSlicesString,
+                                      {true, false, true, false, false, false, false, false});
+    QSemaphore gate;
+    m_beforeListing = [&gate] { gate.acquire(); };
+    m_page->viewWillAppear(true);
+    m_page->viewDidAppear(true);
+    const FileUrl cache = m_fixture->homeUrl().appending(".cache", FileUrlKind::Folder);
+    m_fixture->defaults().setStrings(VNTExcludedPathsString,
+                                     {QString::fromLatin1(cache.absoluteString())});
+    m_excludedFilesChanged.post();
+    gate.release(1'000);
+    QTRY_VERIFY(m_page->startButton()->isEnabled());
+    QVERIFY(!m_page->selection().record(SliceKind::Cache).isOn());
+    QVERIFY(m_page->selection().record(SliceKind::Trash).isOn());
+}
+
+void TestFreeSpaceHome::asksTheDiskForNothingUnderThePointer()
+{
+    m_fixture->makeFile(".wine/drive_c/users/anna/AppData/Roaming/Apple Computer/iTunes/"
+                        "iPad Software Updates/a",
+                        7);
+    appear();
+    QTRY_COMPARE(m_page->selection().record(SliceKind::OldIos).fileSize(), 7);
+    QTRY_COMPARE(m_page->selection().totalSize(), 4'500'000);
+    QTRY_COMPARE(m_page->selection().record(SliceKind::Cache).fileSize(), 2'000'000);
+    QTRY_COMPARE(m_page->selection().record(SliceKind::Trash).fileSize(), 300'000);
+    const int before = m_count;
+    m_page->didHoverOverSliceAtIndex(*m_page->pieChart(), indexOf(SliceKind::OldIos));
+    QCOMPARE(int(m_count), before);
+    QVERIFY(m_page->hoverButtons()->showInFinderButton()->isVisible());
+}
+
+void TestFreeSpaceHome::namesTheFolderOfDownloads()
+{
+    m_fixture->makeFile("Get/a", 7);
+    m_fixture->makeFile(".config/user-dirs.dirs", 0);
+    QFile file(QFile::decodeName(m_fixture->home() + "/.config/user-dirs.dirs"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("XDG_DOWNLOAD_DIR=\"$HOME/Get\"\n");
+    file.close();
+    m_fixture->defaults().setBooleans(VNTSelectedSlicesString,
+                                      {false, false, false, false, false, true, false, false});
+    appear();
+    QVERIFY(description(SliceKind::Downloads).contains(QStringLiteral("“Get”")));
+    m_page->next();
+    QTRY_VERIFY(hasSheet(*m_page->view()));
+    QVERIFY(
+        sheetText(*m_page->view()).contains(QStringLiteral("• Downloads (the folder “Get”)\n")));
 }
 
 void TestFreeSpaceHome::describesTheProgramsOfThisKindOfHome()

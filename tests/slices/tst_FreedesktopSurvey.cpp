@@ -148,7 +148,7 @@ void TestFreedesktopSurvey::protectsTheUsersFoldersWhateverTheirNames_data()
     QTest::addColumn<QByteArray>("lost"); ///< of the places that are found otherwise
     QTest::newRow("none") << QByteArray() << QByteArray();
     QTest::newRow("a name of one's own")
-        << QByteArray("XDG_PROJECTS_DIR=\"$HOME/Downloads/Work\"\n") << QByteArray("Downloads/");
+        << QByteArray("XDG_PROJECTS_DIR=\"$HOME/Downloads/Jobs\"\n") << QByteArray("Downloads/");
     QTest::newRow("hidden") << QByteArray("XDG_DOCUMENTS_DIR=\"$HOME/.cache/papers\"\n")
                             << QByteArray(".cache/");
     QTest::newRow("a cache that is one")
@@ -161,8 +161,8 @@ void TestFreedesktopSurvey::protectsTheUsersFoldersWhateverTheirNames()
 {
     QFETCH(const QByteArray, lines);
     QFETCH(const QByteArray, lost);
-    const MadeHome home({"Downloads/Work/x", ".cache/papers/x", "var/cache/x"});
-    home.link("Linked", "Downloads/Work");
+    const MadeHome home({"Downloads/Jobs/x", ".cache/papers/x", "var/cache/x"});
+    home.link("Linked", "Downloads/Jobs");
     home.nameUserDirs(lines);
     const HomeLayout layout = home.survey({{}, home.path("var/cache")});
     QByteArrayList expected{".cache/", "var/cache/", "Downloads/"};

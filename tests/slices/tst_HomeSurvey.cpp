@@ -16,6 +16,28 @@ public:
     bool isInMemory(int) const override { return true; }
 };
 
+/// One folder is a volume of its own: it opens like any, its device number alone tells.
+class SubVolumeCalls final : public ForwardingSystemCalls
+{
+public:
+    explicit SubVolumeCalls(const QByteArray &folder)
+    {
+        const auto opened = ForwardingSystemCalls::openRoot(folder.constData());
+        m_inode = ForwardingSystemCalls::statusOf(opened->get())->inode;
+    }
+
+    SystemResult<FileStatus> statusOf(int descriptor) const override
+    {
+        auto status = ForwardingSystemCalls::statusOf(descriptor);
+        if (status && status->inode == m_inode)
+            ++status->device;
+        return status;
+    }
+
+private:
+    std::uint64_t m_inode = 0;
+};
+
 /// A grant that holds for the first question alone.
 class AnsweringOnce final : public FileAccess
 {
@@ -47,6 +69,7 @@ private Q_SLOTS:
     void costsOneCallToTellTheKind();
     void takesNoSilenceForAKind();
     void asksForTheHomeOnce();
+    void endsSoonOnceItIsToldTo();
     void findsAPlainDesktop();
     void findsNothingInAnEmptyHome();
     void findsSandboxedPrograms();
@@ -57,6 +80,7 @@ private Q_SLOTS:
     void followsNoLink_data();
     void followsNoLink();
     void leavesMountsAlone();
+    void leavesSubVolumesAlone();
     void findsNothingItMayNotRead();
 };
 
@@ -102,19 +126,35 @@ void TestHomeSurvey::takesNoSilenceForAKind()
     const MadeHome home(kPlainHome);
     const ForwardingSystemCalls silent(ForwardingSystemCalls::failing(1, EIO));
     QCOMPARE(homeKind(silent, home.access(), home.url()), HomeKind::Unknown);
-    const ForwardingSystemCalls silentAgain(ForwardingSystemCalls::failing(1, EACCES));
-    const HomeLayout layout = home.survey({}, silentAgain);
+    const HomeLayout layout =
+        home.survey({}, ForwardingSystemCalls(ForwardingSystemCalls::failing(1, EACCES)));
     QCOMPARE(layout.kind(), HomeKind::Unknown);
-    QVERIFY(!layout.locations(SliceKind::Trash) && !layout.locations(SliceKind::Downloads));
+    QVERIFY(!layout.locations(SliceKind::Trash));
 }
 
-/// The grant is taken back between two questions.
 void TestHomeSurvey::asksForTheHomeOnce()
 {
     const MadeHome home(kPlainHome);
     const AnsweringOnce access(home.access());
     const HomeLayout layout = surveyHome(hostSystemCalls(), access, home.url(), {});
     QCOMPARE(locationsOf(home, layout), kPlainLocations);
+}
+
+void TestHomeSurvey::endsSoonOnceItIsToldTo()
+{
+    const MadeHome home(kPlainHome);
+    std::stop_source stop;
+    int listings = 0;
+    const ForwardingSystemCalls calls([&](int, std::string_view name) {
+        if (name == "readEntries") {
+            ++listings;
+            stop.request_stop();
+        }
+        return 0;
+    });
+    const HomeLayout layout = surveyHome(calls, home.access(), home.url(), {}, stop.get_token());
+    QCOMPARE(layout.kind(), HomeKind::Unknown);
+    QVERIFY(listings <= 2);
 }
 
 void TestHomeSurvey::findsAPlainDesktop()
@@ -283,7 +323,6 @@ void TestHomeSurvey::followsNoLink_data()
         QTest::newRow(path) << QByteArray(path);
 }
 
-/// Everything that would be found stands elsewhere, and only a link leads there.
 void TestHomeSurvey::followsNoLink()
 {
     QFETCH(const QByteArray, link);
@@ -329,6 +368,15 @@ void TestHomeSurvey::leavesMountsAlone()
         return mounts.areMade() && caches.size() == 1 && areLeft && isGone ? 0 : 1;
     };
     QCOMPARE(runInChild(ChildUser::Same, work).exitCode, 0);
+}
+
+void TestHomeSurvey::leavesSubVolumesAlone()
+{
+    const MadeHome home(kPlainHome);
+    const SubVolumeCalls calls(home.path(".cache"));
+    Found expected = kPlainLocations;
+    expected.erase(SliceKind::Cache);
+    QCOMPARE(locationsOf(home, home.survey({}, calls)), expected);
 }
 
 /// Whichever call fails, the survey ends and finds no more than it would have found.

@@ -45,6 +45,7 @@ private Q_SLOTS:
     void judgesTheLocksOfAFirefox();
     void looksForMailProgramsInTheProcessList();
     void leavesOutTheFilesOfTheOneProfileAlone();
+    void leavesOutTheCacheOfASandboxedBrowser();
     void namesEachProgramOnce();
     void takesWhatCannotBeToldForRunning_data();
     void takesWhatCannotBeToldForRunning();
@@ -162,6 +163,26 @@ void TestProgramsInUse::leavesOutTheFilesOfTheOneProfileAlone()
         home.relative(found(home).without(places(layout, SliceKind::BrowserData))),
         QByteArrayList({".config/chromium/Default/History", ".mozilla/firefox/a/cookies.sqlite"}));
     QVERIFY(found(home).programs(places(layout, SliceKind::Cache)).isEmpty());
+}
+
+void TestProgramsInUse::leavesOutTheCacheOfASandboxedBrowser()
+{
+    const MadeHome home({".cache/a", ".var/app/org.a.A/cache/a",
+                         ".var/app/com.brave.Browser/config/BraveSoftware/Brave-Browser/Default/"
+                         "Cookies",
+                         ".var/app/com.brave.Browser/cache/a",
+                         "snap/firefox/common/.mozilla/firefox/a/cookies.sqlite",
+                         "snap/firefox/common/.cache/a"});
+    const FileUrls caches = places(home.survey(), SliceKind::Cache);
+    QCOMPARE(caches.size(), 4);
+    QCOMPARE(found(home).without(caches), caches);
+    home.link(".var/app/com.brave.Browser/config/BraveSoftware/Brave-Browser/SingletonLock",
+              "desk-78");
+    home.link("snap/firefox/common/.mozilla/firefox/a/lock", "127.0.1.1:+77");
+    QCOMPARE(home.relative(found(home).without(caches)),
+             QByteArrayList({".cache/", ".var/app/org.a.A/cache/"}));
+    QCOMPARE(found(home).programs(caches),
+             QStringList({QStringLiteral("Brave"), QStringLiteral("Firefox")}));
 }
 
 void TestProgramsInUse::namesEachProgramOnce()

@@ -1,8 +1,8 @@
 #include "slices/FolderSizing.h"
 #include "slices/Info.h"
 #include "slices/SlicesToClean.h"
+#include "tests/slices/FailingRemoval.h"
 #include "tests/slices/HomeKit.h"
-#include "tests/slices/HookedCalls.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/ForwardingSystemCalls.h"
 #include "tests/support/MadeTree.h"
@@ -10,7 +10,6 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <unistd.h>
 
 namespace {
 
@@ -53,10 +52,11 @@ struct Trash
 
     /// Measures and cleans a slice as the ordinary user. "shown, removed, failures".
     QByteArray clean(SliceKind kind, const ExcludedPaths &excluded = {},
-                     const SystemCalls &calls = hostSystemCalls()) const
+                     const SystemCalls &calls = hostSystemCalls(),
+                     const std::stop_token &stop = {}) const
     {
         const auto work = [&] {
-            std::fputs(cleaned(kind, excluded, calls).constData(), stderr);
+            std::fputs(cleaned(kind, excluded, calls, stop).constData(), stderr);
             return 0;
         };
         // The log comes the same way, before.
@@ -65,8 +65,8 @@ struct Trash
     }
 
 private:
-    QByteArray cleaned(SliceKind kind, const ExcludedPaths &excluded,
-                       const SystemCalls &calls) const
+    QByteArray cleaned(SliceKind kind, const ExcludedPaths &excluded, const SystemCalls &calls,
+                       const std::stop_token &stop) const
     {
         const HomeLayout layout = surveyHome(calls, access, home, {});
         const FileUrls places = *layout.locations(kind);
@@ -79,26 +79,36 @@ private:
         const auto record =
             Info::infoWithName(QString::fromUtf16(sliceCatalogue()[indexOf(kind)].name), places);
         const CleaningReport report = performCleaning(
-            calls, makeCleaningPlan(calls, access, slicesToClean(layout, {record}), excluded), {});
+            calls, makeCleaningPlan(calls, access, slicesToClean(layout, {record}), excluded),
+            stop);
         return QByteArray::number(shown) + ", " + QByteArray::number(report.removedItems) + ", " +
                QByteArray::number(report.failureCount + report.refusalCount);
     }
 };
 
-/// One file cannot be removed.
-class FailingRemoval final : public HookedCalls
+/// Something happens right before one folder is listed by a cleaning, which may fail by it.
+class ListingCalls final : public ForwardingSystemCalls
 {
 public:
-    explicit FailingRemoval(const QByteArray &name) : m_name(name) {}
-
-    std::optional<int> before(const char *call, int, const char *name) const override
+    ListingCalls(const QByteArray &folder, std::function<int()> before)
+        : m_before(std::move(before))
     {
-        const bool isIt = qstrcmp(call, "removeFile") == 0 && name == m_name;
-        return isIt ? std::optional(EBUSY) : std::nullopt;
+        const auto opened = ForwardingSystemCalls::openRoot(folder.constData());
+        m_inode = ForwardingSystemCalls::statusOf(opened->get())->inode;
+    }
+
+    SystemResult<std::size_t> readEntries(int folder, std::span<char> buffer) const override
+    {
+        const auto status = ForwardingSystemCalls::statusOf(folder);
+        const int error = status && status->inode == m_inode ? m_before() : 0;
+        if (error != 0)
+            return tl::unexpected(error);
+        return ForwardingSystemCalls::readEntries(folder, buffer);
     }
 
 private:
-    const QByteArray m_name;
+    std::function<int()> m_before;
+    std::uint64_t m_inode = 0;
 };
 
 } // namespace
@@ -113,6 +123,11 @@ private Q_SLOTS:
     void leavesReadOnlyFoldersElsewhere();
     void leavesThoseOfOthers();
     void leavesTheRightsOfWhatIsKept();
+    void leavesTheRightsOfWhatCannotBeListed();
+    void leavesTheRightsOfWhatWasPutBack();
+    void leavesTheRightsAroundWhatIsKeptByIdentity();
+    void givesTheRightsBackWhereSomethingStays();
+    void givesTheRightsBackWhenItIsStopped();
     void leavesTheRightsOfTheTrashItself();
     void saysWhenTheRightCannotBeGivenBack();
     void forgetsTheSizesOfWhatIsGone();
@@ -120,7 +135,6 @@ private Q_SLOTS:
     void keepsTheRecordsOfWhatStays();
     void keepsAllRecordsWhileNobodyKnowsWhatStays();
     void removesNoFolderCalledLikeTheBookOfSizes();
-    void removesNoFolderPutInThePlaceOfABrowsersFile();
     void leavesTheFixedTrashAsItIs();
 };
 
@@ -170,6 +184,87 @@ void TestTrashCleaning::leavesTheRightsOfWhatIsKept()
     QVERIFY(trash.has(kTrash + "files/album/inside"));
     QCOMPARE(trash.modeOf(kTrash + "files/album"), 0555U);
     QVERIFY(!trash.has(kTrash + "files/other"));
+}
+
+void TestTrashCleaning::leavesTheRightsOfWhatCannotBeListed()
+{
+    const Trash trash;
+    trash.readOnlyFolder(kTrash + "files/album");
+    const ListingCalls calls(trash.tree.path(kTrash + "files/album"), [] { return EIO; });
+    trash.clean(SliceKind::Trash, {}, calls);
+    QVERIFY(trash.has(kTrash + "files/album/inside"));
+    QCOMPARE(trash.modeOf(kTrash + "files/album"), 0555U);
+}
+
+void TestTrashCleaning::leavesTheRightsOfWhatWasPutBack()
+{
+    const Trash trash;
+    const QByteArray album = kTrash + "files/album";
+    trash.readOnlyFolder(album);
+    const ListingCalls calls(trash.tree.path(album), [&] {
+        ::rename(trash.tree.path(album).constData(), trash.tree.path(album + "2").constData());
+        return 0;
+    });
+    const HomeLayout layout = surveyHome(hostSystemCalls(), trash.access, trash.home, {});
+    const auto record =
+        Info::infoWithName(QStringLiteral("Trash"), layout.locations(SliceKind::Trash));
+    runInChild(ChildUser::Nobody, [&] {
+        ::clean(trash.access, slicesToClean(layout, {record}), {}, calls);
+        return 0;
+    });
+    QVERIFY(trash.has(album + "2/inside"));
+    QCOMPARE(trash.modeOf(album + "2"), 0555U);
+}
+
+void TestTrashCleaning::leavesTheRightsAroundWhatIsKeptByIdentity()
+{
+    const Trash trash;
+    trash.tree.makeFile("kept", 10);
+    trash.folderOf(kNobody, kTrash + "files/album");
+    std::filesystem::create_hard_link(native(trash.tree.path("kept")),
+                                      native(trash.tree.path(kTrash + "files/album/other name")));
+    trash.tree.setMode(kTrash + "files/album", 0555);
+    const ForwardingSystemCalls calls([](int, std::string_view name) {
+        if (name == "setPermissions")
+            qFatal("tried to change the rights");
+        return 0;
+    });
+    trash.clean(SliceKind::Trash, excluding({trash.access.file("kept")}), calls);
+    QVERIFY(trash.has(kTrash + "files/album/other name"));
+}
+
+void TestTrashCleaning::givesTheRightsBackWhereSomethingStays()
+{
+    const Trash trash;
+    trash.readOnlyFolder(kTrash + "files/album");
+    trash.clean(SliceKind::Trash, {}, FailingRemoval("inside"));
+    QVERIFY(trash.has(kTrash + "files/album/inside"));
+    QCOMPARE(trash.modeOf(kTrash + "files/album"), 0555U);
+}
+
+/// So deep that not all folders on the way are held open.
+void TestTrashCleaning::givesTheRightsBackWhenItIsStopped()
+{
+    constexpr int kDepth = 30;
+    const Trash trash;
+    QByteArrayList folders{kTrash + "files/0"};
+    for (int i = 1; i < kDepth; ++i)
+        folders.append(folders.constLast() + "/1");
+    for (const QByteArray &folder : folders)
+        trash.folderOf(kNobody, folder);
+    for (const char *name : {"/a", "/b"})
+        trash.tree.makeFile(folders.constLast() + name);
+    for (const QByteArray &folder : folders)
+        trash.tree.setMode(folder, 0555);
+    std::stop_source stop;
+    const ForwardingSystemCalls calls([&](int, std::string_view name) {
+        if (name == "removeFile")
+            stop.request_stop();
+        return 0;
+    });
+    QCOMPARE(trash.clean(SliceKind::Trash, {}, calls, stop.get_token()), QByteArray("0, 1, 0"));
+    for (const QByteArray &folder : folders)
+        QCOMPARE(trash.modeOf(folder), 0555U);
 }
 
 void TestTrashCleaning::leavesTheRightsOfTheTrashItself()
@@ -248,20 +343,6 @@ void TestTrashCleaning::removesNoFolderCalledLikeTheBookOfSizes()
     trash.tree.makeFile(kTrash + "directorysizes/letter", 90);
     QCOMPARE(trash.clean(SliceKind::Trash), QByteArray("0, 0, 1"));
     QVERIFY(trash.has(kTrash + "directorysizes/letter"));
-}
-
-void TestTrashCleaning::removesNoFolderPutInThePlaceOfABrowsersFile()
-{
-    const MadeHome home({".mozilla/firefox/a/cookies.sqlite"});
-    const HomeLayout layout = home.survey();
-    const QByteArray place = home.path(".mozilla/firefox/a/cookies.sqlite");
-    const auto record = Info::infoWithName(QStringLiteral("Browser Data"),
-                                           layout.locations(SliceKind::BrowserData));
-    QVERIFY(::unlink(place.constData()) == 0);
-    home.make(".mozilla/firefox/a/cookies.sqlite/letter");
-    const CleaningReport report = ::clean(home.access(), slicesToClean(layout, {record}));
-    QCOMPARE(report.refusals.value(0).reason, RefusalReason::NotAFile);
-    QVERIFY(exists(place + "/letter"));
 }
 
 void TestTrashCleaning::leavesTheFixedTrashAsItIs()
