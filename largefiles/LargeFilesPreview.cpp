@@ -82,6 +82,18 @@ void LargeFilesWindowController::showThumbnailOfRow(int row)
     });
 }
 
+void LargeFilesWindowController::beginPreviewPanelControl(PreviewPanel &panel)
+{
+    panel.setDataSource(this);
+    panel.setDelegate(this);
+}
+
+void LargeFilesWindowController::endPreviewPanelControl(PreviewPanel &panel)
+{
+    panel.setDataSource(nullptr);
+    panel.setDelegate(nullptr);
+}
+
 bool LargeFilesWindowController::didPressSpacebarForTableView(QuickLookTableView &)
 {
     if (m_previewPanel && m_previewPanel->isVisible()) {
@@ -90,9 +102,11 @@ bool LargeFilesWindowController::didPressSpacebarForTableView(QuickLookTableView
     }
     if (!m_previewPanel) {
         m_previewPanel = new PreviewPanel({m_services.calls, m_services.access}, window());
-        m_previewPanel->setDataSource(this);
-        m_previewPanel->setDelegate(this);
+        connect(m_previewPanel, &PreviewPanel::orderedOut, this,
+                [this] { endPreviewPanelControl(*m_previewPanel); });
     }
+    if (acceptsPreviewPanelControl(*m_previewPanel))
+        beginPreviewPanelControl(*m_previewPanel);
     m_previewPanel->makeKeyAndOrderFront();
     m_previewPanel->reloadData();
     return true;

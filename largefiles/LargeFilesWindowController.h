@@ -72,6 +72,12 @@ public:
     /// Null until it was first asked for.
     PreviewPanel *previewPanel() const { return m_previewPanel; }
 
+    /// The sheet fills a preview panel whenever there is one.
+    bool acceptsPreviewPanelControl(PreviewPanel &) const { return true; }
+    /// The panel shows the selected files, and hands its keys on, from now until the end.
+    void beginPreviewPanelControl(PreviewPanel &panel);
+    void endPreviewPanelControl(PreviewPanel &panel);
+
     bool didPressSpacebarForTableView(QuickLookTableView &table) override;
     int numberOfPreviewItemsInPreviewPanel(PreviewPanel &panel) override;
     std::optional<File> previewItemAtIndex(PreviewPanel &panel, int index) override;

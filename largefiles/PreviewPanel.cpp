@@ -47,6 +47,7 @@ void PreviewPanel::orderOut()
     if (hadFocus && m_formerFocus)
         m_formerFocus->setFocus(Qt::OtherFocusReason);
     hide();
+    Q_EMIT orderedOut();
 }
 
 void PreviewPanel::reloadData()

@@ -46,6 +46,8 @@ public:
 Q_SIGNALS:
     /// The present item has been read.
     void contentShown();
+    /// It is closed.
+    void orderedOut();
 
 protected:
     bool event(QEvent *event) override;

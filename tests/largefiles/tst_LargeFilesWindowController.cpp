@@ -172,6 +172,8 @@ private Q_SLOTS:
         QVERIFY(sheet.controller.previewPanel()->isVisible());
         press(Qt::Key_Escape);
         QVERIFY(!sheet.controller.previewPanel()->isVisible());
+        sheet.controller.previewPanel()->reloadData(); // which is no longer the sheet's to fill
+        QCOMPARE(sheet.controller.previewPanel()->currentPreviewItemIndex(), -1);
         QVERIFY(table.hasFocus());
         QVERIFY(!sheet.isDone);
         QCOMPARE(sheet.controller.selectedURLs().size(), 1);
