@@ -11,6 +11,7 @@ class TestExcludedFilesModel final : public QObject
 
 private Q_SLOTS:
     void init();
+    void cleanup();
     void isEmptyAtFirst();
     void showsNamePlaceAndSize();
     void showsNamesWithoutReadingThemAsText();
@@ -56,6 +57,13 @@ void TestExcludedFilesModel::init()
     m_folder->makeFile("song.mp3", 4'300'000);
     m_access = std::make_unique<ScratchAccess>(*m_folder);
     makeModel(m_access.get());
+}
+
+/// What still measures must be over before the test's own log is.
+void TestExcludedFilesModel::cleanup()
+{
+    m_model.reset();
+    m_toView.reset();
 }
 
 void TestExcludedFilesModel::makeModel(FileAccess *access)

@@ -80,6 +80,7 @@ class TestExcludedNames final : public QObject
 
 private Q_SLOTS:
     void init();
+    void cleanup();
     void leadBackToTheirFiles_data();
     void leadBackToTheirFiles();
     void areMeasured_data() { leadBackToTheirFiles_data(); }
@@ -103,6 +104,12 @@ void TestExcludedNames::init()
 {
     m_fixture = std::make_unique<PreferencesFixture>();
     m_fixture->folder.makeFolder("Downloads");
+}
+
+/// What still measures must be over before the test's own log is.
+void TestExcludedNames::cleanup()
+{
+    m_fixture.reset();
 }
 
 /// Makes a large file of this name in Downloads, or a folder of this name with one in it.

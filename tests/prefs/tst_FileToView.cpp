@@ -10,6 +10,7 @@ class TestFileToView final : public QObject
 
 private Q_SLOTS:
     void init();
+    void cleanup();
     void measuresAsCleaningWouldCount();
     void tellsOnTheMainThread();
     void holdsTheAccessWhileItMeasures();
@@ -41,6 +42,12 @@ void TestFileToView::init()
     m_folder->makeFile("notes.txt", 300);
     m_access = std::make_unique<ScratchAccess>(*m_folder);
     m_toView = std::make_unique<FileToView>(hostSystemCalls(), [this] { return m_access.get(); });
+}
+
+/// What still measures must be over before the test's own log is.
+void TestFileToView::cleanup()
+{
+    m_toView.reset();
 }
 
 std::shared_ptr<File> TestFileToView::file(const char *relativePath, FileUrlKind kind) const

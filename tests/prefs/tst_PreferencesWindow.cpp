@@ -15,6 +15,7 @@ class TestPreferencesWindow final : public QObject
 private Q_SLOTS:
     void initTestCase();
     void init();
+    void cleanup();
     void removesARowAndSelectsTheNext();
     void removesTheLastRowAndSelectsNone();
     void removesSeveralRowsAtOnce();
@@ -52,6 +53,12 @@ void TestPreferencesWindow::init()
     const ScratchFolder &folder = m_fixture->folder;
     m_controller->addPaths({folder.path("Movies"), folder.path("Music"), folder.path("notes.txt")});
     QTRY_COMPARE(m_controller->array().size(), 3);
+}
+
+/// What still measures must be over before the test's own log is.
+void TestPreferencesWindow::cleanup()
+{
+    m_fixture.reset();
 }
 
 void TestPreferencesWindow::select(const QList<int> &rows)

@@ -13,6 +13,7 @@ class TestPreferencesWindowController final : public QObject
 private Q_SLOTS:
     void initTestCase();
     void init();
+    void cleanup();
     void opensEmptyWithoutTheSetting();
     void writesTheSettingWithTheFirstEntry();
     void showsTheStoredEntries();
@@ -47,6 +48,12 @@ void TestPreferencesWindowController::init()
     m_controller = m_fixture->controller.get();
     m_controller->showWindow();
     QVERIFY(QTest::qWaitForWindowActive(m_controller->window()));
+}
+
+/// What still measures must be over before the test's own log is.
+void TestPreferencesWindowController::cleanup()
+{
+    m_fixture.reset();
 }
 
 void TestPreferencesWindowController::add(const QByteArray &relativePath)
