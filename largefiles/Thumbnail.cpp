@@ -3,6 +3,7 @@
 #include "largefiles/ThumbnailCache.h"
 #include "largefiles/Thumbnailers.h"
 #include "platform/FileImages.h"
+#include "platform/Log.h"
 
 #include <QDateTime>
 #include <QMimeDatabase>
@@ -106,6 +107,10 @@ QImage iconOfFile(const FileUrl &file, PictureSize size)
     icon.fill(Qt::transparent);
     // Not through the application's picture cache, which is the main thread's.
     QSvgRenderer drawing(QStringLiteral(":/images/%1.svg").arg(name));
+    if (!drawing.isValid()) {
+        qCWarning(logVantor, "ERROR!!!");
+        return {};
+    }
     drawing.setAspectRatioMode(Qt::KeepAspectRatio);
     QPainter painter(&icon);
     drawing.render(&painter, QRectF(icon.rect()));
