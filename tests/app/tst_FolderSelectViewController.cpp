@@ -143,8 +143,11 @@ void TestFolderSelectViewController::storesNothingWhenCancelled()
 void TestFolderSelectViewController::movesOnAgainWhenShownAgain()
 {
     m_fixture->grantHome();
+    QElapsedTimer sinceAppearance;
+    sinceAppearance.start();
     m_page->viewDidAppear(true);
     QTRY_COMPARE(m_delegate.moves.size(), 1);
+    QVERIFY(sinceAppearance.elapsed() >= 1000);
     m_page->viewWillDisappear(true);
     m_page->viewDidAppear(true);
     QTRY_COMPARE(m_delegate.moves.size(), 2);
