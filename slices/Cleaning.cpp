@@ -2,7 +2,7 @@
 
 #include "platform/Log.h"
 #include "slices/AnchoredFolder.h"
-#include "slices/BrowserFiles.h"
+#include "slices/FoundPrograms.h"
 #include "slices/RemovalCrew.h"
 
 #include <algorithm>
@@ -25,11 +25,11 @@ class Performance final
 {
 public:
     Performance(const SystemCalls &calls, const CleaningPlan &plan, std::stop_token stop,
-                CleaningObserver *observer, const InUseCheck &isInUse)
+                CleaningObserver *observer, const InUseCheck &inUse)
         : m_calls(calls),
           m_plan(plan),
           m_stop(std::move(stop)),
-          m_isInUse(isInUse),
+          m_inUse(inUse),
           m_ledger(plan.refusals(), observer),
           m_space(kListingSpace)
     {
@@ -39,7 +39,8 @@ public:
 
 private:
     void clean(const CleaningLocation &location);
-    void emptyFolder(const CleaningLocation &location);
+    void emptyFolder(const CleaningLocation &location, const FileUrls &inUse);
+    void keepInUse(Protection &protection, const FileUrls &inUse);
     void removeFile(const CleaningLocation &location);
     bool isJournalInNeed(const CleaningLocation &location, int folder,
                          const QByteArray &name) const;
@@ -53,7 +54,7 @@ private:
     const SystemCalls &m_calls;
     const CleaningPlan &m_plan;
     std::stop_token m_stop;
-    const InUseCheck &m_isInUse;
+    const InUseCheck &m_inUse;
     CleaningLedger m_ledger;
     std::vector<char> m_space;
 };
@@ -71,15 +72,16 @@ CleaningReport Performance::run()
 
 void Performance::clean(const CleaningLocation &location)
 {
-    if (m_isInUse && m_isInUse(location))
+    const FileUrls inUse = m_inUse ? m_inUse(location) : FileUrls();
+    if (inUse.contains(location.url))
         refuse(location, RefusalReason::InUse, 0);
     else if (location.mode == CleaningMode::ContentsOfFolders)
-        emptyFolder(location);
+        emptyFolder(location, inUse);
     else
         removeFile(location);
 }
 
-void Performance::emptyFolder(const CleaningLocation &location)
+void Performance::emptyFolder(const CleaningLocation &location, const FileUrls &inUse)
 {
     const auto folder = openAnchored(m_calls, location.path, Descent::Strict);
     if (!folder)
@@ -87,7 +89,8 @@ void Performance::emptyFolder(const CleaningLocation &location)
     const auto identity = m_calls.identityOf(folder->get());
     if (!isAsPlanned(location, identity))
         return;
-    const Protection protection(m_plan, location, identity->device);
+    Protection protection(m_plan, location, identity->device);
+    keepInUse(protection, inUse);
     const bool isInMemory = m_calls.isInMemory(folder->get());
     const RemovalSteps steps(m_calls, protection, m_ledger,
                              isInMemory ? EntryOrder::AsListed : EntryOrder::ByInode);
@@ -96,14 +99,25 @@ void Performance::emptyFolder(const CleaningLocation &location)
         return refuse(location, RefusalReason::PartlyListed, listing.error());
     if (location.whatGoes == WhatGoes::LoneRecords)
         passOverRecordsInNeed(location, *listing);
-    if (!location.isTouched)
+    if (!protection.isTouched())
         logContents(location, *listing);
-    const Care care = location.isTouched ? Care::Judged : Care::Logged;
+    const Care care = protection.isTouched() ? Care::Judged : Care::Logged;
     const HeldFolder held{folder->get(), location.url.path() + '/', care};
     if (isInMemory)
         Remover(steps, m_stop).removeListed(held, std::move(*listing));
     else
         RemovalCrew(steps, m_stop, kThreadsForDisks).removeListed(held, std::move(*listing));
+}
+
+/// What the plan knows already was told of before the user confirmed.
+void Performance::keepInUse(Protection &protection, const FileUrls &inUse)
+{
+    for (const FileUrl &url : inUse) {
+        if (m_plan.excluded().sparingByPath(url.path() + '/') == Sparing::Whole)
+            continue;
+        protection.keep(url);
+        m_ledger.refused(url.path(), RefusalReason::InUse, 0);
+    }
 }
 
 /// Without its record nobody could put an item back that stayed: it was excluded, is another's or
@@ -215,7 +229,7 @@ void Performance::logFiles(std::size_t first)
 
 CleaningReport performCleaning(const SystemCalls &calls, const CleaningPlan &plan,
                                std::stop_token stop, CleaningObserver *observer,
-                               const InUseCheck &isInUse)
+                               const InUseCheck &inUse)
 {
-    return Performance(calls, plan, std::move(stop), observer, isInUse).run();
+    return Performance(calls, plan, std::move(stop), observer, inUse).run();
 }

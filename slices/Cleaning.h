@@ -39,16 +39,17 @@ public:
     virtual void removedSoFar(std::uint64_t items) = 0;
 };
 
-/// Whether a place is in use. Asked right before it is dealt with, on the thread that cleans.
-using InUseCheck = std::function<bool(const CleaningLocation &)>;
+/// What is in use at and inside a place. Asked right before the place is dealt with, on the thread
+/// that cleans.
+using InUseCheck = std::function<FileUrls(const CleaningLocation &)>;
 
 /// Removes for good what the plan says and nothing else: never through a link, never on another
 /// file system, never anything excluded, and nothing of a folder that could not be listed wholly.
 /// Rights are never changed, but for read-only folders inside a place whose plan says so, which are
 /// the user's own, and have them back where they stay. A place that is in use when its turn comes
-/// stays. Goes on after a failure; looks at the stop token before every item. Runs on the caller's
-/// thread, with a second one where the disk gains by it, and writes the log lines of the cleaning.
-/// Blocks: not for the main thread.
+/// stays, and so does what is in use inside it. Goes on after a failure; looks at the stop token
+/// before every item. Runs on the caller's thread, with a second one where the disk gains by it,
+/// and writes the log lines of the cleaning. Blocks: not for the main thread.
 CleaningReport performCleaning(const SystemCalls &calls, const CleaningPlan &plan,
                                std::stop_token stop, CleaningObserver *observer = nullptr,
-                               const InUseCheck &isInUse = {});
+                               const InUseCheck &inUse = {});

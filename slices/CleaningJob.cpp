@@ -2,6 +2,7 @@
 
 #include "slices/CleaningLedger.h"
 #include "slices/ExcludedPaths.h"
+#include "slices/FolderSizing.h"
 #include "slices/Info.h"
 #include "slices/RecordPlaces.h"
 #include "slices/SlicesToClean.h"
@@ -9,6 +10,17 @@
 namespace {
 
 using Records = CleaningJob::Records;
+
+/// What the plan did not know to be in use.
+FileUrls foundInUse(const CleaningReport &report, const CleaningPlan &plan)
+{
+    FileUrls found;
+    for (const CleaningRefusal &refusal : report.refusals.sliced(plan.refusals().size())) {
+        if (refusal.reason == RefusalReason::InUse)
+            found.append(FileUrl::fromPath(refusal.path, FileUrlKind::File));
+    }
+    return found;
+}
 
 CleaningReport cleanDisk(const SystemCalls &calls, FileAccess &access, const Records &chosen,
                          const HomeLayout &layout, const ExcludedPaths &excluded,
@@ -18,10 +30,13 @@ CleaningReport cleanDisk(const SystemCalls &calls, FileAccess &access, const Rec
     const FileUrls inUse = takeAwayPlacesInUse(chosen, ProgramsInUse::find(calls, access, layout));
     const CleaningPlan plan =
         makeCleaningPlan(calls, access, slicesToClean(layout, chosen), excluded, inUse);
-    const auto isInUse = [&](const CleaningLocation &location) {
-        return isUsedByAProgram(calls, location.path, layout, location.url);
+    const auto inUseNow = [&](const CleaningLocation &location) {
+        return placesInUse(calls, location.path, layout, location.url);
     };
-    return performCleaning(calls, plan, stop, nullptr, isInUse);
+    const CleaningReport report = performCleaning(calls, plan, stop, nullptr, inUseNow);
+    takeAwaySizes(chosen, foundInUse(report, plan),
+                  [&](const FileUrl &url) { return sizeForFolderAtPath(calls, access, url); });
+    return report;
 }
 
 CleaningReport refusedReport()

@@ -32,6 +32,7 @@ public:
 private:
     bool refuseUnparsable();
     void takeExclusions();
+    void takeKept();
     void planSlice(const SliceToClean &slice);
     void planLocation(CleaningLocation location);
     bool isExcludedByPath(const CleaningLocation &location) const;
@@ -58,6 +59,7 @@ CleaningPlan CleaningPlanner::plan(const FileUrls &inUse)
 {
     if (!refuseUnparsable()) {
         takeExclusions();
+        takeKept();
         for (const SliceToClean &slice : m_slices)
             planSlice(slice);
     }
@@ -79,6 +81,21 @@ void CleaningPlanner::takeExclusions()
     m_plan.m_excluded = std::move(resolved.paths);
     m_plan.m_excludedIdentities = std::move(resolved.identities);
     m_lost = std::move(resolved.lost);
+}
+
+/// Unlike an exclusion, what a program may use and is not there stops nothing.
+void CleaningPlanner::takeKept()
+{
+    ExcludedPaths kept;
+    for (const SliceToClean &slice : m_slices) {
+        for (const FileUrl &url : slice.kept)
+            kept.add(url);
+    }
+    const ResolvedExclusions resolved = resolveExclusions(m_calls, m_access, kept);
+    for (const FileUrl &url : resolved.paths.urls())
+        m_plan.m_excluded.add(url);
+    m_plan.m_excludedIdentities.insert(m_plan.m_excludedIdentities.end(),
+                                       resolved.identities.begin(), resolved.identities.end());
 }
 
 void CleaningPlanner::planSlice(const SliceToClean &slice)

@@ -33,6 +33,7 @@ struct SliceToClean
     CleaningMode mode = CleaningMode::ContentsOfFolders;
     ReadOnlyFolders readOnlyFolders = ReadOnlyFolders::Stay; ///< inside the places, not themselves
     WhatGoes whatGoes = WhatGoes::Everything;
+    FileUrls kept = {}; ///< in use inside the places; need not be there
 };
 
 /// Why something that was asked for is left alone.
@@ -85,8 +86,9 @@ public:
     /// Places left alone because they are excluded themselves or lie inside an exclusion.
     const FileUrls &excludedLocations() const { return m_excludedLocations; }
 
+    /// What is kept: the exclusions, and what is in use.
     const ExcludedPaths &excluded() const { return m_excluded; }
-    /// Of every exclusion that was found: it is kept wherever it turns up and whatever its name.
+    /// Of all that was found of them: it is kept wherever it turns up and whatever its name.
     const std::vector<FileIdentity> &excludedIdentities() const { return m_excludedIdentities; }
 
 private:
@@ -99,7 +101,8 @@ private:
     std::vector<FileIdentity> m_excludedIdentities;
 };
 
-/// Plans the cleaning of the chosen slices, in their order. Fails closed: an exclusion that cannot
+/// Plans the cleaning of the chosen slices, in their order. What a slice keeps is kept like an
+/// exclusion. Fails closed: an exclusion that cannot
 /// be read stops everything, one that cannot be found stops the place around it, and a place that
 /// is not a plain folder or file of the granted folder's own file system is refused. A place that
 /// does not exist is simply not in the plan. What is in use the plan just refuses, after all else.

@@ -47,17 +47,17 @@ bool allowsRemovalOf(const FileStatus &entry, const FileStatus &folder, const Ac
 class alignas(kCacheLine) SizingVisitor final : public DirectoryVisitor
 {
 public:
-    SizingVisitor(const SystemCalls &calls, const ActingUser &user, ReadOnlyFolders readOnlyFolders)
-        : m_calls(calls), m_user(user), m_readOnlyFolders(readOnlyFolders)
+    SizingVisitor(const SystemCalls &calls, const ActingUser &user, const SizingRules &rules)
+        : m_calls(calls), m_user(user), m_rules(rules)
     {
     }
 
     const FolderSize &size() const { return m_size; }
 
-    bool shouldEnter(const WalkedFolder &, const char *) override
+    bool shouldEnter(const WalkedFolder &parent, const char *name) override
     {
         ++m_size.items;
-        return true;
+        return !isKept(parent, name);
     }
 
     EntryDetail entered(const WalkedFolder &folder, int descriptor) override
@@ -71,32 +71,40 @@ public:
     {
         ++m_size.items;
         if (entry.status && isNotImmutable(*entry.status) &&
-            allowsRemovalOf(*entry.status, entry.folder.status(), m_user))
+            allowsRemovalOf(*entry.status, entry.folder.status(), m_user) &&
+            !isKept(entry.folder, entry.name))
             m_size.bytes = sumOfByteCounts(m_size.bytes, byteCountOf(*entry.status));
     }
 
     void failed(const WalkedFolder &, const char *, int) override { m_size.isComplete = false; }
 
 private:
+    /// Asked of every entry: most are told by their names alone.
+    bool isKept(const WalkedFolder &folder, const char *name) const
+    {
+        return std::any_of(m_rules.kept.begin(), m_rules.kept.end(), [&](const QByteArray &kept) {
+            return kept.endsWith(name) && folder.pathTo(name) == kept;
+        });
+    }
+
     /// Whether a cleaning will make it so. The place itself keeps its rights.
     bool willAllowRemoval(const WalkedFolder &folder) const
     {
-        return m_readOnlyFolders == ReadOnlyFolders::Emptied && folder.parent() &&
+        return m_rules.readOnlyFolders == ReadOnlyFolders::Emptied && folder.parent() &&
                isNotImmutable(folder.status()) && isOwnAndReadOnly(folder.status(), m_user);
     }
 
     const SystemCalls &m_calls;
     const ActingUser m_user;
-    const ReadOnlyFolders m_readOnlyFolders;
+    const SizingRules &m_rules;
     FolderSize m_size;
 };
 
 FolderSize sizeOfFolder(const SystemCalls &calls, FileDescriptor folder,
-                        const std::stop_token &stop, unsigned threads,
-                        ReadOnlyFolders readOnlyFolders)
+                        const std::stop_token &stop, unsigned threads, const SizingRules &rules)
 {
     std::vector<SizingVisitor> visitors(threads == 0 ? usefulWalkThreads() : threads,
-                                        SizingVisitor(calls, calls.actingUser(), readOnlyFolders));
+                                        SizingVisitor(calls, calls.actingUser(), rules));
     std::vector<DirectoryVisitor *> team;
     team.reserve(visitors.size());
     for (SizingVisitor &visitor : visitors)
@@ -156,27 +164,37 @@ FolderSize sizeOfItem(const SystemCalls &calls, const AnchoredPath &place)
 
 } // namespace
 
+QByteArrayList pathsInside(const FileUrl &place, const FileUrls &urls)
+{
+    const QByteArray prefix = place.path() + '/';
+    QByteArrayList paths;
+    for (const FileUrl &url : urls) {
+        if (url.path().startsWith(prefix))
+            paths.append(url.path().sliced(prefix.size()));
+    }
+    return paths;
+}
+
 FolderSize measureFolder(const SystemCalls &calls, const AnchoredPath &place,
-                         const std::stop_token &stop, unsigned threads,
-                         ReadOnlyFolders readOnlyFolders)
+                         const std::stop_token &stop, unsigned threads, const SizingRules &rules)
 {
     auto folder = openOnVolume(calls, place);
     if (stop.stop_requested())
         return nothingBecauseOf(ECANCELED);
     if (folder)
-        return sizeOfFolder(calls, std::move(*folder), stop, threads, readOnlyFolders);
+        return sizeOfFolder(calls, std::move(*folder), stop, threads, rules);
     const bool isNoFolder = folder.error() == ENOTDIR || folder.error() == ELOOP;
     return isNoFolder ? sizeOfItem(calls, place) : nothingBecauseOf(folder.error());
 }
 
 qint64 sizeForFolderAtPath(const SystemCalls &calls, FileAccess &access, const FileUrl &url,
-                           const std::stop_token &stop, ReadOnlyFolders readOnlyFolders)
+                           const std::stop_token &stop, const SizingRules &rules)
 {
     const AccessScope scope(access);
     const auto place = access.anchoredPath(url);
     if (!place)
         return 0;
-    const FolderSize size = measureFolder(calls, *place, stop, 0, readOnlyFolders);
+    const FolderSize size = measureFolder(calls, *place, stop, 0, rules);
     if (size.item)
         qCInfo(logVantor, "%d : %d", size.item->isDeletable, size.item->isNotImmutable);
     return size.bytes;

@@ -41,10 +41,11 @@ void FreeSpaceViewController::place(const HomeFindings &findings)
     m_measuring = std::stop_source();
     const auto measure = [&calls = m_services.calls, &access = m_services.access,
                           stop = m_measuring.get_token(),
-                          layout = m_home.layout](const FileUrl &url) {
+                          layout = m_home.layout](const FileUrl &url, const FileUrls &kept) {
         const auto readOnlyFolders =
             layout.isInTrash(url) ? ReadOnlyFolders::Emptied : ReadOnlyFolders::Stay;
-        const qint64 bytes = sizeForFolderAtPath(calls, access, url, stop, readOnlyFolders);
+        const SizingRules rules{readOnlyFolders, pathsInside(url, kept)};
+        const qint64 bytes = sizeForFolderAtPath(calls, access, url, stop, rules);
         return stop.stop_requested() ? std::nullopt : std::optional(bytes);
     };
     m_selection.rebuild(m_home.layout, {measure, m_sizeChanged}, m_home.inUse);

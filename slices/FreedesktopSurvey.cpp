@@ -85,7 +85,7 @@ HomeLayout::Places FreedesktopSurvey::places()
         addFolders(SliceKind::OldIos, pattern.constData());
     }
     addMailDownloads();
-    addBrowserData();
+    addPrograms();
     addDownloads();
     if (m_userDirsAreKnown) {
         addTrashOfEnvironment();
@@ -166,22 +166,27 @@ void FreedesktopSurvey::addMailDownloads()
     }
 }
 
-void FreedesktopSurvey::addBrowserData()
+void FreedesktopSurvey::addPrograms()
 {
-    FileUrls &all = m_places.locations[indexOf(SliceKind::BrowserData)];
-    for (const FoundProgram &found : browserFiles(m_reader)) {
-        FileUrls files;
-        for (const QByteArray &path : found.paths) {
-            m_known.append(path);
-            files.append(m_home.appending(path, FileUrlKind::File));
-        }
-        all += files;
-        // A sandbox's cache is a location of its own, and stays with the files.
-        const FileUrl cache = folderUrl(found.cache);
-        if (m_places.locations[indexOf(SliceKind::Cache)].contains(cache))
-            files.append(cache);
-        m_places.programs.push_back({found.program, found.lock, files});
+    for (const FoundProgram &found : findPrograms(m_reader)) {
+        const FileUrls places = placesOf(found);
+        if (!places.isEmpty())
+            m_places.programs.push_back({found.program, found.lock, places});
     }
+}
+
+/// A sandbox's cache is a location of its own, any other lies inside one.
+FileUrls FreedesktopSurvey::placesOf(const FoundProgram &found)
+{
+    FileUrls places;
+    for (const QByteArray &path : found.files) {
+        m_known.append(path);
+        places.append(m_home.appending(path, FileUrlKind::File));
+    }
+    m_places.locations[indexOf(SliceKind::BrowserData)] += places;
+    if (touchesKnown(found.cache))
+        places.append(folderUrl(found.cache));
+    return places;
 }
 
 /// The folder that the user named, unless it holds more than downloads; else the plain name. While
@@ -231,8 +236,23 @@ void FreedesktopSurvey::addCacheOfEnvironment()
     const bool isCalledACache = name == "cache" || name == ".cache";
     const bool isAPrograms = isAtOrInside(*cache, "snap") ||
                              hasHiddenComponent(cache->first(std::max<qsizetype>(slash, 0)));
-    if (isCalledACache && !isAPrograms && !isTheUsers(*cache) && m_reader.hasFolder(*cache))
-        add(SliceKind::Cache, *cache);
+    if (isCalledACache && !isAPrograms && !isTheUsers(*cache) && m_reader.hasFolder(*cache) &&
+        add(SliceKind::Cache, *cache))
+        addCachesOfPrograms(*cache);
+}
+
+/// A program that was started in the same environment has its cache there under the same name.
+void FreedesktopSurvey::addCachesOfPrograms(const QByteArray &cache)
+{
+    const QByteArray usual = folderUrl(".cache").path() + '/';
+    for (ProgramFiles &program : m_places.programs) {
+        FileUrls places;
+        for (const FileUrl &place : program.places) {
+            if (place.path().startsWith(usual))
+                places.append(folderUrl(cache + '/' + place.path().sliced(usual.size())));
+        }
+        program.places += places;
+    }
 }
 
 /// None twice and none inside another, or its files would be listed twice.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "slices/BrowserFiles.h"
+#include "slices/FoundPrograms.h"
 #include "slices/HomeSurvey.h"
 #include "slices/UserFolders.h"
 
@@ -24,7 +24,9 @@ private:
     void addTrash(const QByteArray &trash);
     void addDownloads();
     void addMailDownloads();
-    void addBrowserData();
+    void addPrograms();
+    FileUrls placesOf(const FoundProgram &found);
+    void addCachesOfPrograms(const QByteArray &cache);
     void addTrashOfEnvironment();
     void addCacheOfEnvironment();
     void addSearchFolders();

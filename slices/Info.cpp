@@ -27,27 +27,29 @@ Info::Info(const QString &name, std::optional<FileUrls> fileURLs, std::optional<
     : m_name(name),
       m_image(std::move(image).value_or(name)),
       m_services(std::move(services)),
-      m_fileURLs(std::move(fileURLs)),
       m_fileSizeString(std::move(fileSize))
 {
+    if (fileURLs)
+        m_places = Places{*std::move(fileURLs), {}};
 }
 
 std::optional<FileUrls> Info::fileURLs() const
 {
     const std::scoped_lock lock(m_mutex);
-    return m_fileURLs;
+    return m_places ? std::optional(m_places->urls) : std::nullopt;
 }
 
 void Info::setFileURLs(const FileUrls &fileURLs)
 {
+    const Places places{fileURLs, {}};
     {
         const std::scoped_lock lock(m_mutex);
-        m_fileURLs = fileURLs;
+        m_places = places;
     }
-    const std::optional<qint64> bytes = measured(fileURLs);
+    const std::optional<qint64> bytes = measured(places);
     {
         const std::scoped_lock lock(m_mutex);
-        if (!bytes || m_fileURLs != fileURLs)
+        if (!bytes || m_places != places)
             return; // whoever set newer places measures those
         m_fileSize = *bytes;
     }
@@ -58,10 +60,23 @@ void Info::setFileURLs(const FileUrls &fileURLs, qint64 measuredBytes)
 {
     {
         const std::scoped_lock lock(m_mutex);
-        m_fileURLs = fileURLs;
+        m_places = Places{fileURLs, {}};
         m_fileSize = measuredBytes;
     }
     postSizeChanged();
+}
+
+FileUrls Info::kept() const
+{
+    const std::scoped_lock lock(m_mutex);
+    return m_places ? m_places->kept : FileUrls();
+}
+
+void Info::setPlaces(const FileUrls &fileURLs, const FileUrls &kept)
+{
+    const std::scoped_lock lock(m_mutex);
+    m_places = Places{fileURLs, kept};
+    m_fileSizeString.reset();
 }
 
 qint64 Info::fileSize() const
@@ -92,7 +107,7 @@ void Info::measureOnce()
     // A second reader waits for the first one's walk instead of walking again beside it, so that a
     // cleaning that asks begins only when nobody measures any more.
     const std::scoped_lock measuring(m_measuring);
-    while (const std::optional<FileUrls> places = placesToMeasure()) {
+    while (const std::optional<Places> places = placesToMeasure()) {
         const std::optional<qint64> bytes = measured(*places);
         if (!bytes)
             return;
@@ -101,17 +116,17 @@ void Info::measureOnce()
     }
 }
 
-std::optional<FileUrls> Info::placesToMeasure() const
+std::optional<Info::Places> Info::placesToMeasure() const
 {
     const std::scoped_lock lock(m_mutex);
-    return m_fileSizeString ? std::nullopt : m_fileURLs;
+    return m_fileSizeString ? std::nullopt : m_places;
 }
 
-bool Info::storeFirstMeasure(const FileUrls &places, qint64 bytes)
+bool Info::storeFirstMeasure(const Places &places, qint64 bytes)
 {
     const std::scoped_lock lock(m_mutex);
     // A text that was set, or places that were changed meanwhile, are newer than this measure.
-    if (m_fileSizeString || m_fileURLs != places)
+    if (m_fileSizeString || m_places != places)
         return false;
     m_fileSizeString = bytes == 0 ? QString(kEmptyText) : stringFromByteCount(bytes);
     m_fileSize = bytes;
@@ -127,7 +142,7 @@ void Info::postSizeChanged() const
 bool Info::isMeasured() const
 {
     const std::scoped_lock lock(m_mutex);
-    return m_fileURLs && m_fileSizeString;
+    return m_places && m_fileSizeString;
 }
 
 void Info::setFileSizeString(std::optional<QString> text)
@@ -136,13 +151,13 @@ void Info::setFileSizeString(std::optional<QString> text)
     m_fileSizeString = std::move(text);
 }
 
-std::optional<qint64> Info::measured(const FileUrls &fileURLs) const
+std::optional<qint64> Info::measured(const Places &places) const
 {
     qint64 bytes = 0;
     if (!m_services.measure)
         return bytes;
-    for (const FileUrl &url : fileURLs) {
-        const std::optional<qint64> place = m_services.measure(url);
+    for (const FileUrl &url : places.urls) {
+        const std::optional<qint64> place = m_services.measure(url, places.kept);
         if (!place)
             return std::nullopt;
         bytes = sumOfByteCounts(bytes, *place);

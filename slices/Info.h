@@ -27,9 +27,10 @@ Q_SIGNALS:
 class Info final
 {
 public:
-    /// Measures one place, in bytes; called on the thread that asks for the size text. Nothing when
-    /// it was stopped: a part of the size is no size.
-    using Measure = std::function<std::optional<qint64>(const FileUrl &)>;
+    /// Measures one place without what is kept of all places, in bytes; called on the thread that
+    /// asks for the size text. Nothing when it was stopped: a part of the size is no size.
+    using Measure =
+        std::function<std::optional<qint64>(const FileUrl &place, const FileUrls &kept)>;
 
     /// What a record uses to find its size and to tell of it. A record without places needs none.
     struct Services
@@ -59,6 +60,12 @@ public:
     /// The same for places whose size was just measured elsewhere; returns at once.
     void setFileURLs(const FileUrls &fileURLs, qint64 measuredBytes);
 
+    /// Folders inside the places that stay, with all that they hold, because a program uses them.
+    FileUrls kept() const;
+    /// Sets the places together with what is kept inside them, and forgets the size text: who asks
+    /// for it next measures.
+    void setPlaces(const FileUrls &fileURLs, const FileUrls &kept);
+
     /// Bytes below all places; 0 until measured.
     qint64 fileSize() const;
     /// Posts the notification, also when the size stays the same.
@@ -76,10 +83,18 @@ public:
     void setIsOn(bool isOn) { m_isOn = isOn; }
 
 private:
-    std::optional<qint64> measured(const FileUrls &fileURLs) const;
+    struct Places
+    {
+        FileUrls urls;
+        FileUrls kept;
+
+        friend bool operator==(const Places &, const Places &) = default;
+    };
+
+    std::optional<qint64> measured(const Places &places) const;
     void measureOnce();
-    std::optional<FileUrls> placesToMeasure() const;
-    bool storeFirstMeasure(const FileUrls &places, qint64 bytes);
+    std::optional<Places> placesToMeasure() const;
+    bool storeFirstMeasure(const Places &places, qint64 bytes);
     void postSizeChanged() const;
 
     QString m_name;
@@ -89,7 +104,7 @@ private:
 
     std::mutex m_measuring;     ///< held while the places are walked for the size text
     mutable std::mutex m_mutex; ///< guards what the measuring threads share with the main thread
-    std::optional<FileUrls> m_fileURLs;
+    std::optional<Places> m_places;
     std::optional<QString> m_fileSizeString;
     qint64 m_fileSize = 0;
 };

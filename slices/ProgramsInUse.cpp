@@ -1,9 +1,11 @@
 #include "slices/ProgramsInUse.h"
 
 #include "slices/AnchoredFolder.h"
+#include "slices/UserFolders.h"
 
 #include <algorithm>
 #include <cerrno>
+#include <iterator>
 
 namespace {
 
@@ -72,16 +74,36 @@ Answer ask(const SystemCalls &calls, const AnchoredPath &home, const ProgramLock
                                            : askHostLink(calls, folder->get(), lock.style);
 }
 
+/// Those of the places that are the location or lie inside.
+FileUrls among(const FileUrls &places, const FileUrl &location)
+{
+    FileUrls found;
+    std::copy_if(places.begin(), places.end(), std::back_inserter(found),
+                 [&](const FileUrl &place) { return isAtOrInside(place.path(), location.path()); });
+    return found;
+}
+
+/// Several profiles of a program have one cache.
+void addEach(FileUrls &all, const FileUrls &places)
+{
+    for (const FileUrl &place : places) {
+        if (!all.contains(place))
+            all.append(place);
+    }
+}
+
 } // namespace
 
-bool isUsedByAProgram(const SystemCalls &calls, const AnchoredPath &anchor,
-                      const HomeLayout &layout, const FileUrl &location)
+FileUrls placesInUse(const SystemCalls &calls, const AnchoredPath &anchor, const HomeLayout &layout,
+                     const FileUrl &location)
 {
-    const auto isUsing = [&](const ProgramFiles &program) {
-        return program.places.contains(location) &&
-               ask(calls, anchor, program.lock) == Answer::Running;
-    };
-    return std::any_of(layout.programs().begin(), layout.programs().end(), isUsing);
+    FileUrls found;
+    for (const ProgramFiles &program : layout.programs()) {
+        const FileUrls places = among(program.places, location);
+        if (!places.isEmpty() && ask(calls, anchor, program.lock) == Answer::Running)
+            addEach(found, places);
+    }
+    return found;
 }
 
 ProgramsInUse ProgramsInUse::find(const SystemCalls &calls, const FileAccess &access,
@@ -93,7 +115,7 @@ ProgramsInUse ProgramsInUse::find(const SystemCalls &calls, const FileAccess &ac
         return found; // nothing can be cleaned there either
     for (const ProgramFiles &program : layout.programs()) {
         if (ask(calls, *home, program.lock) == Answer::Running)
-            found.m_programs.append({program.program, program.places});
+            found.m_programs.append(program);
     }
     return found;
 }
@@ -102,20 +124,34 @@ FileUrls ProgramsInUse::without(const FileUrls &locations) const
 {
     FileUrls rest = locations;
     rest.removeIf([this](const FileUrl &location) {
-        return std::any_of(m_programs.begin(), m_programs.end(), [&](const Program &program) {
+        return std::any_of(m_programs.begin(), m_programs.end(), [&](const ProgramFiles &program) {
             return program.places.contains(location);
         });
     });
     return rest;
 }
 
+FileUrls ProgramsInUse::keptInside(const FileUrls &locations) const
+{
+    FileUrls kept;
+    for (const ProgramFiles &program : m_programs) {
+        for (const FileUrl &location : locations) {
+            addEach(kept, among(program.places, location));
+        }
+    }
+    kept.removeIf([&](const FileUrl &place) { return locations.contains(place); });
+    return kept;
+}
+
 QStringList ProgramsInUse::programs(const FileUrls &locations) const
 {
     QStringList names;
-    for (const Program &program : m_programs) {
-        const auto isKept = [&](const FileUrl &place) { return locations.contains(place); };
-        if (std::any_of(program.places.begin(), program.places.end(), isKept))
-            names.append(program.name);
+    for (const ProgramFiles &program : m_programs) {
+        const auto keepsSome = [&](const FileUrl &location) {
+            return !among(program.places, location).isEmpty();
+        };
+        if (std::any_of(locations.begin(), locations.end(), keepsSome))
+            names.append(program.program);
     }
     names.removeDuplicates();
     return names;

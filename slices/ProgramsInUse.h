@@ -6,10 +6,10 @@
 
 #include <QStringList>
 
-/// Whether a program of the layout that uses this location runs at this very moment, as its lock
-/// below the home tells, which `anchor` holds open; not for the main thread.
-bool isUsedByAProgram(const SystemCalls &calls, const AnchoredPath &anchor,
-                      const HomeLayout &layout, const FileUrl &location);
+/// The places at and inside this location whose programs run at this very moment, each once, as
+/// their locks below the home tell, which `anchor` holds open; not for the main thread.
+FileUrls placesInUse(const SystemCalls &calls, const AnchoredPath &anchor, const HomeLayout &layout,
+                     const FileUrl &location);
 
 /// The programs of a layout that were running when they were looked for, and the places that are
 /// therefore left out: a browser writes its cookies back when it ends, and breaks when they vanish
@@ -26,14 +26,11 @@ public:
 
     /// The locations without those that are left out.
     FileUrls without(const FileUrls &locations) const;
-    /// The names of those that keep some of these locations, each once.
+    /// The folders that stay inside these locations, each once; they need not be there.
+    FileUrls keptInside(const FileUrls &locations) const;
+    /// The names of those that keep some of these locations or something inside, each once.
     QStringList programs(const FileUrls &locations) const;
 
 private:
-    struct Program
-    {
-        QString name;
-        FileUrls places;
-    };
-    QList<Program> m_programs;
+    QList<ProgramFiles> m_programs;
 };

@@ -27,6 +27,12 @@ Protection::Protection(const CleaningPlan &plan, const CleaningLocation &locatio
     std::sort(m_inodes.begin(), m_inodes.end());
 }
 
+void Protection::keep(const FileUrl &folder)
+{
+    m_excluded.add(folder);
+    m_isTouched = true;
+}
+
 bool Protection::keepsInode(std::uint64_t inode) const
 {
     return std::binary_search(m_inodes.begin(), m_inodes.end(), inode);

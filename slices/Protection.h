@@ -10,6 +10,9 @@ public:
     /// `device` is the one that the location lies on; nothing is entered on another.
     Protection(const CleaningPlan &plan, const CleaningLocation &location, std::uint64_t device);
 
+    /// Keeps one more, a folder inside the location.
+    void keep(const FileUrl &folder);
+
     std::uint64_t device() const { return m_device; }
     /// Whether the items inside have to be judged by their paths.
     bool isTouched() const { return m_isTouched; }

@@ -2,6 +2,7 @@
 
 #include "slices/ProgramsInUse.h"
 
+#include <functional>
 #include <memory>
 
 class Info;
@@ -11,7 +12,12 @@ class Info;
 void placeRecords(const std::vector<std::shared_ptr<Info>> &records, const HomeLayout &layout,
                   const ProgramsInUse &inUse);
 
-/// Takes the places in use away from the records; none is given back, for nobody has confirmed it.
-/// Measures like the above. The places that were taken away.
+/// Takes the places in use, and those inside places, away from the records; none is given back, for
+/// nobody has confirmed it. Measures like the above. What was taken away.
 FileUrls takeAwayPlacesInUse(const std::vector<std::shared_ptr<Info>> &records,
                              const ProgramsInUse &inUse);
+
+/// Takes what these places hold off the sizes of the records to whose places they belong: they were
+/// measured, but then stayed. `sizeOf` is asked on the calling thread.
+void takeAwaySizes(const std::vector<std::shared_ptr<Info>> &records, const FileUrls &stayed,
+                   const std::function<qint64(const FileUrl &)> &sizeOf);

@@ -15,10 +15,13 @@ std::shared_ptr<Info> madeRecord(const SliceDescription &slice, const HomeLayout
 {
     const QString name = QString::fromUtf16(slice.name);
     if (slice.kind != SliceKind::LargeFiles) {
-        std::optional<FileUrls> places = layout.locations(slice.kind);
-        if (places)
-            places = inUse.without(*places);
-        return Info::infoWithName(name, std::move(places), services);
+        const std::optional<FileUrls> locations = layout.locations(slice.kind);
+        auto record = Info::infoWithName(name, locations, services);
+        if (locations) {
+            const FileUrls places = inUse.without(*locations);
+            record->setPlaces(places, inUse.keptInside(places));
+        }
+        return record;
     }
     auto record = std::make_shared<Info>(name, std::nullopt, name,
                                          QString::fromUtf16(kClickToSelect), services);

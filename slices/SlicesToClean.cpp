@@ -65,7 +65,7 @@ QList<SliceToClean> slicesToClean(const HomeLayout &layout,
             slices += trashToClean(layout, record->name(), locations);
         else
             slices.append({record->name(), locations, modeOf(record->name()), ReadOnlyFolders::Stay,
-                           whatGoesOf(layout, record->name())});
+                           whatGoesOf(layout, record->name()), record->kept()});
     }
     return slices;
 }

@@ -19,7 +19,7 @@ public:
     std::shared_ptr<Info> info(const QString &name)
     {
         Info::Services services;
-        services.measure = [this](const FileUrl &) {
+        services.measure = [this](const FileUrl &, const FileUrls &) {
             ++measured;
             m_started.release();
             m_allowed.acquire();

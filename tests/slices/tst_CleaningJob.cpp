@@ -92,7 +92,7 @@ void TestCleaningJob::cleanup()
 
 std::shared_ptr<Info> TestCleaningJob::record(SliceKind kind) const
 {
-    const auto measure = [](const FileUrl &url) {
+    const auto measure = [](const FileUrl &url, const FileUrls &) {
         return sizeForFolderAtPath(hostSystemCalls(), ResourceManager::access(), url);
     };
     return Info::infoWithName(QString::fromUtf16(sliceCatalogue()[indexOf(kind)].name),

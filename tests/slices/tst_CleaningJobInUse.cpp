@@ -1,6 +1,7 @@
 #include "app/ResourceManager.h"
 #include "slices/CleaningJob.h"
 #include "slices/ExcludedPaths.h"
+#include "slices/FolderSizing.h"
 #include "slices/HomeSurvey.h"
 #include "slices/Info.h"
 #include "tests/support/GuiTestMain.h"
@@ -22,6 +23,9 @@ private Q_SLOTS:
     void cleanup();
 
     void keepsWhatAProgramStartedMeanwhileUses();
+    void keepsTheCacheOfAProgramThatRuns();
+    void keepsTheCacheOfAProgramStartedMeanwhile();
+    void countsNothingAsFreedThatStayed();
     void logsWhatStaysForAProgram();
 
 private:
@@ -36,7 +40,9 @@ private:
         return surveyHome(m_calls, ResourceManager::access(), m_fixture->homeUrl(), {});
     }
     CleaningReport clean(const QList<SliceKind> &kinds);
+    void startFirefoxAtTheFirst(std::string_view call);
 
+    CleaningJob::Records m_chosen; ///< of the last cleaning
     std::unique_ptr<PageFixture> m_fixture;
     QuietMachine m_calls;
 };
@@ -47,7 +53,10 @@ void TestCleaningJobInUse::init()
     m_fixture = std::make_unique<PageFixture>(HomeKind::Freedesktop);
     m_fixture->grantHome();
     QVERIFY(ResourceManager::homeFolder() == m_fixture->homeUrl());
+    m_fixture->makeFile(".local/share/Trash/files/t", 5);
     m_fixture->makeFile(".cache/other/c", 5);
+    m_fixture->makeFile(".cache/mozilla/firefox/a/c", 7);
+    m_fixture->makeFile(".cache/mozilla/firefox/.hidden", 100);
     m_fixture->makeFile(".config/chromium/Default/History", 5);
     m_fixture->makeFile(".mozilla/firefox/a/cookies.sqlite", 5);
     m_fixture->makeFile(".mozilla/firefox/a/formhistory.sqlite", 5);
@@ -61,17 +70,21 @@ void TestCleaningJobInUse::cleanup()
 CleaningReport TestCleaningJobInUse::clean(const QList<SliceKind> &kinds)
 {
     const HomeLayout layout = this->layout();
-    CleaningJob::Records chosen;
+    const auto measure = [this](const FileUrl &url, const FileUrls &kept) {
+        return sizeForFolderAtPath(m_calls, ResourceManager::access(), url, {},
+                                   {.kept = pathsInside(url, kept)});
+    };
+    m_chosen.clear();
     for (const SliceKind kind : kinds)
-        chosen.push_back(Info::infoWithName(
-            QString::fromUtf16(sliceCatalogue()[indexOf(kind)].name), layout.locations(kind),
-            {[](const FileUrl &) { return qint64{5}; }, nullptr}));
+        m_chosen.push_back(
+            Info::infoWithName(QString::fromUtf16(sliceCatalogue()[indexOf(kind)].name),
+                               layout.locations(kind), {measure, nullptr}));
     CleaningJob job(m_calls, ResourceManager::access());
     CleaningReport report;
     QSignalSpy finished(&job, &CleaningJob::finished);
     connect(&job, &CleaningJob::finished, this, [&](const CleaningReport &done) { report = done; });
     job.start(
-        chosen, [] { return ExcludedPaths(); }, layout);
+        m_chosen, [] { return ExcludedPaths(); }, layout);
     if (!finished.wait())
         qFatal("the cleaning did not end");
     return report;
@@ -79,20 +92,57 @@ CleaningReport TestCleaningJobInUse::clean(const QList<SliceKind> &kinds)
 
 void TestCleaningJobInUse::keepsWhatAProgramStartedMeanwhileUses()
 {
-    bool hasStarted = false;
-    m_calls.setHook([&](int, std::string_view name) {
-        if (name == "removeFile" && !std::exchange(hasStarted, true))
-            firefoxStarts();
-        return 0;
-    });
+    startFirefoxAtTheFirst("removeFile");
     const CleaningReport report = clean({SliceKind::Cache, SliceKind::BrowserData});
-    QVERIFY(hasStarted);
     QVERIFY(!m_fixture->exists(".cache/other"));
     QVERIFY(!m_fixture->exists(".config/chromium/Default/History"));
     QVERIFY(m_fixture->exists(".mozilla/firefox/a/cookies.sqlite"));
     QVERIFY(m_fixture->exists(".mozilla/firefox/a/formhistory.sqlite"));
     QCOMPARE(report.refusalCount, 2U);
     QCOMPARE(report.refusals.value(0).reason, RefusalReason::InUse);
+}
+
+void TestCleaningJobInUse::startFirefoxAtTheFirst(std::string_view call)
+{
+    m_calls.setHook([this, call, hasStarted = false](int, std::string_view name) mutable {
+        if (name == call && !std::exchange(hasStarted, true))
+            firefoxStarts();
+        return 0;
+    });
+}
+
+void TestCleaningJobInUse::keepsTheCacheOfAProgramThatRuns()
+{
+    firefoxStarts();
+    const CleaningReport report = clean({SliceKind::Cache});
+    QVERIFY(!m_fixture->exists(".cache/other"));
+    QVERIFY(m_fixture->exists(".cache/mozilla/firefox/a/c"));
+    QVERIFY(m_fixture->exists(".cache/mozilla/firefox/.hidden"));
+    QCOMPARE(report.refusals.value(0).reason, RefusalReason::InUse);
+    QCOMPARE(report.refusals.value(0).path, m_fixture->home() + "/.cache/mozilla");
+    QCOMPARE(report.refusalCount, 1U);
+    QCOMPARE(m_chosen.front()->fileSize(), 5);
+}
+
+/// Between the trash and the cache.
+void TestCleaningJobInUse::keepsTheCacheOfAProgramStartedMeanwhile()
+{
+    startFirefoxAtTheFirst("removeFile");
+    const CleaningReport report = clean({SliceKind::Trash, SliceKind::Cache});
+    QVERIFY(!m_fixture->exists(".local/share/Trash/files/t"));
+    QVERIFY(!m_fixture->exists(".cache/other"));
+    QVERIFY(m_fixture->exists(".cache/mozilla/firefox/a/c"));
+    QCOMPARE(report.refusalCount, 1U);
+    QCOMPARE(report.refusals.value(0).path, m_fixture->home() + "/.cache/mozilla");
+}
+
+void TestCleaningJobInUse::countsNothingAsFreedThatStayed()
+{
+    startFirefoxAtTheFirst("removeFile");
+    clean({SliceKind::Trash, SliceKind::Cache, SliceKind::BrowserData});
+    QCOMPARE(m_chosen.at(0)->fileSize(), 5);
+    QCOMPARE(m_chosen.at(1)->fileSize(), 5); // of 12
+    QCOMPARE(m_chosen.at(2)->fileSize(), 5); // of 15
 }
 
 void TestCleaningJobInUse::logsWhatStaysForAProgram()

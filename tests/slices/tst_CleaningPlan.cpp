@@ -32,6 +32,7 @@ private Q_SLOTS:
     void knowsAnExclusionByAnotherRoad();
     void refusesAPlaceOnAnotherVolume();
     void marksPlacesThatHoldAnExclusion();
+    void keepsWhatASliceKeeps();
 
     void sparesAnExcludedFileAmongSeveral();
     void sparesFilesThatShareTheirIdentityWithAnExclusion();
@@ -321,6 +322,18 @@ void TestCleaningPlan::marksPlacesThatHoldAnExclusion()
     QVERIFY(plan.locations()[0].isTouched);
     QVERIFY(!plan.locations()[1].isTouched);
     QCOMPARE(plan.excludedIdentities().size(), std::size_t(1));
+}
+
+void TestCleaningPlan::keepsWhatASliceKeeps()
+{
+    SliceToClean downloads = contentsOf({m_home->folder("Downloads")});
+    downloads.kept = {m_home->folder("Downloads/Keep"), m_home->folder("Downloads/gone")};
+    const CleaningPlan plan = planned({downloads});
+    QCOMPARE(plan.locations().size(), 1U); // what is not there stops nothing
+    QVERIFY(plan.locations().front().isTouched);
+    QCOMPARE(plan.excluded().urls(), downloads.kept);
+    QCOMPARE(plan.excludedIdentities().size(), 1U);
+    QVERIFY(plan.refusals().isEmpty());
 }
 
 void TestCleaningPlan::sparesAnExcludedFileAmongSeveral()

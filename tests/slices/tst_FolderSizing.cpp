@@ -81,6 +81,7 @@ private Q_SLOTS:
     void judgesPlacesOfAllKinds_data();
     void judgesPlacesOfAllKinds();
     void refusesLinksOnTheWay();
+    void leavesOutWhatIsKept();
     void finds0OutsideTheGrant();
 };
 
@@ -264,6 +265,26 @@ void TestFolderSizing::refusesLinksOnTheWay()
     QCOMPARE(measured(tree, "link/folder/file").bytes, 0);
     QCOMPARE(measured(tree, "folder/folder/../../../etc").bytes, 0);
     QCOMPARE(measured(tree, QByteArray("folder\0/folder", 14)).bytes, 0);
+}
+
+void TestFolderSizing::leavesOutWhatIsKept()
+{
+    const MadeTree tree;
+    for (const char *folder : {"cache", "cache/web", "cache/web/deep", "cache/my web",
+                               "cache/maker", "cache/maker/web", "cache/maker/other"}) {
+        tree.makeFolder(folder);
+        tree.makeFile(QByteArray(folder) + "/file", 1);
+    }
+    tree.makeFile("cache/lone", 10);
+    const auto sizeWithout = [&](const QByteArrayList &kept) {
+        return measureFolder(hostSystemCalls(), {tree.descriptor(), "cache"}, {}, 2, {.kept = kept})
+            .bytes;
+    };
+    QCOMPARE(sizeWithout({}), 17);
+    QCOMPARE(sizeWithout({"web"}), 15);
+    QCOMPARE(sizeWithout({"web", "maker/web"}), 14);
+    QCOMPARE(sizeWithout({"maker/other", "lone", "gone"}), 6);
+    QCOMPARE(sizeWithout({"we", "file/", "eb/deep"}), 17);
 }
 
 void TestFolderSizing::finds0OutsideTheGrant()

@@ -42,6 +42,7 @@ private Q_SLOTS:
     void opensTheTrash();
     void searchesLargeFilesWhereTheHomeNamesThem();
     void leavesOutWhatARunningBrowserUses();
+    void leavesOutTheCacheOfARunningBrowser();
     void looksForProgramsAgainBeforeItAsks();
     void givesBackWhatAnEndedProgramUsed();
     void keepsTheFilesOfAProgramStartedAfterTheConsent();
@@ -290,6 +291,28 @@ void TestFreeSpaceHome::leavesOutWhatARunningBrowserUses()
     QCOMPARE(m_delegate.moves[0].data, QVariant(qint64{4'000'000}));
     QVERIFY(m_fixture->exists(".mozilla/firefox/x.default/cookies.sqlite"));
     QVERIFY(!m_fixture->exists(".config/chromium/Default/History"));
+}
+
+void TestFreeSpaceHome::leavesOutTheCacheOfARunningBrowser()
+{
+    m_fixture->makeFile(".cache/mozilla/firefox/x.default/c", 700'000);
+    m_fixture->defaults().setBooleans(VNTSelectedSlicesString,
+                                      {false, false, true, false, false, false, false, false});
+    firefoxStarts();
+    appear();
+    QTRY_COMPARE(m_page->selection().totalSize(), 2'000'000);
+    QVERIFY(description(SliceKind::Cache)
+                .contains(QStringLiteral("Firefox is in use: its files stay.")));
+    m_page->next();
+    QTRY_VERIFY(hasSheet(*m_page->view()));
+    QVERIFY(sheetText(*m_page->view())
+                .contains(QStringLiteral("• Cache (2 MB without the files of Firefox, which is "
+                                         "in use)\n")));
+    QVERIFY(pressSheetButton(*m_page->view(), QStringLiteral("Delete Files")));
+    QTRY_COMPARE(m_delegate.moves.size(), 1);
+    QCOMPARE(m_delegate.moves[0].data, QVariant(qint64{2'000'000}));
+    QVERIFY(m_fixture->exists(".cache/mozilla/firefox/x.default/c"));
+    QVERIFY(!m_fixture->exists(".cache/a"));
 }
 
 void TestFreeSpaceHome::looksForProgramsAgainBeforeItAsks()

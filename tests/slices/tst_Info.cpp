@@ -47,6 +47,8 @@ private Q_SLOTS:
     void staysUnmeasuredWhenTheMeasureIsStopped();
     void dropsAMeasureOfPlacesThatWereChangedMeanwhile();
     void dropsAnOldMeasureOfNewPlaces();
+    void measuresItsPlacesWithoutWhatIsKept();
+    void dropsAMeasureOfWhatIsKeptMeanwhile();
     void doesNotTurnOver();
     void needsNoServices();
     void printsAsItsName();
@@ -69,7 +71,7 @@ void TestInfo::init()
     m_posts =
         std::make_unique<QSignalSpy>(m_notification.get(), &FileSizeChangedNotification::posted);
     m_measures = 0;
-    m_services = {[this](const FileUrl &url) {
+    m_services = {[this](const FileUrl &url, const FileUrls &) {
                       ++m_measures;
                       return bytesOf(url);
                   },
@@ -225,7 +227,7 @@ void TestInfo::isMeasuredByTwoReadersAtOnce()
 
 void TestInfo::staysUnmeasuredWhenTheMeasureIsStopped()
 {
-    m_services.measure = [](const FileUrl &url) {
+    m_services.measure = [](const FileUrl &url, const FileUrls &) {
         return url == kCaches ? std::optional(bytesOf(url)) : std::nullopt;
     };
     const auto info = slice(FileUrls{kCaches, kLogs});
@@ -241,7 +243,7 @@ void TestInfo::staysUnmeasuredWhenTheMeasureIsStopped()
 void TestInfo::dropsAMeasureOfPlacesThatWereChangedMeanwhile()
 {
     std::shared_ptr<Info> info;
-    m_services.measure = [&](const FileUrl &url) {
+    m_services.measure = [&](const FileUrl &url, const FileUrls &) {
         if (url == kCaches) { // while these are being measured, somebody chooses others
             info->setFileURLs({kLogs});
             info->setFileSizeString(QStringLiteral("chosen"));
@@ -256,7 +258,7 @@ void TestInfo::dropsAMeasureOfPlacesThatWereChangedMeanwhile()
 void TestInfo::dropsAnOldMeasureOfNewPlaces()
 {
     std::shared_ptr<Info> info;
-    m_services.measure = [&](const FileUrl &url) {
+    m_services.measure = [&](const FileUrl &url, const FileUrls &) {
         if (url == kCaches)
             info->setFileURLs({kLogs});
         return bytesOf(url);
@@ -268,10 +270,43 @@ void TestInfo::dropsAnOldMeasureOfNewPlaces()
     QCOMPARE(info->fileSizeString(), QStringLiteral("34 MB"));
 }
 
+void TestInfo::measuresItsPlacesWithoutWhatIsKept()
+{
+    const FileUrl kept = kCaches.appending("browser", FileUrlKind::Folder);
+    m_services.measure = [&](const FileUrl &url, const FileUrls &without) {
+        return bytesOf(url) - 1'000'000 * without.count(kept);
+    };
+    const auto info = slice(FileUrls{kCaches});
+    QCOMPARE(info->kept(), FileUrls());
+    QCOMPARE(info->fileSizeString(), QStringLiteral("1.2 GB"));
+    info->setPlaces({kCaches, kLogs}, {kept});
+    QVERIFY(!info->isMeasured());
+    QCOMPARE(info->fileURLs(), FileUrls({kCaches, kLogs}));
+    QCOMPARE(info->kept(), FileUrls{kept});
+    QCOMPARE(info->fileSizeString(), QStringLiteral("1.23 GB"));
+    QCOMPARE(info->fileSize(), 1'232'000'000); // asked for each of both places
+    info->setFileURLs({kCaches});
+    QCOMPARE(info->kept(), FileUrls());
+    QCOMPARE(info->fileSize(), 1'200'000'000);
+}
+
+void TestInfo::dropsAMeasureOfWhatIsKeptMeanwhile()
+{
+    std::shared_ptr<Info> info;
+    m_services.measure = [&](const FileUrl &url, const FileUrls &without) {
+        if (without.isEmpty()) // while all is being measured, a program begins to use a part
+            info->setPlaces({kCaches}, {kLogs});
+        return bytesOf(url) - without.size();
+    };
+    info = slice(FileUrls{kCaches});
+    info->fileSizeString();
+    QCOMPARE(info->fileSize(), 1'199'999'999);
+}
+
 void TestInfo::doesNotTurnOver()
 {
     constexpr qint64 kMost = std::numeric_limits<qint64>::max();
-    m_services.measure = [](const FileUrl &) { return kMost; };
+    m_services.measure = [](const FileUrl &, const FileUrls &) { return kMost; };
     const auto info = slice(FileUrls{kCaches, kLogs});
     QCOMPARE(info->fileSizeString(), QStringLiteral("9.22 EB"));
     QCOMPARE(info->fileSize(), kMost);

@@ -46,6 +46,11 @@ private Q_SLOTS:
     void looksForMailProgramsInTheProcessList();
     void leavesOutTheFilesOfTheOneProfileAlone();
     void leavesOutTheCacheOfASandboxedBrowser();
+    void keepsTheCachesInsideThatOfTheUser();
+    void noticesABrowserWithoutAnyFiles();
+    void keepsTheCachesInsideThatOfTheEnvironment();
+    void keepsTheCachesOfMailPrograms();
+    void tellsWhatIsInUseAtThisMoment();
     void namesEachProgramOnce();
     void takesWhatCannotBeToldForRunning_data();
     void takesWhatCannotBeToldForRunning();
@@ -183,6 +188,77 @@ void TestProgramsInUse::leavesOutTheCacheOfASandboxedBrowser()
              QByteArrayList({".cache/", ".var/app/org.a.A/cache/"}));
     QCOMPARE(found(home).programs(caches),
              QStringList({QStringLiteral("Brave"), QStringLiteral("Firefox")}));
+}
+
+void TestProgramsInUse::keepsTheCachesInsideThatOfTheUser()
+{
+    const MadeHome home({".cache/mozilla/x", ".cache/BraveSoftware/Brave-Browser/x",
+                         ".mozilla/firefox/a/x", ".mozilla/firefox/b/x",
+                         ".config/BraveSoftware/Brave-Browser/Default/History"});
+    const FileUrls caches = places(home.survey(), SliceKind::Cache);
+    QVERIFY(found(home).keptInside(caches).isEmpty());
+    QVERIFY(found(home).programs(caches).isEmpty());
+    for (const char *profile : {"a", "b"})
+        home.link(QByteArray(".mozilla/firefox/") + profile + "/lock", "127.0.1.1:+77");
+    home.link(".config/BraveSoftware/Brave-Browser/SingletonLock", "desk-77");
+    QCOMPARE(found(home).without(caches), caches);
+    QCOMPARE(home.relative(found(home).keptInside(caches)),
+             QByteArrayList({".cache/BraveSoftware/Brave-Browser/", ".cache/mozilla/"}));
+    QCOMPARE(found(home).programs(caches),
+             QStringList({QStringLiteral("Brave"), QStringLiteral("Firefox")}));
+}
+
+void TestProgramsInUse::noticesABrowserWithoutAnyFiles()
+{
+    const MadeHome home({".cache/chromium/x", ".config/chromium/", ".cache/google-chrome-beta/x",
+                         ".config/google-chrome-beta/Default/Cookies", ".cache/opera/x"});
+    const FileUrls caches = places(home.survey(), SliceKind::Cache);
+    home.link(".config/chromium/SingletonLock", "desk-77");
+    home.link(".config/google-chrome-beta/SingletonLock", "desk-77");
+    QCOMPARE(home.relative(found(home).keptInside(caches)),
+             QByteArrayList({".cache/chromium/", ".cache/google-chrome-beta/"}));
+    QVERIFY(places(home.survey(), SliceKind::BrowserData).isEmpty());
+}
+
+void TestProgramsInUse::keepsTheCachesInsideThatOfTheEnvironment()
+{
+    const MadeHome home({".cache/mozilla/x", "var/cache/mozilla/x", ".mozilla/firefox/a/x"});
+    home.link(".mozilla/firefox/a/lock", "127.0.1.1:+77");
+    const HomeLayout layout = home.survey({.dataHome = {}, .cacheHome = home.path("var/cache")});
+    const auto inUse = ProgramsInUse::find(*m_machine, home.access(), layout);
+    QCOMPARE(home.relative(inUse.keptInside(places(layout, SliceKind::Cache))),
+             QByteArrayList({".cache/mozilla/", "var/cache/mozilla/"}));
+}
+
+void TestProgramsInUse::keepsTheCachesOfMailPrograms()
+{
+    const MadeHome home({".cache/thunderbird/x", ".thunderbird/a/x", ".cache/evolution/x",
+                         ".var/app/org.gnome.Evolution/cache/x", ".cache/geary/x"});
+    const FileUrls caches = places(home.survey(), SliceKind::Cache);
+    home.link(".thunderbird/a/lock", "127.0.1.1:+77");
+    m_machine->programs = {"evolution"};
+    QCOMPARE(home.relative(found(home).keptInside(caches)),
+             QByteArrayList({".cache/thunderbird/", ".cache/evolution/"}));
+    QCOMPARE(home.relative(found(home).without(caches)), QByteArrayList{".cache/"});
+}
+
+void TestProgramsInUse::tellsWhatIsInUseAtThisMoment()
+{
+    const MadeHome home({".cache/mozilla/x", ".mozilla/firefox/a/cookies.sqlite",
+                         ".mozilla/firefox/b/cookies.sqlite"});
+    const HomeLayout layout = home.survey();
+    const auto inUse = [&](const QByteArray &path, FileUrlKind kind) {
+        const FileUrl url = home.url().appending(path, kind);
+        return home.relative(
+            placesInUse(*m_machine, *home.access().anchoredPath(url), layout, url));
+    };
+    QVERIFY(inUse(".cache", FileUrlKind::Folder).isEmpty());
+    for (const char *profile : {"a", "b"})
+        home.link(QByteArray(".mozilla/firefox/") + profile + "/lock", "127.0.1.1:+77");
+    QCOMPARE(inUse(".cache", FileUrlKind::Folder), QByteArrayList{".cache/mozilla/"});
+    QCOMPARE(inUse(".mozilla/firefox/a/cookies.sqlite", FileUrlKind::File),
+             QByteArrayList{".mozilla/firefox/a/cookies.sqlite"});
+    QVERIFY(inUse(".config", FileUrlKind::Folder).isEmpty());
 }
 
 void TestProgramsInUse::namesEachProgramOnce()

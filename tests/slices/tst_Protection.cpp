@@ -12,6 +12,7 @@ private Q_SLOTS:
     void judgesItemsByTheirPaths_data();
     void judgesItemsByTheirPaths();
     void knowsExcludedItemsByTheirNumbers();
+    void keepsWhatItIsToldLater();
     void knowsNumbersOfItsOwnDeviceOnly();
 
 private:
@@ -84,6 +85,20 @@ void TestProtection::knowsExcludedItemsByTheirNumbers()
         QVERIFY(known.keepsInode(inodeOf(name)));
     for (const char *name : {"way", "way/Keep/a", "other"})
         QVERIFY(!known.keepsInode(inodeOf(name)));
+}
+
+void TestProtection::keepsWhatItIsToldLater()
+{
+    const CleaningPlan plan = makeCleaningPlan(hostSystemCalls(), *m_home,
+                                               {contentsOf({m_home->folder("Downloads")})}, {});
+    const CleaningLocation &location = plan.locations().front();
+    Protection protection(plan, location, location.identity.device);
+    QVERIFY(!protection.isTouched());
+    protection.keep(m_home->folder("Downloads/way/Keep"));
+    QVERIFY(protection.isTouched());
+    QCOMPARE(protection.sparing(m_downloads + "way/Keep", FileKind::Folder), Sparing::Whole);
+    QCOMPARE(protection.sparing(m_downloads + "way", FileKind::Folder), Sparing::OnTheWay);
+    QCOMPARE(protection.sparing(m_downloads + "other", FileKind::Regular), Sparing::None);
 }
 
 void TestProtection::knowsNumbersOfItsOwnDeviceOnly()

@@ -74,7 +74,7 @@ private:
         for (const FileUrl &place : places) {
             const auto rule =
                 layout.isInTrash(place) ? ReadOnlyFolders::Emptied : ReadOnlyFolders::Stay;
-            shown += measureFolder(calls, *access.anchoredPath(place), {}, 1, rule).bytes;
+            shown += measureFolder(calls, *access.anchoredPath(place), {}, 1, {rule}).bytes;
         }
         const auto record =
             Info::infoWithName(QString::fromUtf16(sliceCatalogue()[indexOf(kind)].name), places);

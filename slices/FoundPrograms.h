@@ -1,0 +1,26 @@
+#pragma once
+
+#include "slices/HomeLayout.h"
+#include "slices/HomeReader.h"
+
+/// A program that was found in a home, with what is its own there, by paths relative to the home.
+struct FoundProgram
+{
+    QString program;
+    ProgramLock lock;
+    QByteArrayList files; ///< what may be removed, and is there
+    QByteArray cache;     ///< a folder, which may be missing
+};
+
+/// The browsers and the mail programs of a freedesktop home that have something to lose while they
+/// run.
+///
+/// Their files are the cookies, the history and the form entries of every profile of the browsers
+/// that are known well: each database before its journals, for a journal without its database is
+/// thrown away by whoever opens it next, while a database without its journal may be broken.
+/// Bookmarks and passwords, and whatever holds them besides, are not among them. Of all other
+/// programs nothing but caches is known.
+std::vector<FoundProgram> findPrograms(const HomeReader &home);
+
+/// The database to which a journal of this name belongs; empty for what is no journal.
+QByteArray databaseOfJournal(const QByteArray &name);
