@@ -84,7 +84,8 @@ constexpr std::array kFirefoxFolders{
 /// Not "places.sqlite", the history: it holds the bookmarks too.
 constexpr std::array kFirefoxFiles{"cookies.sqlite", "formhistory.sqlite"};
 
-/// A program without a lock, known by its cache.
+/// A program known by its cache: one without a lock, or whose lock may be elsewhere, because the
+/// profiles are behind a link or were named when it was started.
 struct CacheFolder
 {
     const char *program;
@@ -93,6 +94,18 @@ struct CacheFolder
 };
 
 constexpr std::array kCacheFolders{
+    CacheFolder{"Firefox", "firefox", ".cache/mozilla"},
+    CacheFolder{"Firefox", "firefox-bin", ".cache/mozilla"},
+    CacheFolder{"Firefox", "firefox-esr", ".cache/mozilla"},
+    CacheFolder{"Chrome", "chrome", ".cache/google-chrome"},
+    CacheFolder{"Chromium", "chromium", ".cache/chromium"},
+    CacheFolder{"Brave", "brave", ".cache/BraveSoftware"},
+    CacheFolder{"Edge", "msedge", ".cache/microsoft-edge"},
+    CacheFolder{"Vivaldi", "vivaldi-bin", ".cache/vivaldi"},
+    CacheFolder{"Opera", "opera", ".cache/opera"},
+    CacheFolder{"Thunderbird", "thunderbird", ".cache/thunderbird"},
+    CacheFolder{"Thunderbird", "thunderbird-bin", ".cache/thunderbird"},
+    CacheFolder{"Thunderbird", "thunderbird-esr", ".cache/thunderbird"},
     CacheFolder{"Evolution", "evolution", ".cache/evolution"},
     CacheFolder{"Evolution", "evolution", ".var/app/org.gnome.Evolution/cache"},
     CacheFolder{"Geary", "geary", ".cache/geary"},

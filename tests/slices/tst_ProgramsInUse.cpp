@@ -50,6 +50,7 @@ private Q_SLOTS:
     void noticesABrowserWithoutAnyFiles();
     void keepsTheCachesInsideThatOfTheEnvironment();
     void keepsTheCachesOfMailPrograms();
+    void keepsTheCacheOfABrowserWhoseLockIsElsewhere();
     void tellsWhatIsInUseAtThisMoment();
     void namesEachProgramOnce();
     void takesWhatCannotBeToldForRunning_data();
@@ -240,6 +241,16 @@ void TestProgramsInUse::keepsTheCachesOfMailPrograms()
     QCOMPARE(home.relative(found(home).keptInside(caches)),
              QByteArrayList({".cache/thunderbird/", ".cache/evolution/"}));
     QCOMPARE(home.relative(found(home).without(caches)), QByteArrayList{".cache/"});
+}
+
+void TestProgramsInUse::keepsTheCacheOfABrowserWhoseLockIsElsewhere()
+{
+    const MadeHome home({".cache/mozilla/x", "elsewhere/firefox/a/cookies.sqlite"});
+    home.link(".mozilla", "elsewhere");
+    const FileUrls caches = places(home.survey(), SliceKind::Cache);
+    QVERIFY(found(home).keptInside(caches).isEmpty());
+    m_machine->programs = {"firefox-esr"};
+    QCOMPARE(home.relative(found(home).keptInside(caches)), QByteArrayList{".cache/mozilla/"});
 }
 
 void TestProgramsInUse::tellsWhatIsInUseAtThisMoment()
