@@ -2,7 +2,6 @@
 
 #include "app/InterfaceClasses.h"
 #include "app/LaunchPings.h"
-#include "app/RealHomeDirectory.h"
 #include "app/ResourceManager.h"
 #include "app/SettingsKeys.h"
 #include "platform/Alert.h"

@@ -4,6 +4,7 @@
 #include "app/ExcludedFilesChangedNotification.h"
 #include "app/MainWindowController.h"
 #include "app/PingSender.h"
+#include "app/RealHomeDirectory.h"
 #include "app/UserDefaults.h"
 #include "platform/InterfaceLoader.h"
 #include "platform/SystemCalls.h"
@@ -29,7 +30,7 @@ public:
         QString settingsFolder = defaultSettingsFolder();
         Addresses addresses = buildAddresses();
         PingHelper pingHelper = PingHelper::besideTheProgram();
-        std::function<QByteArray()> realHomeDirectory;
+        std::function<QByteArray()> realHomeDirectory = RealHomeDirectory;
         std::reference_wrapper<const SystemCalls> calls = hostSystemCalls(); ///< outlives it all
         std::shared_ptr<Workspace> workspace = std::make_shared<Workspace>();
         LabelController::Reader readVolume = startUpVolumeSizes;

@@ -1,5 +1,6 @@
 #include "app/AppDelegate.h"
 
+#include "app/RealHomeDirectory.h"
 #include "app/SettingsKeys.h"
 #include "prefs/ColorWindow.h"
 #include "prefs/PreferencesWindowController.h"
@@ -29,6 +30,7 @@ private Q_SLOTS:
     void reportsLaterLaunchesOnce();
     void startsWithoutNetwork();
     void showsTheWindowAndSaysSo();
+    void asksForTheHomeOfTheRealUser();
     void registersTheDefaults();
     void opensThePreferencesOnce();
     void quitsWhenTheWindowIsClosed();
@@ -72,7 +74,6 @@ void TestAppDelegate::start()
     configuration.addresses = m_addresses;
     configuration.calls = m_calls;
     configuration.pingHelper.program.clear();
-    configuration.realHomeDirectory = [] { return QByteArray("/home/anna"); };
     m_application = std::make_unique<AppDelegate>(std::move(configuration));
     m_application->applicationDidFinishLaunching();
 }
@@ -130,6 +131,18 @@ void TestAppDelegate::showsTheWindowAndSaysSo()
     start();
     QVERIFY(m_application->mainWindowController().window().isVisible());
     QCOMPARE(log.lines().constLast(), QStringLiteral("Finisheid"));
+}
+
+/// With what the program itself is made of: a test must not supply what the program lacks.
+void TestAppDelegate::asksForTheHomeOfTheRealUser()
+{
+    start();
+    LogRecorder log;
+    MainWindowController &controller = m_application->mainWindowController();
+    controller.folderSelectPage().selectHomeFolder();
+    QTRY_VERIFY(hasSheet(controller.window()));
+    const QString home = QFile::decodeName(RealHomeDirectory());
+    QVERIFY(log.lines().contains(home.mid(home.lastIndexOf(QLatin1Char('/')) + 1)));
 }
 
 void TestAppDelegate::registersTheDefaults()
