@@ -67,6 +67,7 @@ void DiskInfoViewController::viewDidAppear(bool)
     }
     m_pieChart->setDrawShadow(true);
     m_startButton->setEnabled(true);
+    m_startButton->setFocus(Qt::OtherFocusReason); // Return leads on
 }
 
 void DiskInfoViewController::viewWillDisappear(bool)

@@ -60,8 +60,17 @@ void FreeSpaceViewController::homeWasFound(const HomeFindings &findings)
     if (!m_isShown)
         return; // shown when it appears
     m_pieChart->reloadData();
-    m_startButton->setEnabled(m_home.layout.kind() != HomeKind::Unknown);
+    enableStartButton();
     updateButtonText();
+}
+
+/// A disabled button takes no focus: where the home was found later, it does so now, unless the
+/// user has put it elsewhere meanwhile.
+void FreeSpaceViewController::enableStartButton()
+{
+    m_startButton->setEnabled(m_home.layout.kind() != HomeKind::Unknown);
+    if (!view()->isAncestorOf(view()->window()->focusWidget()))
+        m_startButton->setFocus(Qt::OtherFocusReason);
 }
 
 /// Programs come and go: the confirmation names what stays because of those that run now, and the

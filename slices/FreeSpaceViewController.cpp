@@ -100,7 +100,7 @@ void FreeSpaceViewController::viewDidAppear(bool)
     animateAlphaValue(*m_startButton, 1, kEntrance);
     animateAlphaValue(*m_legendImageView, 1, kEntrance);
     m_pieChart->setDrawShadow(true);
-    m_startButton->setEnabled(m_home.layout.kind() != HomeKind::Unknown);
+    enableStartButton();
     m_isShown = true;
     QTimer::singleShot(kPauseBeforeTutorial, this,
                        &FreeSpaceViewController::showTutorialUnlessDeclined);

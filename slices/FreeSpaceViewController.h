@@ -110,6 +110,7 @@ private:
     HomeKind kindOfHome(const FileUrl &home) const;
     void place(const HomeFindings &findings);
     void homeWasFound(const HomeFindings &findings);
+    void enableStartButton();
     void lookAgainAndConfirm();
     void programsWereFound(const ProgramsInUse &inUse);
     QStringList programsInUse(SliceKind kind) const;

@@ -25,6 +25,7 @@ private Q_SLOTS:
     void showsAFullDiskAsUsed();
     void readsTheSizesAnewAtEachAppearance();
     void keepsTheButtonDisabledWhileItAppears();
+    void leadsOnByTheKeyboardAtOnce();
     void movesOnWithoutData();
     void foldsThePieWhenItDisappears();
 
@@ -125,6 +126,12 @@ void TestDiskInfoViewController::keepsTheButtonDisabledWhileItAppears()
     m_page->viewDidAppear(true);
     QTest::mouseClick(m_page->startButton(), Qt::LeftButton);
     QCOMPARE(m_delegate.moves.size(), 1);
+}
+
+void TestDiskInfoViewController::leadsOnByTheKeyboardAtOnce()
+{
+    appear();
+    QCOMPARE(m_page->view()->window()->focusWidget(), m_page->startButton());
 }
 
 void TestDiskInfoViewController::movesOnWithoutData()

@@ -48,6 +48,7 @@ private Q_SLOTS:
     void opensOnePageForEachLink();
     void showsTheAddressWhenNoBrowserStarts();
     void keepsTheButtonDisabledWhileItAppears();
+    void leadsBackByTheKeyboardAtOnce();
     void goesBackToScanAgain();
 
 private:
@@ -177,6 +178,12 @@ void TestFinalViewController::keepsTheButtonDisabledWhileItAppears()
     QVERIFY(!m_page->scanAgainButton()->isEnabled());
     m_page->viewDidAppear(true);
     QVERIFY(m_page->scanAgainButton()->isEnabled());
+}
+
+void TestFinalViewController::leadsBackByTheKeyboardAtOnce()
+{
+    appear(qint64{1000});
+    QCOMPARE(m_page->view()->window()->focusWidget(), m_page->scanAgainButton());
 }
 
 void TestFinalViewController::goesBackToScanAgain()

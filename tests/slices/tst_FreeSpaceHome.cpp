@@ -41,6 +41,7 @@ private Q_SLOTS:
     void describesTheProgramsOfThisKindOfHome();
     void opensTheTrash();
     void searchesLargeFilesWhereTheHomeNamesThem();
+    void leadsOnByTheKeyboardOnceTheHomeIsFound();
     void leavesOutWhatARunningBrowserUses();
     void leavesOutTheCacheOfARunningBrowser();
     void looksForProgramsAgainBeforeItAsks();
@@ -271,6 +272,17 @@ void TestFreeSpaceHome::searchesLargeFilesWhereTheHomeNamesThem()
     QVERIFY(sheet.array().fileAt(0).fileURL().path().endsWith("/Videos/film.mkv"));
     sheet.cancel();
     QTRY_VERIFY(!hasSheet(*m_page->view()));
+}
+
+void TestFreeSpaceHome::leadsOnByTheKeyboardOnceTheHomeIsFound()
+{
+    appear();
+    QCOMPARE(m_page->view()->window()->focusWidget(), m_page->startButton());
+    m_page->pieChart()->setFocus(); // the user's choice stands
+    m_page->viewWillAppear(true);
+    m_page->viewDidAppear(true);
+    QTRY_VERIFY(m_page->startButton()->isEnabled());
+    QCOMPARE(m_page->view()->window()->focusWidget(), m_page->pieChart());
 }
 
 void TestFreeSpaceHome::leavesOutWhatARunningBrowserUses()
