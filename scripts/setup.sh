@@ -13,8 +13,8 @@ declare -A PACKAGES=(
     [running]="shared-mime-info xdg-utils libegl1 libgl1-mesa-dri qt6-wayland"
     # A display and a window manager where there is no desktop.
     [showing]="xvfb xauth openbox"
-    # The tests' own file systems and attributes.
-    [testing]="e2fsprogs"
+    # The tests' own file systems and attributes; keys that come from outside the program.
+    [testing]="e2fsprogs xdotool"
 )
 
 LOG_FOLDER=build/logs
@@ -90,6 +90,7 @@ This is not Debian, so nothing is installed for you. Vantor needs:
   tl::expected (headers), zlib (headers), xcb and xcb-shape (headers), pkg-config, OpenGL (headers), shared-mime-info, xdg-utils
   the static OpenType files of the Inter typeface (their folder goes into VANTOR_FONT_DIR)
   without a desktop: Xvfb and xvfb-run, xauth, openbox
+  for the tests: e2fsprogs, xdotool
 NEEDS
     local tool
     for tool in c++ cmake ninja; do

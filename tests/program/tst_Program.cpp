@@ -1,0 +1,180 @@
+#include "app/RealHomeDirectory.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QGuiApplication>
+#include <QImage>
+#include <QProcess>
+#include <QScreen>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr int kPatience = 30'000; ///< milliseconds, for a slow machine
+constexpr auto kStill = 2500ms;   ///< longer than any pause that the pages make by themselves
+constexpr auto kBetweenPictures = 100ms; ///< of a film
+
+QImage screenPicture()
+{
+    return QGuiApplication::primaryScreen()->grabWindow(0).toImage();
+}
+
+} // namespace
+
+/// The program as it is installed, worked by its keys: nothing of it is replaced but the user's
+/// folders. Needs a display with a window manager, and the tool "xdotool".
+class TestProgram final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void cleansAHomeByTheKeyboardAlone();
+
+private:
+    void makeHome();
+    void startProgram();
+    bool press(const QStringList &keys);
+    bool waitUntilStill();
+    QByteArray settings() const;
+    QString file(const QString &relative) const { return m_home + QLatin1Char('/') + relative; }
+    void make(const QString &relative, qint64 size) const;
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    QString m_home;
+    std::unique_ptr<QProcess> m_program;
+};
+
+void TestProgram::init()
+{
+    m_folder = std::make_unique<QTemporaryDir>();
+    QVERIFY(m_folder->isValid());
+    makeHome();
+    startProgram();
+}
+
+void TestProgram::cleanup()
+{
+    if (QTest::currentTestFailed()) {
+        qInfo().noquote() << m_program->readAllStandardError();
+        screenPicture().save(QStringLiteral("program-failed.png"));
+    }
+    if (m_program->state() != QProcess::NotRunning) {
+        m_program->kill();
+        m_program->waitForFinished();
+    }
+    m_program.reset();
+    m_folder.reset();
+}
+
+void TestProgram::make(const QString &relative, qint64 size) const
+{
+    const QString path = file(relative);
+    QVERIFY(QDir().mkpath(QFileInfo(path).path()));
+    QFile made(path);
+    QVERIFY(made.open(QIODevice::WriteOnly) && made.resize(size));
+}
+
+/// Called as the user's own, for only such a folder is taken.
+void TestProgram::makeHome()
+{
+    const QString own = QFile::decodeName(RealHomeDirectory()).section(QLatin1Char('/'), -1);
+    m_home = m_folder->filePath(own);
+    make(QStringLiteral(".cache/app/x"), 5'000'000);
+    make(QStringLiteral(".local/share/Trash/files/t"), 100'000);
+    make(QStringLiteral("Downloads/d"), 3'000'000);
+    make(QStringLiteral("letter"), 1000);
+}
+
+void TestProgram::startProgram()
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("HOME"), m_home);
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"),
+                       m_folder->filePath(QStringLiteral("config")));
+    for (const char *variable : {"XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_STATE_HOME"})
+        environment.remove(QString::fromLatin1(variable));
+    m_program = std::make_unique<QProcess>();
+    m_program->setProcessEnvironment(environment);
+    m_program->start(qEnvironmentVariable("VANTOR_PROGRAM"), {});
+    QVERIFY(m_program->waitForStarted());
+}
+
+/// Presses keys one after the other, and waits until the window has done what they make it do.
+bool TestProgram::press(const QStringList &keys)
+{
+    return QProcess::execute(QStringLiteral("xdotool"),
+                             QStringList{QStringLiteral("key")} + keys) == 0 &&
+           waitUntilStill();
+}
+
+bool TestProgram::waitUntilStill()
+{
+    QElapsedTimer whole;
+    QElapsedTimer still;
+    whole.start();
+    still.start();
+    for (QImage last = screenPicture(); !still.hasExpired(kStill.count());) {
+        QTest::qWait(kBetweenPictures.count());
+        const QImage picture = screenPicture();
+        if (picture != last)
+            still.start();
+        last = picture;
+        if (whole.hasExpired(kPatience) || m_program->state() != QProcess::Running)
+            return false;
+    }
+    return true;
+}
+
+QByteArray TestProgram::settings() const
+{
+    const QDir folder(m_folder->filePath(QStringLiteral("config")));
+    for (const QString &name : folder.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        QFile file(folder.filePath(name + QStringLiteral("/settings.json")));
+        if (file.open(QIODevice::ReadOnly))
+            return file.readAll();
+    }
+    return {};
+}
+
+void TestProgram::cleansAHomeByTheKeyboardAlone()
+{
+    const QString space = QStringLiteral("space");
+    const QString enter = QStringLiteral("Return");
+    const QImage empty = screenPicture();
+    QTRY_VERIFY_WITH_TIMEOUT(screenPicture() != empty, kPatience); // its window
+    QVERIFY(waitUntilStill());
+
+    QVERIFY(press({space})); // the panel that asks for the home
+    QVERIFY(press({enter})); // takes the one that it offers
+    QTRY_VERIFY_WITH_TIMEOUT(settings().contains("VNTHomeFolderString"), kPatience);
+    QVERIFY(press({enter})); // from the disk to the slices
+    QVERIFY(press({enter})); // puts the tutorial away
+    QVERIFY(press({enter})); // asks for the consent
+    QVERIFY(QFile::exists(file(QStringLiteral(".cache/app/x"))));
+    QVERIFY(press({QStringLiteral("Tab"), space})); // gives it
+    QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(file(QStringLiteral(".cache/app"))), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(file(QStringLiteral(".local/share/Trash/files/t"))),
+                             kPatience);
+    QVERIFY(waitUntilStill());
+    QVERIFY(QFile::exists(file(QStringLiteral(".cache"))));
+    QVERIFY(QFile::exists(file(QStringLiteral("Downloads/d")))); // was not chosen
+    QVERIFY(QFile::exists(file(QStringLiteral("letter"))));
+
+    QCOMPARE(QProcess::execute(QStringLiteral("xdotool"),
+                               {QStringLiteral("key"), QStringLiteral("alt+F4")}),
+             0);
+    QVERIFY(m_program->waitForFinished(kPatience));
+    QCOMPARE(m_program->exitStatus(), QProcess::NormalExit);
+    QCOMPARE(m_program->exitCode(), 0);
+    QVERIFY(settings().contains("\"VNTTotalCleanedSize\": 5100000"));
+}
+
+QTEST_MAIN(TestProgram)
+#include "tst_Program.moc"
