@@ -3,7 +3,7 @@
 #include "app/VNTViewController.h"
 #include "chart/PieChartDataSource.h"
 #include "chart/PieChartDelegate.h"
-#include "largefiles/LatestJob.h"
+#include "platform/LatestJob.h"
 #include "slices/CleaningJob.h"
 #include "slices/HomeLayout.h"
 #include "slices/SliceSelection.h"
