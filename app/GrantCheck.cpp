@@ -5,13 +5,16 @@
 void GrantCheck::ask(Answer answer)
 {
     m_answer = std::move(answer);
-    if (!m_isUnderWay || m_grant != ResourceManager::storedGrant())
+    if (m_isLooking && m_grant == ResourceManager::storedGrant())
+        m_isOutdated = true; // one look at a time, however often it is asked
+    else
         look();
 }
 
 void GrantCheck::look()
 {
-    m_isUnderWay = true;
+    m_isLooking = true;
+    m_isOutdated = false;
     m_grant = ResourceManager::storedGrant();
     m_task.ask([this, grant = m_grant](const std::stop_token &) {
         return [this, failure = ResourceManager::check(grant)] { finish(failure); };
@@ -20,11 +23,11 @@ void GrantCheck::look()
 
 void GrantCheck::finish(std::optional<GrantFailure> failure)
 {
-    if (m_grant != ResourceManager::storedGrant()) {
-        look(); // another folder was granted meanwhile, or none is any more
+    m_isLooking = false;
+    if (!m_answer)
         return;
-    }
-    m_isUnderWay = false;
-    if (const Answer answer = std::exchange(m_answer, {}))
-        answer(failure);
+    if (m_isOutdated || m_grant != ResourceManager::storedGrant())
+        look();
+    else
+        std::exchange(m_answer, {})(failure);
 }

@@ -13,18 +13,21 @@ public:
     /// Why not; nothing when it can. Then ResourceManager's first use waits for no disk.
     using Answer = std::function<void(std::optional<GrantFailure>)>;
 
-    /// Answers from the event loop, about the grant that is stored then. Asked again before the
-    /// answer, only the later question is answered, by the look that is under way.
+    /// Answers from the event loop, about the grant that is stored then, by a look that began after
+    /// the question. Asked again before the answer, only the later question is answered.
     void ask(Answer answer);
     /// What was asked is answered no more.
     void drop() { m_answer = {}; }
+    /// Whether the disk is waited for, for an answer or for none any more.
+    bool isLooking() const { return m_isLooking; }
 
 private:
     void look();
     void finish(std::optional<GrantFailure> failure);
 
     Answer m_answer;
-    bool m_isUnderWay = false;
+    bool m_isLooking = false;
+    bool m_isOutdated = false;         ///< the look under way began before the question
     std::optional<QByteArray> m_grant; ///< that is looked for
     LatestTask m_task;                 ///< last: its threads end before what they use
 };

@@ -178,15 +178,29 @@ void FreeSpaceViewController::showInFinder()
         m_services.workspace.activateFileViewerSelectingUrls(existingPlaces(info));
 }
 
-void FreeSpaceViewController::next()
+bool FreeSpaceViewController::isReadyToClean() const
 {
-    if (!m_selection.somethingIsSelected() || m_isCleaning || !m_isShown ||
-        m_home.layout.kind() == HomeKind::Unknown || !mayClean())
-        return;
-    lookAgainAndConfirm();
+    return m_selection.somethingIsSelected() && !m_isCleaning && m_isShown &&
+           m_home.layout.kind() != HomeKind::Unknown;
 }
 
-bool FreeSpaceViewController::mayClean()
+void FreeSpaceViewController::next()
+{
+    whenMayClean([this] { lookAgainAndConfirm(); });
+}
+
+/// Looked at again when the grant has been: the page may have been left meanwhile.
+void FreeSpaceViewController::whenMayClean(std::function<void()> then)
+{
+    if (!isReadyToClean() || !exclusionsAllowCleaning())
+        return;
+    m_services.whenGrantIsUsable([this, then = std::move(then)] {
+        if (isReadyToClean())
+            then();
+    });
+}
+
+bool FreeSpaceViewController::exclusionsAllowCleaning()
 {
     UserDefaults &defaults = m_services.defaults;
     if (defaults.exclusionsAreKnown()) {
@@ -195,7 +209,7 @@ bool FreeSpaceViewController::mayClean()
             showMessage({.style = AlertStyle::Warning,
                          .messageText = tr("An excluded path cannot be read."),
                          .informativeText = unparsableExclusionsText(unparsable)});
-        return unparsable.isEmpty() && m_services.grantIsUsable();
+        return unparsable.isEmpty();
     }
     const Alert alert{
         .style = AlertStyle::Warning,
@@ -227,21 +241,23 @@ void FreeSpaceViewController::askForConfirmation()
     });
 }
 
+/// Asked again: the page may have been left, or the settings changed, while the sheet was up. And
+/// what was confirmed is cleaned or nothing: a slice may be switched while the grant is looked at.
 void FreeSpaceViewController::beginCleaning()
 {
-    // Asked again: the page may have been left, or the settings changed, while the sheet was up.
-    if (!m_selection.somethingIsSelected() || m_isCleaning || !m_isShown || !mayClean())
-        return;
+    whenMayClean([this, confirmed = m_selection.chosen()] {
+        if (confirmed == m_selection.chosen())
+            clean(confirmed);
+    });
+}
+
+void FreeSpaceViewController::clean(const SliceSelection::Records &chosen)
+{
     m_isCleaning = true;
     Q_EMIT cleaningChanged(true);
     showCleaningState();
-    SliceSelection::Records chosen;
-    for (const auto &record : m_selection.records()) {
-        if (record->isOn())
-            chosen.push_back(record);
-    }
     m_job.start(
-        std::move(chosen), [this] { return knownExclusions(); }, m_home.layout);
+        chosen, [this] { return knownExclusions(); }, m_home.layout);
 }
 
 std::optional<ExcludedPaths> FreeSpaceViewController::knownExclusions() const

@@ -41,9 +41,10 @@ public:
         Workspace &workspace;
         ExcludedFilesChangedNotification &excludedFilesChanged;
         std::function<FileUrl()> homeFolder;
-        /// Whether work would be done in the very folder that the user granted; asked before a
-        /// cleaning. Tells the user when not.
-        std::function<bool()> grantIsUsable;
+        /// Goes on once it is known that work would be done in the very folder that the user
+        /// granted; asked before files are picked and before a cleaning. Tells the user when not.
+        /// Of several, only the latest goes on.
+        std::function<void(std::function<void()> then)> whenGrantIsUsable;
         LabelController::Reader readVolume = startUpVolumeSizes;
     };
 
@@ -118,13 +119,18 @@ private:
     FileUrls existingPlaces(const Info &info) const;
     bool exists(const FileUrl &url) const;
     std::optional<ExcludedPaths> knownExclusions() const;
-    bool mayClean();
+    bool isReadyToClean() const;
+    void whenMayClean(std::function<void()> then);
+    bool exclusionsAllowCleaning();
     void askForConfirmation();
     void beginCleaning();
+    void clean(const SliceSelection::Records &chosen);
     void showCleaningState();
     void forgetHover();
     void finishCleaning(const CleaningReport &report);
+    bool mayPickLargeFiles() const;
     void pickLargeFiles();
+    void showLargeFiles();
     void takePickedFiles();
     void followPickedSize();
     void dropLargeFiles();

@@ -63,10 +63,10 @@ void TestFreeSpaceCleaning::init()
                                       {true, false, false, false, false, false, false, false});
     m_page = std::make_unique<FreeSpaceViewController>(
         m_fixture->loader(),
-        FreeSpaceViewController::Services{m_fixture->defaults(), m_calls, ResourceManager::access(),
-                                          m_fixture->workspace(), m_excludedFilesChanged,
-                                          &ResourceManager::homeFolder, [] { return true; },
-                                          PageFixture::madeVolume()});
+        FreeSpaceViewController::Services{
+            m_fixture->defaults(), m_calls, ResourceManager::access(), m_fixture->workspace(),
+            m_excludedFilesChanged, &ResourceManager::homeFolder, [](const auto &then) { then(); },
+            PageFixture::madeVolume()});
     m_page->setDelegate(&m_delegate);
     m_page->view()->show();
     QVERIFY(QTest::qWaitForWindowExposed(m_page->view()));

@@ -69,10 +69,10 @@ void TestFreeSpaceViewController::init()
     m_fixture->defaults().setBoolean(VNTHideDemoWindowString, true);
     m_page = std::make_unique<FreeSpaceViewController>(
         m_fixture->loader(),
-        FreeSpaceViewController::Services{m_fixture->defaults(), hostSystemCalls(),
-                                          ResourceManager::access(), m_fixture->workspace(),
-                                          m_excludedFilesChanged, &ResourceManager::homeFolder,
-                                          [] { return true; }, PageFixture::madeVolume()});
+        FreeSpaceViewController::Services{
+            m_fixture->defaults(), hostSystemCalls(), ResourceManager::access(),
+            m_fixture->workspace(), m_excludedFilesChanged, &ResourceManager::homeFolder,
+            [](const auto &then) { then(); }, PageFixture::madeVolume()});
     m_page->setDelegate(&m_delegate);
     m_page->view()->show();
     QVERIFY(QTest::qWaitForWindowExposed(m_page->view()));

@@ -2,9 +2,10 @@
 
 #include <utility>
 
-void SlowDisk::hang()
+void SlowDisk::hang(const QString &name)
 {
     const std::scoped_lock lock(m_mutex);
+    m_hangsAt = name;
     m_hangs = true;
 }
 
@@ -29,16 +30,17 @@ QStringList SlowDisk::takeAskedHere()
     return std::exchange(m_askedHere, {});
 }
 
-int SlowDisk::hear(std::string_view name)
+int SlowDisk::hear(std::string_view call)
 {
+    const auto name = QString::fromUtf8(call.data(), qsizetype(call.size()));
     std::unique_lock lock(m_mutex);
     if (std::this_thread::get_id() == m_here) {
-        if (name != "status")
-            m_askedHere.append(QString::fromUtf8(name.data(), qsizetype(name.size())));
-        return 0;
+        if (name != QLatin1String("status"))
+            m_askedHere.append(name);
+    } else if (m_hangsAt.isEmpty() || m_hangsAt == name) {
+        ++m_waiting;
+        m_changed.wait(lock, [this] { return !m_hangs; });
+        --m_waiting;
     }
-    ++m_waiting;
-    m_changed.wait(lock, [this] { return !m_hangs; });
-    --m_waiting;
     return 0;
 }

@@ -20,8 +20,8 @@ public:
 
     const SystemCalls &calls() const { return m_calls; }
 
-    /// From now on calls wait, but for those of this thread.
-    void hang();
+    /// From now on calls wait, but for those of this thread: all, or those of one name.
+    void hang(const QString &name = {});
     /// Those that wait go on. Before what they belong to is destroyed.
     void answer();
     /// How many wait.
@@ -37,6 +37,7 @@ private:
     mutable std::mutex m_mutex; ///< guards the rest but for the calls
     std::condition_variable m_changed;
     bool m_hangs = false;
+    QString m_hangsAt; ///< all calls, when empty
     int m_waiting = 0;
     QStringList m_askedHere;
     ForwardingSystemCalls m_calls{[this](int, std::string_view name) { return hear(name); }};
