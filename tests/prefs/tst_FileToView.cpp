@@ -3,6 +3,7 @@
 #include "tests/support/TestMain.h"
 
 #include <QThread>
+#include <thread>
 
 class TestFileToView final : public QObject
 {
