@@ -80,9 +80,9 @@ void TestFolderSelectViewController::choose(const QByteArray &path)
     QTest::ignoreMessage(QtInfoMsg, "anna");
     QTest::mouseClick(m_page->homeButton(), Qt::LeftButton);
     QTRY_VERIFY(sheetPanel(*m_page->view()));
-    const QPointer<QLineEdit> nameEdit =
-        sheetPanel(*m_page->view())->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
-    QVERIFY(nameEdit);
+    QPointer<QLineEdit> nameEdit;
+    QTRY_VERIFY((nameEdit = m_page->view()->window()->findChild<QLineEdit *>(
+                     QStringLiteral("fileNameEdit"))));
     QTRY_VERIFY(nameEdit->isVisible());
     nameEdit->setText(QFile::decodeName(path));
     QTest::keyClick(nameEdit, Qt::Key_Return);
@@ -221,8 +221,9 @@ void TestFolderSelectViewController::ignoresAnApplicationsFolder()
 {
     m_page->runSelectionPanelForFolderString(VNTApplicationFolderString);
     QTRY_VERIFY(sheetPanel(*m_page->view()));
-    auto *nameEdit =
-        sheetPanel(*m_page->view())->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+    QLineEdit *nameEdit = nullptr;
+    QTRY_VERIFY((nameEdit = m_page->view()->window()->findChild<QLineEdit *>(
+                     QStringLiteral("fileNameEdit"))));
     QTRY_VERIFY(nameEdit->isVisible());
     nameEdit->setText(QFile::decodeName(m_fixture->home()));
     QTest::keyClick(nameEdit, Qt::Key_Return);
