@@ -4,6 +4,7 @@
 #include "chart/PieChartDataSource.h"
 #include "chart/PieChartDelegate.h"
 #include "platform/LatestJob.h"
+#include "platform/LatestTask.h"
 #include "slices/CleaningJob.h"
 #include "slices/HomeLayout.h"
 #include "slices/SliceSelection.h"
@@ -114,10 +115,11 @@ private:
     void lookAgainAndConfirm();
     void programsWereFound(const ProgramsInUse &inUse);
     QStringList programsInUse(SliceKind kind) const;
-    bool offersReveal(int index) const;
-    bool hasPlaces(const Info &info) const;
-    FileUrls existingPlaces(const Info &info) const;
-    bool exists(const FileUrl &url) const;
+    void offerReveal(int index);
+    FileUrls placesOf(int index) const;
+    LatestJob::Work lookForPlaces(const FileUrls &places,
+                                  std::function<void(const FileUrls &)> then) const;
+    void showTrash();
     std::optional<ExcludedPaths> knownExclusions() const;
     bool isReadyToClean() const;
     void whenMayClean(std::function<void()> then);
@@ -154,5 +156,7 @@ private:
     StartButton *m_startButton = nullptr;
     QWidget *m_legendImageView = nullptr;
     SliceHoverButtons *m_hoverButtons = nullptr; ///< the chart's
-    LatestJob m_looking; ///< looks at the home; last: its answers find all the others
+    LatestJob m_hoverLook; ///< looks for what the slice under the pointer may offer
+    LatestTask m_reveal;   ///< looks for what is to be shown in the file manager
+    LatestJob m_looking;   ///< looks at the home; last: its answers find all the others
 };

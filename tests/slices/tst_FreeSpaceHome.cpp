@@ -15,6 +15,7 @@
 #include "widgets/ImageButton.h"
 #include "widgets/StartButton.h"
 
+#include <QDir>
 #include <QFile>
 #include <QLabel>
 #include <QSemaphore>
@@ -40,6 +41,7 @@ private Q_SLOTS:
     void namesTheFolderOfDownloads();
     void describesTheProgramsOfThisKindOfHome();
     void opensTheTrash();
+    void saysThatTheTrashIsEmptyWhereThereIsNone();
     void searchesLargeFilesWhereTheHomeNamesThem();
     void leavesOutWhatARunningBrowserUses();
     void looksForProgramsAgainBeforeItAsks();
@@ -253,9 +255,22 @@ void TestFreeSpaceHome::opensTheTrash()
     appear();
     m_page->didHoverOverSliceAtIndex(*m_page->pieChart(), indexOf(SliceKind::Trash));
     m_page->showInFinder();
-    QCOMPARE(m_fixture->workspace().opened.size(), 1);
+    QTRY_COMPARE(m_fixture->workspace().opened.size(), 1);
     QVERIFY(m_fixture->workspace().opened[0].path().endsWith(
         QStringLiteral("/.local/share/Trash/files/")));
+}
+
+/// The folder comes with the first file that is thrown away.
+void TestFreeSpaceHome::saysThatTheTrashIsEmptyWhereThereIsNone()
+{
+    const QString trash = QFile::decodeName(m_fixture->home() + "/.local/share/Trash");
+    QVERIFY(QDir(trash).removeRecursively());
+    appear();
+    m_page->didHoverOverSliceAtIndex(*m_page->pieChart(), indexOf(SliceKind::Trash));
+    m_page->showInFinder();
+    QTRY_VERIFY(hasSheet(*m_page->view()));
+    QVERIFY(sheetText(*m_page->view()).contains(QStringLiteral("The Trash is empty.")));
+    QVERIFY(m_fixture->workspace().opened.isEmpty());
 }
 
 void TestFreeSpaceHome::searchesLargeFilesWhereTheHomeNamesThem()
