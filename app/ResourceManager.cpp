@@ -77,9 +77,9 @@ void ResourceManager::setGrantSource(GrantSource source, const SystemCalls &call
 {
     Run &run = *currentRun();
     run.source = std::move(source);
-    run.sourceThread = std::this_thread::get_id();
     {
         const std::scoped_lock lock(run.mutex);
+        run.sourceThread = std::this_thread::get_id();
         run.calls = &calls;
     }
     storedGrant();
@@ -88,9 +88,10 @@ void ResourceManager::setGrantSource(GrantSource source, const SystemCalls &call
 std::optional<QByteArray> ResourceManager::storedGrant()
 {
     Run &run = *currentRun();
-    if (std::this_thread::get_id() != run.sourceThread) {
+    {
         const std::scoped_lock lock(run.mutex);
-        return run.stored;
+        if (std::this_thread::get_id() != run.sourceThread)
+            return run.stored;
     }
     std::optional<QByteArray> stored = run.source();
     const std::scoped_lock lock(run.mutex);

@@ -81,10 +81,10 @@ private:
         Run();
         ~Run();
 
-        GrantSource source;
-        std::thread::id sourceThread;
+        GrantSource source; ///< that thread's alone
         std::once_flag once;
         std::mutex mutex; ///< guards the rest; `home` may be read without it once `once` is done
+        std::thread::id sourceThread;
         const SystemCalls *calls = &hostSystemCalls();
         std::optional<QByteArray> stored; ///< what the source said last
         std::optional<Finding> found;     ///< by the last check that found a folder
