@@ -42,11 +42,12 @@ void AppDelegate::applicationDidFinishLaunching()
 
 void AppDelegate::makeMainWindow()
 {
-    ResourceManager::setGrantSource([defaults = m_defaults.get()]() -> std::optional<QByteArray> {
+    const auto storedGrant = [defaults = m_defaults.get()]() -> std::optional<QByteArray> {
         if (!defaults->isStored(VNTHomeFolderString))
             return std::nullopt;
         return defaults->data(VNTHomeFolderString);
-    });
+    };
+    ResourceManager::setGrantSource(storedGrant, m_configuration.calls);
     m_mainWindowController = std::make_unique<MainWindowController>(
         MainWindowController::Services{.loader = m_loader,
                                        .defaults = *m_defaults,
@@ -122,10 +123,11 @@ PreferencesWindowController &AppDelegate::preferencesWindowController()
 
 void AppDelegate::openPreferences()
 {
-    PreferencesWindowController &preferences = preferencesWindowController();
-    if (!ResourceManager::checkStoredGrant())
-        preferences.setHomeFolder(ResourceManager::homeFolder());
-    preferences.showWindow();
+    preferencesWindowController().showWindow();
+    m_grantForPreferences.ask([this](std::optional<GrantFailure> failure) {
+        if (!failure)
+            preferencesWindowController().setHomeFolder(ResourceManager::homeFolder());
+    });
 }
 
 void AppDelegate::updateStatsForURLString(const QString &urlString)

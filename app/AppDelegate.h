@@ -2,6 +2,7 @@
 
 #include "app/Addresses.h"
 #include "app/ExcludedFilesChangedNotification.h"
+#include "app/GrantCheck.h"
 #include "app/MainWindowController.h"
 #include "app/PingSender.h"
 #include "app/RealHomeDirectory.h"
@@ -57,7 +58,8 @@ public:
     MainWindowController &mainWindowController() { return *m_mainWindowController; }
 
 public Q_SLOTS:
-    /// The menu's command: shows the preferences.
+    /// The menu's command: shows the preferences. They know the home folder when its disk has
+    /// answered.
     void openPreferences();
 
 private:
@@ -75,4 +77,5 @@ private:
     ExcludedFilesChangedNotification m_excludedFilesChanged;
     std::unique_ptr<MainWindowController> m_mainWindowController;
     std::unique_ptr<PreferencesWindowController> m_preferencesWindowController;
+    GrantCheck m_grantForPreferences;
 };

@@ -50,6 +50,11 @@ void FolderSelectViewController::viewDidLoad()
     updateUI();
 }
 
+void FolderSelectViewController::viewWillAppear(bool)
+{
+    m_granting.stop();
+}
+
 void FolderSelectViewController::viewDidAppear(bool)
 {
     updateUI(); // shown again with a grant, the page moves on again
@@ -88,7 +93,7 @@ void FolderSelectViewController::finishSelection(const QString &key,
 {
     if (!path || key != VNTHomeFolderString || !isNamedLikeTheRealHome(*path))
         return;
-    storeGrant(key, *path);
+    grant(key, *path);
 }
 
 bool FolderSelectViewController::isNamedLikeTheRealHome(const QByteArray &path) const
@@ -97,14 +102,21 @@ bool FolderSelectViewController::isNamedLikeTheRealHome(const QByteArray &path) 
     return !name.isEmpty() && lastComponent(path).contains(name);
 }
 
-void FolderSelectViewController::storeGrant(const QString &key, const QByteArray &path)
+void FolderSelectViewController::grant(const QString &key, const QByteArray &path)
 {
-    const SystemResult<QByteArray> grant = makeGrant(m_services.calls, path);
-    if (!grant) {
-        showGrantError(path, grant.error());
-        return;
-    }
-    m_services.defaults.setData(key, *grant);
+    m_granting.ask([this, &calls = m_services.calls, key, path](const std::stop_token &) {
+        return [this, key, path, grant = makeGrant(calls, path)] {
+            if (grant)
+                storeGrant(key, *grant);
+            else
+                showGrantError(path, grant.error());
+        };
+    });
+}
+
+void FolderSelectViewController::storeGrant(const QString &key, const QByteArray &grant)
+{
+    m_services.defaults.setData(key, grant);
     updateUI();
 }
 
@@ -140,4 +152,5 @@ void FolderSelectViewController::goForwardIfGranted()
 void FolderSelectViewController::viewWillDisappear(bool)
 {
     m_forwardTimer.stop();
+    m_granting.stop();
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/VNTViewController.h"
+#include "platform/LatestTask.h"
 #include "platform/SystemCalls.h"
 
 #include <QTimer>
@@ -11,8 +12,9 @@ class ImageButton;
 class ImageView;
 class UserDefaults;
 
-/// The first page: asks for the home folder, checks the choice, stores the grant, and moves on once
-/// there is one. Owned by the main window's controller; main thread only.
+/// The first page: asks for the home folder, checks the choice, stores the grant when the folder's
+/// disk has answered, and moves on once there is one. Owned by the main window's controller; main
+/// thread only.
 class FolderSelectViewController final : public VNTViewController
 {
     Q_OBJECT
@@ -35,8 +37,12 @@ public:
 
     ImageButton *homeButton() const { return m_homeButton; }
     ImageView *homeCheck() const { return m_homeCheck; }
+    /// Whether the disk of a chosen folder is waited for. Another choice, or a page that is left or
+    /// begun anew, drops that one.
+    bool isGranting() const { return m_granting.threadCount() > 0; }
 
     void viewDidLoad() override;
+    void viewWillAppear(bool animated) override;
     void viewDidAppear(bool animated) override;
     void viewWillDisappear(bool animated) override;
 
@@ -56,7 +62,8 @@ public Q_SLOTS:
 private:
     void finishSelection(const QString &key, const std::optional<QByteArray> &path);
     bool isNamedLikeTheRealHome(const QByteArray &path) const;
-    void storeGrant(const QString &key, const QByteArray &path);
+    void grant(const QString &key, const QByteArray &path);
+    void storeGrant(const QString &key, const QByteArray &grant);
     void showGrantError(const QByteArray &path, int error);
     void goForwardIfGranted();
 
@@ -64,4 +71,5 @@ private:
     QTimer m_forwardTimer;
     ImageButton *m_homeButton = nullptr;
     ImageView *m_homeCheck = nullptr;
+    LatestTask m_granting; ///< last: its threads end before what they use
 };

@@ -62,7 +62,8 @@ void MainWindowController::setupViewControllers()
         loader, FreeSpaceViewController::Services{
                     m_services.defaults, m_services.calls, m_services.access, m_services.workspace,
                     m_services.excludedFilesChanged, &ResourceManager::homeFolder,
-                    [this] { return grantIsUsable(); }, m_services.readVolume});
+                    [this](std::function<void()> then) { whenGrantIsUsable(std::move(then)); },
+                    m_services.readVolume});
     m_final = std::make_unique<FinalViewController>(
         loader, FinalViewController::Services{
                     m_services.defaults, m_services.stats, m_services.addresses,
@@ -106,7 +107,7 @@ void MainWindowController::showWindow()
     m_window->raise();
     m_window->activateWindow();
     if (m_services.defaults.hasInitializedFolders())
-        grantIsUsable();
+        whenGrantIsUsable([] {}); // what is wrong is told before anything is asked for
 }
 
 ViewController *MainWindowController::currentViewController() const
@@ -119,28 +120,38 @@ void MainWindowController::willGoForward(VNTViewController &page, bool forward,
 {
     if (&page != currentViewController())
         return; // a second press while the page goes out
-    if (forward) {
-        goForward(page, data);
-        return;
+    if (!forward) {
+        m_grantCheck.drop();
+        m_navigationController->popToViewController(
+            objectBefore<VNTViewController>(m_viewControllers, &page), Animated::Yes);
+    } else if (&page == m_diskInfo.get()) {
+        // The slices page is the first to work with the granted folder.
+        whenGrantIsUsable([this, &page, data] { showPageAfter(page, data); });
+    } else {
+        showPageAfter(page, data);
     }
-    m_navigationController->popToViewController(
-        objectBefore<VNTViewController>(m_viewControllers, &page), Animated::Yes);
 }
 
-void MainWindowController::goForward(VNTViewController &page, const QVariant &data)
+void MainWindowController::showPageAfter(VNTViewController &page, const QVariant &data)
 {
-    // The slices page is the first to work with the granted folder.
-    if (&page == m_diskInfo.get() && !grantIsUsable())
-        return;
+    m_grantCheck.drop();
     VNTViewController *next = objectAfter<VNTViewController>(m_viewControllers, &page);
     m_navigationController->pushViewController(next, Animated::Yes);
     if (next)
         next->setData(data); // after viewWillAppear(), before viewDidAppear()
 }
 
-bool MainWindowController::grantIsUsable()
+void MainWindowController::whenGrantIsUsable(std::function<void()> then)
 {
-    if (const std::optional<GrantFailure> failure = ResourceManager::checkStoredGrant()) {
+    m_grantCheck.ask([this, then = std::move(then)](std::optional<GrantFailure> failure) {
+        if (isGrantUsable(failure))
+            then();
+    });
+}
+
+bool MainWindowController::isGrantUsable(std::optional<GrantFailure> failure)
+{
+    if (failure) {
         tellGrantFailure(*failure);
         return false;
     }
@@ -166,11 +177,13 @@ void MainWindowController::tellGrantFailure(GrantFailure failure)
 
 void MainWindowController::goBack()
 {
+    m_grantCheck.drop();
     m_navigationController->popViewController(Animated::Yes);
 }
 
 void MainWindowController::resetHomeFolder()
 {
+    m_grantCheck.drop();
     m_services.defaults.removeFolderEntries();
     setupNavigationController();
 }

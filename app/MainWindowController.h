@@ -4,8 +4,8 @@
 #include "app/BFNavigationControllerDelegate.h"
 #include "app/FinalViewController.h"
 #include "app/FolderSelectViewController.h"
+#include "app/GrantCheck.h"
 #include "app/VNTViewController.h"
-#include "platform/FolderGrant.h"
 #include "slices/FreeSpaceViewController.h"
 
 #include <memory>
@@ -58,9 +58,12 @@ public:
 
     void willGoForward(VNTViewController &page, bool forward, const QVariant &data) override;
 
-    /// Whether the stored grant leads to the folder in which work would be done. Tells the user,
-    /// with the offer to grant again, when not.
-    bool grantIsUsable();
+    /// Finds out whether the stored grant leads to the folder in which work would be done, and then
+    /// goes on with `then`; tells the user, with the offer to grant again, when not. Returns at
+    /// once: the disk is waited for beside the main thread. Nothing comes of it when the page is
+    /// left meanwhile, or this is asked for something else.
+    void whenGrantIsUsable(std::function<void()> then);
+    bool isLookingAtGrant() const { return m_grantCheck.isLooking(); }
 
 public Q_SLOTS:
     void goBack();
@@ -76,7 +79,8 @@ private:
     void setupViewControllers();
     void setupNavigationController();
     void replaceContentWithViewController(ViewController &controller);
-    void goForward(VNTViewController &page, const QVariant &data);
+    void showPageAfter(VNTViewController &page, const QVariant &data);
+    bool isGrantUsable(std::optional<GrantFailure> failure);
     void tellGrantFailure(GrantFailure failure);
 
     Services m_services;
@@ -87,4 +91,5 @@ private:
     std::unique_ptr<FinalViewController> m_final;
     QList<VNTViewController *> m_viewControllers;
     std::unique_ptr<BFNavigationController> m_navigationController;
+    GrantCheck m_grantCheck;
 };

@@ -1,6 +1,7 @@
 #include "app/ResourceManager.h"
 
 #include <atomic>
+#include <utility>
 
 namespace {
 
@@ -28,8 +29,8 @@ std::optional<QByteArray> pathBelow(const FileUrl &folder, const FileUrl &url)
 class ResourceManager::Home final : public FileAccess
 {
 public:
-    Home(QByteArray grant, GrantedFolder folder)
-        : m_grant(std::move(grant)), m_folder(std::move(folder))
+    explicit Home(Finding found)
+        : m_grant(std::move(found.grant)), m_folder(std::move(found.folder))
     {
     }
 
@@ -72,33 +73,73 @@ std::unique_ptr<ResourceManager::Run> &ResourceManager::currentRun()
     return run;
 }
 
-void ResourceManager::setGrantSource(GrantSource source)
+void ResourceManager::setGrantSource(GrantSource source, const SystemCalls &calls)
 {
     Run &run = *currentRun();
     run.source = std::move(source);
-    run.sourceThread = std::this_thread::get_id();
+    {
+        const std::scoped_lock lock(run.mutex);
+        run.sourceThread = std::this_thread::get_id();
+        run.calls = &calls;
+    }
     storedGrant();
 }
 
 std::optional<QByteArray> ResourceManager::storedGrant()
 {
     Run &run = *currentRun();
-    if (std::this_thread::get_id() != run.sourceThread) {
+    {
         const std::scoped_lock lock(run.mutex);
-        return run.stored;
+        if (std::this_thread::get_id() != run.sourceThread)
+            return run.stored;
     }
     std::optional<QByteArray> stored = run.source();
     const std::scoped_lock lock(run.mutex);
     return run.stored = std::move(stored);
 }
 
-std::optional<GrantFailure> ResourceManager::checkStoredGrant()
+/// Asks the file system, and holds nobody up meanwhile.
+tl::expected<ResourceManager::Finding, GrantFailure>
+ResourceManager::find(const std::optional<QByteArray> &grant)
 {
-    const std::optional<QByteArray> stored = storedGrant();
-    if (!stored)
-        return GrantFailure::Missing;
-    const auto folder = resolveGrant(hostSystemCalls(), *stored);
-    return folder ? std::nullopt : std::optional(folder.error());
+    if (!grant)
+        return tl::unexpected(GrantFailure::Missing);
+    Run &run = *currentRun();
+    const SystemCalls &calls = [&run]() -> const SystemCalls & {
+        const std::scoped_lock lock(run.mutex);
+        return *run.calls;
+    }();
+    return resolveGrant(calls, *grant).map([&grant](GrantedFolder folder) {
+        return Finding{*grant, std::move(folder)};
+    });
+}
+
+std::optional<GrantFailure> ResourceManager::check(const std::optional<QByteArray> &grant)
+{
+    auto finding = find(grant);
+    if (!finding)
+        return finding.error();
+    std::optional<Finding> found = std::move(*finding); // then the one before: closed unlocked
+    Run &run = *currentRun();
+    const std::scoped_lock lock(run.mutex);
+    if (!run.home)
+        run.found.swap(found);
+    return std::nullopt;
+}
+
+/// What the last check found, unless that was another grant's; else what is found now.
+tl::expected<ResourceManager::Finding, GrantFailure>
+ResourceManager::findingOf(const QByteArray &grant)
+{
+    Run &run = *currentRun();
+    std::optional<Finding> found;
+    {
+        const std::scoped_lock lock(run.mutex);
+        run.found.swap(found);
+    }
+    if (found && found->grant == grant)
+        return std::move(*found);
+    return find(grant);
 }
 
 bool ResourceManager::isInForceFor(const QByteArray &grant)
@@ -115,11 +156,11 @@ ResourceManager::Home &ResourceManager::home()
         const std::optional<QByteArray> stored = storedGrant();
         if (!stored)
             qFatal("the home folder is used before it was granted");
-        auto folder = resolveGrant(hostSystemCalls(), *stored);
-        if (!folder)
-            qFatal("the home folder is used without a valid grant: %s", nameOf(folder.error()));
+        auto found = findingOf(*stored);
+        if (!found)
+            qFatal("the home folder is used without a valid grant: %s", nameOf(found.error()));
         const std::scoped_lock lock(run.mutex);
-        run.home = std::make_unique<Home>(*stored, std::move(*folder));
+        run.home = std::make_unique<Home>(std::move(*found));
     });
     return *run.home;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "largefiles/LatestJob.h"
+#include "platform/LatestJob.h"
 
 #include <QHash>
 #include <QSet>

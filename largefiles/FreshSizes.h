@@ -1,7 +1,7 @@
 #pragma once
 
-#include "largefiles/LatestJob.h"
 #include "platform/FileUrl.h"
+#include "platform/LatestJob.h"
 #include "platform/SystemCalls.h"
 #include "slices/FileAccess.h"
 

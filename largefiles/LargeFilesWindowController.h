@@ -4,12 +4,12 @@
 #include "largefiles/FileIconNames.h"
 #include "largefiles/FreshSizes.h"
 #include "largefiles/LargeFileList.h"
-#include "largefiles/LatestJob.h"
 #include "largefiles/PreviewPanelProtocols.h"
 #include "largefiles/QuickLookTableView.h"
 #include "largefiles/SearchJob.h"
 #include "largefiles/SearchStatus.h"
 #include "largefiles/Thumbnail.h"
+#include "platform/LatestJob.h"
 
 class FileTableCellView;
 class QAbstractButton;

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "largefiles/LatestJob.h"
 #include "largefiles/PreviewContent.h"
 #include "largefiles/PreviewPanelProtocols.h"
+#include "platform/LatestJob.h"
 #include "platform/WeakDelegate.h"
 
 #include <QPointer>
@@ -13,9 +13,9 @@ class PreviewCard;
 /// Shows what is in the files of its data source, one at a time, over the whole of its parent:
 /// pictures, pages of documents, how texts begin, and an icon with the facts of everything else.
 /// Left and Right page through several items, Page Up and Page Down through the pages of a document
-/// or a text; P plays a film or a sound; Escape and the close button close it; all other keys are the delegate's. Has the
-/// focus while it is shown, and gives it back. Files are read on a thread of its own. Main thread
-/// only.
+/// or a text; P plays a film or a sound; Escape and the close button close it; all other keys are
+/// the delegate's. Has the focus while it is shown, and gives it back. Files are read on a thread
+/// of its own. Main thread only.
 class PreviewPanel final : public QWidget
 {
     Q_OBJECT

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "largefiles/LargeFileSearch.h"
-#include "largefiles/LatestTask.h"
+#include "platform/LatestTask.h"
 
 #include <QList>
 #include <QObject>

@@ -1,6 +1,7 @@
 #include "platform/FileChooser.h"
 
 #include "platform/ChooserItems.h"
+#include "platform/ChooserPlaces.h"
 #include "platform/FileIcons.h"
 #include "platform/Fonts.h"
 
@@ -13,7 +14,6 @@
 #include <QListView>
 #include <QSignalBlocker>
 #include <QSplitter>
-#include <QStandardPaths>
 #include <QToolButton>
 #include <QTreeView>
 
@@ -54,12 +54,6 @@ constexpr char kStyle[] = R"(
     QToolButton:focus { border: 2px solid palette(highlight); }
 )";
 
-QString startFolder(const QByteArray &wanted)
-{
-    const QString folder = QFile::decodeName(wanted);
-    return !folder.isEmpty() && QFileInfo(folder).isDir() ? folder : QDir::homePath();
-}
-
 /// What a person may type: from the home folder, from the root, or from the folder shown.
 QString typedPath(const QString &typed, const QDir &folder)
 {
@@ -72,8 +66,10 @@ QString typedPath(const QString &typed, const QDir &folder)
 
 } // namespace
 
-FileChooser::FileChooser(const OpenPanel &panel, FileIcons &icons, QWidget *parent)
-    : QFileDialog(parent)
+/// Told the folder at once, because it would else begin with the program's own, list and watch it.
+FileChooser::FileChooser(const OpenPanel &panel, const ChooserPlaces &places, FileIcons &icons,
+                         QWidget *parent)
+    : QFileDialog(parent, QString(), places.start)
 {
     setOption(DontUseNativeDialog);
     setOption(ReadOnly);
@@ -84,12 +80,12 @@ FileChooser::FileChooser(const OpenPanel &panel, FileIcons &icons, QWidget *pare
     setWindowFlags(Qt::Widget);
     setFont(interfaceFont(Typeface::Regular, kFontSize));
     setIconProvider(&icons);
-    setDirectory(startFolder(panel.startFolder));
+    setDirectory(places.start);
     setProxyModel(new ChooserItems(panel.shouldEnable, this));
     findParts();
     hideSpareParts();
     setUpBar();
-    setUpPlaces();
+    setUpPlaces(places.sidebar);
     setUpList();
     setUpButtons();
     followChoice();
@@ -142,17 +138,8 @@ void FileChooser::setUpBar()
     }
 }
 
-void FileChooser::setUpPlaces()
+void FileChooser::setUpPlaces(const QList<QUrl> &places)
 {
-    QList<QUrl> places{QUrl::fromLocalFile(QDir::homePath())};
-    for (const auto location : {QStandardPaths::DesktopLocation, QStandardPaths::DocumentsLocation,
-                                QStandardPaths::DownloadLocation, QStandardPaths::MusicLocation,
-                                QStandardPaths::PicturesLocation, QStandardPaths::MoviesLocation}) {
-        const QUrl place = QUrl::fromLocalFile(QStandardPaths::writableLocation(location));
-        if (!places.contains(place) && QFileInfo(place.toLocalFile()).isDir())
-            places.append(place);
-    }
-    places.append(QUrl(QStringLiteral("file:")));
     setSidebarUrls(places);
     auto *const sidebar = findChild<QListView *>(QStringLiteral("sidebar"));
     sidebar->setContextMenuPolicy(Qt::NoContextMenu);

@@ -4,6 +4,7 @@
 
 #include <QFileDialog>
 
+struct ChooserPlaces;
 class FileIcons;
 class QLineEdit;
 class QToolButton;
@@ -21,7 +22,8 @@ class FileChooser final : public QFileDialog
 
 public:
     /// The icons are read by a thread of the dialog's: they must outlive it.
-    FileChooser(const OpenPanel &panel, FileIcons &icons, QWidget *parent);
+    FileChooser(const OpenPanel &panel, const ChooserPlaces &places, FileIcons &icons,
+                QWidget *parent);
 
     /// The absolute path that is chosen right now: what was typed, else the selected item, else the
     /// folder itself.
@@ -49,7 +51,7 @@ private:
     void findParts();
     void hideSpareParts();
     void setUpBar();
-    void setUpPlaces();
+    void setUpPlaces(const QList<QUrl> &places);
     void setUpList();
     void setUpButtons();
     void followChoice();

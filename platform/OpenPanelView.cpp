@@ -6,7 +6,9 @@
 #include "platform/WrappedLabel.h"
 
 #include <QBoxLayout>
+#include <QPromise>
 #include <QSettings>
+#include <thread>
 
 namespace {
 
@@ -42,20 +44,17 @@ private:
 
 } // namespace
 
-OpenPanelView::OpenPanelView(OpenPanel panel) : m_panel(std::move(panel))
+OpenPanelView::OpenPanelView(OpenPanel panel, PlacesFinder find) : m_panel(std::move(panel))
 {
     setAccessibleName(m_panel.prompt.isEmpty() ? m_panel.title : m_panel.prompt);
     auto *const column = new QVBoxLayout(this);
     column->setContentsMargins(kMargin, kMargin, kMargin - PanelButton::kRing, kLowerMargin);
     column->setSpacing(kGap);
     addPrompt(*column);
-    addChooser(*column);
+    m_chooserPlace = new QWidget(this);
+    column->addWidget(m_chooserPlace, 1);
     addButtons(*column);
-    connect(m_chooser, &FileChooser::chosen, this, &OpenPanelView::choose);
-    connect(m_chooser, &FileChooser::cancelled, this, &OpenPanelView::cancel);
-    connect(m_chooser, &FileChooser::chosenPathChanged, this, &OpenPanelView::updateOpenButton);
-    updateOpenButton();
-    m_chooser->focusList();
+    findPlaces(std::move(find));
 }
 
 OpenPanelView::~OpenPanelView()
@@ -76,12 +75,35 @@ void OpenPanelView::addPrompt(QBoxLayout &column)
             new WrappedLabel(m_panel.prompt, interfaceFont(Typeface::Medium, kPromptSize), this));
 }
 
-void OpenPanelView::addChooser(QBoxLayout &column)
+/// A disk that does not answer must not hold up the panel, nor its end: the thread has nothing of
+/// the panel's, and the watcher hears it only while the panel is there.
+void OpenPanelView::findPlaces(PlacesFinder find)
+{
+    connect(&m_places, &QFutureWatcherBase::finished, this, &OpenPanelView::addChooser);
+    QPromise<ChooserPlaces> promise;
+    m_places.setFuture(promise.future());
+    std::thread([promise = std::move(promise), find = std::move(find),
+                 wanted = m_panel.startFolder]() mutable {
+        promise.start();
+        promise.addResult(find(wanted));
+        promise.finish();
+    }).detach();
+}
+
+void OpenPanelView::addChooser()
 {
     const SharedSettingsAside aside;
-    m_chooser = new FileChooser(m_panel, m_icons, this);
+    m_chooser = new FileChooser(m_panel, m_places.result(), m_icons, m_chooserPlace);
     m_chooser->layout()->setContentsMargins(0, 0, PanelButton::kRing, 0);
-    column.addWidget(m_chooser, 1);
+    auto *const layout = new QVBoxLayout(m_chooserPlace);
+    layout->setContentsMargins({});
+    layout->addWidget(m_chooser);
+    connect(m_chooser, &FileChooser::chosen, this, &OpenPanelView::choose);
+    connect(m_chooser, &FileChooser::cancelled, this, &OpenPanelView::cancel);
+    connect(m_chooser, &FileChooser::chosenPathChanged, this, &OpenPanelView::updateOpenButton);
+    updateOpenButton();
+    m_chooser->show(); // which gives the focus to the name
+    m_chooser->focusList();
 }
 
 void OpenPanelView::addButtons(QBoxLayout &column)
@@ -97,6 +119,7 @@ void OpenPanelView::addButtons(QBoxLayout &column)
     row->addWidget(cancelButton);
     m_openButton = new PanelButton(m_panel.title, PanelButtonLook::Plain, this);
     m_openButton->setDefault(true);
+    m_openButton->setEnabled(false);
     connect(m_openButton, &QPushButton::clicked, this, &OpenPanelView::choose);
     row->addWidget(m_openButton);
 }
@@ -109,11 +132,12 @@ void OpenPanelView::cancel()
 void OpenPanelView::choose()
 {
     const QString path = m_chooser->chosenPath();
-    if (m_panel.choice == OpenPanelChoice::Files && QFileInfo(path).isDir()) {
+    const QFileInfo item(path); // asks the disk once
+    if (m_panel.choice == OpenPanelChoice::Files && item.isDir()) {
         m_chooser->enter(path);
         return;
     }
-    const QString refusal = objection(path);
+    const QString refusal = objection(item);
     m_message->setText(refusal);
     if (!refusal.isEmpty())
         return;
@@ -128,10 +152,10 @@ void OpenPanelView::updateOpenButton()
     m_openButton->setEnabled(!m_panel.shouldEnable || m_panel.shouldEnable(path));
 }
 
-/// Why this path cannot be chosen; nothing when it can.
-QString OpenPanelView::objection(const QString &path) const
+/// Why this item cannot be chosen; nothing when it can.
+QString OpenPanelView::objection(const QFileInfo &item) const
 {
-    const QFileInfo item(path);
+    const QString path = item.filePath();
     const QString name = item.fileName().isEmpty() ? path : item.fileName();
     if (QFile::decodeName(QFile::encodeName(path)) != path || !item.exists())
         return QStringLiteral("There is no file or folder named “%1”.").arg(name);

@@ -61,18 +61,19 @@ void FileToView::prepareFileForDisplay(const std::shared_ptr<File> &file,
     measurement.completions.push_back(std::move(completion));
     if (isUnderWay)
         return;
-    FileAccess *access = m_access();
-    m_measurements.push([this, file, access, url = file->fileURL(),
+    m_measurements.push([this, file, url = file->fileURL(),
                          stop = measurement.stop](const std::stop_token &queueStop) {
         const std::stop_callback forward(queueStop,
                                          [&stop] { std::stop_source(stop).request_stop(); });
-        const qint64 bytes =
-            access ? sizeForFolderAtPath(m_calls, *access, url, stop.get_token()) : 0;
-        QMetaObject::invokeMethod(this, [this, file, access, bytes, stop] {
+        FileAccess *access = m_access();
+        const auto bytes =
+            access ? std::optional(sizeForFolderAtPath(m_calls, *access, url, stop.get_token()))
+                   : std::nullopt;
+        QMetaObject::invokeMethod(this, [this, file, bytes, stop] {
             if (stop.stop_requested())
                 return;
-            if (access)
-                finish(file, bytes);
+            if (bytes)
+                finish(file, *bytes);
             complete(*file);
         });
     });
@@ -101,10 +102,9 @@ void FileToView::cancel(const File &file)
 void FileToView::lookAt(const QList<QByteArray> &paths,
                         std::function<void(const QList<FileFacts> &)> answer)
 {
-    FileAccess *access = m_access();
-    m_looks.push([this, paths, access, answer = std::move(answer)](const std::stop_token &stop) {
+    m_looks.push([this, paths, answer = std::move(answer)](const std::stop_token &stop) {
         std::optional<AccessScope> scope;
-        if (access)
+        if (FileAccess *access = m_access())
             scope.emplace(*access);
         const QList<FileFacts> facts = factsAt(paths, stop);
         QMetaObject::invokeMethod(this, [answer, facts] { answer(facts); });

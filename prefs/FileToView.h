@@ -27,7 +27,8 @@ class FileToView final : public QObject
     Q_OBJECT
 
 public:
-    /// The right to work below the granted folder; null while there is none.
+    /// The right to work below the granted folder; null while there is none. Asked on the threads
+    /// that do the work, because the answer may wait for a disk.
     using AccessSource = std::function<FileAccess *()>;
 
     /// The calls must outlive it.

@@ -20,7 +20,8 @@ public:
     {
         UserDefaults &defaults;
         const SystemCalls &calls;
-        /// The granted folder's access; null while nothing usable is granted.
+        /// The granted folder's access; null while nothing usable is granted. Asked beside the
+        /// main thread.
         FileToView::AccessSource access;
         ExcludedFilesChangedNotification &notification;
     };

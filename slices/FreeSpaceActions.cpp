@@ -1,4 +1,4 @@
-// What the user does on the page of the slices: choosing, looking closer, cleaning.
+// What the user does on the page of the slices: choosing and cleaning.
 
 #include "app/PageViews.h"
 #include "app/UserDefaults.h"
@@ -7,22 +7,15 @@
 #include "platform/ByteCount.h"
 #include "platform/Log.h"
 #include "platform/ViewAlpha.h"
-#include "platform/Workspace.h"
-#include "prefs/MessagePopover.h"
-#include "slices/AnchoredFolder.h"
 #include "slices/CleaningText.h"
 #include "slices/ExcludedPaths.h"
 #include "slices/FreeSpaceViewController.h"
 #include "slices/SizeText.h"
-#include "slices/SliceHoverButtons.h"
 #include "slices/StartButtonText.h"
-#include "widgets/ImageButton.h"
 #include "widgets/StartButton.h"
 #include "widgets/TextField.h"
 
 namespace {
-
-constexpr float kPopoverWidth = 200;
 
 /// Whether nothing was cleaned because nobody knows for sure what is excluded.
 bool refusedEverything(const CleaningReport &report)
@@ -91,102 +84,29 @@ void FreeSpaceViewController::updateButtonText()
     m_startButton->detailText().setVisible(isSelected);
 }
 
-/// The pie moves away below the pointer.
-void FreeSpaceViewController::forgetHover()
+bool FreeSpaceViewController::isReadyToClean() const
 {
-    m_hoverButtons->setCurrentHoverIndex(SliceHoverButtons::kNoSlice);
-    m_hoverButtons->hide();
-}
-
-void FreeSpaceViewController::didHoverOverSliceAtIndex(PieChart &, int index)
-{
-    if (index == m_hoverButtons->currentHoverIndex())
-        return;
-    m_hoverButtons->setCurrentHoverIndex(index);
-    m_hoverButtons->hide();
-    if (index == SliceHoverButtons::kNoSlice)
-        return;
-    const auto count = static_cast<int>(sliceCatalogue().size());
-    m_hoverButtons->placeOnSlice(index, count,
-                                 offersReveal(index) ? RevealOffer::Yes : RevealOffer::No);
-}
-
-bool FreeSpaceViewController::offersReveal(int index) const
-{
-    switch (sliceCatalogue()[index].kind) {
-    case SliceKind::Trash:
-    case SliceKind::Downloads:
-    case SliceKind::MailDownloads:
-        return true;
-    case SliceKind::OldIos:
-        return hasPlaces(*m_selection.records().at(index));
-    default:
-        return false;
-    }
-}
-
-/// Asked at every move onto a slice: of a home that was looked at, all places are there.
-bool FreeSpaceViewController::hasPlaces(const Info &info) const
-{
-    if (m_home.layout.kind() == HomeKind::Freedesktop)
-        return !info.fileURLs().value_or(FileUrls()).isEmpty();
-    return !existingPlaces(info).isEmpty();
-}
-
-FileUrls FreeSpaceViewController::existingPlaces(const Info &info) const
-{
-    FileUrls places;
-    for (const FileUrl &url : info.fileURLs().value_or(FileUrls())) {
-        if (exists(url))
-            places.append(url);
-    }
-    return places;
-}
-
-bool FreeSpaceViewController::exists(const FileUrl &url) const
-{
-    const AccessScope access(m_services.access);
-    const std::optional<AnchoredPath> place = m_services.access.anchoredPath(url);
-    if (!place)
-        return false;
-    const auto [around, name] = anchoredEntry(*place);
-    const auto folder = openAnchored(m_services.calls, around, Descent::Strict);
-    return folder && m_services.calls.status(folder->get(), name.constData());
-}
-
-void FreeSpaceViewController::showInfo()
-{
-    const int index = m_hoverButtons->currentHoverIndex();
-    if (index == SliceHoverButtons::kNoSlice)
-        return;
-    const SliceKind kind = sliceCatalogue()[index].kind;
-    ImageButton &button = *m_hoverButtons->infoButton();
-    MessagePopover::showRelativeToRect(button.rect(), button, Qt::BottomEdge,
-                                       m_home.layout.details(kind) + inUseText(programsInUse(kind)),
-                                       kPopoverWidth);
-}
-
-void FreeSpaceViewController::showInFinder()
-{
-    const int index = m_hoverButtons->currentHoverIndex();
-    if (index == SliceHoverButtons::kNoSlice || m_home.layout.kind() == HomeKind::Unknown)
-        return;
-    const Info &info = *m_selection.records().at(index);
-    if (index == indexOf(SliceKind::Trash))
-        m_services.workspace.openUrl(m_home.layout.trashFolder());
-    else
-        m_services.workspace.activateFileViewerSelectingUrls(existingPlaces(info));
+    return m_selection.somethingIsSelected() && !m_isCleaning && m_isShown &&
+           m_home.layout.kind() != HomeKind::Unknown;
 }
 
 void FreeSpaceViewController::next()
 {
-    if (!m_selection.somethingIsSelected() || m_isCleaning || !m_isShown ||
-        m_home.layout.kind() == HomeKind::Unknown || !mayClean())
-        return;
-    lookAgainAndConfirm();
+    whenMayClean([this] { lookAgainAndConfirm(); });
 }
 
-bool FreeSpaceViewController::mayClean()
+/// Looked at again when the grant has been: the page may have been left meanwhile.
+void FreeSpaceViewController::whenMayClean(std::function<void()> then)
+{
+    if (!isReadyToClean() || !exclusionsAllowCleaning())
+        return;
+    m_services.whenGrantIsUsable([this, then = std::move(then)] {
+        if (isReadyToClean())
+            then();
+    });
+}
+
+bool FreeSpaceViewController::exclusionsAllowCleaning()
 {
     UserDefaults &defaults = m_services.defaults;
     if (defaults.exclusionsAreKnown()) {
@@ -195,7 +115,7 @@ bool FreeSpaceViewController::mayClean()
             showMessage({.style = AlertStyle::Warning,
                          .messageText = tr("An excluded path cannot be read."),
                          .informativeText = unparsableExclusionsText(unparsable)});
-        return unparsable.isEmpty() && m_services.grantIsUsable();
+        return unparsable.isEmpty();
     }
     const Alert alert{
         .style = AlertStyle::Warning,
@@ -227,21 +147,23 @@ void FreeSpaceViewController::askForConfirmation()
     });
 }
 
+/// Asked again: the page may have been left, or the settings changed, while the sheet was up. And
+/// what was confirmed is cleaned or nothing: a slice may be switched while the grant is looked at.
 void FreeSpaceViewController::beginCleaning()
 {
-    // Asked again: the page may have been left, or the settings changed, while the sheet was up.
-    if (!m_selection.somethingIsSelected() || m_isCleaning || !m_isShown || !mayClean())
-        return;
+    whenMayClean([this, confirmed = m_selection.chosen()] {
+        if (confirmed == m_selection.chosen())
+            clean(confirmed);
+    });
+}
+
+void FreeSpaceViewController::clean(const SliceSelection::Records &chosen)
+{
     m_isCleaning = true;
     Q_EMIT cleaningChanged(true);
     showCleaningState();
-    SliceSelection::Records chosen;
-    for (const auto &record : m_selection.records()) {
-        if (record->isOn())
-            chosen.push_back(record);
-    }
     m_job.start(
-        std::move(chosen), [this] { return knownExclusions(); }, m_home.layout);
+        chosen, [this] { return knownExclusions(); }, m_home.layout);
 }
 
 std::optional<ExcludedPaths> FreeSpaceViewController::knownExclusions() const

@@ -18,11 +18,22 @@ LargeFilesWindowController &FreeSpaceViewController::largeFilesWindowController(
     return *m_largeFilesWindowController;
 }
 
+bool FreeSpaceViewController::mayPickLargeFiles() const
+{
+    return m_isShown && !m_isCleaning && m_home.layout.kind() != HomeKind::Unknown &&
+           !isPickingLargeFiles();
+}
+
 void FreeSpaceViewController::pickLargeFiles()
 {
-    if (!m_isShown || m_home.layout.kind() == HomeKind::Unknown || isPickingLargeFiles() ||
-        !m_services.grantIsUsable())
-        return;
+    if (mayPickLargeFiles())
+        m_services.whenGrantIsUsable([this] { showLargeFiles(); });
+}
+
+void FreeSpaceViewController::showLargeFiles()
+{
+    if (!mayPickLargeFiles())
+        return; // the page was left meanwhile
     m_pickingAccess.emplace(m_services.access);
     LargeFilesWindowController &picker = largeFilesWindowController();
     picker.refreshData();

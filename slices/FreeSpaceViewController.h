@@ -3,7 +3,8 @@
 #include "app/VNTViewController.h"
 #include "chart/PieChartDataSource.h"
 #include "chart/PieChartDelegate.h"
-#include "largefiles/LatestJob.h"
+#include "platform/LatestJob.h"
+#include "platform/LatestTask.h"
 #include "slices/CleaningJob.h"
 #include "slices/HomeLayout.h"
 #include "slices/SliceSelection.h"
@@ -41,9 +42,10 @@ public:
         Workspace &workspace;
         ExcludedFilesChangedNotification &excludedFilesChanged;
         std::function<FileUrl()> homeFolder;
-        /// Whether work would be done in the very folder that the user granted; asked before a
-        /// cleaning. Tells the user when not.
-        std::function<bool()> grantIsUsable;
+        /// Goes on once it is known that work would be done in the very folder that the user
+        /// granted; asked before files are picked and before a cleaning. Tells the user when not.
+        /// Of several, only the latest goes on.
+        std::function<void(std::function<void()> then)> whenGrantIsUsable;
         LabelController::Reader readVolume = startUpVolumeSizes;
     };
 
@@ -114,18 +116,24 @@ private:
     void lookAgainAndConfirm();
     void programsWereFound(const ProgramsInUse &inUse);
     QStringList programsInUse(SliceKind kind) const;
-    bool offersReveal(int index) const;
-    bool hasPlaces(const Info &info) const;
-    FileUrls existingPlaces(const Info &info) const;
-    bool exists(const FileUrl &url) const;
+    void offerReveal(int index);
+    FileUrls placesOf(int index) const;
+    LatestJob::Work lookForPlaces(const FileUrls &places,
+                                  std::function<void(const FileUrls &)> then) const;
+    void showTrash();
     std::optional<ExcludedPaths> knownExclusions() const;
-    bool mayClean();
+    bool isReadyToClean() const;
+    void whenMayClean(std::function<void()> then);
+    bool exclusionsAllowCleaning();
     void askForConfirmation();
     void beginCleaning();
+    void clean(const SliceSelection::Records &chosen);
     void showCleaningState();
     void forgetHover();
     void finishCleaning(const CleaningReport &report);
+    bool mayPickLargeFiles() const;
     void pickLargeFiles();
+    void showLargeFiles();
     void takePickedFiles();
     void followPickedSize();
     void dropLargeFiles();
@@ -149,5 +157,7 @@ private:
     StartButton *m_startButton = nullptr;
     QWidget *m_legendImageView = nullptr;
     SliceHoverButtons *m_hoverButtons = nullptr; ///< the chart's
-    LatestJob m_looking; ///< looks at the home; last: its answers find all the others
+    LatestJob m_hoverLook; ///< looks for what the slice under the pointer may offer
+    LatestTask m_reveal;   ///< looks for what is to be shown in the file manager
+    LatestJob m_looking;   ///< looks at the home; last: its answers find all the others
 };

@@ -99,6 +99,14 @@ bool SliceSelection::somethingIsSelected() const
     return std::ranges::any_of(m_records, [](const auto &record) { return record->isOn(); });
 }
 
+SliceSelection::Records SliceSelection::chosen() const
+{
+    Records chosen;
+    std::ranges::copy_if(m_records, std::back_inserter(chosen),
+                         [](const auto &record) { return record->isOn(); });
+    return chosen;
+}
+
 qint64 SliceSelection::totalSize() const
 {
     return std::accumulate(

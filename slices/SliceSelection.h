@@ -48,6 +48,8 @@ public:
     bool containsExcludedFile(const std::optional<FileUrls> &fileURLs) const;
 
     bool somethingIsSelected() const;
+    /// Those that are on, in order.
+    Records chosen() const;
 
     /// Bytes of the slices that are on; one that is not measured yet counts 0.
     qint64 totalSize() const;

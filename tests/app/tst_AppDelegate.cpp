@@ -11,6 +11,7 @@
 #include "tests/support/ResourceManagerReset.h"
 #include "tests/support/ScratchFolder.h"
 #include "tests/support/SheetDriver.h"
+#include "tests/support/SlowDisk.h"
 
 #include <QDir>
 #include <QTimer>
@@ -33,6 +34,7 @@ private Q_SLOTS:
     void asksForTheHomeOfTheRealUser();
     void registersTheDefaults();
     void opensThePreferencesOnce();
+    void opensThePreferencesWhileTheHomeDoesNotAnswer();
     void quitsWhenTheWindowIsClosed();
     void keepsWhatWasSetWhenItTerminates();
     void tellsOfDamagedSettings();
@@ -44,7 +46,11 @@ private:
     std::unique_ptr<ScratchFolder> m_folder;
     std::unique_ptr<RecordingServer> m_server;
     Addresses m_addresses;
+    void grantHome();
+
     ForwardingSystemCalls m_calls;
+    bool m_isDiskSlow = false; ///< m_disk's calls in place of those
+    SlowDisk m_disk;
     std::unique_ptr<AppDelegate> m_application;
 };
 
@@ -59,7 +65,9 @@ void TestAppDelegate::init()
 
 void TestAppDelegate::cleanup()
 {
+    m_disk.answer();
     m_application.reset();
+    m_isDiskSlow = false;
     m_calls.setHook({});
     m_server.reset();
     m_folder.reset();
@@ -72,7 +80,7 @@ void TestAppDelegate::start()
     AppDelegate::Configuration configuration;
     configuration.settingsFolder = QFile::decodeName(m_folder->path("settings"));
     configuration.addresses = m_addresses;
-    configuration.calls = m_calls;
+    configuration.calls = m_isDiskSlow ? m_disk.calls() : m_calls;
     configuration.pingHelper.program.clear();
     m_application = std::make_unique<AppDelegate>(std::move(configuration));
     m_application->applicationDidFinishLaunching();
@@ -166,6 +174,32 @@ void TestAppDelegate::opensThePreferencesOnce()
     m_application->openPreferences();
     QCOMPARE(m_application->preferencesWindowController().window(), first);
     QVERIFY(first->isVisible());
+}
+
+void TestAppDelegate::grantHome()
+{
+    const auto grant = makeGrant(hostSystemCalls(), m_folder->makeFolder("anna"));
+    QVERIFY(grant);
+    UserDefaults defaults(QFile::decodeName(m_folder->path("settings")), hostSystemCalls());
+    defaults.setData(VNTHomeFolderString, *grant);
+    QVERIFY(defaults.synchronize());
+}
+
+void TestAppDelegate::opensThePreferencesWhileTheHomeDoesNotAnswer()
+{
+    grantHome();
+    m_isDiskSlow = true;
+    start();
+    m_disk.takeAskedHere(); // the settings, at start-up
+    m_disk.hang(QStringLiteral("identityOf"));
+    m_application->openPreferences();
+    const PreferencesWindowController &preferences = m_application->preferencesWindowController();
+    QVERIFY(m_application->preferencesWindowController().window()->isVisible());
+    QTRY_VERIFY(m_disk.waiting() > 0);
+    QVERIFY(!preferences.homeFolder().isValid());
+    m_disk.answer();
+    QTRY_COMPARE(preferences.homeFolder().path(), m_folder->path("anna"));
+    QCOMPARE(m_disk.takeAskedHere(), QStringList());
 }
 
 void TestAppDelegate::quitsWhenTheWindowIsClosed()

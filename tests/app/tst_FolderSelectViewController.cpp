@@ -9,6 +9,7 @@
 #include "tests/support/PageFixture.h"
 #include "tests/support/RecordingPageDelegate.h"
 #include "tests/support/SheetDriver.h"
+#include "tests/support/SlowDisk.h"
 #include "widgets/ImageButton.h"
 #include "widgets/ImageView.h"
 
@@ -34,6 +35,9 @@ private Q_SLOTS:
     void storesNothingWhenCancelled();
     void movesOnAgainWhenShownAgain();
     void staysWhenTheGrantIsTakenBackMeanwhile();
+    void waitsForTheFolderBesideTheMainThread();
+    void storesNothingOfAPageThatWasLeft_data();
+    void storesNothingOfAPageThatWasLeft();
     void tellsWhenTheFolderCannotBeGranted();
     void ignoresAnApplicationsFolder();
     void startsThePanelAtTheFolderOfTheKey();
@@ -44,7 +48,8 @@ private:
 
     std::unique_ptr<PageFixture> m_fixture;
     std::unique_ptr<FolderSelectViewController> m_page;
-    ForwardingSystemCalls m_calls;
+    SlowDisk m_disk;
+    ForwardingSystemCalls m_calls{{}, m_disk.calls()};
     RecordingPageDelegate m_delegate;
 };
 
@@ -64,8 +69,10 @@ void TestFolderSelectViewController::init()
 
 void TestFolderSelectViewController::cleanup()
 {
+    m_disk.answer();
     m_page.reset();
     m_fixture.reset();
+    m_disk.takeAskedHere();
 }
 
 void TestFolderSelectViewController::choose(const QByteArray &path)
@@ -73,9 +80,9 @@ void TestFolderSelectViewController::choose(const QByteArray &path)
     QTest::ignoreMessage(QtInfoMsg, "anna");
     QTest::mouseClick(m_page->homeButton(), Qt::LeftButton);
     QTRY_VERIFY(sheetPanel(*m_page->view()));
-    const QPointer<QLineEdit> nameEdit =
-        sheetPanel(*m_page->view())->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
-    QVERIFY(nameEdit);
+    QPointer<QLineEdit> nameEdit;
+    QTRY_VERIFY((nameEdit = m_page->view()->window()->findChild<QLineEdit *>(
+                     QStringLiteral("fileNameEdit"))));
     QTRY_VERIFY(nameEdit->isVisible());
     nameEdit->setText(QFile::decodeName(path));
     QTest::keyClick(nameEdit, Qt::Key_Return);
@@ -124,6 +131,7 @@ void TestFolderSelectViewController::acceptsOnlyFoldersNamedLikeTheHome()
     if (!name.isEmpty())
         m_fixture->folder().makeFolder(name);
     choose(name.isEmpty() ? m_fixture->folder().path() : m_fixture->folder().path(name));
+    QTRY_VERIFY(!m_page->isGranting());
     QCOMPARE(hasGrant(), isAccepted);
     QVERIFY(!hasSheet(*m_page->view()));
 }
@@ -167,6 +175,38 @@ void TestFolderSelectViewController::staysWhenTheGrantIsTakenBackMeanwhile()
     QCOMPARE(m_delegate.moves.size(), 0);
 }
 
+void TestFolderSelectViewController::waitsForTheFolderBesideTheMainThread()
+{
+    m_disk.hang();
+    choose(m_fixture->home());
+    QTRY_COMPARE(m_disk.waiting(), 1);
+    QCOMPARE(m_page->homeButton()->imageName(), QStringLiteral("welcomeHome"));
+    m_disk.answer();
+    QTRY_VERIFY(hasGrant());
+    QCOMPARE(m_page->homeButton()->imageName(), QStringLiteral("welcomeHomeGreen"));
+    QCOMPARE(m_disk.takeAskedHere(), QStringList());
+}
+
+void TestFolderSelectViewController::storesNothingOfAPageThatWasLeft_data()
+{
+    using Leave = std::function<void(FolderSelectViewController &)>;
+    QTest::addColumn<Leave>("leave");
+    QTest::addRow("left") << Leave([](auto &page) { page.viewWillDisappear(true); });
+    QTest::addRow("begun anew") << Leave([](auto &page) { page.viewWillAppear(false); });
+}
+
+void TestFolderSelectViewController::storesNothingOfAPageThatWasLeft()
+{
+    QFETCH(std::function<void(FolderSelectViewController &)>, leave);
+    m_disk.hang();
+    choose(m_fixture->home());
+    QTRY_COMPARE(m_disk.waiting(), 1);
+    leave(*m_page);
+    m_disk.answer();
+    QTRY_VERIFY(!m_page->isGranting());
+    QVERIFY(!hasGrant());
+}
+
 void TestFolderSelectViewController::tellsWhenTheFolderCannotBeGranted()
 {
     m_calls.setHook([](int, std::string_view name) { return name == "identityOf" ? EIO : 0; });
@@ -181,13 +221,14 @@ void TestFolderSelectViewController::ignoresAnApplicationsFolder()
 {
     m_page->runSelectionPanelForFolderString(VNTApplicationFolderString);
     QTRY_VERIFY(sheetPanel(*m_page->view()));
-    auto *nameEdit =
-        sheetPanel(*m_page->view())->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+    QLineEdit *nameEdit = nullptr;
+    QTRY_VERIFY((nameEdit = m_page->view()->window()->findChild<QLineEdit *>(
+                     QStringLiteral("fileNameEdit"))));
     QTRY_VERIFY(nameEdit->isVisible());
     nameEdit->setText(QFile::decodeName(m_fixture->home()));
     QTest::keyClick(nameEdit, Qt::Key_Return);
     QTRY_VERIFY(!hasSheet(*m_page->view()));
-    QVERIFY(!hasGrant());
+    QVERIFY(!m_page->isGranting() && !hasGrant());
     QVERIFY(!m_fixture->defaults().isStored(VNTApplicationFolderString));
 }
 

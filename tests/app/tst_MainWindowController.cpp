@@ -11,6 +11,7 @@
 #include "tests/support/GuiTestMain.h"
 #include "tests/support/PageFixture.h"
 #include "tests/support/SheetDriver.h"
+#include "tests/support/SlowDisk.h"
 
 #include "platform/FolderGrant.h"
 #include "widgets/StartButton.h"
@@ -76,12 +77,16 @@ private Q_SLOTS:
     void asksAgainWhenTheGrantLeadsNowhere();
     void entersNoSlicesWithoutAUsableGrant();
     void tellsThatANewFolderNeedsARestart();
+    void answersWhileTheHomeDoesNot();
+    void goesNowhereWhenThePageIsLeftMeanwhile_data();
+    void goesNowhereWhenThePageIsLeftMeanwhile();
 
 private:
     void makeController(LabelController::Reader readVolume = PageFixture::madeVolume());
     bool waitForPage(const VNTViewController &page);
 
     std::unique_ptr<PageFixture> m_fixture;
+    SlowDisk m_disk;
     SilentStats m_stats;
     ExcludedFilesChangedNotification m_excludedFilesChanged;
     int m_restarts = 0;
@@ -92,13 +97,16 @@ void TestMainWindowController::init()
 {
     m_restarts = 0;
     m_fixture = std::make_unique<PageFixture>();
+    m_fixture->beginRun(m_disk.calls());
 }
 
 void TestMainWindowController::cleanup()
 {
+    m_disk.answer();
     m_controller.reset();
     QVERIFY(QThreadPool::globalInstance()->waitForDone()); // its pages may still have measured
     m_fixture.reset();
+    m_disk.takeAskedHere();
 }
 
 void TestMainWindowController::makeController(LabelController::Reader readVolume)
@@ -108,7 +116,7 @@ void TestMainWindowController::makeController(LabelController::Reader readVolume
                                        .defaults = m_fixture->defaults(),
                                        .stats = m_stats,
                                        .workspace = m_fixture->workspace(),
-                                       .calls = hostSystemCalls(),
+                                       .calls = m_disk.calls(),
                                        .access = ResourceManager::access(),
                                        .excludedFilesChanged = m_excludedFilesChanged,
                                        .addresses = {},
@@ -210,8 +218,8 @@ void TestMainWindowController::movesOnOnceHoweverOftenStartIsPressed()
     QTest::mouseClick(m_controller->diskInfoPage().startButton(), Qt::LeftButton);
     QTest::mouseClick(m_controller->diskInfoPage().startButton(), Qt::LeftButton);
     m_controller->diskInfoPage().next();
-    QCOMPARE(m_controller->navigationController().viewControllers().size(), 2);
     QVERIFY(waitForPage(m_controller->freeSpacePage()));
+    QCOMPARE(m_controller->navigationController().viewControllers().size(), 2);
     QTRY_COMPARE(m_controller->freeSpacePage().selection().totalSize(), 4321);
 }
 
@@ -231,6 +239,7 @@ void TestMainWindowController::goesBackThroughTheMenu()
     makeController();
     m_controller->diskInfoPage().next();
     QVERIFY(waitForPage(m_controller->freeSpacePage()));
+    QCOMPARE(m_disk.takeAskedHere(), QStringList());
     m_controller->goBack();
     QVERIFY(waitForPage(m_controller->diskInfoPage()));
 }
@@ -276,7 +285,6 @@ void TestMainWindowController::entersNoSlicesWithoutAUsableGrant()
                           QFile::decodeName(m_fixture->home() + "-moved")));
     QVERIFY(QDir().mkdir(QFile::decodeName(m_fixture->home())));
     m_controller->diskInfoPage().next();
-    QCOMPARE(m_controller->currentViewController(), &m_controller->diskInfoPage());
     QTRY_VERIFY(hasSheet(m_controller->window()));
     QVERIFY(pressSheetButton(m_controller->window(), QStringLiteral("Not Now")));
     QCOMPARE(m_controller->currentViewController(), &m_controller->diskInfoPage());
@@ -289,9 +297,57 @@ void TestMainWindowController::tellsThatANewFolderNeedsARestart()
     QCOMPARE(ResourceManager::homeFolder().path(), m_fixture->home()); // taken into use
     const QByteArray other = m_fixture->folder().makeFolder("anna-old");
     m_fixture->defaults().setData(VNTHomeFolderString, *makeGrant(hostSystemCalls(), other));
-    QVERIFY(!m_controller->grantIsUsable());
+    m_controller->whenGrantIsUsable([] { QFAIL("it is another folder"); });
+    QTRY_VERIFY(hasSheet(m_controller->window()));
     QVERIFY(pressSheetButton(m_controller->window(), QStringLiteral("Restart Vantor")));
     QTRY_COMPARE(m_restarts, 1);
+}
+
+/// Nothing of the home is asked on the main thread but a status: on a dead server each call would
+/// freeze the window.
+void TestMainWindowController::answersWhileTheHomeDoesNot()
+{
+    m_fixture->grantHome();
+    m_disk.hang();
+    makeController();
+    QTRY_COMPARE(m_disk.waiting(), 1);
+    QVERIFY(m_controller->window().isVisible());
+    QTest::mouseClick(m_controller->diskInfoPage().startButton(), Qt::LeftButton);
+    QTest::mouseClick(m_controller->diskInfoPage().startButton(), Qt::LeftButton);
+    QCoreApplication::processEvents();
+    QCOMPARE(m_disk.waiting(), 1);
+    QCOMPARE(m_controller->currentViewController(), &m_controller->diskInfoPage());
+    m_disk.answer();
+    QVERIFY(waitForPage(m_controller->freeSpacePage()));
+    QCOMPARE(m_controller->navigationController().viewControllers().size(), 2);
+    QCOMPARE(m_disk.takeAskedHere(), QStringList());
+}
+
+void TestMainWindowController::goesNowhereWhenThePageIsLeftMeanwhile_data()
+{
+    using Leave = std::function<void(MainWindowController &)>;
+    QTest::addColumn<Leave>("leave");
+    QTest::addRow("reset") << Leave([](auto &controller) { controller.resetHomeFolder(); });
+    QTest::addRow("back") << Leave([](auto &controller) { controller.goBack(); });
+}
+
+void TestMainWindowController::goesNowhereWhenThePageIsLeftMeanwhile()
+{
+    QFETCH(std::function<void(MainWindowController &)>, leave);
+    makeController();
+    m_fixture->grantHome();
+    m_controller->folderSelectPage().updateUI();
+    QVERIFY(waitForPage(m_controller->diskInfoPage()));
+    QTRY_VERIFY(!m_controller->isLookingAtGrant());
+    m_disk.hang();
+    m_controller->diskInfoPage().next();
+    QTRY_COMPARE(m_disk.waiting(), 1);
+    leave(*m_controller);
+    QCOMPARE(m_controller->currentViewController(), &m_controller->folderSelectPage());
+    m_disk.answer();
+    QTRY_VERIFY(!m_controller->isLookingAtGrant());
+    QCOMPARE(m_controller->currentViewController(), &m_controller->folderSelectPage());
+    QVERIFY(!hasSheet(m_controller->window()));
 }
 
 VANTOR_GUI_TEST_MAIN(TestMainWindowController)

@@ -1,11 +1,13 @@
 #include "app/ResourceManager.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/ForwardingSystemCalls.h"
 #include "tests/support/ResourceManagerReset.h"
 #include "tests/support/ScratchFolder.h"
 #include "tests/support/TestMain.h"
 
 #include <atomic>
 #include <barrier>
+#include <cerrno>
 #include <csignal>
 #include <fcntl.h>
 #include <mutex>
@@ -56,6 +58,9 @@ private Q_SLOTS:
     void saysWhatIsWrongWithTheStoredGrant_data();
     void saysWhatIsWrongWithTheStoredGrant();
     void checkingTakesNothingIntoUse();
+    void asksTheFileSystemNothingForWhatACheckHasFound();
+    void looksUpAnotherGrantThanTheOneThatWasChecked();
+    void usesTheFolderThatWasCheckedWhereverItGoes();
 
     void staysInForceWhenTheGrantIsRemoved();
     void worksInNoFolderThatTheUserNoLongerSeesGranted();
@@ -72,6 +77,7 @@ private:
 
     std::unique_ptr<ScratchFolder> m_scratch;
     StoredGrant m_stored;
+    ForwardingSystemCalls m_calls;
 };
 
 void TestResourceManager::init()
@@ -253,6 +259,42 @@ void TestResourceManager::checkingTakesNothingIntoUse()
     QVERIFY(!ResourceManager::checkStoredGrant());
     QVERIFY(ResourceManager::isInForceFor(grantOf("annabel")));
     QCOMPARE(ResourceManager::homeFolder().path(), m_scratch->path("annabel"));
+}
+
+void TestResourceManager::asksTheFileSystemNothingForWhatACheckHasFound()
+{
+    ResourceManagerReset::beginRun([this] { return m_stored; }, m_calls);
+    QCOMPARE(m_calls.callCount(), 0);
+    QVERIFY(!ResourceManager::checkStoredGrant());
+    QVERIFY(m_calls.callCount() > 0);
+    m_calls.setHook([](int, std::string_view) { return EIO; });
+    QCOMPARE(ResourceManager::homeFolder().path(), m_scratch->path("anna"));
+    const AccessScope scope(ResourceManager::access());
+    QVERIFY(ResourceManager::access().anchoredPath(urlOf("anna")));
+    QCOMPARE(m_calls.callCount(), 0);
+}
+
+/// The folder that was found for the one must never serve the other.
+void TestResourceManager::looksUpAnotherGrantThanTheOneThatWasChecked()
+{
+    QVERIFY(!ResourceManager::check(grantOf("annabel")));
+    QCOMPARE(ResourceManager::homeFolder().path(), m_scratch->path("anna"));
+    const AccessScope scope(ResourceManager::access());
+    QVERIFY(!ResourceManager::access().anchoredPath(urlOf("annabel")));
+}
+
+void TestResourceManager::usesTheFolderThatWasCheckedWhereverItGoes()
+{
+    QVERIFY(!ResourceManager::checkStoredGrant());
+    const auto move = [this](const char *from, const char *to) {
+        return ::rename(m_scratch->path(from).constData(), m_scratch->path(to).constData()) == 0;
+    };
+    QVERIFY(move("anna", "moved") && move("annabel", "anna"));
+    QVERIFY(ResourceManager::checkStoredGrant());
+    const AccessScope scope(ResourceManager::access());
+    const auto place = ResourceManager::access().anchoredPath(urlOf("anna/Downloads"));
+    QVERIFY(place);
+    QCOMPARE(::faccessat(place->anchor->get(), place->relativePath.constData(), F_OK, 0), 0);
 }
 
 void TestResourceManager::staysInForceWhenTheGrantIsRemoved()

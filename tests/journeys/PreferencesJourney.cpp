@@ -68,7 +68,10 @@ bool PreferencesJourney::open()
     if (!entry)
         return false;
     clickAt(*menu, menu->actionGeometry(entry).center());
-    return QTest::qWaitForWindowActive(&window());
+    const bool isGranted = m_application.defaults().hasInitializedFolders();
+    return QTest::qWaitForWindowActive(&window()) && QTest::qWaitFor([this, isGranted] {
+               return controller().homeFolder().isValid() == isGranted;
+           });
 }
 
 bool PreferencesJourney::close()

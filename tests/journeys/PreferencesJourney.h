@@ -17,7 +17,8 @@ public:
     {
     }
 
-    /// Presses the menu's button and then its command.
+    /// Presses the menu's button and then its command, and waits until the home folder that is
+    /// granted, if any, is known there.
     bool open();
     /// By Escape.
     bool close();

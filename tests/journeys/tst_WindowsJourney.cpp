@@ -148,14 +148,18 @@ void TestWindowsJourney::showsASliceInTheFileManager()
     m_fixture->start();
     QVERIFY(m_fixture->reachSlices());
     const auto press = [this](SliceKind kind) {
-        const bool isThere = m_fixture->journey().hoverSlice(kind);
-        click(*m_fixture->slicesPage().hoverButtons()->showInFinderButton());
-        return isThere;
+        ImageButton &button = *m_fixture->slicesPage().hoverButtons()->showInFinderButton();
+        if (!m_fixture->journey().hoverSlice(kind) ||
+            !QTest::qWaitFor([&button] { return button.isVisible(); }))
+            return false;
+        click(button);
+        return true;
     };
     QVERIFY(press(SliceKind::Trash));
     QCOMPARE(m_fixture->workspace().opened.value(0).path(QUrl::FullyDecoded),
              QString::fromUtf8(m_fixture->home().path(".Trash/")));
     QVERIFY(press(SliceKind::OldIos));
+    QTRY_COMPARE(m_fixture->workspace().revealed.size(), 1);
     const FileUrls shown = m_fixture->workspace().revealed.value(0);
     QCOMPARE(shown.size(), 3);
     QCOMPARE(shown[0], m_fixture->home().url("Library/iTunes/iPad Software Updates"));

@@ -25,6 +25,7 @@ struct OpenedPanel
             answer = path;
         });
         view = qobject_cast<OpenPanelView *>(sheetPanel(host.window));
+        QTRY_VERIFY(view->findChild<QTreeView *>(QStringLiteral("treeView")));
         list = view->findChild<QTreeView *>(QStringLiteral("treeView"));
         name = view->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
     }

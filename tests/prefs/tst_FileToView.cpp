@@ -3,6 +3,7 @@
 #include "tests/support/TestMain.h"
 
 #include <QThread>
+#include <thread>
 
 class TestFileToView final : public QObject
 {
@@ -28,6 +29,8 @@ private:
     void prepare(const std::shared_ptr<File> &file) const;
 
     std::unique_ptr<ScratchFolder> m_folder;
+    const std::thread::id m_here = std::this_thread::get_id();
+    int m_askedHere = 0; ///< for the access, on the main thread
     std::unique_ptr<ScratchAccess> m_access;
     std::unique_ptr<FileToView> m_toView;
 };
@@ -41,13 +44,17 @@ void TestFileToView::init()
     m_folder->makeFile("Movies/.hidden", 5'000'000);
     m_folder->makeFile("notes.txt", 300);
     m_access = std::make_unique<ScratchAccess>(*m_folder);
-    m_toView = std::make_unique<FileToView>(hostSystemCalls(), [this] { return m_access.get(); });
+    m_toView = std::make_unique<FileToView>(hostSystemCalls(), [this] {
+        m_askedHere += std::this_thread::get_id() == m_here ? 1 : 0;
+        return m_access.get();
+    });
 }
 
 /// What still measures must be over before the test's own log is.
 void TestFileToView::cleanup()
 {
     m_toView.reset();
+    QCOMPARE(m_askedHere, 0);
 }
 
 std::shared_ptr<File> TestFileToView::file(const char *relativePath, FileUrlKind kind) const

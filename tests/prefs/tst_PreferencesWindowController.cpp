@@ -70,7 +70,11 @@ void TestPreferencesWindowController::choose(const QString &path, const QString 
     m_fixture->button("addButton")->click();
     QWidget &window = *m_controller->window();
     QTRY_VERIFY(sheetPanel(window));
-    auto *name = sheetPanel(window)->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+    const auto nameEdit = [&window] {
+        return sheetPanel(window)->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+    };
+    QTRY_VERIFY(nameEdit());
+    auto *name = nameEdit();
     name->setFocus();
     name->selectAll();
     QTest::keyClicks(name, path);

@@ -28,17 +28,21 @@ private Q_SLOTS:
     void removesNothingOnceTheExclusionsAreUnknown();
     void removesNothingOnceThePageIsLeft();
     void removesNothingOnceNothingIsSelected();
+    void removesOnlyTheChoiceThatWasConfirmed_data();
+    void removesOnlyTheChoiceThatWasConfirmed();
     void asksNothingWhileAnExclusionCannotBeRead();
     void freesNothingWhenAnExclusionBecomesUnreadable();
     void ignoresEveryWishWhileItCleans();
 
 private:
     bool consent();
+    void goOn(const std::function<void()> &then);
     void letMeasuresEnd() { m_gate.release(100); }
     void exclude(const QByteArray &relativePath, UserDefaults &defaults);
     QString buttonText() const { return m_page->startButton()->mainText().text(); }
 
     std::unique_ptr<PageFixture> m_fixture;
+    std::function<void()> *m_whenGrantIsUsable = nullptr; ///< kept there; at once without
     QSemaphore m_gate;
     WatchedSystemCalls m_calls{[this](int, WatchedCall call, const char *) {
         if (call == WatchedCall::ReadEntries)
@@ -52,6 +56,7 @@ private:
 
 void TestFreeSpaceCleaning::init()
 {
+    m_whenGrantIsUsable = nullptr;
     m_delegate.moves.clear();
     m_gate.tryAcquire(m_gate.available());
     m_fixture = std::make_unique<PageFixture>();
@@ -63,10 +68,10 @@ void TestFreeSpaceCleaning::init()
                                       {true, false, false, false, false, false, false, false});
     m_page = std::make_unique<FreeSpaceViewController>(
         m_fixture->loader(),
-        FreeSpaceViewController::Services{m_fixture->defaults(), m_calls, ResourceManager::access(),
-                                          m_fixture->workspace(), m_excludedFilesChanged,
-                                          &ResourceManager::homeFolder, [] { return true; },
-                                          PageFixture::madeVolume()});
+        FreeSpaceViewController::Services{
+            m_fixture->defaults(), m_calls, ResourceManager::access(), m_fixture->workspace(),
+            m_excludedFilesChanged, &ResourceManager::homeFolder,
+            [this](const auto &then) { goOn(then); }, PageFixture::madeVolume()});
     m_page->setDelegate(&m_delegate);
     m_page->view()->show();
     QVERIFY(QTest::qWaitForWindowExposed(m_page->view()));
@@ -89,6 +94,14 @@ bool TestFreeSpaceCleaning::consent()
     m_page->next();
     return pressSheetButton(*m_page->view(), QStringLiteral("Delete Files")) &&
            m_page->isCleaning();
+}
+
+void TestFreeSpaceCleaning::goOn(const std::function<void()> &then)
+{
+    if (m_whenGrantIsUsable)
+        *m_whenGrantIsUsable = then;
+    else
+        then();
 }
 
 void TestFreeSpaceCleaning::exclude(const QByteArray &relativePath, UserDefaults &defaults)
@@ -160,6 +173,36 @@ void TestFreeSpaceCleaning::removesNothingOnceNothingIsSelected()
     QVERIFY(pressSheetButton(*m_page->view(), QStringLiteral("Delete Files")));
     QVERIFY(!m_page->isCleaning());
     QCOMPARE(m_delegate.moves.size(), 0);
+}
+
+void TestFreeSpaceCleaning::removesOnlyTheChoiceThatWasConfirmed_data()
+{
+    using Meanwhile = std::function<void(FreeSpaceViewController &)>;
+    QTest::addColumn<Meanwhile>("meanwhile");
+    QTest::addColumn<bool>("isCleaned");
+    QTest::addRow("the same") << Meanwhile([](auto &) {}) << true;
+    QTest::addRow("one more") << Meanwhile([](auto &page) {
+        page.didSelectSliceAtIndex(*page.pieChart(), indexOf(SliceKind::Downloads));
+    }) << false;
+    QTest::addRow("none") << Meanwhile([](auto &page) {
+        page.didSelectSliceAtIndex(*page.pieChart(), indexOf(SliceKind::Trash));
+    }) << false;
+    QTest::addRow("the page is left")
+        << Meanwhile([](auto &page) { page.viewWillDisappear(true); }) << false;
+}
+
+/// While the disk is asked whether it still is the granted folder, the page is there to be used.
+void TestFreeSpaceCleaning::removesOnlyTheChoiceThatWasConfirmed()
+{
+    QFETCH(std::function<void(FreeSpaceViewController &)>, meanwhile);
+    m_page->next();
+    std::function<void()> then;
+    m_whenGrantIsUsable = &then;
+    QVERIFY(pressSheetButton(*m_page->view(), QStringLiteral("Delete Files")));
+    QVERIFY(then && !m_page->isCleaning());
+    meanwhile(*m_page);
+    then();
+    QTEST(m_page->isCleaning(), "isCleaned");
 }
 
 void TestFreeSpaceCleaning::asksNothingWhileAnExclusionCannotBeRead()

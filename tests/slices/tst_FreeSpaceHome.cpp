@@ -15,6 +15,7 @@
 #include "widgets/ImageButton.h"
 #include "widgets/StartButton.h"
 
+#include <QDir>
 #include <QFile>
 #include <QLabel>
 #include <QSemaphore>
@@ -40,6 +41,7 @@ private Q_SLOTS:
     void namesTheFolderOfDownloads();
     void describesTheProgramsOfThisKindOfHome();
     void opensTheTrash();
+    void saysThatTheTrashIsEmptyWhereThereIsNone();
     void searchesLargeFilesWhereTheHomeNamesThem();
     void leadsOnByTheKeyboardOnceTheHomeIsFound();
     void leavesOutWhatARunningBrowserUses();
@@ -89,10 +91,10 @@ void TestFreeSpaceHome::init()
                                       {false, false, false, false, false, false, false, true});
     m_page = std::make_unique<FreeSpaceViewController>(
         m_fixture->loader(),
-        FreeSpaceViewController::Services{m_fixture->defaults(), m_calls, ResourceManager::access(),
-                                          m_fixture->workspace(), m_excludedFilesChanged,
-                                          &ResourceManager::homeFolder, [] { return true; },
-                                          PageFixture::madeVolume()});
+        FreeSpaceViewController::Services{
+            m_fixture->defaults(), m_calls, ResourceManager::access(), m_fixture->workspace(),
+            m_excludedFilesChanged, &ResourceManager::homeFolder, [](const auto &then) { then(); },
+            PageFixture::madeVolume()});
     m_page->setDelegate(&m_delegate);
     m_page->view()->show();
     QVERIFY(QTest::qWaitForWindowExposed(m_page->view()));
@@ -255,9 +257,22 @@ void TestFreeSpaceHome::opensTheTrash()
     appear();
     m_page->didHoverOverSliceAtIndex(*m_page->pieChart(), indexOf(SliceKind::Trash));
     m_page->showInFinder();
-    QCOMPARE(m_fixture->workspace().opened.size(), 1);
+    QTRY_COMPARE(m_fixture->workspace().opened.size(), 1);
     QVERIFY(m_fixture->workspace().opened[0].path().endsWith(
         QStringLiteral("/.local/share/Trash/files/")));
+}
+
+/// The folder comes with the first file that is thrown away.
+void TestFreeSpaceHome::saysThatTheTrashIsEmptyWhereThereIsNone()
+{
+    const QString trash = QFile::decodeName(m_fixture->home() + "/.local/share/Trash");
+    QVERIFY(QDir(trash).removeRecursively());
+    appear();
+    m_page->didHoverOverSliceAtIndex(*m_page->pieChart(), indexOf(SliceKind::Trash));
+    m_page->showInFinder();
+    QTRY_VERIFY(hasSheet(*m_page->view()));
+    QVERIFY(sheetText(*m_page->view()).contains(QStringLiteral("The Trash is empty.")));
+    QVERIFY(m_fixture->workspace().opened.isEmpty());
 }
 
 void TestFreeSpaceHome::searchesLargeFilesWhereTheHomeNamesThem()

@@ -72,10 +72,14 @@ void TestFreeSpaceLargeFiles::init()
     m_fixture->makeFile("Music/concert.flac", kConcert);
     m_page = std::make_unique<FreeSpaceViewController>(
         m_fixture->loader(),
-        FreeSpaceViewController::Services{
-            m_fixture->defaults(), hostSystemCalls(), ResourceManager::access(),
-            m_fixture->workspace(), m_excludedFilesChanged, &ResourceManager::homeFolder,
-            [this] { return m_grantIsUsable; }, PageFixture::madeVolume()});
+        FreeSpaceViewController::Services{m_fixture->defaults(), hostSystemCalls(),
+                                          ResourceManager::access(), m_fixture->workspace(),
+                                          m_excludedFilesChanged, &ResourceManager::homeFolder,
+                                          [this](const auto &then) {
+                                              if (m_grantIsUsable)
+                                                  then();
+                                          },
+                                          PageFixture::madeVolume()});
     m_page->setDelegate(&m_delegate);
     m_page->view()->show();
     QVERIFY(QTest::qWaitForWindowExposed(m_page->view()));

@@ -15,6 +15,7 @@
 #include "tests/support/PageFixture.h"
 #include "tests/support/RecordingPageDelegate.h"
 #include "tests/support/SheetDriver.h"
+#include "tests/support/SlowDisk.h"
 #include "widgets/ImageButton.h"
 #include "widgets/StartButton.h"
 #include "widgets/TextField.h"
@@ -45,6 +46,7 @@ private Q_SLOTS:
     void tellsOfTheChangeAlsoFromOutsideTheWindow();
     void placesTheHoverButtons();
     void offersToRevealOldUpdatesWhenThereAreAny();
+    void offersNothingOfASliceThatThePointerHasLeft();
     void explainsAndRevealsTheHoveredSlice();
     void storesTheSelectionWhenItDisappears();
     void showsTheTutorialAfterASecond();
@@ -56,6 +58,7 @@ private:
     QString buttonText() const { return m_page->startButton()->mainText().text(); }
     void hover(SliceKind kind);
 
+    SlowDisk m_disk;
     std::unique_ptr<PageFixture> m_fixture;
     std::unique_ptr<FreeSpaceViewController> m_page;
     RecordingPageDelegate m_delegate;
@@ -69,10 +72,10 @@ void TestFreeSpaceViewController::init()
     m_fixture->defaults().setBoolean(VNTHideDemoWindowString, true);
     m_page = std::make_unique<FreeSpaceViewController>(
         m_fixture->loader(),
-        FreeSpaceViewController::Services{m_fixture->defaults(), hostSystemCalls(),
-                                          ResourceManager::access(), m_fixture->workspace(),
-                                          m_excludedFilesChanged, &ResourceManager::homeFolder,
-                                          [] { return true; }, PageFixture::madeVolume()});
+        FreeSpaceViewController::Services{
+            m_fixture->defaults(), m_disk.calls(), ResourceManager::access(),
+            m_fixture->workspace(), m_excludedFilesChanged, &ResourceManager::homeFolder,
+            [](const auto &then) { then(); }, PageFixture::madeVolume()});
     m_page->setDelegate(&m_delegate);
     m_page->view()->show();
     QVERIFY(QTest::qWaitForWindowExposed(m_page->view()));
@@ -80,6 +83,7 @@ void TestFreeSpaceViewController::init()
 
 void TestFreeSpaceViewController::cleanup()
 {
+    m_disk.answer();
     m_page.reset(); // stops what it measures
     QVERIFY(QThreadPool::globalInstance()->waitForDone());
     QCOMPARE(ResourceManager::accessCount(), 0);
@@ -260,12 +264,36 @@ void TestFreeSpaceViewController::placesTheHoverButtons()
 void TestFreeSpaceViewController::offersToRevealOldUpdatesWhenThereAreAny()
 {
     appear();
+    m_disk.takeAskedHere();
+    const QWidget &reveal = *m_page->hoverButtons()->showInFinderButton();
     hover(SliceKind::OldIos);
-    QVERIFY(!m_page->hoverButtons()->showInFinderButton()->isVisible());
+    QVERIFY(m_page->hoverButtons()->infoButton()->isVisible());
     m_page->didHoverOverSliceAtIndex(*m_page->pieChart(), -1);
     m_fixture->makeFolder("Library/iTunes/iPod Software Updates");
     hover(SliceKind::OldIos);
-    QVERIFY(m_page->hoverButtons()->showInFinderButton()->isVisible());
+    QTRY_VERIFY(reveal.isVisible());
+    QCOMPARE(m_disk.takeAskedHere(), QStringList());
+}
+
+/// The look that comes too late must not put its button onto another slice.
+void TestFreeSpaceViewController::offersNothingOfASliceThatThePointerHasLeft()
+{
+    m_fixture->makeFolder("Library/iTunes/iPod Software Updates");
+    appear();
+    for (const auto &record : m_page->selection().records())
+        QTRY_COMPARE(record->isMeasured(), record->fileURLs().has_value());
+    const QWidget &reveal = *m_page->hoverButtons()->showInFinderButton();
+    m_disk.hang();
+    hover(SliceKind::OldIos);
+    QTRY_COMPARE(m_disk.waiting(), 1);
+    QVERIFY(!reveal.isVisible());
+    hover(SliceKind::Cache);
+    m_disk.answer();
+    QTRY_COMPARE(ResourceManager::accessCount(), 0); // the look is over
+    QCoreApplication::processEvents();
+    QVERIFY(!reveal.isVisible());
+    hover(SliceKind::OldIos);
+    QTRY_VERIFY(reveal.isVisible());
 }
 
 void TestFreeSpaceViewController::explainsAndRevealsTheHoveredSlice()
@@ -281,9 +309,13 @@ void TestFreeSpaceViewController::explainsAndRevealsTheHoveredSlice()
     QCOMPARE(m_fixture->workspace().opened.value(0).path(QUrl::FullyDecoded),
              QString::fromUtf8(m_fixture->home() + "/.Trash/"));
     hover(SliceKind::Downloads);
+    m_disk.takeAskedHere();
     m_page->showInFinder();
-    QCOMPARE(m_fixture->workspace().revealed.value(0).value(0).path(),
-             m_fixture->home() + "/Downloads");
+    m_page->didHoverOverSliceAtIndex(*m_page->pieChart(), -1); // on the way to the file manager
+    QTRY_COMPARE(m_fixture->workspace().revealed.value(0).value(0).path(),
+                 m_fixture->home() + "/Downloads");
+    QCOMPARE(m_disk.takeAskedHere(), QStringList());
+    hover(SliceKind::Downloads);
     m_page->showInfo();
     QVERIFY(m_page->view()->window()->findChild<Popover *>());
 }

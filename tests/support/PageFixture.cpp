@@ -26,16 +26,22 @@ PageFixture::PageFixture(HomeKind kind)
     m_defaults = std::make_unique<UserDefaults>(QFile::decodeName(m_folder.path("settings")),
                                                 hostSystemCalls());
     m_defaults->registerDefaults(registeredDefaults());
-    ResourceManagerReset::beginRun([this]() -> std::optional<QByteArray> {
-        if (!m_defaults->isStored(VNTHomeFolderString))
-            return std::nullopt;
-        return m_defaults->data(VNTHomeFolderString);
-    });
+    beginRun(hostSystemCalls());
 }
 
 PageFixture::~PageFixture()
 {
     ResourceManagerReset::beginRun();
+}
+
+void PageFixture::beginRun(const SystemCalls &calls)
+{
+    const auto stored = [this]() -> std::optional<QByteArray> {
+        if (!m_defaults->isStored(VNTHomeFolderString))
+            return std::nullopt;
+        return m_defaults->data(VNTHomeFolderString);
+    };
+    ResourceManagerReset::beginRun(stored, calls);
 }
 
 QByteArray PageFixture::makeFile(const QByteArray &relativePath, qint64 size)

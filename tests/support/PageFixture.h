@@ -41,6 +41,9 @@ public:
     QByteArray makeFolder(const QByteArray &relativePath);
     bool exists(const QByteArray &relativePath) const;
 
+    /// Begins yet another run, in which the granted folder is found by these calls.
+    void beginRun(const SystemCalls &calls);
+
     /// Stores the grant of the made home, as the first page does.
     void grantHome();
 

@@ -5,8 +5,8 @@ void ResourceManagerReset::beginRun()
     ResourceManager::currentRun() = std::make_unique<ResourceManager::Run>();
 }
 
-void ResourceManagerReset::beginRun(ResourceManager::GrantSource source)
+void ResourceManagerReset::beginRun(ResourceManager::GrantSource source, const SystemCalls &calls)
 {
     beginRun();
-    ResourceManager::setGrantSource(std::move(source));
+    ResourceManager::setGrantSource(std::move(source), calls);
 }

@@ -11,5 +11,6 @@ public:
     /// Without a source.
     static void beginRun();
     /// With this grant stored.
-    static void beginRun(ResourceManager::GrantSource source);
+    static void beginRun(ResourceManager::GrantSource source,
+                         const SystemCalls &calls = hostSystemCalls());
 };

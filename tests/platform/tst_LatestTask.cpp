@@ -1,4 +1,4 @@
-#include "largefiles/LatestTask.h"
+#include "platform/LatestTask.h"
 #include "tests/support/TestMain.h"
 
 #include <QTest>
@@ -65,6 +65,44 @@ private Q_SLOTS:
         gate.count_down();
         QTRY_COMPARE(task.threadCount(), 0);
         QVERIFY(!wasStopped);
+    }
+
+    void answersOnTheOwnersThread()
+    {
+        LatestTask task;
+        std::thread::id asked, answered;
+        task.ask([&](const std::stop_token &) {
+            asked = std::this_thread::get_id();
+            return [&] { answered = std::this_thread::get_id(); };
+        });
+        QTRY_COMPARE(answered, std::this_thread::get_id());
+        QVERIFY(asked != answered);
+    }
+
+    void aQuestionThatHangsHoldsUpNoLaterOne()
+    {
+        LatestTask task;
+        std::latch gate(1);
+        bool oldAnswered = false, newAnswered = false;
+        task.ask([&](const std::stop_token &) {
+            gate.wait();
+            return [&] { oldAnswered = true; };
+        });
+        task.ask([&](const std::stop_token &) { return [&] { newAnswered = true; }; });
+        QTRY_VERIFY(newAnswered);
+        gate.count_down();
+        QTRY_COMPARE(task.threadCount(), 0); // its end is told after its answer
+        QVERIFY(!oldAnswered);
+    }
+
+    void anAnswerOnItsWayIsHeldBack()
+    {
+        LatestTask task;
+        bool isAnswered = false;
+        task.ask([&](const std::stop_token &) { return [&] { isAnswered = true; }; });
+        task.stop();
+        QTRY_COMPARE(task.threadCount(), 0);
+        QVERIFY(!isAnswered);
     }
 
     void theDestructorStopsAndWaits()

@@ -1,4 +1,4 @@
-#include "largefiles/LatestJob.h"
+#include "platform/LatestJob.h"
 #include "tests/support/TestMain.h"
 
 #include <QTest>

@@ -16,12 +16,18 @@ class LatestTask final : public QObject
 public:
     /// Runs on the task's own thread, and should end soon after its token says so.
     using Work = std::function<void(const std::stop_token &)>;
+    /// Runs on the owner's thread, unless the task was stopped meanwhile.
+    using Answer = std::function<void()>;
+    /// Work that answers.
+    using Question = std::function<Answer(const std::stop_token &)>;
 
     explicit LatestTask(QObject *parent = nullptr) : QObject(parent) {}
     /// Stops all tasks and waits for them.
     ~LatestTask() override;
 
     void start(Work work);
+    /// For what may hang: one that does holds up no later one.
+    void ask(Question question);
     /// Returns at once.
     void stop();
 

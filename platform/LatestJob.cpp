@@ -1,4 +1,4 @@
-#include "largefiles/LatestJob.h"
+#include "platform/LatestJob.h"
 
 LatestJob::LatestJob(QObject *parent)
     : QObject(parent), m_thread([this](const std::stop_token &end) { serve(end); })

@@ -1,4 +1,4 @@
-#include "largefiles/LatestTask.h"
+#include "platform/LatestTask.h"
 
 LatestTask::~LatestTask()
 {
@@ -14,6 +14,19 @@ void LatestTask::start(Work work)
         const std::thread::id ended = std::this_thread::get_id();
         QMetaObject::invokeMethod(
             this, [this, ended] { join(ended); }, Qt::QueuedConnection);
+    });
+}
+
+void LatestTask::ask(Question question)
+{
+    start([this, question = std::move(question)](const std::stop_token &stop) {
+        QMetaObject::invokeMethod(
+            this,
+            [stop, answer = question(stop)] {
+                if (!stop.stop_requested())
+                    answer();
+            },
+            Qt::QueuedConnection);
     });
 }
 
