@@ -1,12 +1,14 @@
 #pragma once
 
+#include <QByteArrayList>
 #include <cstdint>
 #include <sys/types.h>
+#include <tl/expected.hpp>
 
 /// Whether there is a process of this number, whoever's it is. Any thread.
 bool isProcessRunning(std::int64_t process);
 
-/// Whether the user runs a program of this name, as the process list shows it (its first fifteen
-/// bytes). Yes when the list cannot be read: who asks wants to be sure that it does not. Any
-/// thread, but looks at every process: not for the main one.
-bool isProgramRunningFor(uid_t user, const char *name);
+/// The names of the programs that the user runs, as the process list shows them (their first
+/// fifteen bytes); an errno when the list cannot be read. Any thread, but looks at every process:
+/// not for the main one.
+tl::expected<QByteArrayList, int> programNamesOf(uid_t user);

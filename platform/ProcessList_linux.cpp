@@ -1,9 +1,7 @@
 #include "platform/ProcessList.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <csignal>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <limits>
@@ -13,8 +11,6 @@
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr std::size_t kLongestName = 15; // what the kernel keeps of a process's name
 
 bool isProcessFolder(const fs::path &path)
 {
@@ -29,12 +25,12 @@ bool belongsTo(uid_t user, const fs::path &path)
     return ::stat(path.c_str(), &found) == 0 && found.st_uid == user;
 }
 
-std::string nameOf(const fs::path &process)
+QByteArray nameOf(const fs::path &process)
 {
     std::string name;
     std::ifstream comm(process / "comm");
     std::getline(comm, name);
-    return name;
+    return QByteArray::fromStdString(name);
 }
 
 } // namespace
@@ -46,9 +42,9 @@ bool isProcessRunning(std::int64_t process)
     return ::kill(static_cast<pid_t>(process), 0) == 0 || errno == EPERM;
 }
 
-bool isProgramRunningFor(uid_t user, const char *name)
+tl::expected<QByteArrayList, int> programNamesOf(uid_t user)
 {
-    const std::string wanted(name, std::min(std::strlen(name), kLongestName));
+    QByteArrayList names;
     std::error_code error;
     bool hasSeenAny = false;
     for (fs::directory_iterator entry("/proc", error), end; !error && entry != end;
@@ -56,8 +52,10 @@ bool isProgramRunningFor(uid_t user, const char *name)
         if (!isProcessFolder(entry->path()))
             continue;
         hasSeenAny = true;
-        if (belongsTo(user, entry->path()) && nameOf(entry->path()) == wanted)
-            return true;
+        if (belongsTo(user, entry->path()))
+            names.append(nameOf(entry->path()));
     }
-    return error || !hasSeenAny;
+    if (error || !hasSeenAny)
+        return tl::unexpected(error ? error.value() : ENOENT);
+    return names;
 }

@@ -3,6 +3,7 @@
 #include "platform/FileDescriptor.h"
 
 #include <QByteArray>
+#include <QByteArrayList>
 #include <cstdint>
 #include <span>
 #include <tl/expected.hpp>
@@ -104,8 +105,9 @@ public:
     virtual SystemResult<bool> isLocked(int file) const = 0;
     /// Whether there is a process of this number, whoever's it is.
     virtual bool isRunning(std::int64_t process) const = 0;
-    /// Whether the acting user runs a program of this name, as the process list shows it.
-    virtual bool isProgramRunning(const char *name) const = 0;
+    /// The names of the programs that the acting user runs, as the process list shows them: their
+    /// first fifteen bytes. Looks at every process.
+    virtual SystemResult<QByteArrayList> programNames() const = 0;
     /// The name of this machine.
     virtual QByteArray hostName() const = 0;
 

@@ -294,9 +294,9 @@ public:
 
     bool isRunning(std::int64_t process) const override { return isProcessRunning(process); }
 
-    bool isProgramRunning(const char *name) const override
+    SystemResult<QByteArrayList> programNames() const override
     {
-        return isProgramRunningFor(::geteuid(), name);
+        return programNamesOf(::geteuid());
     }
 
     QByteArray hostName() const override

@@ -55,3 +55,13 @@ SystemResult<FileDescriptor> openOnVolume(const SystemCalls &calls, const Anchor
         return tl::unexpected(EXDEV);
     return folder;
 }
+
+SystemResult<FileStatus> statusAnchored(const SystemCalls &calls, const AnchoredPath &path)
+{
+    const auto [around, name] = anchoredEntry(path);
+    const auto folder = openAnchored(calls, around, Descent::Strict);
+    if (!folder)
+        return tl::unexpected(folder.error());
+    return name.isEmpty() ? calls.statusOf(folder->get())
+                          : calls.status(folder->get(), name.constData());
+}

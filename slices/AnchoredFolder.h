@@ -20,6 +20,9 @@ AnchoredEntry anchoredEntry(const AnchoredPath &path);
 SystemResult<FileDescriptor> openAnchored(const SystemCalls &calls, const AnchoredPath &path,
                                           Descent descent);
 
-/// The same without crossing mounts, and only on the anchor's own volume, where alone things are
+/// The status of what is at an anchored path, itself no link's; no component on the way may be one.
+SystemResult<FileStatus> statusAnchored(const SystemCalls &calls, const AnchoredPath &path);
+
+/// Opens without crossing mounts, and only on the anchor's own volume, where alone things are
 /// measured, found and cleaned: a sub-volume, which opens like any folder, fails with EXDEV too.
 SystemResult<FileDescriptor> openOnVolume(const SystemCalls &calls, const AnchoredPath &path);

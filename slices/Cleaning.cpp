@@ -40,7 +40,7 @@ public:
 private:
     void clean(const CleaningLocation &location);
     void emptyFolder(const CleaningLocation &location, const FileUrls &inUse);
-    void keepInUse(Protection &protection, const FileUrls &inUse);
+    void keepInUse(Protection &protection, const FileUrls &inUse, const CleaningLocation &location);
     void removeFile(const CleaningLocation &location);
     bool isJournalInNeed(const CleaningLocation &location, int folder,
                          const QByteArray &name) const;
@@ -90,7 +90,7 @@ void Performance::emptyFolder(const CleaningLocation &location, const FileUrls &
     if (!isAsPlanned(location, identity))
         return;
     Protection protection(m_plan, location, identity->device);
-    keepInUse(protection, inUse);
+    keepInUse(protection, inUse, location);
     const bool isInMemory = m_calls.isInMemory(folder->get());
     const RemovalSteps steps(m_calls, protection, m_ledger,
                              isInMemory ? EntryOrder::AsListed : EntryOrder::ByInode);
@@ -109,14 +109,19 @@ void Performance::emptyFolder(const CleaningLocation &location, const FileUrls &
         RemovalCrew(steps, m_stop, kThreadsForDisks).removeListed(held, std::move(*listing));
 }
 
-/// What the plan knows already was told of before the user confirmed.
-void Performance::keepInUse(Protection &protection, const FileUrls &inUse)
+/// What the plan keeps has been told of.
+void Performance::keepInUse(Protection &protection, const FileUrls &inUse,
+                            const CleaningLocation &location)
 {
     for (const FileUrl &url : inUse) {
-        if (m_plan.excluded().sparingByPath(url.path() + '/') == Sparing::Whole)
+        if (protection.sparing(url.path(), FileKind::Folder) == Sparing::Whole)
             continue;
         protection.keep(url);
-        m_ledger.refused(url.path(), RefusalReason::InUse, 0);
+        const QByteArray inside = url.path().sliced(location.url.path().size());
+        const auto found =
+            statusAnchored(m_calls, {location.path.anchor, location.path.relativePath + inside});
+        if (found || found.error() != ENOENT)
+            m_ledger.refused(url.path(), RefusalReason::InUse, 0);
     }
 }
 

@@ -34,8 +34,9 @@ CleaningReport cleanDisk(const SystemCalls &calls, FileAccess &access, const Rec
         return placesInUse(calls, location.path, layout, location.url);
     };
     const CleaningReport report = performCleaning(calls, plan, stop, nullptr, inUseNow);
-    takeAwaySizes(chosen, foundInUse(report, plan),
-                  [&](const FileUrl &url) { return sizeForFolderAtPath(calls, access, url); });
+    takeAwaySizes(chosen, foundInUse(report, plan), [&](const FileUrl &url, const FileUrls &kept) {
+        return sizeForFolderAtPath(calls, access, url, stop, {.kept = pathsInside(url, kept)});
+    });
     return report;
 }
 

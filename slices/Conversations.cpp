@@ -11,15 +11,16 @@ namespace {
 /// ".purple/logs". Nobody can get them back, so their folders are never taken for App Logs, whether
 /// or not the one program is known to use just such a folder. In lower case; "empathy" is what
 /// Telepathy's user knows, "psi" stands for "psi+" too.
-constexpr std::array<std::string_view, 50> kPrograms{
-    "adium",       "bitchx", "bitlbee", "catgirl",      "chatterino", "circe",      "convos",
-    "coyim",       "dino",   "element", "empathy",      "erc",        "finch",      "fluffychat",
-    "fractal",     "gajim",  "gomuks",  "halloy",       "hexchat",    "ircii",      "irssi",
-    "jami",        "kadu",   "kiwiirc", "konversation", "kopete",     "kvirc",      "mcabber",
-    "miranda",     "mudlet", "neochat", "nheko",        "pidgin",     "poezio",     "polari",
-    "profanity",   "psi",    "purple",  "qtox",         "quassel",    "retroshare", "riot",
-    "schildichat", "senpai", "smuxi",   "srain",        "telepathy",  "tkabber",    "weechat",
-    "xchat",
+constexpr std::array<std::string_view, 54> kPrograms{
+    "adium",   "bitchx",       "bitlbee",    "blightmud",   "catgirl",    "chatterino",
+    "circe",   "convos",       "coyim",      "dino",        "element",    "empathy",
+    "erc",     "finch",        "fluffychat", "fractal",     "gajim",      "gomuks",
+    "halloy",  "hexchat",      "ircii",      "irssi",       "jami",       "kadu",
+    "kiwiirc", "konversation", "kopete",     "kvirc",       "mcabber",    "miranda",
+    "mudlet",  "neochat",      "nheko",      "nicotine",    "pesterchum", "pidgin",
+    "poezio",  "polari",       "profanity",  "psi",         "purple",     "qtox",
+    "quassel", "retroshare",   "riot",       "schildichat", "senpai",     "smuxi",
+    "srain",   "telepathy",    "tkabber",    "tplogger",    "weechat",    "xchat",
 };
 
 bool isPartOfWord(char character)

@@ -15,18 +15,17 @@ struct ChromiumFolder
 {
     const char *program;
     const char *profiles;
-    const char *cache;
+    const char *cache; ///< see FoundProgram
     Files files = Files::Known;
     Style lock = Style::HostLink;
 };
 
 constexpr std::array kChromiumFolders{
-    ChromiumFolder{"Chrome", ".config/google-chrome", ".cache/google-chrome"},
-    ChromiumFolder{"Chromium", ".config/chromium", ".cache/chromium"},
-    ChromiumFolder{"Brave", ".config/BraveSoftware/Brave-Browser",
-                   ".cache/BraveSoftware/Brave-Browser"},
-    ChromiumFolder{"Edge", ".config/microsoft-edge", ".cache/microsoft-edge"},
-    ChromiumFolder{"Vivaldi", ".config/vivaldi", ".cache/vivaldi"},
+    ChromiumFolder{"Chrome", ".config/google-chrome", "google-chrome"},
+    ChromiumFolder{"Chromium", ".config/chromium", "chromium"},
+    ChromiumFolder{"Brave", ".config/BraveSoftware/Brave-Browser", "BraveSoftware"},
+    ChromiumFolder{"Edge", ".config/microsoft-edge", "microsoft-edge"},
+    ChromiumFolder{"Vivaldi", ".config/vivaldi", "vivaldi"},
     ChromiumFolder{"Chrome", ".var/app/com.google.Chrome/config/google-chrome",
                    ".var/app/com.google.Chrome/cache", Files::Known, Style::SandboxedHostLink},
     ChromiumFolder{"Chromium", ".var/app/org.chromium.Chromium/config/chromium",
@@ -39,19 +38,16 @@ constexpr std::array kChromiumFolders{
                    ".var/app/com.vivaldi.Vivaldi/cache", Files::Known, Style::SandboxedHostLink},
     ChromiumFolder{"Chromium", "snap/chromium/common/chromium", "snap/chromium/common/.cache",
                    Files::Unknown, Style::SandboxedHostLink},
-    ChromiumFolder{"Chrome Beta", ".config/google-chrome-beta", ".cache/google-chrome-beta",
+    ChromiumFolder{"Chrome Beta", ".config/google-chrome-beta", "google-chrome-beta",
                    Files::Unknown},
-    ChromiumFolder{"Chrome Dev", ".config/google-chrome-unstable", ".cache/google-chrome-unstable",
+    ChromiumFolder{"Chrome Dev", ".config/google-chrome-unstable", "google-chrome-unstable",
                    Files::Unknown},
-    ChromiumFolder{"Brave Beta", ".config/BraveSoftware/Brave-Browser-Beta",
-                   ".cache/BraveSoftware/Brave-Browser-Beta", Files::Unknown},
-    ChromiumFolder{"Edge Beta", ".config/microsoft-edge-beta", ".cache/microsoft-edge-beta",
+    ChromiumFolder{"Edge Beta", ".config/microsoft-edge-beta", "microsoft-edge-beta",
                    Files::Unknown},
-    ChromiumFolder{"Edge Dev", ".config/microsoft-edge-dev", ".cache/microsoft-edge-dev",
+    ChromiumFolder{"Edge Dev", ".config/microsoft-edge-dev", "microsoft-edge-dev", Files::Unknown},
+    ChromiumFolder{"Vivaldi Snapshot", ".config/vivaldi-snapshot", "vivaldi-snapshot",
                    Files::Unknown},
-    ChromiumFolder{"Vivaldi Snapshot", ".config/vivaldi-snapshot", ".cache/vivaldi-snapshot",
-                   Files::Unknown},
-    ChromiumFolder{"Opera", ".config/opera", ".cache/opera", Files::Unknown},
+    ChromiumFolder{"Opera", ".config/opera", "opera", Files::Unknown},
 };
 
 constexpr std::array kChromiumFiles{"Cookies", "Network/Cookies", "History", "Web Data"};
@@ -66,13 +62,15 @@ struct FirefoxFolder
 };
 
 constexpr std::array kFirefoxFolders{
-    FirefoxFolder{"Firefox", ".mozilla/firefox", ".cache/mozilla"},
+    FirefoxFolder{"Firefox", ".mozilla/firefox", "mozilla"},
+    FirefoxFolder{"Firefox", ".config/mozilla/firefox", "mozilla"},
     FirefoxFolder{"Firefox", ".var/app/org.mozilla.firefox/.mozilla/firefox",
                   ".var/app/org.mozilla.firefox/cache"},
+    FirefoxFolder{"Firefox", ".var/app/org.mozilla.firefox/config/mozilla/firefox",
+                  ".var/app/org.mozilla.firefox/cache"},
     FirefoxFolder{"Firefox", "snap/firefox/common/.mozilla/firefox", "snap/firefox/common/.cache"},
-    FirefoxFolder{"Firefox", ".config/mozilla/firefox", ".cache/mozilla", Files::Unknown},
-    FirefoxFolder{"LibreWolf", ".librewolf", ".cache/librewolf", Files::Unknown},
-    FirefoxFolder{"Thunderbird", ".thunderbird", ".cache/thunderbird", Files::Unknown},
+    FirefoxFolder{"LibreWolf", ".librewolf", "librewolf", Files::Unknown},
+    FirefoxFolder{"Thunderbird", ".thunderbird", "thunderbird", Files::Unknown},
     FirefoxFolder{"Thunderbird", ".var/app/org.mozilla.Thunderbird/.thunderbird",
                   ".var/app/org.mozilla.Thunderbird/cache", Files::Unknown},
     FirefoxFolder{"Thunderbird", ".var/app/org.mozilla.thunderbird/.thunderbird",
@@ -84,34 +82,64 @@ constexpr std::array kFirefoxFolders{
 /// Not "places.sqlite", the history: it holds the bookmarks too.
 constexpr std::array kFirefoxFiles{"cookies.sqlite", "formhistory.sqlite"};
 
-/// A program known by its cache: one without a lock, or whose lock may be elsewhere, because the
-/// profiles are behind a link or were named when it was started.
-struct CacheFolder
+/// A program that is known by its processes, as the process list shows them. Also one with a lock
+/// is: its profile may be behind a link, or named when it was started, or not there yet.
+struct Processes
 {
     const char *program;
-    const char *process;
-    const char *cache;
+    std::array<const char *, 4> names;
+    std::array<const char *, 5> caches;
 };
 
-constexpr std::array kCacheFolders{
-    CacheFolder{"Firefox", "firefox", ".cache/mozilla"},
-    CacheFolder{"Firefox", "firefox-bin", ".cache/mozilla"},
-    CacheFolder{"Firefox", "firefox-esr", ".cache/mozilla"},
-    CacheFolder{"Chrome", "chrome", ".cache/google-chrome"},
-    CacheFolder{"Chromium", "chromium", ".cache/chromium"},
-    CacheFolder{"Brave", "brave", ".cache/BraveSoftware"},
-    CacheFolder{"Edge", "msedge", ".cache/microsoft-edge"},
-    CacheFolder{"Vivaldi", "vivaldi-bin", ".cache/vivaldi"},
-    CacheFolder{"Opera", "opera", ".cache/opera"},
-    CacheFolder{"Thunderbird", "thunderbird", ".cache/thunderbird"},
-    CacheFolder{"Thunderbird", "thunderbird-bin", ".cache/thunderbird"},
-    CacheFolder{"Thunderbird", "thunderbird-esr", ".cache/thunderbird"},
-    CacheFolder{"Evolution", "evolution", ".cache/evolution"},
-    CacheFolder{"Evolution", "evolution", ".var/app/org.gnome.Evolution/cache"},
-    CacheFolder{"Geary", "geary", ".cache/geary"},
-    CacheFolder{"Geary", "geary", ".var/app/org.gnome.Geary/cache"},
-    CacheFolder{"GNOME Web", "epiphany", ".cache/epiphany"},
-    CacheFolder{"GNOME Web", "epiphany", ".var/app/org.gnome.Epiphany/cache"},
+constexpr std::array kProcesses{
+    Processes{"Firefox",
+              {"firefox", "firefox-bin", "firefox-esr"},
+              {"mozilla", ".var/app/org.mozilla.firefox/cache", "snap/firefox/common/.cache"}},
+    Processes{"LibreWolf",
+              {"librewolf", "librewolf-bin"},
+              {"librewolf", ".var/app/io.gitlab.librewolf-community/cache"}},
+    Processes{"Chrome",
+              {"chrome"},
+              {"google-chrome", "google-chrome-beta", "google-chrome-unstable",
+               ".var/app/com.google.Chrome/cache", ".var/app/com.google.ChromeDev/cache"}},
+    Processes{"Chromium",
+              {"chromium", "chromium-browse"},
+              {"chromium", ".var/app/org.chromium.Chromium/cache",
+               ".var/app/io.github.ungoogled_software.ungoogled_chromium/cache",
+               "snap/chromium/common/.cache"}},
+    Processes{"Brave",
+              {"brave"},
+              {"BraveSoftware", ".var/app/com.brave.Browser/cache", "snap/brave/common/.cache"}},
+    Processes{"Edge",
+              {"msedge"},
+              {"microsoft-edge", "microsoft-edge-beta", "microsoft-edge-dev",
+               ".var/app/com.microsoft.Edge/cache", ".var/app/com.microsoft.EdgeDev/cache"}},
+    Processes{"Vivaldi",
+              {"vivaldi-bin"},
+              {"vivaldi", "vivaldi-snapshot", ".var/app/com.vivaldi.Vivaldi/cache",
+               "snap/vivaldi/common/.cache"}},
+    Processes{"Opera",
+              {"opera"},
+              {"opera", ".var/app/com.opera.Opera/cache", "snap/opera/common/.cache"}},
+    Processes{"GNOME Web",
+              {"epiphany", "epiphany-browse"},
+              {"epiphany", ".var/app/org.gnome.Epiphany/cache"}},
+    Processes{"Falkon", {"falkon"}, {"falkon", ".var/app/org.kde.falkon/cache"}},
+    Processes{"Konqueror", {"konqueror"}, {"konqueror"}},
+    Processes{"qutebrowser",
+              {"qutebrowser"},
+              {"qutebrowser", ".var/app/org.qutebrowser.qutebrowser/cache"}},
+    Processes{"Thunderbird",
+              {"thunderbird", "thunderbird-bin", "thunderbird-esr"},
+              {"thunderbird", ".var/app/org.mozilla.Thunderbird/cache",
+               ".var/app/org.mozilla.thunderbird/cache", "snap/thunderbird/common/.cache"}},
+    // Its services run in every session of GNOME, and have the mail and the calendars that are kept
+    // for use without a network open there.
+    Processes{"Evolution",
+              {"evolution", "evolution-sourc", "evolution-calen", "evolution-addre"},
+              {"evolution", ".var/app/org.gnome.Evolution/cache"}},
+    Processes{"Geary", {"geary"}, {"geary", ".var/app/org.gnome.Geary/cache"}},
+    Processes{"KMail", {"kmail"}, {"kmail2", ".var/app/org.kde.kontact/cache"}},
 };
 
 constexpr std::array kJournalEndings{"-journal", "-wal", "-shm"};
@@ -141,7 +169,7 @@ void addChromium(std::vector<FoundProgram> &found, const HomeReader &home,
     if (!home.hasFolder(folder.profiles))
         return;
     FoundProgram program{
-        QString::fromLatin1(folder.program), {folder.lock, folder.profiles}, {}, folder.cache};
+        QString::fromLatin1(folder.program), {folder.lock, folder.profiles}, {}, {folder.cache}};
     if (folder.files == Files::Known) {
         for (const QByteArray &profile : home.foldersMatching(QByteArray(folder.profiles) + "/*")) {
             if (isChromiumProfile(profile))
@@ -157,20 +185,25 @@ void addFirefox(std::vector<FoundProgram> &found, const HomeReader &home,
 {
     for (const QByteArray &profile : home.foldersMatching(QByteArray(folder.profiles) + "/*")) {
         FoundProgram program{
-            QString::fromLatin1(folder.program), {Style::ParentLock, profile}, {}, folder.cache};
+            QString::fromLatin1(folder.program), {Style::ParentLock, profile}, {}, {folder.cache}};
         if (folder.files == Files::Known)
             program.files = databasesIn(home, profile, kFirefoxFiles);
         found.push_back(std::move(program));
     }
 }
 
-void addByCache(std::vector<FoundProgram> &found, const HomeReader &home, const CacheFolder &folder)
+void addByProcesses(std::vector<FoundProgram> &found, const Processes &processes)
 {
-    if (home.hasFolder(folder.cache))
-        found.push_back({QString::fromLatin1(folder.program),
-                         {Style::ProcessName, folder.process},
-                         {},
-                         folder.cache});
+    FoundProgram program{QString::fromLatin1(processes.program), {}, {}, {}};
+    for (const char *cache : processes.caches) {
+        if (cache)
+            program.caches.append(cache);
+    }
+    for (const char *name : processes.names) {
+        program.lock = {Style::ProcessName, name};
+        if (name)
+            found.push_back(program);
+    }
 }
 
 } // namespace
@@ -182,8 +215,8 @@ std::vector<FoundProgram> findPrograms(const HomeReader &home)
         addChromium(found, home, folder);
     for (const FirefoxFolder &folder : kFirefoxFolders)
         addFirefox(found, home, folder);
-    for (const CacheFolder &folder : kCacheFolders)
-        addByCache(found, home, folder);
+    for (const Processes &processes : kProcesses)
+        addByProcesses(found, processes);
     return found;
 }
 

@@ -9,7 +9,9 @@ struct FoundProgram
     QString program;
     ProgramLock lock;
     QByteArrayList files; ///< what may be removed, and is there
-    QByteArray cache;     ///< a folder, which may be missing
+    /// Its caches, which need not be there: by its name in whatever folder holds the caches of all
+    /// programs, or, with a slash, by the path of a folder that it has for itself.
+    QByteArrayList caches;
 };
 
 /// The browsers and the mail programs of a freedesktop home that have something to lose while they
@@ -19,7 +21,8 @@ struct FoundProgram
 /// that are known well: each database before its journals, for a journal without its database is
 /// thrown away by whoever opens it next, while a database without its journal may be broken.
 /// Bookmarks and passwords, and whatever holds them besides, are not among them. Of all other
-/// programs nothing but caches is known.
+/// programs nothing but caches is known, and those that have no lock, or may have it elsewhere,
+/// are known by their processes.
 std::vector<FoundProgram> findPrograms(const HomeReader &home);
 
 /// The database to which a journal of this name belongs; empty for what is no journal.

@@ -12,6 +12,7 @@ constexpr auto kUserDirsFile = ".config/user-dirs.dirs";
 constexpr std::size_t kLargestUserDirsFile = 64 * 1024;
 
 constexpr auto kHomeTrash = ".local/share/Trash";
+constexpr auto kCacheHome = ".cache";
 constexpr std::array kTrashFolders{"files", "info", "expunged"};
 
 /// The folders that a freedesktop home names in the user's language, and their plain names.
@@ -35,17 +36,6 @@ constexpr std::array kSearched{
     NamedFolder{"", "Sites"},
 };
 constexpr NamedFolder kTemplates{"XDG_TEMPLATES_DIR", "Templates"};
-
-struct MailProgram
-{
-    const char *name;
-    const char *process;
-    const char *folder; ///< where attachments are put to be opened; never a store of mail
-};
-constexpr std::array kMailPrograms{
-    MailProgram{"Claws Mail", "claws-mail", ".claws-mail/mimetmp"},
-    MailProgram{"Sylpheed", "sylpheed", ".sylpheed-2.0/mimetmp"},
-};
 
 constexpr std::array kUpdateFolders{"iPad", "iPod", "iPhone"};
 
@@ -76,7 +66,9 @@ HomeLayout::Places FreedesktopSurvey::places()
         for (const QByteArray &trash : m_reader.foldersMatching(pattern))
             addTrash(trash);
     }
-    for (const char *pattern : {".cache", ".var/app/*/cache", "snap/*/common/.cache"})
+    if (m_reader.hasFolder(kCacheHome) && add(SliceKind::Cache, kCacheHome))
+        m_cacheHomes.append(kCacheHome);
+    for (const char *pattern : {".var/app/*/cache", "snap/*/common/.cache"})
         addFolders(SliceKind::Cache, pattern);
     addAppLogs();
     for (const QByteArray device : kUpdateFolders) {
@@ -85,12 +77,13 @@ HomeLayout::Places FreedesktopSurvey::places()
         addFolders(SliceKind::OldIos, pattern.constData());
     }
     addMailDownloads();
-    addPrograms();
+    findBrowserData();
     addDownloads();
     if (m_userDirsAreKnown) {
         addTrashOfEnvironment();
         addCacheOfEnvironment();
     }
+    addPrograms();
     addSearchFolders();
     return std::move(m_places);
 }
@@ -155,40 +148,6 @@ void FreedesktopSurvey::addTrash(const QByteArray &trash)
     }
 }
 
-void FreedesktopSurvey::addMailDownloads()
-{
-    for (const MailProgram &program : kMailPrograms) {
-        if (!m_reader.hasFolder(program.folder) || !add(SliceKind::MailDownloads, program.folder))
-            continue;
-        m_places.programs.push_back({QString::fromLatin1(program.name),
-                                     {ProgramLock::Style::ProcessName, program.process},
-                                     {folderUrl(program.folder)}});
-    }
-}
-
-void FreedesktopSurvey::addPrograms()
-{
-    for (const FoundProgram &found : findPrograms(m_reader)) {
-        const FileUrls places = placesOf(found);
-        if (!places.isEmpty())
-            m_places.programs.push_back({found.program, found.lock, places});
-    }
-}
-
-/// A sandbox's cache is a location of its own, any other lies inside one.
-FileUrls FreedesktopSurvey::placesOf(const FoundProgram &found)
-{
-    FileUrls places;
-    for (const QByteArray &path : found.files) {
-        m_known.append(path);
-        places.append(m_home.appending(path, FileUrlKind::File));
-    }
-    m_places.locations[indexOf(SliceKind::BrowserData)] += places;
-    if (touchesKnown(found.cache))
-        places.append(folderUrl(found.cache));
-    return places;
-}
-
 /// The folder that the user named, unless it holds more than downloads; else the plain name. While
 /// the file that may name another cannot be read, the plain name may be that of anything.
 void FreedesktopSurvey::addDownloads()
@@ -234,25 +193,12 @@ void FreedesktopSurvey::addCacheOfEnvironment()
     const qsizetype slash = cache->lastIndexOf('/');
     const QByteArray name = cache->sliced(slash + 1);
     const bool isCalledACache = name == "cache" || name == ".cache";
-    const bool isAPrograms = isAtOrInside(*cache, "snap") ||
-                             hasHiddenComponent(cache->first(std::max<qsizetype>(slash, 0)));
+    const QByteArray around = cache->first(std::max<qsizetype>(slash, 0));
+    const bool isAPrograms =
+        isAtOrInside(*cache, "snap") || (hasHiddenComponent(around) && around != ".local");
     if (isCalledACache && !isAPrograms && !isTheUsers(*cache) && m_reader.hasFolder(*cache) &&
         add(SliceKind::Cache, *cache))
-        addCachesOfPrograms(*cache);
-}
-
-/// A program that was started in the same environment has its cache there under the same name.
-void FreedesktopSurvey::addCachesOfPrograms(const QByteArray &cache)
-{
-    const QByteArray usual = folderUrl(".cache").path() + '/';
-    for (ProgramFiles &program : m_places.programs) {
-        FileUrls places;
-        for (const FileUrl &place : program.places) {
-            if (place.path().startsWith(usual))
-                places.append(folderUrl(cache + '/' + place.path().sliced(usual.size())));
-        }
-        program.places += places;
-    }
+        m_cacheHomes.append(*cache);
 }
 
 /// None twice and none inside another, or its files would be listed twice.

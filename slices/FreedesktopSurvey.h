@@ -24,9 +24,10 @@ private:
     void addTrash(const QByteArray &trash);
     void addDownloads();
     void addMailDownloads();
+    void findBrowserData();
     void addPrograms();
-    FileUrls placesOf(const FoundProgram &found);
-    void addCachesOfPrograms(const QByteArray &cache);
+    FileUrls placesOf(const FoundProgram &found) const;
+    FileUrls cachePlaces(const QByteArray &cache) const;
     void addTrashOfEnvironment();
     void addCacheOfEnvironment();
     void addSearchFolders();
@@ -47,5 +48,7 @@ private:
     UserFolders m_userFolders; ///< downloads are not among them
     UserFolders m_downloads;   ///< where they may be
     QByteArrayList m_known;    ///< all folders that are locations already
+    std::vector<FoundProgram> m_found;
+    QByteArrayList m_cacheHomes; ///< the locations that hold the caches of all programs, by name
     HomeLayout::Places m_places;
 };

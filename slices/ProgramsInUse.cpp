@@ -63,16 +63,38 @@ Answer askParentLock(const SystemCalls &calls, int folder)
     return text ? judgedAddressLink(calls, *text) : answerTo(text.error());
 }
 
-Answer ask(const SystemCalls &calls, const AnchoredPath &home, const ProgramLock &lock)
+/// Asks each program, but for the list of all processes only once.
+class Inquiry final
 {
-    if (lock.style == Style::ProcessName)
-        return answerFor(calls.isProgramRunning(lock.place.constData()));
-    const auto folder = openAnchored(calls, {home.anchor, lock.place}, Descent::Strict);
-    if (!folder)
-        return answerTo(folder.error());
-    return lock.style == Style::ParentLock ? askParentLock(calls, folder->get())
-                                           : askHostLink(calls, folder->get(), lock.style);
-}
+public:
+    Inquiry(const SystemCalls &calls, const AnchoredPath &home) : m_calls(calls), m_home(home) {}
+
+    bool isRunning(const ProgramLock &lock)
+    {
+        return (lock.style == Style::ProcessName ? askProcesses(lock.place) : askLock(lock)) ==
+               Answer::Running;
+    }
+
+private:
+    Answer askProcesses(const QByteArray &name)
+    {
+        if (!m_names)
+            m_names = m_calls.programNames();
+        return answerFor(!*m_names || m_names->value().contains(name));
+    }
+    Answer askLock(const ProgramLock &lock) const
+    {
+        const auto folder = openAnchored(m_calls, {m_home.anchor, lock.place}, Descent::Strict);
+        if (!folder)
+            return answerTo(folder.error());
+        return lock.style == Style::ParentLock ? askParentLock(m_calls, folder->get())
+                                               : askHostLink(m_calls, folder->get(), lock.style);
+    }
+
+    const SystemCalls &m_calls;
+    const AnchoredPath &m_home;
+    std::optional<SystemResult<QByteArrayList>> m_names;
+};
 
 /// Those of the places that are the location or lie inside.
 FileUrls among(const FileUrls &places, const FileUrl &location)
@@ -83,13 +105,30 @@ FileUrls among(const FileUrls &places, const FileUrl &location)
     return found;
 }
 
-/// Several profiles of a program have one cache.
-void addEach(FileUrls &all, const FileUrls &places)
+bool isInsideOne(const FileUrl &place, const FileUrls &places)
 {
+    return std::any_of(places.begin(), places.end(), [&](const FileUrl &around) {
+        return place != around && isAtOrInside(place.path(), around.path());
+    });
+}
+
+/// Several profiles of a program have one cache, and programs of one maker a common one.
+FileUrls outermost(const FileUrls &places)
+{
+    FileUrls found;
     for (const FileUrl &place : places) {
-        if (!all.contains(place))
-            all.append(place);
+        if (!found.contains(place) && !isInsideOne(place, places))
+            found.append(place);
     }
+    return found;
+}
+
+/// In doubt something is.
+bool isThere(const SystemCalls &calls, const FileAccess &access, const FileUrl &place)
+{
+    const auto path = access.anchoredPath(place);
+    const auto status = path ? statusAnchored(calls, *path) : tl::unexpected(ENOENT);
+    return status || status.error() != ENOENT;
 }
 
 } // namespace
@@ -97,13 +136,14 @@ void addEach(FileUrls &all, const FileUrls &places)
 FileUrls placesInUse(const SystemCalls &calls, const AnchoredPath &anchor, const HomeLayout &layout,
                      const FileUrl &location)
 {
+    Inquiry inquiry(calls, anchor);
     FileUrls found;
     for (const ProgramFiles &program : layout.programs()) {
         const FileUrls places = among(program.places, location);
-        if (!places.isEmpty() && ask(calls, anchor, program.lock) == Answer::Running)
-            addEach(found, places);
+        if (!places.isEmpty() && inquiry.isRunning(program.lock))
+            found += places;
     }
-    return found;
+    return outermost(found);
 }
 
 ProgramsInUse ProgramsInUse::find(const SystemCalls &calls, const FileAccess &access,
@@ -113,9 +153,13 @@ ProgramsInUse ProgramsInUse::find(const SystemCalls &calls, const FileAccess &ac
     const auto home = access.anchoredPath(layout.home());
     if (!home || !home->anchor)
         return found; // nothing can be cleaned there either
+    Inquiry inquiry(calls, *home);
     for (const ProgramFiles &program : layout.programs()) {
-        if (ask(calls, *home, program.lock) == Answer::Running)
-            found.m_programs.append(program);
+        ProgramFiles running = program;
+        running.places.removeIf(
+            [&](const FileUrl &place) { return !isThere(calls, access, place); });
+        if (!running.places.isEmpty() && inquiry.isRunning(program.lock))
+            found.m_programs.append(running);
     }
     return found;
 }
@@ -135,12 +179,11 @@ FileUrls ProgramsInUse::keptInside(const FileUrls &locations) const
 {
     FileUrls kept;
     for (const ProgramFiles &program : m_programs) {
-        for (const FileUrl &location : locations) {
-            addEach(kept, among(program.places, location));
-        }
+        for (const FileUrl &location : locations)
+            kept += among(program.places, location);
     }
     kept.removeIf([&](const FileUrl &place) { return locations.contains(place); });
-    return kept;
+    return outermost(kept);
 }
 
 QStringList ProgramsInUse::programs(const FileUrls &locations) const

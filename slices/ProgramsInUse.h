@@ -6,14 +6,15 @@
 
 #include <QStringList>
 
-/// The places at and inside this location whose programs run at this very moment, each once, as
-/// their locks below the home tell, which `anchor` holds open; not for the main thread.
+/// The places at and inside this location whose programs run at this very moment, as their locks
+/// tell below the home, which `anchor` holds open, and the process list. None lies in another, and
+/// they need not be there. Not for the main thread.
 FileUrls placesInUse(const SystemCalls &calls, const AnchoredPath &anchor, const HomeLayout &layout,
                      const FileUrl &location);
 
 /// The programs of a layout that were running when they were looked for, and the places that are
-/// therefore left out: a browser writes its cookies back when it ends, and breaks when they vanish
-/// under it. In doubt a program runs. A value.
+/// therefore left out, those that were there: a browser writes its cookies back when it ends, and
+/// breaks when they vanish under it. In doubt a program runs. A value.
 class ProgramsInUse final
 {
 public:
@@ -26,7 +27,7 @@ public:
 
     /// The locations without those that are left out.
     FileUrls without(const FileUrls &locations) const;
-    /// The folders that stay inside these locations, each once; they need not be there.
+    /// What stays inside these locations: folders, none in another.
     FileUrls keptInside(const FileUrls &locations) const;
     /// The names of those that keep some of these locations or something inside, each once.
     QStringList programs(const FileUrls &locations) const;

@@ -11,7 +11,6 @@ void place(Info &record, const FileUrls &places, const FileUrls &kept)
 {
     if (record.fileURLs() != places || record.kept() != kept)
         record.setPlaces(places, kept);
-    record.fileSizeString();
 }
 
 bool isAtOrInsideOne(const FileUrl &url, const FileUrls &places)
@@ -66,18 +65,20 @@ FileUrls takeAwayPlacesInUse(const std::vector<std::shared_ptr<Info>> &records,
             continue;
         takenAway += missing(before, places) + newlyKept;
         place(*record, places, keptBefore + newlyKept);
+        record->fileSizeString();
     }
     return takenAway;
 }
 
 void takeAwaySizes(const std::vector<std::shared_ptr<Info>> &records, const FileUrls &stayed,
-                   const std::function<qint64(const FileUrl &)> &sizeOf)
+                   const std::function<qint64(const FileUrl &, const FileUrls &kept)> &sizeOf)
 {
     for (const auto &record : records) {
         const FileUrls places = record->fileURLs().value_or(FileUrls());
         for (const FileUrl &url : stayed) {
             if (isAtOrInsideOne(url, places))
-                record->setFileSize(std::max<qint64>(0, record->fileSize() - sizeOf(url)));
+                record->setFileSize(
+                    std::max<qint64>(0, record->fileSize() - sizeOf(url, record->kept())));
         }
     }
 }

@@ -3,7 +3,7 @@
 #include "app/AppDelegate.h"
 #include "tests/support/Journey.h"
 #include "tests/support/PageFixture.h"
-#include "tests/support/QuietMachine.h"
+#include "tests/support/ForwardingSystemCalls.h"
 #include "tests/support/SampleHome.h"
 
 #include <memory>
@@ -47,7 +47,7 @@ public:
 private:
     ScratchFolder m_place;
     SampleHome m_home;
-    QuietMachine m_calls;
+    ForwardingSystemCalls m_calls;
     std::shared_ptr<RecordingWorkspace> m_workspace;
     std::unique_ptr<AppDelegate> m_application;
     std::unique_ptr<Journey> m_journey;

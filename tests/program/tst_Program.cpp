@@ -116,20 +116,24 @@ bool TestProgram::press(const QStringList &keys)
 
 bool TestProgram::waitUntilStill()
 {
-    QElapsedTimer whole;
+    QImage last;
     QElapsedTimer still;
-    whole.start();
+    QElapsedTimer picture;
     still.start();
-    for (QImage last = screenPicture(); !still.hasExpired(kStill.count());) {
-        QTest::qWait(kBetweenPictures.count());
-        const QImage picture = screenPicture();
-        if (picture != last)
-            still.start();
-        last = picture;
-        if (whole.hasExpired(kPatience) || m_program->state() != QProcess::Running)
+    picture.start();
+    const auto isStill = [&] {
+        if (m_program->state() != QProcess::Running)
+            return true; // it will not move any more
+        if (!picture.hasExpired(kBetweenPictures.count()))
             return false;
-    }
-    return true;
+        picture.start();
+        if (const QImage next = screenPicture(); next != last) {
+            last = next;
+            still.start();
+        }
+        return still.hasExpired(kStill.count());
+    };
+    return QTest::qWaitFor(isStill, kPatience) && m_program->state() == QProcess::Running;
 }
 
 QByteArray TestProgram::settings() const

@@ -51,6 +51,11 @@ inline const QByteArrayList kFiles{
     ".mozilla/firefox/b/cookies.sqlite",
     ".cache/mozilla/firefox/a/item",
     ".cache/chromium/item",
+    ".cache/geary/item",
+    "var/cache/geary/item",
+    "var/cache/mozilla/firefox/item",
+    ".var/app/com.brave.Browser/config/BraveSoftware/Brave-Browser/Default/History",
+    ".var/app/com.brave.Browser/cache/item",
     ".local/share/Trash/directorysizes",
     ".local/share/Trash/files/folder/item",
     ".local/share/Trash/files/folder/other",
@@ -61,7 +66,7 @@ inline const QByteArrayList kVariables{"XDG_DOWNLOAD_DIR", "XDG_DOCUMENTS_DIR", 
                                        "XDG_MUSIC_DIR"};
 
 /// A home of any make, with links anywhere, and whatever its files and the environment may say;
-/// with files and folders that its user excluded, and with a Firefox that may be running.
+/// with files and folders that its user excluded, and with programs that may be running.
 class RandomHome final
 {
 public:
@@ -72,6 +77,8 @@ public:
             tryTo([&] { home.make("Library/Caches/item"); });
         if (seed % 4 == 1)
             startFirefox();
+        if (seed % 5 == 2)
+            running = {"geary", "brave"};
         if (seed % 3 != 0)
             exclude();
         lockTrash();
@@ -86,6 +93,7 @@ public:
     HomeEnvironment environment;
     QByteArrayList excluded; ///< relative to the home, a folder's with its slash
     bool isFirefoxRunning = false;
+    QByteArrayList running; ///< by the process list
 
     bool isFolder(const QByteArray &path) const
     {

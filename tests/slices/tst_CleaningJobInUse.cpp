@@ -4,14 +4,27 @@
 #include "slices/FolderSizing.h"
 #include "slices/HomeSurvey.h"
 #include "slices/Info.h"
+#include "tests/support/ForwardingSystemCalls.h"
 #include "tests/support/GuiTestMain.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/PageFixture.h"
-#include "tests/support/QuietMachine.h"
 
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <unistd.h>
+
+namespace {
+
+/// A machine that runs just these.
+class RunningPrograms final : public ForwardingSystemCalls
+{
+public:
+    QByteArrayList programs; ///< changed by the thread that cleans alone, while it does
+
+    SystemResult<QByteArrayList> programNames() const override { return programs; }
+};
+
+} // namespace
 
 /// What a cleaning does about programs that begin to use what it was asked to remove.
 class TestCleaningJobInUse final : public QObject
@@ -26,6 +39,8 @@ private Q_SLOTS:
     void keepsTheCacheOfAProgramThatRuns();
     void keepsTheCacheOfAProgramStartedMeanwhile();
     void countsNothingAsFreedThatStayed();
+    void tellsNothingOfWhatIsNotThere();
+    void takesNoSizeOffTwice();
     void logsWhatStaysForAProgram();
 
 private:
@@ -44,12 +59,13 @@ private:
 
     CleaningJob::Records m_chosen; ///< of the last cleaning
     std::unique_ptr<PageFixture> m_fixture;
-    QuietMachine m_calls;
+    RunningPrograms m_calls;
 };
 
 void TestCleaningJobInUse::init()
 {
     m_calls.setHook({});
+    m_calls.programs.clear();
     m_fixture = std::make_unique<PageFixture>(HomeKind::Freedesktop);
     m_fixture->grantHome();
     QVERIFY(ResourceManager::homeFolder() == m_fixture->homeUrl());
@@ -122,6 +138,33 @@ void TestCleaningJobInUse::keepsTheCacheOfAProgramThatRuns()
     QCOMPARE(report.refusals.value(0).path, m_fixture->home() + "/.cache/mozilla");
     QCOMPARE(report.refusalCount, 1U);
     QCOMPARE(m_chosen.front()->fileSize(), 5);
+}
+
+void TestCleaningJobInUse::tellsNothingOfWhatIsNotThere()
+{
+    m_calls.programs = {"chrome", "geary"};
+    const CleaningReport report = clean({SliceKind::Cache});
+    QVERIFY(!m_fixture->exists(".cache/other"));
+    QCOMPARE(report.refusalCount, 0U);
+}
+
+/// Its lock and its process tell of the same folder.
+void TestCleaningJobInUse::takesNoSizeOffTwice()
+{
+    m_fixture->makeFile(".cache/BraveSoftware/Brave-Browser/c", 100);
+    m_fixture->makeFile(".config/BraveSoftware/Brave-Browser/Default/x", 1);
+    m_calls.setHook([this](int, std::string_view name) {
+        if (name == "removeFile" && m_calls.programs.isEmpty()) {
+            m_calls.programs = {"brave"};
+            m_fixture->folder().makeLink("anna/.config/BraveSoftware/Brave-Browser/SingletonLock",
+                                         "elsewhere-1");
+        }
+        return 0;
+    });
+    const CleaningReport report = clean({SliceKind::Trash, SliceKind::Cache});
+    QVERIFY(m_fixture->exists(".cache/BraveSoftware/Brave-Browser/c"));
+    QCOMPARE(report.refusalCount, 1U);
+    QCOMPARE(m_chosen.at(1)->fileSize(), 12); // of 112
 }
 
 /// Between the trash and the cache.

@@ -21,29 +21,15 @@ void TestConversations::knowsProgramsByTheirNames_data()
     const auto row = [](const QByteArray &path, bool isKept) {
         QTest::newRow(path) << path << isKept;
     };
-    for (const char *name : {"hexchat",
-                             "weechat",
-                             "konversation",
-                             "pidgin",
-                             ".purple",
-                             "gajim",
-                             "dino",
-                             "psi",
-                             "psi+",
-                             "kvirc",
-                             "quassel",
-                             "quassel-irc.org",
-                             "quasselclient",
-                             "irssi",
-                             "polari",
-                             "xchat",
-                             "xchat2",
-                             "telepathy",
-                             "TpLogger-telepathy",
-                             "Element",
-                             "Element-Nightly"})
+    for (const char *name : {"hexchat",       "weechat",   "konversation", "pidgin",
+                             ".purple",       "gajim",     "dino",         "psi",
+                             "psi+",          "kvirc",     "quassel",      "quassel-irc.org",
+                             "quasselclient", "irssi",     "polari",       "xchat",
+                             "xchat2",        "telepathy", "Element",      "Element-Nightly"})
         row(QByteArray(".config/") + name + "/logs", true);
     row(".local/share/weechat/logs", true);
+    row(".local/share/TpLogger/logs", true);
+    row(".local/share/nicotine/logs", true);
     row(".var/app/io.github.Hexchat/config/hexchat/logs", true);
     row(".var/app/io.github.Hexchat/config/other/logs", true);
     row(".config/editor/logs", false);

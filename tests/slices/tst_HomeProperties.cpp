@@ -3,7 +3,7 @@
 #include "slices/RecordPlaces.h"
 #include "slices/SlicesToClean.h"
 #include "tests/slices/RandomHome.h"
-#include "tests/support/QuietMachine.h"
+#include "tests/support/ForwardingSystemCalls.h"
 #include "tests/support/TestMain.h"
 
 #include <QFileInfo>
@@ -14,9 +14,21 @@ namespace {
 
 constexpr int kHomes = 800;
 
+/// A machine that runs just these.
+class RunningPrograms final : public ForwardingSystemCalls
+{
+public:
+    explicit RunningPrograms(const QByteArrayList &names) : m_names(names) {}
+
+    SystemResult<QByteArrayList> programNames() const override { return m_names; }
+
+private:
+    const QByteArrayList m_names;
+};
+
 CleaningPlan planFor(const RandomHome &made)
 {
-    const QuietMachine calls;
+    const RunningPrograms calls(made.running);
     const HomeLayout layout = made.home.survey(made.environment);
     std::vector<std::shared_ptr<Info>> records;
     for (const SliceDescription &slice : sliceCatalogue())
@@ -38,12 +50,30 @@ bool keeps(const QByteArray &excluded, const QByteArray &path)
     return path.startsWith(excluded) || excluded.startsWith(path);
 }
 
-bool isKept(const RandomHome &made, const QByteArray &path)
+bool isAtOrInsideOne(const QByteArray &path, const QByteArrayList &places)
+{
+    return std::any_of(places.begin(), places.end(), [&](const QByteArray &place) {
+        return path == place || path.startsWith(place + '/');
+    });
+}
+
+/// Whether a program that runs uses it. What is downloaded into a folder of caches is downloads.
+bool isInUse(const RandomHome &made, const QByteArray &path, SliceKind kind)
+{
+    const bool isFirefoxs = isAtOrInsideOne(path, {".mozilla/firefox/a"}) ||
+                            (kind == SliceKind::Cache &&
+                             isAtOrInsideOne(path, {".cache/mozilla", "var/cache/mozilla"}));
+    return (made.isFirefoxRunning && isFirefoxs) ||
+           (kind == SliceKind::Cache && made.running.contains("geary") &&
+            isAtOrInsideOne(path, {".cache/geary", "var/cache/geary"})) ||
+           (made.running.contains("brave") &&
+            isAtOrInsideOne(path, {".var/app/com.brave.Browser/cache"}));
+}
+
+bool isKept(const RandomHome &made, const QByteArray &path, SliceKind kind)
 {
     const QByteArray text = made.isFolder(path) ? path + '/' : path;
-    const bool isFirefoxs = path == ".cache/mozilla" || path.startsWith(".cache/mozilla/") ||
-                            path.startsWith(".mozilla/firefox/a/");
-    return (made.isFirefoxRunning && isFirefoxs) ||
+    return isInUse(made, path, kind) ||
            std::any_of(made.excluded.begin(), made.excluded.end(),
                        [&](const QByteArray &excluded) { return keeps(excluded, text); });
 }
@@ -74,7 +104,7 @@ std::set<QByteArray> expectedRest(const RandomHome &made, const CleaningPlan &pl
         std::erase_if(rest, [&](const QByteArray &path) {
             const bool isOfPlace = path.startsWith(place + '/') ||
                                    (path == place && location.mode == CleaningMode::TheVeryFiles);
-            return isOfPlace && !isKept(made, path);
+            return isOfPlace && !isKept(made, path, *sliceKindNamed(location.slice));
         });
     }
     for (const QByteArray &path : before) {
@@ -128,7 +158,8 @@ qint64 shown(const MadeHome &home, const HomeLayout &layout, SliceKind kind)
 {
     const auto rule = kind == SliceKind::Trash ? ReadOnlyFolders::Emptied : ReadOnlyFolders::Stay;
     qint64 bytes = 0;
-    for (const FileUrl &place : *layout.locations(kind)) {
+    const FileUrls places = *layout.locations(kind);
+    for (const FileUrl &place : places) {
         const AnchoredPath path = *home.access().anchoredPath(place);
         bytes += measureFolder(hostSystemCalls(), path, {}, 1, {rule}).bytes;
     }

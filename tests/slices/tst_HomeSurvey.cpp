@@ -1,42 +1,10 @@
 #include "tests/slices/HomeKit.h"
-#include "tests/support/ChildProcess.h"
 #include "tests/support/ForwardingSystemCalls.h"
-#include "tests/support/OwnMounts.h"
 #include "tests/support/TestMain.h"
 
 #include <cerrno>
 
 namespace {
-
-/// Lets a cleaning believe that a disk is waited for by nobody, so that it works on one thread: a
-/// child of a process that has several is to start none.
-class OneThreadCalls final : public ForwardingSystemCalls
-{
-public:
-    bool isInMemory(int) const override { return true; }
-};
-
-/// One folder is a volume of its own: it opens like any, its device number alone tells.
-class SubVolumeCalls final : public ForwardingSystemCalls
-{
-public:
-    explicit SubVolumeCalls(const QByteArray &folder)
-    {
-        const auto opened = ForwardingSystemCalls::openRoot(folder.constData());
-        m_inode = ForwardingSystemCalls::statusOf(opened->get())->inode;
-    }
-
-    SystemResult<FileStatus> statusOf(int descriptor) const override
-    {
-        auto status = ForwardingSystemCalls::statusOf(descriptor);
-        if (status && status->inode == m_inode)
-            ++status->device;
-        return status;
-    }
-
-private:
-    std::uint64_t m_inode = 0;
-};
 
 /// A grant that holds for the first question alone.
 class AnsweringOnce final : public FileAccess
@@ -77,11 +45,6 @@ private Q_SLOTS:
     void findsTheUpdatesOfEveryUserOfWine();
     void findsAttachmentsButNoMail();
     void findsEveryBrowserProfile();
-    void followsNoLink_data();
-    void followsNoLink();
-    void leavesMountsAlone();
-    void leavesSubVolumesAlone();
-    void findsNothingItMayNotRead();
 };
 
 void TestHomeSurvey::keepsTheFixedLayoutWhereThereIsALibrary()
@@ -165,7 +128,8 @@ void TestHomeSurvey::findsAPlainDesktop()
     QCOMPARE(locationsOf(home, layout), kPlainLocations);
     QVERIFY(!layout.locations(SliceKind::LargeFiles));
     QCOMPARE(home.relative(layout.trashFolder()), QByteArray(".local/share/Trash/files/"));
-    for (const FileUrl &url : *layout.locations(SliceKind::Trash))
+    const FileUrls trash = *layout.locations(SliceKind::Trash);
+    for (const FileUrl &url : trash)
         QVERIFY(layout.isInTrash(url));
     QVERIFY(!layout.isInTrash(layout.locations(SliceKind::Cache)->constFirst()));
 }
@@ -291,109 +255,6 @@ void TestHomeSurvey::findsEveryBrowserProfile()
                  "snap/firefox/common/.mozilla/firefox/gh/formhistory.sqlite",
              }));
     QCOMPARE(layout.programs().size(), 7U);
-}
-
-void TestHomeSurvey::followsNoLink_data()
-{
-    QTest::addColumn<QByteArray>("link");
-    for (const char *path : {".local",
-                             ".local/share",
-                             ".local/share/Trash",
-                             ".local/share/Trash/files",
-                             ".cache",
-                             ".local/share/xorg",
-                             ".npm",
-                             ".npm/_logs",
-                             ".config",
-                             ".config/editor",
-                             ".config/editor/logs",
-                             ".local/state/player/logs",
-                             "Downloads",
-                             "snap",
-                             "snap/tool/common",
-                             ".var/app/org.a.A",
-                             ".var/app/org.a.A/cache",
-                             ".wine/drive_c/users/anna",
-                             ".claws-mail/mimetmp",
-                             ".mozilla/firefox/ab",
-                             ".mozilla/firefox/ab/cookies.sqlite",
-                             ".config/chromium",
-                             ".config/chromium/Default",
-                             ".config/chromium/Default/Network"})
-        QTest::newRow(path) << QByteArray(path);
-}
-
-void TestHomeSurvey::followsNoLink()
-{
-    QFETCH(const QByteArray, link);
-    QByteArrayList everything = kPlainHome;
-    everything += {"snap/tool/common/.cache/x",
-                   ".var/app/org.a.A/cache/x",
-                   ".wine/drive_c/users/anna/AppData/Roaming/Apple Computer/iTunes/"
-                   "iPad Software Updates/x",
-                   ".claws-mail/mimetmp/x",
-                   ".mozilla/firefox/ab/cookies.sqlite",
-                   ".config/chromium/Default/Network/Cookies"};
-    const MadeHome home(everything);
-    std::filesystem::rename(native(home.path(link)), native(home.outside("moved")));
-    home.link(link, home.outside("moved"));
-    for (const auto &[kind, paths] : locationsOf(home, home.survey())) {
-        for (const QByteArray &path : paths)
-            QVERIFY2(!(path + '/').startsWith(link + '/'), path);
-    }
-}
-
-/// A folder of documents that a desktop shows below the cache, and a cache that is a disk itself.
-void TestHomeSurvey::leavesMountsAlone()
-{
-    MadeTree tree;
-    for (const char *folder :
-         {".cache", ".cache/doc", ".var", ".var/app", ".var/app/org.a.A", ".var/app/org.a.A/cache"})
-        tree.makeFolder(folder);
-    tree.makeFile(".cache/old");
-    const auto work = [&tree] {
-        const OwnMounts mounts(tree);
-        mounts.mountMemory(".cache/doc");
-        mounts.mountMemory(".var/app/org.a.A/cache");
-        makeFile(tree.path(".cache/doc/letter.odt"));
-        makeFile(tree.path(".var/app/org.a.A/cache/item"));
-        const GrantedFolder access(tree.path());
-        const HomeLayout layout = surveyHome(
-            hostSystemCalls(), access, FileUrl::fromPath(tree.path(), FileUrlKind::Folder), {});
-        const FileUrls caches = *layout.locations(SliceKind::Cache);
-        clean(access, {contentsOf(caches)}, {}, OneThreadCalls());
-        const bool areLeft = exists(tree.path(".cache/doc/letter.odt")) &&
-                             exists(tree.path(".var/app/org.a.A/cache/item"));
-        const bool isGone = !exists(tree.path(".cache/old"));
-        return mounts.areMade() && caches.size() == 1 && areLeft && isGone ? 0 : 1;
-    };
-    QCOMPARE(runInChild(ChildUser::Same, work).exitCode, 0);
-}
-
-void TestHomeSurvey::leavesSubVolumesAlone()
-{
-    const MadeHome home(kPlainHome);
-    const SubVolumeCalls calls(home.path(".cache"));
-    Found expected = kPlainLocations;
-    expected.erase(SliceKind::Cache);
-    QCOMPARE(locationsOf(home, home.survey({}, calls)), expected);
-}
-
-/// Whichever call fails, the survey ends and finds no more than it would have found.
-void TestHomeSurvey::findsNothingItMayNotRead()
-{
-    const MadeHome home(kPlainHome);
-    ForwardingSystemCalls calls;
-    home.survey({}, calls);
-    const int count = calls.callCount();
-    QVERIFY(count > 20);
-    for (int number = 2; number <= count; ++number) {
-        calls.setHook(ForwardingSystemCalls::failing(number, EIO));
-        for (const auto &[kind, paths] : locationsOf(home, home.survey({}, calls))) {
-            for (const QByteArray &path : paths)
-                QVERIFY2(kPlainLocations.at(kind).contains(path), path);
-        }
-    }
 }
 
 VANTOR_TEST_MAIN(TestHomeSurvey)

@@ -14,11 +14,11 @@ public:
     using ForwardingSystemCalls::ForwardingSystemCalls;
 
     std::set<std::int64_t> processes;
-    std::set<QByteArray> programs;
+    SystemResult<QByteArrayList> programs;
     SystemResult<bool> locked = false;
 
     bool isRunning(std::int64_t process) const override { return processes.contains(process); }
-    bool isProgramRunning(const char *name) const override { return programs.contains(name); }
+    SystemResult<QByteArrayList> programNames() const override { return programs; }
     QByteArray hostName() const override { return "desk"; }
     SystemResult<bool> isLocked(int) const override { return locked; }
 };
@@ -48,7 +48,11 @@ private Q_SLOTS:
     void leavesOutTheCacheOfASandboxedBrowser();
     void keepsTheCachesInsideThatOfTheUser();
     void noticesABrowserWithoutAnyFiles();
+    void keepsTheCachesInsideThatOfTheEnvironment_data();
     void keepsTheCachesInsideThatOfTheEnvironment();
+    void keepsTheCacheOfAProgramThatWasNeverRunBefore();
+    void keepsAFolderOnlyOnce();
+    void namesNothingThatIsNotThere();
     void keepsTheCachesOfMailPrograms();
     void keepsTheCacheOfABrowserWhoseLockIsElsewhere();
     void tellsWhatIsInUseAtThisMoment();
@@ -154,7 +158,7 @@ void TestProgramsInUse::looksForMailProgramsInTheProcessList()
     const MadeHome home({".claws-mail/mimetmp/", ".sylpheed-2.0/mimetmp/"});
     const FileUrls folders = places(home.survey(), SliceKind::MailDownloads);
     QCOMPARE(found(home).without(folders), folders);
-    m_machine->programs = {"claws-mail"};
+    m_machine->programs = QByteArrayList{"claws-mail"};
     QCOMPARE(home.relative(found(home).without(folders)), QByteArrayList{".sylpheed-2.0/mimetmp/"});
     QCOMPARE(found(home).programs(folders), QStringList{QStringLiteral("Claws Mail")});
 }
@@ -204,7 +208,7 @@ void TestProgramsInUse::keepsTheCachesInsideThatOfTheUser()
     home.link(".config/BraveSoftware/Brave-Browser/SingletonLock", "desk-77");
     QCOMPARE(found(home).without(caches), caches);
     QCOMPARE(home.relative(found(home).keptInside(caches)),
-             QByteArrayList({".cache/BraveSoftware/Brave-Browser/", ".cache/mozilla/"}));
+             QByteArrayList({".cache/BraveSoftware/", ".cache/mozilla/"}));
     QCOMPARE(found(home).programs(caches),
              QStringList({QStringLiteral("Brave"), QStringLiteral("Firefox")}));
 }
@@ -221,14 +225,66 @@ void TestProgramsInUse::noticesABrowserWithoutAnyFiles()
     QVERIFY(places(home.survey(), SliceKind::BrowserData).isEmpty());
 }
 
+void TestProgramsInUse::keepsTheCachesInsideThatOfTheEnvironment_data()
+{
+    QTest::addColumn<QByteArrayList>("folders");
+    QTest::addColumn<QByteArrayList>("kept");
+    const QByteArrayList besides{"var/cache/geary/", "var/cache/mozilla/"};
+    QTest::newRow("beside the usual")
+        << QByteArrayList{".cache/mozilla/x"} << QByteArrayList{".cache/mozilla/"} + besides;
+    QTest::newRow("alone") << QByteArrayList() << besides;
+}
+
 void TestProgramsInUse::keepsTheCachesInsideThatOfTheEnvironment()
 {
-    const MadeHome home({".cache/mozilla/x", "var/cache/mozilla/x", ".mozilla/firefox/a/x"});
+    QFETCH(const QByteArrayList, folders);
+    QFETCH(const QByteArrayList, kept);
+    const MadeHome home(folders + QByteArrayList{"var/cache/mozilla/x", "var/cache/geary/x",
+                                                 ".mozilla/firefox/a/x"});
     home.link(".mozilla/firefox/a/lock", "127.0.1.1:+77");
+    m_machine->programs = QByteArrayList{"geary"};
     const HomeLayout layout = home.survey({.dataHome = {}, .cacheHome = home.path("var/cache")});
     const auto inUse = ProgramsInUse::find(*m_machine, home.access(), layout);
-    QCOMPARE(home.relative(inUse.keptInside(places(layout, SliceKind::Cache))),
-             QByteArrayList({".cache/mozilla/", "var/cache/mozilla/"}));
+    QByteArrayList found = home.relative(inUse.keptInside(places(layout, SliceKind::Cache)));
+    std::sort(found.begin(), found.end());
+    QCOMPARE(found, kept);
+}
+
+/// Neither its profile nor its cache was there when the home was looked at.
+void TestProgramsInUse::keepsTheCacheOfAProgramThatWasNeverRunBefore()
+{
+    const MadeHome home({".cache/other/x", ".var/app/org.mozilla.firefox/cache/x"});
+    const HomeLayout layout = home.survey();
+    home.make(".cache/mozilla/x");
+    m_machine->programs = QByteArrayList{"firefox"};
+    const auto inUse = ProgramsInUse::find(*m_machine, home.access(), layout);
+    const FileUrls caches = places(layout, SliceKind::Cache);
+    QCOMPARE(home.relative(inUse.keptInside(caches)), QByteArrayList{".cache/mozilla/"});
+    QCOMPARE(home.relative(inUse.without(caches)), QByteArrayList{".cache/"});
+}
+
+void TestProgramsInUse::keepsAFolderOnlyOnce()
+{
+    const MadeHome home({".cache/BraveSoftware/Brave-Browser/x",
+                         ".config/BraveSoftware/Brave-Browser/Default/History"});
+    home.link(".config/BraveSoftware/Brave-Browser/SingletonLock", "desk-77");
+    m_machine->programs = QByteArrayList{"brave"};
+    const HomeLayout layout = home.survey();
+    const FileUrl cache = places(layout, SliceKind::Cache).constFirst();
+    QCOMPARE(home.relative(found(home).keptInside({cache})),
+             QByteArrayList{".cache/BraveSoftware/"});
+    QCOMPARE(
+        home.relative(placesInUse(*m_machine, *home.access().anchoredPath(cache), layout, cache)),
+        QByteArrayList{".cache/BraveSoftware/"});
+}
+
+void TestProgramsInUse::namesNothingThatIsNotThere()
+{
+    const MadeHome home({".cache/other/x"});
+    m_machine->programs = QByteArrayList{"chrome"};
+    const FileUrls caches = places(home.survey(), SliceKind::Cache);
+    QVERIFY(found(home).keptInside(caches).isEmpty());
+    QVERIFY(found(home).programs(caches).isEmpty());
 }
 
 void TestProgramsInUse::keepsTheCachesOfMailPrograms()
@@ -237,7 +293,7 @@ void TestProgramsInUse::keepsTheCachesOfMailPrograms()
                          ".var/app/org.gnome.Evolution/cache/x", ".cache/geary/x"});
     const FileUrls caches = places(home.survey(), SliceKind::Cache);
     home.link(".thunderbird/a/lock", "127.0.1.1:+77");
-    m_machine->programs = {"evolution"};
+    m_machine->programs = QByteArrayList{"evolution-sourc"}; // its service alone
     QCOMPARE(home.relative(found(home).keptInside(caches)),
              QByteArrayList({".cache/thunderbird/", ".cache/evolution/"}));
     QCOMPARE(home.relative(found(home).without(caches)), QByteArrayList{".cache/"});
@@ -249,7 +305,7 @@ void TestProgramsInUse::keepsTheCacheOfABrowserWhoseLockIsElsewhere()
     home.link(".mozilla", "elsewhere");
     const FileUrls caches = places(home.survey(), SliceKind::Cache);
     QVERIFY(found(home).keptInside(caches).isEmpty());
-    m_machine->programs = {"firefox-esr"};
+    m_machine->programs = QByteArrayList{"firefox-esr"};
     QCOMPARE(home.relative(found(home).keptInside(caches)), QByteArrayList{".cache/mozilla/"});
 }
 
@@ -303,7 +359,7 @@ void TestProgramsInUse::takesWhatCannotBeToldForRunning()
 void TestProgramsInUse::findsNoneWithALibrary()
 {
     const MadeHome home({"Library/Safari/History.plist"});
-    m_machine->programs = {"claws-mail"};
+    m_machine->programs = QByteArrayList{"claws-mail"};
     const FileUrls files = places(home.survey(), SliceKind::BrowserData);
     QCOMPARE(found(home).without(files), files);
 }

@@ -133,9 +133,9 @@ bool ForwardingSystemCalls::isRunning(std::int64_t process) const
     return m_next.isRunning(process);
 }
 
-bool ForwardingSystemCalls::isProgramRunning(const char *name) const
+SystemResult<QByteArrayList> ForwardingSystemCalls::programNames() const
 {
-    return m_next.isProgramRunning(name);
+    return forwarded("programNames", [] { return SystemResult<QByteArrayList>(); });
 }
 
 QByteArray ForwardingSystemCalls::hostName() const
