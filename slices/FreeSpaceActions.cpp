@@ -141,19 +141,22 @@ void FreeSpaceViewController::askForConfirmation()
                                             m_home.layout.nameOfDownloads()}),
                       .buttons = {{tr("Cancel"), AlertButtonRole::Cancel},
                                   {tr("Delete Files"), AlertButtonRole::Destructive}}};
-    presentAlert(*view(), alert, [this](int button) {
+    presentAlert(*view(), alert, [this, confirmed = m_selection.choice()](int button) {
         if (button == 1)
-            beginCleaning();
+            beginCleaning(confirmed);
     });
 }
 
-/// Asked again: the page may have been left, or the settings changed, while the sheet was up. And
-/// what was confirmed is cleaned or nothing: a slice may be switched while the grant is looked at.
-void FreeSpaceViewController::beginCleaning()
+/// Looked at again: the page may have been left, or the settings changed, while the sheet was up.
+/// And what was confirmed is cleaned or nothing: a slice may have been switched, or a program
+/// ended, before the sheet came or while the grant is looked at.
+void FreeSpaceViewController::beginCleaning(const SliceSelection::Choice &confirmed)
 {
-    whenMayClean([this, confirmed = m_selection.chosen()] {
-        if (confirmed == m_selection.chosen())
-            clean(confirmed);
+    whenMayClean([this, confirmed] {
+        if (confirmed == m_selection.choice())
+            clean(m_selection.chosen());
+        else
+            askForConfirmation();
     });
 }
 

@@ -73,30 +73,57 @@ void FreeSpaceViewController::enableStartButton()
         m_startButton->setFocus(Qt::OtherFocusReason);
 }
 
-/// Programs come and go: the confirmation names what stays because of those that run now, and the
-/// size without it.
+/// Work for another thread: programs come and go.
+LatestJob::Work FreeSpaceViewController::lookForPrograms(std::function<void()> then)
+{
+    return [this, &calls = m_services.calls, &access = m_services.access, layout = m_home.layout,
+            then = std::move(then)](const std::stop_token &) {
+        const AccessScope scope(access);
+        const auto inUse = ProgramsInUse::find(calls, access, layout);
+        return [this, inUse, then] {
+            programsWereFound(inUse);
+            then();
+        };
+    };
+}
+
+void FreeSpaceViewController::programsWereFound(const ProgramsInUse &inUse)
+{
+    if (m_isCleaning)
+        return; // what was confirmed stands
+    m_home.inUse = inUse;
+    placeRecords(m_selection.records(), m_home.layout, inUse);
+    m_pieChart->reloadData();
+    updateButtonText();
+}
+
+/// The confirmation names what stays because of the programs that run now, and the size without it.
 void FreeSpaceViewController::lookAgainAndConfirm()
 {
     if (m_home.layout.programs().empty()) {
         askForConfirmation();
         return;
     }
-    m_looking.run([this, &calls = m_services.calls, &access = m_services.access,
-                   layout = m_home.layout,
-                   records = m_selection.records()](const std::stop_token &) {
-        const AccessScope scope(access);
-        const auto inUse = ProgramsInUse::find(calls, access, layout);
-        placeRecords(records, layout, inUse);
-        return [this, inUse] { programsWereFound(inUse); };
-    });
+    view()->setCursor(Qt::BusyCursor);
+    m_looking.run(lookForPrograms([this] { measureAndConfirm(); }));
 }
 
-void FreeSpaceViewController::programsWereFound(const ProgramsInUse &inUse)
+void FreeSpaceViewController::measureAndConfirm()
 {
-    m_home.inUse = inUse;
-    m_pieChart->reloadData();
-    if (m_isShown && !m_isCleaning && m_selection.somethingIsSelected())
-        askForConfirmation();
+    SliceSelection::Records named;
+    for (const auto &record : m_selection.chosen()) {
+        if (!programsInUse(*sliceKindNamed(record->name())).isEmpty() && !record->isMeasured())
+            named.push_back(record);
+    }
+    m_looking.run([this, named](const std::stop_token &) {
+        for (const auto &record : named)
+            record->fileSizeString();
+        return [this] {
+            view()->unsetCursor();
+            if (isReadyToClean() && !isPickingLargeFiles())
+                askForConfirmation();
+        };
+    });
 }
 
 QStringList FreeSpaceViewController::programsInUse(SliceKind kind) const

@@ -84,6 +84,17 @@ void FreeSpaceViewController::showInfo()
     const int index = m_hoverButtons->currentHoverIndex();
     if (index == SliceHoverButtons::kNoSlice)
         return;
+    if (m_home.layout.programs().empty())
+        explain(index);
+    else
+        m_describing.ask(lookForPrograms([this, index] {
+            if (m_hoverButtons->currentHoverIndex() == index)
+                explain(index);
+        }));
+}
+
+void FreeSpaceViewController::explain(int index)
+{
     const SliceKind kind = sliceCatalogue()[index].kind;
     ImageButton &button = *m_hoverButtons->infoButton();
     MessagePopover::showRelativeToRect(button.rect(), button, Qt::BottomEdge,

@@ -126,6 +126,8 @@ void FreeSpaceViewController::viewWillDisappear(bool)
     m_isShown = false;
     forgetHover();
     m_reveal.stop();
+    m_describing.stop();
+    view()->unsetCursor();
     m_startButton->setEnabled(false);
     m_measuring.request_stop();
     m_selection.record(SliceKind::LargeFiles).setIsOn(false);

@@ -113,20 +113,23 @@ private:
     void place(const HomeFindings &findings);
     void homeWasFound(const HomeFindings &findings);
     void enableStartButton();
-    void lookAgainAndConfirm();
+    LatestJob::Work lookForPrograms(std::function<void()> then);
     void programsWereFound(const ProgramsInUse &inUse);
+    void lookAgainAndConfirm();
+    void measureAndConfirm();
     QStringList programsInUse(SliceKind kind) const;
     void offerReveal(int index);
     FileUrls placesOf(int index) const;
     LatestJob::Work lookForPlaces(const FileUrls &places,
                                   std::function<void(const FileUrls &)> then) const;
+    void explain(int index);
     void showTrash();
     std::optional<ExcludedPaths> knownExclusions() const;
     bool isReadyToClean() const;
     void whenMayClean(std::function<void()> then);
     bool exclusionsAllowCleaning();
     void askForConfirmation();
-    void beginCleaning();
+    void beginCleaning(const SliceSelection::Choice &confirmed);
     void clean(const SliceSelection::Records &chosen);
     void showCleaningState();
     void forgetHover();
@@ -157,7 +160,8 @@ private:
     StartButton *m_startButton = nullptr;
     QWidget *m_legendImageView = nullptr;
     SliceHoverButtons *m_hoverButtons = nullptr; ///< the chart's
-    LatestJob m_hoverLook; ///< looks for what the slice under the pointer may offer
-    LatestTask m_reveal;   ///< looks for what is to be shown in the file manager
-    LatestJob m_looking;   ///< looks at the home; last: its answers find all the others
+    LatestJob m_hoverLook;   ///< looks for what the slice under the pointer may offer
+    LatestTask m_reveal;     ///< looks for what is to be shown in the file manager
+    LatestTask m_describing; ///< looks for the programs that a description names
+    LatestJob m_looking;     ///< looks at the home; last: its answers find all the others
 };

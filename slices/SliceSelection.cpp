@@ -107,6 +107,14 @@ SliceSelection::Records SliceSelection::chosen() const
     return chosen;
 }
 
+SliceSelection::Choice SliceSelection::choice() const
+{
+    Choice choice;
+    for (const auto &record : chosen())
+        choice.push_back({record, record->fileURLs(), record->kept()});
+    return choice;
+}
+
 qint64 SliceSelection::totalSize() const
 {
     return std::accumulate(

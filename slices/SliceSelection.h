@@ -51,6 +51,19 @@ public:
     /// Those that are on, in order.
     Records chosen() const;
 
+    /// One of them, and what of the disk it stands for.
+    struct ChosenSlice
+    {
+        std::shared_ptr<Info> record;
+        std::optional<FileUrls> fileURLs;
+        FileUrls kept;
+
+        friend bool operator==(const ChosenSlice &, const ChosenSlice &) = default;
+    };
+    using Choice = std::vector<ChosenSlice>;
+    /// What would be cleaned now; the same as another choice where just the same would go.
+    Choice choice() const;
+
     /// Bytes of the slices that are on; one that is not measured yet counts 0.
     qint64 totalSize() const;
 

@@ -18,6 +18,7 @@
 #include <QDir>
 #include <QFile>
 #include <QLabel>
+#include <QScopeGuard>
 #include <QSemaphore>
 #include <QThreadPool>
 #include <atomic>
@@ -46,6 +47,9 @@ private Q_SLOTS:
     void leadsOnByTheKeyboardOnceTheHomeIsFound();
     void leavesOutWhatARunningBrowserUses();
     void leavesOutTheCacheOfARunningBrowser();
+    void describesTheProgramsThatRunAtThatMoment();
+    void doesNotWaitForSlicesThatAreOff();
+    void asksAgainWhenTheChoiceChangedMeanwhile();
     void looksForProgramsAgainBeforeItAsks();
     void givesBackWhatAnEndedProgramUsed();
     void keepsTheFilesOfAProgramStartedAfterTheConsent();
@@ -130,11 +134,14 @@ void TestFreeSpaceHome::firefoxEnds()
 
 QString TestFreeSpaceHome::description(SliceKind kind)
 {
+    const auto popover = [this] { return m_page->view()->window()->findChild<Popover *>(); };
+    while (popover())
+        delete popover(); // of an earlier description
     m_page->didHoverOverSliceAtIndex(*m_page->pieChart(), indexOf(kind));
     m_page->showInfo();
     QString text;
-    for (const Popover *popover : m_page->view()->window()->findChildren<Popover *>()) {
-        for (const QLabel *label : popover->findChildren<QLabel *>())
+    if (QTest::qWaitFor([&] { return popover() != nullptr; })) {
+        for (const QLabel *label : popover()->findChildren<QLabel *>())
             text += label->text();
     }
     return text;
@@ -340,6 +347,51 @@ void TestFreeSpaceHome::leavesOutTheCacheOfARunningBrowser()
     QCOMPARE(m_delegate.moves[0].data, QVariant(qint64{2'000'000}));
     QVERIFY(m_fixture->exists(".cache/mozilla/firefox/x.default/c"));
     QVERIFY(!m_fixture->exists(".cache/a"));
+}
+
+void TestFreeSpaceHome::describesTheProgramsThatRunAtThatMoment()
+{
+    appear();
+    QVERIFY(!description(SliceKind::BrowserData).contains(QStringLiteral("in use")));
+    m_page->didHoverOverSliceAtIndex(*m_page->pieChart(), SliceHoverButtons::kNoSlice);
+    firefoxStarts();
+    QVERIFY(description(SliceKind::BrowserData).contains(QStringLiteral("Firefox is in use")));
+    QTRY_COMPARE(m_page->selection().totalSize(), 4'000'000); // as it is described
+    firefoxEnds();
+    QVERIFY(!description(SliceKind::BrowserData).contains(QStringLiteral("in use")));
+}
+
+/// The cache is off, and its measure hangs.
+void TestFreeSpaceHome::doesNotWaitForSlicesThatAreOff()
+{
+    m_fixture->makeFile(".cache/mozilla/c", 1);
+    appear();
+    QTRY_COMPARE(m_page->selection().totalSize(), 4'500'000);
+    QTRY_VERIFY(m_page->selection().record(SliceKind::Cache).isMeasured());
+    firefoxStarts();
+    QSemaphore gate;
+    const auto open = qScopeGuard([&] { gate.release(100); });
+    m_beforeListing = [&gate] { gate.acquire(); };
+    m_page->next();
+    QTRY_VERIFY(hasSheet(*m_page->view()));
+}
+
+void TestFreeSpaceHome::asksAgainWhenTheChoiceChangedMeanwhile()
+{
+    appear();
+    QTRY_COMPARE(m_page->selection().totalSize(), 4'500'000);
+    m_page->next();
+    QTRY_VERIFY(hasSheet(*m_page->view()));
+    QVERIFY(!sheetText(*m_page->view()).contains(QStringLiteral("Trash")));
+    m_page->didSelectSliceAtIndex(*m_page->pieChart(), indexOf(SliceKind::Trash));
+    QVERIFY(pressSheetButton(*m_page->view(), QStringLiteral("Delete Files")));
+    QTRY_VERIFY(hasSheet(*m_page->view()) &&
+                sheetText(*m_page->view()).contains(QStringLiteral("• Trash\n")));
+    QVERIFY(m_fixture->exists(".local/share/Trash/files/b"));
+    QVERIFY(m_fixture->exists(".config/chromium/Default/History"));
+    QVERIFY(pressSheetButton(*m_page->view(), QStringLiteral("Delete Files")));
+    QTRY_COMPARE(m_delegate.moves.size(), 1);
+    QVERIFY(!m_fixture->exists(".local/share/Trash/files/b"));
 }
 
 void TestFreeSpaceHome::looksForProgramsAgainBeforeItAsks()
