@@ -1,38 +1,13 @@
-#include "app/ExcludedFilesChangedNotification.h"
-#include "app/ResourceManager.h"
-#include "app/SettingsKeys.h"
-#include "chart/PieChart.h"
-#include "largefiles/LargeFilesWindowController.h"
-#include "platform/Alert.h"
-#include "prefs/Popover.h"
-#include "slices/FreeSpaceViewController.h"
-#include "slices/SliceHoverButtons.h"
-#include "tests/support/GuiTestMain.h"
-#include "tests/support/PageFixture.h"
-#include "tests/support/RecordingPageDelegate.h"
-#include "tests/support/SheetDriver.h"
-#include "tests/support/WatchedSystemCalls.h"
-#include "widgets/ImageButton.h"
-#include "widgets/StartButton.h"
-
-#include <QDir>
-#include <QFile>
-#include <QLabel>
-#include <QScopeGuard>
-#include <QSemaphore>
-#include <QThreadPool>
-#include <atomic>
-#include <cerrno>
-#include <unistd.h>
+#include "tests/slices/FreeSpaceHomeTest.h"
 
 /// The page of the slices in a freedesktop home, whose places have to be found first.
-class TestFreeSpaceHome final : public QObject
+class TestFreeSpaceHome final : public FreeSpaceHomeTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
+    void init() { begin(); }
+    void cleanup() { end(); }
 
     void findsThePlacesBesideTheMainThread();
     void findsThemAfreshAtEveryVisit();
@@ -45,107 +20,7 @@ private Q_SLOTS:
     void saysThatTheTrashIsEmptyWhereThereIsNone();
     void searchesLargeFilesWhereTheHomeNamesThem();
     void leadsOnByTheKeyboardOnceTheHomeIsFound();
-    void leavesOutWhatARunningBrowserUses();
-    void leavesOutTheCacheOfARunningBrowser();
-    void describesTheProgramsThatRunAtThatMoment();
-    void doesNotWaitForSlicesThatAreOff();
-    void asksAgainWhenTheChoiceChangedMeanwhile();
-    void looksForProgramsAgainBeforeItAsks();
-    void givesBackWhatAnEndedProgramUsed();
-    void keepsTheFilesOfAProgramStartedAfterTheConsent();
-
-private:
-    void appear();
-    void firefoxStarts();
-    void firefoxEnds();
-    QString description(SliceKind kind);
-    Info &browserData() { return m_page->selection().record(SliceKind::BrowserData); }
-
-    std::unique_ptr<PageFixture> m_fixture;
-    std::function<void()> m_beforeListing; ///< on the thread that lists
-    std::atomic<int> m_count = 0;          ///< of the calls for folders and entries
-    bool m_isSilent = false;               ///< whether nobody can tell what kind of home it is
-    WatchedSystemCalls m_calls{[this](int, WatchedCall call, const char *name) {
-        ++m_count;
-        if (m_isSilent && qstrcmp(name, "Library") == 0)
-            return EIO;
-        if (call == WatchedCall::ReadEntries && m_beforeListing)
-            m_beforeListing();
-        return 0;
-    }};
-    std::unique_ptr<FreeSpaceViewController> m_page;
-    RecordingPageDelegate m_delegate;
-    ExcludedFilesChangedNotification m_excludedFilesChanged;
 };
-
-void TestFreeSpaceHome::init()
-{
-    m_delegate.moves.clear();
-    m_beforeListing = {};
-    m_isSilent = false;
-    m_fixture = std::make_unique<PageFixture>(HomeKind::Freedesktop);
-    m_fixture->grantHome();
-    m_fixture->makeFile(".cache/a", 2'000'000);
-    m_fixture->makeFile(".local/share/Trash/files/b", 300'000);
-    m_fixture->makeFile(".config/chromium/Default/History", 4'000'000);
-    m_fixture->makeFile(".mozilla/firefox/x.default/cookies.sqlite", 500'000);
-    m_fixture->makeFile(".mozilla/firefox/x.default/.parentlock", 0);
-    m_fixture->defaults().setBoolean(VNTHideDemoWindowString, true);
-    m_fixture->defaults().setBooleans(VNTSelectedSlicesString,
-                                      {false, false, false, false, false, false, false, true});
-    m_page = std::make_unique<FreeSpaceViewController>(
-        m_fixture->loader(),
-        FreeSpaceViewController::Services{
-            m_fixture->defaults(), m_calls, ResourceManager::access(), m_fixture->workspace(),
-            m_excludedFilesChanged, &ResourceManager::homeFolder, [](const auto &then) { then(); },
-            PageFixture::madeVolume()});
-    m_page->setDelegate(&m_delegate);
-    m_page->view()->show();
-    QVERIFY(QTest::qWaitForWindowExposed(m_page->view()));
-}
-
-void TestFreeSpaceHome::cleanup()
-{
-    m_page.reset();
-    QVERIFY(QThreadPool::globalInstance()->waitForDone());
-    QCOMPARE(ResourceManager::accessCount(), 0);
-    m_fixture.reset();
-}
-
-void TestFreeSpaceHome::appear()
-{
-    m_page->viewWillAppear(true);
-    m_page->viewDidAppear(true);
-    QTRY_VERIFY(m_page->startButton()->isEnabled());
-}
-
-/// As far as its traces tell, Firefox is this very process.
-void TestFreeSpaceHome::firefoxStarts()
-{
-    m_fixture->folder().makeLink("anna/.mozilla/firefox/x.default/lock",
-                                 "127.0.1.1:+" + QByteArray::number(::getpid()));
-}
-
-void TestFreeSpaceHome::firefoxEnds()
-{
-    QVERIFY(
-        QFile::remove(QFile::decodeName(m_fixture->home() + "/.mozilla/firefox/x.default/lock")));
-}
-
-QString TestFreeSpaceHome::description(SliceKind kind)
-{
-    const auto popover = [this] { return m_page->view()->window()->findChild<Popover *>(); };
-    while (popover())
-        delete popover(); // of an earlier description
-    m_page->didHoverOverSliceAtIndex(*m_page->pieChart(), indexOf(kind));
-    m_page->showInfo();
-    QString text;
-    if (QTest::qWaitFor([&] { return popover() != nullptr; })) {
-        for (const QLabel *label : popover()->findChildren<QLabel *>())
-            text += label->text();
-    }
-    return text;
-}
 
 void TestFreeSpaceHome::findsThePlacesBesideTheMainThread()
 {
@@ -305,134 +180,6 @@ void TestFreeSpaceHome::leadsOnByTheKeyboardOnceTheHomeIsFound()
     m_page->viewDidAppear(true);
     QTRY_VERIFY(m_page->startButton()->isEnabled());
     QCOMPARE(m_page->view()->window()->focusWidget(), m_page->pieChart());
-}
-
-void TestFreeSpaceHome::leavesOutWhatARunningBrowserUses()
-{
-    firefoxStarts();
-    appear();
-    QTRY_COMPARE(m_page->selection().totalSize(), 4'000'000);
-    QCOMPARE(browserData().fileURLs()->size(), 1);
-    QVERIFY(description(SliceKind::BrowserData)
-                .contains(QStringLiteral("Firefox is in use: its files stay.")));
-    m_page->next();
-    QTRY_VERIFY(hasSheet(*m_page->view()));
-    QVERIFY(sheetText(*m_page->view())
-                .contains(QStringLiteral("• Browser Data (4 MB without the files of Firefox, which "
-                                         "is in use)\n")));
-    QVERIFY(pressSheetButton(*m_page->view(), QStringLiteral("Delete Files")));
-    QTRY_COMPARE(m_delegate.moves.size(), 1);
-    QCOMPARE(m_delegate.moves[0].data, QVariant(qint64{4'000'000}));
-    QVERIFY(m_fixture->exists(".mozilla/firefox/x.default/cookies.sqlite"));
-    QVERIFY(!m_fixture->exists(".config/chromium/Default/History"));
-}
-
-void TestFreeSpaceHome::leavesOutTheCacheOfARunningBrowser()
-{
-    m_fixture->makeFile(".cache/mozilla/firefox/x.default/c", 700'000);
-    m_fixture->defaults().setBooleans(VNTSelectedSlicesString,
-                                      {false, false, true, false, false, false, false, false});
-    firefoxStarts();
-    appear();
-    QTRY_COMPARE(m_page->selection().totalSize(), 2'000'000);
-    QVERIFY(description(SliceKind::Cache)
-                .contains(QStringLiteral("Firefox is in use: its files stay.")));
-    m_page->next();
-    QTRY_VERIFY(hasSheet(*m_page->view()));
-    QVERIFY(sheetText(*m_page->view())
-                .contains(QStringLiteral("• Cache (2 MB without the files of Firefox, which is "
-                                         "in use)\n")));
-    QVERIFY(pressSheetButton(*m_page->view(), QStringLiteral("Delete Files")));
-    QTRY_COMPARE(m_delegate.moves.size(), 1);
-    QCOMPARE(m_delegate.moves[0].data, QVariant(qint64{2'000'000}));
-    QVERIFY(m_fixture->exists(".cache/mozilla/firefox/x.default/c"));
-    QVERIFY(!m_fixture->exists(".cache/a"));
-}
-
-void TestFreeSpaceHome::describesTheProgramsThatRunAtThatMoment()
-{
-    appear();
-    QVERIFY(!description(SliceKind::BrowserData).contains(QStringLiteral("in use")));
-    m_page->didHoverOverSliceAtIndex(*m_page->pieChart(), SliceHoverButtons::kNoSlice);
-    firefoxStarts();
-    QVERIFY(description(SliceKind::BrowserData).contains(QStringLiteral("Firefox is in use")));
-    QTRY_COMPARE(m_page->selection().totalSize(), 4'000'000); // as it is described
-    firefoxEnds();
-    QVERIFY(!description(SliceKind::BrowserData).contains(QStringLiteral("in use")));
-}
-
-/// The cache is off, and its measure hangs.
-void TestFreeSpaceHome::doesNotWaitForSlicesThatAreOff()
-{
-    m_fixture->makeFile(".cache/mozilla/c", 1);
-    appear();
-    QTRY_COMPARE(m_page->selection().totalSize(), 4'500'000);
-    QTRY_VERIFY(m_page->selection().record(SliceKind::Cache).isMeasured());
-    firefoxStarts();
-    QSemaphore gate;
-    const auto open = qScopeGuard([&] { gate.release(100); });
-    m_beforeListing = [&gate] { gate.acquire(); };
-    m_page->next();
-    QTRY_VERIFY(hasSheet(*m_page->view()));
-}
-
-void TestFreeSpaceHome::asksAgainWhenTheChoiceChangedMeanwhile()
-{
-    appear();
-    QTRY_COMPARE(m_page->selection().totalSize(), 4'500'000);
-    m_page->next();
-    QTRY_VERIFY(hasSheet(*m_page->view()));
-    QVERIFY(!sheetText(*m_page->view()).contains(QStringLiteral("Trash")));
-    m_page->didSelectSliceAtIndex(*m_page->pieChart(), indexOf(SliceKind::Trash));
-    QVERIFY(pressSheetButton(*m_page->view(), QStringLiteral("Delete Files")));
-    QTRY_VERIFY(hasSheet(*m_page->view()) &&
-                sheetText(*m_page->view()).contains(QStringLiteral("• Trash\n")));
-    QVERIFY(m_fixture->exists(".local/share/Trash/files/b"));
-    QVERIFY(m_fixture->exists(".config/chromium/Default/History"));
-    QVERIFY(pressSheetButton(*m_page->view(), QStringLiteral("Delete Files")));
-    QTRY_COMPARE(m_delegate.moves.size(), 1);
-    QVERIFY(!m_fixture->exists(".local/share/Trash/files/b"));
-}
-
-void TestFreeSpaceHome::looksForProgramsAgainBeforeItAsks()
-{
-    appear();
-    QTRY_COMPARE(m_page->selection().totalSize(), 4'500'000);
-    firefoxStarts();
-    m_page->next();
-    QTRY_VERIFY(hasSheet(*m_page->view()));
-    QVERIFY(sheetText(*m_page->view()).contains(QStringLiteral("(4 MB without")));
-    QCOMPARE(m_page->selection().totalSize(), 4'000'000);
-}
-
-void TestFreeSpaceHome::givesBackWhatAnEndedProgramUsed()
-{
-    firefoxStarts();
-    appear();
-    QTRY_COMPARE(m_page->selection().totalSize(), 4'000'000);
-    firefoxEnds();
-    m_page->next();
-    QTRY_VERIFY(hasSheet(*m_page->view()));
-    QVERIFY(sheetText(*m_page->view()).contains(QStringLiteral("• Browser Data\n")));
-    QCOMPARE(m_page->selection().totalSize(), 4'500'000);
-}
-
-void TestFreeSpaceHome::keepsTheFilesOfAProgramStartedAfterTheConsent()
-{
-    appear();
-    QTRY_COMPARE(m_page->selection().totalSize(), 4'500'000);
-    QString leftAlone;
-    connect(m_page.get(), &FreeSpaceViewController::tells, this,
-            [&](const Alert &alert) { leftAlone = alert.informativeText; });
-    m_page->next();
-    QTRY_VERIFY(hasSheet(*m_page->view()));
-    firefoxStarts();
-    QVERIFY(pressSheetButton(*m_page->view(), QStringLiteral("Delete Files")));
-    QTRY_COMPARE(m_delegate.moves.size(), 1);
-    QCOMPARE(m_delegate.moves[0].data, QVariant(qint64{4'000'000}));
-    QVERIFY(m_fixture->exists(".mozilla/firefox/x.default/cookies.sqlite"));
-    QVERIFY(!m_fixture->exists(".config/chromium/Default/History"));
-    QVERIFY(leftAlone.contains(QStringLiteral("cookies.sqlite: a program has begun to use it")));
 }
 
 VANTOR_GUI_TEST_MAIN(TestFreeSpaceHome)

@@ -1,0 +1,126 @@
+#pragma once
+
+#include "app/ExcludedFilesChangedNotification.h"
+#include "app/ResourceManager.h"
+#include "app/SettingsKeys.h"
+#include "chart/PieChart.h"
+#include "largefiles/LargeFilesWindowController.h"
+#include "platform/Alert.h"
+#include "prefs/Popover.h"
+#include "slices/FreeSpaceViewController.h"
+#include "slices/SliceHoverButtons.h"
+#include "tests/support/GuiTestMain.h"
+#include "tests/support/PageFixture.h"
+#include "tests/support/RecordingPageDelegate.h"
+#include "tests/support/SheetDriver.h"
+#include "tests/support/WatchedSystemCalls.h"
+#include "widgets/ImageButton.h"
+#include "widgets/StartButton.h"
+
+#include <QDir>
+#include <QFile>
+#include <QLabel>
+#include <QSemaphore>
+#include <QThreadPool>
+#include <atomic>
+#include <cerrno>
+#include <unistd.h>
+
+/// What the tests of the page of the slices in a freedesktop home share: a made home with something
+/// in four slices, of which Browser Data is on, and the page over it.
+class FreeSpaceHomeTest : public QObject
+{
+protected:
+    void begin();
+    void end();
+
+    void appear();
+    void firefoxStarts();
+    void firefoxEnds();
+    QString description(SliceKind kind);
+
+    std::unique_ptr<PageFixture> m_fixture;
+    std::function<void()> m_beforeListing; ///< on the thread that lists
+    std::atomic<int> m_count = 0;          ///< of the calls for folders and entries
+    bool m_isSilent = false;               ///< whether nobody can tell what kind of home it is
+    WatchedSystemCalls m_calls{[this](int, WatchedCall call, const char *name) {
+        ++m_count;
+        if (m_isSilent && qstrcmp(name, "Library") == 0)
+            return EIO;
+        if (call == WatchedCall::ReadEntries && m_beforeListing)
+            m_beforeListing();
+        return 0;
+    }};
+    std::unique_ptr<FreeSpaceViewController> m_page;
+    RecordingPageDelegate m_delegate;
+    ExcludedFilesChangedNotification m_excludedFilesChanged;
+};
+
+inline void FreeSpaceHomeTest::begin()
+{
+    m_delegate.moves.clear();
+    m_beforeListing = {};
+    m_isSilent = false;
+    m_fixture = std::make_unique<PageFixture>(HomeKind::Freedesktop);
+    m_fixture->grantHome();
+    m_fixture->makeFile(".cache/a", 2'000'000);
+    m_fixture->makeFile(".local/share/Trash/files/b", 300'000);
+    m_fixture->makeFile(".config/chromium/Default/History", 4'000'000);
+    m_fixture->makeFile(".mozilla/firefox/x.default/cookies.sqlite", 500'000);
+    m_fixture->makeFile(".mozilla/firefox/x.default/.parentlock", 0);
+    m_fixture->defaults().setBoolean(VNTHideDemoWindowString, true);
+    m_fixture->defaults().setBooleans(VNTSelectedSlicesString,
+                                      {false, false, false, false, false, false, false, true});
+    m_page = std::make_unique<FreeSpaceViewController>(
+        m_fixture->loader(),
+        FreeSpaceViewController::Services{
+            m_fixture->defaults(), m_calls, ResourceManager::access(), m_fixture->workspace(),
+            m_excludedFilesChanged, &ResourceManager::homeFolder, [](const auto &then) { then(); },
+            PageFixture::madeVolume()});
+    m_page->setDelegate(&m_delegate);
+    m_page->view()->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_page->view()));
+}
+
+inline void FreeSpaceHomeTest::end()
+{
+    m_page.reset();
+    QVERIFY(QThreadPool::globalInstance()->waitForDone());
+    QCOMPARE(ResourceManager::accessCount(), 0);
+    m_fixture.reset();
+}
+
+inline void FreeSpaceHomeTest::appear()
+{
+    m_page->viewWillAppear(true);
+    m_page->viewDidAppear(true);
+    QTRY_VERIFY(m_page->startButton()->isEnabled());
+}
+
+/// As far as its traces tell, Firefox is this very process.
+inline void FreeSpaceHomeTest::firefoxStarts()
+{
+    m_fixture->folder().makeLink("anna/.mozilla/firefox/x.default/lock",
+                                 "127.0.1.1:+" + QByteArray::number(::getpid()));
+}
+
+inline void FreeSpaceHomeTest::firefoxEnds()
+{
+    QVERIFY(
+        QFile::remove(QFile::decodeName(m_fixture->home() + "/.mozilla/firefox/x.default/lock")));
+}
+
+inline QString FreeSpaceHomeTest::description(SliceKind kind)
+{
+    const auto popover = [this] { return m_page->view()->window()->findChild<Popover *>(); };
+    while (popover())
+        delete popover(); // of an earlier description
+    m_page->didHoverOverSliceAtIndex(*m_page->pieChart(), indexOf(kind));
+    m_page->showInfo();
+    QString text;
+    if (QTest::qWaitFor([&] { return popover() != nullptr; })) {
+        for (const QLabel *label : popover()->findChildren<QLabel *>())
+            text += label->text();
+    }
+    return text;
+}
