@@ -6,6 +6,7 @@
 #include "platform/Fonts.h"
 
 #include <QAction>
+#include <QCoreApplication>
 #include <QFileSystemModel>
 #include <QGridLayout>
 #include <QHeaderView>
@@ -62,6 +63,11 @@ QString typedPath(const QString &typed, const QDir &folder)
     if (typed.startsWith(QLatin1String("~/")))
         return QDir::cleanPath(QDir::homePath() + typed.mid(1));
     return QDir::cleanPath(folder.absoluteFilePath(typed));
+}
+
+bool beginsAPath(const QString &text)
+{
+    return text == QLatin1String("/") || text == QLatin1String("~");
 }
 
 } // namespace
@@ -247,11 +253,22 @@ void FileChooser::keyPressEvent(QKeyEvent *event)
 bool FileChooser::eventFilter(QObject *watched, QEvent *event)
 {
     if (watched == m_list && event->type() == QEvent::KeyPress) {
-        const auto *const key = static_cast<QKeyEvent *>(event);
+        auto *const key = static_cast<QKeyEvent *>(event);
         if ((key->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier && pressListKey(key->key()))
             return true;
+        if (beginsAPath(key->text()))
+            return typeIntoName(*key);
     }
     return QFileDialog::eventFilter(watched, event);
+}
+
+/// Nothing in a list is called so: whoever types it means to write a path.
+bool FileChooser::typeIntoName(QKeyEvent &key)
+{
+    m_name->clear();
+    m_name->setFocus(Qt::ShortcutFocusReason);
+    QKeyEvent forwarded(key.type(), key.key(), key.modifiers(), key.text());
+    return QCoreApplication::sendEvent(m_name, &forwarded);
 }
 
 bool FileChooser::pressListKey(int key)

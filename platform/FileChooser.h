@@ -57,6 +57,7 @@ private:
     void followChoice();
     void clearChoice();
     bool pressListKey(int key);
+    bool typeIntoName(QKeyEvent &key);
     bool selectFirst();
     void toggleHidden();
 

@@ -16,6 +16,8 @@ private Q_SLOTS:
     void initTestCase() { QApplication::setStyle(new StillStyle); }
     void takesTypedPaths_data();
     void takesTypedPaths();
+    void takesAPathTypedIntoTheList_data();
+    void takesAPathTypedIntoTheList();
     void refusesTypedPaths_data();
     void refusesTypedPaths();
     void refusesANameThatCannotBeWritten();
@@ -44,6 +46,29 @@ void TestOpenPanelPaths::takesTypedPaths()
     QFETCH(QString, typed);
     OpenedPanel panel({});
     panel.type(typed);
+    panel.press(Qt::Key_Return);
+    QTRY_VERIFY(panel.isOver);
+    QVERIFY(panel.answer);
+    QTEST(*panel.answer, "path");
+}
+
+void TestOpenPanelPaths::takesAPathTypedIntoTheList_data()
+{
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<QByteArray>("path");
+    QTest::addRow("absolute") << QDir::homePath() + QStringLiteral("/Music") << inHome("/Music");
+    QTest::addRow("from home") << QStringLiteral("~/Movies") << inHome("/Movies");
+}
+
+void TestOpenPanelPaths::takesAPathTypedIntoTheList()
+{
+    QFETCH(QString, typed);
+    OpenedPanel panel({});
+    panel.waitForItems();
+    QCOMPARE(QApplication::focusWidget(), panel.list);
+    for (const QChar character : typed)
+        QTest::sendKeyEvent(QTest::Click, QApplication::focusWidget(), Qt::Key_unknown, character,
+                            Qt::NoModifier);
     panel.press(Qt::Key_Return);
     QTRY_VERIFY(panel.isOver);
     QVERIFY(panel.answer);
