@@ -78,6 +78,10 @@ void MainWindowController::setupViewControllers()
 
 void MainWindowController::setupNavigationController()
 {
+    for (VNTViewController *page : m_viewControllers) {
+        if (m_navigationController && page == currentViewController())
+            page->viewWillDisappear(false); // it leaves with its stack
+    }
     VNTViewController *root = m_services.defaults.hasInitializedFolders()
                                   ? static_cast<VNTViewController *>(m_diskInfo.get())
                                   : m_folderSelect.get();

@@ -22,6 +22,16 @@ FileUrls foundInUse(const CleaningReport &report, const CleaningPlan &plan)
     return found;
 }
 
+/// Whoever changed a record since the cleaning was started changed nothing of what was confirmed.
+void restore(const Records &chosen, const CleaningJob::Confirmed &confirmed)
+{
+    for (std::size_t i = 0; i < chosen.size(); ++i) {
+        const auto &[places, kept] = confirmed[i];
+        if (chosen[i]->fileURLs().value_or(FileUrls()) != places || chosen[i]->kept() != kept)
+            chosen[i]->setPlaces(places, kept);
+    }
+}
+
 CleaningReport cleanDisk(const SystemCalls &calls, FileAccess &access, const Records &chosen,
                          const HomeLayout &layout, const ExcludedPaths &excluded,
                          const std::stop_token &stop)
@@ -69,6 +79,9 @@ void CleaningJob::start(Records chosen, Exclusions exclusions, HomeLayout layout
     m_isRunning = true;
     m_stop = std::stop_source();
     m_chosen = std::move(chosen);
+    m_confirmed.clear();
+    for (const auto &record : m_chosen)
+        m_confirmed.emplace_back(record->fileURLs().value_or(FileUrls()), record->kept());
     m_exclusions = std::move(exclusions);
     m_layout = std::move(layout);
     runInBackground([this, records = m_chosen](const std::stop_token &) {
@@ -87,8 +100,9 @@ void CleaningJob::remove()
         finish(refusedReport());
         return;
     }
-    runInBackground([this, records = m_chosen, layout = m_layout,
+    runInBackground([this, records = m_chosen, confirmed = m_confirmed, layout = m_layout,
                      excluded = *excluded](const std::stop_token &stop) {
+        restore(records, confirmed);
         CleaningReport report;
         report.wasStopped = true;
         if (!stop.stop_requested())

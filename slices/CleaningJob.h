@@ -25,14 +25,17 @@ public:
     /// before the first removal is planned.
     using Exclusions = std::function<std::optional<ExcludedPaths>()>;
 
+    /// The places of each record, and what is kept inside them.
+    using Confirmed = std::vector<std::pair<FileUrls, FileUrls>>;
+
     /// Both must outlive it.
     CleaningJob(const SystemCalls &calls, FileAccess &access, QObject *parent = nullptr);
     ~CleaningJob() override;
 
-    /// Cleans the chosen slices. Those that are still being measured are waited for first, so that
-    /// what was freed is what was there. Of a layout with programs, the places of those that were
-    /// started meanwhile are left alone, and taken from the records; whoever starts while the
-    /// cleaning is under way keeps what has not gone yet.
+    /// Cleans the chosen slices, what they stand for at this moment. Those that are still being
+    /// measured are waited for first, so that what was freed is what was there. Of a layout with
+    /// programs, the places of those that were started meanwhile are left alone, and taken from the
+    /// records; whoever starts while the cleaning is under way keeps what has not gone yet.
     void start(Records chosen, Exclusions exclusions, HomeLayout layout = {});
 
     /// Nothing is removed from now on. The cleaning's end is still told.
@@ -54,6 +57,7 @@ private:
     FileAccess &m_access;
     bool m_isRunning = false;
     Records m_chosen;
+    Confirmed m_confirmed;
     Exclusions m_exclusions;
     HomeLayout m_layout;
     std::stop_source m_stop;

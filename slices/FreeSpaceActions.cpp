@@ -87,7 +87,7 @@ void FreeSpaceViewController::updateButtonText()
 bool FreeSpaceViewController::isReadyToClean() const
 {
     return m_selection.somethingIsSelected() && !m_isCleaning && m_isShown &&
-           m_home.layout.kind() != HomeKind::Unknown;
+           !isPickingLargeFiles() && m_home.layout.kind() != HomeKind::Unknown;
 }
 
 void FreeSpaceViewController::next()
@@ -98,10 +98,10 @@ void FreeSpaceViewController::next()
 /// Looked at again when the grant has been: the page may have been left meanwhile.
 void FreeSpaceViewController::whenMayClean(std::function<void()> then)
 {
-    if (!isReadyToClean() || !exclusionsAllowCleaning())
+    if (m_isAsking || !isReadyToClean() || !exclusionsAllowCleaning())
         return;
     m_services.whenGrantIsUsable([this, then = std::move(then)] {
-        if (isReadyToClean())
+        if (!m_isAsking && isReadyToClean())
             then();
     });
 }
@@ -142,31 +142,47 @@ void FreeSpaceViewController::askForConfirmation()
                       .buttons = {{tr("Cancel"), AlertButtonRole::Cancel},
                                   {tr("Delete Files"), AlertButtonRole::Destructive}}};
     presentAlert(*view(), alert, [this, confirmed = m_selection.choice()](int button) {
+        endAsking();
         if (button == 1)
             beginCleaning(confirmed);
     });
 }
 
 /// Looked at again: the page may have been left, or the settings changed, while the sheet was up.
-/// And what was confirmed is cleaned or nothing: a slice may have been switched, or a program
-/// ended, before the sheet came or while the grant is looked at.
+/// And what was confirmed is cleaned or nothing: a slice may have been switched, a program ended,
+/// or an exclusion taken back, before the sheet was answered or while the grant is looked at.
 void FreeSpaceViewController::beginCleaning(const SliceSelection::Choice &confirmed)
 {
     whenMayClean([this, confirmed] {
         if (confirmed == m_selection.choice())
-            clean(m_selection.chosen());
+            clean();
         else
-            askForConfirmation();
+            lookAgainAndConfirm();
     });
 }
 
-void FreeSpaceViewController::clean(const SliceSelection::Records &chosen)
+void FreeSpaceViewController::clean()
 {
     m_isCleaning = true;
     Q_EMIT cleaningChanged(true);
     showCleaningState();
     m_job.start(
-        chosen, [this] { return knownExclusions(); }, m_home.layout);
+        m_selection.chosen(),
+        [this, confirmed = m_selection.excludedPaths()] { return exclusionsBeside(confirmed); },
+        m_home.layout);
+}
+
+/// What is excluded now, and what was when the user confirmed: an exclusion that is taken back
+/// while the cleaning measures is still kept.
+std::optional<ExcludedPaths>
+FreeSpaceViewController::exclusionsBeside(const ExcludedPaths &confirmed) const
+{
+    std::optional<ExcludedPaths> excluded = knownExclusions();
+    if (!excluded)
+        return std::nullopt;
+    for (const FileUrl &url : confirmed.urls())
+        excluded->add(url);
+    return excluded;
 }
 
 std::optional<ExcludedPaths> FreeSpaceViewController::knownExclusions() const

@@ -6,6 +6,9 @@
 #include "slices/HomeSurvey.h"
 #include "slices/RecordPlaces.h"
 #include "widgets/StartButton.h"
+#include "widgets/TextField.h"
+
+#include <utility>
 
 /// One status call tells a home with a Library. Any other is looked at beside the main thread, and
 /// until that is done the slices have no places. Nor have those of a home that does not answer,
@@ -98,16 +101,19 @@ void FreeSpaceViewController::programsWereFound(const ProgramsInUse &inUse)
 }
 
 /// The confirmation names what stays because of the programs that run now, and the size without it.
+/// Until it is answered nothing else is asked.
 void FreeSpaceViewController::lookAgainAndConfirm()
 {
+    m_isAsking = true;
     if (m_home.layout.programs().empty()) {
         askForConfirmation();
         return;
     }
-    view()->setCursor(Qt::BusyCursor);
+    m_startButton->detailText().setText(tr("Looking…"));
     m_looking.run(lookForPrograms([this] { measureAndConfirm(); }));
 }
 
+/// Again when a program has come or gone meanwhile.
 void FreeSpaceViewController::measureAndConfirm()
 {
     SliceSelection::Records named;
@@ -115,15 +121,22 @@ void FreeSpaceViewController::measureAndConfirm()
         if (!programsInUse(*sliceKindNamed(record->name())).isEmpty() && !record->isMeasured())
             named.push_back(record);
     }
-    m_looking.run([this, named](const std::stop_token &) {
-        for (const auto &record : named)
-            record->fileSizeString();
-        return [this] {
-            view()->unsetCursor();
-            if (isReadyToClean() && !isPickingLargeFiles())
-                askForConfirmation();
-        };
-    });
+    if (!isReadyToClean())
+        endAsking();
+    else if (named.empty())
+        askForConfirmation();
+    else
+        m_looking.run([this, named](const std::stop_token &) {
+            for (const auto &record : named)
+                record->fileSizeString();
+            return [this] { measureAndConfirm(); };
+        });
+}
+
+void FreeSpaceViewController::endAsking()
+{
+    if (std::exchange(m_isAsking, false))
+        m_startButton->detailText().setText(tr("Click to free"));
 }
 
 QStringList FreeSpaceViewController::programsInUse(SliceKind kind) const

@@ -20,7 +20,7 @@ LargeFilesWindowController &FreeSpaceViewController::largeFilesWindowController(
 
 bool FreeSpaceViewController::mayPickLargeFiles() const
 {
-    return m_isShown && !m_isCleaning && m_home.layout.kind() != HomeKind::Unknown &&
+    return m_isShown && !m_isAsking && !m_isCleaning && m_home.layout.kind() != HomeKind::Unknown &&
            !isPickingLargeFiles();
 }
 
@@ -46,6 +46,9 @@ void FreeSpaceViewController::showLargeFiles()
 /// files and their size in one step: a cleaning never finds the one without the other.
 void FreeSpaceViewController::takePickedFiles()
 {
+    m_pickingAccess.reset();
+    if (m_isCleaning)
+        return; // what was confirmed stands
     const LargeFilesWindowController &picker = largeFilesWindowController();
     const FileUrls picked = picker.selectedURLs();
     Info &record = m_selection.record(SliceKind::LargeFiles);
@@ -56,7 +59,6 @@ void FreeSpaceViewController::takePickedFiles()
     m_pieChart->reloadData();
     updateButtonText();
     m_selection.updateSelectedSlicesUserDefaults();
-    m_pickingAccess.reset();
 }
 
 /// A size may be read only after the sheet has gone.

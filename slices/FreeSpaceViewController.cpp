@@ -109,7 +109,8 @@ void FreeSpaceViewController::viewDidAppear(bool)
 void FreeSpaceViewController::showTutorialUnlessDeclined()
 {
     // A page that has left the window meanwhile has none to show a sheet on.
-    if (view()->isVisible() && !m_services.defaults.boolean(VNTHideDemoWindowString))
+    if (view()->isVisible() && !m_isAsking && !m_isCleaning &&
+        !m_services.defaults.boolean(VNTHideDemoWindowString))
         presentSheet(*view(), *demoWindowController().window());
 }
 
@@ -127,7 +128,8 @@ void FreeSpaceViewController::viewWillDisappear(bool)
     forgetHover();
     m_reveal.stop();
     m_describing.stop();
-    view()->unsetCursor();
+    m_looking.stop();
+    endAsking();
     m_startButton->setEnabled(false);
     m_measuring.request_stop();
     m_selection.record(SliceKind::LargeFiles).setIsOn(false);

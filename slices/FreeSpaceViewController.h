@@ -117,6 +117,7 @@ private:
     void programsWereFound(const ProgramsInUse &inUse);
     void lookAgainAndConfirm();
     void measureAndConfirm();
+    void endAsking();
     QStringList programsInUse(SliceKind kind) const;
     void offerReveal(int index);
     FileUrls placesOf(int index) const;
@@ -130,7 +131,8 @@ private:
     bool exclusionsAllowCleaning();
     void askForConfirmation();
     void beginCleaning(const SliceSelection::Choice &confirmed);
-    void clean(const SliceSelection::Records &chosen);
+    void clean();
+    std::optional<ExcludedPaths> exclusionsBeside(const ExcludedPaths &confirmed) const;
     void showCleaningState();
     void forgetHover();
     void finishCleaning(const CleaningReport &report);
@@ -154,6 +156,7 @@ private:
     std::unique_ptr<DemoWindowController> m_demoWindowController;
     std::unique_ptr<LargeFilesWindowController> m_largeFilesWindowController;
     std::optional<AccessScope> m_pickingAccess; ///< held while the sheet of large files is up
+    bool m_isAsking = false; ///< from the press of the button to the answer of the confirmation
     bool m_isCleaning = false;
     bool m_isShown = false; ///< has appeared and is not on its way out
     PieChart *m_pieChart = nullptr;

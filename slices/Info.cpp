@@ -77,6 +77,7 @@ void Info::setPlaces(const FileUrls &fileURLs, const FileUrls &kept)
     const std::scoped_lock lock(m_mutex);
     m_places = Places{fileURLs, kept};
     m_fileSizeString.reset();
+    m_fileSize = 0;
 }
 
 qint64 Info::fileSize() const

@@ -111,7 +111,8 @@ SliceSelection::Choice SliceSelection::choice() const
 {
     Choice choice;
     for (const auto &record : chosen())
-        choice.push_back({record, record->fileURLs(), record->kept()});
+        choice.slices.push_back({record, record->fileURLs(), record->kept()});
+    choice.excludedPaths = m_defaults.strings(VNTExcludedPathsString);
     return choice;
 }
 

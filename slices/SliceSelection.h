@@ -60,7 +60,13 @@ public:
 
         friend bool operator==(const ChosenSlice &, const ChosenSlice &) = default;
     };
-    using Choice = std::vector<ChosenSlice>;
+    struct Choice
+    {
+        std::vector<ChosenSlice> slices;
+        QStringList excludedPaths; ///< as stored
+
+        friend bool operator==(const Choice &, const Choice &) = default;
+    };
     /// What would be cleaned now; the same as another choice where just the same would go.
     Choice choice() const;
 

@@ -73,6 +73,7 @@ private Q_SLOTS:
     void ignoresBackWhereThereIsNoPredecessor();
     void goesBackThroughTheMenu();
     void startsOverWhenTheHomeFolderIsReset();
+    void leavesTheShownPageAtAReset();
     void keepsAFadedPageTransparentAfterAReset();
     void asksAgainWhenTheGrantLeadsNowhere();
     void entersNoSlicesWithoutAUsableGrant();
@@ -253,6 +254,22 @@ void TestMainWindowController::startsOverWhenTheHomeFolderIsReset()
     QVERIFY(!m_fixture->defaults().hasInitializedFolders());
     QVERIFY(m_controller->folderSelectPage().view()->isVisible());
     QCOMPARE(alphaValue(*m_controller->folderSelectPage().view()), 1.0);
+}
+
+/// What it was about to do or to ask is over.
+void TestMainWindowController::leavesTheShownPageAtAReset()
+{
+    m_fixture->grantHome();
+    makeController();
+    QTRY_VERIFY(!m_controller->isLookingAtGrant());
+    m_controller->diskInfoPage().next();
+    FreeSpaceViewController &page = m_controller->freeSpacePage();
+    QVERIFY(waitForPage(page));
+    QTRY_VERIFY(page.startButton()->isEnabled());
+    m_controller->resetHomeFolder();
+    QVERIFY(!page.startButton()->isEnabled());
+    page.next();
+    QVERIFY(!m_controller->isLookingAtGrant()); // it does not even ask whether it may
 }
 
 void TestMainWindowController::keepsAFadedPageTransparentAfterAReset()

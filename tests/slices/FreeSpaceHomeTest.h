@@ -16,6 +16,7 @@
 #include "tests/support/WatchedSystemCalls.h"
 #include "widgets/ImageButton.h"
 #include "widgets/StartButton.h"
+#include "widgets/TextField.h"
 
 #include <QDir>
 #include <QFile>
@@ -39,6 +40,8 @@ protected:
     void firefoxEnds();
     QString description(SliceKind kind);
 
+    bool m_holdsGrant = false; ///< whether the look at the grant hangs
+    std::function<void()> m_held;
     std::unique_ptr<PageFixture> m_fixture;
     std::function<void()> m_beforeListing; ///< on the thread that lists
     std::atomic<int> m_count = 0;          ///< of the calls for folders and entries
@@ -61,6 +64,7 @@ inline void FreeSpaceHomeTest::begin()
     m_delegate.moves.clear();
     m_beforeListing = {};
     m_isSilent = false;
+    m_holdsGrant = false;
     m_fixture = std::make_unique<PageFixture>(HomeKind::Freedesktop);
     m_fixture->grantHome();
     m_fixture->makeFile(".cache/a", 2'000'000);
@@ -73,10 +77,16 @@ inline void FreeSpaceHomeTest::begin()
                                       {false, false, false, false, false, false, false, true});
     m_page = std::make_unique<FreeSpaceViewController>(
         m_fixture->loader(),
-        FreeSpaceViewController::Services{
-            m_fixture->defaults(), m_calls, ResourceManager::access(), m_fixture->workspace(),
-            m_excludedFilesChanged, &ResourceManager::homeFolder, [](const auto &then) { then(); },
-            PageFixture::madeVolume()});
+        FreeSpaceViewController::Services{m_fixture->defaults(), m_calls, ResourceManager::access(),
+                                          m_fixture->workspace(), m_excludedFilesChanged,
+                                          &ResourceManager::homeFolder,
+                                          [this](const auto &then) {
+                                              if (m_holdsGrant)
+                                                  m_held = then;
+                                              else
+                                                  then();
+                                          },
+                                          PageFixture::madeVolume()});
     m_page->setDelegate(&m_delegate);
     m_page->view()->show();
     QVERIFY(QTest::qWaitForWindowExposed(m_page->view()));

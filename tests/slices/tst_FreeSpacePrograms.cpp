@@ -2,7 +2,7 @@
 
 #include <QScopeGuard>
 
-/// What the page of the slices does about programs that run, and about a choice that changes.
+/// What the page of the slices does about programs that run.
 class TestFreeSpacePrograms final : public FreeSpaceHomeTest
 {
     Q_OBJECT
@@ -15,7 +15,6 @@ private Q_SLOTS:
     void leavesOutTheCacheOfARunningBrowser();
     void describesTheProgramsThatRunAtThatMoment();
     void doesNotWaitForSlicesThatAreOff();
-    void asksAgainWhenTheChoiceChangedMeanwhile();
     void looksForProgramsAgainBeforeItAsks();
     void givesBackWhatAnEndedProgramUsed();
     void keepsTheFilesOfAProgramStartedAfterTheConsent();
@@ -91,24 +90,6 @@ void TestFreeSpacePrograms::doesNotWaitForSlicesThatAreOff()
     m_beforeListing = [&gate] { gate.acquire(); };
     m_page->next();
     QTRY_VERIFY(hasSheet(*m_page->view()));
-}
-
-void TestFreeSpacePrograms::asksAgainWhenTheChoiceChangedMeanwhile()
-{
-    appear();
-    QTRY_COMPARE(m_page->selection().totalSize(), 4'500'000);
-    m_page->next();
-    QTRY_VERIFY(hasSheet(*m_page->view()));
-    QVERIFY(!sheetText(*m_page->view()).contains(QStringLiteral("Trash")));
-    m_page->didSelectSliceAtIndex(*m_page->pieChart(), indexOf(SliceKind::Trash));
-    QVERIFY(pressSheetButton(*m_page->view(), QStringLiteral("Delete Files")));
-    QTRY_VERIFY(hasSheet(*m_page->view()) &&
-                sheetText(*m_page->view()).contains(QStringLiteral("• Trash\n")));
-    QVERIFY(m_fixture->exists(".local/share/Trash/files/b"));
-    QVERIFY(m_fixture->exists(".config/chromium/Default/History"));
-    QVERIFY(pressSheetButton(*m_page->view(), QStringLiteral("Delete Files")));
-    QTRY_COMPARE(m_delegate.moves.size(), 1);
-    QVERIFY(!m_fixture->exists(".local/share/Trash/files/b"));
 }
 
 void TestFreeSpacePrograms::looksForProgramsAgainBeforeItAsks()

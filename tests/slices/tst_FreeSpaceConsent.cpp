@@ -1,0 +1,197 @@
+#include "tests/slices/FreeSpaceHomeTest.h"
+
+#include <QScopeGuard>
+
+/// That just what was confirmed is cleaned, whatever happens before, during and after the question.
+class TestFreeSpaceConsent final : public FreeSpaceHomeTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { begin(); }
+    void cleanup() { end(); }
+
+    void asksAgainWhenTheChoiceChangedMeanwhile();
+    void asksAgainWhenAnExclusionWasTakenBack();
+    void keepsWhatWasExcludedWhenItWasConfirmed();
+    void namesTheSizeAnewWhenItAsksAgain();
+    void asksOnceHoweverOftenTheButtonIsPressed();
+    void picksNothingWhileItAsks();
+    void asksNothingWhileFilesArePicked();
+    void showsThatItLooks();
+    void forgetsTheQuestionWhenThePageIsLeft();
+
+private:
+    bool confirm() { return pressSheetButton(*m_page->view(), QStringLiteral("Delete Files")); }
+    bool isAsking()
+    {
+        return hasSheet(*m_page->view()) &&
+               sheetText(*m_page->view()).contains(QStringLiteral("You have chosen to delete"));
+    }
+    void exclude(const QByteArrayList &paths)
+    {
+        QStringList stored;
+        for (const QByteArray &path : paths)
+            stored.append(QString::fromLatin1(
+                m_fixture->homeUrl().appending(path, FileUrlKind::File).absoluteString()));
+        m_fixture->defaults().setStrings(VNTExcludedPathsString, stored);
+        m_excludedFilesChanged.post();
+    }
+    void pickLargeFiles()
+    {
+        m_page->didSelectSliceAtIndex(*m_page->pieChart(), indexOf(SliceKind::LargeFiles));
+    }
+};
+
+void TestFreeSpaceConsent::asksAgainWhenTheChoiceChangedMeanwhile()
+{
+    appear();
+    QTRY_COMPARE(m_page->selection().totalSize(), 4'500'000);
+    m_page->next();
+    QTRY_VERIFY(hasSheet(*m_page->view()));
+    QVERIFY(!sheetText(*m_page->view()).contains(QStringLiteral("Trash")));
+    m_page->didSelectSliceAtIndex(*m_page->pieChart(), indexOf(SliceKind::Trash));
+    QVERIFY(pressSheetButton(*m_page->view(), QStringLiteral("Delete Files")));
+    QTRY_VERIFY(hasSheet(*m_page->view()) &&
+                sheetText(*m_page->view()).contains(QStringLiteral("• Trash\n")));
+    QVERIFY(m_fixture->exists(".local/share/Trash/files/b"));
+    QVERIFY(m_fixture->exists(".config/chromium/Default/History"));
+    QVERIFY(pressSheetButton(*m_page->view(), QStringLiteral("Delete Files")));
+    QTRY_COMPARE(m_delegate.moves.size(), 1);
+    QVERIFY(!m_fixture->exists(".local/share/Trash/files/b"));
+}
+
+void TestFreeSpaceConsent::asksAgainWhenAnExclusionWasTakenBack()
+{
+    const QByteArray history = ".config/chromium/Default/History";
+    exclude({history});
+    appear();
+    QTRY_COMPARE(m_page->selection().totalSize(), 4'500'000);
+    m_page->next();
+    QTRY_VERIFY(isAsking());
+    exclude({});
+    QVERIFY(confirm());
+    QTRY_VERIFY(isAsking());
+    QCOMPARE(m_delegate.moves.size(), 0);
+    QVERIFY(m_fixture->exists(history));
+}
+
+/// Taken back while the cleaning waits for a measure.
+void TestFreeSpaceConsent::keepsWhatWasExcludedWhenItWasConfirmed()
+{
+    const QByteArray history = ".config/chromium/Default/History";
+    exclude({history});
+    m_fixture->defaults().setBooleans(VNTSelectedSlicesString,
+                                      {true, false, false, false, false, false, false, true});
+    appear();
+    m_page->next();
+    QTRY_VERIFY(isAsking());
+    Info &trash = m_page->selection().record(SliceKind::Trash);
+    QTRY_VERIFY(trash.isMeasured());
+    trash.setFileSizeString(std::nullopt);
+    QSemaphore gate;
+    const auto open = qScopeGuard([&] { gate.release(1000); });
+    m_beforeListing = [&gate] { gate.acquire(); };
+    QVERIFY(confirm());
+    QTRY_VERIFY(m_page->isCleaning());
+    exclude({});
+    gate.release(1000);
+    QTRY_COMPARE(m_delegate.moves.size(), 1);
+    QVERIFY(m_fixture->exists(history));
+    QVERIFY(!m_fixture->exists(".local/share/Trash/files/b"));
+}
+
+void TestFreeSpaceConsent::namesTheSizeAnewWhenItAsksAgain()
+{
+    m_fixture->makeFile(".cache/mozilla/firefox/x.default/c", 700'000);
+    m_fixture->defaults().setBooleans(VNTSelectedSlicesString,
+                                      {false, false, true, false, false, false, false, false});
+    appear();
+    QTRY_COMPARE(m_page->selection().totalSize(), 2'700'000);
+    m_page->next();
+    QTRY_VERIFY(isAsking());
+    firefoxStarts();
+    description(SliceKind::Cache); // notices it
+    QVERIFY(confirm());
+    QTRY_VERIFY(
+        isAsking() &&
+        sheetText(*m_page->view()).contains(QStringLiteral("(2 MB without the files of Firefox")));
+}
+
+void TestFreeSpaceConsent::asksOnceHoweverOftenTheButtonIsPressed()
+{
+    appear();
+    QTRY_COMPARE(m_page->selection().totalSize(), 4'500'000);
+    m_page->next();
+    m_holdsGrant = true;
+    m_page->next();
+    m_holdsGrant = false;
+    QTRY_VERIFY(isAsking());
+    if (m_held)
+        m_held(); // the answer to the second press comes after the question
+    QVERIFY(pressSheetButton(*m_page->view(), QStringLiteral("Cancel")));
+    QTRY_VERIFY(!hasSheet(*m_page->view()));
+    m_page->next(); // and may be asked anew
+    QTRY_VERIFY(isAsking());
+}
+
+void TestFreeSpaceConsent::picksNothingWhileItAsks()
+{
+    m_fixture->makeFile("Videos/film.mov", 300'000'000);
+    appear();
+    QTRY_COMPARE(m_page->selection().totalSize(), 4'500'000);
+    m_holdsGrant = true;
+    pickLargeFiles();
+    m_holdsGrant = false;
+    m_page->next();
+    QTRY_VERIFY(isAsking());
+    m_held(); // the answer to the click comes after the question
+    pickLargeFiles();
+    QVERIFY(confirm());
+    QTRY_COMPARE(m_delegate.moves.size(), 1);
+    QVERIFY(!hasSheet(*m_page->view()));
+    QVERIFY(m_fixture->exists("Videos/film.mov"));
+}
+
+void TestFreeSpaceConsent::asksNothingWhileFilesArePicked()
+{
+    appear();
+    QTRY_COMPARE(m_page->selection().totalSize(), 4'500'000);
+    m_holdsGrant = true;
+    m_page->next();
+    m_holdsGrant = false;
+    pickLargeFiles();
+    QTRY_VERIFY(hasSheet(*m_page->view()));
+    m_held(); // the answer to the press comes when the picker is up
+    m_page->largeFilesWindowController().cancel();
+    QTRY_VERIFY(!hasSheet(*m_page->view()));
+    m_page->next();
+    QTRY_VERIFY(isAsking());
+}
+
+void TestFreeSpaceConsent::showsThatItLooks()
+{
+    appear();
+    QTRY_COMPARE(m_page->selection().totalSize(), 4'500'000);
+    m_page->next();
+    QCOMPARE(m_page->startButton()->detailText().text(), QStringLiteral("Looking…"));
+    QTRY_VERIFY(isAsking());
+    QVERIFY(pressSheetButton(*m_page->view(), QStringLiteral("Cancel")));
+    QTRY_COMPARE(m_page->startButton()->detailText().text(), QStringLiteral("Click to free"));
+}
+
+void TestFreeSpaceConsent::forgetsTheQuestionWhenThePageIsLeft()
+{
+    appear();
+    QTRY_COMPARE(m_page->selection().totalSize(), 4'500'000);
+    m_page->next();
+    m_page->viewWillDisappear(false);
+    appear();
+    QTRY_COMPARE(m_page->selection().totalSize(), 4'500'000);
+    QVERIFY(!hasSheet(*m_page->view()));
+    m_page->next();
+    QTRY_VERIFY(isAsking());
+}
+
+VANTOR_GUI_TEST_MAIN(TestFreeSpaceConsent)
+#include "tst_FreeSpaceConsent.moc"
