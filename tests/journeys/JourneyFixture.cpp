@@ -6,8 +6,19 @@
 #include "tests/support/ResourceManagerReset.h"
 
 #include <QFile>
+#include <QTest>
 #include <QThreadPool>
 #include <algorithm>
+
+void addKindsOfHomes()
+{
+    const QByteArray only = qgetenv("VANTOR_TEST_HOME");
+    QTest::addColumn<HomeKind>("kind");
+    if (only != "freedesktop")
+        QTest::newRow("with a Library") << HomeKind::Library;
+    if (only != "library")
+        QTest::newRow("freedesktop") << HomeKind::Freedesktop;
+}
 
 void JourneyFixture::start(Tutorial tutorial)
 {

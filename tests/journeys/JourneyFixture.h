@@ -8,6 +8,11 @@
 
 #include <memory>
 
+/// For initTestCase_data(): every journey is taken in a home of each kind, whose HomeKind stands in
+/// the global column "kind". A process takes those alone that VANTOR_TEST_HOME names, so that both
+/// kinds can be travelled at the same time.
+void addKindsOfHomes();
+
 /// The real program on a made home folder, and a user before it. It can be started anew with the
 /// settings that it left. Ends quietly: no work of the program's outlives it.
 class JourneyFixture final

@@ -51,13 +51,7 @@ private:
 
 void TestCleaningJourney::initTestCase_data()
 {
-    // Either kind takes its minute: where both are to be travelled at once, each has a process.
-    const QByteArray only = qgetenv("VANTOR_TEST_HOME");
-    QTest::addColumn<HomeKind>("kind");
-    if (only != "freedesktop")
-        QTest::newRow("with a Library") << HomeKind::Library;
-    if (only != "library")
-        QTest::newRow("freedesktop") << HomeKind::Freedesktop;
+    addKindsOfHomes();
 }
 
 void TestCleaningJourney::init()

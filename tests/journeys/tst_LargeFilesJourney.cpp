@@ -20,6 +20,7 @@ class TestLargeFilesJourney final : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase_data();
     void init();
     void cleanup();
 
@@ -45,9 +46,15 @@ private:
     std::unique_ptr<JourneyFixture> m_fixture;
 };
 
+void TestLargeFilesJourney::initTestCase_data()
+{
+    addKindsOfHomes();
+}
+
 void TestLargeFilesJourney::init()
 {
-    m_fixture = std::make_unique<JourneyFixture>();
+    QFETCH_GLOBAL(const HomeKind, kind);
+    m_fixture = std::make_unique<JourneyFixture>(kind);
     m_fixture->start();
     QVERIFY(m_fixture->reachSlices());
 }
