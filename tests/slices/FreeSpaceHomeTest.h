@@ -21,11 +21,37 @@
 #include <QDir>
 #include <QFile>
 #include <QLabel>
-#include <QSemaphore>
 #include <QThreadPool>
 #include <atomic>
 #include <cerrno>
+#include <condition_variable>
+#include <mutex>
 #include <unistd.h>
+
+/// Where listings wait while it is closed. Lives as long as whoever may stand before it.
+class ListingGate final
+{
+public:
+    void close() { set(false); }
+    void open() { set(true); }
+    void pass()
+    {
+        std::unique_lock lock(m_mutex);
+        m_opened.wait(lock, [this] { return m_isOpen; });
+    }
+
+private:
+    void set(bool isOpen)
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_isOpen = isOpen;
+        m_opened.notify_all();
+    }
+
+    std::mutex m_mutex;
+    std::condition_variable m_opened;
+    bool m_isOpen = true;
+};
 
 /// What the tests of the page of the slices in a freedesktop home share: a made home with something
 /// in four slices, of which Browser Data is on, and the page over it.
@@ -43,15 +69,15 @@ protected:
     bool m_holdsGrant = false; ///< whether the look at the grant hangs
     std::function<void()> m_held;
     std::unique_ptr<PageFixture> m_fixture;
-    std::function<void()> m_beforeListing; ///< on the thread that lists
-    std::atomic<int> m_count = 0;          ///< of the calls for folders and entries
-    bool m_isSilent = false;               ///< whether nobody can tell what kind of home it is
+    ListingGate m_listings;
+    std::atomic<int> m_count = 0; ///< of the calls for folders and entries
+    bool m_isSilent = false;      ///< whether nobody can tell what kind of home it is
     WatchedSystemCalls m_calls{[this](int, WatchedCall call, const char *name) {
         ++m_count;
         if (m_isSilent && qstrcmp(name, "Library") == 0)
             return EIO;
-        if (call == WatchedCall::ReadEntries && m_beforeListing)
-            m_beforeListing();
+        if (call == WatchedCall::ReadEntries)
+            m_listings.pass();
         return 0;
     }};
     std::unique_ptr<FreeSpaceViewController> m_page;
@@ -62,7 +88,6 @@ protected:
 inline void FreeSpaceHomeTest::begin()
 {
     m_delegate.moves.clear();
-    m_beforeListing = {};
     m_isSilent = false;
     m_holdsGrant = false;
     m_fixture = std::make_unique<PageFixture>(HomeKind::Freedesktop);
@@ -94,6 +119,7 @@ inline void FreeSpaceHomeTest::begin()
 
 inline void FreeSpaceHomeTest::end()
 {
+    m_listings.open();
     m_page.reset();
     QVERIFY(QThreadPool::globalInstance()->waitForDone());
     QCOMPARE(ResourceManager::accessCount(), 0);

@@ -1,7 +1,5 @@
 #include "tests/slices/FreeSpaceHomeTest.h"
 
-#include <QScopeGuard>
-
 /// That just what was confirmed is cleaned, whatever happens before, during and after the question.
 class TestFreeSpaceConsent final : public FreeSpaceHomeTest
 {
@@ -89,13 +87,11 @@ void TestFreeSpaceConsent::keepsWhatWasExcludedWhenItWasConfirmed()
     Info &trash = m_page->selection().record(SliceKind::Trash);
     QTRY_VERIFY(trash.isMeasured());
     trash.setFileSizeString(std::nullopt);
-    QSemaphore gate;
-    const auto open = qScopeGuard([&] { gate.release(1000); });
-    m_beforeListing = [&gate] { gate.acquire(); };
+    m_listings.close();
     QVERIFY(confirm());
     QTRY_VERIFY(m_page->isCleaning());
     exclude({});
-    gate.release(1000);
+    m_listings.open();
     QTRY_COMPARE(m_delegate.moves.size(), 1);
     QVERIFY(m_fixture->exists(history));
     QVERIFY(!m_fixture->exists(".local/share/Trash/files/b"));

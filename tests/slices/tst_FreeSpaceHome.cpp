@@ -24,8 +24,7 @@ private Q_SLOTS:
 
 void TestFreeSpaceHome::findsThePlacesBesideTheMainThread()
 {
-    QSemaphore gate;
-    m_beforeListing = [&gate] { gate.acquire(); };
+    m_listings.close();
     m_page->viewWillAppear(true);
     m_page->viewDidAppear(true);
     for (const auto &record : m_page->selection().records())
@@ -34,7 +33,7 @@ void TestFreeSpaceHome::findsThePlacesBesideTheMainThread()
     m_page->next();
     m_page->showInFinder();
     QVERIFY(!hasSheet(*m_page->view()));
-    gate.release(1'000);
+    m_listings.open();
     QTRY_VERIFY(m_page->startButton()->isEnabled());
     QCOMPARE(m_page->homeLayout().kind(), HomeKind::Freedesktop);
     QTRY_COMPARE(m_page->selection().record(SliceKind::Cache).fileSize(), 2'000'000);
@@ -77,15 +76,14 @@ void TestFreeSpaceHome::switchesOffWhatWasExcludedMeanwhile()
 {
     m_fixture->defaults().setBooleans(VNTSelectedSlicesString,
                                       {true, false, true, false, false, false, false, false});
-    QSemaphore gate;
-    m_beforeListing = [&gate] { gate.acquire(); };
+    m_listings.close();
     m_page->viewWillAppear(true);
     m_page->viewDidAppear(true);
     const FileUrl cache = m_fixture->homeUrl().appending(".cache", FileUrlKind::Folder);
     m_fixture->defaults().setStrings(VNTExcludedPathsString,
                                      {QString::fromLatin1(cache.absoluteString())});
     m_excludedFilesChanged.post();
-    gate.release(1'000);
+    m_listings.open();
     QTRY_VERIFY(m_page->startButton()->isEnabled());
     QVERIFY(!m_page->selection().record(SliceKind::Cache).isOn());
     QVERIFY(m_page->selection().record(SliceKind::Trash).isOn());

@@ -1,7 +1,5 @@
 #include "tests/slices/FreeSpaceHomeTest.h"
 
-#include <QScopeGuard>
-
 /// What the page of the slices does about programs that run.
 class TestFreeSpacePrograms final : public FreeSpaceHomeTest
 {
@@ -85,9 +83,7 @@ void TestFreeSpacePrograms::doesNotWaitForSlicesThatAreOff()
     QTRY_COMPARE(m_page->selection().totalSize(), 4'500'000);
     QTRY_VERIFY(m_page->selection().record(SliceKind::Cache).isMeasured());
     firefoxStarts();
-    QSemaphore gate;
-    const auto open = qScopeGuard([&] { gate.release(100); });
-    m_beforeListing = [&gate] { gate.acquire(); };
+    m_listings.close();
     m_page->next();
     QTRY_VERIFY(hasSheet(*m_page->view()));
 }
