@@ -34,6 +34,7 @@ FolderSelectViewController::FolderSelectViewController(const InterfaceLoader &lo
     : VNTViewController(loader, parent), m_services(std::move(services))
 {
     m_forwardTimer.setSingleShot(true);
+    m_forwardTimer.setTimerType(Qt::PreciseTimer); // a coarse one may fire before its time
     m_forwardTimer.setInterval(kPauseBeforeNextPage);
     connect(&m_forwardTimer, &QTimer::timeout, this,
             &FolderSelectViewController::goForwardIfGranted);
