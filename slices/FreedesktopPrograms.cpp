@@ -36,7 +36,7 @@ void FreedesktopSurvey::findBrowserData()
     FileUrls &all = m_places.locations[indexOf(SliceKind::BrowserData)];
     for (const FoundProgram &found : m_found) {
         for (const QByteArray &path : found.files) {
-            m_known.append(path);
+            m_known.push_back(KnownFolder::at(m_reader, path));
             all.append(m_home.appending(path, FileUrlKind::File));
         }
     }

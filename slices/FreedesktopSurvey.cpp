@@ -39,20 +39,19 @@ constexpr NamedFolder kTemplates{"XDG_TEMPLATES_DIR", "Templates"};
 
 constexpr std::array kUpdateFolders{"iPad", "iPod", "iPhone"};
 
-bool isInside(const QByteArray &path, const QByteArray &folder)
-{
-    return path.startsWith(folder + '/');
-}
+/// Where programs from a store keep what is theirs, downloads too.
+constexpr auto kSandboxes = "snap";
 
 } // namespace
 
-FreedesktopSurvey::FreedesktopSurvey(const HomeReader &reader, const FileUrl &home,
-                                     const HomeEnvironment &environment)
+FreedesktopSurvey::FreedesktopSurvey(const HomeReader &reader, const HomePaths &paths,
+                                     const FileUrl &home, const HomeEnvironment &environment)
     : m_reader(reader),
+      m_paths(paths),
       m_home(home),
       m_environment(environment),
-      m_userFolders(reader, home.path()),
-      m_downloads(reader, home.path())
+      m_userFolders(reader, paths),
+      m_downloads(reader, paths)
 {
 }
 
@@ -91,34 +90,38 @@ HomeLayout::Places FreedesktopSurvey::places()
 void FreedesktopSurvey::readUserDirs()
 {
     const auto text = userDirsText();
-    m_userDirsAreKnown = text || text.error() == ENOENT;
     m_userDirs = UserDirs::parse(text.value_or(QByteArray()));
+    m_userDirsAreKnown =
+        (text || text.error() == ENOENT) && !m_userDirs.isUnclearBut(kDownloads.variable);
+    const QByteArray home = m_home.path() + '/';
     for (const NamedFolder &folder : kSearched) {
         if (QByteArray(folder.variable) != kDownloads.variable)
-            m_userFolders.add(folder.plainName);
+            m_userFolders.add(home + folder.plainName);
     }
-    m_userFolders.add(kTemplates.plainName);
-    for (const QByteArray &folder : m_userDirs.allBut(kDownloads.variable, m_home.path()))
-        m_userFolders.add(folder);
-    m_downloads.add(kDownloads.plainName);
-    if (const auto named = m_userDirs.folder(kDownloads.variable, m_home.path()))
-        m_downloads.add(*named);
+    m_userFolders.add(home + kTemplates.plainName);
+    for (const QByteArray &path : m_userDirs.allBut(kDownloads.variable, m_home.path()))
+        m_userFolders.add(path);
+    m_downloads.add(home + kDownloads.plainName);
+    if (const auto path = m_userDirs.path(kDownloads.variable, m_home.path()))
+        addNamedDownloads(*path);
 }
 
-/// Many people keep such files in one folder and put links in their places. One link is followed,
-/// if it does not leave the home; a link to nothing may lead to something tomorrow.
+/// Where programs keep what is theirs, downloads are kept from being taken for it.
+void FreedesktopSurvey::addNamedDownloads(const QByteArray &path)
+{
+    const QByteArrayList places = m_paths.followed(path);
+    const bool isHidden = std::any_of(places.begin(), places.end(), hasHiddenComponent);
+    (isHidden ? m_userFolders : m_downloads).add(path);
+}
+
+/// Many people keep such files in one folder and put links in their places. A link to nothing may
+/// lead to something tomorrow.
 SystemResult<QByteArray> FreedesktopSurvey::userDirsText() const
 {
-    auto text = m_reader.contentOf(kUserDirsFile, kLargestUserDirsFile);
-    if (text || text.error() != ELOOP)
-        return text;
-    const auto link = m_reader.linkAt(kUserDirsFile);
-    const auto target =
-        link ? linkTargetBelowHome(kUserDirsFile, *link, m_home.path()) : std::nullopt;
-    if (!target)
-        return tl::unexpected(ELOOP);
-    text = m_reader.contentOf(*target, kLargestUserDirsFile);
-    return text ? text : tl::unexpected(ELOOP);
+    const QByteArrayList places = m_paths.followed(m_home.path() + '/' + kUserDirsFile);
+    const auto text = m_reader.contentOf(places.constLast(), kLargestUserDirsFile);
+    const bool isALink = places.size() > 1;
+    return text || !isALink ? text : tl::unexpected(ELOOP);
 }
 
 void FreedesktopSurvey::addFolders(SliceKind kind, const char *pattern)
@@ -148,28 +151,37 @@ void FreedesktopSurvey::addTrash(const QByteArray &trash)
     }
 }
 
-/// The folder that the user named, unless it holds more than downloads; else the plain name. While
-/// the file that may name another cannot be read, the plain name may be that of anything.
+/// While nobody knows what the user keeps where, the plain name may be that of anything.
 void FreedesktopSurvey::addDownloads()
 {
     if (!m_userDirsAreKnown)
         return;
-    const auto named = m_userDirs.folder(kDownloads.variable, m_home.path());
-    const QByteArray folder =
-        named && mayBeDownloads(*named) ? *named : QByteArray(kDownloads.plainName);
-    if (mayBeDownloads(folder) && m_reader.hasFolder(folder))
-        add(SliceKind::Downloads, folder);
+    const auto folder = downloadsFolder();
+    if (folder && mayBeDownloads(*folder) && m_reader.hasFolder(*folder))
+        add(SliceKind::Downloads, *folder);
+}
+
+/// The folder that the user named. The plain name is for whoever named none below the home; it does
+/// not stand in for one that holds more than downloads.
+std::optional<QByteArray> FreedesktopSurvey::downloadsFolder() const
+{
+    const auto path = m_userDirs.path(kDownloads.variable, m_home.path());
+    if (!path || m_paths.followed(*path).isEmpty())
+        return kDownloads.plainName;
+    return m_paths.below(*path);
 }
 
 bool FreedesktopSurvey::mayBeDownloads(const QByteArray &path) const
 {
-    return !isAtOrInside(path, "snap") && !m_userFolders.isAtOrAroundOne(path) &&
+    const bool isAPrograms =
+        KnownFolder::at(m_reader, path).isAtOrIn(KnownFolder::at(m_reader, kSandboxes));
+    return !isAPrograms && !hasHiddenComponent(path) && !m_userFolders.isAtOrAroundOne(path) &&
            !touchesKnown(path);
 }
 
 void FreedesktopSurvey::addTrashOfEnvironment()
 {
-    const auto data = pathBelowHome(m_environment.dataHome, m_home.path());
+    const auto data = m_paths.below(m_environment.dataHome);
     if (!data)
         return;
     // A folder that just happens to bear the name has no book of what was thrown away.
@@ -187,15 +199,15 @@ void FreedesktopSurvey::addTrashOfEnvironment()
 /// user keeps his, and must not hold any of those.
 void FreedesktopSurvey::addCacheOfEnvironment()
 {
-    const auto cache = pathBelowHome(m_environment.cacheHome, m_home.path());
+    const auto cache = m_paths.below(m_environment.cacheHome);
     if (!cache)
         return;
     const qsizetype slash = cache->lastIndexOf('/');
     const QByteArray name = cache->sliced(slash + 1);
     const bool isCalledACache = name == "cache" || name == ".cache";
     const QByteArray around = cache->first(std::max<qsizetype>(slash, 0));
-    const bool isAPrograms =
-        isAtOrInside(*cache, "snap") || (hasHiddenComponent(around) && around != ".local");
+    const bool isAPrograms = isAtOrInside(*cache, kSandboxes) ||
+                             (hasHiddenComponent(around) && around != ".local");
     if (isCalledACache && !isAPrograms && !isTheUsers(*cache) && m_reader.hasFolder(*cache) &&
         add(SliceKind::Cache, *cache))
         m_cacheHomes.append(*cache);
@@ -204,25 +216,33 @@ void FreedesktopSurvey::addCacheOfEnvironment()
 /// None twice and none inside another, or its files would be listed twice.
 void FreedesktopSurvey::addSearchFolders()
 {
-    QByteArrayList folders;
+    std::vector<KnownFolder> folders;
     for (const NamedFolder &folder : kSearched) {
-        const QByteArray path =
-            m_userDirs.folder(folder.variable, m_home.path()).value_or(folder.plainName);
-        if (!folders.contains(path))
-            folders.append(path);
+        const auto wanted =
+            KnownFolder::at(m_reader, named(folder.variable).value_or(folder.plainName));
+        const auto isThere = [&](const KnownFolder &other) { return wanted.isAtOrIn(other); };
+        if (std::ranges::any_of(folders, isThere))
+            continue;
+        std::erase_if(folders, [&](const KnownFolder &other) { return other.isAtOrIn(wanted); });
+        folders.push_back(wanted);
     }
-    for (const QByteArray &folder : folders) {
-        const auto isAround = [&](const QByteArray &other) { return isInside(folder, other); };
-        if (std::none_of(folders.begin(), folders.end(), isAround))
-            m_places.searchFolders.append(folderUrl(folder));
-    }
+    for (const KnownFolder &folder : folders)
+        m_places.searchFolders.append(folderUrl(folder.path));
+}
+
+/// The folder that the file names, if it is one for a user's own files.
+std::optional<QByteArray> FreedesktopSurvey::named(const char *variable) const
+{
+    const auto path = m_userDirs.path(variable, m_home.path());
+    const auto folder = path ? m_paths.below(*path) : std::nullopt;
+    return folder && !hasHiddenComponent(*folder) ? folder : std::nullopt;
 }
 
 bool FreedesktopSurvey::add(SliceKind kind, const QByteArray &path)
 {
     if (touchesKnown(path) || m_userFolders.isAtOrAroundOne(path))
         return false;
-    m_known.append(path);
+    m_known.push_back(KnownFolder::at(m_reader, path));
     m_places.locations[indexOf(kind)].append(folderUrl(path));
     return true;
 }
@@ -230,8 +250,9 @@ bool FreedesktopSurvey::add(SliceKind kind, const QByteArray &path)
 /// Whether the place is one of the locations, or lies in or around one.
 bool FreedesktopSurvey::touchesKnown(const QByteArray &path) const
 {
-    return std::any_of(m_known.begin(), m_known.end(), [&](const QByteArray &known) {
-        return isAtOrInside(path, known) || isInside(known, path);
+    const KnownFolder folder = KnownFolder::at(m_reader, path);
+    return std::ranges::any_of(m_known, [&](const KnownFolder &known) {
+        return folder.isAtOrIn(known) || known.isAtOrIn(folder);
     });
 }
 

@@ -2,6 +2,7 @@
 
 #include "slices/FoundPrograms.h"
 #include "slices/HomeSurvey.h"
+#include "slices/UserDirs.h"
 #include "slices/UserFolders.h"
 
 /// Finds the places of one freedesktop home. What has a fixed name comes first; what the user's own
@@ -11,18 +12,20 @@ class FreedesktopSurvey final
 {
 public:
     /// All must outlive it.
-    FreedesktopSurvey(const HomeReader &reader, const FileUrl &home,
+    FreedesktopSurvey(const HomeReader &reader, const HomePaths &paths, const FileUrl &home,
                       const HomeEnvironment &environment);
 
     HomeLayout::Places places();
 
 private:
     void readUserDirs();
+    void addNamedDownloads(const QByteArray &path);
     SystemResult<QByteArray> userDirsText() const;
     void addFolders(SliceKind kind, const char *pattern);
     void addAppLogs();
     void addTrash(const QByteArray &trash);
     void addDownloads();
+    std::optional<QByteArray> downloadsFolder() const;
     void addMailDownloads();
     void findBrowserData();
     void addPrograms();
@@ -35,19 +38,21 @@ private:
     bool add(SliceKind kind, const QByteArray &path);
     bool touchesKnown(const QByteArray &path) const;
     bool isTheUsers(const QByteArray &path) const;
+    std::optional<QByteArray> named(const char *variable) const;
     bool mayBeDownloads(const QByteArray &path) const;
     FileUrl folderUrl(const QByteArray &path) const;
 
     const HomeReader &m_reader;
+    const HomePaths &m_paths;
     const FileUrl m_home;
     const HomeEnvironment m_environment;
     UserDirs m_userDirs;
-    /// Whether the file was read, or there is none. Otherwise nobody knows which folder the user
-    /// keeps what in.
+    /// Whether the file was read and understood, or there is none. Otherwise nobody knows which
+    /// folder the user keeps what in.
     bool m_userDirsAreKnown = false;
-    UserFolders m_userFolders; ///< downloads are not among them
-    UserFolders m_downloads;   ///< where they may be
-    QByteArrayList m_known;    ///< all folders that are locations already
+    UserFolders m_userFolders;        ///< downloads are not among them
+    UserFolders m_downloads;          ///< where they may be
+    std::vector<KnownFolder> m_known; ///< all that are locations already
     std::vector<FoundProgram> m_found;
     QByteArrayList m_cacheHomes; ///< the locations that hold the caches of all programs, by name
     HomeLayout::Places m_places;

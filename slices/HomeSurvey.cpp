@@ -7,7 +7,7 @@
 
 HomeEnvironment HomeEnvironment::ofThisProcess()
 {
-    return {qgetenv("XDG_DATA_HOME"), qgetenv("XDG_CACHE_HOME")};
+    return {qgetenv("XDG_DATA_HOME"), qgetenv("XDG_CACHE_HOME"), qgetenv("HOME")};
 }
 
 namespace {
@@ -40,6 +40,7 @@ HomeLayout surveyHome(const SystemCalls &calls, const FileAccess &access, const 
     if (kind == HomeKind::Library)
         return HomeLayout::withLibrary(home);
     const HomeReader reader(calls, place->anchor, stop);
-    HomeLayout::Places places = FreedesktopSurvey(reader, home, environment).places();
+    const HomePaths paths(reader, HomePaths::leadingTo(calls, home.path(), environment.home));
+    HomeLayout::Places places = FreedesktopSurvey(reader, paths, home, environment).places();
     return stop.stop_requested() ? HomeLayout() : HomeLayout::freedesktop(home, std::move(places));
 }

@@ -12,6 +12,8 @@ struct HomeEnvironment
 {
     QByteArray dataHome;  ///< XDG_DATA_HOME
     QByteArray cacheHome; ///< XDG_CACHE_HOME
+    /// HOME: another path of the granted home, where it leads there; otherwise nothing.
+    QByteArray home = {};
 
     static HomeEnvironment ofThisProcess();
 };

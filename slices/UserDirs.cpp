@@ -26,12 +26,14 @@ bool skip(QByteArrayView &rest, char expected)
     return true;
 }
 
-/// "XDG_…_DIR", or nothing.
+bool isOfName(char character)
+{
+    return (character >= 'A' && character <= 'Z') || character == '_';
+}
+
+/// The name that begins here, "XDG_…_DIR", or nothing.
 QByteArray takeName(QByteArrayView &rest)
 {
-    const auto isOfName = [](char character) {
-        return (character >= 'A' && character <= 'Z') || character == '_';
-    };
     const auto *const end = std::find_if_not(rest.begin(), rest.end(), isOfName);
     const QByteArrayView name = rest.first(end - rest.begin());
     rest = rest.sliced(name.size());
@@ -39,9 +41,21 @@ QByteArray takeName(QByteArrayView &rest)
     return isFolderName ? name.toByteArray() : QByteArray();
 }
 
-/// What stands between the quotes, its escapes undone: "$HOME" or an absolute path. Nothing when
-/// the quote is not closed, or when a shell would put something else in the place of what is
-/// written.
+/// All that stand anywhere in the line.
+QByteArrayList namesIn(QByteArrayView line)
+{
+    QByteArrayList names;
+    for (qsizetype at = line.indexOf("XDG_"); at >= 0; at = line.indexOf("XDG_")) {
+        line = line.sliced(at);
+        names.append(takeName(line));
+    }
+    names.removeAll(QByteArray());
+    return names;
+}
+
+/// The path between the quotes, "$HOME" or absolute, its escapes undone; empty for what no reader
+/// takes for a path. Nothing when the quote is not closed, or when a shell would put something else
+/// in the place of what is written.
 std::optional<QByteArray> takeQuoted(QByteArrayView &rest)
 {
     if (!skip(rest, '"'))
@@ -52,11 +66,10 @@ std::optional<QByteArray> takeQuoted(QByteArrayView &rest)
         rest = rest.sliced(kHome.size());
         if (!rest.startsWith('/') && !rest.startsWith('"'))
             return std::nullopt; // another variable, whose name begins like this one
-    } else if (!rest.startsWith('/')) {
-        return std::nullopt;
     }
+    const bool isPath = !value.isEmpty() || rest.startsWith('/');
     while (!rest.isEmpty() && rest.front() != '"') {
-        if (rest.front() == '$' || rest.front() == '`')
+        if (rest.front() == '$' || rest.front() == '`' || rest.front() == '\0')
             return std::nullopt;
         if (rest.front() == '\\')
             rest = rest.sliced(1);
@@ -65,7 +78,9 @@ std::optional<QByteArray> takeQuoted(QByteArrayView &rest)
         value += rest.front();
         rest = rest.sliced(1);
     }
-    return skip(rest, '"') ? std::optional(value) : std::nullopt;
+    if (!skip(rest, '"'))
+        return std::nullopt;
+    return isPath ? value : QByteArray();
 }
 
 bool isAtEnd(QByteArrayView rest)
@@ -79,11 +94,15 @@ QByteArray withoutCarriageReturn(const QByteArray &line)
     return line.endsWith('\r') ? line.chopped(1) : line;
 }
 
-QByteArrayList namesOf(const QByteArray &path)
+/// "XDG_…_DIR" and what it says; nothing for a line that does not follow the rules.
+std::optional<std::pair<QByteArray, QByteArray>> understood(QByteArrayView rest)
 {
-    QByteArrayList names = path.split('/');
-    names.removeIf([](const QByteArray &name) { return name.isEmpty() || name == "."; });
-    return names;
+    skipBlanks(rest);
+    const QByteArray name = takeName(rest);
+    if (name.isEmpty() || !skip(rest, '='))
+        return std::nullopt;
+    const auto value = takeQuoted(rest);
+    return value && isAtEnd(rest) ? std::optional(std::pair(name, *value)) : std::nullopt;
 }
 
 } // namespace
@@ -91,77 +110,46 @@ QByteArrayList namesOf(const QByteArray &path)
 UserDirs UserDirs::parse(const QByteArray &text)
 {
     UserDirs found;
-    for (const QByteArray &line : text.split('\n')) {
-        const QByteArray clean = withoutCarriageReturn(line);
-        QByteArrayView rest(clean);
-        skipBlanks(rest);
-        const QByteArray name = takeName(rest);
-        if (name.isEmpty() || !skip(rest, '='))
-            continue;
-        const auto value = takeQuoted(rest);
-        if (value && isAtEnd(rest))
-            found.m_values.insert(name, *value);
-    }
+    for (const QByteArray &line : text.split('\n'))
+        found.readLine(withoutCarriageReturn(line));
     return found;
 }
 
-std::optional<QByteArray> UserDirs::folder(const QByteArray &name, const QByteArray &homePath) const
+void UserDirs::readLine(const QByteArray &line)
 {
-    const auto path = place(name, homePath);
-    return path && !hasHiddenComponent(*path) ? path : std::nullopt;
+    QByteArrayView rest(line);
+    if (isAtEnd(rest))
+        return;
+    const auto said = understood(rest);
+    if (!said) {
+        for (const QByteArray &name : namesIn(rest))
+            m_unclear.insert(name);
+    } else if (!said->second.isEmpty()) {
+        m_values.insert(said->first, said->second);
+    }
+}
+
+std::optional<QByteArray> UserDirs::path(const QByteArray &name, const QByteArray &homePath) const
+{
+    const auto found = m_values.constFind(name);
+    if (found == m_values.constEnd())
+        return std::nullopt;
+    return found->startsWith(kHome) ? homePath + found->sliced(kHome.size()) : *found;
 }
 
 QByteArrayList UserDirs::allBut(const QByteArray &name, const QByteArray &homePath) const
 {
-    QByteArrayList folders;
+    QByteArrayList paths;
     for (const QByteArray &other : m_values.keys()) {
-        const auto path = other == name ? std::nullopt : place(other, homePath);
-        if (path)
-            folders.append(*path);
+        if (other != name)
+            paths.append(*path(other, homePath));
     }
-    std::sort(folders.begin(), folders.end());
-    return folders;
+    std::sort(paths.begin(), paths.end());
+    return paths;
 }
 
-std::optional<QByteArray> UserDirs::place(const QByteArray &name, const QByteArray &homePath) const
+bool UserDirs::isUnclearBut(const QByteArray &name) const
 {
-    QByteArray value = m_values.value(name);
-    if (value.startsWith(kHome))
-        value.replace(0, kHome.size(), homePath);
-    return pathBelowHome(value, homePath);
-}
-
-std::optional<QByteArray> pathBelowHome(const QByteArray &path, const QByteArray &homePath)
-{
-    if (!path.startsWith('/') || path.contains('\0'))
-        return std::nullopt;
-    const QByteArrayList home = namesOf(homePath);
-    QByteArrayList names = namesOf(path);
-    if (names.contains("..") || names.size() <= home.size() || names.first(home.size()) != home)
-        return std::nullopt;
-    return names.sliced(home.size()).join('/');
-}
-
-std::optional<QByteArray> linkTargetBelowHome(const QByteArray &linkPath, const QByteArray &target,
-                                              const QByteArray &homePath)
-{
-    if (target.startsWith('/') || target.contains('\0'))
-        return pathBelowHome(target, homePath);
-    QByteArrayList folders = namesOf(linkPath);
-    folders.removeLast();
-    QByteArrayList names = namesOf(target);
-    while (!names.isEmpty() && names.first() == "..") {
-        if (folders.isEmpty())
-            return std::nullopt;
-        folders.removeLast();
-        names.removeFirst();
-    }
-    if (names.isEmpty() || names.contains(".."))
-        return std::nullopt;
-    return (folders + names).join('/');
-}
-
-bool hasHiddenComponent(const QByteArray &relativePath)
-{
-    return relativePath.startsWith('.') || relativePath.contains("/.");
+    return std::any_of(m_unclear.begin(), m_unclear.end(),
+                       [&](const QByteArray &unclear) { return unclear != name; });
 }

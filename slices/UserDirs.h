@@ -4,6 +4,7 @@
 #include <QByteArrayList>
 #include <QByteArrayView>
 #include <QHash>
+#include <QSet>
 #include <optional>
 
 /// The folders that a freedesktop home's file "user-dirs.dirs" names: where the user keeps
@@ -14,35 +15,25 @@ class UserDirs final
 public:
     UserDirs() = default;
 
-    /// Reads the file's bytes. Lines that do not follow the rules are passed over; of several lines
-    /// for one name the last counts.
+    /// Reads the file's bytes. Of several lines for one name the last that follows the rules
+    /// counts.
     static UserDirs parse(const QByteArray &text);
 
-    /// The folder for a name such as "XDG_DOWNLOAD_DIR", relative to the home at this absolute
-    /// path. Nothing when the file does not name it, or names the home itself, a place elsewhere, a
-    /// hidden folder or one inside such a folder: people keep no downloads where programs keep
-    /// settings and keys.
-    std::optional<QByteArray> folder(const QByteArray &name, const QByteArray &homePath) const;
+    /// The absolute path for a name such as "XDG_DOWNLOAD_DIR", as it is written, in the home at
+    /// this absolute path. Nothing when the file does not name it.
+    std::optional<QByteArray> path(const QByteArray &name, const QByteArray &homePath) const;
 
-    /// All folders below the home that the file names for anything but this, hidden ones included:
-    /// where something of the user's may lie, also for names that nobody knows.
+    /// The paths that the file names for anything but this: where something of the user's may lie,
+    /// also for names that nobody knows.
     QByteArrayList allBut(const QByteArray &name, const QByteArray &homePath) const;
 
+    /// Whether nobody can tell what the file says about another name than this: a line for it does
+    /// not follow the rules, and a shell or a laxer program may read something out of it.
+    bool isUnclearBut(const QByteArray &name) const;
+
 private:
-    std::optional<QByteArray> place(const QByteArray &name, const QByteArray &homePath) const;
+    void readLine(const QByteArray &line);
 
     QHash<QByteArray, QByteArray> m_values; ///< absolute paths, or "$HOME" with what follows
+    QSet<QByteArray> m_unclear;             ///< names with a line that is not understood
 };
-
-/// The path below the home, without "." and the like, of an absolute one; nothing for one that is
-/// not strictly below it, or that goes through "..". Compares bytes and looks at no disk.
-std::optional<QByteArray> pathBelowHome(const QByteArray &path, const QByteArray &homePath);
-
-/// Where a link below the home leads: the path, also relative to the home, that the link at
-/// `linkPath` stands for by its bytes. Nothing unless it is strictly below the home and goes up, if
-/// at all, before it goes down. Looks at no disk.
-std::optional<QByteArray> linkTargetBelowHome(const QByteArray &linkPath, const QByteArray &target,
-                                              const QByteArray &homePath);
-
-/// Whether a name on the path is hidden.
-bool hasHiddenComponent(const QByteArray &relativePath);

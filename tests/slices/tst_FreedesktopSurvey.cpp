@@ -14,7 +14,7 @@ public:
                                             Descent descent) const override
     {
         QByteArray small(path);
-        small.replace("DOWNLOADS", "downloads").replace("GET", "Get");
+        small.replace("DOWNLOADS", "downloads").replace("GET", "Get").replace("SNAP", "snap");
         return ForwardingSystemCalls::openFolder(parent, small.constData(), descent);
     }
 };
@@ -59,14 +59,28 @@ void TestFreedesktopSurvey::takesDownloadsFromTheUsersFile_data()
     row("through a link", download("$HOME/Linked/Get"), "");
     row("the home", download("$HOME"), "Downloads/");
     row("elsewhere", download("/etc"), "Downloads/");
-    row("the documents", download("$HOME/Documents"), "Downloads/");
+    row("the documents", download("$HOME/Documents"), "");
     row("the documents by name",
-        download("$HOME/Papiere") + "XDG_DOCUMENTS_DIR=\"$HOME/Papiere\"\n", "Downloads/");
+        download("$HOME/Papiere") + "XDG_DOCUMENTS_DIR=\"$HOME/Papiere\"\n", "");
     row("around the documents", download("$HOME/Data") + "XDG_DOCUMENTS_DIR=\"$HOME/Data/Get\"\n",
-        "Downloads/");
-    row("a slice's place", download("$HOME/.cache"), "Downloads/");
-    row("around a slice's place", download("$HOME/.local"), "Downloads/");
-    row("programs' own", download("$HOME/snap"), "Downloads/");
+        "");
+    row("a slice's place", download("$HOME/.cache"), "");
+    row("around a slice's place", download("$HOME/.local"), "");
+    row("hidden", download("$HOME/.config"), "");
+    row("programs' own", download("$HOME/snap"), "");
+    row("the folder around the home", download("$HOME/.."), "Downloads/");
+    row("out and in again", download("$HOME/../anna/Data"), "");
+    row("up and down", download("$HOME/Documents/../Data"), "");
+    row("no path", download("Data"), "Downloads/");
+    row("a command", download("$HOME/$(touch x)"), "Downloads/");
+    row("by the home's other path", download("/other/way/Data"), "Data/");
+    row("the documents by the other path", "XDG_DOCUMENTS_DIR=\"/other/way/Downloads\"\n", "");
+    row("the plain name may mean documents", "XDG_DOCUMENTS_DIR=\"$HOME/Downloads\";\n", "");
+    row("it may mean documents to a shell", "export XDG_DOCUMENTS_DIR=$HOME/Downloads\n", "");
+    row("it means documents in a roundabout way", "XDG_DOCUMENTS_DIR=\"$HOME/Data/../Downloads\"\n",
+        "");
+    row("it means documents behind a link", "XDG_DOCUMENTS_DIR=\"$HOME/Twice\"\n", "");
+    row("it holds documents behind a link", "XDG_DOCUMENTS_DIR=\"$HOME/Twice/papers\"\n", "");
     row("the plain name means documents", "XDG_DOCUMENTS_DIR=\"$HOME/Downloads\"\n", "");
 }
 
@@ -79,9 +93,13 @@ void TestFreedesktopSurvey::takesDownloadsFromTheUsersFile()
                              "snap/tool/common/x", ".config/x"})
         home.make(path);
     home.link("Linked", "Data");
-    home.nameUserDirs(lines);
+    home.link("Once", "Downloads");
+    home.link("Twice", "Once");
+    makeLink(home.outside("alias"), "anna");
+    home.nameUserDirs(QByteArray(lines).replace("/other/way", home.outside("alias")));
     const QByteArrayList expected = folder.isEmpty() ? QByteArrayList() : QByteArrayList{folder};
-    QCOMPARE(home.relative(*home.survey().locations(SliceKind::Downloads)), expected);
+    const HomeLayout layout = home.survey({{}, {}, home.outside("alias")});
+    QCOMPARE(home.relative(*layout.locations(SliceKind::Downloads)), expected);
 }
 
 void TestFreedesktopSurvey::emptiesNoDownloadsWhileTheUsersFileIsUnreadable_data()
@@ -95,11 +113,14 @@ void TestFreedesktopSurvey::emptiesNoDownloadsWhileTheUsersFileIsUnreadable_data
         << QByteArray("../dots/u") << QByteArrayList{"Get/", "var/cache/"};
     QTest::newRow("a full link") << QByteArray("HOME/dots/u")
                                  << QByteArrayList{"Get/", "var/cache/"};
-    QTest::newRow("a link to a link") << QByteArray("link") << none;
-    QTest::newRow("through a link") << QByteArray("../linked/u") << none;
+    QTest::newRow("a link to a link") << QByteArray("link") << QByteArrayList{"Get/", "var/cache/"};
+    QTest::newRow("through a link")
+        << QByteArray("../linked/u") << QByteArrayList{"Get/", "var/cache/"};
     QTest::newRow("out of the home") << QByteArray("../../elsewhere") << none;
     QTest::newRow("a full one out of it") << QByteArray("HOME/../elsewhere") << none;
-    QTest::newRow("around") << QByteArray("../dots/../dots/u") << none;
+    QTest::newRow("around") << QByteArray("../dots/../dots/u")
+                            << QByteArrayList{"Get/", "var/cache/"};
+    QTest::newRow("to itself") << QByteArray("user-dirs.dirs") << none;
     QTest::newRow("to nothing") << QByteArray("gone") << none;
     QTest::newRow("to a folder") << QByteArray("../dots") << none;
     QTest::newRow("too large") << QByteArray("large") << none;
@@ -137,36 +158,40 @@ void TestFreedesktopSurvey::emptiesNoDownloadsWhenReadingFails()
             [&](int, std::string_view name) { return name == call ? EIO : 0; });
         QCOMPARE(downloads(failing), QByteArrayList());
     }
-    const MadeHome linked({"Downloads/x", "dots/user-dirs.dirs"});
-    linked.link(".config", "dots");
+    const MadeHome linked({"Downloads/x"});
+    linked.link(".config", linked.outside("dots"));
     QCOMPARE(linked.survey().locations(SliceKind::Downloads), FileUrls());
 }
 
 void TestFreedesktopSurvey::protectsTheUsersFoldersWhateverTheirNames_data()
 {
     QTest::addColumn<QByteArray>("lines");
-    QTest::addColumn<QByteArray>("lost"); ///< of the places that are found otherwise
-    QTest::newRow("none") << QByteArray() << QByteArray();
+    QTest::addColumn<QByteArrayList>("lost"); ///< of the places that are found otherwise
+    QTest::newRow("none") << QByteArray() << QByteArrayList();
     QTest::newRow("a name of one's own")
-        << QByteArray("XDG_PROJECTS_DIR=\"$HOME/Downloads/Jobs\"\n") << QByteArray("Downloads/");
+        << QByteArray("XDG_PROJECTS_DIR=\"$HOME/Downloads/Jobs\"\n")
+        << QByteArrayList{"Downloads/"};
     QTest::newRow("hidden") << QByteArray("XDG_DOCUMENTS_DIR=\"$HOME/.cache/papers\"\n")
-                            << QByteArray(".cache/");
+                            << QByteArrayList{".cache/"};
     QTest::newRow("a cache that is one")
-        << QByteArray("XDG_PROJECTS_DIR=\"$HOME/var/cache\"\n") << QByteArray("var/cache/");
+        << QByteArray("XDG_PROJECTS_DIR=\"$HOME/var/cache\"\n") << QByteArrayList{"var/cache/"};
     QTest::newRow("a link into the downloads")
-        << QByteArray("XDG_MUSIC_DIR=\"$HOME/Linked\"\n") << QByteArray("Downloads/");
+        << QByteArray("XDG_MUSIC_DIR=\"$HOME/Linked\"\n") << QByteArrayList{"Downloads/"};
+    QTest::newRow("downloads in a cache")
+        << QByteArray("XDG_DOWNLOAD_DIR=\"$HOME/.cache/papers\"\n")
+        << QByteArrayList{".cache/", "Downloads/"};
 }
 
 void TestFreedesktopSurvey::protectsTheUsersFoldersWhateverTheirNames()
 {
     QFETCH(const QByteArray, lines);
-    QFETCH(const QByteArray, lost);
+    QFETCH(const QByteArrayList, lost);
     const MadeHome home({"Downloads/Jobs/x", ".cache/papers/x", "var/cache/x"});
     home.link("Linked", "Downloads/Jobs");
     home.nameUserDirs(lines);
     const HomeLayout layout = home.survey({{}, home.path("var/cache")});
     QByteArrayList expected{".cache/", "var/cache/", "Downloads/"};
-    expected.removeOne(lost);
+    expected.removeIf([&](const QByteArray &place) { return lost.contains(place); });
     QCOMPARE(home.relative(*layout.locations(SliceKind::Cache) +
                            *layout.locations(SliceKind::Downloads)),
              expected);
@@ -175,7 +200,7 @@ void TestFreedesktopSurvey::protectsTheUsersFoldersWhateverTheirNames()
 /// As where upper and lower case are the same.
 void TestFreedesktopSurvey::protectsOneFolderUnderTwoNames()
 {
-    const MadeHome home({"downloads/Papers/x", "Get/x"});
+    const MadeHome home({"downloads/Papers/x", "Get/x", "snap/tool/common/.cache/x"});
     home.nameUserDirs("XDG_DOWNLOAD_DIR=\"$HOME/DOWNLOADS\"\n"
                       "XDG_DOCUMENTS_DIR=\"$HOME/downloads/Papers\"\n");
     const CaselessCalls calls;
@@ -183,6 +208,10 @@ void TestFreedesktopSurvey::protectsOneFolderUnderTwoNames()
     home.nameUserDirs("XDG_DOWNLOAD_DIR=\"$HOME/GET\"\n");
     QCOMPARE(home.relative(*home.survey({}, calls).locations(SliceKind::Downloads)),
              QByteArrayList{"GET/"});
+    home.nameUserDirs("XDG_DOWNLOAD_DIR=\"$HOME/SNAP\"\nXDG_DESKTOP_DIR=\"$HOME/DOWNLOADS\"\n"
+                      "XDG_DOCUMENTS_DIR=\"$HOME/downloads/Papers\"\n");
+    QCOMPARE(home.survey({}, calls).locations(SliceKind::Downloads), FileUrls());
+    QVERIFY(!home.relative(home.survey({}, calls).searchFolders()).contains("downloads/Papers/"));
 }
 
 void TestFreedesktopSurvey::takesLittleFromTheEnvironment_data()
@@ -195,6 +224,8 @@ void TestFreedesktopSurvey::takesLittleFromTheEnvironment_data()
         QTest::newRow(name) << data << cache << added;
     };
     row("below", "HOME/data", "HOME/var/cache",
+        {"data/Trash/files/", "data/Trash/info/", "var/cache/"});
+    row("by the home's other path", "/other/way/data", "/other/way/var/cache",
         {"data/Trash/files/", "data/Trash/info/", "var/cache/"});
     row("where they are anyway", "HOME/.local/share", "HOME/.cache", {});
     row("the home", "HOME", "HOME", {});
@@ -228,21 +259,39 @@ void TestFreedesktopSurvey::takesLittleFromTheEnvironment()
     QFETCH(QByteArray, cache);
     QFETCH(const QByteArrayList, added);
     MadeHome home(kPlainHome);
-    for (const char *path :
-         {"data/Trash/files/x",      "data/Trash/info/x",      "var/cache/x",
-          "Documents/cache/x",       "half/Trash/files/x",     ".ssh/id",
-          ".cache/cache/x",          "Downloads/cache/x",      ".claws-mail/imapcache/x",
-          ".claws-mail/cache/x",     "snap/cache/x",           "Geocaches/x",
-          "Projects/my-cache/x",     "Projects/Cache/x",       "Projects/.cache/x",
-          "Papers/Trash/files/x",    "Papers/Trash/info/x",    "Papers/cache/x",
-          "Downloads/Trash/files/x", "Downloads/Trash/info/x", "my caches/Pictures/x"})
+    for (const char *path : {"data/Trash/files/x",
+                             "data/Trash/info/x",
+                             "var/cache/x",
+                             "Documents/cache/x",
+                             "half/Trash/files/x",
+                             ".ssh/id",
+                             ".cache/cache/x",
+                             "Downloads/cache/x",
+                             ".claws-mail/imapcache/x",
+                             ".claws-mail/cache/x",
+                             "snap/cache/x",
+                             "Geocaches/x",
+                             "Projects/my-cache/x",
+                             "Projects/Cache/x",
+                             "Projects/.cache/x",
+                             "Papers/Trash/files/x",
+                             "Papers/Trash/info/x",
+                             "Papers/cache/x",
+                             "Downloads/Trash/files/x",
+                             "Downloads/Trash/info/x",
+                             "my caches/Pictures/x",
+                             ".xdg/MyCache/fontconfig/CACHEDIR.TAG",
+                             ".xdg/fontconfig/CACHEDIR.TAG"})
         home.make(path);
     home.nameUserDirs("XDG_PICTURES_DIR=\"$HOME/my caches/Pictures\"\n"
                       "XDG_DOCUMENTS_DIR=\"$HOME/Papers\"\n");
     home.link("linked", "data");
     home.link("linked-cache", "var/cache");
-    const HomeEnvironment environment{data.replace("HOME", home.path()),
-                                      cache.replace("HOME", home.path())};
+    const QByteArray alias = home.outside("alias");
+    makeLink(alias, "anna");
+    const HomeEnvironment environment{
+        data.replace("HOME", home.path()).replace("/other/way", alias),
+        cache.replace("HOME", home.path()).replace("/other/way", alias), alias};
     QByteArrayList found;
     for (const auto &[kind, paths] : locationsOf(home, home.survey(environment)))
         found += paths;

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "slices/HomeReader.h"
+
+/// What absolute paths mean in a granted home: the home may be reached by several paths, where a
+/// folder around it is a link, and paths lead on through links inside it. Nothing outside the home
+/// is ever looked at: it may be a disk that does not answer. One thread.
+class HomePaths final
+{
+public:
+    /// The paths are absolute and all lead to the home that is read, which must outlive this.
+    HomePaths(const HomeReader &reader, QByteArrayList paths);
+
+    /// The home's paths among these: its own, and the other where it leads to the same folder.
+    static QByteArrayList leadingTo(const SystemCalls &calls, const QByteArray &homePath,
+                                    const QByteArray &otherPath);
+
+    /// Relative to the home, without "." and the like; nothing for a path that is not strictly
+    /// below the home, or that goes through "..". Compares bytes and looks at no disk.
+    std::optional<QByteArray> below(const QByteArray &path) const;
+
+    /// Every place below the home for which the path stands: first as it is written, then past one
+    /// link after another; none of them need be there. Empty where it never enters the home, and
+    /// past a link that leads out of it.
+    QByteArrayList followed(const QByteArray &path) const;
+
+private:
+    std::optional<QByteArrayList> namesBelow(const QByteArrayList &names) const;
+    std::optional<QByteArrayList> pastFirstLink(const QByteArrayList &names) const;
+
+    const HomeReader &m_reader;
+    QList<QByteArrayList> m_homes; ///< by the names on the way
+};
+
+/// Whether a name on the path is hidden.
+bool hasHiddenComponent(const QByteArray &relativePath);
