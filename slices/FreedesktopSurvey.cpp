@@ -195,22 +195,29 @@ void FreedesktopSurvey::addTrashOfEnvironment()
 }
 
 /// A cache is emptied whole, and one that a program has for itself may hold mail or maps: the place
-/// must be called just that, must not lie where some program keeps its own things nor where the
-/// user keeps his, and must not hold any of those.
+/// must look like one for all programs, must not lie where the user keeps his things, and must not
+/// hold any of those.
 void FreedesktopSurvey::addCacheOfEnvironment()
 {
     const auto cache = m_paths.below(m_environment.cacheHome);
-    if (!cache)
-        return;
-    const qsizetype slash = cache->lastIndexOf('/');
-    const QByteArray name = cache->sliced(slash + 1);
-    const bool isCalledACache = name == "cache" || name == ".cache";
-    const QByteArray around = cache->first(std::max<qsizetype>(slash, 0));
-    const bool isAPrograms = isAtOrInside(*cache, kSandboxes) ||
-                             (hasHiddenComponent(around) && around != ".local");
-    if (isCalledACache && !isAPrograms && !isTheUsers(*cache) && m_reader.hasFolder(*cache) &&
-        add(SliceKind::Cache, *cache))
+    if (cache && isCacheOfAllPrograms(*cache) && !isTheUsers(*cache) &&
+        m_reader.hasFolder(*cache) && add(SliceKind::Cache, *cache))
         m_cacheHomes.append(*cache);
+}
+
+/// It is called just that, and does not lie where some program keeps its own; or the fonts of the
+/// desktop are cached in it, as is done for all programs alike.
+bool FreedesktopSurvey::isCacheOfAllPrograms(const QByteArray &path) const
+{
+    const qsizetype slash = path.lastIndexOf('/');
+    const QByteArray name = path.sliced(slash + 1);
+    const QByteArray around = path.first(std::max<qsizetype>(slash, 0));
+    if (isAtOrInside(path, kSandboxes))
+        return false;
+    if (!m_reader.filesAmong({path + "/fontconfig/CACHEDIR.TAG"}).isEmpty())
+        return name.toLower().contains("cache");
+    const bool isAPrograms = hasHiddenComponent(around) && around != ".local";
+    return !isAPrograms && (name == "cache" || name == ".cache");
 }
 
 /// None twice and none inside another, or its files would be listed twice.

@@ -33,6 +33,7 @@ private:
     FileUrls cachePlaces(const QByteArray &cache) const;
     void addTrashOfEnvironment();
     void addCacheOfEnvironment();
+    bool isCacheOfAllPrograms(const QByteArray &path) const;
     void addSearchFolders();
 
     bool add(SliceKind kind, const QByteArray &path);

@@ -248,6 +248,8 @@ void TestFreedesktopSurvey::takesLittleFromTheEnvironment_data()
     row("a hobby", "HOME/nothing", "HOME/Geocaches", {});
     row("a project", "HOME/nothing", "HOME/Projects/my-cache", {});
     row("in capitals", "HOME/nothing", "HOME/Projects/Cache", {});
+    row("one for all programs", "HOME/nothing", "HOME/.xdg/MyCache", {".xdg/MyCache/"});
+    row("a settings folder with a cache", "HOME/nothing", "HOME/.xdg", {});
     row("a hidden one", "HOME/nothing", "HOME/Projects/.cache", {"Projects/.cache/"});
     row("documents called a trash", "HOME/Papers", "HOME/Papers/cache", {});
     row("around the user's folders", "HOME/nothing", "HOME/my caches", {});
