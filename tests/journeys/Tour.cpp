@@ -1,5 +1,5 @@
-// Takes the real window through the whole job on a made home folder, as a user would, and says what
-// was measured, freed and left.
+// Takes the real window through the whole job on a made home folder, of the kind that this system
+// has, as a user would, and says what was measured, freed and left.
 
 #include "app/Appearance.h"
 #include "app/DiskInfoViewController.h"
@@ -8,6 +8,7 @@
 #include "largefiles/TextButton.h"
 #include "platform/ByteCount.h"
 #include "platform/Sheet.h"
+#include "platform/SystemHomes.h"
 #include "platform/ViewAlpha.h"
 #include "prefs/ColorWindow.h"
 #include "prefs/Popover.h"
@@ -54,12 +55,16 @@ qint64 bytesPresent(const SampleHome &home)
     return bytes;
 }
 
-const QList<QByteArray> kExcluded{SampleHome::kKeep, "Documents/Thesis.odt",
-                                  "Library/Caches/no text \xff\xfe", "Pictures/2014"};
-
-bool isExcluded(const QByteArray &path)
+QList<QByteArray> excludedIn(const SampleHome &home)
 {
-    return std::ranges::any_of(kExcluded, [&path](const QByteArray &excluded) {
+    return {SampleHome::kKeep, "Documents/Thesis.odt",
+            home.placesOf(indexOf(SliceKind::Cache)).constFirst() + "/no text \xff\xfe",
+            "Pictures/2014"};
+}
+
+bool isExcluded(const SampleHome &home, const QByteArray &path)
+{
+    return std::ranges::any_of(excludedIn(home), [&path](const QByteArray &excluded) {
         return path == excluded || path.startsWith(excluded + '/');
     });
 }
@@ -70,7 +75,7 @@ QList<QByteArray> pathsToKeep(const SampleHome &home)
     QList<QByteArray> paths = home.paths();
     for (const SliceKind kind : kCleaned) {
         for (const QByteArray &path : home.pathsCleanedWith(indexOf(kind))) {
-            if (!isExcluded(path))
+            if (!isExcluded(home, path))
                 paths.removeOne(path);
         }
     }
@@ -205,11 +210,11 @@ private:
     {
         PreferencesJourney preferences(m_application, m_journey);
         QList<QByteArray> paths;
-        for (const QByteArray &path : kExcluded)
+        for (const QByteArray &path : excludedIn(m_home))
             paths.append(m_home.path(path));
+        const auto count = static_cast<int>(paths.size());
         if (!preferences.open() || !preferences.add(paths.takeFirst()) ||
-            !preferences.drop(paths) ||
-            !preferences.waitForRows(static_cast<int>(kExcluded.size())) ||
+            !preferences.drop(paths) || !preferences.waitForRows(count) ||
             !preferences.waitForSizes())
             return false;
         preferences.select({0});
@@ -301,19 +306,31 @@ private:
     qint64 m_before = 0;
 };
 
-QString picturesFolder(const QApplication &application)
+struct Wishes
+{
+    QString pictures; ///< the folder for them; none without
+    HomeKind home = homesHaveALibrary() ? HomeKind::Library : HomeKind::Freedesktop;
+};
+
+Wishes wishesOf(const QApplication &application)
 {
     QCommandLineParser parser;
     const QCommandLineOption pictures(QStringLiteral("pictures"),
                                       QStringLiteral("Save a picture of every page here."),
                                       QStringLiteral("folder"));
-    parser.addOption(pictures);
+    const QCommandLineOption library(
+        QStringLiteral("library"),
+        QStringLiteral("Go through a home with a Library, whatever homes this system has."));
+    parser.addOptions({pictures, library});
     parser.addHelpOption();
     parser.process(application);
-    const QString folder = parser.value(pictures);
-    if (!folder.isEmpty())
-        QDir().mkpath(folder);
-    return folder;
+    Wishes wishes;
+    wishes.pictures = parser.value(pictures);
+    if (!wishes.pictures.isEmpty())
+        QDir().mkpath(wishes.pictures);
+    if (parser.isSet(library))
+        wishes.home = HomeKind::Library;
+    return wishes;
 }
 
 } // namespace
@@ -323,16 +340,16 @@ int main(int argc, char **argv)
     const ScratchEnvironment environment;
     QApplication application(argc, argv);
     setUpAppearance(application);
-    const QString pictures = picturesFolder(application);
+    const Wishes wishes = wishesOf(application);
 
     const ScratchFolder place;
-    const SampleHome home(place);
+    const SampleHome home(place, 1, wishes.home);
     if (!paintPanorama(home))
         return 1;
     AppDelegate delegate({.realHomeDirectory = [&home] { return home.path(); }});
     delegate.applicationDidFinishLaunching();
     Journey journey(delegate);
-    const bool isDone = Tour(delegate, journey, home, pictures).take();
+    const bool isDone = Tour(delegate, journey, home, wishes.pictures).take();
     delegate.applicationWillTerminate();
     return isDone ? 0 : 1;
 }
