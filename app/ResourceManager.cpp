@@ -122,7 +122,7 @@ std::optional<GrantFailure> ResourceManager::check(const std::optional<QByteArra
     std::optional<Finding> found = std::move(*finding); // then the one before: closed unlocked
     Run &run = *currentRun();
     const std::scoped_lock lock(run.mutex);
-    if (!run.home)
+    if (!run.home && run.stored == grant) // a late answer may be about a grant that is given up
         run.found.swap(found);
     return std::nullopt;
 }
