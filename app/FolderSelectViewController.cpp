@@ -70,6 +70,7 @@ void FolderSelectViewController::selectHomeFolder()
 void FolderSelectViewController::runSelectionPanelForFolderString(const QString &key)
 {
     qCInfo(logVantor).noquote() << QString::fromUtf8(lastComponent(m_services.realHomeDirectory()));
+    m_forwardTimer.stop(); // nobody moves on beneath the panel
     OpenPanel panel;
     panel.choice = OpenPanelChoice::Folders;
     panel.startFolder = URLForFolderString(key).value_or(QByteArray());
@@ -92,9 +93,10 @@ std::optional<QByteArray> FolderSelectViewController::URLForFolderString(const Q
 void FolderSelectViewController::finishSelection(const QString &key,
                                                  const std::optional<QByteArray> &path)
 {
-    if (!path || key != VNTHomeFolderString || !isNamedLikeTheRealHome(*path))
-        return;
-    grant(key, *path);
+    if (path && key == VNTHomeFolderString && isNamedLikeTheRealHome(*path))
+        grant(key, *path);
+    else
+        updateUI(); // with an earlier grant it moves on
 }
 
 bool FolderSelectViewController::isNamedLikeTheRealHome(const QByteArray &path) const
@@ -130,7 +132,8 @@ void FolderSelectViewController::showGrantError(const QByteArray &path, int erro
         {.style = AlertStyle::Warning,
          .messageText =
              tr("The folder “%1” could not be used.").arg(QString::fromUtf8(lastComponent(path))),
-         .informativeText = text});
+         .informativeText = text},
+        [this](int) { updateUI(); });
 }
 
 void FolderSelectViewController::updateUI()

@@ -35,6 +35,7 @@ private Q_SLOTS:
     void storesNothingWhenCancelled();
     void movesOnAgainWhenShownAgain();
     void staysWhenTheGrantIsTakenBackMeanwhile();
+    void staysBeneathThePanel();
     void waitsForTheFolderBesideTheMainThread();
     void storesNothingOfAPageThatWasLeft_data();
     void storesNothingOfAPageThatWasLeft();
@@ -173,6 +174,23 @@ void TestFolderSelectViewController::staysWhenTheGrantIsTakenBackMeanwhile()
     later.start(FolderSelectViewController::kPauseBeforeNextPage);
     QVERIFY(fired.wait());
     QCOMPARE(m_delegate.moves.size(), 0);
+}
+
+/// With an earlier grant it would move on; what is chosen then would be of a page that was left.
+void TestFolderSelectViewController::staysBeneathThePanel()
+{
+    m_fixture->grantHome();
+    m_page->viewDidAppear(true);
+    QTest::mouseClick(m_page->homeButton(), Qt::LeftButton);
+    QTRY_VERIFY(sheetPanel(*m_page->view()));
+    QTimer later;
+    later.setSingleShot(true);
+    QSignalSpy fired(&later, &QTimer::timeout);
+    later.start(FolderSelectViewController::kPauseBeforeNextPage);
+    QVERIFY(fired.wait());
+    QCOMPARE(m_delegate.moves.size(), 0);
+    QTest::keyClick(sheetPanel(*m_page->view()), Qt::Key_Escape);
+    QTRY_COMPARE(m_delegate.moves.size(), 1);
 }
 
 void TestFolderSelectViewController::waitsForTheFolderBesideTheMainThread()
