@@ -11,6 +11,8 @@
 #include "platform/Workspace.h"
 #include "prefs/ColorWindow.h"
 
+#include <functional>
+
 namespace {
 
 std::unique_ptr<ColorWindow> loadedWindow(const InterfaceLoader &loader)
@@ -62,7 +64,7 @@ void MainWindowController::setupViewControllers()
         loader, FreeSpaceViewController::Services{
                     m_services.defaults, m_services.calls, m_services.access, m_services.workspace,
                     m_services.excludedFilesChanged, &ResourceManager::homeFolder,
-                    [this](std::function<void()> then) { whenGrantIsUsable(std::move(then)); },
+                    std::bind_front(&MainWindowController::whenGrantIsUsable, this),
                     m_services.readVolume});
     m_final = std::make_unique<FinalViewController>(
         loader, FinalViewController::Services{
@@ -145,11 +147,15 @@ void MainWindowController::showPageAfter(VNTViewController &page, const QVariant
         next->setData(data); // after viewWillAppear(), before viewDidAppear()
 }
 
-void MainWindowController::whenGrantIsUsable(std::function<void()> then)
+void MainWindowController::whenGrantIsUsable(std::function<void()> then,
+                                             std::function<void()> otherwise)
 {
-    m_grantCheck.ask([this, then = std::move(then)](std::optional<GrantFailure> failure) {
+    m_grantCheck.ask([this, then = std::move(then),
+                      otherwise = std::move(otherwise)](std::optional<GrantFailure> failure) {
         if (isGrantUsable(failure))
             then();
+        else
+            otherwise();
     });
 }
 

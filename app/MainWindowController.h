@@ -62,7 +62,8 @@ public:
     /// goes on with `then`; tells the user, with the offer to grant again, when not. Returns at
     /// once: the disk is waited for beside the main thread. Nothing comes of it when the page is
     /// left meanwhile, or this is asked for something else.
-    void whenGrantIsUsable(std::function<void()> then);
+    void whenGrantIsUsable(
+        std::function<void()> then, std::function<void()> otherwise = [] {});
     bool isLookingAtGrant() const { return m_grantCheck.isLooking(); }
 
 public Q_SLOTS:

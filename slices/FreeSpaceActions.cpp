@@ -73,7 +73,7 @@ void FreeSpaceViewController::showMessage(const Alert &alert)
 
 void FreeSpaceViewController::updateButtonText()
 {
-    if (m_isCleaning || !m_isShown)
+    if (m_isCleaning || !isShown())
         return; // a late measure must not overwrite "Cleaning", nor a figure on its way out
     const qint64 total = m_selection.totalSize();
     qCInfo(logVantor).noquote() << QString::number(total);
@@ -86,24 +86,32 @@ void FreeSpaceViewController::updateButtonText()
 
 bool FreeSpaceViewController::isReadyToClean() const
 {
-    return m_selection.somethingIsSelected() && !m_isCleaning && m_isShown &&
+    return m_selection.somethingIsSelected() && !m_isCleaning && isShown() &&
            !isPickingLargeFiles() && m_home.layout.kind() != HomeKind::Unknown;
 }
 
 void FreeSpaceViewController::next()
 {
-    whenMayClean([this] { lookAgainAndConfirm(); });
+    if (!m_isAsking)
+        whenMayClean([this] { lookAgainAndConfirm(); });
 }
 
-/// Looked at again when the grant has been: the page may have been left meanwhile.
+/// Looked at again when the grant has been: the choice may have changed meanwhile.
 void FreeSpaceViewController::whenMayClean(std::function<void()> then)
 {
-    if (m_isAsking || !isReadyToClean() || !exclusionsAllowCleaning())
+    if (!isReadyToClean() || !exclusionsAllowCleaning()) {
+        endAsking();
         return;
-    m_services.whenGrantIsUsable([this, then = std::move(then)] {
-        if (!m_isAsking && isReadyToClean())
-            then();
-    });
+    }
+    beginAsking();
+    m_services.whenGrantIsUsable(
+        [this, then = std::move(then)] {
+            if (isReadyToClean())
+                then();
+            else
+                endAsking();
+        },
+        [this] { endAsking(); });
 }
 
 bool FreeSpaceViewController::exclusionsAllowCleaning()
@@ -141,10 +149,12 @@ void FreeSpaceViewController::askForConfirmation()
                                             m_home.layout.nameOfDownloads()}),
                       .buttons = {{tr("Cancel"), AlertButtonRole::Cancel},
                                   {tr("Delete Files"), AlertButtonRole::Destructive}}};
+    m_startButton->detailText().setText(tr("Click to free"));
     presentAlert(*view(), alert, [this, confirmed = m_selection.choice()](int button) {
-        endAsking();
         if (button == 1)
             beginCleaning(confirmed);
+        else
+            endAsking();
     });
 }
 
@@ -163,6 +173,7 @@ void FreeSpaceViewController::beginCleaning(const SliceSelection::Choice &confir
 
 void FreeSpaceViewController::clean()
 {
+    m_isAsking = false;
     m_isCleaning = true;
     Q_EMIT cleaningChanged(true);
     showCleaningState();

@@ -60,7 +60,7 @@ void FreeSpaceViewController::homeWasFound(const HomeFindings &findings)
     // What was excluded meanwhile was heard by slices without places.
     m_selection.applyExclusions();
     m_selection.updateSelectedSlicesUserDefaults();
-    if (!m_isShown)
+    if (!isShown())
         return; // shown when it appears
     m_pieChart->reloadData();
     enableStartButton();
@@ -92,7 +92,7 @@ LatestJob::Work FreeSpaceViewController::lookForPrograms(std::function<void()> t
 
 void FreeSpaceViewController::programsWereFound(const ProgramsInUse &inUse)
 {
-    if (m_isCleaning)
+    if (m_isCleaning || inUse == m_home.inUse)
         return; // what was confirmed stands
     m_home.inUse = inUse;
     placeRecords(m_selection.records(), m_home.layout, inUse);
@@ -101,16 +101,12 @@ void FreeSpaceViewController::programsWereFound(const ProgramsInUse &inUse)
 }
 
 /// The confirmation names what stays because of the programs that run now, and the size without it.
-/// Until it is answered nothing else is asked.
 void FreeSpaceViewController::lookAgainAndConfirm()
 {
-    m_isAsking = true;
-    if (m_home.layout.programs().empty()) {
+    if (m_home.layout.programs().empty())
         askForConfirmation();
-        return;
-    }
-    m_startButton->detailText().setText(tr("Looking…"));
-    m_looking.run(lookForPrograms([this] { measureAndConfirm(); }));
+    else
+        m_looking.run(lookForPrograms([this] { measureAndConfirm(); }));
 }
 
 /// Again when a program has come or gone meanwhile.
@@ -133,10 +129,20 @@ void FreeSpaceViewController::measureAndConfirm()
         });
 }
 
+/// Until the end of it nothing else is asked.
+void FreeSpaceViewController::beginAsking()
+{
+    m_isAsking = true;
+    m_startButton->detailText().setText(tr("Looking…"));
+}
+
 void FreeSpaceViewController::endAsking()
 {
-    if (std::exchange(m_isAsking, false))
-        m_startButton->detailText().setText(tr("Click to free"));
+    if (!std::exchange(m_isAsking, false))
+        return;
+    m_startButton->detailText().setText(tr("Click to free"));
+    if (std::exchange(m_owesTutorial, false))
+        showTutorialUnlessDeclined();
 }
 
 QStringList FreeSpaceViewController::programsInUse(SliceKind kind) const

@@ -20,14 +20,14 @@ LargeFilesWindowController &FreeSpaceViewController::largeFilesWindowController(
 
 bool FreeSpaceViewController::mayPickLargeFiles() const
 {
-    return m_isShown && !m_isAsking && !m_isCleaning && m_home.layout.kind() != HomeKind::Unknown &&
+    return isShown() && !m_isAsking && !m_isCleaning && m_home.layout.kind() != HomeKind::Unknown &&
            !isPickingLargeFiles();
 }
 
 void FreeSpaceViewController::pickLargeFiles()
 {
     if (mayPickLargeFiles())
-        m_services.whenGrantIsUsable([this] { showLargeFiles(); });
+        m_services.whenGrantIsUsable([this] { showLargeFiles(); }, [] {});
 }
 
 void FreeSpaceViewController::showLargeFiles()

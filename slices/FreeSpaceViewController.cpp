@@ -84,6 +84,8 @@ void FreeSpaceViewController::makeHoverButtons()
 
 void FreeSpaceViewController::viewWillAppear(bool)
 {
+    m_presence = Presence::Coming;
+    m_owesTutorial = false;
     m_startButton->mainText().setText(tr("Clean"));
     m_startButton->detailText().setText(tr("Click to free"));
     rebuildRecords();
@@ -100,16 +102,19 @@ void FreeSpaceViewController::viewDidAppear(bool)
     animateAlphaValue(*m_startButton, 1, kEntrance);
     animateAlphaValue(*m_legendImageView, 1, kEntrance);
     m_pieChart->setDrawShadow(true);
+    if (m_presence != Presence::Coming)
+        return; // left again before it had come in
+    m_presence = Presence::Shown;
     enableStartButton();
-    m_isShown = true;
     QTimer::singleShot(kPauseBeforeTutorial, this,
                        &FreeSpaceViewController::showTutorialUnlessDeclined);
 }
 
 void FreeSpaceViewController::showTutorialUnlessDeclined()
 {
+    m_owesTutorial = isShown() && m_isAsking;
     // A page that has left the window meanwhile has none to show a sheet on.
-    if (view()->isVisible() && !m_isAsking && !m_isCleaning &&
+    if (isShown() && view()->isVisible() && !m_isAsking && !m_isCleaning &&
         !m_services.defaults.boolean(VNTHideDemoWindowString))
         presentSheet(*view(), *demoWindowController().window());
 }
@@ -124,7 +129,7 @@ DemoWindowController &FreeSpaceViewController::demoWindowController()
 
 void FreeSpaceViewController::viewWillDisappear(bool)
 {
-    m_isShown = false;
+    m_presence = Presence::Away;
     forgetHover();
     m_reveal.stop();
     m_describing.stop();

@@ -43,9 +43,11 @@ public:
         ExcludedFilesChangedNotification &excludedFilesChanged;
         std::function<FileUrl()> homeFolder;
         /// Goes on once it is known that work would be done in the very folder that the user
-        /// granted; asked before files are picked and before a cleaning. Tells the user when not.
-        /// Of several, only the latest goes on.
-        std::function<void(std::function<void()> then)> whenGrantIsUsable;
+        /// granted; asked before files are picked and before a cleaning. Otherwise tells the user,
+        /// and then the caller. Of several, only the latest is answered, and none once the page is
+        /// left.
+        std::function<void(std::function<void()> then, std::function<void()> otherwise)>
+            whenGrantIsUsable;
         LabelController::Reader readVolume = startUpVolumeSizes;
     };
 
@@ -99,6 +101,11 @@ Q_SIGNALS:
     void tells(const Alert &alert);
 
 private:
+    enum class Presence {
+        Away,   ///< also on its way out
+        Coming, ///< on its way in
+        Shown,
+    };
     struct HomeFindings
     {
         HomeLayout layout;
@@ -106,6 +113,7 @@ private:
     };
 
     void connectOutlets();
+    bool isShown() const { return m_presence == Presence::Shown; }
     void showTutorialUnlessDeclined();
     void makeHoverButtons();
     void rebuildRecords();
@@ -117,6 +125,7 @@ private:
     void programsWereFound(const ProgramsInUse &inUse);
     void lookAgainAndConfirm();
     void measureAndConfirm();
+    void beginAsking();
     void endAsking();
     QStringList programsInUse(SliceKind kind) const;
     void offerReveal(int index);
@@ -156,9 +165,11 @@ private:
     std::unique_ptr<DemoWindowController> m_demoWindowController;
     std::unique_ptr<LargeFilesWindowController> m_largeFilesWindowController;
     std::optional<AccessScope> m_pickingAccess; ///< held while the sheet of large files is up
-    bool m_isAsking = false; ///< from the press of the button to the answer of the confirmation
+    /// From the press of the button until the cleaning begins, or does not.
+    bool m_isAsking = false;
     bool m_isCleaning = false;
-    bool m_isShown = false; ///< has appeared and is not on its way out
+    bool m_owesTutorial = false; ///< its time came while something was asked
+    Presence m_presence = Presence::Away;
     PieChart *m_pieChart = nullptr;
     StartButton *m_startButton = nullptr;
     QWidget *m_legendImageView = nullptr;

@@ -26,6 +26,8 @@ struct ProgramLock
     Style style = Style::HostLink;
     /// The folder that holds the lock, relative to the home; the name in the process list.
     QByteArray place;
+
+    friend bool operator==(const ProgramLock &, const ProgramLock &) = default;
 };
 
 /// Places that belong to one program, and how to see whether it is using them.
@@ -34,6 +36,8 @@ struct ProgramFiles
     QString program; ///< for people
     ProgramLock lock;
     FileUrls places;
+
+    friend bool operator==(const ProgramFiles &, const ProgramFiles &) = default;
 };
 
 /// What is where in one home. A value, made when the home is looked at: a place that appears later

@@ -32,6 +32,8 @@ public:
     /// The names of those that keep some of these locations or something inside, each once.
     QStringList programs(const FileUrls &locations) const;
 
+    friend bool operator==(const ProgramsInUse &, const ProgramsInUse &) = default;
+
 private:
     QList<ProgramFiles> m_programs;
 };

@@ -66,8 +66,9 @@ protected:
     void firefoxEnds();
     QString description(SliceKind kind);
 
-    bool m_holdsGrant = false; ///< whether the look at the grant hangs
-    std::function<void()> m_held;
+    bool m_holdsGrant = false;       ///< whether the look at the grant hangs
+    std::function<void()> m_held;    ///< goes on after it
+    std::function<void()> m_refused; ///< or does not
     std::unique_ptr<PageFixture> m_fixture;
     ListingGate m_listings;
     std::atomic<int> m_count = 0; ///< of the calls for folders and entries
@@ -90,6 +91,8 @@ inline void FreeSpaceHomeTest::begin()
     m_delegate.moves.clear();
     m_isSilent = false;
     m_holdsGrant = false;
+    m_held = nullptr;
+    m_refused = nullptr;
     m_fixture = std::make_unique<PageFixture>(HomeKind::Freedesktop);
     m_fixture->grantHome();
     m_fixture->makeFile(".cache/a", 2'000'000);
@@ -105,7 +108,8 @@ inline void FreeSpaceHomeTest::begin()
         FreeSpaceViewController::Services{m_fixture->defaults(), m_calls, ResourceManager::access(),
                                           m_fixture->workspace(), m_excludedFilesChanged,
                                           &ResourceManager::homeFolder,
-                                          [this](const auto &then) {
+                                          [this](const auto &then, const auto &otherwise) {
+                                              m_refused = otherwise;
                                               if (m_holdsGrant)
                                                   m_held = then;
                                               else

@@ -71,7 +71,7 @@ void TestFreeSpaceCleaning::init()
         FreeSpaceViewController::Services{
             m_fixture->defaults(), m_calls, ResourceManager::access(), m_fixture->workspace(),
             m_excludedFilesChanged, &ResourceManager::homeFolder,
-            [this](const auto &then) { goOn(then); }, PageFixture::madeVolume()});
+            [this](const auto &then, const auto &) { goOn(then); }, PageFixture::madeVolume()});
     m_page->setDelegate(&m_delegate);
     m_page->view()->show();
     QVERIFY(QTest::qWaitForWindowExposed(m_page->view()));

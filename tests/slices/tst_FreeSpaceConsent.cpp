@@ -1,4 +1,9 @@
+#include "prefs/DemoWindowController.h"
 #include "tests/slices/FreeSpaceHomeTest.h"
+
+#include <QSignalSpy>
+#include <QTimer>
+#include <utility>
 
 /// That just what was confirmed is cleaned, whatever happens before, during and after the question.
 class TestFreeSpaceConsent final : public FreeSpaceHomeTest
@@ -14,13 +19,18 @@ private Q_SLOTS:
     void keepsWhatWasExcludedWhenItWasConfirmed();
     void namesTheSizeAnewWhenItAsksAgain();
     void asksOnceHoweverOftenTheButtonIsPressed();
+    void mayBeAskedAgainWhenTheGrantIsOfNoUse();
+    void showsThatItLooksUntilWhatWasConfirmedBegins();
+    void showsTheTutorialAfterAQuestionThatWasInItsWay();
     void picksNothingWhileItAsks();
+    void picksNothingWhileTheGrantIsLookedAt();
     void asksNothingWhileFilesArePicked();
     void showsThatItLooks();
     void forgetsTheQuestionWhenThePageIsLeft();
 
 private:
     bool confirm() { return pressSheetButton(*m_page->view(), QStringLiteral("Delete Files")); }
+    QString detailText() const { return m_page->startButton()->detailText().text(); }
     bool isAsking()
     {
         return hasSheet(*m_page->view()) &&
@@ -118,17 +128,69 @@ void TestFreeSpaceConsent::asksOnceHoweverOftenTheButtonIsPressed()
 {
     appear();
     QTRY_COMPARE(m_page->selection().totalSize(), 4'500'000);
-    m_page->next();
     m_holdsGrant = true;
     m_page->next();
-    m_holdsGrant = false;
+    const std::function<void()> first = std::exchange(m_held, nullptr);
+    m_page->next();
+    QVERIFY(!m_held);
+    first();
     QTRY_VERIFY(isAsking());
-    if (m_held)
-        m_held(); // the answer to the second press comes after the question
+    m_page->next();
+    QVERIFY(!m_held);
     QVERIFY(pressSheetButton(*m_page->view(), QStringLiteral("Cancel")));
     QTRY_VERIFY(!hasSheet(*m_page->view()));
     m_page->next(); // and may be asked anew
+    QVERIFY(m_held);
+}
+
+void TestFreeSpaceConsent::mayBeAskedAgainWhenTheGrantIsOfNoUse()
+{
+    appear();
+    QTRY_COMPARE(m_page->selection().totalSize(), 4'500'000);
+    m_holdsGrant = true;
+    m_page->next();
+    QCOMPARE(detailText(), QStringLiteral("Looking…"));
+    m_refused();
+    QCOMPARE(detailText(), QStringLiteral("Click to free"));
+    m_holdsGrant = false;
+    m_page->next();
     QTRY_VERIFY(isAsking());
+}
+
+/// The folder's disk takes its time to answer.
+void TestFreeSpaceConsent::showsThatItLooksUntilWhatWasConfirmedBegins()
+{
+    appear();
+    QTRY_COMPARE(m_page->selection().totalSize(), 4'500'000);
+    m_page->next();
+    QTRY_VERIFY(isAsking());
+    m_holdsGrant = true;
+    QVERIFY(confirm());
+    QTRY_VERIFY(m_held);
+    QCOMPARE(detailText(), QStringLiteral("Looking…"));
+    const std::function<void()> goOn = std::exchange(m_held, nullptr);
+    m_page->next();
+    QVERIFY(!m_held && !hasSheet(*m_page->view()));
+    goOn();
+    QTRY_COMPARE(m_delegate.moves.size(), 1);
+}
+
+void TestFreeSpaceConsent::showsTheTutorialAfterAQuestionThatWasInItsWay()
+{
+    m_fixture->defaults().setBoolean(VNTHideDemoWindowString, false);
+    appear();
+    m_page->next();
+    QTRY_VERIFY(isAsking());
+    QTimer later; // started after the page's own, it fires after it
+    later.setSingleShot(true);
+    QSignalSpy fired(&later, &QTimer::timeout);
+    later.start(std::chrono::milliseconds(1100));
+    QVERIFY(fired.wait());
+    QVERIFY(isAsking());
+    QVERIFY(pressSheetButton(*m_page->view(), QStringLiteral("Cancel")));
+    QTRY_VERIFY(hasSheet(*m_page->view()) &&
+                sheetPanel(*m_page->view()) == m_page->demoWindowController().window());
+    QVERIFY(pressSheetButton(*m_page->view(), QStringLiteral("OK")));
 }
 
 void TestFreeSpaceConsent::picksNothingWhileItAsks()
@@ -149,16 +211,26 @@ void TestFreeSpaceConsent::picksNothingWhileItAsks()
     QVERIFY(m_fixture->exists("Videos/film.mov"));
 }
 
-void TestFreeSpaceConsent::asksNothingWhileFilesArePicked()
+void TestFreeSpaceConsent::picksNothingWhileTheGrantIsLookedAt()
 {
     appear();
     QTRY_COMPARE(m_page->selection().totalSize(), 4'500'000);
     m_holdsGrant = true;
     m_page->next();
-    m_holdsGrant = false;
+    const std::function<void()> goOn = std::exchange(m_held, nullptr);
+    pickLargeFiles();
+    QVERIFY(!m_held);
+    goOn();
+    QTRY_VERIFY(isAsking());
+}
+
+void TestFreeSpaceConsent::asksNothingWhileFilesArePicked()
+{
+    appear();
+    QTRY_COMPARE(m_page->selection().totalSize(), 4'500'000);
     pickLargeFiles();
     QTRY_VERIFY(hasSheet(*m_page->view()));
-    m_held(); // the answer to the press comes when the picker is up
+    m_page->next();
     m_page->largeFilesWindowController().cancel();
     QTRY_VERIFY(!hasSheet(*m_page->view()));
     m_page->next();
@@ -170,10 +242,9 @@ void TestFreeSpaceConsent::showsThatItLooks()
     appear();
     QTRY_COMPARE(m_page->selection().totalSize(), 4'500'000);
     m_page->next();
-    QCOMPARE(m_page->startButton()->detailText().text(), QStringLiteral("Looking…"));
+    QCOMPARE(detailText(), QStringLiteral("Looking…"));
     QTRY_VERIFY(isAsking());
-    QVERIFY(pressSheetButton(*m_page->view(), QStringLiteral("Cancel")));
-    QTRY_COMPARE(m_page->startButton()->detailText().text(), QStringLiteral("Click to free"));
+    QCOMPARE(detailText(), QStringLiteral("Click to free"));
 }
 
 void TestFreeSpaceConsent::forgetsTheQuestionWhenThePageIsLeft()

@@ -75,7 +75,7 @@ void TestFreeSpaceLargeFiles::init()
         FreeSpaceViewController::Services{m_fixture->defaults(), hostSystemCalls(),
                                           ResourceManager::access(), m_fixture->workspace(),
                                           m_excludedFilesChanged, &ResourceManager::homeFolder,
-                                          [this](const auto &then) {
+                                          [this](const auto &then, const auto &) {
                                               if (m_grantIsUsable)
                                                   then();
                                           },

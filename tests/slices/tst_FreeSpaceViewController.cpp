@@ -51,6 +51,7 @@ private Q_SLOTS:
     void storesTheSelectionWhenItDisappears();
     void showsTheTutorialAfterASecond();
     void showsNoTutorialOnceItHasLeftTheWindow();
+    void staysAwayWhenItIsLeftBeforeItHasComeIn();
     void asksForNoCleaningOnItsWayOut();
 
 private:
@@ -75,7 +76,7 @@ void TestFreeSpaceViewController::init()
         FreeSpaceViewController::Services{
             m_fixture->defaults(), m_disk.calls(), ResourceManager::access(),
             m_fixture->workspace(), m_excludedFilesChanged, &ResourceManager::homeFolder,
-            [](const auto &then) { then(); }, PageFixture::madeVolume()});
+            [](const auto &then, const auto &) { then(); }, PageFixture::madeVolume()});
     m_page->setDelegate(&m_delegate);
     m_page->view()->show();
     QVERIFY(QTest::qWaitForWindowExposed(m_page->view()));
@@ -268,6 +269,9 @@ void TestFreeSpaceViewController::offersToRevealOldUpdatesWhenThereAreAny()
     const QWidget &reveal = *m_page->hoverButtons()->showInFinderButton();
     hover(SliceKind::OldIos);
     QVERIFY(m_page->hoverButtons()->infoButton()->isVisible());
+    QTRY_COMPARE(ResourceManager::accessCount(), 0); // the disk has been looked at
+    QCoreApplication::processEvents();
+    QVERIFY(!reveal.isVisible());
     m_page->didHoverOverSliceAtIndex(*m_page->pieChart(), -1);
     m_fixture->makeFolder("Library/iTunes/iPod Software Updates");
     hover(SliceKind::OldIos);
@@ -363,6 +367,19 @@ void TestFreeSpaceViewController::asksForNoCleaningOnItsWayOut()
     QVERIFY(!m_page->startButton()->isEnabled());
     m_page->next();
     QVERIFY(!hasSheet(*m_page->view()));
+}
+
+/// The way back is open while the page fades in; the end of the fade comes all the same.
+void TestFreeSpaceViewController::staysAwayWhenItIsLeftBeforeItHasComeIn()
+{
+    m_page->viewWillAppear(true);
+    m_page->viewWillDisappear(true);
+    m_page->viewDidAppear(true);
+    QVERIFY(!m_page->startButton()->isEnabled());
+    m_page->next();
+    QVERIFY(!hasSheet(*m_page->view()));
+    appear();
+    QVERIFY(m_page->startButton()->isEnabled());
 }
 
 VANTOR_GUI_TEST_MAIN(TestFreeSpaceViewController)
