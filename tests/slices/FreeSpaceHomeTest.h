@@ -28,8 +28,8 @@
 #include <mutex>
 #include <unistd.h>
 
-/// Where listings wait while it is closed. Lives as long as whoever may stand before it.
-class ListingGate final
+/// Where calls to the disk wait while it is closed. Lives as long as whoever may stand before it.
+class DiskGate final
 {
 public:
     void close() { set(false); }
@@ -70,13 +70,16 @@ protected:
     std::function<void()> m_held;    ///< goes on after it
     std::function<void()> m_refused; ///< or does not
     std::unique_ptr<PageFixture> m_fixture;
-    ListingGate m_listings;
+    DiskGate m_folders; ///< before they are opened
+    DiskGate m_listings;
     std::atomic<int> m_count = 0; ///< of the calls for folders and entries
     bool m_isSilent = false;      ///< whether nobody can tell what kind of home it is
     WatchedSystemCalls m_calls{[this](int, WatchedCall call, const char *name) {
         ++m_count;
         if (m_isSilent && qstrcmp(name, "Library") == 0)
             return EIO;
+        if (call == WatchedCall::OpenFolder)
+            m_folders.pass();
         if (call == WatchedCall::ReadEntries)
             m_listings.pass();
         return 0;
@@ -123,6 +126,7 @@ inline void FreeSpaceHomeTest::begin()
 
 inline void FreeSpaceHomeTest::end()
 {
+    m_folders.open();
     m_listings.open();
     m_page.reset();
     QVERIFY(QThreadPool::globalInstance()->waitForDone());

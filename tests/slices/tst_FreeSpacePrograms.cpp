@@ -12,6 +12,8 @@ private Q_SLOTS:
     void leavesOutWhatARunningBrowserUses();
     void leavesOutTheCacheOfARunningBrowser();
     void describesTheProgramsThatRunAtThatMoment();
+    void explainsNothingOfASliceThatThePointerHasLeft();
+    void asksNothingOnceAllIsSwitchedOff();
     void doesNotWaitForSlicesThatAreOff();
     void looksForProgramsAgainBeforeItAsks();
     void givesBackWhatAnEndedProgramUsed();
@@ -73,6 +75,35 @@ void TestFreeSpacePrograms::describesTheProgramsThatRunAtThatMoment()
     QTRY_COMPARE(m_page->selection().totalSize(), 4'000'000); // as it is described
     firefoxEnds();
     QVERIFY(!description(SliceKind::BrowserData).contains(QStringLiteral("in use")));
+}
+
+void TestFreeSpacePrograms::explainsNothingOfASliceThatThePointerHasLeft()
+{
+    appear();
+    QTRY_COMPARE(m_page->selection().totalSize(), 4'500'000);
+    QTRY_COMPARE(ResourceManager::accessCount(), 0);
+    m_folders.close();
+    m_page->didHoverOverSliceAtIndex(*m_page->pieChart(), indexOf(SliceKind::BrowserData));
+    m_page->showInfo();
+    QTRY_COMPARE(ResourceManager::accessCount(), 1); // programs are looked for
+    m_page->didHoverOverSliceAtIndex(*m_page->pieChart(), indexOf(SliceKind::Cache));
+    m_folders.open();
+    QTRY_COMPARE(ResourceManager::accessCount(), 0);
+    QCoreApplication::processEvents(); // the answer
+    QVERIFY(!m_page->view()->window()->findChild<Popover *>());
+}
+
+void TestFreeSpacePrograms::asksNothingOnceAllIsSwitchedOff()
+{
+    appear();
+    QTRY_COMPARE(m_page->selection().totalSize(), 4'500'000);
+    m_folders.close();
+    m_page->next();
+    m_page->didSelectSliceAtIndex(*m_page->pieChart(), indexOf(SliceKind::BrowserData));
+    QVERIFY(!m_page->selection().somethingIsSelected());
+    m_folders.open();
+    QTRY_COMPARE(m_page->startButton()->detailText().text(), QStringLiteral("Click to free"));
+    QVERIFY(!hasSheet(*m_page->view()));
 }
 
 /// The cache is off, and its measure hangs.
