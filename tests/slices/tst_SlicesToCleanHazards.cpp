@@ -9,6 +9,9 @@ const QByteArrayList kBait{
     ".ssh/id",
     ".gnupg/secring",
     "Documents/Trash/files/x",
+    "Papers/Trash/files/x",
+    "Papers/Trash/info/x",
+    "Papers/cache/x",
     "Documents/Trash/info/x",
     "Documents/cache/x",
     "Downloads/Trash/files/x",
@@ -52,16 +55,16 @@ void TestSlicesToCleanHazards::isLedNowhereByTheUsersFile_data()
     row("around the home", "$HOME/..");
     row("beside the home", "$HOME/../elsewhere");
     row("beside the home, named like it", "HOME2");
-    row("out and in again", "$HOME/../anna/Documents");
+    row("out and in again", "$HOME/../anna/Papers");
     row("everything", "/");
     row("elsewhere", "/etc");
-    row("relative", "Documents");
-    row("another variable", "$HOMES/Documents");
-    row("a command", "$HOME/$(echo Documents)");
-    row("a command in other words", "$HOME/`echo Documents`");
+    row("relative", "Papers");
+    row("another variable", "$HOMES/Papers");
+    row("a command", "$HOME/$(echo Papers)");
+    row("a command in other words", "$HOME/`echo Papers`");
     row("a quote that ends early", "$HOME/Doc\"uments");
-    row("a line that goes on", "$HOME/Documents\" \"$HOME/Music");
-    row("the end of a text within", QByteArray("$HOME/Documents\0x", 17));
+    row("a line that goes on", "$HOME/Papers\" \"$HOME/Music");
+    row("the end of a text within", QByteArray("$HOME/Papers\0x", 14));
     row("the documents", "$HOME/Documents");
     row("hidden", "$HOME/.ssh");
     row("in the hidden", "$HOME/.gnupg/private");
@@ -100,10 +103,10 @@ void TestSlicesToCleanHazards::isLedNowhereByTheEnvironment_data()
     row("around the home", "HOME/..", "HOME/..");
     row("beside the home", "HOME/../elsewhere", "HOME/../elsewhere/cache");
     row("beside the home, named like it", "HOME2", "HOME2/cache");
-    row("out and in again", "HOME/../anna/Downloads", "HOME/../anna/Documents/cache");
+    row("out and in again", "HOME/../anna/Papers", "HOME/../anna/Papers/cache");
     row("everything", "/", "/");
     row("elsewhere", "/usr/share", "/var/cache");
-    row("relative", "Documents", "Documents/cache");
+    row("relative", "Papers", "Papers/cache");
     row("the documents", "HOME/Documents", "HOME/Documents");
     row("among the documents", "HOME/Documents", "HOME/Documents/cache");
     row("among the downloads", "HOME/Downloads", "HOME/Downloads/cache");
