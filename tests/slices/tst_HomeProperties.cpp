@@ -1,9 +1,6 @@
 #include "slices/FolderSizing.h"
-#include "slices/Info.h"
-#include "slices/RecordPlaces.h"
-#include "slices/SlicesToClean.h"
+#include "tests/slices/PlanKit.h"
 #include "tests/slices/RandomHome.h"
-#include "tests/support/ForwardingSystemCalls.h"
 #include "tests/support/TestMain.h"
 
 #include <QFileInfo>
@@ -29,18 +26,11 @@ private:
 CleaningPlan planFor(const RandomHome &made)
 {
     const RunningPrograms calls(made.running);
-    const HomeLayout layout = made.home.survey(made.environment);
-    std::vector<std::shared_ptr<Info>> records;
-    for (const SliceDescription &slice : sliceCatalogue())
-        records.push_back(
-            Info::infoWithName(QString::fromUtf16(slice.name), layout.locations(slice.kind)));
-    placeRecords(records, layout, ProgramsInUse::find(calls, made.home.access(), layout));
     FileUrls excluded;
     for (const QByteArray &path : made.excluded)
         excluded.append(FileUrl::fromPath(
             made.home.path(path), path.endsWith('/') ? FileUrlKind::Folder : FileUrlKind::File));
-    return makeCleaningPlan(calls, made.home.access(), slicesToClean(layout, records),
-                            excluding(excluded));
+    return planOfEverything(made.home, made.home.survey(made.environment), excluded, calls);
 }
 
 /// Whether an excluded path keeps this one: what it holds, what holds it, and, by the texts of the
