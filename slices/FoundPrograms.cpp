@@ -1,6 +1,7 @@
 #include "slices/FoundPrograms.h"
 
-#include <algorithm>
+#include "slices/BrowserProfiles.h"
+
 #include <array>
 
 namespace {
@@ -157,12 +158,6 @@ QByteArrayList databasesIn(const HomeReader &home, const QByteArray &profile, co
     return home.filesAmong(paths);
 }
 
-bool isChromiumProfile(const QByteArray &path)
-{
-    const QByteArray name = path.sliced(path.lastIndexOf('/') + 1);
-    return name == "Default" || name.startsWith("Profile ");
-}
-
 void addChromium(std::vector<FoundProgram> &found, const HomeReader &home,
                  const ChromiumFolder &folder)
 {
@@ -171,23 +166,27 @@ void addChromium(std::vector<FoundProgram> &found, const HomeReader &home,
     FoundProgram program{
         QString::fromLatin1(folder.program), {folder.lock, folder.profiles}, {}, {folder.cache}};
     if (folder.files == Files::Known) {
-        for (const QByteArray &profile : home.foldersMatching(QByteArray(folder.profiles) + "/*")) {
-            if (isChromiumProfile(profile))
-                program.files += databasesIn(home, profile, kChromiumFiles);
-        }
+        for (const QByteArray &profile : chromiumProfiles(home, folder.profiles))
+            program.files += databasesIn(home, profile, kChromiumFiles);
     }
     found.push_back(std::move(program));
 }
 
-/// Among the profiles lie folders of other kinds, in which neither files nor a lock are found.
+/// A lock keeps the cache also where it is found in a folder that no list of profiles names.
 void addFirefox(std::vector<FoundProgram> &found, const HomeReader &home,
                 const FirefoxFolder &folder)
 {
-    for (const QByteArray &profile : home.foldersMatching(QByteArray(folder.profiles) + "/*")) {
+    const QByteArrayList profiles = firefoxProfiles(home, folder.profiles);
+    QByteArrayList places = home.foldersMatching(QByteArray(folder.profiles) + "/*");
+    for (const QByteArray &profile : profiles) {
+        if (!places.contains(profile))
+            places.append(profile);
+    }
+    for (const QByteArray &place : places) {
         FoundProgram program{
-            QString::fromLatin1(folder.program), {Style::ParentLock, profile}, {}, {folder.cache}};
-        if (folder.files == Files::Known)
-            program.files = databasesIn(home, profile, kFirefoxFiles);
+            QString::fromLatin1(folder.program), {Style::ParentLock, place}, {}, {folder.cache}};
+        if (folder.files == Files::Known && profiles.contains(place))
+            program.files = databasesIn(home, place, kFirefoxFiles);
         found.push_back(std::move(program));
     }
 }

@@ -232,11 +232,13 @@ void TestHomeSurvey::findsEveryBrowserProfile()
         ".mozilla/firefox/ab.default/places.sqlite",
         ".mozilla/firefox/ab.default/logins.json",
         ".mozilla/firefox/ab.default/key4.db",
-        ".mozilla/firefox/profiles.ini",
         ".mozilla/firefox/cd.work/formhistory.sqlite",
         ".var/app/org.mozilla.firefox/.mozilla/firefox/ef/cookies.sqlite",
         "snap/firefox/common/.mozilla/firefox/gh/formhistory.sqlite",
     });
+    home.nameFirefoxProfiles({"cd.work", "ab.default"});
+    home.nameFirefoxProfiles({"ef"}, ".var/app/org.mozilla.firefox/.mozilla/firefox");
+    home.nameFirefoxProfiles({"gh"}, "snap/firefox/common/.mozilla/firefox");
     const HomeLayout layout = home.survey();
     QCOMPARE(locationsOf(home, layout)[SliceKind::BrowserData],
              QByteArrayList({

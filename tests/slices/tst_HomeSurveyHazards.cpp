@@ -116,6 +116,7 @@ void TestHomeSurveyHazards::followsNoLink()
                    ".mozilla/firefox/ab/cookies.sqlite",
                    ".config/chromium/Default/Network/Cookies"};
     const MadeHome home(everything);
+    home.nameFirefoxProfiles({"ab"});
     const Found before = locationsOf(home, home.survey());
     Found expected = before;
     for (auto &[kind, paths] : expected)

@@ -145,6 +145,7 @@ void TestProgramsInUse::judgesTheLocksOfAFirefox()
     QFETCH(const bool, isLocked);
     QFETCH(const bool, isInUse);
     const MadeHome home({".mozilla/firefox/a/cookies.sqlite"});
+    home.nameFirefoxProfiles({"a"});
     if (hasFile)
         home.make(".mozilla/firefox/a/.parentlock");
     if (!link.isEmpty())
@@ -167,6 +168,7 @@ void TestProgramsInUse::leavesOutTheFilesOfTheOneProfileAlone()
 {
     const MadeHome home({".mozilla/firefox/a/cookies.sqlite", ".mozilla/firefox/b/cookies.sqlite",
                          ".config/chromium/Default/History"});
+    home.nameFirefoxProfiles({"a", "b"});
     home.link(".mozilla/firefox/b/lock", "127.0.1.1:+77");
     const HomeLayout layout = home.survey();
     QCOMPARE(
@@ -313,6 +315,7 @@ void TestProgramsInUse::tellsWhatIsInUseAtThisMoment()
 {
     const MadeHome home({".cache/mozilla/x", ".mozilla/firefox/a/cookies.sqlite",
                          ".mozilla/firefox/b/cookies.sqlite"});
+    home.nameFirefoxProfiles({"a", "b"});
     const HomeLayout layout = home.survey();
     const auto inUse = [&](const QByteArray &path, FileUrlKind kind) {
         const FileUrl url = home.url().appending(path, kind);
@@ -331,6 +334,7 @@ void TestProgramsInUse::tellsWhatIsInUseAtThisMoment()
 void TestProgramsInUse::namesEachProgramOnce()
 {
     const MadeHome home({".mozilla/firefox/a/cookies.sqlite", ".mozilla/firefox/b/cookies.sqlite"});
+    home.nameFirefoxProfiles({"a", "b"});
     home.link(".mozilla/firefox/a/lock", "127.0.1.1:+77");
     home.link(".mozilla/firefox/b/lock", "127.0.1.1:+77");
     QCOMPARE(found(home).programs(places(home.survey(), SliceKind::BrowserData)),
@@ -348,6 +352,7 @@ void TestProgramsInUse::takesWhatCannotBeToldForRunning()
 {
     QFETCH(const QByteArray, call);
     const MadeHome home({".mozilla/firefox/a/cookies.sqlite", ".mozilla/firefox/a/.parentlock"});
+    home.nameFirefoxProfiles({"a"});
     QVERIFY(!isFirefoxInUse(home));
     m_machine->setHook([&](int, std::string_view name) { return name == call.data() ? EIO : 0; });
     QVERIFY(isFirefoxInUse(home));
