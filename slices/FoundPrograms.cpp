@@ -83,8 +83,8 @@ constexpr std::array kFirefoxFolders{
 /// Not "places.sqlite", the history: it holds the bookmarks too.
 constexpr std::array kFirefoxFiles{"cookies.sqlite", "formhistory.sqlite"};
 
-/// A program that is known by its processes, as the process list shows them. Also one with a lock
-/// is: its profile may be behind a link, or named when it was started, or not there yet.
+/// A program that is known by its processes, by their whole names. Also one with a lock is: its
+/// profile may be behind a link, or named when it was started, or not there yet.
 struct Processes
 {
     const char *program;
@@ -103,8 +103,9 @@ constexpr std::array kProcesses{
               {"chrome"},
               {"google-chrome", "google-chrome-beta", "google-chrome-unstable",
                ".var/app/com.google.Chrome/cache", ".var/app/com.google.ChromeDev/cache"}},
+    // In a sandbox it often goes by the name of the other.
     Processes{"Chromium",
-              {"chromium", "chromium-browse"},
+              {"chromium", "chromium-browser", "chrome"},
               {"chromium", ".var/app/org.chromium.Chromium/cache",
                ".var/app/io.github.ungoogled_software.ungoogled_chromium/cache",
                "snap/chromium/common/.cache"}},
@@ -123,7 +124,7 @@ constexpr std::array kProcesses{
               {"opera"},
               {"opera", ".var/app/com.opera.Opera/cache", "snap/opera/common/.cache"}},
     Processes{"GNOME Web",
-              {"epiphany", "epiphany-browse"},
+              {"epiphany", "epiphany-browser"},
               {"epiphany", ".var/app/org.gnome.Epiphany/cache"}},
     Processes{"Falkon", {"falkon"}, {"falkon", ".var/app/org.kde.falkon/cache"}},
     Processes{"Konqueror", {"konqueror"}, {"konqueror"}},
@@ -137,10 +138,11 @@ constexpr std::array kProcesses{
     // Its services run in every session of GNOME, and have the mail and the calendars that are kept
     // for use without a network open there.
     Processes{"Evolution",
-              {"evolution", "evolution-sourc", "evolution-calen", "evolution-addre"},
+              {"evolution", "evolution-source-registry", "evolution-calendar-factory",
+               "evolution-addressbook-factory"},
               {"evolution", ".var/app/org.gnome.Evolution/cache"}},
     Processes{"Geary", {"geary"}, {"geary", ".var/app/org.gnome.Geary/cache"}},
-    Processes{"KMail", {"kmail"}, {"kmail2", ".var/app/org.kde.kontact/cache"}},
+    Processes{"KMail", {"kmail", "kontact"}, {"kmail2", ".var/app/org.kde.kontact/cache"}},
 };
 
 constexpr std::array kJournalEndings{"-journal", "-wal", "-shm"};

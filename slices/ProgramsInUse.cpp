@@ -11,6 +11,9 @@ namespace {
 
 using Style = ProgramLock::Style;
 
+/// The process list cuts the names of processes, though not those of their files.
+constexpr qsizetype kLongestProcessName = 15;
+
 enum class Answer { Running, NotRunning };
 
 /// What an error says of a lock: it is not there, or it cannot be told.
@@ -94,7 +97,8 @@ private:
     {
         if (!m_names)
             m_names = m_calls.programNames();
-        return answerFor(!*m_names || m_names->value().contains(name));
+        return answerFor(!*m_names || m_names->value().contains(name) ||
+                         m_names->value().contains(name.left(kLongestProcessName)));
     }
     Answer askLock(const ProgramLock &lock) const
     {
