@@ -33,6 +33,17 @@ QByteArray nameOf(const fs::path &process)
     return QByteArray::fromStdString(name);
 }
 
+/// Empty where it cannot be read, as that of another user.
+QByteArray fileNameOf(const fs::path &process)
+{
+    constexpr QByteArrayView kGone(" (deleted)");
+    std::error_code ignored;
+    auto path = QByteArray::fromStdString(fs::read_symlink(process / "exe", ignored).native());
+    if (path.endsWith(kGone))
+        path.chop(kGone.size());
+    return path.sliced(path.lastIndexOf('/') + 1);
+}
+
 } // namespace
 
 bool isProcessRunning(std::int64_t process)
@@ -53,7 +64,7 @@ tl::expected<QByteArrayList, int> programNamesOf(uid_t user)
             continue;
         hasSeenAny = true;
         if (belongsTo(user, entry->path()))
-            names.append(nameOf(entry->path()));
+            names << nameOf(entry->path()) << fileNameOf(entry->path());
     }
     if (error || !hasSeenAny)
         return tl::unexpected(error ? error.value() : ENOENT);

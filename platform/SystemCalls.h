@@ -105,8 +105,8 @@ public:
     virtual SystemResult<bool> isLocked(int file) const = 0;
     /// Whether there is a process of this number, whoever's it is.
     virtual bool isRunning(std::int64_t process) const = 0;
-    /// The names of the programs that the acting user runs, as the process list shows them: their
-    /// first fifteen bytes. Looks at every process.
+    /// The names of the programs that the acting user runs: as the process list shows them, their
+    /// first fifteen bytes, and those of the files that hold them. Looks at every process.
     virtual SystemResult<QByteArrayList> programNames() const = 0;
     /// The name of this machine.
     virtual QByteArray hostName() const = 0;

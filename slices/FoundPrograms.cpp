@@ -1,6 +1,7 @@
 #include "slices/FoundPrograms.h"
 
-#include <algorithm>
+#include "slices/BrowserProfiles.h"
+
 #include <array>
 
 namespace {
@@ -82,8 +83,8 @@ constexpr std::array kFirefoxFolders{
 /// Not "places.sqlite", the history: it holds the bookmarks too.
 constexpr std::array kFirefoxFiles{"cookies.sqlite", "formhistory.sqlite"};
 
-/// A program that is known by its processes, as the process list shows them. Also one with a lock
-/// is: its profile may be behind a link, or named when it was started, or not there yet.
+/// A program that is known by its processes, by their whole names. Also one with a lock is: its
+/// profile may be behind a link, or named when it was started, or not there yet.
 struct Processes
 {
     const char *program;
@@ -102,8 +103,9 @@ constexpr std::array kProcesses{
               {"chrome"},
               {"google-chrome", "google-chrome-beta", "google-chrome-unstable",
                ".var/app/com.google.Chrome/cache", ".var/app/com.google.ChromeDev/cache"}},
+    // In a sandbox it often goes by the name of the other.
     Processes{"Chromium",
-              {"chromium", "chromium-browse"},
+              {"chromium", "chromium-browser", "chrome"},
               {"chromium", ".var/app/org.chromium.Chromium/cache",
                ".var/app/io.github.ungoogled_software.ungoogled_chromium/cache",
                "snap/chromium/common/.cache"}},
@@ -122,7 +124,7 @@ constexpr std::array kProcesses{
               {"opera"},
               {"opera", ".var/app/com.opera.Opera/cache", "snap/opera/common/.cache"}},
     Processes{"GNOME Web",
-              {"epiphany", "epiphany-browse"},
+              {"epiphany", "epiphany-browser"},
               {"epiphany", ".var/app/org.gnome.Epiphany/cache"}},
     Processes{"Falkon", {"falkon"}, {"falkon", ".var/app/org.kde.falkon/cache"}},
     Processes{"Konqueror", {"konqueror"}, {"konqueror"}},
@@ -136,10 +138,11 @@ constexpr std::array kProcesses{
     // Its services run in every session of GNOME, and have the mail and the calendars that are kept
     // for use without a network open there.
     Processes{"Evolution",
-              {"evolution", "evolution-sourc", "evolution-calen", "evolution-addre"},
+              {"evolution", "evolution-source-registry", "evolution-calendar-factory",
+               "evolution-addressbook-factory"},
               {"evolution", ".var/app/org.gnome.Evolution/cache"}},
     Processes{"Geary", {"geary"}, {"geary", ".var/app/org.gnome.Geary/cache"}},
-    Processes{"KMail", {"kmail"}, {"kmail2", ".var/app/org.kde.kontact/cache"}},
+    Processes{"KMail", {"kmail", "kontact"}, {"kmail2", ".var/app/org.kde.kontact/cache"}},
 };
 
 constexpr std::array kJournalEndings{"-journal", "-wal", "-shm"};
@@ -157,12 +160,6 @@ QByteArrayList databasesIn(const HomeReader &home, const QByteArray &profile, co
     return home.filesAmong(paths);
 }
 
-bool isChromiumProfile(const QByteArray &path)
-{
-    const QByteArray name = path.sliced(path.lastIndexOf('/') + 1);
-    return name == "Default" || name.startsWith("Profile ");
-}
-
 void addChromium(std::vector<FoundProgram> &found, const HomeReader &home,
                  const ChromiumFolder &folder)
 {
@@ -171,23 +168,27 @@ void addChromium(std::vector<FoundProgram> &found, const HomeReader &home,
     FoundProgram program{
         QString::fromLatin1(folder.program), {folder.lock, folder.profiles}, {}, {folder.cache}};
     if (folder.files == Files::Known) {
-        for (const QByteArray &profile : home.foldersMatching(QByteArray(folder.profiles) + "/*")) {
-            if (isChromiumProfile(profile))
-                program.files += databasesIn(home, profile, kChromiumFiles);
-        }
+        for (const QByteArray &profile : chromiumProfiles(home, folder.profiles))
+            program.files += databasesIn(home, profile, kChromiumFiles);
     }
     found.push_back(std::move(program));
 }
 
-/// Among the profiles lie folders of other kinds, in which neither files nor a lock are found.
+/// A lock keeps the cache also where it is found in a folder that no list of profiles names.
 void addFirefox(std::vector<FoundProgram> &found, const HomeReader &home,
                 const FirefoxFolder &folder)
 {
-    for (const QByteArray &profile : home.foldersMatching(QByteArray(folder.profiles) + "/*")) {
+    const QByteArrayList profiles = firefoxProfiles(home, folder.profiles);
+    QByteArrayList places = home.foldersMatching(QByteArray(folder.profiles) + "/*");
+    for (const QByteArray &profile : profiles) {
+        if (!places.contains(profile))
+            places.append(profile);
+    }
+    for (const QByteArray &place : places) {
         FoundProgram program{
-            QString::fromLatin1(folder.program), {Style::ParentLock, profile}, {}, {folder.cache}};
-        if (folder.files == Files::Known)
-            program.files = databasesIn(home, profile, kFirefoxFiles);
+            QString::fromLatin1(folder.program), {Style::ParentLock, place}, {}, {folder.cache}};
+        if (folder.files == Files::Known && profiles.contains(place))
+            program.files = databasesIn(home, place, kFirefoxFiles);
         found.push_back(std::move(program));
     }
 }

@@ -42,6 +42,17 @@ constexpr std::array kUpdateFolders{"iPad", "iPod", "iPhone"};
 /// Where programs from a store keep what is theirs, downloads too.
 constexpr auto kSandboxes = "snap";
 
+/// Whether these logs are a repository's, such as one of the user's dot files that has its work
+/// tree elsewhere: the record of what was in it before. Its parts may be links.
+bool areOfRepository(const HomeReader &reader, const QByteArray &logs)
+{
+    const QByteArray around = logs.first(logs.lastIndexOf('/') + 1);
+    const QByteArray head = around + "HEAD";
+    const QByteArray objects = around + "objects";
+    return (!reader.filesAmong({head}).isEmpty() || reader.linkAt(head)) &&
+           (reader.hasFolder(objects) || reader.linkAt(objects));
+}
+
 } // namespace
 
 FreedesktopSurvey::FreedesktopSurvey(const HomeReader &reader, const HomePaths &paths,
@@ -136,7 +147,7 @@ void FreedesktopSurvey::addAppLogs()
          {".local/share/xorg", ".npm/_logs", ".config/*/logs", ".local/share/*/logs",
           ".local/state/*/logs", ".var/app/*/config/*/logs"}) {
         for (const QByteArray &folder : m_reader.foldersMatching(pattern)) {
-            if (!mayHoldConversations(folder))
+            if (!mayHoldConversations(folder) && !areOfRepository(m_reader, folder))
                 add(SliceKind::AppLogs, folder);
         }
     }

@@ -24,7 +24,7 @@ struct ProgramLock
     };
 
     Style style = Style::HostLink;
-    /// The folder that holds the lock, relative to the home; the name in the process list.
+    /// The folder that holds the lock, relative to the home; the program's whole name.
     QByteArray place;
 
     friend bool operator==(const ProgramLock &, const ProgramLock &) = default;

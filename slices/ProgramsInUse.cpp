@@ -11,6 +11,9 @@ namespace {
 
 using Style = ProgramLock::Style;
 
+/// The process list cuts the names of processes, though not those of their files.
+constexpr qsizetype kLongestProcessName = 15;
+
 enum class Answer { Running, NotRunning };
 
 /// What an error says of a lock: it is not there, or it cannot be told.
@@ -36,14 +39,21 @@ Answer judgedHostLink(const SystemCalls &calls, const QByteArray &text, Style st
     return answerFor(calls.isRunning(process));
 }
 
-/// "address:+process". Without the plus the program had no lock on the file, for want of a file
-/// system that gives one; such a home may be in use from another machine.
-Answer judgedAddressLink(const SystemCalls &calls, const QByteArray &text)
+/// What the file with the record lock says. A lock that cannot be told is held.
+enum class RecordLock { NoFile, Free, Held };
+
+/// "address:+process". The plus says that the program had the record lock, which the system takes
+/// back when it ends: where the lock is free, a crash left the link, and the number, which may be
+/// that of a sandbox, is any other process's. Without the plus the program had no such lock, for
+/// want of a file system that gives one; such a home may be in use from another machine.
+Answer judgedAddressLink(const SystemCalls &calls, const QByteArray &text, RecordLock lock)
 {
     const qsizetype mark = text.lastIndexOf(":+");
     bool isNumber = false;
     const qint64 process = mark < 0 ? 0 : text.sliced(mark + 2).toLongLong(&isNumber);
-    return answerFor(!isNumber || process <= 0 || calls.isRunning(process));
+    if (!isNumber || process <= 0)
+        return Answer::Running;
+    return answerFor(lock == RecordLock::NoFile && calls.isRunning(process));
 }
 
 Answer askHostLink(const SystemCalls &calls, int folder, Style style)
@@ -52,15 +62,22 @@ Answer askHostLink(const SystemCalls &calls, int folder, Style style)
     return text ? judgedHostLink(calls, *text, style) : answerTo(text.error());
 }
 
-Answer askParentLock(const SystemCalls &calls, int folder)
+RecordLock recordLock(const SystemCalls &calls, int folder)
 {
     const auto file = calls.openFile(folder, ".parentlock");
-    if (!file && file.error() != ENOENT)
-        return Answer::Running;
-    if (file && calls.isLocked(file->get()).value_or(true))
-        return Answer::Running;
+    if (!file)
+        return file.error() == ENOENT ? RecordLock::NoFile : RecordLock::Held;
+    return calls.isLocked(file->get()).value_or(true) ? RecordLock::Held : RecordLock::Free;
+}
+
+Answer askParentLock(const SystemCalls &calls, int folder)
+{
+    // The link first: a program that is being started makes it when it has the lock.
     const auto text = calls.readLink(folder, "lock");
-    return text ? judgedAddressLink(calls, *text) : answerTo(text.error());
+    const RecordLock lock = recordLock(calls, folder);
+    if (lock == RecordLock::Held)
+        return Answer::Running;
+    return text ? judgedAddressLink(calls, *text, lock) : answerTo(text.error());
 }
 
 /// Asks each program, but for the list of all processes only once.
@@ -80,7 +97,8 @@ private:
     {
         if (!m_names)
             m_names = m_calls.programNames();
-        return answerFor(!*m_names || m_names->value().contains(name));
+        return answerFor(!*m_names || m_names->value().contains(name) ||
+                         m_names->value().contains(name.left(kLongestProcessName)));
     }
     Answer askLock(const ProgramLock &lock) const
     {

@@ -3,9 +3,13 @@
 #include "tests/support/ScratchFolder.h"
 #include "tests/support/TestMain.h"
 
+#include <QFile>
+#include <QStandardPaths>
+#include <array>
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
+#include <spawn.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -54,6 +58,45 @@ private:
     pid_t m_process = 0;
 };
 
+/// A program in a file of this path: a copy of one that waits for its input to end.
+class OtherProgram final
+{
+public:
+    explicit OtherProgram(const QByteArray &path)
+    {
+        const QString cat = QStandardPaths::findExecutable(QStringLiteral("cat"));
+        must(QFile::copy(cat, QFile::decodeName(path)), "a program");
+        must(::pipe2(m_input.data(), O_CLOEXEC) == 0, "a pipe");
+        posix_spawn_file_actions_t actions;
+        must(::posix_spawn_file_actions_init(&actions) == 0, "what to do with its input");
+        must(::posix_spawn_file_actions_adddup2(&actions, m_input[0], STDIN_FILENO) == 0, "input");
+        // By this name it knows what to do where one file holds many programs.
+        std::array<char, 4> name{"cat"};
+        std::array<char *, 2> words{name.data(), nullptr};
+        must(::posix_spawn(&m_process, path.constData(), &actions, nullptr, words.data(),
+                           environ) == 0,
+             "a process");
+        ::posix_spawn_file_actions_destroy(&actions);
+    }
+    ~OtherProgram() { end(); }
+    OtherProgram(const OtherProgram &) = delete;
+    OtherProgram &operator=(const OtherProgram &) = delete;
+
+    void end()
+    {
+        if (m_process > 0) {
+            ::close(m_input[0]);
+            ::close(m_input[1]);
+            ::waitpid(m_process, nullptr, 0);
+        }
+        m_process = 0;
+    }
+
+private:
+    std::array<int, 2> m_input{};
+    pid_t m_process = 0;
+};
+
 void takeName(const char *name)
 {
     ::prctl(PR_SET_NAME, name);
@@ -79,6 +122,7 @@ class TestProcessList final : public QObject
 private Q_SLOTS:
     void knowsWhichNumbersRun();
     void knowsWhichProgramsRun();
+    void knowsAProgramByItsFileToo();
     void seesTheLocksOfOthers();
     void readsALink();
 };
@@ -106,6 +150,24 @@ void TestProcessList::knowsWhichProgramsRun()
     OtherProcess other(takeName, name.constData());
     QVERIFY(isRunning(name));
     QVERIFY(!isRunning(name.chopped(1)));
+    other.end();
+    QVERIFY(!isRunning(name));
+}
+
+/// It may call itself anything, and the process list cuts its name.
+void TestProcessList::knowsAProgramByItsFileToo()
+{
+    const ScratchFolder place;
+    const QByteArray name = "mailer (of this test) " + QByteArray::number(::getpid());
+    const auto isRunning = [](const QByteArray &program) {
+        return hostSystemCalls().programNames()->contains(program);
+    };
+    QVERIFY(!isRunning(name));
+    OtherProgram other(place.path(name));
+    QVERIFY(isRunning(name));
+    QVERIFY(isRunning(name.first(15)));
+    QVERIFY(QFile::remove(QFile::decodeName(place.path(name)))); // as an update does
+    QVERIFY(isRunning(name));
     other.end();
     QVERIFY(!isRunning(name));
 }

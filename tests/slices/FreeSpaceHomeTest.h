@@ -9,6 +9,7 @@
 #include "prefs/Popover.h"
 #include "slices/FreeSpaceViewController.h"
 #include "slices/SliceHoverButtons.h"
+#include "tests/support/FirefoxProfiles.h"
 #include "tests/support/GuiTestMain.h"
 #include "tests/support/PageFixture.h"
 #include "tests/support/RecordingPageDelegate.h"
@@ -102,7 +103,7 @@ inline void FreeSpaceHomeTest::begin()
     m_fixture->makeFile(".local/share/Trash/files/b", 300'000);
     m_fixture->makeFile(".config/chromium/Default/History", 4'000'000);
     m_fixture->makeFile(".mozilla/firefox/x.default/cookies.sqlite", 500'000);
-    m_fixture->makeFile(".mozilla/firefox/x.default/.parentlock", 0);
+    listFirefoxProfiles(m_fixture->home() + "/.mozilla/firefox", {"x.default"});
     m_fixture->defaults().setBoolean(VNTHideDemoWindowString, true);
     m_fixture->defaults().setBooleans(VNTSelectedSlicesString,
                                       {false, false, false, false, false, false, false, true});
@@ -141,7 +142,8 @@ inline void FreeSpaceHomeTest::appear()
     QTRY_VERIFY(m_page->startButton()->isEnabled());
 }
 
-/// As far as its traces tell, Firefox is this very process.
+/// As far as its traces tell, Firefox is this very process: the link alone, as where the file with
+/// the record lock was lost.
 inline void FreeSpaceHomeTest::firefoxStarts()
 {
     m_fixture->folder().makeLink("anna/.mozilla/firefox/x.default/lock",

@@ -3,6 +3,7 @@
 #include "slices/HomeSurvey.h"
 #include "slices/ProgramsInUse.h"
 #include "tests/slices/CleaningKit.h"
+#include "tests/support/FirefoxProfiles.h"
 
 /// What the tests of freedesktop homes share: a made home of a few lines, and what is found in it.
 
@@ -29,6 +30,11 @@ public:
     void link(const QByteArray &path, const QByteArray &target) const
     {
         makeLink(this->path(path), target);
+    }
+    void nameFirefoxProfiles(const QByteArrayList &profiles,
+                             const QByteArray &folder = ".mozilla/firefox") const
+    {
+        listFirefoxProfiles(path(folder), profiles);
     }
     void nameUserDirs(const QByteArray &lines) const { make(".config/user-dirs.dirs", lines); }
 

@@ -46,6 +46,7 @@ inline const QByteArrayList kNamed{
 inline const QByteArrayList kFiles{
     ".config/chromium/Default/Cookies",
     ".config/chromium/Default/Network/Cookies",
+    ".config/chromium/Work/Cookies",
     ".mozilla/firefox/a/cookies.sqlite",
     ".mozilla/firefox/a/cookies.sqlite-wal",
     ".mozilla/firefox/b/cookies.sqlite",
@@ -62,6 +63,11 @@ inline const QByteArrayList kFiles{
     ".local/share/Trash/info/folder.trashinfo",
     ".local/share/Trash/info/item.trashinfo",
 };
+/// What the files of browsers call their profiles.
+inline const QByteArrayList kProfiles{"a",      "b",    "a/", "..", "../../Documents",
+                                      "a/../b", "/etc", ""};
+inline const QByteArray kLocalState =
+    R"({"profile":{"info_cache":{"Work":{},"..":{},"../..":{},"Work/Network":{}}}})";
 inline const QByteArrayList kVariables{"XDG_DOWNLOAD_DIR", "XDG_DOCUMENTS_DIR", "XDG_DESKTOP_DIR",
                                        "XDG_MUSIC_DIR"};
 
@@ -155,6 +161,10 @@ private:
             tryTo([&] { home.make(anyPath() + "/item"); });
         for (int i = 0; i < 5; ++i)
             tryTo([&] { home.make(oneOf(kFiles)); });
+        if (below(4) != 0)
+            tryTo([&] { home.nameFirefoxProfiles({oneOf(kProfiles), oneOf(kProfiles), "a"}); });
+        if (below(2) == 0)
+            tryTo([&] { home.make(".config/chromium/Local State", kLocalState); });
         for (int i = 0; i < 3; ++i)
             tryTo([&] { home.link(anyPath(), anyTarget()); });
         tryTo([&] { home.make("letter at the top"); });

@@ -32,6 +32,7 @@ private Q_SLOTS:
 void TestBrowserCleaning::removesNoFolderPutInThePlaceOfABrowsersFile()
 {
     const MadeHome home({".mozilla/firefox/a/cookies.sqlite"});
+    home.nameFirefoxProfiles({"a"});
     const HomeLayout layout = home.survey();
     const QByteArray place = home.path(".mozilla/firefox/a/cookies.sqlite");
     QVERIFY(::unlink(place.constData()) == 0);

@@ -4,6 +4,7 @@
 #include "slices/FolderSizing.h"
 #include "slices/HomeSurvey.h"
 #include "slices/Info.h"
+#include "tests/support/FirefoxProfiles.h"
 #include "tests/support/ForwardingSystemCalls.h"
 #include "tests/support/GuiTestMain.h"
 #include "tests/support/LogRecorder.h"
@@ -76,6 +77,7 @@ void TestCleaningJobInUse::init()
     m_fixture->makeFile(".config/chromium/Default/History", 5);
     m_fixture->makeFile(".mozilla/firefox/a/cookies.sqlite", 5);
     m_fixture->makeFile(".mozilla/firefox/a/formhistory.sqlite", 5);
+    listFirefoxProfiles(m_fixture->home() + "/.mozilla/firefox", {"a"});
 }
 
 void TestCleaningJobInUse::cleanup()

@@ -221,6 +221,7 @@ void fillPlacesByHand(const MadeHome &home)
     qsizetype size = 1;
     for (const QByteArray &file : files)
         home.make(file, QByteArray(size *= 2, 'x')); // no two sums of them are the same
+    home.nameFirefoxProfiles({"a"});
     ::chmod(home.path(".local/share/Trash/files/folder").constData(), 0500);
 }
 

@@ -41,6 +41,7 @@ private Q_SLOTS:
     void findsAPlainDesktop();
     void findsNothingInAnEmptyHome();
     void findsSandboxedPrograms();
+    void leavesTheLogsOfARepository();
     void followsARevisionOfASnapAlone();
     void findsTheUpdatesOfEveryUserOfWine();
     void findsAttachmentsButNoMail();
@@ -167,6 +168,30 @@ void TestHomeSurvey::findsSandboxedPrograms()
                                       QByteArrayList{".var/app/org.a.A/config/a/logs/"}}}));
 }
 
+/// They are all that tells of what was in it before, and lie beside its head and its objects.
+void TestHomeSurvey::leavesTheLogsOfARepository()
+{
+    MadeHome home;
+    for (const char *folder : {".config/dotfiles", ".config/.git", ".local/share/yadm.git",
+                               ".local/state/repo", ".var/app/org.a.A/config/repo"}) {
+        for (const char *path : {"/HEAD", "/objects/pack/", "/logs/HEAD"})
+            home.make(QByteArray(folder) + path);
+    }
+    home.make(".config/old/objects/pack/");
+    home.make(".config/old/logs/HEAD");
+    home.link(".config/old/HEAD", "refs/heads/main");
+    home.make(".config/large/HEAD");
+    home.make(".config/large/logs/HEAD");
+    home.link(".config/large/objects", home.outside("objects"));
+    for (const char *path :
+         {".config/a/HEAD", ".config/a/logs/x", ".config/b/objects/", ".config/b/logs/x",
+          ".config/c/HEAD/", ".config/c/objects/", ".config/c/logs/x"})
+        home.make(path);
+    QCOMPARE(
+        locationsOf(home, home.survey()),
+        (Found{{SliceKind::AppLogs, {".config/a/logs/", ".config/b/logs/", ".config/c/logs/"}}}));
+}
+
 void TestHomeSurvey::followsARevisionOfASnapAlone()
 {
     MadeHome home({"snap/a/current/.local/share/Trash/files/x", "snap/b/7/", "elsewhere/x",
@@ -232,11 +257,13 @@ void TestHomeSurvey::findsEveryBrowserProfile()
         ".mozilla/firefox/ab.default/places.sqlite",
         ".mozilla/firefox/ab.default/logins.json",
         ".mozilla/firefox/ab.default/key4.db",
-        ".mozilla/firefox/profiles.ini",
         ".mozilla/firefox/cd.work/formhistory.sqlite",
         ".var/app/org.mozilla.firefox/.mozilla/firefox/ef/cookies.sqlite",
         "snap/firefox/common/.mozilla/firefox/gh/formhistory.sqlite",
     });
+    home.nameFirefoxProfiles({"cd.work", "ab.default"});
+    home.nameFirefoxProfiles({"ef"}, ".var/app/org.mozilla.firefox/.mozilla/firefox");
+    home.nameFirefoxProfiles({"gh"}, "snap/firefox/common/.mozilla/firefox");
     const HomeLayout layout = home.survey();
     QCOMPARE(locationsOf(home, layout)[SliceKind::BrowserData],
              QByteArrayList({

@@ -1,27 +1,10 @@
 #include "tests/slices/HomeKit.h"
-#include "tests/support/ForwardingSystemCalls.h"
+#include "tests/slices/MadeMachine.h"
 #include "tests/support/TestMain.h"
 
 #include <cerrno>
-#include <set>
 
 namespace {
-
-/// A machine called "desk" on which just these run.
-class MadeMachine final : public ForwardingSystemCalls
-{
-public:
-    using ForwardingSystemCalls::ForwardingSystemCalls;
-
-    std::set<std::int64_t> processes;
-    SystemResult<QByteArrayList> programs;
-    SystemResult<bool> locked = false;
-
-    bool isRunning(std::int64_t process) const override { return processes.contains(process); }
-    SystemResult<QByteArrayList> programNames() const override { return programs; }
-    QByteArray hostName() const override { return "desk"; }
-    SystemResult<bool> isLocked(int) const override { return locked; }
-};
 
 FileUrls places(const HomeLayout &layout, SliceKind kind)
 {
@@ -43,6 +26,8 @@ private Q_SLOTS:
     void believesNoNumberOutOfASandbox();
     void judgesTheLocksOfAFirefox_data();
     void judgesTheLocksOfAFirefox();
+    void noticesAFirefoxThatIsBeingStarted_data();
+    void noticesAFirefoxThatIsBeingStarted();
     void looksForMailProgramsInTheProcessList();
     void leavesOutTheFilesOfTheOneProfileAlone();
     void leavesOutTheCacheOfASandboxedBrowser();
@@ -131,11 +116,16 @@ void TestProgramsInUse::judgesTheLocksOfAFirefox_data()
     QTest::newRow("running") << QByteArray("127.0.1.1:+77") << true << true << true;
     QTest::newRow("locked alone") << none << true << true << true;
     QTest::newRow("left by a crash") << QByteArray("127.0.1.1:+78") << true << false << false;
-    QTest::newRow("a process of that number")
-        << QByteArray("127.0.1.1:+77") << true << false << true;
+    QTest::newRow("left by a crash, its number taken")
+        << QByteArray("127.0.1.1:+77") << true << false << false;
+    QTest::newRow("its file lost") << QByteArray("127.0.1.1:+77") << false << false << true;
+    QTest::newRow("left by a crash, its file lost")
+        << QByteArray("127.0.1.1:+78") << false << false << false;
     QTest::newRow("without a record lock") << QByteArray("10.0.0.9:78") << true << false << true;
     QTest::newRow("nonsense") << QByteArray("?") << true << false << true;
     QTest::newRow("no number") << QByteArray("127.0.1.1:+") << false << false << true;
+    QTest::newRow("no number, its file free") << QByteArray("127.0.1.1:+") << true << false << true;
+    QTest::newRow("no process's number") << QByteArray("127.0.1.1:+0") << true << false << true;
 }
 
 void TestProgramsInUse::judgesTheLocksOfAFirefox()
@@ -145,12 +135,36 @@ void TestProgramsInUse::judgesTheLocksOfAFirefox()
     QFETCH(const bool, isLocked);
     QFETCH(const bool, isInUse);
     const MadeHome home({".mozilla/firefox/a/cookies.sqlite"});
+    home.nameFirefoxProfiles({"a"});
     if (hasFile)
         home.make(".mozilla/firefox/a/.parentlock");
     if (!link.isEmpty())
         home.link(".mozilla/firefox/a/lock", link);
     m_machine->locked = isLocked;
     QCOMPARE(isFirefoxInUse(home), isInUse);
+}
+
+void TestProgramsInUse::noticesAFirefoxThatIsBeingStarted_data()
+{
+    QTest::addColumn<QByteArray>("call");
+    for (const char *call : {"readLink", "openFile"})
+        QTest::newRow(call) << QByteArray(call);
+}
+
+/// Between one look and the next it takes the lock, and then makes the link.
+void TestProgramsInUse::noticesAFirefoxThatIsBeingStarted()
+{
+    QFETCH(const QByteArray, call);
+    const MadeHome home({".mozilla/firefox/a/cookies.sqlite", ".mozilla/firefox/a/.parentlock"});
+    home.nameFirefoxProfiles({"a"});
+    m_machine->setHook([&, hasStarted = false](int, std::string_view name) mutable {
+        if (name == call.data() && !std::exchange(hasStarted, true)) {
+            m_machine->locked = true;
+            home.link(".mozilla/firefox/a/lock", "127.0.1.1:+77");
+        }
+        return 0;
+    });
+    QVERIFY(isFirefoxInUse(home));
 }
 
 void TestProgramsInUse::looksForMailProgramsInTheProcessList()
@@ -167,6 +181,7 @@ void TestProgramsInUse::leavesOutTheFilesOfTheOneProfileAlone()
 {
     const MadeHome home({".mozilla/firefox/a/cookies.sqlite", ".mozilla/firefox/b/cookies.sqlite",
                          ".config/chromium/Default/History"});
+    home.nameFirefoxProfiles({"a", "b"});
     home.link(".mozilla/firefox/b/lock", "127.0.1.1:+77");
     const HomeLayout layout = home.survey();
     QCOMPARE(
@@ -313,6 +328,7 @@ void TestProgramsInUse::tellsWhatIsInUseAtThisMoment()
 {
     const MadeHome home({".cache/mozilla/x", ".mozilla/firefox/a/cookies.sqlite",
                          ".mozilla/firefox/b/cookies.sqlite"});
+    home.nameFirefoxProfiles({"a", "b"});
     const HomeLayout layout = home.survey();
     const auto inUse = [&](const QByteArray &path, FileUrlKind kind) {
         const FileUrl url = home.url().appending(path, kind);
@@ -331,6 +347,7 @@ void TestProgramsInUse::tellsWhatIsInUseAtThisMoment()
 void TestProgramsInUse::namesEachProgramOnce()
 {
     const MadeHome home({".mozilla/firefox/a/cookies.sqlite", ".mozilla/firefox/b/cookies.sqlite"});
+    home.nameFirefoxProfiles({"a", "b"});
     home.link(".mozilla/firefox/a/lock", "127.0.1.1:+77");
     home.link(".mozilla/firefox/b/lock", "127.0.1.1:+77");
     QCOMPARE(found(home).programs(places(home.survey(), SliceKind::BrowserData)),
@@ -348,11 +365,14 @@ void TestProgramsInUse::takesWhatCannotBeToldForRunning()
 {
     QFETCH(const QByteArray, call);
     const MadeHome home({".mozilla/firefox/a/cookies.sqlite", ".mozilla/firefox/a/.parentlock"});
+    home.nameFirefoxProfiles({"a"});
     QVERIFY(!isFirefoxInUse(home));
     m_machine->setHook([&](int, std::string_view name) { return name == call.data() ? EIO : 0; });
     QVERIFY(isFirefoxInUse(home));
     m_machine->setHook({});
-    m_machine->locked = tl::unexpected(ENOLCK);
+    m_machine->locked = tl::unexpected(ENOLCK); // as on the disk of another machine
+    QVERIFY(isFirefoxInUse(home));
+    home.link(".mozilla/firefox/a/lock", "127.0.1.1:+78");
     QVERIFY(isFirefoxInUse(home));
 }
 

@@ -55,6 +55,7 @@ void TestRecordPlaces::init()
     m_home->make(".cache/other/c", QByteArray(1, 'x'));
     m_home->make(".cache/mozilla/firefox/a/c", QByteArray(20, 'x'));
     m_home->make(".mozilla/firefox/a/cookies.sqlite", QByteArray(300, 'x'));
+    m_home->nameFirefoxProfiles({"a"});
     m_layout = m_home->survey();
     m_cache = record(SliceKind::Cache);
     m_browserData = record(SliceKind::BrowserData);

@@ -1,6 +1,7 @@
 #include "tests/support/SampleHome.h"
 
 #include "app/RealHomeDirectory.h"
+#include "tests/support/FirefoxProfiles.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -147,6 +148,7 @@ constexpr MadeFile kFreedesktopBystanders[] = {
     {"Videos/Winter by the sea.mkv", 1'200 * kMega},
 };
 
+constexpr auto kFirefoxFolder = ".mozilla/firefox";
 constexpr auto kFolderSizes = ".local/share/Trash/directorysizes";
 
 bool isBelow(const QByteArray &path, const QByteArray &folder)
@@ -329,6 +331,9 @@ void SampleHome::makeBystanders()
     }
     for (const MadeFile &made : kFreedesktopBystanders)
         file(made.path, made.size);
+    listFirefoxProfiles(path(kFirefoxFolder), {"ab12.default"});
+    m_items.insert(QByteArray(kFirefoxFolder) + "/profiles.ini",
+                   {false, firefoxProfilesText({"ab12.default"}).size()});
 }
 
 void SampleHome::makeLinks()
