@@ -6,16 +6,6 @@
 #include <algorithm>
 #include <cerrno>
 
-namespace {
-
-bool hasDotComponent(const QByteArray &path)
-{
-    const QByteArrayList names = path.split('/');
-    return names.contains(".") || names.contains("..");
-}
-
-} // namespace
-
 /// Makes one plan.
 class CleaningPlanner final
 {
