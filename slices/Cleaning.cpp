@@ -2,7 +2,7 @@
 
 #include "platform/Log.h"
 #include "slices/AnchoredFolder.h"
-#include "slices/FoundPrograms.h"
+#include "slices/ItemsInNeed.h"
 #include "slices/RemovalCrew.h"
 
 #include <algorithm>
@@ -42,12 +42,9 @@ private:
     void emptyFolder(const CleaningLocation &location, const FileUrls &inUse);
     void keepInUse(Protection &protection, const FileUrls &inUse, const CleaningLocation &location);
     void removeFile(const CleaningLocation &location);
-    bool isJournalInNeed(const CleaningLocation &location, int folder,
-                         const QByteArray &name) const;
     bool isAsPlanned(const CleaningLocation &location, const SystemResult<FileIdentity> &found);
     void refuse(const CleaningLocation &location, RefusalReason reason, int error);
 
-    void passOverRecordsInNeed(const CleaningLocation &location, FolderListing &listing) const;
     void logContents(const CleaningLocation &location, const FolderListing &listing);
     void logFiles(std::size_t first);
 
@@ -98,7 +95,7 @@ void Performance::emptyFolder(const CleaningLocation &location, const FileUrls &
     if (!listing)
         return refuse(location, RefusalReason::PartlyListed, listing.error());
     if (location.whatGoes == WhatGoes::LoneRecords)
-        passOverRecordsInNeed(location, *listing);
+        passOverRecordsInNeed(m_calls, location.path, *listing);
     if (!protection.isTouched())
         logContents(location, *listing);
     const Care care = protection.isTouched() ? Care::Judged : Care::Logged;
@@ -125,26 +122,6 @@ void Performance::keepInUse(Protection &protection, const FileUrls &inUse,
     }
 }
 
-/// Without its record nobody could put an item back that stayed: it was excluded, is another's or
-/// could not be removed. The folder "files" was dealt with before; in doubt something is in it.
-void Performance::passOverRecordsInNeed(const CleaningLocation &location,
-                                        FolderListing &listing) const
-{
-    constexpr QByteArrayView kEnding(".trashinfo");
-    const AnchoredPath trash = anchoredEntry(location.path).folder;
-    const auto files =
-        openAnchored(m_calls, {trash.anchor, trash.relativePath + "/files"}, Descent::Strict);
-    const bool mayHoldItems = files || files.error() != ENOENT;
-    listing.removeIf([&](const char *record) {
-        const QByteArray name(record);
-        if (!mayHoldItems || !name.endsWith(kEnding))
-            return false;
-        const auto item = files ? m_calls.status(files->get(), name.chopped(kEnding.size()))
-                                : tl::unexpected(files.error());
-        return item || item.error() != ENOENT;
-    });
-}
-
 void Performance::removeFile(const CleaningLocation &location)
 {
     const auto [around, name] = anchoredEntry(location.path);
@@ -160,7 +137,8 @@ void Performance::removeFile(const CleaningLocation &location)
     // The name may stand for something else again; from here on it is unlinked as what it is.
     if (location.whatGoes == WhatGoes::RegularFiles && status->kind != FileKind::Regular)
         return refuse(location, RefusalReason::NotAFile, 0);
-    if (isJournalInNeed(location, folder->get(), name))
+    if (location.whatGoes == WhatGoes::RegularFiles &&
+        isJournalInNeed(m_calls, folder->get(), name))
         return;
     const Protection protection(m_plan, location, identity->device);
     const RemovalSteps steps(m_calls, protection, m_ledger, EntryOrder::AsListed);
@@ -168,19 +146,6 @@ void Performance::removeFile(const CleaningLocation &location)
     Remover(steps, m_stop)
         .removeListed({folder->get(), path.first(path.size() - name.size()), Care::Logged},
                       FolderListing::ofEntry({name.constData(), status->inode, status->kind}));
-}
-
-/// What a database stands for is lost with its journal. It comes first: where it is still there it
-/// was kept, refused or could not be removed, and that has been told.
-bool Performance::isJournalInNeed(const CleaningLocation &location, int folder,
-                                  const QByteArray &name) const
-{
-    const QByteArray database =
-        location.whatGoes == WhatGoes::RegularFiles ? databaseOfJournal(name) : QByteArray();
-    if (database.isEmpty())
-        return false;
-    const auto found = m_calls.status(folder, database.constData());
-    return found || found.error() != ENOENT;
 }
 
 bool Performance::isAsPlanned(const CleaningLocation &location,
