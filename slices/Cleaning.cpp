@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <set>
 
 namespace {
 
@@ -19,6 +20,16 @@ FileUrlKind urlKind(FileKind kind)
 {
     return kind == FileKind::Folder ? FileUrlKind::Folder : FileUrlKind::File;
 }
+
+/// A folder of the plan that is open and is being emptied, part after part.
+struct Emptying
+{
+    const CleaningLocation &location;
+    int folder;
+    EntryOrder order;
+    Protection &protection; ///< of `steps`; grows between the parts
+    const RemovalSteps &steps;
+};
 
 /// Takes a plan place by place.
 class Performance final
@@ -39,8 +50,12 @@ public:
 
 private:
     void clean(const CleaningLocation &location);
-    void emptyFolder(const CleaningLocation &location, const FileUrls &inUse);
-    void keepInUse(Protection &protection, const FileUrls &inUse, const CleaningLocation &location);
+    void emptyFolder(const CleaningLocation &location);
+    void remove(const Emptying &emptying, FolderListing entries) const;
+    std::vector<FolderListing> takeOutOfPrograms(const CleaningLocation &location,
+                                                 FolderListing &listing) const;
+    void removeUnlessInUse(const Emptying &emptying, FolderListing entry);
+    void keepInUse(const Emptying &emptying, const FileUrl &place);
     void removeFile(const CleaningLocation &location);
     bool isAsPlanned(const CleaningLocation &location, const SystemResult<FileIdentity> &found);
     void refuse(const CleaningLocation &location, RefusalReason reason, int error);
@@ -69,16 +84,15 @@ CleaningReport Performance::run()
 
 void Performance::clean(const CleaningLocation &location)
 {
-    const FileUrls inUse = m_inUse ? m_inUse(location) : FileUrls();
-    if (inUse.contains(location.url))
+    if (m_inUse && m_inUse(location, location.url).contains(location.url))
         refuse(location, RefusalReason::InUse, 0);
     else if (location.mode == CleaningMode::ContentsOfFolders)
-        emptyFolder(location, inUse);
+        emptyFolder(location);
     else
         removeFile(location);
 }
 
-void Performance::emptyFolder(const CleaningLocation &location, const FileUrls &inUse)
+void Performance::emptyFolder(const CleaningLocation &location)
 {
     const auto folder = openAnchored(m_calls, location.path, Descent::Strict);
     if (!folder)
@@ -87,10 +101,9 @@ void Performance::emptyFolder(const CleaningLocation &location, const FileUrls &
     if (!isAsPlanned(location, identity))
         return;
     Protection protection(m_plan, location, identity->device);
-    keepInUse(protection, inUse, location);
-    const bool isInMemory = m_calls.isInMemory(folder->get());
-    const RemovalSteps steps(m_calls, protection, m_ledger,
-                             isInMemory ? EntryOrder::AsListed : EntryOrder::ByInode);
+    const EntryOrder order =
+        m_calls.isInMemory(folder->get()) ? EntryOrder::AsListed : EntryOrder::ByInode;
+    const RemovalSteps steps(m_calls, protection, m_ledger, order);
     auto listing = steps.list(folder->get(), m_space);
     if (!listing)
         return refuse(location, RefusalReason::PartlyListed, listing.error());
@@ -98,28 +111,62 @@ void Performance::emptyFolder(const CleaningLocation &location, const FileUrls &
         passOverRecordsInNeed(m_calls, location.path, *listing);
     if (!protection.isTouched())
         logContents(location, *listing);
-    const Care care = protection.isTouched() ? Care::Judged : Care::Logged;
-    const HeldFolder held{folder->get(), location.url.path() + '/', care};
-    if (isInMemory)
-        Remover(steps, m_stop).removeListed(held, std::move(*listing));
-    else
-        RemovalCrew(steps, m_stop, kThreadsForDisks).removeListed(held, std::move(*listing));
+    const Emptying emptying{location, folder->get(), order, protection, steps};
+    std::vector<FolderListing> ofPrograms = takeOutOfPrograms(location, *listing);
+    remove(emptying, std::move(*listing));
+    for (FolderListing &entry : ofPrograms)
+        removeUnlessInUse(emptying, std::move(entry));
 }
 
-/// What the plan keeps has been told of.
-void Performance::keepInUse(Protection &protection, const FileUrls &inUse,
-                            const CleaningLocation &location)
+void Performance::remove(const Emptying &emptying, FolderListing entries) const
 {
-    for (const FileUrl &url : inUse) {
-        if (protection.sparing(url.path(), FileKind::Folder) == Sparing::Whole)
-            continue;
-        protection.keep(url);
-        const QByteArray inside = url.path().sliced(location.url.path().size());
-        const auto found =
-            statusAnchored(m_calls, {location.path.anchor, location.path.relativePath + inside});
-        if (found || found.error() != ENOENT)
-            m_ledger.refused(url.path(), RefusalReason::InUse, 0);
+    const Care care = emptying.protection.isTouched() ? Care::Judged : Care::Logged;
+    const HeldFolder held{emptying.folder, emptying.location.url.path() + '/', care};
+    if (emptying.order == EntryOrder::AsListed)
+        Remover(emptying.steps, m_stop).removeListed(held, std::move(entries));
+    else
+        RemovalCrew(emptying.steps, m_stop, kThreadsForDisks)
+            .removeListed(held, std::move(entries));
+}
+
+/// The entries at, or on the way to, the places of programs, each by itself. They wait until all
+/// else is gone, so that they can be asked about right before they go.
+std::vector<FolderListing> Performance::takeOutOfPrograms(const CleaningLocation &location,
+                                                          FolderListing &listing) const
+{
+    const QByteArray inside = location.url.path() + '/';
+    std::set<QByteArray> names;
+    for (const FileUrl &place : m_plan.programPlaces()) {
+        if (place.path().startsWith(inside))
+            names.insert(place.path().sliced(inside.size()).split('/').constFirst());
     }
+    if (names.empty() || !m_inUse)
+        return {};
+    return listing.takeOut([&](const char *name) { return names.contains(name); });
+}
+
+void Performance::removeUnlessInUse(const Emptying &emptying, FolderListing entry)
+{
+    if (m_stop.stop_requested())
+        return;
+    const CleaningLocation &location = emptying.location;
+    const FileUrl url = location.url.appending(entry.name(entry.at(0)), urlKind(entry.at(0).kind));
+    for (const FileUrl &place : m_inUse(location, url))
+        keepInUse(emptying, place);
+    remove(emptying, std::move(entry));
+}
+
+/// What is kept already has been told of.
+void Performance::keepInUse(const Emptying &emptying, const FileUrl &place)
+{
+    const auto &[anchor, relativePath] = emptying.location.path;
+    if (emptying.protection.sparing(place.path(), FileKind::Folder) == Sparing::Whole)
+        return;
+    emptying.protection.keep(place);
+    const QByteArray inside = place.path().sliced(emptying.location.url.path().size());
+    const auto found = statusAnchored(m_calls, {anchor, relativePath + inside});
+    if (found || found.error() != ENOENT)
+        m_ledger.refused(place.path(), RefusalReason::InUse, 0);
 }
 
 void Performance::removeFile(const CleaningLocation &location)

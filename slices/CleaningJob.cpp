@@ -40,8 +40,8 @@ CleaningReport cleanDisk(const SystemCalls &calls, FileAccess &access, const Rec
     const FileUrls inUse = takeAwayPlacesInUse(chosen, ProgramsInUse::find(calls, access, layout));
     const CleaningPlan plan =
         makeCleaningPlan(calls, access, slicesToClean(layout, chosen), excluded, inUse);
-    const auto inUseNow = [&](const CleaningLocation &location) {
-        return placesInUse(calls, location.path, layout, location.url);
+    const auto inUseNow = [&](const CleaningLocation &location, const FileUrl &place) {
+        return placesInUse(calls, location.path, layout, place);
     };
     const CleaningReport report = performCleaning(calls, plan, stop, nullptr, inUseNow);
     takeAwaySizes(chosen, foundInUse(report, plan), [&](const FileUrl &url, const FileUrls &kept) {

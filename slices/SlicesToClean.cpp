@@ -1,6 +1,7 @@
 #include "slices/SlicesToClean.h"
 
 #include "slices/Info.h"
+#include "slices/ProgramsInUse.h"
 
 namespace {
 
@@ -65,7 +66,8 @@ QList<SliceToClean> slicesToClean(const HomeLayout &layout,
             slices += trashToClean(layout, record->name(), locations);
         else
             slices.append({record->name(), locations, modeOf(record->name()), ReadOnlyFolders::Stay,
-                           whatGoesOf(layout, record->name()), record->kept()});
+                           whatGoesOf(layout, record->name()), record->kept(),
+                           programPlaces(layout, locations)});
     }
     return slices;
 }

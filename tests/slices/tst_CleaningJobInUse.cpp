@@ -38,6 +38,7 @@ private Q_SLOTS:
     void keepsWhatAProgramStartedMeanwhileUses();
     void keepsTheCacheOfAProgramThatRuns();
     void keepsTheCacheOfAProgramStartedMeanwhile();
+    void keepsTheCacheOfAProgramStartedWhileAllElseAroundItGoes();
     void countsNothingAsFreedThatStayed();
     void tellsNothingOfWhatIsNotThere();
     void takesNoSizeOffTwice();
@@ -114,8 +115,8 @@ void TestCleaningJobInUse::keepsWhatAProgramStartedMeanwhileUses()
     QVERIFY(!m_fixture->exists(".config/chromium/Default/History"));
     QVERIFY(m_fixture->exists(".mozilla/firefox/a/cookies.sqlite"));
     QVERIFY(m_fixture->exists(".mozilla/firefox/a/formhistory.sqlite"));
-    QCOMPARE(report.refusalCount, 2U);
-    QCOMPARE(report.refusals.value(0).reason, RefusalReason::InUse);
+    QCOMPARE(report.refusalCount, 3U); // and the cache
+    QCOMPARE(report.refusals.value(2).reason, RefusalReason::InUse);
 }
 
 void TestCleaningJobInUse::startFirefoxAtTheFirst(std::string_view call)
@@ -177,6 +178,20 @@ void TestCleaningJobInUse::keepsTheCacheOfAProgramStartedMeanwhile()
     QVERIFY(m_fixture->exists(".cache/mozilla/firefox/a/c"));
     QCOMPARE(report.refusalCount, 1U);
     QCOMPARE(report.refusals.value(0).path, m_fixture->home() + "/.cache/mozilla");
+}
+
+/// In the midst of the one folder that holds the caches of all.
+void TestCleaningJobInUse::keepsTheCacheOfAProgramStartedWhileAllElseAroundItGoes()
+{
+    startFirefoxAtTheFirst("removeFile");
+    const CleaningReport report = clean({SliceKind::Cache});
+    QVERIFY(!m_fixture->exists(".cache/other"));
+    QVERIFY(m_fixture->exists(".cache/mozilla/firefox/a/c"));
+    QVERIFY(m_fixture->exists(".cache/mozilla/firefox/.hidden"));
+    QCOMPARE(report.refusalCount, 1U);
+    QCOMPARE(report.refusals.value(0).reason, RefusalReason::InUse);
+    QCOMPARE(report.refusals.value(0).path, m_fixture->home() + "/.cache/mozilla");
+    QCOMPARE(m_chosen.front()->fileSize(), 5); // of 12
 }
 
 void TestCleaningJobInUse::countsNothingAsFreedThatStayed()
