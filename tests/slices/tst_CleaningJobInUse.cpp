@@ -11,6 +11,7 @@
 
 #include <QRegularExpression>
 #include <QSignalSpy>
+#include <filesystem>
 #include <unistd.h>
 
 namespace {
@@ -40,6 +41,7 @@ private Q_SLOTS:
     void keepsTheCacheOfAProgramStartedMeanwhile();
     void keepsTheCacheOfAProgramStartedWhileAllElseAroundItGoes();
     void countsNothingAsFreedThatStayed();
+    void takesOffNoMoreThanWasMeasured();
     void tellsNothingOfWhatIsNotThere();
     void takesNoSizeOffTwice();
     void logsWhatStaysForAProgram();
@@ -201,6 +203,23 @@ void TestCleaningJobInUse::countsNothingAsFreedThatStayed()
     QCOMPARE(m_chosen.at(0)->fileSize(), 5);
     QCOMPARE(m_chosen.at(1)->fileSize(), 5); // of 12
     QCOMPARE(m_chosen.at(2)->fileSize(), 5); // of 15
+}
+
+/// Firefox writes as soon as it has started.
+void TestCleaningJobInUse::takesOffNoMoreThanWasMeasured()
+{
+    m_calls.setHook([this, hasStarted = false](int, std::string_view name) mutable {
+        if (name == "removeFile" && !std::exchange(hasStarted, true)) {
+            firefoxStarts();
+            m_fixture->makeFile(".cache/mozilla/firefox/a/new", 1000);
+            std::filesystem::resize_file(
+                (m_fixture->home() + "/.mozilla/firefox/a/cookies.sqlite").toStdString(), 1000);
+        }
+        return 0;
+    });
+    clean({SliceKind::Cache, SliceKind::BrowserData});
+    QCOMPARE(m_chosen.at(0)->fileSize(), 5); // of 12
+    QCOMPARE(m_chosen.at(1)->fileSize(), 5); // of 15
 }
 
 void TestCleaningJobInUse::logsWhatStaysForAProgram()
