@@ -5,12 +5,6 @@
 
 namespace {
 
-bool hasDotComponent(const QByteArray &path)
-{
-    const QList<QByteArray> names = path.split('/');
-    return names.contains(".") || names.contains("..");
-}
-
 /// The path of `url` seen from `folder`; nothing when it does not lie there.
 std::optional<QByteArray> pathBelow(const FileUrl &folder, const FileUrl &url)
 {

@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <limits>
 #include <mutex>
 #include <optional>
 #include <vector>
@@ -18,12 +17,6 @@ namespace {
 
 constexpr std::array kFolderNames{"Desktop", "Documents", "Downloads", "Dropbox", "Movies",
                                   "Music",   "Pictures",  "Public",    "Sites"};
-
-qint64 byteCountOf(const FileStatus &status)
-{
-    constexpr auto kMost = static_cast<std::uint64_t>(std::numeric_limits<qint64>::max());
-    return static_cast<qint64>(std::min(status.size, kMost));
-}
 
 /// The search of one folder of the query. Its functions may be called by all threads of the walk.
 class FolderSearch final
@@ -122,7 +115,7 @@ public:
         ++m_items;
         if (entry.status->kind != FileKind::Regular)
             return;
-        const qint64 size = byteCountOf(*entry.status);
+        const qint64 size = byteCountOf(entry.status->size);
         if (size >= kSmallestLargeFile)
             m_search.take(m_search.urlOf(entry.folder, entry.name, FileUrlKind::File), size);
     }

@@ -65,9 +65,9 @@ struct SearchOutcome
 /// trees are no matter.
 ///
 /// A folder of the query that does not exist is passed over; one on another disk is told of and
-/// passed over. Where a folder cannot be listed, that
-/// is logged ("URL, reason") and ends the search of the folder of the query in which it lies; a
-/// file whose status cannot be had is logged and passed over.
+/// passed over. Where a folder cannot be listed, that is logged ("URL, reason") and ends the search
+/// of the folder of the query in which it lies; a file whose status cannot be had is logged and
+/// passed over.
 ///
 /// Holds one access of its own. Any thread but the main one; blocks until done or stopped, which it
 /// heeds at every entry. Uses up to `threads` threads, as many as pay for 0. With one thread files

@@ -1,5 +1,6 @@
 #include "platform/ByteCount.h"
 
+#include <algorithm>
 #include <array>
 #include <limits>
 
@@ -68,4 +69,10 @@ qint64 sumOfByteCounts(qint64 a, qint64 b)
 {
     constexpr qint64 kMost = std::numeric_limits<qint64>::max();
     return a > kMost - b ? kMost : a + b;
+}
+
+qint64 byteCountOf(std::uint64_t size)
+{
+    constexpr auto kMost = static_cast<std::uint64_t>(std::numeric_limits<qint64>::max());
+    return static_cast<qint64>(std::min(size, kMost));
 }

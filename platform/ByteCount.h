@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <cstdint>
 
 /// The text of a byte count as people read file sizes: decimal units, no fraction up to KB, one
 /// digit for MB, two above, trailing zeros dropped, rounded half away from zero; "Zero KB" for 0,
@@ -10,3 +11,6 @@ QString stringFromByteCount(qint64 bytes);
 /// The sum of two byte counts that are not negative; stops at the largest number instead of
 /// turning over.
 qint64 sumOfByteCounts(qint64 a, qint64 b);
+
+/// A size as the file system tells it; stops at the largest number.
+qint64 byteCountOf(std::uint64_t size);

@@ -34,13 +34,13 @@ bool isWellEscaped(const QByteArray &text)
     return true;
 }
 
+} // namespace
+
 bool hasDotComponent(const QByteArray &path)
 {
     const QList<QByteArray> names = path.split('/');
     return names.contains(".") || names.contains("..");
 }
-
-} // namespace
 
 FileUrl::FileUrl(QByteArray path, FileUrlKind kind)
     : m_path(std::move(path)), m_kind(m_path == "/" ? FileUrlKind::Folder : kind)

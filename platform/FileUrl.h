@@ -56,3 +56,6 @@ private:
 };
 
 using FileUrls = QList<FileUrl>;
+
+/// Whether a name in a raw path is "." or "..": its text does not tell where such a path leads.
+bool hasDotComponent(const QByteArray &path);

@@ -2,11 +2,12 @@
 
 #include "platform/Log.h"
 #include "slices/AnchoredFolder.h"
-#include "slices/FoundPrograms.h"
+#include "slices/ItemsInNeed.h"
 #include "slices/RemovalCrew.h"
 
 #include <algorithm>
 #include <cerrno>
+#include <set>
 
 namespace {
 
@@ -19,6 +20,16 @@ FileUrlKind urlKind(FileKind kind)
 {
     return kind == FileKind::Folder ? FileUrlKind::Folder : FileUrlKind::File;
 }
+
+/// A folder of the plan that is open and is being emptied, part after part.
+struct Emptying
+{
+    const CleaningLocation &location;
+    int folder;
+    EntryOrder order;
+    Protection &protection; ///< of `steps`; grows between the parts
+    const RemovalSteps &steps;
+};
 
 /// Takes a plan place by place.
 class Performance final
@@ -39,15 +50,16 @@ public:
 
 private:
     void clean(const CleaningLocation &location);
-    void emptyFolder(const CleaningLocation &location, const FileUrls &inUse);
-    void keepInUse(Protection &protection, const FileUrls &inUse, const CleaningLocation &location);
+    void emptyFolder(const CleaningLocation &location);
+    void remove(const Emptying &emptying, FolderListing entries) const;
+    std::vector<FolderListing> takeOutOfPrograms(const CleaningLocation &location,
+                                                 FolderListing &listing) const;
+    void removeUnlessInUse(const Emptying &emptying, FolderListing entry);
+    void keepInUse(const Emptying &emptying, const FileUrl &place);
     void removeFile(const CleaningLocation &location);
-    bool isJournalInNeed(const CleaningLocation &location, int folder,
-                         const QByteArray &name) const;
     bool isAsPlanned(const CleaningLocation &location, const SystemResult<FileIdentity> &found);
     void refuse(const CleaningLocation &location, RefusalReason reason, int error);
 
-    void passOverRecordsInNeed(const CleaningLocation &location, FolderListing &listing) const;
     void logContents(const CleaningLocation &location, const FolderListing &listing);
     void logFiles(std::size_t first);
 
@@ -72,16 +84,15 @@ CleaningReport Performance::run()
 
 void Performance::clean(const CleaningLocation &location)
 {
-    const FileUrls inUse = m_inUse ? m_inUse(location) : FileUrls();
-    if (inUse.contains(location.url))
+    if (m_inUse && m_inUse(location, location.url).contains(location.url))
         refuse(location, RefusalReason::InUse, 0);
     else if (location.mode == CleaningMode::ContentsOfFolders)
-        emptyFolder(location, inUse);
+        emptyFolder(location);
     else
         removeFile(location);
 }
 
-void Performance::emptyFolder(const CleaningLocation &location, const FileUrls &inUse)
+void Performance::emptyFolder(const CleaningLocation &location)
 {
     const auto folder = openAnchored(m_calls, location.path, Descent::Strict);
     if (!folder)
@@ -90,59 +101,72 @@ void Performance::emptyFolder(const CleaningLocation &location, const FileUrls &
     if (!isAsPlanned(location, identity))
         return;
     Protection protection(m_plan, location, identity->device);
-    keepInUse(protection, inUse, location);
-    const bool isInMemory = m_calls.isInMemory(folder->get());
-    const RemovalSteps steps(m_calls, protection, m_ledger,
-                             isInMemory ? EntryOrder::AsListed : EntryOrder::ByInode);
+    const EntryOrder order =
+        m_calls.isInMemory(folder->get()) ? EntryOrder::AsListed : EntryOrder::ByInode;
+    const RemovalSteps steps(m_calls, protection, m_ledger, order);
     auto listing = steps.list(folder->get(), m_space);
     if (!listing)
         return refuse(location, RefusalReason::PartlyListed, listing.error());
     if (location.whatGoes == WhatGoes::LoneRecords)
-        passOverRecordsInNeed(location, *listing);
+        passOverRecordsInNeed(m_calls, location.path, *listing);
     if (!protection.isTouched())
         logContents(location, *listing);
-    const Care care = protection.isTouched() ? Care::Judged : Care::Logged;
-    const HeldFolder held{folder->get(), location.url.path() + '/', care};
-    if (isInMemory)
-        Remover(steps, m_stop).removeListed(held, std::move(*listing));
+    const Emptying emptying{location, folder->get(), order, protection, steps};
+    std::vector<FolderListing> ofPrograms = takeOutOfPrograms(location, *listing);
+    remove(emptying, std::move(*listing));
+    for (FolderListing &entry : ofPrograms)
+        removeUnlessInUse(emptying, std::move(entry));
+}
+
+void Performance::remove(const Emptying &emptying, FolderListing entries) const
+{
+    const Care care = emptying.protection.isTouched() ? Care::Judged : Care::Logged;
+    const HeldFolder held{emptying.folder, emptying.location.url.path() + '/', care};
+    if (emptying.order == EntryOrder::AsListed)
+        Remover(emptying.steps, m_stop).removeListed(held, std::move(entries));
     else
-        RemovalCrew(steps, m_stop, kThreadsForDisks).removeListed(held, std::move(*listing));
+        RemovalCrew(emptying.steps, m_stop, kThreadsForDisks)
+            .removeListed(held, std::move(entries));
 }
 
-/// What the plan keeps has been told of.
-void Performance::keepInUse(Protection &protection, const FileUrls &inUse,
-                            const CleaningLocation &location)
+/// The entries at, or on the way to, the places of programs, each by itself. They wait until all
+/// else is gone, so that they can be asked about right before they go.
+std::vector<FolderListing> Performance::takeOutOfPrograms(const CleaningLocation &location,
+                                                          FolderListing &listing) const
 {
-    for (const FileUrl &url : inUse) {
-        if (protection.sparing(url.path(), FileKind::Folder) == Sparing::Whole)
-            continue;
-        protection.keep(url);
-        const QByteArray inside = url.path().sliced(location.url.path().size());
-        const auto found =
-            statusAnchored(m_calls, {location.path.anchor, location.path.relativePath + inside});
-        if (found || found.error() != ENOENT)
-            m_ledger.refused(url.path(), RefusalReason::InUse, 0);
+    const QByteArray inside = location.url.path() + '/';
+    std::set<QByteArray> names;
+    for (const FileUrl &place : m_plan.programPlaces()) {
+        if (place.path().startsWith(inside))
+            names.insert(place.path().sliced(inside.size()).split('/').constFirst());
     }
+    if (names.empty() || !m_inUse)
+        return {};
+    return listing.takeOut([&](const char *name) { return names.contains(name); });
 }
 
-/// Without its record nobody could put an item back that stayed: it was excluded, is another's or
-/// could not be removed. The folder "files" was dealt with before; in doubt something is in it.
-void Performance::passOverRecordsInNeed(const CleaningLocation &location,
-                                        FolderListing &listing) const
+void Performance::removeUnlessInUse(const Emptying &emptying, FolderListing entry)
 {
-    constexpr QByteArrayView kEnding(".trashinfo");
-    const AnchoredPath trash = anchoredEntry(location.path).folder;
-    const auto files =
-        openAnchored(m_calls, {trash.anchor, trash.relativePath + "/files"}, Descent::Strict);
-    const bool mayHoldItems = files || files.error() != ENOENT;
-    listing.removeIf([&](const char *record) {
-        const QByteArray name(record);
-        if (!mayHoldItems || !name.endsWith(kEnding))
-            return false;
-        const auto item = files ? m_calls.status(files->get(), name.chopped(kEnding.size()))
-                                : tl::unexpected(files.error());
-        return item || item.error() != ENOENT;
-    });
+    if (m_stop.stop_requested())
+        return;
+    const CleaningLocation &location = emptying.location;
+    const FileUrl url = location.url.appending(entry.name(entry.at(0)), urlKind(entry.at(0).kind));
+    for (const FileUrl &place : m_inUse(location, url))
+        keepInUse(emptying, place);
+    remove(emptying, std::move(entry));
+}
+
+/// What is kept already has been told of.
+void Performance::keepInUse(const Emptying &emptying, const FileUrl &place)
+{
+    const auto &[anchor, relativePath] = emptying.location.path;
+    if (emptying.protection.sparing(place.path(), FileKind::Folder) == Sparing::Whole)
+        return;
+    emptying.protection.keep(place);
+    const QByteArray inside = place.path().sliced(emptying.location.url.path().size());
+    const auto found = statusAnchored(m_calls, {anchor, relativePath + inside});
+    if (found || found.error() != ENOENT)
+        m_ledger.refused(place.path(), RefusalReason::InUse, 0);
 }
 
 void Performance::removeFile(const CleaningLocation &location)
@@ -160,7 +184,8 @@ void Performance::removeFile(const CleaningLocation &location)
     // The name may stand for something else again; from here on it is unlinked as what it is.
     if (location.whatGoes == WhatGoes::RegularFiles && status->kind != FileKind::Regular)
         return refuse(location, RefusalReason::NotAFile, 0);
-    if (isJournalInNeed(location, folder->get(), name))
+    if (location.whatGoes == WhatGoes::RegularFiles &&
+        isJournalInNeed(m_calls, folder->get(), name))
         return;
     const Protection protection(m_plan, location, identity->device);
     const RemovalSteps steps(m_calls, protection, m_ledger, EntryOrder::AsListed);
@@ -168,19 +193,6 @@ void Performance::removeFile(const CleaningLocation &location)
     Remover(steps, m_stop)
         .removeListed({folder->get(), path.first(path.size() - name.size()), Care::Logged},
                       FolderListing::ofEntry({name.constData(), status->inode, status->kind}));
-}
-
-/// What a database stands for is lost with its journal. It comes first: where it is still there it
-/// was kept, refused or could not be removed, and that has been told.
-bool Performance::isJournalInNeed(const CleaningLocation &location, int folder,
-                                  const QByteArray &name) const
-{
-    const QByteArray database =
-        location.whatGoes == WhatGoes::RegularFiles ? databaseOfJournal(name) : QByteArray();
-    if (database.isEmpty())
-        return false;
-    const auto found = m_calls.status(folder, database.constData());
-    return found || found.error() != ENOENT;
 }
 
 bool Performance::isAsPlanned(const CleaningLocation &location,

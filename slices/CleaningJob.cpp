@@ -12,12 +12,12 @@ namespace {
 using Records = CleaningJob::Records;
 
 /// What the plan did not know to be in use.
-FileUrls foundInUse(const CleaningReport &report, const CleaningPlan &plan)
+QByteArrayList foundInUse(const CleaningReport &report, const CleaningPlan &plan)
 {
-    FileUrls found;
+    QByteArrayList found;
     for (const CleaningRefusal &refusal : report.refusals.sliced(plan.refusals().size())) {
         if (refusal.reason == RefusalReason::InUse)
-            found.append(FileUrl::fromPath(refusal.path, FileUrlKind::File));
+            found.append(refusal.path);
     }
     return found;
 }
@@ -38,15 +38,19 @@ CleaningReport cleanDisk(const SystemCalls &calls, FileAccess &access, const Rec
 {
     const AccessScope scope(access);
     const FileUrls inUse = takeAwayPlacesInUse(chosen, ProgramsInUse::find(calls, access, layout));
+    const auto sizeOf = [&](const FileUrl &url, const FileUrls &kept) {
+        const auto place = access.anchoredPath(url);
+        const SizingRules rules{.kept = pathsInside(url, kept)};
+        return place ? measureFolder(calls, *place, stop, 0, rules).bytes : 0;
+    };
+    const ProgramPlaceSizes sizes = measureProgramPlaces(chosen, layout, sizeOf);
     const CleaningPlan plan =
         makeCleaningPlan(calls, access, slicesToClean(layout, chosen), excluded, inUse);
-    const auto inUseNow = [&](const CleaningLocation &location) {
-        return placesInUse(calls, location.path, layout, location.url);
+    const auto inUseNow = [&](const CleaningLocation &location, const FileUrl &place) {
+        return placesInUse(calls, location.path, layout, place);
     };
     const CleaningReport report = performCleaning(calls, plan, stop, nullptr, inUseNow);
-    takeAwaySizes(chosen, foundInUse(report, plan), [&](const FileUrl &url, const FileUrls &kept) {
-        return sizeForFolderAtPath(calls, access, url, stop, {.kept = pathsInside(url, kept)});
-    });
+    takeAwaySizes(sizes, foundInUse(report, plan));
     return report;
 }
 

@@ -35,7 +35,8 @@ public:
     /// Cleans the chosen slices, what they stand for at this moment. Those that are still being
     /// measured are waited for first, so that what was freed is what was there. Of a layout with
     /// programs, the places of those that were started meanwhile are left alone, and taken from the
-    /// records; whoever starts while the cleaning is under way keeps what has not gone yet.
+    /// records; whoever starts while the cleaning is under way keeps the places whose turn has not
+    /// come yet, and those are taken off the sizes.
     void start(Records chosen, Exclusions exclusions, HomeLayout layout = {});
 
     /// Nothing is removed from now on. The cleaning's end is still told.

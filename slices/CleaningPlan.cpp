@@ -6,16 +6,6 @@
 #include <algorithm>
 #include <cerrno>
 
-namespace {
-
-bool hasDotComponent(const QByteArray &path)
-{
-    const QByteArrayList names = path.split('/');
-    return names.contains(".") || names.contains("..");
-}
-
-} // namespace
-
 /// Makes one plan.
 class CleaningPlanner final
 {
@@ -35,6 +25,7 @@ private:
     void takeKept();
     void planSlice(const SliceToClean &slice);
     void planLocation(CleaningLocation location);
+    void dropWhatGoesWithNothing();
     bool isExcludedByPath(const CleaningLocation &location) const;
     bool anchor(CleaningLocation &location);
     struct Obstacle
@@ -62,6 +53,7 @@ CleaningPlan CleaningPlanner::plan(const FileUrls &inUse)
         takeKept();
         for (const SliceToClean &slice : m_slices)
             planSlice(slice);
+        dropWhatGoesWithNothing();
     }
     for (const FileUrl &url : inUse)
         refuse(url.path(), RefusalReason::InUse);
@@ -100,6 +92,7 @@ void CleaningPlanner::takeKept()
 
 void CleaningPlanner::planSlice(const SliceToClean &slice)
 {
+    m_plan.m_programPlaces += slice.programPlaces;
     const ExcludedPaths &excluded = m_plan.m_excluded;
     const bool isAnyTouched =
         std::any_of(slice.fileURLs.begin(), slice.fileURLs.end(),
@@ -136,6 +129,20 @@ void CleaningPlanner::planLocation(CleaningLocation location)
         m_plan.m_excludedLocations.append(location.url);
     } else if (!refuseUnresolved(location)) {
         m_plan.m_locations.push_back(std::move(location));
+    }
+}
+
+void CleaningPlanner::dropWhatGoesWithNothing()
+{
+    std::vector<CleaningLocation> &locations = m_plan.m_locations;
+    for (const SliceToClean &slice : m_slices) {
+        const bool goes = !slice.onlyWith ||
+                          std::ranges::find(locations, *slice.onlyWith, &CleaningLocation::url) !=
+                              locations.end();
+        if (!goes)
+            std::erase_if(locations, [&](const CleaningLocation &location) {
+                return slice.fileURLs.contains(location.url);
+            });
     }
 }
 

@@ -6,6 +6,7 @@
 #include "slices/ReadOnlyFolders.h"
 
 #include <QList>
+#include <optional>
 #include <vector>
 
 /// What a slice's places stand for.
@@ -34,6 +35,10 @@ struct SliceToClean
     ReadOnlyFolders readOnlyFolders = ReadOnlyFolders::Stay; ///< inside the places, not themselves
     WhatGoes whatGoes = WhatGoes::Everything;
     FileUrls kept = {}; ///< in use inside the places; need not be there
+    /// At and inside the places: what programs may begin to use while the cleaning is under way.
+    FileUrls programPlaces = {};
+    /// Where this place is not cleaned the slice stays too; it may be another slice's.
+    std::optional<FileUrl> onlyWith = {};
 };
 
 /// Why something that was asked for is left alone.
@@ -91,6 +96,9 @@ public:
     /// Of all that was found of them: it is kept wherever it turns up and whatever its name.
     const std::vector<FileIdentity> &excludedIdentities() const { return m_excludedIdentities; }
 
+    /// What programs may begin to use, at and inside the locations; need not be there.
+    const FileUrls &programPlaces() const { return m_programPlaces; }
+
 private:
     friend class CleaningPlanner;
 
@@ -99,15 +107,16 @@ private:
     FileUrls m_excludedLocations;
     ExcludedPaths m_excluded;
     std::vector<FileIdentity> m_excludedIdentities;
+    FileUrls m_programPlaces;
 };
 
 /// Plans the cleaning of the chosen slices, in their order. What a slice keeps is kept like an
-/// exclusion. Fails closed: an exclusion that cannot
-/// be read stops everything, one that cannot be found stops the place around it, and a place that
-/// is not a plain folder or file of the granted folder's own file system is refused. A place that
-/// does not exist is simply not in the plan. What is in use the plan just refuses, after all else.
-/// Touches the file system, so not for the main thread;
-/// the caller holds the access, from here until the cleaning is done.
+/// exclusion. Fails closed: an exclusion that cannot be read stops everything, one that cannot be
+/// found stops the place around it, and a place that is not a plain folder or file of the granted
+/// folder's own file system is refused. A place that does not exist is simply not in the plan, nor
+/// is what goes only with another place that is not. What is in use the plan just refuses, after
+/// all else. Touches the file system, so not for the main thread; the caller holds the access, from
+/// here until the cleaning is done.
 CleaningPlan makeCleaningPlan(const SystemCalls &calls, const FileAccess &access,
                               const QList<SliceToClean> &slices, const ExcludedPaths &excluded,
                               const FileUrls &inUse = {});

@@ -22,8 +22,8 @@ struct ConfirmationDetails
 };
 
 /// What the user is asked before a cleaning: the slices that are on, and the warning. Where a
-/// program in use keeps its files, the slice's size without them, and
-/// the folder of Downloads where it is called otherwise.
+/// program in use keeps its files, the slice's size without them, and the folder of Downloads where
+/// it is called otherwise.
 QString confirmationText(const std::vector<std::shared_ptr<Info>> &records,
                          const ConfirmationDetails &details = {});
 

@@ -39,9 +39,21 @@ void FolderListing::sortByInode()
               [](const Entry &left, const Entry &right) { return left.inode < right.inode; });
 }
 
-void FolderListing::removeIf(const std::function<bool(const char *name)> &isUnwanted)
+void FolderListing::removeIf(const NameTest &isUnwanted)
 {
     std::erase_if(m_entries, [&](const Entry &entry) { return isUnwanted(name(entry)); });
+}
+
+std::vector<FolderListing> FolderListing::takeOut(const NameTest &isWanted)
+{
+    std::vector<FolderListing> taken;
+    std::erase_if(m_entries, [&](const Entry &entry) {
+        if (!isWanted(name(entry)))
+            return false;
+        taken.push_back(ofEntry({name(entry), entry.inode, entry.kind}));
+        return true;
+    });
+    return taken;
 }
 
 void FolderListing::append(const DirectoryRecord &record)

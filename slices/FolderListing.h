@@ -31,8 +31,12 @@ public:
     /// By inode: on a disk that is near the order in which the entries lie.
     void sortByInode();
 
+    using NameTest = std::function<bool(const char *name)>;
+
     /// Forgets entries by their names.
-    void removeIf(const std::function<bool(const char *name)> &isUnwanted);
+    void removeIf(const NameTest &isUnwanted);
+    /// The same, but answers with them, each a listing of its own.
+    std::vector<FolderListing> takeOut(const NameTest &isWanted);
 
     std::size_t size() const { return m_entries.size(); }
     const Entry &at(std::size_t index) const { return m_entries[index]; }

@@ -7,19 +7,12 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <limits>
 #include <vector>
 
 namespace {
 
 constexpr std::uint16_t kStickyBit = 01000;
 constexpr std::size_t kCacheLine = 64;
-
-qint64 byteCountOf(const FileStatus &status)
-{
-    constexpr auto kMost = static_cast<std::uint64_t>(std::numeric_limits<qint64>::max());
-    return static_cast<qint64>(std::min(status.size, kMost));
-}
 
 bool isNotImmutable(const FileStatus &entry)
 {
@@ -73,7 +66,7 @@ public:
         if (entry.status && isNotImmutable(*entry.status) &&
             allowsRemovalOf(*entry.status, entry.folder.status(), m_user) &&
             !isKept(entry.folder, entry.name))
-            m_size.bytes = sumOfByteCounts(m_size.bytes, byteCountOf(*entry.status));
+            m_size.bytes = sumOfByteCounts(m_size.bytes, byteCountOf(entry.status->size));
     }
 
     void failed(const WalkedFolder &, const char *, int) override { m_size.isComplete = false; }
@@ -158,7 +151,7 @@ FolderSize sizeOfItem(const SystemCalls &calls, const AnchoredPath &place)
                                 allowsRemovalOf(*status, *folderStatus, calls.actingUser()),
                             isNotImmutable(*status)};
     if (size.item->isDeletable && size.item->isNotImmutable)
-        size.bytes = byteCountOf(*status);
+        size.bytes = byteCountOf(status->size);
     return size;
 }
 

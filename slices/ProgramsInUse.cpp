@@ -114,12 +114,19 @@ private:
     std::optional<SystemResult<QByteArrayList>> m_names;
 };
 
-/// Those of the places that are the location or lie inside.
-FileUrls among(const FileUrls &places, const FileUrl &location)
+bool isAtOrInsideOne(const FileUrl &place, const FileUrls &locations)
+{
+    return std::any_of(locations.begin(), locations.end(), [&](const FileUrl &location) {
+        return isAtOrInside(place.path(), location.path());
+    });
+}
+
+/// Those of the places that are one of the locations or lie inside one.
+FileUrls among(const FileUrls &places, const FileUrls &locations)
 {
     FileUrls found;
     std::copy_if(places.begin(), places.end(), std::back_inserter(found),
-                 [&](const FileUrl &place) { return isAtOrInside(place.path(), location.path()); });
+                 [&](const FileUrl &place) { return isAtOrInsideOne(place, locations); });
     return found;
 }
 
@@ -151,13 +158,25 @@ bool isThere(const SystemCalls &calls, const FileAccess &access, const FileUrl &
 
 } // namespace
 
+FileUrls programPlaces(const HomeLayout &layout, const FileUrls &locations)
+{
+    FileUrls found;
+    for (const ProgramFiles &program : layout.programs()) {
+        for (const FileUrl &place : among(program.places, locations)) {
+            if (!found.contains(place))
+                found.append(place);
+        }
+    }
+    return found;
+}
+
 FileUrls placesInUse(const SystemCalls &calls, const AnchoredPath &anchor, const HomeLayout &layout,
                      const FileUrl &location)
 {
     Inquiry inquiry(calls, anchor);
     FileUrls found;
     for (const ProgramFiles &program : layout.programs()) {
-        const FileUrls places = among(program.places, location);
+        const FileUrls places = among(program.places, {location});
         if (!places.isEmpty() && inquiry.isRunning(program.lock))
             found += places;
     }
@@ -196,10 +215,8 @@ FileUrls ProgramsInUse::without(const FileUrls &locations) const
 FileUrls ProgramsInUse::keptInside(const FileUrls &locations) const
 {
     FileUrls kept;
-    for (const ProgramFiles &program : m_programs) {
-        for (const FileUrl &location : locations)
-            kept += among(program.places, location);
-    }
+    for (const ProgramFiles &program : m_programs)
+        kept += among(program.places, locations);
     kept.removeIf([&](const FileUrl &place) { return locations.contains(place); });
     return outermost(kept);
 }
@@ -208,10 +225,7 @@ QStringList ProgramsInUse::programs(const FileUrls &locations) const
 {
     QStringList names;
     for (const ProgramFiles &program : m_programs) {
-        const auto keepsSome = [&](const FileUrl &location) {
-            return !among(program.places, location).isEmpty();
-        };
-        if (std::any_of(locations.begin(), locations.end(), keepsSome))
+        if (!among(program.places, locations).isEmpty())
             names.append(program.program);
     }
     names.removeDuplicates();

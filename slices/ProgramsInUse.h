@@ -6,6 +6,10 @@
 
 #include <QStringList>
 
+/// The places at and inside these locations that programs of the layout may use, each once. Some
+/// may lie in others, and they need not be there.
+FileUrls programPlaces(const HomeLayout &layout, const FileUrls &locations);
+
 /// The places at and inside this location whose programs run at this very moment, as their locks
 /// tell below the home, which `anchor` holds open, and the process list. None lies in another, and
 /// they need not be there. Not for the main thread.

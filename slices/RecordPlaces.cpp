@@ -1,7 +1,6 @@
 #include "slices/RecordPlaces.h"
 
 #include "slices/Info.h"
-#include "slices/UserFolders.h"
 
 #include <algorithm>
 
@@ -11,22 +10,6 @@ void place(Info &record, const FileUrls &places, const FileUrls &kept)
 {
     if (record.fileURLs() != places || record.kept() != kept)
         record.setPlaces(places, kept);
-}
-
-bool isAtOrInsideOne(const FileUrl &url, const FileUrls &places)
-{
-    return std::any_of(places.begin(), places.end(), [&](const FileUrl &place) {
-        return isAtOrInside(url.path(), place.path());
-    });
-}
-
-bool hasPrograms(const HomeLayout &layout, const FileUrls &locations)
-{
-    const auto isOfSlice = [&](const FileUrl &place) { return isAtOrInsideOne(place, locations); };
-    return std::any_of(
-        layout.programs().begin(), layout.programs().end(), [&](const ProgramFiles &program) {
-            return std::any_of(program.places.begin(), program.places.end(), isOfSlice);
-        });
 }
 
 /// Those that the other list has not.
@@ -45,7 +28,7 @@ void placeRecords(const std::vector<std::shared_ptr<Info>> &records, const HomeL
     for (const auto &record : records) {
         const std::optional<SliceKind> kind = sliceKindNamed(record->name());
         const auto locations = kind ? layout.locations(*kind) : std::nullopt;
-        if (!locations || !hasPrograms(layout, *locations))
+        if (!locations || programPlaces(layout, *locations).isEmpty())
             continue;
         const FileUrls places = inUse.without(*locations);
         place(*record, places, inUse.keptInside(places));
@@ -70,15 +53,24 @@ FileUrls takeAwayPlacesInUse(const std::vector<std::shared_ptr<Info>> &records,
     return takenAway;
 }
 
-void takeAwaySizes(const std::vector<std::shared_ptr<Info>> &records, const FileUrls &stayed,
-                   const std::function<qint64(const FileUrl &, const FileUrls &kept)> &sizeOf)
+ProgramPlaceSizes
+measureProgramPlaces(const std::vector<std::shared_ptr<Info>> &records, const HomeLayout &layout,
+                     const std::function<qint64(const FileUrl &, const FileUrls &kept)> &sizeOf)
 {
+    ProgramPlaceSizes sizes;
     for (const auto &record : records) {
-        const FileUrls places = record->fileURLs().value_or(FileUrls());
-        for (const FileUrl &url : stayed) {
-            if (isAtOrInsideOne(url, places))
-                record->setFileSize(
-                    std::max<qint64>(0, record->fileSize() - sizeOf(url, record->kept())));
-        }
+        const FileUrls kept = record->kept();
+        const FileUrls places = programPlaces(layout, record->fileURLs().value_or(FileUrls()));
+        for (const FileUrl &place : missing(places, kept))
+            sizes.push_back({record, place, sizeOf(place, kept)});
+    }
+    return sizes;
+}
+
+void takeAwaySizes(const ProgramPlaceSizes &sizes, const QByteArrayList &stayed)
+{
+    for (const auto &[record, place, bytes] : sizes) {
+        if (stayed.contains(place.path()))
+            record->setFileSize(std::max<qint64>(0, record->fileSize() - bytes));
     }
 }

@@ -18,8 +18,21 @@ void placeRecords(const std::vector<std::shared_ptr<Info>> &records, const HomeL
 FileUrls takeAwayPlacesInUse(const std::vector<std::shared_ptr<Info>> &records,
                              const ProgramsInUse &inUse);
 
-/// Takes what these places hold, none in another, off the sizes of the records to whose places they
-/// belong: they were measured, but then stayed. `sizeOf` is asked on the calling thread, with what
-/// the record keeps anyway.
-void takeAwaySizes(const std::vector<std::shared_ptr<Info>> &records, const FileUrls &stayed,
-                   const std::function<qint64(const FileUrl &, const FileUrls &kept)> &sizeOf);
+/// What of a record's size a place makes that a program may begin to use.
+struct ProgramPlaceSize
+{
+    std::shared_ptr<Info> record;
+    FileUrl place;
+    qint64 bytes = 0;
+};
+using ProgramPlaceSizes = std::vector<ProgramPlaceSize>;
+
+/// Measures those places of the records before a cleaning: once a program uses one, it writes
+/// there. `sizeOf` is asked on the calling thread, with what the record keeps anyway.
+ProgramPlaceSizes
+measureProgramPlaces(const std::vector<std::shared_ptr<Info>> &records, const HomeLayout &layout,
+                     const std::function<qint64(const FileUrl &, const FileUrls &kept)> &sizeOf);
+
+/// Takes the places at these paths, none in another, off the sizes of their records: they were
+/// measured, but then stayed.
+void takeAwaySizes(const ProgramPlaceSizes &sizes, const QByteArrayList &stayed);

@@ -39,6 +39,7 @@ SliceSelection::SliceSelection(UserDefaults &defaults, FileAccess &access)
 void SliceSelection::rebuild(const HomeLayout &layout, const Info::Services &services,
                              const ProgramsInUse &inUse)
 {
+    m_layout = layout;
     m_records.clear();
     for (const SliceDescription &slice : sliceCatalogue())
         m_records.push_back(madeRecord(slice, layout, services, inUse));
@@ -68,9 +69,18 @@ void SliceSelection::updateSelectedSlicesUserDefaults() const
 SliceSelection::Toggle SliceSelection::toggle(int index)
 {
     Info &info = *m_records.at(index);
-    const bool isExcluded = containsExcludedFile(info.fileURLs());
-    info.setIsOn(!isExcluded && !info.isOn());
-    return isExcluded ? Toggle::Excluded : Toggle::Switched;
+    const bool staysOff = isExcluded(info);
+    info.setIsOn(!staysOff && !info.isOn());
+    return staysOff ? Toggle::Excluded : Toggle::Switched;
+}
+
+/// Judged by all that the home has of it: what a program uses at present is none of the record's
+/// places, but not excluded for that.
+bool SliceSelection::isExcluded(const Info &record) const
+{
+    const std::optional<SliceKind> kind = sliceKindNamed(record.name());
+    const std::optional<FileUrls> locations = kind ? m_layout.locations(*kind) : std::nullopt;
+    return containsExcludedFile(locations ? locations : record.fileURLs());
 }
 
 bool SliceSelection::applyExclusions()
@@ -82,7 +92,7 @@ bool SliceSelection::applyExclusions()
         largeFiles.setIsOn(false);
     }
     for (const auto &record : m_records) {
-        if (record.get() != &largeFiles && containsExcludedFile(record->fileURLs()))
+        if (record.get() != &largeFiles && isExcluded(*record))
             record->setIsOn(false);
     }
     return hadPicks;

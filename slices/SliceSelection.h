@@ -18,7 +18,7 @@ class SliceSelection final
 public:
     enum class Toggle {
         Switched, ///< the slice is now what it was not
-        Excluded, ///< all of its places are excluded: it is off, and stays so
+        Excluded, ///< all of its places, also those in use, are excluded: it is off, and stays so
     };
 
     /// Both must outlive it. Empty until rebuild().
@@ -77,8 +77,10 @@ public:
 
 private:
     void restore();
+    bool isExcluded(const Info &record) const;
 
     UserDefaults &m_defaults;
     FileAccess &m_access;
+    HomeLayout m_layout;
     Records m_records;
 };

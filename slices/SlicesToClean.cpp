@@ -1,6 +1,7 @@
 #include "slices/SlicesToClean.h"
 
 #include "slices/Info.h"
+#include "slices/ProgramsInUse.h"
 
 namespace {
 
@@ -20,37 +21,45 @@ WhatGoes whatGoesOf(const HomeLayout &layout, const QString &slice)
                                                                    : WhatGoes::Everything;
 }
 
-/// "…/Trash/directorysizes" for "…/Trash/files".
-FileUrls folderSizeBooks(const HomeLayout &layout, const FileUrls &locations)
+/// "…/Trash/directorysizes" for "…/Trash/files"; nothing for the other folders.
+std::optional<FileUrl> folderSizeBook(const FileUrl &location)
 {
-    FileUrls books;
-    for (const FileUrl &location : locations) {
-        const QByteArray path = location.path();
-        if (layout.isInTrash(location) && path.endsWith("/files"))
-            books.append(FileUrl::fromPath(path.first(path.lastIndexOf('/')) + "/directorysizes",
-                                           FileUrlKind::File));
-    }
-    return books;
+    const QByteArray path = location.path();
+    if (!path.endsWith("/files"))
+        return std::nullopt;
+    return FileUrl::fromPath(path.first(path.lastIndexOf('/')) + "/directorysizes",
+                             FileUrlKind::File);
 }
 
-/// Each folder of the trash by itself, for each has a rule of its own.
-QList<SliceToClean> trashToClean(const HomeLayout &layout, const QString &name,
-                                 const FileUrls &locations)
+/// One folder of the trash, for each has a rule of its own.
+QList<SliceToClean> trashToClean(const QString &name, const FileUrl &location)
 {
-    QList<SliceToClean> slices;
-    const FileUrls books = folderSizeBooks(layout, locations);
-    if (!books.isEmpty())
-        slices.append({name, books, CleaningMode::TheVeryFiles, ReadOnlyFolders::Stay,
-                       WhatGoes::RegularFiles});
-    for (const FileUrl &location : locations) {
-        const bool holdsRecords = location.path().endsWith("/info");
-        slices.append({name,
-                       {location},
-                       CleaningMode::ContentsOfFolders,
-                       ReadOnlyFolders::Emptied,
-                       holdsRecords ? WhatGoes::LoneRecords : WhatGoes::Everything});
-    }
-    return slices;
+    const bool holdsRecords = location.path().endsWith("/info");
+    const SliceToClean folder{.name = name,
+                              .fileURLs = {location},
+                              .readOnlyFolders = ReadOnlyFolders::Emptied,
+                              .whatGoes =
+                                  holdsRecords ? WhatGoes::LoneRecords : WhatGoes::Everything};
+    const std::optional<FileUrl> book = folderSizeBook(location);
+    if (!book)
+        return {folder};
+    return {{.name = name,
+             .fileURLs = {*book},
+             .mode = CleaningMode::TheVeryFiles,
+             .whatGoes = WhatGoes::RegularFiles,
+             .onlyWith = location},
+            folder};
+}
+
+/// All of a slice but the trash.
+SliceToClean placesToClean(const HomeLayout &layout, const Info &record, const FileUrls &locations)
+{
+    return {.name = record.name(),
+            .fileURLs = locations,
+            .mode = modeOf(record.name()),
+            .whatGoes = whatGoesOf(layout, record.name()),
+            .kept = record.kept(),
+            .programPlaces = programPlaces(layout, locations)};
 }
 
 } // namespace
@@ -61,11 +70,12 @@ QList<SliceToClean> slicesToClean(const HomeLayout &layout,
     QList<SliceToClean> slices;
     for (const auto &record : chosen) {
         const FileUrls locations = record->fileURLs().value_or(FileUrls());
-        if (!locations.isEmpty() && layout.isInTrash(locations.constFirst()))
-            slices += trashToClean(layout, record->name(), locations);
-        else
-            slices.append({record->name(), locations, modeOf(record->name()), ReadOnlyFolders::Stay,
-                           whatGoesOf(layout, record->name()), record->kept()});
+        if (!locations.isEmpty() && layout.isInTrash(locations.constFirst())) {
+            for (const FileUrl &location : locations)
+                slices += trashToClean(record->name(), location);
+        } else {
+            slices.append(placesToClean(layout, *record, locations));
+        }
     }
     return slices;
 }

@@ -11,6 +11,7 @@ private Q_SLOTS:
     void writesSizesAsPeopleReadThem_data();
     void writesSizesAsPeopleReadThem();
     void addsWithoutTurningOver();
+    void takesSizesOfFilesWithoutTurningOver();
 };
 
 void TestByteCount::writesSizesAsPeopleReadThem_data()
@@ -79,6 +80,15 @@ void TestByteCount::addsWithoutTurningOver()
     QCOMPARE(sumOfByteCounts(kMost - 1, 1), kMost);
     QCOMPARE(sumOfByteCounts(kMost, 1), kMost);
     QCOMPARE(sumOfByteCounts(kMost, kMost), kMost);
+}
+
+void TestByteCount::takesSizesOfFilesWithoutTurningOver()
+{
+    constexpr qint64 kMost = std::numeric_limits<qint64>::max();
+    QCOMPARE(byteCountOf(0), 0);
+    QCOMPARE(byteCountOf(kMost), kMost);
+    QCOMPARE(byteCountOf(std::uint64_t(kMost) + 1), kMost);
+    QCOMPARE(byteCountOf(std::numeric_limits<std::uint64_t>::max()), kMost);
 }
 
 VANTOR_TEST_MAIN(TestByteCount)

@@ -14,6 +14,7 @@ private Q_SLOTS:
     void refusesWhatIsNotOneAbsolutePath();
     void appendsRelativePaths();
     void knowsTheLastName();
+    void seesNamesThatLeadElsewhere();
 };
 
 void TestFileUrl::leadsBackToTheSameBytes_data()
@@ -92,6 +93,14 @@ void TestFileUrl::knowsTheLastName()
     QCOMPARE(FileUrl::fromPath("/home/anna", FileUrlKind::Folder).lastPathComponent(),
              QByteArray("anna"));
     QCOMPARE(FileUrl::fromPath("/", FileUrlKind::Folder).lastPathComponent(), QByteArray());
+}
+
+void TestFileUrl::seesNamesThatLeadElsewhere()
+{
+    for (const char *path : {".", "..", "/a/../b", "a/.", "../a"})
+        QVERIFY2(hasDotComponent(path), path);
+    for (const char *path : {"", "/", "a/.b", "/a..b", "...", "/a/..b/b..", ". "})
+        QVERIFY2(!hasDotComponent(path), path);
 }
 
 VANTOR_TEST_MAIN(TestFileUrl)

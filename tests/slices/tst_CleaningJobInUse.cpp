@@ -12,6 +12,7 @@
 
 #include <QRegularExpression>
 #include <QSignalSpy>
+#include <filesystem>
 #include <unistd.h>
 
 namespace {
@@ -39,7 +40,9 @@ private Q_SLOTS:
     void keepsWhatAProgramStartedMeanwhileUses();
     void keepsTheCacheOfAProgramThatRuns();
     void keepsTheCacheOfAProgramStartedMeanwhile();
+    void keepsTheCacheOfAProgramStartedWhileAllElseAroundItGoes();
     void countsNothingAsFreedThatStayed();
+    void takesOffNoMoreThanWasMeasured();
     void tellsNothingOfWhatIsNotThere();
     void takesNoSizeOffTwice();
     void logsWhatStaysForAProgram();
@@ -116,8 +119,8 @@ void TestCleaningJobInUse::keepsWhatAProgramStartedMeanwhileUses()
     QVERIFY(!m_fixture->exists(".config/chromium/Default/History"));
     QVERIFY(m_fixture->exists(".mozilla/firefox/a/cookies.sqlite"));
     QVERIFY(m_fixture->exists(".mozilla/firefox/a/formhistory.sqlite"));
-    QCOMPARE(report.refusalCount, 2U);
-    QCOMPARE(report.refusals.value(0).reason, RefusalReason::InUse);
+    QCOMPARE(report.refusalCount, 3U); // and the cache
+    QCOMPARE(report.refusals.value(2).reason, RefusalReason::InUse);
 }
 
 void TestCleaningJobInUse::startFirefoxAtTheFirst(std::string_view call)
@@ -181,6 +184,20 @@ void TestCleaningJobInUse::keepsTheCacheOfAProgramStartedMeanwhile()
     QCOMPARE(report.refusals.value(0).path, m_fixture->home() + "/.cache/mozilla");
 }
 
+/// In the midst of the one folder that holds the caches of all.
+void TestCleaningJobInUse::keepsTheCacheOfAProgramStartedWhileAllElseAroundItGoes()
+{
+    startFirefoxAtTheFirst("removeFile");
+    const CleaningReport report = clean({SliceKind::Cache});
+    QVERIFY(!m_fixture->exists(".cache/other"));
+    QVERIFY(m_fixture->exists(".cache/mozilla/firefox/a/c"));
+    QVERIFY(m_fixture->exists(".cache/mozilla/firefox/.hidden"));
+    QCOMPARE(report.refusalCount, 1U);
+    QCOMPARE(report.refusals.value(0).reason, RefusalReason::InUse);
+    QCOMPARE(report.refusals.value(0).path, m_fixture->home() + "/.cache/mozilla");
+    QCOMPARE(m_chosen.front()->fileSize(), 5); // of 12
+}
+
 void TestCleaningJobInUse::countsNothingAsFreedThatStayed()
 {
     startFirefoxAtTheFirst("removeFile");
@@ -188,6 +205,23 @@ void TestCleaningJobInUse::countsNothingAsFreedThatStayed()
     QCOMPARE(m_chosen.at(0)->fileSize(), 5);
     QCOMPARE(m_chosen.at(1)->fileSize(), 5); // of 12
     QCOMPARE(m_chosen.at(2)->fileSize(), 5); // of 15
+}
+
+/// Firefox writes as soon as it has started.
+void TestCleaningJobInUse::takesOffNoMoreThanWasMeasured()
+{
+    m_calls.setHook([this, hasStarted = false](int, std::string_view name) mutable {
+        if (name == "removeFile" && !std::exchange(hasStarted, true)) {
+            firefoxStarts();
+            m_fixture->makeFile(".cache/mozilla/firefox/a/new", 1000);
+            std::filesystem::resize_file(
+                (m_fixture->home() + "/.mozilla/firefox/a/cookies.sqlite").toStdString(), 1000);
+        }
+        return 0;
+    });
+    clean({SliceKind::Cache, SliceKind::BrowserData});
+    QCOMPARE(m_chosen.at(0)->fileSize(), 5); // of 12
+    QCOMPARE(m_chosen.at(1)->fileSize(), 5); // of 15
 }
 
 void TestCleaningJobInUse::logsWhatStaysForAProgram()

@@ -17,6 +17,7 @@ private Q_SLOTS:
     void sortsByNumber();
     void isAllOrNothing();
     void holdsASingleEntry();
+    void givesEntriesAway();
 };
 
 namespace {
@@ -111,6 +112,27 @@ void TestFolderListing::holdsASingleEntry()
     QCOMPARE(QByteArray(listing.name(listing.at(0))), QByteArray("name"));
     QCOMPARE(listing.at(0).inode, std::uint64_t(7));
     QVERIFY(listing.at(0).kind == FileKind::Link);
+}
+
+void TestFolderListing::givesEntriesAway()
+{
+    const CleaningGround scratch;
+    for (const char *name : {"a", "b", "c"})
+        makeFile(scratch / name);
+    makeFolder(scratch / "d");
+    auto listing = listed(scratch.path());
+    QVERIFY(listing);
+    std::set<QByteArray> names;
+    for (const FolderListing &taken :
+         listing->takeOut([](const char *name) { return *name == 'b' || *name == 'd'; })) {
+        QCOMPARE(taken.size(), 1U);
+        const QByteArray name = taken.name(taken.at(0));
+        QCOMPARE(taken.at(0).kind, name == "d" ? FileKind::Folder : FileKind::Regular);
+        QVERIFY(taken.at(0).inode != 0);
+        names.insert(name);
+    }
+    QCOMPARE(names, std::set<QByteArray>({"b", "d"}));
+    QCOMPARE(listing->size(), 2U);
 }
 
 VANTOR_TEST_MAIN(TestFolderListing)

@@ -258,7 +258,11 @@ void TestHomeProperties::removesWhatIsPlannedAndNothingElse()
         const RandomHome made(seed);
         const CleaningPlan plan = planFor(made);
         const std::set<QByteArray> rest = expectedRest(made, plan);
-        removed += performCleaning(hostSystemCalls(), plan, {}).removedItems;
+        const auto nothingMoreInUse = [](const CleaningLocation &, const FileUrl &) {
+            return FileUrls();
+        };
+        removed +=
+            performCleaning(hostSystemCalls(), plan, {}, nullptr, nothingMoreInUse).removedItems;
         const QByteArray flaw = difference(tree(made.home.path()), rest);
         QVERIFY2(flaw.isEmpty(), "seed " + QByteArray::number(seed) + ": " + flaw);
         QVERIFY(exists(made.home.outside("elsewhere/files/keep")));

@@ -21,7 +21,8 @@ private Q_SLOTS:
     void measuresOnlyWhatHasChanged();
     void takesAwayWhatIsNewlyInUse();
     void givesNothingBackOfWhatWasConfirmed();
-    void takesSizesOffTheRecordsTheyBelongTo();
+    void takesOffWhatWasMeasuredOfThePlacesThatStayed();
+    void takesOffNothingOfWhatWasKeptAnyway();
 
 private:
     void firefoxRuns() const
@@ -30,12 +31,22 @@ private:
     }
     void firefoxEnds() const { ::unlink(m_home->path(".mozilla/firefox/a/lock").constData()); }
     ProgramsInUse inUse() const { return ProgramsInUse::find(m_calls, m_home->access(), m_layout); }
+    qint64 sizeOf(const FileUrl &url, const FileUrls &kept) const
+    {
+        const SizingRules rules{.kept = pathsInside(url, kept)};
+        return measureFolder(m_calls, *m_home->access().anchoredPath(url), {}, 1, rules).bytes;
+    }
+    ProgramPlaceSizes measured() const
+    {
+        return measureProgramPlaces(
+            {m_cache, m_browserData}, m_layout,
+            [this](const FileUrl &url, const FileUrls &kept) { return sizeOf(url, kept); });
+    }
     std::shared_ptr<Info> record(SliceKind kind)
     {
         const auto measure = [this](const FileUrl &url, const FileUrls &kept) {
             ++m_measures;
-            const SizingRules rules{.kept = pathsInside(url, kept)};
-            return measureFolder(m_calls, *m_home->access().anchoredPath(url), {}, 1, rules).bytes;
+            return sizeOf(url, kept);
         };
         return Info::infoWithName(QString::fromUtf16(sliceCatalogue()[indexOf(kind)].name),
                                   m_layout.locations(kind), {measure, nullptr});
@@ -127,14 +138,25 @@ void TestRecordPlaces::givesNothingBackOfWhatWasConfirmed()
     QCOMPARE(m_browserData->fileURLs(), FileUrls());
 }
 
-void TestRecordPlaces::takesSizesOffTheRecordsTheyBelongTo()
+void TestRecordPlaces::takesOffWhatWasMeasuredOfThePlacesThatStayed()
 {
-    const FileUrl cache = m_home->url().appending(".cache/mozilla", FileUrlKind::File);
-    const FileUrl cookies = m_browserData->fileURLs()->constFirst();
-    takeAwaySizes({m_cache, m_browserData}, {cache, cookies},
-                  [&](const FileUrl &url, const FileUrls &) { return url == cache ? 20 : 1000; });
+    const ProgramPlaceSizes sizes = measured();
+    m_home->make(".cache/mozilla/firefox/a/new", QByteArray(4000, 'x'));
+    takeAwaySizes(sizes, {m_home->path(".cache/mozilla"), m_home->path(".cache/other")});
     QCOMPARE(m_cache->fileSize(), 1);
-    QCOMPARE(m_browserData->fileSize(), 0); // it has grown meanwhile
+    QCOMPARE(m_browserData->fileSize(), 300);
+    takeAwaySizes(sizes, {m_home->path(".mozilla/firefox/a/cookies.sqlite")});
+    QCOMPARE(m_browserData->fileSize(), 0);
+    takeAwaySizes(sizes, {m_home->path(".mozilla/firefox/a/cookies.sqlite")});
+    QCOMPARE(m_browserData->fileSize(), 0);
+}
+
+void TestRecordPlaces::takesOffNothingOfWhatWasKeptAnyway()
+{
+    firefoxRuns();
+    takeAwayPlacesInUse({m_cache, m_browserData}, inUse());
+    takeAwaySizes(measured(), {m_home->path(".cache/mozilla")});
+    QCOMPARE(m_cache->fileSize(), 1);
 }
 
 VANTOR_TEST_MAIN(TestRecordPlaces)

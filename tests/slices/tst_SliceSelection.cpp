@@ -3,6 +3,7 @@
 #include "app/ResourceManager.h"
 #include "app/SettingsKeys.h"
 #include "slices/ExcludedPaths.h"
+#include "tests/support/ForwardingSystemCalls.h"
 #include "tests/support/GuiTestMain.h"
 #include "tests/support/PageFixture.h"
 
@@ -12,6 +13,13 @@
 namespace {
 
 const QList<bool> kDefaultSelection{true, false, true, true, true, false, false, false};
+
+/// A machine that runs one program.
+class RunningBrowser final : public ForwardingSystemCalls
+{
+public:
+    SystemResult<QByteArrayList> programNames() const override { return QByteArrayList{"browser"}; }
+};
 
 } // namespace
 
@@ -32,6 +40,7 @@ private Q_SLOTS:
     void togglesASlice();
     void keepsAnExcludedSliceOff();
     void needsAllLocationsExcluded();
+    void countsPlacesInUseAsPlacesOfTheSlice();
     void excludesNothingByParentOrPrefix();
     void switchesOffWhatBecomesExcluded();
     void doesNotSwitchOnWhatIsNoLongerExcluded();
@@ -42,6 +51,7 @@ private Q_SLOTS:
 private:
     QList<bool> states() const;
     void exclude(const QByteArrayList &relativePaths);
+    void rebuildWithOneOfTwoInUse();
 
     std::unique_ptr<PageFixture> m_fixture;
     std::unique_ptr<SliceSelection> m_selection;
@@ -159,6 +169,41 @@ void TestSliceSelection::needsAllLocationsExcluded()
     exclude({"Library/iTunes/iPad Software Updates", "Library/iTunes/iPod Software Updates",
              "Library/iTunes/iPhone Software Updates"});
     QCOMPARE(m_selection->toggle(indexOf(SliceKind::OldIos)), SliceSelection::Toggle::Excluded);
+}
+
+/// Browser Data: the file of a browser that runs, and another one's.
+void TestSliceSelection::rebuildWithOneOfTwoInUse()
+{
+    m_fixture->makeFile("busy", 1);
+    m_fixture->makeFile("idle", 1);
+    const FileUrl busy = m_fixture->homeUrl().appending("busy", FileUrlKind::File);
+    const FileUrl idle = m_fixture->homeUrl().appending("idle", FileUrlKind::File);
+    HomeLayout::Places places;
+    places.locations[indexOf(SliceKind::BrowserData)] = {busy, idle};
+    places.programs = {
+        {QStringLiteral("Browser"), {ProgramLock::Style::ProcessName, "browser"}, {busy}}};
+    const auto layout = HomeLayout::freedesktop(m_fixture->homeUrl(), places);
+    const AccessScope scope(ResourceManager::access());
+    const RunningBrowser calls;
+    m_selection->rebuild(layout, {}, ProgramsInUse::find(calls, ResourceManager::access(), layout));
+    QCOMPARE(m_selection->record(SliceKind::BrowserData).fileURLs(), FileUrls{idle});
+}
+
+void TestSliceSelection::countsPlacesInUseAsPlacesOfTheSlice()
+{
+    rebuildWithOneOfTwoInUse();
+    Info &browserData = m_selection->record(SliceKind::BrowserData);
+    exclude({"idle"});
+    QCOMPARE(m_selection->toggle(indexOf(SliceKind::BrowserData)),
+             SliceSelection::Toggle::Switched);
+    QVERIFY(browserData.isOn());
+    m_selection->applyExclusions();
+    QVERIFY(browserData.isOn());
+    exclude({"idle", "busy"});
+    m_selection->applyExclusions();
+    QVERIFY(!browserData.isOn());
+    QCOMPARE(m_selection->toggle(indexOf(SliceKind::BrowserData)),
+             SliceSelection::Toggle::Excluded);
 }
 
 void TestSliceSelection::excludesNothingByParentOrPrefix()

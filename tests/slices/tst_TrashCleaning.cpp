@@ -132,6 +132,7 @@ private Q_SLOTS:
     void saysWhenTheRightCannotBeGivenBack();
     void forgetsTheSizesOfWhatIsGone();
     void removesTheBookOfSizesFirst();
+    void keepsTheBookOfSizesWithTheFolderThatItTellsOf();
     void keepsTheRecordsOfWhatStays();
     void keepsAllRecordsWhileNobodyKnowsWhatStays();
     void removesNoFolderCalledLikeTheBookOfSizes();
@@ -306,6 +307,19 @@ void TestTrashCleaning::removesTheBookOfSizesFirst()
         [](int, std::string_view name) { return name == "removeFolder" ? EIO : 0; });
     trash.clean(SliceKind::Trash, {}, calls);
     QVERIFY(trash.has(kTrash + "files/album"));
+    QVERIFY(!trash.has(kTrash + "directorysizes"));
+}
+
+void TestTrashCleaning::keepsTheBookOfSizesWithTheFolderThatItTellsOf()
+{
+    const Trash trash;
+    trash.folderOf(kNobody, kTrash + "files/album");
+    trash.tree.makeFile(kTrash + "directorysizes", 90);
+    const ExcludedPaths itself = excluding({trash.access.folder(kTrash + "files")});
+    QCOMPARE(trash.clean(SliceKind::Trash, itself), QByteArray("0, 0, 0"));
+    QVERIFY(trash.has(kTrash + "directorysizes"));
+    const ExcludedPaths inside = excluding({trash.access.folder(kTrash + "files/album")});
+    QCOMPARE(trash.clean(SliceKind::Trash, inside), QByteArray("0, 1, 0"));
     QVERIFY(!trash.has(kTrash + "directorysizes"));
 }
 
