@@ -1,7 +1,7 @@
 #include "slices/ProgramsInUse.h"
 
 #include "slices/AnchoredFolder.h"
-#include "slices/UserFolders.h"
+#include "slices/KnownFolder.h"
 
 #include <algorithm>
 #include <cerrno>
