@@ -65,9 +65,14 @@ QString typedPath(const QString &typed, const QDir &folder)
     return QDir::cleanPath(folder.absoluteFilePath(typed));
 }
 
-bool beginsAPath(const QString &text)
+/// The letter may need any key to be held that makes letters, but with one that makes commands it
+/// is none.
+bool beginsAPath(const QKeyEvent &key)
 {
-    return text == QLatin1String("/") || text == QLatin1String("~");
+    constexpr auto kCommands = Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
+    const QString text = key.text();
+    return (key.modifiers() & kCommands) == 0 &&
+           (text == QLatin1String("/") || text == QLatin1String("~"));
 }
 
 } // namespace
@@ -256,7 +261,7 @@ bool FileChooser::eventFilter(QObject *watched, QEvent *event)
         auto *const key = static_cast<QKeyEvent *>(event);
         if ((key->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier && pressListKey(key->key()))
             return true;
-        if (beginsAPath(key->text()))
+        if (beginsAPath(*key))
             return typeIntoName(*key);
     }
     return QFileDialog::eventFilter(watched, event);
