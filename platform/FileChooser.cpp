@@ -1,7 +1,6 @@
 #include "platform/FileChooser.h"
 
 #include "platform/ChooserItems.h"
-#include "platform/ChooserPlaces.h"
 #include "platform/FileIcons.h"
 #include "platform/Fonts.h"
 
@@ -78,9 +77,9 @@ bool beginsAPath(const QKeyEvent &key)
 } // namespace
 
 /// Told the folder at once, because it would else begin with the program's own, list and watch it.
-FileChooser::FileChooser(const OpenPanel &panel, const ChooserPlaces &places, FileIcons &icons,
+FileChooser::FileChooser(const OpenPanel &panel, const QString &start, FileIcons &icons,
                          QWidget *parent)
-    : QFileDialog(parent, QString(), places.start)
+    : QFileDialog(parent, QString(), start)
 {
     setOption(DontUseNativeDialog);
     setOption(ReadOnly);
@@ -91,12 +90,12 @@ FileChooser::FileChooser(const OpenPanel &panel, const ChooserPlaces &places, Fi
     setWindowFlags(Qt::Widget);
     setFont(interfaceFont(Typeface::Regular, kFontSize));
     setIconProvider(&icons);
-    setDirectory(places.start);
+    setDirectory(start);
     setProxyModel(new ChooserItems(panel.shouldEnable, this));
     findParts();
     hideSpareParts();
     setUpBar();
-    setUpPlaces(places.sidebar);
+    setUpPlaces();
     setUpList();
     setUpButtons();
     followChoice();
@@ -107,9 +106,10 @@ FileChooser::FileChooser(const OpenPanel &panel, const ChooserPlaces &places, Fi
 void FileChooser::findParts()
 {
     m_list = findChild<QTreeView *>(QStringLiteral("treeView"));
+    m_places = findChild<QListView *>(QStringLiteral("sidebar"));
     m_name = findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
     m_toParent = findChild<QToolButton *>(QStringLiteral("toParentButton"));
-    if (!m_list || !m_name || !m_toParent)
+    if (!m_list || !m_places || !m_name || !m_toParent)
         qFatal("the toolkit's file dialog is not made as it was");
 }
 
@@ -149,16 +149,22 @@ void FileChooser::setUpBar()
     }
 }
 
-void FileChooser::setUpPlaces(const QList<QUrl> &places)
+void FileChooser::setUpPlaces()
 {
-    setSidebarUrls(places);
-    auto *const sidebar = findChild<QListView *>(QStringLiteral("sidebar"));
-    sidebar->setContextMenuPolicy(Qt::NoContextMenu);
-    sidebar->setAcceptDrops(false);
-    sidebar->setDragEnabled(false);
-    sidebar->setIconSize(kIconSize);
-    sidebar->setAccessibleName(QStringLiteral("Places"));
+    offerPlaces({});
+    m_places->setContextMenuPolicy(Qt::NoContextMenu);
+    m_places->setAcceptDrops(false);
+    m_places->setDragEnabled(false);
+    m_places->setIconSize(kIconSize);
+    m_places->setAccessibleName(QStringLiteral("Places"));
     findChild<QSplitter *>(QStringLiteral("splitter"))->setSizes({kPlacesWidth, width()});
+}
+
+/// The dialog takes them all away first, and would go where its selection does meanwhile.
+void FileChooser::offerPlaces(const QList<QUrl> &places)
+{
+    const QSignalBlocker quiet(m_places);
+    setSidebarUrls(places + QList<QUrl>{QUrl(QStringLiteral("file:"))});
 }
 
 void FileChooser::setUpList()

@@ -4,9 +4,9 @@
 
 #include <QFileDialog>
 
-struct ChooserPlaces;
 class FileIcons;
 class QLineEdit;
+class QListView;
 class QToolButton;
 class QTreeView;
 
@@ -21,14 +21,17 @@ class FileChooser final : public QFileDialog
     Q_OBJECT
 
 public:
-    /// The icons are read by a thread of the dialog's: they must outlive it.
-    FileChooser(const OpenPanel &panel, const ChooserPlaces &places, FileIcons &icons,
-                QWidget *parent);
+    /// Starts in that folder, which is there. The icons are read by a thread of the dialog's: they
+    /// must outlive it.
+    FileChooser(const OpenPanel &panel, const QString &start, FileIcons &icons, QWidget *parent);
 
     /// The absolute path that is chosen right now: what was typed, else the selected item, else the
     /// folder itself.
     QString chosenPath() const;
 
+    /// Beside the list, instead of those before: folders that are there, because their disks are
+    /// asked again on the main thread. The computer stands below them, and alone at first.
+    void offerPlaces(const QList<QUrl> &places);
     void focusList();
     /// Shows another folder.
     void enter(const QString &folder);
@@ -51,7 +54,7 @@ private:
     void findParts();
     void hideSpareParts();
     void setUpBar();
-    void setUpPlaces(const QList<QUrl> &places);
+    void setUpPlaces();
     void setUpList();
     void setUpButtons();
     void followChoice();
@@ -62,6 +65,7 @@ private:
     void toggleHidden();
 
     QTreeView *m_list = nullptr;
+    QListView *m_places = nullptr;
     QLineEdit *m_name = nullptr;
     QToolButton *m_toParent = nullptr;
     bool m_isTyped = false; ///< the name was typed, and nothing else selected since
