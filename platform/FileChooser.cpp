@@ -79,7 +79,7 @@ bool beginsAPath(const QKeyEvent &key)
 /// Told the folder at once, because it would else begin with the program's own, list and watch it.
 FileChooser::FileChooser(const OpenPanel &panel, const QString &start, FileIcons &icons,
                          QWidget *parent)
-    : QFileDialog(parent, QString(), start)
+    : QFileDialog(parent, QString(), start), m_items(new ChooserItems(panel.shouldEnable, this))
 {
     setOption(DontUseNativeDialog);
     setOption(ReadOnly);
@@ -91,7 +91,7 @@ FileChooser::FileChooser(const OpenPanel &panel, const QString &start, FileIcons
     setFont(interfaceFont(Typeface::Regular, kFontSize));
     setIconProvider(&icons);
     setDirectory(start);
-    setProxyModel(new ChooserItems(panel.shouldEnable, this));
+    setProxyModel(m_items);
     findParts();
     hideSpareParts();
     setUpBar();
@@ -99,6 +99,7 @@ FileChooser::FileChooser(const OpenPanel &panel, const QString &start, FileIcons
     setUpList();
     setUpButtons();
     followChoice();
+    followReading();
     clearChoice();
     setStyleSheet(QLatin1String(kStyle));
 }
@@ -219,6 +220,28 @@ void FileChooser::followChoice()
         Q_EMIT chosenPathChanged();
     });
     connect(this, &QFileDialog::directoryEntered, this, &FileChooser::clearChoice);
+}
+
+void FileChooser::followReading()
+{
+    m_unread.insert(directory().absolutePath());
+    connect(this, &QFileDialog::directoryEntered, this, [this](const QString &path) {
+        if (const QString folder = QDir::cleanPath(path); !m_read.contains(folder))
+            m_unread.insert(folder);
+    });
+    const auto *const files = qobject_cast<QFileSystemModel *>(m_items->sourceModel());
+    connect(files, &QFileSystemModel::directoryLoaded, this, [this](const QString &path) {
+        m_read.insert(QDir::cleanPath(path));
+        if (m_unread.remove(QDir::cleanPath(path)) && m_unread.isEmpty())
+            Q_EMIT hasRead();
+    });
+}
+
+void FileChooser::retire()
+{
+    hide();
+    setParent(nullptr);
+    m_items->dropRule();
 }
 
 /// Then the folder that is shown is the choice, and the empty field says so.

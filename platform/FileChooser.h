@@ -3,7 +3,9 @@
 #include "platform/OpenPanel.h"
 
 #include <QFileDialog>
+#include <QSet>
 
+class ChooserItems;
 class FileIcons;
 class QLineEdit;
 class QListView;
@@ -33,6 +35,13 @@ public:
     /// asked again on the main thread. The computer stands below them, and alone at first.
     void offerPlaces(const QList<QUrl> &places);
     void focusList();
+
+    /// Whether a folder is being read, by a thread of the dialog's for which its destructor waits:
+    /// then for as long as the disk does. The end is told by hasRead().
+    bool isReading() const { return !m_unread.isEmpty(); }
+    /// Out of sight, and without anything of its owner's but the icons, until it can be destroyed.
+    void retire();
+
     /// Shows another folder.
     void enter(const QString &folder);
 
@@ -45,6 +54,7 @@ Q_SIGNALS:
     void chosen();
     void cancelled();
     void chosenPathChanged();
+    void hasRead();
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
@@ -58,12 +68,16 @@ private:
     void setUpList();
     void setUpButtons();
     void followChoice();
+    void followReading();
     void clearChoice();
     bool pressListKey(int key);
     bool typeIntoName(QKeyEvent &key);
     bool selectFirst();
     void toggleHidden();
 
+    ChooserItems *m_items;
+    QSet<QString> m_unread; ///< folders that are being read
+    QSet<QString> m_read;   ///< are read once
     QTreeView *m_list = nullptr;
     QListView *m_places = nullptr;
     QLineEdit *m_name = nullptr;

@@ -6,6 +6,7 @@
 #include "platform/Sheet.h"
 #include "platform/WrappedLabel.h"
 
+#include <QApplication>
 #include <QBoxLayout>
 #include <QLabel>
 #include <QSettings>
@@ -48,7 +49,7 @@ private:
 } // namespace
 
 OpenPanelView::OpenPanelView(OpenPanel panel, const ChooserQuestions &questions)
-    : m_panel(std::move(panel))
+    : m_panel(std::move(panel)), m_icons(std::make_shared<FileIcons>())
 {
     setAccessibleName(m_panel.prompt.isEmpty() ? m_panel.title : m_panel.prompt);
     auto *const column = new QVBoxLayout(this);
@@ -65,8 +66,23 @@ OpenPanelView::OpenPanelView(OpenPanel panel, const ChooserQuestions &questions)
 
 OpenPanelView::~OpenPanelView()
 {
-    const SharedSettingsAside aside;
-    delete m_chooser;
+    if (m_chooser)
+        letChooserGo();
+}
+
+/// A folder that is being read may lie on a disk that does not answer.
+void OpenPanelView::letChooserGo()
+{
+    const auto end = [chooser = m_chooser, icons = m_icons] {
+        const SharedSettingsAside aside;
+        delete chooser;
+    };
+    if (!m_chooser->isReading())
+        return end();
+    m_chooser->disconnect(this);
+    m_chooser->retire();
+    connect(m_chooser, &FileChooser::hasRead, qApp, end,
+            static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
 }
 
 QSize OpenPanelView::sizeHint() const
@@ -151,7 +167,7 @@ void OpenPanelView::offerPlaces()
 void OpenPanelView::addChooser(const QString &start)
 {
     const SharedSettingsAside aside;
-    m_chooser = new FileChooser(m_panel, start, m_icons, m_chooserPlace);
+    m_chooser = new FileChooser(m_panel, start, *m_icons, m_chooserPlace);
     m_chooser->layout()->setContentsMargins(0, 0, PanelButton::kRing, 0);
     m_chooserPlace->layout()->addWidget(m_chooser);
     connect(m_chooser, &FileChooser::chosen, this, &OpenPanelView::choose);

@@ -7,6 +7,7 @@
 
 #include <QWidget>
 #include <functional>
+#include <memory>
 
 class PanelButton;
 class QBoxLayout;
@@ -39,6 +40,7 @@ private:
     void askForPlaces(const ChooserQuestions &questions);
     void askWhichAreThere(const QList<QUrl> &places, const ChooserQuestions &questions);
     void addChooser(const QString &start);
+    void letChooserGo();
     void offerPlaces();
     void cancel();
     void choose();
@@ -47,11 +49,11 @@ private:
 
     OpenPanel m_panel;
     QByteArray m_path;
-    FileIcons m_icons;
     QList<QUrl> m_places;      ///< in order
     QList<QUrl> m_placesThere; ///< as they answered
     QWidget *m_chooserPlace = nullptr;
-    QLabel *m_waitingText = nullptr;  ///< until there is a chooser
+    QLabel *m_waitingText = nullptr; ///< until there is a chooser
+    std::shared_ptr<FileIcons> m_icons;
     FileChooser *m_chooser = nullptr; ///< once it is known where to start
     QLabel *m_message = nullptr;
     PanelButton *m_openButton = nullptr;

@@ -9,9 +9,13 @@
 #include <QListView>
 #include <QPointer>
 #include <QSignalSpy>
+#include <atomic>
 #include <latch>
 #include <mutex>
+#include <sys/stat.h>
+#include <sys/syscall.h>
 #include <thread>
+#include <unistd.h>
 
 /// The panel of a home whose disk takes its time.
 class TestOpenPanelView final : public QObject
@@ -23,6 +27,7 @@ private Q_SLOTS:
     void isUpWhileTheDiskDoesNotAnswer();
     void isNotCancelledByTheKeyThatOpenedIt();
     void goesWithoutWaitingForTheDisk();
+    void goesWhileAFolderIsRead();
     void listsAlthoughAPlaceDoesNotAnswer();
     void listsAlthoughNobodyKnowsThePlaces();
     void staysWhereItIsWhenAPlaceComes();
@@ -30,6 +35,51 @@ private Q_SLOTS:
     void startsInTheHomeWhereTheFolderIsNone();
     void offersThePlacesThatAreThere();
 };
+
+namespace {
+
+/// A folder "dead mount", anywhere, which answers nobody but the main thread when told so.
+class DeadMount final
+{
+public:
+    void hang() { m_hangs = true; }
+    void answer()
+    {
+        m_hangs = false;
+        m_hangs.notify_all();
+    }
+    bool isWaitedFor() const { return m_isWaitedFor; }
+
+    void hear(const char *path)
+    {
+        if (std::this_thread::get_id() == m_here || !QByteArrayView(path).endsWith("/dead mount"))
+            return;
+        m_isWaitedFor = m_hangs.load();
+        m_hangs.wait(true);
+    }
+
+private:
+    const std::thread::id m_here = std::this_thread::get_id();
+    std::atomic<bool> m_hangs = false;
+    std::atomic<bool> m_isWaitedFor = false;
+};
+
+DeadMount &deadMount()
+{
+    static DeadMount mount; // made at the start, see below
+    return mount;
+}
+
+[[maybe_unused]] const DeadMount &kMadeOnTheMainThread = deadMount();
+
+} // namespace
+
+/// In the place of the C library's, for the toolkit too.
+extern "C" int statx(int parent, const char *path, int flags, unsigned mask, struct statx *status)
+{
+    deadMount().hear(path);
+    return static_cast<int>(::syscall(SYS_statx, parent, path, flags, mask, status));
+}
 
 namespace {
 
@@ -191,6 +241,24 @@ void TestOpenPanelView::goesWithoutWaitingForTheDisk()
     gate.count_down(); // else this would never be reached
     awaitLooseThreads();
     QCoreApplication::processEvents();
+}
+
+/// The toolkit's thread hangs in the list's folder, and the toolkit would wait for its thread.
+void TestOpenPanelView::goesWhileAFolderIsRead()
+{
+    QVERIFY(QDir::home().mkpath(QStringLiteral("around/dead mount")));
+    OpenPanel panel;
+    panel.startFolder = QFile::encodeName(QDir::home().filePath(QStringLiteral("around")));
+    deadMount().hang();
+    QPointer<FileChooser> chooser;
+    {
+        const OpenPanelView view(panel);
+        QTRY_VERIFY((chooser = view.findChild<FileChooser *>()));
+        QTRY_VERIFY(deadMount().isWaitedFor());
+    }
+    QVERIFY(chooser && !chooser->isVisible());
+    deadMount().answer(); // else this would never be reached
+    QTRY_VERIFY(!chooser);
 }
 
 void TestOpenPanelView::listsAlthoughAPlaceDoesNotAnswer()
