@@ -71,5 +71,5 @@ private:
     QTimer m_forwardTimer;
     ImageButton *m_homeButton = nullptr;
     ImageView *m_homeCheck = nullptr;
-    LatestTask m_granting; ///< last: its threads end before what they use
+    LatestTask m_granting;
 };

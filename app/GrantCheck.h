@@ -29,5 +29,5 @@ private:
     bool m_isLooking = false;
     bool m_isOutdated = false;         ///< the look under way began before the question
     std::optional<QByteArray> m_grant; ///< that is looked for
-    LatestTask m_task;                 ///< last: its threads end before what they use
+    LatestTask m_task;
 };

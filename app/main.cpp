@@ -1,17 +1,22 @@
 #include "app/AppDelegate.h"
 #include "app/Appearance.h"
+#include "platform/LooseThreads.h"
 #include "prefs/TutorialView.h"
 #include "prefs/WebTutorial.h"
 
 #include <QApplication>
+#include <QThreadPool>
 #include <QTimer>
 #include <chrono>
+#include <cstdlib>
 
 namespace {
 
 using namespace std::chrono_literals;
 /// The web engine is tried out when the window has come in.
 constexpr auto kPauseBeforeProbe = 500ms;
+/// For threads that were told to stop and wait for the disk.
+constexpr auto kPatienceAtTheEnd = 1s;
 
 AppDelegate::Configuration configurationWith(WebTutorial &tutorial)
 {
@@ -20,6 +25,28 @@ AppDelegate::Configuration configurationWith(WebTutorial &tutorial)
         return tutorial.makeView(parent);
     };
     return configuration;
+}
+
+/// From the window to its end.
+int run(QApplication &application, bool mayShowTutorial)
+{
+    setUpAppearance(application);
+    WebTutorial tutorial;
+    AppDelegate delegate(configurationWith(tutorial));
+    QObject::connect(&application, &QCoreApplication::aboutToQuit, &delegate,
+                     &AppDelegate::applicationWillTerminate);
+    QTimer::singleShot(0, &delegate, &AppDelegate::applicationDidFinishLaunching);
+    if (mayShowTutorial)
+        QTimer::singleShot(kPauseBeforeProbe, &tutorial, &WebTutorial::probe);
+    return QApplication::exec();
+}
+
+/// Whether nothing asks the disk any more. What changes files has ended before.
+bool diskIsLeft()
+{
+    return waitForLooseThreads(kPatienceAtTheEnd) &&
+           QThreadPool::globalInstance()->waitForDone(
+               std::chrono::milliseconds(kPatienceAtTheEnd).count());
 }
 
 } // namespace
@@ -31,13 +58,10 @@ int main(int argc, char **argv)
     if (mayShowTutorial)
         WebTutorial::prepareApplication();
     QApplication application(argc, argv);
-    setUpAppearance(application);
-    WebTutorial tutorial;
-    AppDelegate delegate(configurationWith(tutorial));
-    QObject::connect(&application, &QCoreApplication::aboutToQuit, &delegate,
-                     &AppDelegate::applicationWillTerminate);
-    QTimer::singleShot(0, &delegate, &AppDelegate::applicationDidFinishLaunching);
-    if (mayShowTutorial)
-        QTimer::singleShot(kPauseBeforeProbe, &tutorial, &WebTutorial::probe);
-    return QApplication::exec();
+    const int result = run(application, mayShowTutorial);
+    // A thread that waits for a dead disk cannot be ended, and what it uses must not go before it:
+    // all is saved, so that the process may end as it stands.
+    if (!diskIsLeft())
+        std::quick_exit(result);
+    return result;
 }

@@ -4,7 +4,8 @@
 
 void FreshSizes::read(const FileUrls &files, Answer answer)
 {
-    m_job.run([this, files, answer = std::move(answer)](const std::stop_token &stop) {
-        return [answer, sizes = currentSizes(m_calls, m_access, files, stop)] { answer(sizes); };
+    m_job.run([&calls = m_calls, &access = m_access, files,
+               answer = std::move(answer)](const std::stop_token &stop) {
+        return [answer, sizes = currentSizes(calls, access, files, stop)] { answer(sizes); };
     });
 }

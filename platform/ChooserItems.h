@@ -17,6 +17,9 @@ public:
 
     ChooserItems(Rule shouldEnable, QObject *parent);
 
+    /// Whoever made the rule may be gone from now on.
+    void dropRule() { m_shouldEnable = {}; }
+
     Qt::ItemFlags flags(const QModelIndex &index) const override;
     QVariant data(const QModelIndex &index, int role) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;

@@ -1,7 +1,6 @@
 #include "platform/FileChooser.h"
 
 #include "platform/ChooserItems.h"
-#include "platform/ChooserPlaces.h"
 #include "platform/FileIcons.h"
 #include "platform/Fonts.h"
 
@@ -65,17 +64,22 @@ QString typedPath(const QString &typed, const QDir &folder)
     return QDir::cleanPath(folder.absoluteFilePath(typed));
 }
 
-bool beginsAPath(const QString &text)
+/// The letter may need any key to be held that makes letters, but with one that makes commands it
+/// is none.
+bool beginsAPath(const QKeyEvent &key)
 {
-    return text == QLatin1String("/") || text == QLatin1String("~");
+    constexpr auto kCommands = Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
+    const QString text = key.text();
+    return (key.modifiers() & kCommands) == 0 &&
+           (text == QLatin1String("/") || text == QLatin1String("~"));
 }
 
 } // namespace
 
 /// Told the folder at once, because it would else begin with the program's own, list and watch it.
-FileChooser::FileChooser(const OpenPanel &panel, const ChooserPlaces &places, FileIcons &icons,
+FileChooser::FileChooser(const OpenPanel &panel, const QString &start, FileIcons &icons,
                          QWidget *parent)
-    : QFileDialog(parent, QString(), places.start)
+    : QFileDialog(parent, QString(), start), m_items(new ChooserItems(panel.shouldEnable, this))
 {
     setOption(DontUseNativeDialog);
     setOption(ReadOnly);
@@ -86,15 +90,16 @@ FileChooser::FileChooser(const OpenPanel &panel, const ChooserPlaces &places, Fi
     setWindowFlags(Qt::Widget);
     setFont(interfaceFont(Typeface::Regular, kFontSize));
     setIconProvider(&icons);
-    setDirectory(places.start);
-    setProxyModel(new ChooserItems(panel.shouldEnable, this));
+    setDirectory(start);
+    setProxyModel(m_items);
     findParts();
     hideSpareParts();
     setUpBar();
-    setUpPlaces(places.sidebar);
+    setUpPlaces();
     setUpList();
     setUpButtons();
     followChoice();
+    followReading();
     clearChoice();
     setStyleSheet(QLatin1String(kStyle));
 }
@@ -102,9 +107,10 @@ FileChooser::FileChooser(const OpenPanel &panel, const ChooserPlaces &places, Fi
 void FileChooser::findParts()
 {
     m_list = findChild<QTreeView *>(QStringLiteral("treeView"));
+    m_places = findChild<QListView *>(QStringLiteral("sidebar"));
     m_name = findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
     m_toParent = findChild<QToolButton *>(QStringLiteral("toParentButton"));
-    if (!m_list || !m_name || !m_toParent)
+    if (!m_list || !m_places || !m_name || !m_toParent)
         qFatal("the toolkit's file dialog is not made as it was");
 }
 
@@ -144,16 +150,22 @@ void FileChooser::setUpBar()
     }
 }
 
-void FileChooser::setUpPlaces(const QList<QUrl> &places)
+void FileChooser::setUpPlaces()
 {
-    setSidebarUrls(places);
-    auto *const sidebar = findChild<QListView *>(QStringLiteral("sidebar"));
-    sidebar->setContextMenuPolicy(Qt::NoContextMenu);
-    sidebar->setAcceptDrops(false);
-    sidebar->setDragEnabled(false);
-    sidebar->setIconSize(kIconSize);
-    sidebar->setAccessibleName(QStringLiteral("Places"));
+    offerPlaces({});
+    m_places->setContextMenuPolicy(Qt::NoContextMenu);
+    m_places->setAcceptDrops(false);
+    m_places->setDragEnabled(false);
+    m_places->setIconSize(kIconSize);
+    m_places->setAccessibleName(QStringLiteral("Places"));
     findChild<QSplitter *>(QStringLiteral("splitter"))->setSizes({kPlacesWidth, width()});
+}
+
+/// The dialog takes them all away first, and would go where its selection does meanwhile.
+void FileChooser::offerPlaces(const QList<QUrl> &places)
+{
+    const QSignalBlocker quiet(m_places);
+    setSidebarUrls(places + QList<QUrl>{QUrl(QStringLiteral("file:"))});
 }
 
 void FileChooser::setUpList()
@@ -210,6 +222,28 @@ void FileChooser::followChoice()
     connect(this, &QFileDialog::directoryEntered, this, &FileChooser::clearChoice);
 }
 
+void FileChooser::followReading()
+{
+    m_unread.insert(directory().absolutePath());
+    connect(this, &QFileDialog::directoryEntered, this, [this](const QString &path) {
+        if (const QString folder = QDir::cleanPath(path); !m_read.contains(folder))
+            m_unread.insert(folder);
+    });
+    const auto *const files = qobject_cast<QFileSystemModel *>(m_items->sourceModel());
+    connect(files, &QFileSystemModel::directoryLoaded, this, [this](const QString &path) {
+        m_read.insert(QDir::cleanPath(path));
+        if (m_unread.remove(QDir::cleanPath(path)) && m_unread.isEmpty())
+            Q_EMIT hasRead();
+    });
+}
+
+void FileChooser::retire()
+{
+    hide();
+    setParent(nullptr);
+    m_items->dropRule();
+}
+
 /// Then the folder that is shown is the choice, and the empty field says so.
 void FileChooser::clearChoice()
 {
@@ -256,7 +290,7 @@ bool FileChooser::eventFilter(QObject *watched, QEvent *event)
         auto *const key = static_cast<QKeyEvent *>(event);
         if ((key->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier && pressListKey(key->key()))
             return true;
-        if (beginsAPath(key->text()))
+        if (beginsAPath(*key))
             return typeIntoName(*key);
     }
     return QFileDialog::eventFilter(watched, event);

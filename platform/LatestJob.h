@@ -1,27 +1,31 @@
 #pragma once
 
-#include <QObject>
-#include <condition_variable>
-#include <functional>
-#include <mutex>
-#include <stop_token>
-#include <thread>
+#include "platform/Mailbox.h"
 
-/// One thread that does one piece of work at a time, of which only the latest counts: a new one
-/// takes the place of the one that waits, and tells the one under way to stop. Owned and called on
-/// one thread, which runs an event loop.
+#include <QObject>
+#include <functional>
+#include <memory>
+#include <stop_token>
+
+/// Does one piece of work at a time beside its owner's thread, of which only the latest counts: a
+/// new one takes the place of the one that waits, and tells the one under way to stop. Owned and
+/// called on one thread, which runs an event loop.
 class LatestJob final : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Runs on the owner's thread, unless something newer was asked for meanwhile.
+    /// Runs on the owner's thread, unless something newer was asked for, or this was destroyed,
+    /// meanwhile.
     using Answer = std::function<void()>;
-    /// Runs on the thread of the jobs, and should end soon after its token says so.
+    /// Runs on a thread of its own, and should end soon after its token says so. It may hang for
+    /// good and holds up no end of the program: it outlives its owner then, and so may touch only
+    /// what it has in itself and what lives as long as the program; no more than its answer uses
+    /// the owner. It changes none of the user's files.
     using Work = std::function<Answer(const std::stop_token &)>;
 
     explicit LatestJob(QObject *parent = nullptr);
-    /// Waits for the work under way to heed the stop.
+    /// Stops, and waits for nothing.
     ~LatestJob() override;
 
     void run(Work work);
@@ -29,14 +33,11 @@ public:
     void stop();
 
 private:
-    void serve(const std::stop_token &end);
+    struct Desk;
+
     void answer(quint64 number, const Answer &answer);
 
-    quint64 m_latest = 0; ///< the owner's thread alone
-    std::mutex m_mutex;   ///< guards the three below
-    Work m_waiting;
-    quint64 m_number = 0;
-    std::stop_source m_stop;
-    std::condition_variable_any m_arrived;
-    std::jthread m_thread; ///< last: it ends before what it uses
+    quint64 m_latest = 0;
+    std::shared_ptr<Desk> m_desk; ///< shared with the thread that works
+    Mailbox m_mailbox;
 };

@@ -1,5 +1,7 @@
 #include "platform/LatestTask.h"
 
+#include "platform/LooseThreads.h"
+
 LatestTask::~LatestTask()
 {
     stop();
@@ -19,14 +21,16 @@ void LatestTask::start(Work work)
 
 void LatestTask::ask(Question question)
 {
-    start([this, question = std::move(question)](const std::stop_token &stop) {
-        QMetaObject::invokeMethod(
-            this,
-            [stop, answer = question(stop)] {
-                if (!stop.stop_requested())
-                    answer();
-            },
-            Qt::QueuedConnection);
+    stop();
+    m_stop = std::stop_source();
+    ++m_questions;
+    runLoose([this, address = m_mailbox.address(), stop = m_stop.get_token(),
+              question = std::move(question)] {
+        address.post([stop, answer = question(stop)] {
+            if (!stop.stop_requested())
+                answer();
+        });
+        address.post([this] { --m_questions; });
     });
 }
 
@@ -34,6 +38,7 @@ void LatestTask::stop()
 {
     for (std::jthread &thread : m_threads)
         thread.request_stop();
+    m_stop.request_stop();
 }
 
 void LatestTask::join(std::thread::id ended)

@@ -1,14 +1,16 @@
 #include "platform/OpenPanelView.h"
 
 #include "platform/Fonts.h"
+#include "platform/LooseThreads.h"
 #include "platform/PanelButton.h"
 #include "platform/Sheet.h"
 #include "platform/WrappedLabel.h"
 
+#include <QApplication>
 #include <QBoxLayout>
-#include <QPromise>
+#include <QLabel>
 #include <QSettings>
-#include <thread>
+#include <QTimer>
 
 namespace {
 
@@ -19,6 +21,8 @@ constexpr int kGap = 14;
 constexpr int kButtonGap = 6;
 constexpr int kPromptSize = 15;
 constexpr int kMessageSize = 13;
+/// A disk that answers sooner needs no excuse.
+constexpr std::chrono::milliseconds kPauseBeforeWaitingText{500};
 
 /// The toolkit's file dialog reads and writes settings that it shares with all programs, the
 /// folders visited among them. While this lives it finds none, and leaves no trace.
@@ -44,7 +48,8 @@ private:
 
 } // namespace
 
-OpenPanelView::OpenPanelView(OpenPanel panel, PlacesFinder find) : m_panel(std::move(panel))
+OpenPanelView::OpenPanelView(OpenPanel panel, const ChooserQuestions &questions)
+    : m_panel(std::move(panel)), m_icons(std::make_shared<FileIcons>())
 {
     setAccessibleName(m_panel.prompt.isEmpty() ? m_panel.title : m_panel.prompt);
     auto *const column = new QVBoxLayout(this);
@@ -53,14 +58,31 @@ OpenPanelView::OpenPanelView(OpenPanel panel, PlacesFinder find) : m_panel(std::
     addPrompt(*column);
     m_chooserPlace = new QWidget(this);
     column->addWidget(m_chooserPlace, 1);
+    addWaitingText();
     addButtons(*column);
-    findPlaces(std::move(find));
+    askForStart(questions);
+    askForPlaces(questions);
 }
 
 OpenPanelView::~OpenPanelView()
 {
-    const SharedSettingsAside aside;
-    delete m_chooser;
+    if (m_chooser)
+        letChooserGo();
+}
+
+/// A folder that is being read may lie on a disk that does not answer.
+void OpenPanelView::letChooserGo()
+{
+    const auto end = [chooser = m_chooser, icons = m_icons] {
+        const SharedSettingsAside aside;
+        delete chooser;
+    };
+    if (!m_chooser->isReading())
+        return end();
+    m_chooser->disconnect(this);
+    m_chooser->retire();
+    connect(m_chooser, &FileChooser::hasRead, qApp, end,
+            static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
 }
 
 QSize OpenPanelView::sizeHint() const
@@ -75,35 +97,87 @@ void OpenPanelView::addPrompt(QBoxLayout &column)
             new WrappedLabel(m_panel.prompt, interfaceFont(Typeface::Medium, kPromptSize), this));
 }
 
-/// A disk that does not answer must not hold up the panel, nor its end: the thread has nothing of
-/// the panel's, and the watcher hears it only while the panel is there.
-void OpenPanelView::findPlaces(PlacesFinder find)
+/// Stands where the list will, and has the focus until then: the key that opened the panel would
+/// else cancel it when it is pressed once more.
+void OpenPanelView::addWaitingText()
 {
-    connect(&m_places, &QFutureWatcherBase::finished, this, &OpenPanelView::addChooser);
-    QPromise<ChooserPlaces> promise;
-    m_places.setFuture(promise.future());
-    std::thread([promise = std::move(promise), find = std::move(find),
-                 wanted = m_panel.startFolder]() mutable {
-        promise.start();
-        promise.addResult(find(wanted));
-        promise.finish();
-    }).detach();
-}
-
-void OpenPanelView::addChooser()
-{
-    const SharedSettingsAside aside;
-    m_chooser = new FileChooser(m_panel, m_places.result(), m_icons, m_chooserPlace);
-    m_chooser->layout()->setContentsMargins(0, 0, PanelButton::kRing, 0);
+    const QString text = QStringLiteral("Looking…");
+    m_waitingText = new QLabel(m_chooserPlace);
+    m_waitingText->setFont(interfaceFont(Typeface::Regular, kMessageSize));
+    m_waitingText->setAccessibleName(text);
+    m_waitingText->setAlignment(Qt::AlignCenter);
+    m_waitingText->setForegroundRole(QPalette::PlaceholderText);
+    m_waitingText->setFocusPolicy(Qt::StrongFocus);
+    m_waitingText->setFocus(Qt::OtherFocusReason);
     auto *const layout = new QVBoxLayout(m_chooserPlace);
     layout->setContentsMargins({});
-    layout->addWidget(m_chooser);
+    layout->addWidget(m_waitingText);
+    QTimer::singleShot(kPauseBeforeWaitingText, m_waitingText,
+                       [label = m_waitingText, text] { label->setText(text); });
+}
+
+/// A disk that does not answer must not hold up the panel, nor its end: the question has nothing of
+/// the panel's, and its answer is heard only while the panel is there.
+void OpenPanelView::ask(std::function<Mailbox::Message()> question)
+{
+    runLoose([address = m_answers.address(), question = std::move(question)] {
+        address.post(question());
+    });
+}
+
+void OpenPanelView::askForStart(const ChooserQuestions &questions)
+{
+    ask([this, find = questions.start, wanted = m_panel.startFolder] {
+        return [this, start = find(wanted)] { addChooser(start); };
+    });
+}
+
+void OpenPanelView::askForPlaces(const ChooserQuestions &questions)
+{
+    ask([this, questions] {
+        return
+            [this, questions, places = questions.places()] { askWhichAreThere(places, questions); };
+    });
+}
+
+void OpenPanelView::askWhichAreThere(const QList<QUrl> &places, const ChooserQuestions &questions)
+{
+    m_places = places;
+    for (const QUrl &place : places) {
+        ask([this, place, isThere = questions.isThere]() -> Mailbox::Message {
+            if (!isThere(place))
+                return [] {};
+            return [this, place] {
+                m_placesThere.append(place);
+                offerPlaces();
+            };
+        });
+    }
+}
+
+void OpenPanelView::offerPlaces()
+{
+    if (!m_chooser)
+        return;
+    QList<QUrl> offered = m_places;
+    offered.removeIf([this](const QUrl &place) { return !m_placesThere.contains(place); });
+    m_chooser->offerPlaces(offered);
+}
+
+void OpenPanelView::addChooser(const QString &start)
+{
+    const SharedSettingsAside aside;
+    m_chooser = new FileChooser(m_panel, start, *m_icons, m_chooserPlace);
+    m_chooser->layout()->setContentsMargins(0, 0, PanelButton::kRing, 0);
+    m_chooserPlace->layout()->addWidget(m_chooser);
     connect(m_chooser, &FileChooser::chosen, this, &OpenPanelView::choose);
     connect(m_chooser, &FileChooser::cancelled, this, &OpenPanelView::cancel);
     connect(m_chooser, &FileChooser::chosenPathChanged, this, &OpenPanelView::updateOpenButton);
     updateOpenButton();
+    offerPlaces();
     m_chooser->show(); // which gives the focus to the name
     m_chooser->focusList();
+    delete std::exchange(m_waitingText, nullptr);
 }
 
 void OpenPanelView::addButtons(QBoxLayout &column)

@@ -3,10 +3,11 @@
 #include "platform/ChooserPlaces.h"
 #include "platform/FileChooser.h"
 #include "platform/FileIcons.h"
+#include "platform/Mailbox.h"
 
-#include <QFutureWatcher>
 #include <QWidget>
 #include <functional>
+#include <memory>
 
 class PanelButton;
 class QBoxLayout;
@@ -14,17 +15,15 @@ class QLabel;
 
 /// The panel that lets the user choose a file or folder; ends the sheet that shows it. The list
 /// comes when the disk has said where to start, because the toolkit asks that folder's status, and
-/// that of those above it, on the main thread; until then there is nothing to choose. Main thread
-/// only.
+/// that of those above it, on the main thread; until then there is nothing to choose. For the same
+/// reason each place beside the list comes when its own disk has answered, and none is waited for.
+/// Main thread only.
 class OpenPanelView final : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// Called on a thread of its own, for which nobody waits.
-    using PlacesFinder = std::function<ChooserPlaces(const QByteArray &wanted)>;
-
-    explicit OpenPanelView(OpenPanel panel, PlacesFinder find = findChooserPlaces);
+    explicit OpenPanelView(OpenPanel panel, const ChooserQuestions &questions = {});
     ~OpenPanelView() override;
 
     QSize sizeHint() const override;
@@ -35,8 +34,14 @@ public:
 private:
     void addPrompt(QBoxLayout &column);
     void addButtons(QBoxLayout &column);
-    void findPlaces(PlacesFinder find);
-    void addChooser();
+    void addWaitingText();
+    void ask(std::function<Mailbox::Message()> question);
+    void askForStart(const ChooserQuestions &questions);
+    void askForPlaces(const ChooserQuestions &questions);
+    void askWhichAreThere(const QList<QUrl> &places, const ChooserQuestions &questions);
+    void addChooser(const QString &start);
+    void letChooserGo();
+    void offerPlaces();
     void cancel();
     void choose();
     void updateOpenButton();
@@ -44,10 +49,13 @@ private:
 
     OpenPanel m_panel;
     QByteArray m_path;
-    FileIcons m_icons;
-    QFutureWatcher<ChooserPlaces> m_places;
+    QList<QUrl> m_places;      ///< in order
+    QList<QUrl> m_placesThere; ///< as they answered
     QWidget *m_chooserPlace = nullptr;
-    FileChooser *m_chooser = nullptr; ///< once the places are known
+    QLabel *m_waitingText = nullptr; ///< until there is a chooser
+    std::shared_ptr<FileIcons> m_icons;
+    FileChooser *m_chooser = nullptr; ///< once it is known where to start
     QLabel *m_message = nullptr;
     PanelButton *m_openButton = nullptr;
+    Mailbox m_answers;
 };

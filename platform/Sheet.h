@@ -20,7 +20,8 @@ using SheetCancel = std::function<void()>;
 ///
 /// The panel stays its caller's: it is lent to the window while it is up, and given back to its
 /// former parent, hidden. The completion comes from the event loop after endSheet(), when the sheet
-/// is gone and the focus is back where it was; it never comes if the panel or the host dies first.
+/// is gone and the focus is back where it was, or, of a page that has left meanwhile, with what has
+/// asked for it since; it never comes if the panel or the host dies first.
 ///
 /// Escape calls `cancel`, the panel's own rule; without one the sheet ends with kSheetCancelled.
 /// Enter presses the panel's default push button. Meanwhile mouse, Tab, shortcuts and close() do

@@ -89,6 +89,7 @@ void SheetGuard::keepFocusInside(QWidget *now)
         m_focusInside = now;
         return;
     }
+    m_refusedFocus = now;
     QWidget *const back = m_focusInside ? m_focusInside.data() : &m_overlay;
     back->setFocus(Qt::OtherFocusReason);
 }

@@ -17,6 +17,9 @@ public:
     /// From now on not even the sheet's own shortcuts work: it is on its way out.
     void lock() { m_isLocked = true; }
 
+    /// What asked for the focus last, and did not get it; null for nothing, and when it is gone.
+    QWidget *refusedFocus() const { return m_refusedFocus; }
+
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
@@ -32,6 +35,7 @@ private:
     QWidget &m_host;
     QWidget &m_overlay;
     QPointer<QWidget> m_focusInside;
+    QPointer<QWidget> m_refusedFocus;
     std::unique_ptr<QKeyEvent> m_lastKey; ///< which may turn out to be a shortcut
     bool m_isGivingKeyBack = false;
     bool m_isLocked = false;

@@ -140,8 +140,20 @@ void SheetOverlay::endSlide()
         Q_EMIT slidOut();
 }
 
+/// Where it was; where that cannot be, as on a page that has left meanwhile, with what has asked
+/// for it since.
+QWidget *SheetOverlay::nextFocus() const
+{
+    for (QWidget *widget : {m_formerFocus.data(), m_guard->refusedFocus()}) {
+        if (widget && widget->isVisible() && widget->isEnabled())
+            return widget;
+    }
+    return nullptr;
+}
+
 void SheetOverlay::release()
 {
+    QWidget *const next = nextFocus();
     delete m_guard;
     if (m_panel) {
         m_panel->hide();
@@ -151,8 +163,8 @@ void SheetOverlay::release()
     }
     clearFocus(); // else it would go to whatever comes next in the window
     hide();
-    if (m_formerFocus && m_formerFocus->isVisible())
-        m_formerFocus->setFocus(Qt::OtherFocusReason);
+    if (next)
+        next->setFocus(Qt::OtherFocusReason);
 }
 
 void SheetOverlay::takeFocus()

@@ -29,7 +29,8 @@ public:
     /// Emits slidOut() at the end; the panel gets no more input.
     void slideOut();
     bool isSlidingOut() const { return m_isSlidingOut; }
-    /// Gives the panel back to its former parent and the focus to where it was, and hides.
+    /// Gives the panel back to its former parent and hides. The focus goes back to where it was or,
+    /// where that cannot be any more, to what behind the sheet has asked for it last.
     void release();
 
     /// Dims the window behind, as much as `shown` of the sheet (0 to 1) is out.
@@ -50,6 +51,7 @@ private:
     void adoptPanel();
     void layOut();
     void takeFocus();
+    QWidget *nextFocus() const;
     bool slide(double from, double to);
     void dropSlide();
     void endSlide();

@@ -177,5 +177,5 @@ private:
     LatestJob m_hoverLook;   ///< looks for what the slice under the pointer may offer
     LatestTask m_reveal;     ///< looks for what is to be shown in the file manager
     LatestTask m_describing; ///< looks for the programs that a description names
-    LatestJob m_looking;     ///< looks at the home; last: its answers find all the others
+    LatestJob m_looking;     ///< looks at the home
 };

@@ -79,6 +79,7 @@ private Q_SLOTS:
     void entersNoSlicesWithoutAUsableGrant();
     void tellsThatANewFolderNeedsARestart();
     void answersWhileTheHomeDoesNot();
+    void endsWhileTheHomeDoesNotAnswer();
     void goesNowhereWhenThePageIsLeftMeanwhile_data();
     void goesNowhereWhenThePageIsLeftMeanwhile();
 
@@ -338,6 +339,18 @@ void TestMainWindowController::answersWhileTheHomeDoesNot()
     QVERIFY(waitForPage(m_controller->freeSpacePage()));
     QCOMPARE(m_controller->navigationController().viewControllers().size(), 2);
     QCOMPARE(m_disk.takeAskedHere(), QStringList());
+}
+
+/// That a disk is dead keeps nothing alive whose window was closed.
+void TestMainWindowController::endsWhileTheHomeDoesNotAnswer()
+{
+    m_fixture->grantHome();
+    m_disk.hang();
+    makeController();
+    QTest::mouseClick(m_controller->diskInfoPage().startButton(), Qt::LeftButton);
+    QTRY_COMPARE(m_disk.waiting(), 1);
+    m_controller.reset();
+    QCOMPARE(m_disk.waiting(), 1);
 }
 
 void TestMainWindowController::goesNowhereWhenThePageIsLeftMeanwhile_data()

@@ -152,6 +152,9 @@ void TestCleaningJourney::leavesAPlaceAloneWhoseExclusionIsGone()
     QCOMPARE(home().presentPaths(), m_fixture->keptAfter(kOnByDefault));
     QTRY_VERIFY(hasSheet(journey().window()));
     QVERIFY(sheetText(journey().window()).contains(QStringLiteral("Downloads")));
+    QVERIFY(pressSheetButton(journey().window(), QStringLiteral("OK")));
+    journey().press(Qt::Key_Return); // leads on
+    QVERIFY(journey().waitForPage(m_fixture->slicesPage()));
 }
 
 void TestCleaningJourney::cleansNothingWhileTheExclusionsAreUnknown()

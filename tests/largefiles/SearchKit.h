@@ -1,6 +1,7 @@
 #pragma once
 
 #include "largefiles/LargeFileSearch.h"
+#include "tests/support/LooseThreadsAwaited.h"
 #include "tests/support/MadeTree.h"
 
 #include <algorithm>
@@ -13,6 +14,7 @@ class HomeAccess final : public FileAccess
 {
 public:
     explicit HomeAccess(const MadeTree &home) : m_home(home) {}
+    ~HomeAccess() override { awaitLooseThreads(); }
 
     int starts() const { return m_starts; }
     int stops() const { return m_stops; }

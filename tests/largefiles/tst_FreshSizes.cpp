@@ -1,6 +1,7 @@
 #include "largefiles/FreshSizes.h"
 #include "tests/largefiles/Gate.h"
 #include "tests/largefiles/SearchKit.h"
+#include "tests/support/LooseThreadsAwaited.h"
 #include "tests/support/TestMain.h"
 
 #include <QDir>
@@ -79,6 +80,7 @@ private Q_SLOTS:
             sizes.read({fileIn(home, "Movies/a")},
                        [&](const QList<qint64> &) { isAnswered = true; });
         }
+        awaitLooseThreads();
         QCoreApplication::processEvents();
         QVERIFY(!isAnswered);
         QCOMPARE(access.starts(), access.stops());

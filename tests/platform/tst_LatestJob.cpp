@@ -1,4 +1,5 @@
 #include "platform/LatestJob.h"
+#include "tests/support/LooseThreadsAwaited.h"
 #include "tests/support/TestMain.h"
 
 #include <QTest>
@@ -100,24 +101,52 @@ private Q_SLOTS:
         QVERIFY(!isAnswered);
     }
 
-    void mayDieAtWork()
+    void diesAtOnceAtWork()
     {
-        std::latch begun(1);
-        bool wasStopped = false, isAnswered = false;
+        std::latch begun(1), gate(1);
+        bool wasStopped = false, isNextDone = false, isAnswered = false;
+        std::atomic<bool> isOver = false;
         {
             LatestJob job;
             job.run([&](const std::stop_token &stop) {
                 begun.count_down();
-                while (!stop.stop_requested())
-                    std::this_thread::yield();
-                wasStopped = true;
+                gate.wait(); // as a call does to a disk that is dead
+                wasStopped = stop.stop_requested();
+                isOver = true;
                 return [&] { isAnswered = true; };
             });
             begun.wait();
+            job.run([&](const std::stop_token &) -> LatestJob::Answer {
+                isNextDone = true;
+                return {};
+            });
         }
-        QVERIFY(wasStopped);
+        QVERIFY(!isOver);
+        gate.count_down(); // else this would never be reached
+        awaitLooseThreads();
         QCoreApplication::processEvents();
+        QVERIFY(isOver && wasStopped);
+        QVERIFY(!isNextDone);
         QVERIFY(!isAnswered);
+    }
+
+    void worksOnOneThreadAtATime()
+    {
+        LatestJob job;
+        std::atomic<int> underWay = 0, most = 0;
+        int answered = 0;
+        const auto work = [&](const std::stop_token &) {
+            most = std::max(most.load(), ++underWay);
+            std::this_thread::yield();
+            --underWay;
+            return [&] { ++answered; };
+        };
+        for (int i = 1; i <= 50; ++i) {
+            job.run(work);
+            if (i % 2 == 0)
+                QTRY_COMPARE(answered, i / 2);
+        }
+        QCOMPARE(most.load(), 1);
     }
 };
 

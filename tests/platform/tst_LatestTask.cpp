@@ -1,4 +1,5 @@
 #include "platform/LatestTask.h"
+#include "tests/support/LooseThreadsAwaited.h"
 #include "tests/support/TestMain.h"
 
 #include <QTest>
@@ -105,7 +106,31 @@ private Q_SLOTS:
         QVERIFY(!isAnswered);
     }
 
-    void theDestructorStopsAndWaits()
+    void theDestructorWaitsForNoQuestion()
+    {
+        std::latch begun(1), gate(1);
+        std::atomic<bool> wasStopped = false, isOver = false;
+        bool isAnswered = false;
+        {
+            LatestTask task;
+            task.ask([&](const std::stop_token &stop) {
+                begun.count_down();
+                gate.wait(); // as a call does to a disk that is dead
+                wasStopped = stop.stop_requested();
+                isOver = true;
+                return [&] { isAnswered = true; };
+            });
+            begun.wait();
+        }
+        QVERIFY(!isOver);
+        gate.count_down(); // else this would never be reached
+        awaitLooseThreads();
+        QCoreApplication::processEvents();
+        QVERIFY(isOver && wasStopped);
+        QVERIFY(!isAnswered);
+    }
+
+    void theDestructorStopsWorkAndWaitsForIt()
     {
         std::atomic<int> ended = 0;
         {

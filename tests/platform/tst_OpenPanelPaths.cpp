@@ -18,6 +18,8 @@ private Q_SLOTS:
     void takesTypedPaths();
     void takesAPathTypedIntoTheList_data();
     void takesAPathTypedIntoTheList();
+    void takesNoCommandForAPath_data();
+    void takesNoCommandForAPath();
     void refusesTypedPaths_data();
     void refusesTypedPaths();
     void refusesANameThatCannotBeWritten();
@@ -73,6 +75,27 @@ void TestOpenPanelPaths::takesAPathTypedIntoTheList()
     QTRY_VERIFY(panel.isOver);
     QVERIFY(panel.answer);
     QTEST(*panel.answer, "path");
+}
+
+void TestOpenPanelPaths::takesNoCommandForAPath_data()
+{
+    QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
+    QTest::addColumn<QString>("name");
+    QTest::addRow("Alt") << Qt::KeyboardModifiers(Qt::AltModifier) << QString();
+    QTest::addRow("Control") << Qt::KeyboardModifiers(Qt::ControlModifier) << QString();
+    QTest::addRow("Meta") << Qt::KeyboardModifiers(Qt::MetaModifier) << QString();
+    QTest::addRow("Shift") << Qt::KeyboardModifiers(Qt::ShiftModifier) << QStringLiteral("/");
+    QTest::addRow("keypad") << Qt::KeyboardModifiers(Qt::KeypadModifier) << QStringLiteral("/");
+}
+
+void TestOpenPanelPaths::takesNoCommandForAPath()
+{
+    QFETCH(Qt::KeyboardModifiers, modifiers);
+    OpenedPanel panel({});
+    panel.waitForItems();
+    QTest::sendKeyEvent(QTest::Click, panel.list, Qt::Key_Slash, QStringLiteral("/"), modifiers);
+    QTEST(panel.name->text(), "name");
+    QCOMPARE(panel.list->hasFocus(), panel.name->text().isEmpty());
 }
 
 void TestOpenPanelPaths::refusesTypedPaths_data()

@@ -26,6 +26,9 @@ private Q_SLOTS:
     void sendsTheFocusBackIn();
     void returnsTheFocusToWhereItWas();
     void returnsNoFocusWhereThereWasNone();
+    void givesTheFocusToWhatAskedForItMeanwhile_data();
+    void givesTheFocusToWhatAskedForItMeanwhile();
+    void givesTheFocusToNothingThatIsGone();
     void blocksTheShortcutsOfTheWindow_data();
     void blocksTheShortcutsOfTheWindow();
     void blocksTheMenuBarsOwnKey();
@@ -206,6 +209,49 @@ void TestSheetInput::returnsNoFocusWhereThereWasNone()
     QTRY_VERIFY(!hasSheet(host.window));
     QVERIFY(!host.behind->hasFocus());
     QVERIFY(!host.other->hasFocus());
+}
+
+void TestSheetInput::givesTheFocusToWhatAskedForItMeanwhile_data()
+{
+    using Leave = std::function<void(SheetHost &)>;
+    QTest::addColumn<Leave>("leave");
+    QTest::addRow("the former is hidden") << Leave([](SheetHost &host) { host.behind->hide(); });
+    QTest::addRow("the former is gone") << Leave([](SheetHost &host) { delete host.behind; });
+    QTest::addRow("the former is disabled")
+        << Leave([](SheetHost &host) { host.behind->setEnabled(false); });
+}
+
+/// A page that comes in behind a sheet takes the place of the one that had the focus.
+void TestSheetInput::givesTheFocusToWhatAskedForItMeanwhile()
+{
+    QFETCH(std::function<void(SheetHost &)>, leave);
+    SheetHost host;
+    SheetPanel sheet;
+    host.behind->setFocus();
+    presentSheet(host.window, sheet.panel);
+    leave(host);
+    host.other->setFocus();
+    QCOMPARE(QApplication::focusWidget(), sheet.first);
+    endSheet(sheet.panel);
+    QTRY_VERIFY(!hasSheet(host.window));
+    QCOMPARE(QApplication::focusWidget(), host.other);
+    QSignalSpy pressed(host.other, &QPushButton::clicked);
+    press(host.window, Qt::Key_Space);
+    QCOMPARE(pressed.size(), 1);
+}
+
+void TestSheetInput::givesTheFocusToNothingThatIsGone()
+{
+    SheetHost host;
+    SheetPanel sheet;
+    host.behind->setFocus();
+    presentSheet(host.window, sheet.panel);
+    host.other->setFocus();
+    host.behind->hide();
+    host.other->hide();
+    endSheet(sheet.panel);
+    QTRY_VERIFY(!hasSheet(host.window));
+    QVERIFY(!QApplication::focusWidget());
 }
 
 void TestSheetInput::blocksTheShortcutsOfTheWindow_data()

@@ -1,10 +1,17 @@
 #include "tests/support/ForwardingSystemCalls.h"
 
+#include "tests/support/LooseThreadsAwaited.h"
+
 #include <cerrno>
 
 ForwardingSystemCalls::ForwardingSystemCalls(Hook hook, const SystemCalls &next)
     : m_hook(std::move(hook)), m_next(next)
 {
+}
+
+ForwardingSystemCalls::~ForwardingSystemCalls()
+{
+    awaitLooseThreads();
 }
 
 void ForwardingSystemCalls::setHook(Hook hook)

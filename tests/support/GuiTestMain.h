@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tests/support/LooseThreadsAwaited.h"
 #include "tests/support/ScratchEnvironment.h"
 
 #include <QApplication>
@@ -14,5 +15,7 @@
         QApplication application(argc, argv);                                                      \
         QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));                   \
         TestClass test;                                                                            \
-        return QTest::qExec(&test, argc, argv);                                                    \
+        const int failures = QTest::qExec(&test, argc, argv);                                      \
+        awaitLooseThreads();                                                                       \
+        return failures;                                                                           \
     }

@@ -2,6 +2,7 @@
 
 #include "platform/SystemCalls.h"
 #include "slices/FileAccess.h"
+#include "tests/support/LooseThreadsAwaited.h"
 
 #include <atomic>
 
@@ -15,6 +16,8 @@ public:
               hostSystemCalls().openRoot(folder.constData()).value()))
     {
     }
+
+    ~OpenAccess() override { awaitLooseThreads(); }
 
     void startAccessing() override { ++m_count; }
     void stopAccessing() override { --m_count; }

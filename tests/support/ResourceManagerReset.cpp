@@ -1,7 +1,10 @@
 #include "tests/support/ResourceManagerReset.h"
 
+#include "tests/support/LooseThreadsAwaited.h"
+
 void ResourceManagerReset::beginRun()
 {
+    awaitLooseThreads();
     ResourceManager::currentRun() = std::make_unique<ResourceManager::Run>();
 }
 

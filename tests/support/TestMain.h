@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tests/support/LooseThreadsAwaited.h"
 #include "tests/support/ScratchEnvironment.h"
 
 #include <QCoreApplication>
@@ -12,5 +13,7 @@
         const ScratchEnvironment environment;                                                      \
         QCoreApplication application(argc, argv);                                                  \
         TestClass test;                                                                            \
-        return QTest::qExec(&test, argc, argv);                                                    \
+        const int failures = QTest::qExec(&test, argc, argv);                                      \
+        awaitLooseThreads();                                                                       \
+        return failures;                                                                           \
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tests/support/ForwardingSystemCalls.h"
+#include "tests/support/LooseThreadsAwaited.h"
 
 #include <atomic>
 #include <functional>
@@ -26,6 +27,7 @@ public:
     using Before = std::function<int(int number, WatchedCall call, const char *name)>;
 
     explicit WatchedSystemCalls(Before before) : m_before(std::move(before)) {}
+    ~WatchedSystemCalls() override { awaitLooseThreads(); }
 
     int count() const { return m_count; }
 
