@@ -120,8 +120,8 @@ void TestBrowserProfiles::readsTheListOfFirefox_data()
         QTest::addRow("path '%s'", path) << firefoxProfilesText({path}) << none;
     QTest::newRow("absolute") << QByteArray("[Profile0]\nIsRelative=0\nPath=a\n") << none;
     QTest::newRow("not said to be relative") << QByteArray("[Profile0]\nPath=a\n") << none;
-    for (const char *section : {"[Profile]", "[Profilex]", "[Profile0", "[Install0]", "[Backup]",
-                                "[Profile0]x", "#[Profile0]", ""})
+    for (const char *section : {"[Profile]", "[Profilex]", "[Profile0", "[Profile10", "[Install0]",
+                                "[Backup]", "[Profile0]x", "#[Profile0]", ""})
         QTest::addRow("section '%s'", section) << QByteArray(section) + "\nIsRelative=1\nPath=a\n"
                                                << none;
     QTest::newRow("a section that ends one")
