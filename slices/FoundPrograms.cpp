@@ -103,10 +103,15 @@ constexpr std::array kProcesses{
               {"chrome"},
               {"google-chrome", "google-chrome-beta", "google-chrome-unstable",
                ".var/app/com.google.Chrome/cache", ".var/app/com.google.ChromeDev/cache"}},
-    // In a sandbox it often goes by the name of the other.
     Processes{"Chromium",
-              {"chromium", "chromium-browser", "chrome"},
+              {"chromium", "chromium-browser"},
               {"chromium", ".var/app/org.chromium.Chromium/cache",
+               ".var/app/io.github.ungoogled_software.ungoogled_chromium/cache",
+               "snap/chromium/common/.cache"}},
+    // In a sandbox it goes by the name of the other; outside, its lock tells of it under any.
+    Processes{"Chromium",
+              {"chrome"},
+              {".var/app/org.chromium.Chromium/cache",
                ".var/app/io.github.ungoogled_software.ungoogled_chromium/cache",
                "snap/chromium/common/.cache"}},
     Processes{"Brave",

@@ -23,8 +23,8 @@ void TestFoundProcesses::knowsEveryProcess_data()
         for (const QByteArray &name : names)
             QTest::newRow(name) << caches;
     };
-    const QByteArrayList chromium{
-        ".cache/chromium/", ".var/app/io.github.ungoogled_software.ungoogled_chromium/cache/",
+    const QByteArrayList sandboxes{
+        ".var/app/io.github.ungoogled_software.ungoogled_chromium/cache/",
         ".var/app/org.chromium.Chromium/cache/", "snap/chromium/common/.cache/"};
     const QByteArrayList chrome{
         ".cache/google-chrome/", ".cache/google-chrome-beta/", ".cache/google-chrome-unstable/",
@@ -33,8 +33,9 @@ void TestFoundProcesses::knowsEveryProcess_data()
          {".cache/mozilla/", ".var/app/org.mozilla.firefox/cache/", "snap/firefox/common/.cache/"});
     rows({"librewolf", "librewolf-bin"},
          {".cache/librewolf/", ".var/app/io.gitlab.librewolf-community/cache/"});
-    rows({"chrome"}, sorted(chrome + chromium)); // sandboxed builds of Chromium have that name
-    rows({"chromium", "chromium-browse", "chromium-browser"}, chromium);
+    rows({"chrome"}, sorted(chrome + sandboxes)); // sandboxed builds of Chromium have that name
+    rows({"chromium", "chromium-browse", "chromium-browser"},
+         sorted(sandboxes + QByteArrayList{".cache/chromium/"}));
     rows({"brave"}, {".cache/BraveSoftware/", ".var/app/com.brave.Browser/cache/",
                      "snap/brave/common/.cache/"});
     rows({"msedge"},
