@@ -161,10 +161,8 @@ void FileChooser::setUpPlaces()
     findChild<QSplitter *>(QStringLiteral("splitter"))->setSizes({kPlacesWidth, width()});
 }
 
-/// The dialog takes them all away first, and would go where its selection does meanwhile.
 void FileChooser::offerPlaces(const QList<QUrl> &places)
 {
-    const QSignalBlocker quiet(m_places);
     setSidebarUrls(places + QList<QUrl>{QUrl(QStringLiteral("file:"))});
 }
 

@@ -97,7 +97,7 @@ void OpenPanelView::addPrompt(QBoxLayout &column)
             new WrappedLabel(m_panel.prompt, interfaceFont(Typeface::Medium, kPromptSize), this));
 }
 
-/// Stands where the list will, and has the focus until then: the key that opened the panel would
+/// Stands where the list will, and takes the focus until then: the key that opened the panel would
 /// else cancel it when it is pressed once more.
 void OpenPanelView::addWaitingText()
 {
@@ -108,7 +108,6 @@ void OpenPanelView::addWaitingText()
     m_waitingText->setAlignment(Qt::AlignCenter);
     m_waitingText->setForegroundRole(QPalette::PlaceholderText);
     m_waitingText->setFocusPolicy(Qt::StrongFocus);
-    m_waitingText->setFocus(Qt::OtherFocusReason);
     auto *const layout = new QVBoxLayout(m_chooserPlace);
     layout->setContentsMargins({});
     layout->addWidget(m_waitingText);

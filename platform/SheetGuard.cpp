@@ -13,6 +13,7 @@ SheetGuard::SheetGuard(QWidget &host, QWidget &overlay)
 
 bool SheetGuard::eventFilter(QObject *watched, QEvent *event)
 {
+    noteFocusBehind();
     switch (event->type()) {
     case QEvent::Close:
         if (watched != &m_host)
@@ -79,6 +80,15 @@ SheetGuard::Place SheetGuard::placeOfReceiver(QObject *receiver) const
         }
     }
     return place;
+}
+
+/// In a window that is not active a widget gets the focus without anybody being told, until the
+/// next one does.
+void SheetGuard::noteFocusBehind()
+{
+    QWidget *const focus = m_host.focusWidget();
+    if (focus && focus != m_refusedFocus && placeOf(focus) == Place::Behind)
+        m_refusedFocus = focus;
 }
 
 void SheetGuard::keepFocusInside(QWidget *now)

@@ -31,6 +31,7 @@ private:
     Place placeOfReceiver(QObject *receiver) const;
     void giveKeyBack();
     void keepFocusInside(QWidget *now);
+    void noteFocusBehind();
 
     QWidget &m_host;
     QWidget &m_overlay;

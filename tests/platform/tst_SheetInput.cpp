@@ -21,14 +21,6 @@ private Q_SLOTS:
     void keepsInputFromTheWindowItself_data();
     void keepsInputFromTheWindowItself();
     void letsTheMouseThroughAgain();
-    void takesTheFocus();
-    void trapsTab();
-    void sendsTheFocusBackIn();
-    void returnsTheFocusToWhereItWas();
-    void returnsNoFocusWhereThereWasNone();
-    void givesTheFocusToWhatAskedForItMeanwhile_data();
-    void givesTheFocusToWhatAskedForItMeanwhile();
-    void givesTheFocusToNothingThatIsGone();
     void blocksTheShortcutsOfTheWindow_data();
     void blocksTheShortcutsOfTheWindow();
     void blocksTheMenuBarsOwnKey();
@@ -141,117 +133,6 @@ void TestSheetInput::letsTheMouseThroughAgain()
     QTRY_VERIFY(!hasSheet(host.window));
     clickAt(host.window, *host.behind);
     QCOMPARE(behind.size(), 1);
-}
-
-void TestSheetInput::takesTheFocus()
-{
-    SheetHost host;
-    SheetPanel sheet;
-    host.behind->setFocus();
-    presentSheet(host.window, sheet.panel);
-    QCOMPARE(QApplication::focusWidget(), sheet.first);
-
-    SheetPanel wishful;
-    wishful.second->setFocus();
-    endSheet(sheet.panel);
-    QTRY_VERIFY(!hasSheet(host.window));
-    presentSheet(host.window, wishful.panel);
-    QCOMPARE(QApplication::focusWidget(), wishful.second);
-}
-
-void TestSheetInput::trapsTab()
-{
-    SheetHost host;
-    SheetPanel sheet;
-    sheet.standard->setEnabled(false);
-    presentSheet(host.window, sheet.panel);
-    const QList<QWidget *> round{sheet.second, sheet.plain, sheet.first, sheet.second};
-    for (QWidget *next : round) {
-        press(host.window, Qt::Key_Tab);
-        QCOMPARE(QApplication::focusWidget(), next);
-    }
-    const QList<QWidget *> back{sheet.first, sheet.plain, sheet.second};
-    for (QWidget *next : back) {
-        press(host.window, Qt::Key_Backtab);
-        QCOMPARE(QApplication::focusWidget(), next);
-    }
-}
-
-void TestSheetInput::sendsTheFocusBackIn()
-{
-    SheetHost host;
-    SheetPanel sheet;
-    presentSheet(host.window, sheet.panel);
-    sheet.second->setFocus();
-    host.behind->setFocus();
-    QCOMPARE(QApplication::focusWidget(), sheet.second);
-}
-
-void TestSheetInput::returnsTheFocusToWhereItWas()
-{
-    SheetHost host;
-    SheetPanel sheet;
-    host.other->setFocus();
-    presentSheet(host.window, sheet.panel);
-    endSheet(sheet.panel);
-    QTRY_VERIFY(!hasSheet(host.window));
-    QCOMPARE(QApplication::focusWidget(), host.other);
-}
-
-void TestSheetInput::returnsNoFocusWhereThereWasNone()
-{
-    SheetHost host;
-    if (QWidget *const focus = host.window.focusWidget())
-        focus->clearFocus();
-    SheetPanel sheet;
-    presentSheet(host.window, sheet.panel);
-    endSheet(sheet.panel);
-    QTRY_VERIFY(!hasSheet(host.window));
-    QVERIFY(!host.behind->hasFocus());
-    QVERIFY(!host.other->hasFocus());
-}
-
-void TestSheetInput::givesTheFocusToWhatAskedForItMeanwhile_data()
-{
-    using Leave = std::function<void(SheetHost &)>;
-    QTest::addColumn<Leave>("leave");
-    QTest::addRow("the former is hidden") << Leave([](SheetHost &host) { host.behind->hide(); });
-    QTest::addRow("the former is gone") << Leave([](SheetHost &host) { delete host.behind; });
-    QTest::addRow("the former is disabled")
-        << Leave([](SheetHost &host) { host.behind->setEnabled(false); });
-}
-
-/// A page that comes in behind a sheet takes the place of the one that had the focus.
-void TestSheetInput::givesTheFocusToWhatAskedForItMeanwhile()
-{
-    QFETCH(std::function<void(SheetHost &)>, leave);
-    SheetHost host;
-    SheetPanel sheet;
-    host.behind->setFocus();
-    presentSheet(host.window, sheet.panel);
-    leave(host);
-    host.other->setFocus();
-    QCOMPARE(QApplication::focusWidget(), sheet.first);
-    endSheet(sheet.panel);
-    QTRY_VERIFY(!hasSheet(host.window));
-    QCOMPARE(QApplication::focusWidget(), host.other);
-    QSignalSpy pressed(host.other, &QPushButton::clicked);
-    press(host.window, Qt::Key_Space);
-    QCOMPARE(pressed.size(), 1);
-}
-
-void TestSheetInput::givesTheFocusToNothingThatIsGone()
-{
-    SheetHost host;
-    SheetPanel sheet;
-    host.behind->setFocus();
-    presentSheet(host.window, sheet.panel);
-    host.other->setFocus();
-    host.behind->hide();
-    host.other->hide();
-    endSheet(sheet.panel);
-    QTRY_VERIFY(!hasSheet(host.window));
-    QVERIFY(!QApplication::focusWidget());
 }
 
 void TestSheetInput::blocksTheShortcutsOfTheWindow_data()
