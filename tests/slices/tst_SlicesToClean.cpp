@@ -100,8 +100,8 @@ void TestSlicesToClean::plansWhatIsInSandboxes_data()
          "snap/a/12/Documents/keep", "snap/a/current -> 12",
          "snap/b/current/.local/share/Trash/expunged/1", "snap/b/common/Downloads/keep"},
         {"Trash: remove snap/a/common/.local/share/Trash/directorysizes",
-         "Trash: remove snap/a/12/.local/share/Trash/directorysizes",
          "Trash: empty, read-only folders too, snap/a/common/.local/share/Trash/files/",
+         "Trash: remove snap/a/12/.local/share/Trash/directorysizes",
          "Trash: empty, read-only folders too, snap/a/12/.local/share/Trash/files/",
          "Trash: empty of lone records snap/a/12/.local/share/Trash/info/",
          "Trash: empty, read-only folders too, snap/b/current/.local/share/Trash/expunged/",
@@ -216,8 +216,8 @@ void TestSlicesToClean::takesTheTrashAndTheCacheOfTheEnvironment()
                          ".cache/x", ".local/share/Trash/files/x"});
     const CleaningPlan plan = planOfEverything(home, home.survey(environmentOfEveryPlace(home)));
     QCOMPARE(linesOf(home, plan),
-             QByteArrayList({"Trash: remove data/Trash/directorysizes",
-                             "Trash: empty, read-only folders too, .local/share/Trash/files/",
+             QByteArrayList({"Trash: empty, read-only folders too, .local/share/Trash/files/",
+                             "Trash: remove data/Trash/directorysizes",
                              "Trash: empty, read-only folders too, data/Trash/files/",
                              "Trash: empty of lone records data/Trash/info/",
                              "Cache: empty .cache/", "Cache: empty var/cache/"}));
