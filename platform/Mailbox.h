@@ -36,6 +36,9 @@ public:
 
     Address address() const { return m_address; }
 
+protected:
+    bool event(QEvent *event) override;
+
 private:
     Address m_address;
 };

@@ -38,6 +38,17 @@ private Q_SLOTS:
         QVERIFY(!isDelivered);
     }
 
+    void mayGoByAMessage()
+    {
+        auto box = std::make_unique<Mailbox>();
+        bool isDelivered = false;
+        box->address().post([&box] { box.reset(); });
+        box->address().post([&isDelivered] { isDelivered = true; });
+        QTRY_VERIFY(!box);
+        QCoreApplication::processEvents();
+        QVERIFY(!isDelivered);
+    }
+
     void mayGoWhileItIsWrittenTo()
     {
         for (int round = 0; round < 100; ++round) {
