@@ -2,8 +2,9 @@
 
 namespace {
 
-/// As many steps as a kernel takes before it calls a path a loop.
-constexpr int kMostSteps = 40;
+/// More than people make. Texts are not to be trusted: each name costs calls to the disk.
+constexpr qsizetype kMostNames = 256;
+constexpr int kMostSteps = 100;
 
 QByteArrayList namesOf(const QByteArray &path)
 {
@@ -69,7 +70,9 @@ QByteArrayList HomePaths::followed(const QByteArray &path) const
     if (!path.startsWith('/') || path.contains('\0'))
         return places;
     auto names = namesBelow(namesOf(path));
-    for (int step = 0; names && !names->isEmpty() && step < kMostSteps; ++step) {
+    for (int step = 0; step < kMostSteps; ++step) {
+        if (!names || names->isEmpty() || names->size() > kMostNames)
+            break;
         if (!names->contains(".."))
             places.append(names->join('/'));
         names = pastFirstLink(*names);

@@ -3,12 +3,13 @@
 #include "slices/HomeReader.h"
 
 /// What absolute paths mean in a granted home: the home may be reached by several paths, where a
-/// folder around it is a link, and paths lead on through links inside it. Nothing outside the home
-/// is ever looked at: it may be a disk that does not answer. One thread.
+/// folder around it is a link, and paths lead on through links inside it. Where they lead out,
+/// nothing is looked at: it may be a disk that does not answer. One thread.
 class HomePaths final
 {
 public:
-    /// The paths are absolute and all lead to the home that is read, which must outlive this.
+    /// The paths are absolute, without "..", and all lead to the home that is read, its own first;
+    /// the reader must outlive this.
     HomePaths(const HomeReader &reader, QByteArrayList paths);
 
     /// The home's paths among these: its own, and the other where it leads to the same folder.
@@ -20,8 +21,8 @@ public:
     std::optional<QByteArray> below(const QByteArray &path) const;
 
     /// Every place below the home for which the path stands: first as it is written, then past one
-    /// link after another; none of them need be there. Empty where it never enters the home, and
-    /// past a link that leads out of it.
+    /// link after another; none of them need be there. Ends at a link that leads out of the home,
+    /// and after many; empty where the path never enters the home, or is absurdly deep.
     QByteArrayList followed(const QByteArray &path) const;
 
 private:

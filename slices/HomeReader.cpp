@@ -97,6 +97,8 @@ QByteArrayList HomeReader::filesAmong(const QByteArrayList &paths) const
 
 std::optional<QByteArray> HomeReader::linkAt(const QByteArray &path) const
 {
+    if (m_stop.stop_requested())
+        return std::nullopt;
     const auto [around, name] = anchoredEntry({m_home, path});
     const auto folder = open(around.relativePath);
     if (!folder)

@@ -114,6 +114,9 @@ void TestHomePaths::looksAtNothingOutsideTheHome()
         QVERIFY(!called.contains(leavesTheHome));
     m_home.link("loop", "loop");
     QVERIFY(paths.followed(m_home.path("loop/a")).contains("loop/a")); // and comes to an end
+    m_home.link("grows", "grows/grows/grows");
+    QVERIFY(paths.followed(m_home.path("grows")).size() < 256);
+    QCOMPARE(paths.followed(m_home.path(QByteArray("a/").repeated(30'000))), QByteArrayList());
 }
 
 void TestHomePaths::knowsAnotherPathThatLeadsToTheHome()
