@@ -22,16 +22,6 @@ QByteArrayList foundInUse(const CleaningReport &report, const CleaningPlan &plan
     return found;
 }
 
-/// Whoever changed a record since the cleaning was started changed nothing of what was confirmed.
-void restore(const Records &chosen, const CleaningJob::Confirmed &confirmed)
-{
-    for (std::size_t i = 0; i < chosen.size(); ++i) {
-        const auto &[places, kept] = confirmed[i];
-        if (chosen[i]->fileURLs().value_or(FileUrls()) != places || chosen[i]->kept() != kept)
-            chosen[i]->setPlaces(places, kept);
-    }
-}
-
 CleaningReport cleanDisk(const SystemCalls &calls, FileAccess &access, const Records &chosen,
                          const HomeLayout &layout, const ExcludedPaths &excluded,
                          const std::stop_token &stop)
@@ -113,6 +103,18 @@ void CleaningJob::remove()
             report = cleanDisk(m_calls, m_access, records, layout, excluded, stop);
         return [this, report] { finish(report); };
     });
+}
+
+/// Whoever changed a record since the cleaning was started changed nothing of what was confirmed.
+void CleaningJob::restore(const Records &chosen, const Confirmed &confirmed)
+{
+    for (std::size_t i = 0; i < chosen.size(); ++i) {
+        const auto &[places, kept] = confirmed[i];
+        if (chosen[i]->fileURLs().value_or(FileUrls()) == places && chosen[i]->kept() == kept)
+            continue;
+        chosen[i]->setPlaces(places, kept);
+        chosen[i]->fileSizeString();
+    }
 }
 
 void CleaningJob::finish(const CleaningReport &report)

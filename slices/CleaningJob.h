@@ -25,9 +25,6 @@ public:
     /// before the first removal is planned.
     using Exclusions = std::function<std::optional<ExcludedPaths>()>;
 
-    /// The places of each record, and what is kept inside them.
-    using Confirmed = std::vector<std::pair<FileUrls, FileUrls>>;
-
     /// Both must outlive it.
     CleaningJob(const SystemCalls &calls, FileAccess &access, QObject *parent = nullptr);
     ~CleaningJob() override;
@@ -50,6 +47,10 @@ Q_SIGNALS:
     void finished(const CleaningReport &report);
 
 private:
+    /// The places of each record, and what is kept inside them.
+    using Confirmed = std::vector<std::pair<FileUrls, FileUrls>>;
+
+    static void restore(const Records &chosen, const Confirmed &confirmed);
     void remove();
     void finish(const CleaningReport &report);
     void runInBackground(std::function<std::function<void()>(const std::stop_token &)> work);

@@ -65,6 +65,7 @@ private Q_SLOTS:
     void stopsBeforeTheNextItem();
     void isOverOnceItIsDestroyed();
     void asksForTheExclusionsAfterMeasuring();
+    void cleansWhatItWasStartedWith();
     void removesNothingWhileTheExclusionsAreUnknown();
 
 private:
@@ -227,6 +228,24 @@ void TestCleaningJob::asksForTheExclusionsAfterMeasuring()
     QVERIFY(finished.wait());
     QVERIFY(wasMeasured);
     QVERIFY(m_fixture->exists(".Trash/keep"));
+}
+
+/// Whatever becomes of a record while it is measured.
+void TestCleaningJob::cleansWhatItWasStartedWith()
+{
+    m_fixture->makeFile(".Trash/a", 5);
+    m_fixture->makeFile("Documents/keep", 70);
+    const auto trash = record(SliceKind::Trash);
+    CleaningJob job(m_calls, ResourceManager::access());
+    QSignalSpy finished(&job, &CleaningJob::finished);
+    job.start({trash}, [&] {
+        trash->setPlaces({m_fixture->homeUrl().appending("Documents", FileUrlKind::Folder)}, {});
+        return kNothingExcluded();
+    });
+    QVERIFY(finished.wait());
+    QVERIFY(!m_fixture->exists(".Trash/a"));
+    QVERIFY(m_fixture->exists("Documents/keep"));
+    QCOMPARE(trash->fileSize(), 5);
 }
 
 void TestCleaningJob::removesNothingWhileTheExclusionsAreUnknown()
