@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <condition_variable>
 #include <list>
+#include <memory>
 #include <mutex>
 #include <thread>
 
@@ -14,78 +15,61 @@ struct LooseThread
     std::thread thread;
 };
 
-/// All of them. Those that have ended are joined later, for one cannot join itself.
-class LooseThreads final
+/// All of them. Shared with each, for one may outlast everything else.
+struct LooseThreads
 {
-public:
-    /// Never destroyed: a thread may outlast everything else.
-    static LooseThreads &instance()
+    ~LooseThreads()
     {
-        static LooseThreads &threads = *new LooseThreads;
-        return threads;
+        for (LooseThread &loose : threads)
+            loose.thread.detach();
     }
 
-    void run(std::function<void()> work);
-    bool wait(std::chrono::milliseconds atMost);
+    /// One cannot join itself: those that have ended wait for the next who comes by.
+    void joinEnded()
+    {
+        threads.remove_if([](LooseThread &loose) {
+            if (loose.hasEnded)
+                loose.thread.join();
+            return loose.hasEnded;
+        });
+    }
 
-private:
-    LooseThreads() = default;
-
-    void end(LooseThread &ended);
-    void joinEnded();
-
-    std::mutex m_mutex; ///< guards all
-    std::condition_variable m_changed;
-    std::list<LooseThread> m_threads;
+    std::mutex mutex; ///< guards all
+    std::condition_variable changed;
+    std::list<LooseThread> threads;
 };
 
-void LooseThreads::run(std::function<void()> work)
+std::shared_ptr<LooseThreads> looseThreads()
 {
-    const std::scoped_lock lock(m_mutex);
-    joinEnded();
-    LooseThread &added = m_threads.emplace_back();
-    added.thread = std::thread([this, &added, work = std::move(work)]() mutable {
-        work();
-        work = nullptr; // what it held on to goes before its end is told
-        end(added);
-    });
-}
-
-void LooseThreads::end(LooseThread &ended)
-{
-    {
-        const std::scoped_lock lock(m_mutex);
-        ended.hasEnded = true;
-    }
-    m_changed.notify_all();
-}
-
-bool LooseThreads::wait(std::chrono::milliseconds atMost)
-{
-    std::unique_lock lock(m_mutex);
-    const bool haveEnded = m_changed.wait_for(
-        lock, atMost, [this] { return std::ranges::all_of(m_threads, &LooseThread::hasEnded); });
-    joinEnded();
-    return haveEnded;
-}
-
-void LooseThreads::joinEnded()
-{
-    m_threads.remove_if([](LooseThread &loose) {
-        if (loose.hasEnded)
-            loose.thread.join();
-        return loose.hasEnded;
-    });
+    static const auto all = std::make_shared<LooseThreads>();
+    return all;
 }
 
 } // namespace
 
 void runLoose(std::function<void()> work)
 {
-    LooseThreads::instance().run(std::move(work));
+    const auto all = looseThreads();
+    const std::scoped_lock lock(all->mutex);
+    all->joinEnded();
+    LooseThread &added = all->threads.emplace_back();
+    added.thread = std::thread([all, &added, work = std::move(work)]() mutable {
+        work();
+        work = nullptr; // what it held on to goes before its end is told
+        {
+            const std::scoped_lock ending(all->mutex);
+            added.hasEnded = true;
+        }
+        all->changed.notify_all();
+    });
 }
 
 bool waitForLooseThreads(std::chrono::milliseconds atMost)
 {
-    return LooseThreads::instance().wait(atMost);
+    const auto all = looseThreads();
+    std::unique_lock lock(all->mutex);
+    const bool haveEnded = all->changed.wait_for(
+        lock, atMost, [&] { return std::ranges::all_of(all->threads, &LooseThread::hasEnded); });
+    all->joinEnded();
+    return haveEnded;
 }
