@@ -172,8 +172,9 @@ void addChromium(std::vector<FoundProgram> &found, const HomeReader &home,
         return;
     FoundProgram program{
         QString::fromLatin1(folder.program), {folder.lock, folder.profiles}, {}, {folder.cache}};
+    program.profiles = chromiumProfiles(home, folder.profiles);
     if (folder.files == Files::Known) {
-        for (const QByteArray &profile : chromiumProfiles(home, folder.profiles))
+        for (const QByteArray &profile : program.profiles)
             program.files += databasesIn(home, profile, kChromiumFiles);
     }
     found.push_back(std::move(program));
@@ -190,8 +191,11 @@ void addFirefox(std::vector<FoundProgram> &found, const HomeReader &home,
             places.append(profile);
     }
     for (const QByteArray &place : places) {
-        FoundProgram program{
-            QString::fromLatin1(folder.program), {Style::ParentLock, place}, {}, {folder.cache}};
+        FoundProgram program{QString::fromLatin1(folder.program),
+                             {Style::ParentLock, place},
+                             {},
+                             {folder.cache},
+                             {place}};
         if (folder.files == Files::Known && profiles.contains(place))
             program.files = databasesIn(home, place, kFirefoxFiles);
         found.push_back(std::move(program));

@@ -12,6 +12,7 @@ struct FoundProgram
     /// Its caches, which need not be there: by its name in whatever folder holds the caches of all
     /// programs, or, with a slash, by the path of a folder that it has for itself.
     QByteArrayList caches;
+    QByteArrayList profiles = {}; ///< all that a profile holds besides is the user's
 };
 
 /// The browsers and the mail programs of a freedesktop home that have something to lose while they

@@ -109,7 +109,7 @@ void FreeSpaceViewController::lookAgainAndConfirm()
         m_looking.run(lookForPrograms([this] { measureAndConfirm(); }));
 }
 
-/// Again when a program has come or gone meanwhile.
+/// Again until all that it names are measured: their places may have changed meanwhile.
 void FreeSpaceViewController::measureAndConfirm()
 {
     SliceSelection::Records named;

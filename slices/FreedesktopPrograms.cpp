@@ -30,15 +30,16 @@ void FreedesktopSurvey::addMailDownloads()
     }
 }
 
+/// A profile may have any name, such as "logs": what it holds is no other slice's.
 void FreedesktopSurvey::findBrowserData()
 {
     m_found = findPrograms(m_reader);
     FileUrls &all = m_places.locations[indexOf(SliceKind::BrowserData)];
     for (const FoundProgram &found : m_found) {
-        for (const QByteArray &path : found.files) {
-            m_known.push_back(KnownFolder::at(m_reader, path));
+        for (const QByteArray &profile : found.profiles)
+            m_known.push_back(KnownFolder::at(m_reader, profile));
+        for (const QByteArray &path : found.files)
             all.append(m_home.appending(path, FileUrlKind::File));
-        }
     }
 }
 

@@ -43,14 +43,11 @@ constexpr std::array kUpdateFolders{"iPad", "iPod", "iPhone"};
 constexpr auto kSandboxes = "snap";
 
 /// Whether these logs are a repository's, such as one of the user's dot files that has its work
-/// tree elsewhere: the record of what was in it before. Its parts may be links.
+/// tree elsewhere: the record of what was in it before.
 bool areOfRepository(const HomeReader &reader, const QByteArray &logs)
 {
-    const QByteArray around = logs.first(logs.lastIndexOf('/') + 1);
-    const QByteArray head = around + "HEAD";
-    const QByteArray objects = around + "objects";
-    return (!reader.filesAmong({head}).isEmpty() || reader.linkAt(head)) &&
-           (reader.hasFolder(objects) || reader.linkAt(objects));
+    const QByteArray head = logs.first(logs.lastIndexOf('/') + 1) + "HEAD";
+    return !reader.filesAmong({head}).isEmpty() || reader.linkAt(head);
 }
 
 } // namespace
@@ -80,6 +77,7 @@ HomeLayout::Places FreedesktopSurvey::places()
         m_cacheHomes.append(kCacheHome);
     for (const char *pattern : {".var/app/*/cache", "snap/*/common/.cache"})
         addFolders(SliceKind::Cache, pattern);
+    findBrowserData();
     addAppLogs();
     for (const QByteArray device : kUpdateFolders) {
         const QByteArray pattern = ".wine/drive_c/users/*/AppData/Roaming/Apple Computer/iTunes/" +
@@ -87,7 +85,6 @@ HomeLayout::Places FreedesktopSurvey::places()
         addFolders(SliceKind::OldIos, pattern.constData());
     }
     addMailDownloads();
-    findBrowserData();
     addDownloads();
     if (m_userDirsAreKnown) {
         addTrashOfEnvironment();
@@ -130,6 +127,8 @@ void FreedesktopSurvey::addNamedDownloads(const QByteArray &path)
 SystemResult<QByteArray> FreedesktopSurvey::userDirsText() const
 {
     const QByteArrayList places = m_paths.followed(m_home.path() + '/' + kUserDirsFile);
+    if (places.isEmpty())
+        return tl::unexpected(ENOTDIR);
     const auto text = m_reader.contentOf(places.constLast(), kLargestUserDirsFile);
     const bool isALink = places.size() > 1;
     return text || !isALink ? text : tl::unexpected(ELOOP);

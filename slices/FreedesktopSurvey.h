@@ -53,7 +53,7 @@ private:
     bool m_userDirsAreKnown = false;
     UserFolders m_userFolders;        ///< downloads are not among them
     UserFolders m_downloads;          ///< where they may be
-    std::vector<KnownFolder> m_known; ///< all that are locations already
+    std::vector<KnownFolder> m_known; ///< the locations, and the profiles of browsers
     std::vector<FoundProgram> m_found;
     QByteArrayList m_cacheHomes; ///< the locations that hold the caches of all programs, by name
     HomeLayout::Places m_places;

@@ -42,6 +42,7 @@ private Q_SLOTS:
     void findsNothingInAnEmptyHome();
     void findsSandboxedPrograms();
     void leavesTheLogsOfARepository();
+    void takesNoProfileForLogs();
     void followsARevisionOfASnapAlone();
     void findsTheUpdatesOfEveryUserOfWine();
     void findsAttachmentsButNoMail();
@@ -168,7 +169,7 @@ void TestHomeSurvey::findsSandboxedPrograms()
                                       QByteArrayList{".var/app/org.a.A/config/a/logs/"}}}));
 }
 
-/// They are all that tells of what was in it before, and lie beside its head and its objects.
+/// They are all that tells of what was in it before, and lie beside its head.
 void TestHomeSurvey::leavesTheLogsOfARepository()
 {
     MadeHome home;
@@ -177,19 +178,26 @@ void TestHomeSurvey::leavesTheLogsOfARepository()
         for (const char *path : {"/HEAD", "/objects/pack/", "/logs/HEAD"})
             home.make(QByteArray(folder) + path);
     }
-    home.make(".config/old/objects/pack/");
     home.make(".config/old/logs/HEAD");
     home.link(".config/old/HEAD", "refs/heads/main");
-    home.make(".config/large/HEAD");
-    home.make(".config/large/logs/HEAD");
-    home.link(".config/large/objects", home.outside("objects"));
-    for (const char *path :
-         {".config/a/HEAD", ".config/a/logs/x", ".config/b/objects/", ".config/b/logs/x",
-          ".config/c/HEAD/", ".config/c/objects/", ".config/c/logs/x"})
+    for (const char *path : {".config/b/objects/", ".config/b/logs/x", ".config/c/HEAD/",
+                             ".config/c/objects/", ".config/c/logs/x"})
         home.make(path);
-    QCOMPARE(
-        locationsOf(home, home.survey()),
-        (Found{{SliceKind::AppLogs, {".config/a/logs/", ".config/b/logs/", ".config/c/logs/"}}}));
+    QCOMPARE(locationsOf(home, home.survey()),
+             (Found{{SliceKind::AppLogs, {".config/b/logs/", ".config/c/logs/"}}}));
+}
+
+/// A user may call a profile what he likes.
+void TestHomeSurvey::takesNoProfileForLogs()
+{
+    const MadeHome home({".config/chromium/logs/Bookmarks", ".config/chromium/logs/History",
+                         ".config/opera/logs/Bookmarks", ".config/vivaldi/logs/chrome.log"});
+    for (const char *browser : {"chromium", "opera"})
+        home.make(QByteArray(".config/") + browser + "/Local State",
+                  R"({"profile":{"info_cache":{"logs":{}}}})");
+    QCOMPARE(locationsOf(home, home.survey()),
+             (Found{{SliceKind::AppLogs, {".config/vivaldi/logs/"}},
+                    {SliceKind::BrowserData, {".config/chromium/logs/History"}}}));
 }
 
 void TestHomeSurvey::followsARevisionOfASnapAlone()
