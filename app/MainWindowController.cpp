@@ -141,7 +141,7 @@ void MainWindowController::willGoForward(VNTViewController &page, bool forward,
 void MainWindowController::showPageAfter(VNTViewController &page, const QVariant &data)
 {
     m_grantCheck.drop();
-    VNTViewController *next = objectAfter<VNTViewController>(m_viewControllers, &page);
+    auto *const next = objectAfter<VNTViewController>(m_viewControllers, &page);
     m_navigationController->pushViewController(next, Animated::Yes);
     if (next)
         next->setData(data); // after viewWillAppear(), before viewDidAppear()

@@ -48,7 +48,7 @@ class DurableFile final
 {
 public:
     /// The largest content, in bytes; a larger file is damaged.
-    static constexpr qsizetype kLargestContent = 16 * 1024 * 1024;
+    static constexpr qsizetype kLargestContent = qsizetype{16} * 1024 * 1024;
 
     DurableFile(const SystemCalls &calls, FileDescriptor folder, QByteArray name);
 

@@ -72,7 +72,7 @@ void LatestJob::stop()
     ++m_latest;
 }
 
-void LatestJob::answer(quint64 number, const Answer &answer)
+void LatestJob::answer(quint64 number, const Answer &answer) const
 {
     if (number == m_latest && answer)
         answer();

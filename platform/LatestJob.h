@@ -35,7 +35,7 @@ public:
 private:
     struct Desk;
 
-    void answer(quint64 number, const Answer &answer);
+    void answer(quint64 number, const Answer &answer) const;
 
     quint64 m_latest = 0;
     std::shared_ptr<Desk> m_desk; ///< shared with the thread that works

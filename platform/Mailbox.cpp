@@ -14,8 +14,8 @@ constexpr QEvent::Type kPosted = QEvent::User;
 
 struct Mailbox::Address::Door
 {
-    std::mutex mutex; ///< guards all
-    Mailbox *box;     ///< null when it is gone
+    std::mutex mutex;       ///< guards all
+    Mailbox *box = nullptr; ///< null when it is gone
     std::deque<Message> messages;
 };
 

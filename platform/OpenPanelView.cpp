@@ -49,14 +49,15 @@ private:
 } // namespace
 
 OpenPanelView::OpenPanelView(OpenPanel panel, const ChooserQuestions &questions)
-    : m_panel(std::move(panel)), m_icons(std::make_shared<FileIcons>())
+    : m_panel(std::move(panel)),
+      m_chooserPlace(new QWidget(this)),
+      m_icons(std::make_shared<FileIcons>())
 {
     setAccessibleName(m_panel.prompt.isEmpty() ? m_panel.title : m_panel.prompt);
     auto *const column = new QVBoxLayout(this);
     column->setContentsMargins(kMargin, kMargin, kMargin - PanelButton::kRing, kLowerMargin);
     column->setSpacing(kGap);
     addPrompt(*column);
-    m_chooserPlace = new QWidget(this);
     column->addWidget(m_chooserPlace, 1);
     addWaitingText();
     addButtons(*column);

@@ -7,8 +7,8 @@
 
 namespace {
 
-constexpr std::size_t kLargestLocalState = 4 * 1024 * 1024;
-constexpr std::size_t kLargestProfilesIni = 64 * 1024;
+constexpr std::size_t kLargestLocalState = std::size_t{4} * 1024 * 1024;
+constexpr std::size_t kLargestProfilesIni = std::size_t{64} * 1024;
 
 bool isNumbered(QByteArrayView text, QByteArrayView name)
 {

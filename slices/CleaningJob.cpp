@@ -39,7 +39,7 @@ CleaningReport cleanDisk(const SystemCalls &calls, FileAccess &access, const Rec
     const auto inUseNow = [&](const CleaningLocation &location, const FileUrl &place) {
         return placesInUse(calls, location.path, layout, place);
     };
-    const CleaningReport report = performCleaning(calls, plan, stop, nullptr, inUseNow);
+    CleaningReport report = performCleaning(calls, plan, stop, nullptr, inUseNow);
     takeAwaySizes(sizes, foundInUse(report, plan));
     return report;
 }

@@ -7,7 +7,7 @@
 #include <vector>
 
 /// How many bytes of records are read at a time.
-inline constexpr std::size_t kListingSpace = 64 * 1024;
+inline constexpr std::size_t kListingSpace = std::size_t{64} * 1024;
 
 /// All entries of one folder as they were when it was read, in little memory: a folder may hold a
 /// million. A value.

@@ -14,9 +14,9 @@ enum class Files { Known, Unknown };
 /// A place where a browser of the Chromium family keeps its profiles, all under one lock.
 struct ChromiumFolder
 {
-    const char *program;
-    const char *profiles;
-    const char *cache; ///< see FoundProgram
+    const char *program = nullptr;
+    const char *profiles = nullptr;
+    const char *cache = nullptr; ///< see FoundProgram
     Files files = Files::Known;
     Style lock = Style::HostLink;
 };
@@ -56,9 +56,9 @@ constexpr std::array kChromiumFiles{"Cookies", "Network/Cookies", "History", "We
 /// A place where a program of the Firefox family keeps its profiles, each under a lock of its own.
 struct FirefoxFolder
 {
-    const char *program;
-    const char *profiles;
-    const char *cache;
+    const char *program = nullptr;
+    const char *profiles = nullptr;
+    const char *cache = nullptr;
     Files files = Files::Known;
 };
 
@@ -87,9 +87,12 @@ constexpr std::array kFirefoxFiles{"cookies.sqlite", "formhistory.sqlite"};
 /// profile may be behind a link, or named when it was started, or not there yet.
 struct Processes
 {
-    const char *program;
-    std::array<const char *, 4> names;
-    std::array<const char *, 5> caches;
+    static constexpr std::size_t kMostNames = 4;
+    static constexpr std::size_t kMostCaches = 5;
+
+    const char *program = nullptr;
+    std::array<const char *, kMostNames> names{};
+    std::array<const char *, kMostCaches> caches{};
 };
 
 constexpr std::array kProcesses{

@@ -9,7 +9,7 @@
 namespace {
 
 constexpr auto kUserDirsFile = ".config/user-dirs.dirs";
-constexpr std::size_t kLargestUserDirsFile = 64 * 1024;
+constexpr std::size_t kLargestUserDirsFile = std::size_t{64} * 1024;
 
 constexpr auto kHomeTrash = ".local/share/Trash";
 constexpr auto kCacheHome = ".cache";
@@ -52,12 +52,12 @@ bool areOfRepository(const HomeReader &reader, const QByteArray &logs)
 
 } // namespace
 
-FreedesktopSurvey::FreedesktopSurvey(const HomeReader &reader, const HomePaths &paths,
-                                     const FileUrl &home, const HomeEnvironment &environment)
+FreedesktopSurvey::FreedesktopSurvey(const HomeReader &reader, const HomePaths &paths, FileUrl home,
+                                     HomeEnvironment environment)
     : m_reader(reader),
       m_paths(paths),
-      m_home(home),
-      m_environment(environment),
+      m_home(std::move(home)),
+      m_environment(std::move(environment)),
       m_userFolders(reader, paths),
       m_downloads(reader, paths)
 {

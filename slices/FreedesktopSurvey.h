@@ -11,9 +11,9 @@
 class FreedesktopSurvey final
 {
 public:
-    /// All must outlive it.
-    FreedesktopSurvey(const HomeReader &reader, const HomePaths &paths, const FileUrl &home,
-                      const HomeEnvironment &environment);
+    /// The reader and the paths must outlive it.
+    FreedesktopSurvey(const HomeReader &reader, const HomePaths &paths, FileUrl home,
+                      HomeEnvironment environment);
 
     HomeLayout::Places places();
 

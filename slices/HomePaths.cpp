@@ -35,7 +35,7 @@ std::optional<QByteArrayList> behind(const QByteArrayList &folder, const QByteAr
 
 } // namespace
 
-HomePaths::HomePaths(const HomeReader &reader, QByteArrayList paths) : m_reader(reader)
+HomePaths::HomePaths(const HomeReader &reader, const QByteArrayList &paths) : m_reader(reader)
 {
     for (const QByteArray &path : paths)
         m_homes.append(namesOf(path));
@@ -83,7 +83,7 @@ QByteArrayList HomePaths::followed(const QByteArray &path) const
 std::optional<QByteArrayList> HomePaths::namesBelow(const QByteArrayList &names) const
 {
     for (const QByteArrayList &home : m_homes) {
-        if (const auto below = behind(home, names))
+        if (auto below = behind(home, names))
             return below;
     }
     return std::nullopt;

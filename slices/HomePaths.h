@@ -10,7 +10,7 @@ class HomePaths final
 public:
     /// The paths are absolute, without "..", and all lead to the home that is read, its own first;
     /// the reader must outlive this.
-    HomePaths(const HomeReader &reader, QByteArrayList paths);
+    HomePaths(const HomeReader &reader, const QByteArrayList &paths);
 
     /// The home's paths among these: its own, and the other where it leads to the same folder.
     static QByteArrayList leadingTo(const SystemCalls &calls, const QByteArray &homePath,

@@ -55,7 +55,7 @@ public:
     };
     struct Verdict
     {
-        Fate fate;
+        Fate fate = Fate::Stays;
         Care inside = Care::Removed; ///< for a folder to enter
     };
 
