@@ -46,7 +46,7 @@ inline const QByteArrayList kNamed{
 inline const QByteArrayList kFiles{
     ".config/chromium/Default/Cookies",
     ".config/chromium/Default/Network/Cookies",
-    ".config/chromium/Work/Cookies",
+    ".config/chromium/School/Cookies",
     ".mozilla/firefox/a/cookies.sqlite",
     ".mozilla/firefox/a/cookies.sqlite-wal",
     ".mozilla/firefox/b/cookies.sqlite",
@@ -67,7 +67,7 @@ inline const QByteArrayList kFiles{
 inline const QByteArrayList kProfiles{"a",      "b",    "a/", "..", "../../Documents",
                                       "a/../b", "/etc", ""};
 inline const QByteArray kLocalState =
-    R"({"profile":{"info_cache":{"Work":{},"..":{},"../..":{},"Work/Network":{}}}})";
+    R"({"profile":{"info_cache":{"School":{},"..":{},"../..":{},"School/Network":{}}}})";
 inline const QByteArrayList kVariables{"XDG_DOWNLOAD_DIR", "XDG_DOCUMENTS_DIR", "XDG_DESKTOP_DIR",
                                        "XDG_MUSIC_DIR"};
 

@@ -76,14 +76,14 @@ void TestBrowserProfiles::readsTheNamesInTheLocalState_data()
 {
     QTest::addColumn<QByteArray>("state");
     QTest::addColumn<bool>("isRead");
-    const QByteArray whole = R"({"profile":{"info_cache":{"Default":{},"Work":{"name":"a"},)"
-                             R"("":{},"..":{},"Work/In":{},"../other":{},"Gone":{}}}})";
+    const QByteArray whole = R"({"profile":{"info_cache":{"Default":{},"School":{"name":"a"},)"
+                             R"("":{},"..":{},"School/In":{},"../other":{},"Gone":{}}}})";
     QTest::newRow("whole") << whole << true;
     QTest::newRow("cut off") << whole.chopped(1) << false;
     QTest::newRow("empty") << QByteArray() << false;
     QTest::newRow("zeros") << QByteArray(100, '\0') << false;
-    QTest::newRow("a list") << QByteArray(R"({"profile":{"info_cache":["Work"]}})") << false;
-    QTest::newRow("elsewhere") << QByteArray(R"({"info_cache":{"Work":{}}})") << false;
+    QTest::newRow("a list") << QByteArray(R"({"profile":{"info_cache":["School"]}})") << false;
+    QTest::newRow("elsewhere") << QByteArray(R"({"info_cache":{"School":{}}})") << false;
     QTest::newRow("too large") << whole + QByteArray(4 * 1024 * 1024, ' ') << false;
 }
 
@@ -91,12 +91,12 @@ void TestBrowserProfiles::readsTheNamesInTheLocalState()
 {
     QFETCH(const QByteArray, state);
     QFETCH(const bool, isRead);
-    const MadeHome home({".config/chromium/Default/Cookies", ".config/chromium/Work/Cookies",
-                         ".config/chromium/Work/In/Cookies", ".config/chromium/Work copy/Cookies",
-                         ".config/other/Cookies"});
+    const MadeHome home({".config/chromium/Default/Cookies", ".config/chromium/School/Cookies",
+                         ".config/chromium/School/In/Cookies",
+                         ".config/chromium/School copy/Cookies", ".config/other/Cookies"});
     home.make(".config/chromium/Local State", state);
     QCOMPARE(chromiums(home),
-             isRead ? QByteArrayList({"Default", "Work"}) : QByteArrayList{"Default"});
+             isRead ? QByteArrayList({"Default", "School"}) : QByteArrayList{"Default"});
 }
 
 void TestBrowserProfiles::readsTheListOfFirefox_data()
@@ -152,11 +152,11 @@ void TestBrowserProfiles::findsNoFirefoxProfileWithoutAList()
 
 void TestBrowserProfiles::takesNoFailureForAList()
 {
-    const MadeHome home({".mozilla/firefox/a/x", ".config/chromium/Work/x"});
+    const MadeHome home({".mozilla/firefox/a/x", ".config/chromium/School/x"});
     home.nameFirefoxProfiles({"a"});
-    home.make(".config/chromium/Local State", R"({"profile":{"info_cache":{"Work":{}}}})");
+    home.make(".config/chromium/Local State", R"({"profile":{"info_cache":{"School":{}}}})");
     QCOMPARE(firefoxes(home), QByteArrayList{"a"});
-    QCOMPARE(chromiums(home), QByteArrayList{"Work"});
+    QCOMPARE(chromiums(home), QByteArrayList{"School"});
     for (const char *call : {"openFile", "read"}) {
         const ForwardingSystemCalls failing(
             [&](int, std::string_view name) { return name == call ? EIO : 0; });
