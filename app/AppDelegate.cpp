@@ -1,13 +1,13 @@
 #include "app/AppDelegate.h"
 
 #include "app/InterfaceClasses.h"
-#include "app/LaunchPings.h"
-#include "app/ResourceManager.h"
-#include "app/SettingsKeys.h"
-#include "platform/Alert.h"
-#include "platform/Log.h"
-#include "prefs/ColorWindow.h"
-#include "prefs/PreferencesWindowController.h"
+#include "app/grant/ResourceManager.h"
+#include "app/pings/LaunchPings.h"
+#include "app/settings/SettingsKeys.h"
+#include "platform/base/Log.h"
+#include "platform/sheet/Alert.h"
+#include "prefs/exclusions/PreferencesWindowController.h"
+#include "prefs/window/ColorWindow.h"
 
 #include <QAction>
 #include <QApplication>

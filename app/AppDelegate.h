@@ -1,15 +1,15 @@
 #pragma once
 
-#include "app/Addresses.h"
-#include "app/ExcludedFilesChangedNotification.h"
-#include "app/GrantCheck.h"
 #include "app/MainWindowController.h"
-#include "app/PingSender.h"
-#include "app/RealHomeDirectory.h"
-#include "app/UserDefaults.h"
-#include "platform/InterfaceLoader.h"
-#include "platform/SystemCalls.h"
-#include "platform/Workspace.h"
+#include "app/grant/GrantCheck.h"
+#include "app/grant/RealHomeDirectory.h"
+#include "app/pings/Addresses.h"
+#include "app/pings/PingSender.h"
+#include "app/settings/ExcludedFilesChangedNotification.h"
+#include "app/settings/UserDefaults.h"
+#include "platform/desktop/InterfaceLoader.h"
+#include "platform/desktop/Workspace.h"
+#include "platform/system/SystemCalls.h"
 
 #include <QObject>
 #include <functional>

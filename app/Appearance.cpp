@@ -1,7 +1,7 @@
 #include "app/Appearance.h"
 
-#include "platform/Fonts.h"
-#include "platform/InterfacePalette.h"
+#include "platform/look/Fonts.h"
+#include "platform/look/InterfacePalette.h"
 
 #include <QApplication>
 #include <QIcon>

@@ -1,9 +1,9 @@
 #include "app/InterfaceClasses.h"
 
 #include "chart/PieChart.h"
-#include "largefiles/InterfaceClasses.h"
-#include "platform/InterfaceLoader.h"
-#include "prefs/InterfaceClasses.h"
+#include "largefiles/sheet/InterfaceClasses.h"
+#include "platform/desktop/InterfaceLoader.h"
+#include "prefs/exclusions/InterfaceClasses.h"
 #include "widgets/ColorView.h"
 #include "widgets/ImageButton.h"
 #include "widgets/ImageView.h"

@@ -1,15 +1,15 @@
 #include "app/MainWindowController.h"
 
-#include "app/DiskInfoViewController.h"
-#include "app/GrantAlert.h"
-#include "app/Neighbours.h"
-#include "app/ResourceManager.h"
-#include "app/SettingsKeys.h"
-#include "app/UserDefaults.h"
-#include "platform/InterfaceLoader.h"
-#include "platform/ViewAlpha.h"
-#include "platform/Workspace.h"
-#include "prefs/ColorWindow.h"
+#include "app/grant/GrantAlert.h"
+#include "app/grant/ResourceManager.h"
+#include "app/navigation/Neighbours.h"
+#include "app/pages/DiskInfoViewController.h"
+#include "app/settings/SettingsKeys.h"
+#include "app/settings/UserDefaults.h"
+#include "platform/desktop/InterfaceLoader.h"
+#include "platform/desktop/Workspace.h"
+#include "platform/look/ViewAlpha.h"
+#include "prefs/window/ColorWindow.h"
 
 #include <functional>
 

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "app/BFNavigationController.h"
-#include "app/BFNavigationControllerDelegate.h"
-#include "app/FinalViewController.h"
-#include "app/FolderSelectViewController.h"
-#include "app/GrantCheck.h"
-#include "app/VNTViewController.h"
-#include "slices/FreeSpaceViewController.h"
+#include "app/grant/GrantCheck.h"
+#include "app/navigation/BFNavigationController.h"
+#include "app/navigation/BFNavigationControllerDelegate.h"
+#include "app/navigation/VNTViewController.h"
+#include "app/pages/FinalViewController.h"
+#include "app/pages/FolderSelectViewController.h"
+#include "slices/page/FreeSpaceViewController.h"
 
 #include <memory>
 

@@ -1,8 +1,8 @@
 #include "app/AppDelegate.h"
 #include "app/Appearance.h"
-#include "platform/LooseThreads.h"
-#include "prefs/TutorialView.h"
-#include "prefs/WebTutorial.h"
+#include "platform/threads/LooseThreads.h"
+#include "prefs/tutorial/TutorialView.h"
+#include "prefs/tutorial/WebTutorial.h"
 
 #include <QApplication>
 #include <QThreadPool>

@@ -1,7 +1,7 @@
 #include "bench/Commands.h"
-#include "platform/ProcessMemory.h"
-#include "slices/Cleaning.h"
-#include "slices/FolderSizing.h"
+#include "platform/system/ProcessMemory.h"
+#include "slices/cleaning/Cleaning.h"
+#include "slices/sizing/FolderSizing.h"
 
 #include <QElapsedTimer>
 #include <QFile>

@@ -2,8 +2,8 @@
 // drawing an opacity; the pie on the page moves meanwhile, as it does when a page comes in.
 //     vantor-fade-bench [scale]
 
-#include "platform/Fonts.h"
-#include "platform/ViewAlpha.h"
+#include "platform/look/Fonts.h"
+#include "platform/look/ViewAlpha.h"
 
 #include <QApplication>
 #include <QElapsedTimer>

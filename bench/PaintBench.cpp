@@ -6,8 +6,8 @@
 // --save keeps a picture of each scene, to look at.
 
 #include "chart/PieChart.h"
-#include "platform/Images.h"
-#include "slices/Info.h"
+#include "platform/look/Images.h"
+#include "slices/record/Info.h"
 
 #include <QApplication>
 #include <QCommandLineParser>

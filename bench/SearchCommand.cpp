@@ -1,8 +1,8 @@
 #include "bench/Commands.h"
-#include "largefiles/LargeFileSearch.h"
-#include "platform/ByteCount.h"
-#include "platform/ProcessMemory.h"
-#include "slices/HomeSurvey.h"
+#include "largefiles/search/LargeFileSearch.h"
+#include "platform/base/ByteCount.h"
+#include "platform/system/ProcessMemory.h"
+#include "slices/home/HomeSurvey.h"
 
 #include <QElapsedTimer>
 #include <QFile>

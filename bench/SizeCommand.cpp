@@ -1,6 +1,6 @@
 #include "bench/Commands.h"
-#include "platform/ProcessMemory.h"
-#include "slices/FolderSizing.h"
+#include "platform/system/ProcessMemory.h"
+#include "slices/sizing/FolderSizing.h"
 
 #include <QElapsedTimer>
 #include <QFile>

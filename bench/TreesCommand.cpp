@@ -1,5 +1,5 @@
 #include "bench/Commands.h"
-#include "platform/FileDescriptor.h"
+#include "platform/system/FileDescriptor.h"
 
 #include <QFile>
 #include <cstdio>

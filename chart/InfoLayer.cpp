@@ -1,7 +1,7 @@
 #include "chart/InfoLayer.h"
 
-#include "platform/Images.h"
-#include "slices/Info.h"
+#include "platform/look/Images.h"
+#include "slices/record/Info.h"
 
 #include <QCoreApplication>
 #include <QFontMetricsF>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "chart/WeakReference.h"
-#include "platform/Fonts.h"
+#include "platform/look/Fonts.h"
 
 #include <QPixmap>
 #include <QPoint>

@@ -1,8 +1,8 @@
 #include "chart/PieChart.h"
 
 #include "chart/PieChartAccessible.h"
-#include "platform/Log.h"
-#include "platform/ViewAlpha.h"
+#include "platform/base/Log.h"
+#include "platform/look/ViewAlpha.h"
 
 #include <algorithm>
 

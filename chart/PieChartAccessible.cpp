@@ -1,7 +1,7 @@
 #include "chart/PieChartAccessible.h"
 
 #include "chart/PieChart.h"
-#include "slices/Info.h"
+#include "slices/record/Info.h"
 
 #include <QAccessible>
 #include <QAccessibleActionInterface>

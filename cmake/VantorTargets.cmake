@@ -1,7 +1,19 @@
-# vantor_library(name SOURCES ... LINKS ...): one static library of the house.
-function(vantor_library name)
-    cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
-    add_library(${name} STATIC ${ARG_SOURCES})
+# vantor_room([CORE] LINKS ...): all sources of this folder become one static library of the house,
+# called after the folder: platform/system is vantor_platform_system. It may include only what it
+# links; tests/lint holds it to that. CORE: Qt Core at most, no widget.
+# A source called X_linux.cpp belongs to it where the system is called so (CMAKE_SYSTEM_NAME in small
+# letters); to bring it to another system means to add such files.
+function(vantor_room)
+    cmake_parse_arguments(ARG "CORE" "" "LINKS" ${ARGN})
+    file(RELATIVE_PATH folder ${PROJECT_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR})
+    string(REPLACE "/" "_" name "vantor_${folder}")
+    string(TOLOWER ${CMAKE_SYSTEM_NAME} system)
+    file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp ${CMAKE_CURRENT_SOURCE_DIR}/*.h)
+    list(FILTER sources EXCLUDE REGEX "/main\\.cpp$")
+    set(of_this_system ${sources})
+    list(FILTER of_this_system INCLUDE REGEX "_${system}\\.cpp$")
+    list(FILTER sources EXCLUDE REGEX "_[a-z0-9]+\\.cpp$")
+    add_library(${name} STATIC ${sources} ${of_this_system})
     target_link_libraries(${name} PUBLIC vantor_options ${ARG_LINKS})
 endfunction()
 
@@ -10,7 +22,7 @@ endfunction()
 # A test never sees the user's own bus, display or settings; tests/support makes it a home of its own.
 function(vantor_tests)
     cmake_parse_arguments(ARG "GUI" "" "LINKS;ONLY" ${ARGN})
-    get_filename_component(folder ${CMAKE_CURRENT_SOURCE_DIR} NAME)
+    file(RELATIVE_PATH folder ${PROJECT_SOURCE_DIR}/tests ${CMAKE_CURRENT_SOURCE_DIR})
     file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/tst_*.cpp)
     foreach(source ${sources})
         get_filename_component(name ${source} NAME_WE)

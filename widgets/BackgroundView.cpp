@@ -1,7 +1,7 @@
 #include "widgets/BackgroundView.h"
 
-#include "platform/Images.h"
-#include "platform/ViewAlpha.h"
+#include "platform/look/Images.h"
+#include "platform/look/ViewAlpha.h"
 
 #include <QEvent>
 #include <QLabel>

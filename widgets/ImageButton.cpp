@@ -1,6 +1,6 @@
 #include "widgets/ImageButton.h"
 
-#include "platform/Images.h"
+#include "platform/look/Images.h"
 
 #include <QPainter>
 

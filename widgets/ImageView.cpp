@@ -1,6 +1,6 @@
 #include "widgets/ImageView.h"
 
-#include "platform/Images.h"
+#include "platform/look/Images.h"
 
 #include <QPainter>
 

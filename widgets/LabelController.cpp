@@ -1,7 +1,7 @@
 #include "widgets/LabelController.h"
 
-#include "platform/ByteCount.h"
-#include "platform/Fonts.h"
+#include "platform/base/ByteCount.h"
+#include "platform/look/Fonts.h"
 #include "widgets/TextField.h"
 
 #include <filesystem>

@@ -1,7 +1,7 @@
 #include "widgets/LegendView.h"
 
-#include "platform/Fonts.h"
-#include "platform/Images.h"
+#include "platform/look/Fonts.h"
+#include "platform/look/Images.h"
 #include "widgets/AttributedText.h"
 
 #include <QPainter>

@@ -1,7 +1,7 @@
 #include "widgets/StartButton.h"
 
-#include "platform/Fonts.h"
-#include "platform/Images.h"
+#include "platform/look/Fonts.h"
+#include "platform/look/Images.h"
 #include "widgets/TextField.h"
 
 #include <QKeyEvent>

@@ -1,6 +1,6 @@
 #include "widgets/StyledLabel.h"
 
-#include "platform/Fonts.h"
+#include "platform/look/Fonts.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "largefiles/PlayerReport.h"
+#include "largefiles/preview/PlayerReport.h"
 
 #include <QAudioOutput>
 #include <QFile>

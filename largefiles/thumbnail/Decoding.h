@@ -1,6 +1,6 @@
 #pragma once
 
-#include "largefiles/DecodedPicture.h"
+#include "largefiles/preview/DecodedPicture.h"
 
 /// What the device holds, decoded and fitted into `pixels`; a small picture stays small, and of a
 /// document it is the page of this number (from 0). No image for what is no picture, or one too

@@ -1,6 +1,6 @@
 #include "app/InterfaceClasses.h"
-#include "platform/InterfaceLoader.h"
-#include "tests/support/GuiTestMain.h"
+#include "platform/desktop/InterfaceLoader.h"
+#include "tests/support/run/GuiTestMain.h"
 
 #include <QDir>
 #include <QLabel>

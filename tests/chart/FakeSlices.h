@@ -1,7 +1,7 @@
 #pragma once
 
 #include "chart/PieChart.h"
-#include "slices/Info.h"
+#include "slices/record/Info.h"
 
 #include <QImage>
 #include <QSet>

@@ -1,5 +1,5 @@
 #include "chart/ArcAnimation.h"
-#include "tests/support/TestMain.h"
+#include "tests/support/run/TestMain.h"
 
 #include <cmath>
 

@@ -1,6 +1,6 @@
 #include "chart/InfoLayer.h"
-#include "slices/Info.h"
-#include "tests/support/GuiTestMain.h"
+#include "slices/record/Info.h"
+#include "tests/support/run/GuiTestMain.h"
 
 #include <QImage>
 #include <QPainter>

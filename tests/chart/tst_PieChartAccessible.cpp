@@ -1,5 +1,5 @@
 #include "tests/chart/FakeSlices.h"
-#include "tests/support/GuiTestMain.h"
+#include "tests/support/run/GuiTestMain.h"
 
 #include <QAccessible>
 #include <QPushButton>

@@ -1,6 +1,6 @@
-#include "platform/Log.h"
+#include "platform/base/Log.h"
 #include "tests/chart/FakeSlices.h"
-#include "tests/support/GuiTestMain.h"
+#include "tests/support/run/GuiTestMain.h"
 
 #include <cmath>
 #include <limits>

@@ -1,5 +1,5 @@
 #include "chart/SliceFocus.h"
-#include "tests/support/TestMain.h"
+#include "tests/support/run/TestMain.h"
 
 #include <cmath>
 #include <numbers>

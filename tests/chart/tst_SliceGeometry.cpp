@@ -1,6 +1,6 @@
 #include "chart/ChartPlane.h"
 #include "chart/SliceGeometry.h"
-#include "tests/support/TestMain.h"
+#include "tests/support/run/TestMain.h"
 
 #include <cmath>
 #include <numbers>

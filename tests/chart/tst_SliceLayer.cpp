@@ -1,5 +1,5 @@
 #include "chart/SliceLayer.h"
-#include "tests/support/GuiTestMain.h"
+#include "tests/support/run/GuiTestMain.h"
 
 #include <cmath>
 #include <numbers>

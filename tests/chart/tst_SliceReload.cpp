@@ -1,5 +1,5 @@
 #include "chart/SliceReload.h"
-#include "tests/support/GuiTestMain.h"
+#include "tests/support/run/GuiTestMain.h"
 
 #include <memory>
 

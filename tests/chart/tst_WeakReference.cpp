@@ -1,5 +1,5 @@
 #include "chart/WeakReference.h"
-#include "tests/support/TestMain.h"
+#include "tests/support/run/TestMain.h"
 
 #include <memory>
 #include <optional>

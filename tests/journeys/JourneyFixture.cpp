@@ -1,9 +1,9 @@
 #include "tests/journeys/JourneyFixture.h"
 
-#include "app/DiskInfoViewController.h"
-#include "app/ResourceManager.h"
-#include "app/SettingsKeys.h"
-#include "tests/support/ResourceManagerReset.h"
+#include "app/grant/ResourceManager.h"
+#include "app/pages/DiskInfoViewController.h"
+#include "app/settings/SettingsKeys.h"
+#include "tests/support/page/ResourceManagerReset.h"
 
 #include <QFile>
 #include <QTest>

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "app/AppDelegate.h"
-#include "tests/support/Journey.h"
-#include "tests/support/PageFixture.h"
-#include "tests/support/ForwardingSystemCalls.h"
-#include "tests/support/SampleHome.h"
+#include "tests/support/disk/ForwardingSystemCalls.h"
+#include "tests/support/page/Journey.h"
+#include "tests/support/page/PageFixture.h"
+#include "tests/support/page/SampleHome.h"
 
 #include <memory>
 

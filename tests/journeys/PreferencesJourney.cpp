@@ -1,13 +1,13 @@
 #include "tests/journeys/PreferencesJourney.h"
 
-#include "platform/FileUrl.h"
-#include "prefs/ColorWindow.h"
-#include "prefs/ExcludedFilesModel.h"
-#include "prefs/ExcludedFilesView.h"
-#include "prefs/PreferencesWindowController.h"
-#include "prefs/WindowButton.h"
-#include "prefs/WindowMenu.h"
-#include "tests/support/SheetDriver.h"
+#include "platform/files/FileUrl.h"
+#include "prefs/exclusions/ExcludedFilesModel.h"
+#include "prefs/exclusions/ExcludedFilesView.h"
+#include "prefs/exclusions/PreferencesWindowController.h"
+#include "prefs/window/ColorWindow.h"
+#include "prefs/window/WindowButton.h"
+#include "prefs/window/WindowMenu.h"
+#include "tests/support/page/SheetDriver.h"
 
 #include <QDropEvent>
 #include <QFile>

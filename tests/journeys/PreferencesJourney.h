@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/support/Journey.h"
+#include "tests/support/page/Journey.h"
 
 class ColorWindow;
 class ExcludedFilesView;

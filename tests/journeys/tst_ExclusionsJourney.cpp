@@ -1,12 +1,12 @@
-#include "app/ResourceManager.h"
-#include "app/SettingsKeys.h"
-#include "prefs/ColorWindow.h"
-#include "prefs/ExcludedFilesModel.h"
+#include "app/grant/ResourceManager.h"
+#include "app/settings/SettingsKeys.h"
+#include "prefs/exclusions/ExcludedFilesModel.h"
+#include "prefs/window/ColorWindow.h"
 #include "tests/journeys/JourneyFixture.h"
 #include "tests/journeys/PreferencesJourney.h"
-#include "tests/support/GuiTestMain.h"
-#include "tests/support/SheetDriver.h"
-#include "tests/support/StillStyle.h"
+#include "tests/support/page/SheetDriver.h"
+#include "tests/support/page/StillStyle.h"
+#include "tests/support/run/GuiTestMain.h"
 
 #include <QFile>
 #include <algorithm>
@@ -134,17 +134,15 @@ void TestExclusionsJourney::keepsWhatIsDroppedAndForgetsWhatIsRemoved()
     QVERIFY(m_preferences->open());
     QVERIFY(!m_preferences->drop({"/etc/fstab"}));
     QVERIFY(m_preferences->drop({home.path("Downloads/unpacked"), home.path("Downloads/Keep"),
-                                 home.path(oddName),
-                                 home.path("Downloads/Invoice April.pdf")}));
+                                 home.path(oddName), home.path("Downloads/Invoice April.pdf")}));
     QVERIFY(m_preferences->waitForRows(4));
     m_preferences->select({0, 3});
     m_preferences->pressKey(Qt::Key_Delete);
     QVERIFY(m_preferences->waitForRows(2));
     QVERIFY(m_preferences->close());
     QVERIFY(clean());
-    QCOMPARE(home.presentPaths(),
-             sorted(m_fixture->keptAfter(kCleaned) +
-                    m_fixture->pathsAt({"Downloads/Keep", oddName})));
+    QCOMPARE(home.presentPaths(), sorted(m_fixture->keptAfter(kCleaned) +
+                                         m_fixture->pathsAt({"Downloads/Keep", oddName})));
 }
 
 void TestExclusionsJourney::remembersTheExclusions()

@@ -1,4 +1,4 @@
-#include "app/RealHomeDirectory.h"
+#include "app/grant/RealHomeDirectory.h"
 
 #include <QDir>
 #include <QElapsedTimer>

@@ -1,5 +1,5 @@
-#include "platform/Fonts.h"
-#include "tests/support/GuiTestMain.h"
+#include "platform/look/Fonts.h"
+#include "tests/support/run/GuiTestMain.h"
 #include "tests/widgets/Ink.h"
 #include "widgets/AttributedText.h"
 

@@ -1,6 +1,6 @@
-#include "platform/Images.h"
-#include "platform/ViewAlpha.h"
-#include "tests/support/GuiTestMain.h"
+#include "platform/look/Images.h"
+#include "platform/look/ViewAlpha.h"
+#include "tests/support/run/GuiTestMain.h"
 #include "widgets/BackgroundView.h"
 
 class TestBackgroundView final : public QObject

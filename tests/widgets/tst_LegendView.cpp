@@ -1,4 +1,4 @@
-#include "tests/support/GuiTestMain.h"
+#include "tests/support/run/GuiTestMain.h"
 #include "widgets/LegendView.h"
 
 namespace {

@@ -1,0 +1,30 @@
+#include "app/grant/RealHomeDirectory.h"
+
+#include <QtGlobal>
+#include <array>
+#include <cerrno>
+#include <pwd.h>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+constexpr std::size_t kFirstSpace = 1024;
+
+} // namespace
+
+QByteArray RealHomeDirectory()
+{
+    std::vector<char> space(kFirstSpace);
+    passwd entry{};
+    passwd *pw = nullptr;
+    int error = 0;
+    while ((error = ::getpwuid_r(::getuid(), &entry, space.data(), space.size(), &pw)) == ERANGE ||
+           error == EINTR) {
+        if (error == ERANGE)
+            space.resize(space.size() * 2);
+    }
+    if (pw == nullptr)
+        qt_assert("pw", __FILE__, __LINE__); // also in a release: any other home would be a guess
+    return pw->pw_dir;
+}

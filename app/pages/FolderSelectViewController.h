@@ -1,0 +1,75 @@
+#pragma once
+
+#include "app/navigation/VNTViewController.h"
+#include "platform/system/SystemCalls.h"
+#include "platform/threads/LatestTask.h"
+
+#include <QTimer>
+#include <functional>
+#include <optional>
+
+class ImageButton;
+class ImageView;
+class UserDefaults;
+
+/// The first page: asks for the home folder, checks the choice, stores the grant when the folder's
+/// disk has answered, and moves on once there is one. Owned by the main window's controller; main
+/// thread only.
+class FolderSelectViewController final : public VNTViewController
+{
+    Q_OBJECT
+
+public:
+    /// What the page works with; all must outlive it.
+    struct Services
+    {
+        UserDefaults &defaults;
+        const SystemCalls &calls;
+        /// The user's home directory by the password database; see RealHomeDirectory().
+        std::function<QByteArray()> realHomeDirectory;
+    };
+
+    /// From a stored grant to the next page.
+    static constexpr std::chrono::seconds kPauseBeforeNextPage{1};
+
+    FolderSelectViewController(const InterfaceLoader &loader, Services services,
+                               QObject *parent = nullptr);
+
+    ImageButton *homeButton() const { return m_homeButton; }
+    ImageView *homeCheck() const { return m_homeCheck; }
+    /// Whether the disk of a chosen folder is waited for. Another choice, or a page that is left or
+    /// begun anew, drops that one.
+    bool isGranting() const { return m_granting.threadCount() > 0; }
+
+    void viewDidLoad() override;
+    void viewWillAppear(bool animated) override;
+    void viewDidAppear(bool animated) override;
+    void viewWillDisappear(bool animated) override;
+
+    /// Shows the open panel whose choice is stored under this settings key.
+    void runSelectionPanelForFolderString(const QString &key);
+
+    /// The raw path at which the panel for this key starts; nothing for any other key.
+    static std::optional<QByteArray> URLForFolderString(const QString &key);
+
+    /// Shows whether there is a grant, and moves on if so.
+    void updateUI();
+
+public Q_SLOTS:
+    /// The home button's action.
+    void selectHomeFolder();
+
+private:
+    void finishSelection(const QString &key, const std::optional<QByteArray> &path);
+    bool isNamedLikeTheRealHome(const QByteArray &path) const;
+    void grant(const QString &key, const QByteArray &path);
+    void storeGrant(const QString &key, const QByteArray &grant);
+    void showGrantError(const QByteArray &path, int error);
+    void goForwardIfGranted();
+
+    Services m_services;
+    QTimer m_forwardTimer;
+    ImageButton *m_homeButton = nullptr;
+    ImageView *m_homeCheck = nullptr;
+    LatestTask m_granting;
+};

@@ -1,0 +1,112 @@
+#include "app/pings/PingSender.h"
+
+#include "platform/base/Log.h"
+
+#include <QCoreApplication>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QProcess>
+#include <QTimer>
+
+namespace {
+
+using namespace std::chrono_literals;
+constexpr auto kTransferTimeout = 60s;
+
+/// Whether the page did not come at all. A server's own "not found" page is a page like any other:
+/// the library reports its status as an error, but the transport had none.
+bool isTransportError(const QNetworkReply &reply)
+{
+    if (reply.error() == QNetworkReply::NoError)
+        return false;
+    constexpr int kFirstErrorStatus = 400;
+    const int status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    const bool isOfTheStatus = status >= kFirstErrorStatus &&
+                               reply.error() > QNetworkReply::UnknownNetworkError &&
+                               reply.error() != QNetworkReply::ProtocolFailure;
+    return !isOfTheStatus;
+}
+
+QNetworkRequest plainRequest(const QUrl &url)
+{
+    QNetworkRequest request(url);
+    request.setTransferTimeout(int(std::chrono::milliseconds(kTransferTimeout).count()));
+    // No cookie is kept, so none is ever given back, not even within one run.
+    request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
+    return request;
+}
+
+void reportEnd(const QProcess &helper)
+{
+    if (helper.exitStatus() == QProcess::CrashExit)
+        qCInfo(logVantor, "The page of a ping was given up.");
+    else if (helper.exitCode() != 0)
+        qCInfo(logVantor, "The page of a ping was not loaded.");
+}
+
+} // namespace
+
+PingHelper PingHelper::besideTheProgram()
+{
+    return {QCoreApplication::applicationDirPath() + QStringLiteral("/vantor-ping")};
+}
+
+PingSender::PingSender(PingHelper helper, QObject *parent)
+    : QObject(parent), m_helper(std::move(helper)), m_network(new QNetworkAccessManager(this))
+{
+}
+
+PingSender::~PingSender()
+{
+    const auto helpers = findChildren<QProcess *>();
+    for (QProcess *helper : helpers) {
+        helper->disconnect();
+        helper->kill();
+    }
+    for (QProcess *helper : helpers)
+        helper->waitForFinished(); // a killed process is only waited for until it is taken down
+}
+
+void PingSender::updateStatsForURLString(const QString &urlString)
+{
+    const QUrl url(urlString);
+    QNetworkReply *reply = m_network->get(plainRequest(url));
+    connect(reply, &QNetworkReply::finished, this, [this, reply, url] {
+        reply->deleteLater();
+        finish(*reply, url);
+    });
+}
+
+void PingSender::finish(QNetworkReply &reply, const QUrl &url)
+{
+    if (isTransportError(reply)) {
+        qCInfo(logVantor, "Error: %ls", qUtf16Printable(reply.errorString()));
+        return;
+    }
+    if (reply.readAll().isEmpty())
+        return;
+    loadPage(url);
+    qCInfo(logVantor, "Loading");
+}
+
+void PingSender::loadPage(const QUrl &url)
+{
+    auto *helper = new QProcess(this);
+    helper->setStandardInputFile(QProcess::nullDevice());
+    helper->setStandardOutputFile(QProcess::nullDevice());
+    helper->setStandardErrorFile(QProcess::nullDevice());
+    connect(helper, &QProcess::errorOccurred, this, [helper](QProcess::ProcessError error) {
+        if (error != QProcess::FailedToStart)
+            return;
+        qCInfo(logVantor, "The page of a ping has no program to load it: %ls",
+               qUtf16Printable(helper->errorString()));
+        helper->deleteLater();
+    });
+    connect(helper, &QProcess::finished, this, [helper] {
+        reportEnd(*helper);
+        helper->deleteLater();
+    });
+    QTimer::singleShot(m_helper.limit, helper, &QProcess::kill);
+    helper->start(m_helper.program,
+                  {url.toString(QUrl::FullyEncoded), QString::number(m_helper.limit.count())});
+}

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "app/pings/StatsUpdater.h"
+
+#include <QObject>
+#include <chrono>
+
+class QNetworkAccessManager;
+class QNetworkReply;
+
+/// The program that loads a ping's page in an off-screen browser view, in a process of its own: so
+/// its memory goes back when it is done, and a crash of it harms nobody.
+struct PingHelper
+{
+    QString program;
+    std::chrono::milliseconds limit = std::chrono::seconds(15); ///< ended by force when it is over
+
+    /// The one that was installed beside the running program.
+    static PingHelper besideTheProgram();
+};
+
+/// Sends usage pings: plain page loads that carry nothing about the user or the machine.
+///
+/// Owned by the start-up; main thread only. A ping is a plain GET; when the page is there and is
+/// not empty, the helper loads it once more with its scripts, which is what the statistics count.
+/// Nothing waits for a ping, several may be under way at once, and none is sent again. When this
+/// is destroyed, what is under way is dropped without delay, the helpers' processes included.
+///
+/// Log lines: "Loading", or "Error: " and the transport's error. The status code is never looked
+/// at.
+class PingSender final : public QObject, public StatsUpdater
+{
+    Q_OBJECT
+
+public:
+    explicit PingSender(PingHelper helper = PingHelper::besideTheProgram(),
+                        QObject *parent = nullptr);
+    ~PingSender() override;
+
+    void updateStatsForURLString(const QString &urlString) override;
+
+private:
+    void finish(QNetworkReply &reply, const QUrl &url);
+    void loadPage(const QUrl &url);
+
+    PingHelper m_helper;
+    QNetworkAccessManager *const m_network;
+};

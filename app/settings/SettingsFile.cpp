@@ -1,0 +1,160 @@
+#include "app/settings/SettingsFile.h"
+
+#include "app/settings/SettingValues.h"
+#include "app/settings/SettingsKeys.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <cerrno>
+#include <system_error>
+
+namespace {
+
+constexpr char kFileName[] = "settings.json";
+constexpr QLatin1StringView kValues("settings");
+constexpr QLatin1StringView kDamage("damage");
+
+QString textOfError(int error)
+{
+    return QString::fromStdString(std::generic_category().message(error));
+}
+
+QString unreadableText(const QString &path, int error)
+{
+    return QStringLiteral("The settings in “%1” cannot be read (%2).")
+        .arg(path, textOfError(error));
+}
+
+QString conflictText(const QString &path)
+{
+    return QStringLiteral("The settings in “%1” were changed by another program, perhaps a second "
+                          "Vantor, and were not overwritten.")
+        .arg(path);
+}
+
+QString adviceText(bool hasPrevious)
+{
+    return (hasPrevious ? QStringLiteral(" The settings as they were before are in use.")
+                        : QStringLiteral(" Vantor starts without any settings.")) +
+           QStringLiteral(" Look through the excluded paths before you clean.");
+}
+
+std::optional<SettingsContent> contentIn(const DurableContent &found)
+{
+    if (found.state != DurableState::Good)
+        return std::nullopt;
+    return settingsFromText(found.bytes);
+}
+
+/// Whether a file that holds no content was read whole: then it stays of no use.
+bool isBad(const DurableContent &found)
+{
+    return found.state == DurableState::Good || found.state == DurableState::Damaged;
+}
+
+} // namespace
+
+QByteArray settingsText(const SettingsContent &content)
+{
+    QJsonObject root{{kValues, content.values}};
+    if (!content.damage.isEmpty())
+        root.insert(kDamage, content.damage);
+    return QJsonDocument(root).toJson(QJsonDocument::Indented).trimmed();
+}
+
+std::optional<SettingsContent> settingsFromText(const QByteArray &text)
+{
+    const QJsonObject root = QJsonDocument::fromJson(text).object();
+    const QJsonValue values = root.value(kValues);
+    const QJsonValue damage = root.value(kDamage);
+    if (!values.isObject() || !(damage.isUndefined() || damage.isString()))
+        return std::nullopt;
+    const QJsonValue exclusions = values.toObject().value(VNTExcludedPathsString);
+    if (!exclusions.isUndefined() && !stringsFrom(exclusions))
+        return std::nullopt;
+    return SettingsContent{values.toObject(), damage.toString()};
+}
+
+SettingsFile::SettingsFile(const QString &folder, const SystemCalls &calls)
+    : m_folder(folder), m_calls(&calls)
+{
+}
+
+SettingsContent SettingsFile::load()
+{
+    if (const auto opened = open(); !opened) {
+        if (opened.error() == ENOENT)
+            return {};
+        return {{}, unreadableText(m_folder, opened.error()) + adviceText(false)};
+    }
+    const DurableContent current = m_file->read(Generation::Current);
+    if (const auto content = contentIn(current))
+        return *content;
+    const DurableContent previous = m_file->read(Generation::Previous);
+    const bool hasTraces = current.state != DurableState::Missing ||
+                           previous.state != DurableState::Missing ||
+                           m_file->hasFilesSetAside().value_or(true);
+    if (!hasTraces)
+        return {};
+    const auto content = contentIn(previous);
+    if (!content && isBad(previous))
+        (void)m_file->setAside(Generation::Previous);
+    return {content.value_or(SettingsContent{}).values,
+            damageText(current) + adviceText(content.has_value())};
+}
+
+SettingsContent SettingsFile::peek()
+{
+    if (!open())
+        return {};
+    return contentIn(m_file->read(Generation::Current)).value_or(SettingsContent{});
+}
+
+SaveOutcome SettingsFile::save(const QByteArray &text, Replace replace)
+{
+    QDir().mkpath(m_folder);
+    auto saved = open().map_error([](int error) { return DurableError{error, false}; });
+    if (saved)
+        saved = m_file->write(text, replace);
+    if (saved)
+        return {};
+    if (saved.error().isConflict)
+        return {conflictText(pathOf(kFileName)), true};
+    return {QStringLiteral("The settings in “%1” could not be saved (%2).")
+                .arg(m_folder, textOfError(saved.error().error)),
+            false};
+}
+
+/// The folder's own path may lead through links; below it, none is followed.
+SystemResult<void> SettingsFile::open()
+{
+    if (m_file)
+        return {};
+    const QString resolved = QFileInfo(m_folder).canonicalFilePath();
+    const QByteArray path = QFile::encodeName(resolved.isEmpty() ? m_folder : resolved);
+    auto folder = m_calls->openRoot(path);
+    if (!folder)
+        return tl::unexpected(folder.error());
+    m_file.emplace(*m_calls, std::move(*folder), kFileName);
+    return {};
+}
+
+/// What happened to the current content, for people. A bad one is set aside here.
+QString SettingsFile::damageText(const DurableContent &current)
+{
+    if (current.state == DurableState::Missing)
+        return QStringLiteral("The settings in “%1” are gone.").arg(pathOf(kFileName));
+    if (current.state == DurableState::Unreadable)
+        return unreadableText(pathOf(kFileName), current.error);
+    const auto badName = m_file->setAside(Generation::Current);
+    if (!badName)
+        return QStringLiteral("The settings in “%1” are damaged.").arg(pathOf(kFileName));
+    return QStringLiteral("The settings were damaged. The damaged file was kept as “%1”.")
+        .arg(pathOf(*badName));
+}
+
+QString SettingsFile::pathOf(const QByteArray &name) const
+{
+    return m_folder + u'/' + QFile::decodeName(name);
+}

@@ -1,0 +1,98 @@
+#pragma once
+
+#include "app/settings/SettingsWriter.h"
+
+#include <QJsonObject>
+#include <QObject>
+#include <QStringList>
+#include <tl/expected.hpp>
+
+/// The settings: typed values under text keys, kept in one small file of a folder.
+///
+/// Owned by the start-up, used by the pages; main thread only. It reads the file once, when it is
+/// made. A setter changes the value at once and never waits: the whole content goes to a thread of
+/// its own, where the newest content wins. Whatever happens to the machine meanwhile, the file
+/// holds an old content or a new one, never a mixture.
+///
+/// A lookup answers the stored value, else the registered one, else none. A typed getter answers
+/// the registered (else the zero) value where the stored one is of another type.
+///
+/// It fails closed: when the file cannot be read completely, nobody knows which paths the user has
+/// excluded. exclusionsAreKnown() says so, also after a restart, until the user has looked and
+/// confirmExclusions() was called. Nothing may be cleaned before.
+class UserDefaults final : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// The folder need not exist yet; the first save makes it. `calls` must outlive this.
+    explicit UserDefaults(const QString &folder, const SystemCalls &calls,
+                          QObject *parent = nullptr);
+    /// Saves what is not saved yet.
+    ~UserDefaults() override;
+
+    /// Values to be answered for keys that are not stored. Nothing is written.
+    void registerDefaults(const QJsonObject &defaults);
+
+    /// The stored value, else the registered one, else undefined.
+    QJsonValue object(const QString &key) const;
+    bool contains(const QString &key) const { return !object(key).isUndefined(); }
+    bool isStored(const QString &key) const { return m_stored.contains(key); }
+
+    bool boolean(const QString &key) const;
+    qint64 integer(const QString &key) const;
+    QString string(const QString &key) const;
+    QStringList strings(const QString &key) const;
+    QList<bool> booleans(const QString &key) const;
+    QByteArray data(const QString &key) const;
+
+    void setBoolean(const QString &key, bool value);
+    void setInteger(const QString &key, qint64 value);
+    void setString(const QString &key, const QString &value);
+    void setStrings(const QString &key, const QStringList &value);
+    void setBooleans(const QString &key, const QList<bool> &value);
+    void setData(const QString &key, const QByteArray &value);
+    // A literal is no Boolean and no data, but would silently become one.
+    void setBoolean(const QString &key, const void *value) = delete;
+    void setData(const QString &key, const char *value) = delete;
+
+    /// Forgets the stored value; the registered one shows again.
+    void remove(const QString &key);
+
+    /// Waits until everything is on the disk; the error is a text for people.
+    tl::expected<void, QString> synchronize();
+
+    /// Whether anything is stored as the home-folder grant, valid or not.
+    bool hasInitializedFolders() const;
+    /// Forgets both folder grants. Does not synchronise.
+    void removeFolderEntries();
+
+    /// Whether the excluded paths are all that the user wants excluded.
+    bool exclusionsAreKnown() const { return m_damage.isEmpty(); }
+    /// What happened to the settings and where the damaged file was kept, for people; empty while
+    /// the exclusions are known.
+    QString damageMessage() const { return m_damage; }
+    /// The user has looked at the excluded paths: as they are now, they are right. Saves them; when
+    /// that fails they count as known for this run only.
+    void confirmExclusions();
+
+Q_SIGNALS:
+    /// The settings could not be saved; they are tried again with the next change or synchronize().
+    void saveFailed(const QString &message);
+    /// exclusionsAreKnown() changed: by confirmExclusions(), or because another program changed the
+    /// file behind this one's back.
+    void exclusionsKnownChanged(bool known);
+
+private:
+    void store(const QString &key, const QJsonValue &value);
+    void save(Replace replace);
+    void takeOutcome(const SaveOutcome &outcome);
+
+    QJsonObject m_stored;
+    QJsonObject m_registered;
+    QString m_damage;
+    std::optional<SettingsWriter> m_writer;
+};
+
+/// Where the settings of this user are kept: the platform's configuration folder of Vantor.
+QString defaultSettingsFolder();

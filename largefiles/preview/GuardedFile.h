@@ -1,0 +1,68 @@
+#pragma once
+
+#include "largefiles/preview/PictureDecoder.h"
+#include "platform/files/FileAccess.h"
+#include "platform/files/FileUrl.h"
+#include "platform/system/SystemCalls.h"
+
+#include <QDeadlineTimer>
+#include <QFile>
+#include <chrono>
+#include <memory>
+#include <stop_token>
+
+/// What reads files for previews: the system's calls and the right to work in the granted folder,
+/// which both outlive whoever holds this, and what decodes them.
+struct FileReading
+{
+    const SystemCalls &calls;
+    FileAccess &access;
+    PictureDecoder decoder = {};
+};
+
+/// How much may be spent on looking into one file.
+struct ReadingLimits
+{
+    qint64 bytes = 512LL * 1024 * 1024;                       ///< read all in all
+    std::chrono::milliseconds time = std::chrono::seconds(4); ///< from the opening on
+};
+
+/// A file whose content nobody vouches for, as a device: reads fail once the limits are reached
+/// or the token says stop, so that nobody goes on reading for long. Only regular files are
+/// opened, and no link is followed. One thread at a time, any but the main one.
+class GuardedFile final : public QIODevice
+{
+    Q_OBJECT
+
+public:
+    /// Null when there is no such regular file in the granted folder, or it cannot be read. The
+    /// caller holds the access while the file lives.
+    static std::unique_ptr<GuardedFile> open(const FileReading &reading, const FileUrl &url,
+                                             const std::stop_token &stop,
+                                             ReadingLimits limits = {});
+
+    /// Whether a read was refused. What was read is not all then.
+    bool hasGivenUp() const { return m_hasGivenUp; }
+    QDateTime modified() const;
+    /// What is in it as a picture; where reading goes on from is open then, see seek().
+    DecodedPicture picture(int page, QSize pixels);
+
+    qint64 size() const override { return m_file.size(); }
+    bool seek(qint64 position) override;
+
+protected:
+    qint64 readData(char *data, qint64 largest) override;
+    qint64 writeData(const char *, qint64) override { return -1; }
+
+private:
+    GuardedFile(FileDescriptor descriptor, PictureDecoder decoder, std::stop_token stop,
+                ReadingLimits limits);
+
+    PictureDecoder m_decoder;
+    FileDescriptor m_descriptor;
+    QFile m_file;
+    std::stop_token m_stop;
+    qint64 m_bytesLeft;
+    QDeadlineTimer m_deadline;
+    bool m_hasGivenUp = false;
+};

@@ -1,0 +1,74 @@
+#pragma once
+
+#include "largefiles/preview/PlayerProcess.h"
+#include "platform/files/FileUrl.h"
+
+#include <QWidget>
+#include <memory>
+
+class PlayButton;
+class PositionSlider;
+class QLabel;
+
+/// Lets a film or a sound be played over the picture or icon that stands for it: a play button,
+/// and once that was pressed the frames, where it is, and how long it lasts. Nothing is opened
+/// before, so that a damaged file does not matter to who merely looks. Hidden for all other files,
+/// and where there is no player. Stops when it is hidden. Takes no focus. Main thread only.
+class MediaView final : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit MediaView(QWidget *parent, QString player = PlayerProcess::besideTheProgram());
+    ~MediaView() override;
+
+    /// Stops, and is there for this file if that is a film or a sound by its name.
+    void setFile(const FileUrl &file);
+    /// Stops and hides.
+    void clear();
+    /// Whether there was anything to start or to pause. What has not come to playing yet is
+    /// stopped.
+    bool togglePlaying();
+
+    /// Whether the file was opened, be it that it is pausing.
+    bool isOpen() const { return m_process != nullptr; }
+    bool isPlaying() const { return m_isPlaying; }
+    /// The frame that is seen; null for none.
+    const QImage &frame() const { return m_frame; }
+    /// Why it cannot be played; empty while it can.
+    QString message() const;
+    /// "0:07 / 1:30"; empty while it is not known.
+    QString time() const;
+
+Q_SIGNALS:
+    /// Something that the functions tell of has changed by itself.
+    void changed();
+
+protected:
+    bool event(QEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    void setUpControls();
+    void open();
+    void stop();
+    void take(const PlayerReport &report);
+    void fail(const QString &message);
+    void showPosition(qint64 position, qint64 duration);
+    void refresh();
+    void placeControls();
+    QRect frameRoom() const;
+
+    QString m_player;
+    FileUrl m_file;
+    PlayButton *m_button;
+    PositionSlider *m_slider;
+    QLabel *m_time;
+    QLabel *m_message;
+    std::unique_ptr<PlayerProcess> m_process;
+    QImage m_frame;
+    bool m_isPlaying = false;
+    bool m_isOpening = false; ///< nothing is seen or heard yet
+};

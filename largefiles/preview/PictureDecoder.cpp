@@ -1,0 +1,41 @@
+#include "largefiles/preview/PictureDecoder.h"
+
+#include "platform/system/ConfinedProcess.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QTemporaryDir>
+
+namespace {
+
+constexpr quint64 kMostMemory = 1ULL << 30;
+
+} // namespace
+
+QString PictureDecoder::besideTheProgram()
+{
+    return QCoreApplication::applicationDirPath() + QStringLiteral("/vantor-thumbnail");
+}
+
+DecodedPicture PictureDecoder::picture(int file, int page, QSize pixels,
+                                       const std::stop_token &stop) const
+{
+    const QTemporaryDir place;
+    if (!place.isValid() || stop.stop_requested())
+        return {};
+    ConfinedProcess process;
+    process.program = program;
+    process.arguments = {QString::number(pixels.width()), QString::number(pixels.height()),
+                         QString::number(page)};
+    process.workingFolder = place.path();
+    process.patience = patience;
+    process.input = file;
+    process.outputFile = place.filePath(QStringLiteral("picture"));
+    process.limits.memory = kMostMemory;
+    process.limits.processorTime =
+        std::chrono::ceil<std::chrono::seconds>(patience); // a stopped clock is no excuse
+    QFile output(process.outputFile);
+    if (!runConfined(process, stop) || !output.open(QIODevice::ReadOnly))
+        return {};
+    return readPicture(output, pixels);
+}

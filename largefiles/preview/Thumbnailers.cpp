@@ -1,0 +1,147 @@
+#include "largefiles/preview/Thumbnailers.h"
+
+#include "platform/system/ConfinedProcess.h"
+#include "platform/system/FileDescriptor.h"
+
+#include <QDir>
+#include <QFile>
+#include <QHash>
+#include <QImageReader>
+#include <QMimeDatabase>
+#include <QProcess>
+#include <QSet>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+namespace {
+
+constexpr QLatin1String kGroup("[Thumbnailer Entry]");
+constexpr qint64 kLargestEntry = 64LL * 1024;
+constexpr qint64 kLargestPicture = 16LL * 1024 * 1024; // bytes
+constexpr qint64 kMostPixels = 32'000'000;
+
+QHash<QString, QString> valuesOf(const QString &entry)
+{
+    QHash<QString, QString> values;
+    QFile file(entry);
+    if (file.size() > kLargestEntry || !file.open(QIODevice::ReadOnly))
+        return values;
+    bool isInGroup = false;
+    for (const QString &line : QString::fromUtf8(file.readAll()).split(u'\n')) {
+        const QString text = line.trimmed();
+        if (text.startsWith(u'['))
+            isInGroup = text == kGroup;
+        else if (const qsizetype sign = text.indexOf(u'='); isInGroup && sign > 0)
+            values.insert(text.first(sign).trimmed(), text.mid(sign + 1).trimmed());
+    }
+    return values;
+}
+
+bool isInstalled(const QString &program)
+{
+    return !QStandardPaths::findExecutable(program).isEmpty();
+}
+
+/// All entries; one hides those of its name in the folders after its own.
+QStringList installedEntries()
+{
+    QStringList entries;
+    QSet<QString> names;
+    for (const QString &path : QStandardPaths::locateAll(QStandardPaths::GenericDataLocation,
+                                                         QStringLiteral("thumbnailers"),
+                                                         QStandardPaths::LocateDirectory)) {
+        const QDir folder(path);
+        for (const QString &name :
+             folder.entryList({QStringLiteral("*.thumbnailer")}, QDir::Files, QDir::Name)) {
+            if (!names.contains(name))
+                entries.append(folder.filePath(name));
+            names.insert(name);
+        }
+    }
+    return entries;
+}
+
+QString filledIn(const QString &argument, const QHash<QChar, QString> &fields)
+{
+    QString filled;
+    for (qsizetype i = 0; i < argument.size(); ++i) {
+        const bool isField = argument[i] == u'%' && i + 1 < argument.size();
+        filled += isField ? fields.value(argument[++i]) : QString(argument[i]);
+    }
+    return filled;
+}
+
+/// What a program has left there, which need not be a picture, nor of the size it was told, nor a
+/// file at all: to open a pipe may wait for ever.
+QImage pictureLeftAt(const QString &output, int side)
+{
+    const FileDescriptor descriptor(::open(QFile::encodeName(output).constData(),
+                                           O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    QFile file;
+    struct stat status = {};
+    if (!descriptor.isValid() || ::fstat(descriptor.get(), &status) != 0 ||
+        !S_ISREG(status.st_mode) || status.st_size > kLargestPicture ||
+        !file.open(descriptor.get(), QIODevice::ReadOnly))
+        return {};
+    QImageReader reader(&file, "png");
+    const QSize size = reader.size();
+    if (size.isEmpty() || qint64(size.width()) * size.height() > kMostPixels)
+        return {};
+    const QImage picture = reader.read();
+    if (picture.width() <= side && picture.height() <= side)
+        return picture;
+    return picture.scaled(side, side, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+}
+
+} // namespace
+
+std::optional<Thumbnailer> readThumbnailer(const QString &entry)
+{
+    const QHash<QString, QString> values = valuesOf(entry);
+    const QString tried = values.value(QStringLiteral("TryExec"));
+    const Thumbnailer thumbnailer{
+        QProcess::splitCommand(values.value(QStringLiteral("Exec"))),
+        values.value(QStringLiteral("MimeType")).split(u';', Qt::SkipEmptyParts)};
+    if (thumbnailer.command.isEmpty() || thumbnailer.mimeTypes.isEmpty() ||
+        (!tried.isEmpty() && !isInstalled(tried)) || !isInstalled(thumbnailer.command.constFirst()))
+        return std::nullopt;
+    return thumbnailer;
+}
+
+std::optional<Thumbnailer> thumbnailerFor(const QString &mimeType)
+{
+    const QMimeType type = QMimeDatabase().mimeTypeForName(mimeType);
+    const QStringList names = QStringList{mimeType, type.name()} + type.aliases();
+    for (const QString &entry : installedEntries()) {
+        const auto thumbnailer = readThumbnailer(entry);
+        if (!thumbnailer)
+            continue;
+        for (const QString &name : names) {
+            if (thumbnailer->mimeTypes.contains(name))
+                return thumbnailer;
+        }
+    }
+    return std::nullopt;
+}
+
+QImage pictureMadeBy(const Thumbnailer &thumbnailer, const FileUrl &file, int side,
+                     const std::stop_token &stop, std::chrono::milliseconds patience)
+{
+    const QTemporaryDir place;
+    if (!place.isValid() || stop.stop_requested())
+        return {};
+    const QString output = place.filePath(QStringLiteral("thumbnail.png"));
+    const QHash<QChar, QString> fields{{u'u', QString::fromLatin1(file.absoluteString())},
+                                       {u'i', QFile::decodeName(file.path())},
+                                       {u'o', output},
+                                       {u's', QString::number(side)},
+                                       {u'%', QStringLiteral("%")}};
+    QStringList arguments;
+    for (const QString &argument : thumbnailer.command.mid(1))
+        arguments.append(filledIn(argument, fields));
+    if (!runConfined({thumbnailer.command.constFirst(), arguments, place.path(), patience}, stop))
+        return {};
+    return pictureLeftAt(output, side);
+}

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "platform/files/FileUrl.h"
+
+#include <QImage>
+#include <QStringList>
+#include <chrono>
+#include <optional>
+#include <stop_token>
+
+/// A program of the desktop that makes thumbnails, as its ".thumbnailer" entry describes it. A
+/// value.
+struct Thumbnailer
+{
+    QStringList command; ///< with the entry's field codes: %u %i %o %s
+    QStringList mimeTypes;
+};
+
+/// Reads the entry; nothing for one that is none, or whose program is not installed. Any thread but
+/// the main one.
+std::optional<Thumbnailer> readThumbnailer(const QString &entry);
+
+/// The installed program for files of this MIME type, by one of its names; the user's own entries
+/// come before the system's. Any thread but the main one.
+std::optional<Thumbnailer> thumbnailerFor(const QString &mimeType);
+
+inline constexpr std::chrono::milliseconds kThumbnailerPatience{8000};
+
+/// Lets the program make a picture of the file, of at most `side` pixels. Null when it fails, takes
+/// longer than its limit, or is stopped: then it has been ended, with all that it started. What it
+/// may use of the machine is limited too. Any thread but the main one.
+QImage pictureMadeBy(const Thumbnailer &thumbnailer, const FileUrl &file, int side,
+                     const std::stop_token &stop,
+                     std::chrono::milliseconds patience = kThumbnailerPatience);

@@ -1,0 +1,208 @@
+#include "largefiles/search/LargeFileList.h"
+
+#include "platform/base/ByteCount.h"
+#include "platform/base/PlainToolTip.h"
+
+#include <QPointer>
+#include <QSet>
+#include <algorithm>
+
+LargeFileList::LargeFileList(ReadSizes readSizes, QObject *parent)
+    : QAbstractListModel(parent), m_readSizes(std::move(readSizes))
+{
+}
+
+LargeFileList::~LargeFileList() = default;
+
+int LargeFileList::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : static_cast<int>(m_files.size());
+}
+
+/// What the row's icon, name and button say to the eye.
+QString LargeFileList::accessibleText(const File &file)
+{
+    const QString text =
+        file.isAdded() ? tr("%1, %2, picked", "name, size") : tr("%1, %2", "name, size");
+    return text.arg(file.name(), file.sizeString().value_or(QString()));
+}
+
+QVariant LargeFileList::data(const QModelIndex &index, int role) const
+{
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid))
+        return {};
+    const File &file = fileAt(index.row());
+    switch (role) {
+    case Qt::DisplayRole:
+        return file.name();
+    case Qt::ToolTipRole:
+        return plainToolTip(file.fileURL().displayPath());
+    case Qt::AccessibleTextRole:
+        return accessibleText(file);
+    case SizeStringRole:
+        return file.sizeString().value_or(QString());
+    case IsAddedRole:
+        return file.isAdded();
+    default:
+        return {};
+    }
+}
+
+FileUrls LargeFileList::fileURLs() const
+{
+    FileUrls urls;
+    urls.reserve(static_cast<qsizetype>(m_files.size()));
+    for (const File *file : m_files)
+        urls.append(file->fileURL());
+    return urls;
+}
+
+bool LargeFileList::insert(const File &file)
+{
+    const auto [entry, isNew] = m_byPath.try_emplace(file.fileURL().path());
+    if (!isNew)
+        return false;
+    entry->second = std::make_unique<File>(file);
+    const auto isLarger = [](qint64 size, const File *listed) { return size > listed->size(); };
+    const auto place = std::upper_bound(m_files.begin(), m_files.end(), file.size(), isLarger);
+    const int row = static_cast<int>(place - m_files.begin());
+    beginInsertRows({}, row, row);
+    m_files.insert(place, entry->second.get());
+    endInsertRows();
+    if (file.isAdded())
+        picksChanged();
+    return true;
+}
+
+/// From the bottom up, so that no row is moved that goes itself, and in one step for rows that lie
+/// together.
+void LargeFileList::remove(const FileUrls &files)
+{
+    QSet<QByteArray> going;
+    for (const FileUrl &file : files)
+        going.insert(file.path());
+    const auto goes = [&](std::size_t row) {
+        return going.contains(m_files[row]->fileURL().path());
+    };
+    bool hadPicks = false;
+    for (std::size_t end = m_files.size(); end > 0; --end) {
+        if (!goes(end - 1))
+            continue;
+        std::size_t first = end;
+        for (; first > 0 && goes(first - 1); --first)
+            hadPicks = hadPicks || m_files[first - 1]->isAdded();
+        removeRun(first, end);
+        if (first == 0)
+            break;
+        end = first;
+    }
+    if (hadPicks)
+        picksChanged();
+}
+
+void LargeFileList::removeRun(std::size_t first, std::size_t end)
+{
+    beginRemoveRows({}, static_cast<int>(first), static_cast<int>(end) - 1);
+    const auto from = m_files.begin() + static_cast<std::ptrdiff_t>(first);
+    const auto to = m_files.begin() + static_cast<std::ptrdiff_t>(end);
+    for (auto file = from; file != to; ++file)
+        m_byPath.erase((*file)->fileURL().path());
+    m_files.erase(from, to);
+    endRemoveRows();
+}
+
+void LargeFileList::deleteData()
+{
+    beginResetModel();
+    m_files.clear();
+    m_byPath.clear();
+    endResetModel();
+    picksChanged();
+}
+
+void LargeFileList::toggle(int row)
+{
+    setAdded({row}, !fileAt(row).isAdded());
+}
+
+void LargeFileList::setAdded(const QList<int> &rows, bool isAdded)
+{
+    int first = rowCount();
+    int last = -1;
+    for (const int row : rows) {
+        File &file = *m_files[std::size_t(row)];
+        if (file.isAdded() == isAdded)
+            continue;
+        file.setIsAdded(isAdded);
+        first = std::min(first, row);
+        last = std::max(last, row);
+    }
+    if (last < 0)
+        return;
+    Q_EMIT dataChanged(index(first), index(last), {IsAddedRole, Qt::AccessibleTextRole});
+    picksChanged();
+}
+
+void LargeFileList::dropPicks()
+{
+    if (m_files.empty())
+        return;
+    for (File *file : m_files)
+        file->setIsAdded(false);
+    Q_EMIT dataChanged(index(0), index(rowCount() - 1), {IsAddedRole, Qt::AccessibleTextRole});
+    picksChanged();
+}
+
+FileUrls LargeFileList::selectedURLs() const
+{
+    FileUrls urls;
+    for (const File *file : m_files) {
+        if (file->isAdded())
+            urls.append(file->fileURL());
+    }
+    return urls;
+}
+
+qint64 LargeFileList::selectedSize() const
+{
+    qint64 sum = 0;
+    for (const File *file : m_files) {
+        if (file->isAdded())
+            sum = sumOfByteCounts(sum, m_freshSizes.value(file->fileURL().path(), file->size()));
+    }
+    return sum;
+}
+
+QString LargeFileList::sizeString() const
+{
+    return stringFromByteCount(selectedSize());
+}
+
+void LargeFileList::refreshSizes()
+{
+    const quint64 question = ++m_question;
+    const FileUrls files = selectedURLs();
+    if (files.isEmpty())
+        return m_freshSizes.clear();
+    if (!m_readSizes)
+        return;
+    m_readSizes(files, [list = QPointer(this), question, files](const QList<qint64> &sizes) {
+        if (list && question == list->m_question)
+            list->takeSizes(files, sizes);
+    });
+}
+
+void LargeFileList::picksChanged()
+{
+    refreshSizes();
+    Q_EMIT sizeStringChanged();
+}
+
+void LargeFileList::takeSizes(const FileUrls &files, const QList<qint64> &sizes)
+{
+    m_freshSizes.clear();
+    m_freshSizes.reserve(files.size());
+    for (qsizetype i = 0; i < std::min(files.size(), sizes.size()); ++i)
+        m_freshSizes.insert(files[i].path(), sizes[i]);
+    Q_EMIT sizeStringChanged();
+}

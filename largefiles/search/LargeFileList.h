@@ -1,0 +1,83 @@
+#pragma once
+
+#include "largefiles/search/File.h"
+
+#include <QAbstractListModel>
+#include <QHash>
+#include <functional>
+#include <memory>
+#include <unordered_map>
+#include <vector>
+
+/// The large files that were found, the largest first and among equal ones the first found first,
+/// no path twice, and which of them the user has picked. Kept from one search to the next. Owned by
+/// the sheet, main thread only; never touches the file system.
+///
+/// The picked total goes by what is on the disk when the picks change: the sizes are asked for
+/// anew, and sizeStringChanged() tells when they have come. Until then what was known last counts.
+class LargeFileList final : public QAbstractListModel
+{
+    Q_OBJECT
+
+public:
+    enum Role {
+        SizeStringRole = Qt::UserRole,
+        IsAddedRole,
+    };
+
+    using Answer = std::function<void(const QList<qint64> &sizes)>;
+    /// Reads the present sizes of files, in bytes and in their order, 0 for what cannot be read.
+    /// Answers on the main thread, at once or later; a question may stay unanswered when a later
+    /// one was asked.
+    using ReadSizes = std::function<void(const FileUrls &files, Answer answer)>;
+
+    /// With no way to read sizes the total is that of the sizes found.
+    explicit LargeFileList(ReadSizes readSizes = {}, QObject *parent = nullptr);
+    ~LargeFileList() override;
+
+    int rowCount(const QModelIndex &parent = {}) const override;
+    /// The name for Qt::DisplayRole, the path for Qt::ToolTipRole, name, size and whether it is
+    /// picked for Qt::AccessibleTextRole, and the roles above.
+    QVariant data(const QModelIndex &index, int role) const override;
+
+    const File &fileAt(int row) const { return *m_files[std::size_t(row)]; }
+    /// All files, in list order.
+    FileUrls fileURLs() const;
+    bool contains(const FileUrl &file) const { return m_byPath.contains(file.path()); }
+
+    /// Puts a file in its place; false when its path is listed already.
+    bool insert(const File &file);
+    /// Takes out the rows of these files; what is not listed is no matter.
+    void remove(const FileUrls &files);
+    /// Empties the list, and with it the picks.
+    void deleteData();
+
+    void toggle(int row);
+    /// Picks these files, or drops them; however many there are, the total is asked for once.
+    void setAdded(const QList<int> &rows, bool isAdded);
+    /// Unpicks every file.
+    void dropPicks();
+
+    /// The picked files, in list order.
+    FileUrls selectedURLs() const;
+    /// The picked total in bytes, and as people read it.
+    qint64 selectedSize() const;
+    QString sizeString() const;
+    /// Asks for the sizes of the picked files anew.
+    void refreshSizes();
+
+Q_SIGNALS:
+    void sizeStringChanged();
+
+private:
+    static QString accessibleText(const File &file);
+    void removeRun(std::size_t first, std::size_t end);
+    void picksChanged();
+    void takeSizes(const FileUrls &files, const QList<qint64> &sizes);
+
+    const ReadSizes m_readSizes;
+    std::unordered_map<QByteArray, std::unique_ptr<File>> m_byPath;
+    std::vector<File *> m_files; ///< in list order; bare, because a row in between moves all below
+    QHash<QByteArray, qint64> m_freshSizes; ///< by path, of files that are or were picked
+    quint64 m_question = 0;                 ///< the number of the latest question for sizes
+};

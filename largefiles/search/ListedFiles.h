@@ -1,0 +1,20 @@
+#pragma once
+
+#include "platform/files/FileAccess.h"
+#include "platform/files/FileUrl.h"
+#include "platform/system/SystemCalls.h"
+
+#include <stop_token>
+
+// Questions about files that were found a while ago. Any thread but the main one; each holds one
+// access of its own, and follows no link.
+
+/// Which of the files are no longer there, or are something else than a file by now, in their
+/// order. A file of which nothing can be told is taken to be there still. Nothing when stopped.
+FileUrls vanishedFiles(const SystemCalls &calls, FileAccess &access, const FileUrls &files,
+                       const std::stop_token &stop);
+
+/// The sizes of the files at present, in bytes and in their order; 0 for what cannot be read.
+/// Fewer when stopped.
+QList<qint64> currentSizes(const SystemCalls &calls, FileAccess &access, const FileUrls &files,
+                           const std::stop_token &stop);

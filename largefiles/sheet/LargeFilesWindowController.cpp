@@ -1,0 +1,209 @@
+#include "largefiles/sheet/LargeFilesWindowController.h"
+
+#include "app/settings/SettingsKeys.h"
+#include "app/settings/UserDefaults.h"
+#include "largefiles/preview/PreviewPanel.h"
+#include "largefiles/search/LargeFileSearch.h"
+#include "largefiles/sheet/FileTableCellView.h"
+#include "largefiles/sheet/TextButton.h"
+#include "platform/base/PlainToolTip.h"
+#include "platform/desktop/InterfaceLoader.h"
+#include "platform/desktop/Workspace.h"
+#include "platform/look/Fonts.h"
+#include "platform/sheet/Sheet.h"
+
+#include <QLabel>
+#include <QMenu>
+#include <algorithm>
+
+namespace {
+
+constexpr QColor kBlue(0, 122, 255);
+constexpr QColor kGreen(65, 204, 89);
+constexpr int kRowTitleSize = 15;
+constexpr int kButtonTitleSize = 18;
+
+TextRun titleStyle(int size, const QColor &color)
+{
+    return {{}, interfaceFont(Typeface::Light, size), color, Qt::AlignHCenter};
+}
+
+TextRun withText(TextRun style, const QString &text)
+{
+    style.text = text;
+    return style;
+}
+
+} // namespace
+
+LargeFilesWindowController::LargeFilesWindowController(const InterfaceLoader &loader,
+                                                       Services services, QObject *parent)
+    : WindowController(loader, parent),
+      m_services(std::move(services)),
+      m_searchURLs(::searchURLs(m_services.home)),
+      m_freshSizes(m_services.calls, m_services.access),
+      m_array([this](const FileUrls &files, LargeFileList::Answer answer) {
+          m_freshSizes.read(files, std::move(answer));
+      }),
+      m_search(m_services.calls, m_services.access, m_array)
+{
+    connectSearch();
+}
+
+LargeFilesWindowController::~LargeFilesWindowController() = default;
+
+void LargeFilesWindowController::windowDidLoad()
+{
+    QWidget &interface = *window();
+    m_imageView = outlet<QLabel>(interface, "imageView");
+    m_placeLabel = outlet<QLabel>(interface, "placeLabel");
+    m_statusLabel = outlet<QLabel>(interface, "statusLabel");
+    connectTable();
+    connectButtons();
+    reloadLabels();
+    showStatus();
+    tableViewSelectionDidChange();
+    m_tableView->setFocus();
+}
+
+void LargeFilesWindowController::connectTable()
+{
+    m_tableView = outlet<QuickLookTableView>(*window(), "tableView");
+    m_cellView = new FileTableCellView(m_icons, m_tableView);
+    m_tableView->setItemDelegate(m_cellView);
+    m_tableView->setModel(&m_array);
+    m_tableView->setQlDelegate(this);
+    makeMenu();
+    connect(m_cellView, &FileTableCellView::addButtonPressed, this,
+            &LargeFilesWindowController::addButtonPressed);
+    connect(m_tableView, &QuickLookTableView::togglePressed, this,
+            &LargeFilesWindowController::toggleSelectedRows);
+    connect(m_tableView, &QuickLookTableView::selectionDidChange, this,
+            &LargeFilesWindowController::tableViewSelectionDidChange);
+    for (const auto change : {&LargeFileList::rowsInserted, &LargeFileList::rowsRemoved})
+        connect(&m_array, change, this, &LargeFilesWindowController::showHint);
+}
+
+void LargeFilesWindowController::makeMenu()
+{
+    m_menu = new QMenu(m_tableView);
+    connect(m_menu->addAction(tr("Show in the file manager")), &QAction::triggered, this,
+            &LargeFilesWindowController::showInFinder);
+    m_tableView->setMenu(m_menu);
+}
+
+void LargeFilesWindowController::connectButtons()
+{
+    m_addButton = outlet<TextButton>(*window(), "addButton");
+    m_cancelButton = outlet<TextButton>(*window(), "cancelButton");
+    for (TextButton *const button : {m_addButton, m_cancelButton})
+        connect(button, &QAbstractButton::clicked, this, [this, button] { dismissPanel(button); });
+    connect(&m_array, &LargeFileList::sizeStringChanged, this,
+            &LargeFilesWindowController::showTotal);
+}
+
+void LargeFilesWindowController::connectSearch()
+{
+    connect(&m_search, &SearchJob::searching, this, [this](const FileUrl &folder) {
+        m_status.searching(folder);
+        showStatus();
+    });
+    connect(&m_search, &SearchJob::unreadable, this, [this](const UnreadablePlace &place) {
+        if (place.isOnAnotherDisk())
+            m_status.onAnotherDisk(place.url);
+        else
+            m_status.unreadable(place.url);
+        showStatus();
+    });
+    const auto end = [this](bool ranToItsEnd) {
+        m_status.end(ranToItsEnd);
+        showStatus();
+    };
+    connect(&m_search, &SearchJob::finished, this, [end](const SearchReport &) { end(true); });
+    connect(&m_search, &SearchJob::stopped, this, [end] { end(false); });
+}
+
+void LargeFilesWindowController::refreshData()
+{
+    window();
+    reloadLabels();
+    m_status.begin();
+    showStatus();
+    m_array.refreshSizes();
+    m_search.start(m_searchURLs, m_services.defaults.strings(VNTExcludedPathsString));
+}
+
+void LargeFilesWindowController::deleteData()
+{
+    m_array.deleteData();
+    m_status = {};
+    showStatus();
+    if (isWindowLoaded())
+        reloadLabels();
+}
+
+void LargeFilesWindowController::reloadLabels()
+{
+    m_cellView->setUnaddedAttributes(titleStyle(kRowTitleSize, kBlue));
+    m_cellView->setAddedAttributes(titleStyle(kRowTitleSize, Qt::white));
+    m_cancelButton->setAttributedTitle(
+        {withText(titleStyle(kButtonTitleSize, kBlue), tr("Cancel"))});
+    m_addButton->setAttributedTitle(
+        {withText(titleStyle(kButtonTitleSize, kGreen), tr("Add %1").arg(sizeString()))});
+}
+
+/// In the style that the title has.
+void LargeFilesWindowController::showTotal()
+{
+    const TextRun *const style = m_addButton->attributedTitle().firstRun();
+    m_addButton->setAttributedTitle(
+        {withText(style ? *style : TextRun(), tr("Add %1").arg(sizeString()))});
+}
+
+void LargeFilesWindowController::showStatus()
+{
+    if (!isWindowLoaded())
+        return;
+    m_statusLabel->setText(m_status.text(m_array.rowCount()));
+    m_statusLabel->setToolTip(plainToolTip(m_status.details()));
+    m_statusLabel->setAccessibleDescription(m_status.details()); // else it were the markup
+    m_tableView->setEmptyText(m_status.emptyText());
+}
+
+void LargeFilesWindowController::addButtonPressed(int row)
+{
+    m_array.toggle(row);
+}
+
+/// All the same way: picks them, unless all are picked.
+void LargeFilesWindowController::toggleSelectedRows()
+{
+    const QList<int> rows = m_tableView->selectedRows();
+    const bool allAreAdded = std::all_of(rows.begin(), rows.end(),
+                                         [this](int row) { return m_array.fileAt(row).isAdded(); });
+    m_array.setAdded(rows, !allAreAdded);
+}
+
+void LargeFilesWindowController::dismissPanel(QAbstractButton *sender)
+{
+    if (sender == m_cancelButton)
+        m_array.dropPicks();
+    m_search.stop(); // the next opening searches anew
+    if (m_previewPanel)
+        m_previewPanel->orderOut();
+    reloadLabels();
+    endSheet(*window(), sender == m_cancelButton ? kSheetCancelled : kSheetAccepted);
+}
+
+void LargeFilesWindowController::cancel()
+{
+    dismissPanel(m_cancelButton);
+}
+
+void LargeFilesWindowController::showInFinder()
+{
+    const auto index = m_menu->actions().constFirst()->data().value<QPersistentModelIndex>();
+    if (index.isValid())
+        m_services.workspace.activateFileViewerSelectingUrls(
+            {m_array.fileAt(index.row()).fileURL()});
+}

@@ -1,0 +1,134 @@
+#pragma once
+
+#include "app/navigation/WindowController.h"
+#include "largefiles/preview/PreviewPanelProtocols.h"
+#include "largefiles/preview/Thumbnail.h"
+#include "largefiles/search/FreshSizes.h"
+#include "largefiles/search/LargeFileList.h"
+#include "largefiles/search/SearchJob.h"
+#include "largefiles/sheet/FileIconNames.h"
+#include "largefiles/sheet/QuickLookTableView.h"
+#include "largefiles/sheet/SearchStatus.h"
+#include "platform/threads/LatestJob.h"
+
+class FileTableCellView;
+class QAbstractButton;
+class QLabel;
+class QMenu;
+class TextButton;
+class UserDefaults;
+class Workspace;
+
+/// The sheet in which the user picks large files: the list that a search fills, each row with a
+/// button that picks it, a picture of the selected file beside it, and the picked total on the add
+/// button. Picks stay from one opening to the next until the sheet is cancelled or deleteData().
+///
+/// To show it: refreshData(), then presentSheet(host, *window(), completion, [this] { cancel(); }).
+/// The outcome is what selectedURLs() says in the completion. Made once and shown again. Main
+/// thread only; all file work is done beside it.
+class LargeFilesWindowController final : public WindowController,
+                                         public QuickLookTableViewDelegate,
+                                         public PreviewPanelDataSource,
+                                         public PreviewPanelDelegate
+{
+    Q_OBJECT
+
+public:
+    /// What it works with; all must outlive it.
+    struct Services
+    {
+        UserDefaults &defaults;
+        const SystemCalls &calls;
+        FileAccess &access;
+        Workspace &workspace;
+        /// The granted folder and where everything is in it; taken when the controller is made.
+        HomeLayout home;
+    };
+
+    LargeFilesWindowController(const InterfaceLoader &loader, Services services,
+                               QObject *parent = nullptr);
+    ~LargeFilesWindowController() override;
+
+    /// Searches anew, beside the main thread; what is listed and picked stays. To be called before
+    /// each opening.
+    void refreshData();
+    /// Empties the list, and with it the picks.
+    void deleteData();
+
+    /// The picked files, in list order.
+    FileUrls selectedURLs() const { return m_array.selectedURLs(); }
+    /// The picked total, "Zero KB" for none: the present sizes, as far as they have been read.
+    QString sizeString() const { return m_array.sizeString(); }
+    /// The same in bytes.
+    qint64 selectedSize() const { return m_array.selectedSize(); }
+
+    LargeFileList &array() { return m_array; }
+    const SearchJob &search() const { return m_search; }
+    QuickLookTableView *tableView() const { return m_tableView; }
+    FileTableCellView *cellView() const { return m_cellView; }
+    QLabel *imageView() const { return m_imageView; }
+    TextButton *addButton() const { return m_addButton; }
+    TextButton *cancelButton() const { return m_cancelButton; }
+    /// Null until it was first asked for.
+    PreviewPanel *previewPanel() const { return m_previewPanel; }
+
+    /// The sheet fills a preview panel whenever there is one.
+    bool acceptsPreviewPanelControl(PreviewPanel &) const { return true; }
+    /// The panel shows the selected files, and hands its keys on, from now until the end.
+    void beginPreviewPanelControl(PreviewPanel &panel);
+    void endPreviewPanelControl(PreviewPanel &panel);
+
+    bool didPressSpacebarForTableView(QuickLookTableView &table) override;
+    int numberOfPreviewItemsInPreviewPanel(PreviewPanel &panel) override;
+    std::optional<File> previewItemAtIndex(PreviewPanel &panel, int index) override;
+    bool handleEvent(PreviewPanel &panel, QEvent &event) override;
+
+public Q_SLOTS:
+    /// A row's size button: picks the file, or drops it.
+    void addButtonPressed(int row);
+    /// Ends the sheet; the cancel button drops all picks before.
+    void dismissPanel(QAbstractButton *sender);
+    /// As the cancel button does.
+    void cancel();
+    /// The menu's: shows the row that the menu is for in the file manager.
+    void showInFinder();
+
+Q_SIGNALS:
+    /// The picture beside the list shows the selected file, or nothing.
+    void thumbnailShown();
+
+protected:
+    void windowDidLoad() override;
+
+private:
+    void connectTable();
+    void connectButtons();
+    void connectSearch();
+    void makeMenu();
+    void reloadLabels();
+    void showTotal();
+    void showStatus();
+    void toggleSelectedRows();
+    void tableViewSelectionDidChange();
+    void showThumbnailOfRow(int row);
+    void showHint();
+    int selectedRow() const;
+
+    Services m_services;
+    const FileUrls m_searchURLs;
+    FreshSizes m_freshSizes;
+    LargeFileList m_array;
+    SearchJob m_search;
+    SearchStatus m_status;
+    FileIconNames m_icons;
+    LatestJob m_thumbnails;
+    QuickLookTableView *m_tableView = nullptr;
+    FileTableCellView *m_cellView = nullptr;
+    QLabel *m_imageView = nullptr;
+    QLabel *m_placeLabel = nullptr;
+    QLabel *m_statusLabel = nullptr;
+    TextButton *m_addButton = nullptr;
+    TextButton *m_cancelButton = nullptr;
+    QMenu *m_menu = nullptr;
+    PreviewPanel *m_previewPanel = nullptr;
+};

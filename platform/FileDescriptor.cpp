@@ -1,9 +1,0 @@
-#include "platform/FileDescriptor.h"
-
-#include <unistd.h>
-
-void FileDescriptor::reset()
-{
-    if (isValid())
-        ::close(std::exchange(m_descriptor, kNone));
-}

@@ -1,6 +1,0 @@
-#include "platform/FlattenView.h"
-
-QPixmap flattenWithSubviews(QWidget &view)
-{
-    return view.size().isEmpty() ? QPixmap() : view.grab();
-}

@@ -1,4 +1,0 @@
-#include "platform/Log.h"
-
-Q_LOGGING_CATEGORY(logVantor, "vantor", QtInfoMsg)
-Q_LOGGING_CATEGORY(logChart, "vantor.chart", QtWarningMsg)

@@ -1,6 +1,0 @@
-#include "platform/SystemHomes.h"
-
-bool homesHaveALibrary()
-{
-    return false;
-}

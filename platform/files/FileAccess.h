@@ -1,0 +1,43 @@
+#pragma once
+
+#include "platform/files/FileUrl.h"
+#include "platform/system/FileDescriptor.h"
+
+#include <memory>
+#include <optional>
+
+/// A place below an open folder: all file work starts at the descriptor, so that nothing that
+/// happens to the folder's own path meanwhile can lead the work elsewhere. A value.
+struct AnchoredPath
+{
+    std::shared_ptr<const FileDescriptor> anchor;
+    QByteArray relativePath; ///< without leading slash; empty for the anchor itself
+};
+
+/// The right to work below the home folder that the user granted. Every piece of file work holds
+/// it between one startAccessing() and one stopAccessing(); use AccessScope. Calls nest and may
+/// come from any thread.
+class FileAccess
+{
+public:
+    virtual ~FileAccess() = default;
+
+    virtual void startAccessing() = 0;
+    virtual void stopAccessing() = 0;
+
+    /// Where the engines find this URL; nothing when it does not lie in the granted folder.
+    virtual std::optional<AnchoredPath> anchoredPath(const FileUrl &url) const = 0;
+};
+
+/// Holds the access for as long as it lives.
+class AccessScope final
+{
+public:
+    explicit AccessScope(FileAccess &access) : m_access(access) { m_access.startAccessing(); }
+    ~AccessScope() { m_access.stopAccessing(); }
+    AccessScope(const AccessScope &) = delete;
+    AccessScope &operator=(const AccessScope &) = delete;
+
+private:
+    FileAccess &m_access;
+};

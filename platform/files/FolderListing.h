@@ -1,0 +1,50 @@
+#pragma once
+
+#include "platform/system/DirectoryRecords.h"
+
+#include <functional>
+#include <span>
+#include <vector>
+
+/// How many bytes of records are read at a time.
+inline constexpr std::size_t kListingSpace = std::size_t{64} * 1024;
+
+/// All entries of one folder as they were when it was read, in little memory: a folder may hold a
+/// million. A value.
+class FolderListing final
+{
+public:
+    struct Entry
+    {
+        std::uint64_t inode;
+        std::uint64_t nameOffset : 56;
+        FileKind kind : 8;
+    };
+
+    /// Reads the folder to its end, or not at all: the errno when the reading breaks off. `space`
+    /// is where the records are read into, used again for every folder.
+    static SystemResult<FolderListing> ofFolder(const SystemCalls &calls, int folder,
+                                                std::span<char> space);
+    /// A listing of one entry.
+    static FolderListing ofEntry(const DirectoryRecord &record);
+
+    /// By inode: on a disk that is near the order in which the entries lie.
+    void sortByInode();
+
+    using NameTest = std::function<bool(const char *name)>;
+
+    /// Forgets entries by their names.
+    void removeIf(const NameTest &isUnwanted);
+    /// The same, but answers with them, each a listing of its own.
+    std::vector<FolderListing> takeOut(const NameTest &isWanted);
+
+    std::size_t size() const { return m_entries.size(); }
+    const Entry &at(std::size_t index) const { return m_entries[index]; }
+    const char *name(const Entry &entry) const { return m_names.data() + entry.nameOffset; }
+
+private:
+    void append(const DirectoryRecord &record);
+
+    std::vector<Entry> m_entries;
+    std::vector<char> m_names;
+};

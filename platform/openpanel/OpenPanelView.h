@@ -1,0 +1,61 @@
+#pragma once
+
+#include "platform/look/FileIcons.h"
+#include "platform/openpanel/ChooserPlaces.h"
+#include "platform/openpanel/FileChooser.h"
+#include "platform/threads/Mailbox.h"
+
+#include <QWidget>
+#include <functional>
+#include <memory>
+
+class PanelButton;
+class QBoxLayout;
+class QLabel;
+
+/// The panel that lets the user choose a file or folder; ends the sheet that shows it. The list
+/// comes when the disk has said where to start, because the toolkit asks that folder's status, and
+/// that of those above it, on the main thread; until then there is nothing to choose. For the same
+/// reason each place beside the list comes when its own disk has answered, and none is waited for.
+/// Main thread only.
+class OpenPanelView final : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit OpenPanelView(OpenPanel panel, const ChooserQuestions &questions = {});
+    ~OpenPanelView() override;
+
+    QSize sizeHint() const override;
+
+    /// What was chosen; empty until then.
+    QByteArray path() const { return m_path; }
+
+private:
+    void addPrompt(QBoxLayout &column);
+    void addButtons(QBoxLayout &column);
+    void addWaitingText();
+    void ask(std::function<Mailbox::Message()> question);
+    void askForStart(const ChooserQuestions &questions);
+    void askForPlaces(const ChooserQuestions &questions);
+    void askWhichAreThere(const QList<QUrl> &places, const ChooserQuestions &questions);
+    void addChooser(const QString &start);
+    void letChooserGo();
+    void offerPlaces();
+    void cancel();
+    void choose();
+    void updateOpenButton();
+    QString objection(const QFileInfo &item) const;
+
+    OpenPanel m_panel;
+    QByteArray m_path;
+    QList<QUrl> m_places;      ///< in order
+    QList<QUrl> m_placesThere; ///< as they answered
+    QWidget *m_chooserPlace = nullptr;
+    QLabel *m_waitingText = nullptr; ///< until there is a chooser
+    std::shared_ptr<FileIcons> m_icons;
+    FileChooser *m_chooser = nullptr; ///< once it is known where to start
+    QLabel *m_message = nullptr;
+    PanelButton *m_openButton = nullptr;
+    Mailbox m_answers;
+};

@@ -1,0 +1,257 @@
+#include "platform/sheet/SheetOverlay.h"
+
+#include "platform/look/ViewAlpha.h"
+
+#include <QKeyEvent>
+#include <QPainter>
+#include <QPushButton>
+
+namespace {
+
+constexpr std::chrono::milliseconds kSlide{220};
+constexpr int kMargin = 12; // between the sheet and the host's left, right and lower edges
+constexpr double kDimming = 0.22;
+
+/// Input that must not go on to the window behind, whatever the panel made of it.
+bool isInput(QEvent::Type type)
+{
+    switch (type) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::MouseMove:
+    case QEvent::Wheel:
+    case QEvent::ContextMenu:
+    case QEvent::TouchBegin:
+    case QEvent::TouchUpdate:
+    case QEvent::TouchEnd:
+    case QEvent::TabletPress:
+    case QEvent::TabletMove:
+    case QEvent::TabletRelease:
+    case QEvent::NativeGesture:
+    case QEvent::KeyRelease:
+    case QEvent::ToolTip:
+    case QEvent::WhatsThis:
+    case QEvent::StatusTip:
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool takesTab(const QWidget &widget)
+{
+    return widget.isVisible() && widget.isEnabled() && widget.focusProxy() == nullptr &&
+           (widget.focusPolicy() & Qt::TabFocus) != 0;
+}
+
+} // namespace
+
+SheetOverlay::SheetOverlay(QWidget &host, QWidget &panel, SheetCancel cancel)
+    : QWidget(&host),
+      m_host(host),
+      m_panel(&panel),
+      m_formerParent(panel.parentWidget()),
+      m_formerFocus(host.focusWidget()),
+      m_wantedFocus(panel.focusWidget()),
+      m_hadOwnSize(panel.testAttribute(Qt::WA_Resized)),
+      m_wantedSize(m_hadOwnSize ? panel.size() : panel.sizeHint()),
+      m_cancel(std::move(cancel)),
+      m_frame(new SheetFrame(this)),
+      m_guard(new SheetGuard(host, *this))
+{
+    setAcceptDrops(true); // and refuses them all, lest they fall through
+    host.installEventFilter(this);
+    adoptPanel();
+    layOut();
+}
+
+SheetOverlay::~SheetOverlay()
+{
+    // The panel is only lent: it does not die with the window that showed it.
+    if (m_panel && isAncestorOf(m_panel))
+        m_panel->setParent(nullptr);
+}
+
+void SheetOverlay::adoptPanel()
+{
+    m_panel->setParent(m_frame);
+    m_frame->setPalette(m_panel->palette());
+    m_frame->setAccessibleName(m_panel->accessibleName().isEmpty() ? m_panel->windowTitle()
+                                                                   : m_panel->accessibleName());
+    m_frame->setAccessibleDescription(m_panel->accessibleDescription());
+    m_panel->show();
+}
+
+void SheetOverlay::layOut()
+{
+    setGeometry(m_host.contentsRect()); // not over the window's own shadow
+    const int drop = sheetDrop(m_host);
+    const QSize room = size() - QSize(2 * kMargin, drop + kMargin) +
+                       QSize(2 * SheetFrame::kShadow, SheetFrame::kShadow);
+    const QSize frame = SheetFrame::sizeAround(m_wantedSize).boundedTo(room);
+    m_frame->setGeometry(QRect(QPoint((width() - frame.width()) / 2, drop), frame));
+    if (m_panel)
+        m_panel->setGeometry(m_frame->panelRect());
+}
+
+void SheetOverlay::slideIn()
+{
+    show();
+    raise();
+    takeFocus();
+    slide(0, 1);
+}
+
+void SheetOverlay::slideOut()
+{
+    m_isSlidingOut = true;
+    m_guard->lock();
+    setFocus(Qt::OtherFocusReason);
+    if (!slide(m_slide ? m_slide->shown() : 1, 0))
+        QMetaObject::invokeMethod(this, &SheetOverlay::endSlide, Qt::QueuedConnection);
+}
+
+void SheetOverlay::dropSlide()
+{
+    delete m_slide;
+    m_slide = nullptr;
+}
+
+/// Whether there is anything to see of it.
+bool SheetOverlay::slide(double from, double to)
+{
+    dropSlide();
+    const auto duration = animationDuration(m_host, kSlide);
+    if (duration.count() <= 0 || !m_host.isVisible())
+        return false;
+    m_slide = new SheetSlide(*this, from, to, duration);
+    connect(m_slide, &SheetSlide::finished, this, &SheetOverlay::endSlide);
+    return true;
+}
+
+void SheetOverlay::endSlide()
+{
+    if (m_slide) {
+        m_slide->hide();
+        m_slide->deleteLater();
+    }
+    if (m_isSlidingOut)
+        Q_EMIT slidOut();
+}
+
+/// Where it was; where that cannot be, as on a page that has left meanwhile, with what has asked
+/// for it since.
+QWidget *SheetOverlay::nextFocus() const
+{
+    for (QWidget *widget : {m_formerFocus.data(), m_guard->refusedFocus()}) {
+        if (widget && widget->isVisible() && widget->isEnabled())
+            return widget;
+    }
+    return nullptr;
+}
+
+void SheetOverlay::release()
+{
+    QWidget *const next = nextFocus();
+    delete m_guard;
+    if (m_panel) {
+        m_panel->hide();
+        m_panel->setParent(m_formerParent);
+        m_panel->resize(m_wantedSize);
+        m_panel->setAttribute(Qt::WA_Resized, m_hadOwnSize);
+    }
+    clearFocus(); // else it would go to whatever comes next in the window
+    hide();
+    if (next)
+        next->setFocus(Qt::OtherFocusReason);
+}
+
+void SheetOverlay::takeFocus()
+{
+    setFocus(Qt::OtherFocusReason);
+    if (m_wantedFocus && m_wantedFocus->isVisible())
+        m_wantedFocus->setFocus(Qt::OtherFocusReason);
+    else
+        focusNextPrevChild(true);
+}
+
+bool SheetOverlay::event(QEvent *event)
+{
+    if (isInput(event->type())) {
+        event->accept();
+        return true;
+    }
+    if (event->type() == QEvent::DragEnter) {
+        event->ignore();
+        return true;
+    }
+    return QWidget::event(event);
+}
+
+bool SheetOverlay::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == &m_host && event->type() == QEvent::Resize) {
+        layOut();
+        if (m_slide) // its pictures are of the former size
+            endSlide();
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+bool SheetOverlay::focusNextPrevChild(bool next)
+{
+    QWidget *const from = focusWidget() ? focusWidget() : this;
+    for (QWidget *to = from;;) {
+        to = next ? to->nextInFocusChain() : to->previousInFocusChain();
+        if (to == from)
+            return true;
+        if (isAncestorOf(to) && takesTab(*to)) {
+            to->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+            return true;
+        }
+    }
+}
+
+void SheetOverlay::keyPressEvent(QKeyEvent *event)
+{
+    event->accept();
+    if (m_isSlidingOut)
+        return;
+    if (event->key() == Qt::Key_Escape)
+        cancel();
+    else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+        pressDefaultButton();
+}
+
+void SheetOverlay::cancel()
+{
+    if (m_cancel)
+        m_cancel();
+    else if (m_panel)
+        endSheet(*m_panel, kSheetCancelled);
+}
+
+void SheetOverlay::pressDefaultButton()
+{
+    for (QPushButton *button : m_frame->findChildren<QPushButton *>()) {
+        if (button->isDefault() && button->isVisible() && button->isEnabled()) {
+            button->click();
+            return;
+        }
+    }
+}
+
+void SheetOverlay::paintBackdrop(QPainter &painter, double shown) const
+{
+    painter.fillRect(rect(), QColor::fromRgbF(0, 0, 0, static_cast<float>(kDimming * shown)));
+}
+
+void SheetOverlay::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    // A window with rounded corners is dimmed where it is and not beside.
+    if (m_host.testAttribute(Qt::WA_TranslucentBackground))
+        painter.setCompositionMode(QPainter::CompositionMode_SourceAtop);
+    paintBackdrop(painter, 1);
+}

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "platform/system/SystemCalls.h"
+
+#include <cstdint>
+#include <span>
+
+/// One entry of a folder, as listed. The name lives in the buffer that was read.
+struct DirectoryRecord
+{
+    const char *name = nullptr;
+    std::uint64_t inode = 0;
+    FileKind kind = FileKind::Unknown; ///< Unknown where the file system does not say
+};
+
+/// Walks the records that SystemCalls::readEntries put into a buffer, "." and ".." left out.
+/// A view: the buffer must outlive it.
+class DirectoryRecords final
+{
+public:
+    explicit DirectoryRecords(std::span<const char> filled) : m_rest(filled) {}
+
+    /// The next record into `record`; false at the end.
+    bool next(DirectoryRecord &record);
+
+private:
+    std::span<const char> m_rest;
+};

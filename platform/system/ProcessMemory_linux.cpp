@@ -1,0 +1,18 @@
+#include "platform/system/ProcessMemory.h"
+
+#include <QFile>
+
+/// The usage record of the process would be simpler to ask, but it starts with the peak of whatever
+/// program the process was before.
+qint64 peakResidentBytes()
+{
+    constexpr qint64 kBytesPerKilobyte = 1024;
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (!status.open(QIODevice::ReadOnly))
+        return 0;
+    for (const QByteArray &line : status.readAll().split('\n')) {
+        if (line.startsWith("VmHWM:"))
+            return line.simplified().split(' ').value(1).toLongLong() * kBytesPerKilobyte;
+    }
+    return 0;
+}

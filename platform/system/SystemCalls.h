@@ -1,0 +1,125 @@
+#pragma once
+
+#include "platform/system/FileDescriptor.h"
+
+#include <QByteArray>
+#include <QByteArrayList>
+#include <cstdint>
+#include <span>
+#include <tl/expected.hpp>
+
+/// A call's value, or the errno with which it failed.
+template <typename T> using SystemResult = tl::expected<T, int>;
+
+enum class FileKind : std::uint8_t { Unknown, Regular, Folder, Link, Other };
+
+/// What one status call brings.
+struct FileStatus
+{
+    FileKind kind = FileKind::Unknown;
+    std::uint16_t permissions = 0; ///< the mode's lower twelve bits
+    std::uint32_t owner = 0;
+    std::uint64_t size = 0; ///< bytes, as the directory listing shows it
+    std::uint64_t inode = 0;
+    std::uint64_t device = 0;
+    bool isImmutable = false; ///< by attribute: it can be neither changed nor removed
+    bool isAppendOnly = false;
+    bool isMountRoot = false;
+};
+
+/// What tells one folder or file from every other, also from one put in its place under its name:
+/// an inode number alone is reused at once.
+struct FileIdentity
+{
+    QByteArray handle; ///< the file system's own handle, with its type; empty where it gives none
+    std::uint64_t fileSystem = 0;
+    std::uint64_t device = 0; ///< valid within one boot
+    std::uint64_t inode = 0;
+    std::int64_t birthSeconds = 0; ///< 0 where the file system keeps no birth time
+    std::uint32_t birthNanoseconds = 0;
+
+    friend bool operator==(const FileIdentity &, const FileIdentity &) = default;
+};
+
+/// The user as whom this process touches files.
+struct ActingUser
+{
+    std::uint32_t user = 0;
+    bool ownsEverything = false; ///< may act as the owner of any file, as the administrator may
+};
+
+/// Who may be entered on the way down.
+enum class Descent {
+    /// Folders only, beneath the start, no link in any component, no other file system, no mount.
+    Strict,
+    /// The same, but mounts may be crossed: for the way to a folder that the user named.
+    AcrossMounts,
+};
+
+/// Every system call by which the engines and the settings writer touch the file system, or look
+/// at who else does, behind one interface, so that tests can fail, watch or interleave each of
+/// them. Stateless; any thread.
+/// Names are single components unless said otherwise, without NUL.
+class SystemCalls
+{
+public:
+    virtual ~SystemCalls() = default;
+
+    /// Opens a folder for reading by its path relative to another open folder ("." reopens it).
+    virtual SystemResult<FileDescriptor> openFolder(int parent, const char *relativePath,
+                                                    Descent descent) const = 0;
+    /// Opens the folder that holds this one at present, on the same mount. It may be another than
+    /// the one from which the folder was reached: compare before use.
+    virtual SystemResult<FileDescriptor> openParent(int folder) const = 0;
+    /// Opens a folder by its absolute path. No component may be a link.
+    virtual SystemResult<FileDescriptor> openRoot(const char *path) const = 0;
+    /// The absolute path without any link, "." or "..", of something that is there. Only for what a
+    /// user named.
+    virtual SystemResult<QByteArray> realPath(const char *path) const = 0;
+    /// Fills the buffer with directory records (see DirectoryRecords); 0 at the end.
+    virtual SystemResult<std::size_t> readEntries(int folder, std::span<char> buffer) const = 0;
+
+    /// The entry itself, never what a link leads to.
+    virtual SystemResult<FileStatus> status(int parent, const char *name) const = 0;
+    virtual SystemResult<FileStatus> statusOf(int descriptor) const = 0;
+    /// What an entry is, or what it leads to if it is a link. Only for what a user named.
+    virtual SystemResult<FileKind> kindBehind(int parent, const char *name) const = 0;
+    virtual SystemResult<FileIdentity> identityOf(int descriptor) const = 0;
+    /// The identity of an entry, whatever its kind; a link's own.
+    virtual SystemResult<FileIdentity> identity(int parent, const char *name) const = 0;
+    /// Whether this process may add and remove entries of the folder (write and search rights).
+    virtual bool mayChangeEntries(int folder) const = 0;
+    /// Whether the folder lives in memory alone, where no disk is waited for.
+    virtual bool isInMemory(int folder) const = 0;
+    /// Whose rights decide in a folder with the sticky bit.
+    virtual ActingUser actingUser() const = 0;
+
+    virtual SystemResult<void> removeFile(int parent, const char *name) const = 0;
+    virtual SystemResult<void> removeFolder(int parent, const char *name) const = 0;
+    /// Sets the mode's lower twelve bits of what the descriptor holds open.
+    virtual SystemResult<void> setPermissions(int descriptor, std::uint16_t permissions) const = 0;
+
+    /// The bytes that a link holds.
+    virtual SystemResult<QByteArray> readLink(int parent, const char *name) const = 0;
+    /// Whether another process holds a record lock on any part of an open file.
+    virtual SystemResult<bool> isLocked(int file) const = 0;
+    /// Whether there is a process of this number, whoever's it is.
+    virtual bool isRunning(std::int64_t process) const = 0;
+    /// The names of the programs that the acting user runs: as the process list shows them, their
+    /// first fifteen bytes, and those of the files that hold them. Looks at every process.
+    virtual SystemResult<QByteArrayList> programNames() const = 0;
+    /// The name of this machine.
+    virtual QByteArray hostName() const = 0;
+
+    /// Opens an existing file for reading.
+    virtual SystemResult<FileDescriptor> openFile(int parent, const char *name) const = 0;
+    /// Makes a file for writing, readable by its owner alone; an old one of the name is emptied.
+    virtual SystemResult<FileDescriptor> createFile(int parent, const char *name) const = 0;
+    virtual SystemResult<std::size_t> read(int file, std::span<char> buffer) const = 0;
+    virtual SystemResult<std::size_t> write(int file, std::span<const char> bytes) const = 0;
+    virtual SystemResult<void> sync(int descriptor) const = 0;
+    virtual SystemResult<void> rename(int parent, const char *from, const char *to) const = 0;
+};
+
+/// The calls of the system that Vantor runs on; lives as long as the process.
+const SystemCalls &hostSystemCalls();

@@ -1,0 +1,6 @@
+#include "platform/system/SystemHomes.h"
+
+bool homesHaveALibrary()
+{
+    return false;
+}

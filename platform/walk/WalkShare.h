@@ -1,0 +1,43 @@
+#pragma once
+
+#include "platform/walk/DirectoryWalker.h"
+
+#include <memory>
+#include <vector>
+
+/// The names of subfolders that wait to be entered, back to back in one block of memory.
+class FolderNames final
+{
+public:
+    bool isEmpty() const { return m_count == 0; }
+    std::size_t count() const { return m_count; }
+
+    void add(std::string_view name);
+    /// The name added last, which leaves the list. Valid until the next call that changes it.
+    const char *takeLast();
+    /// Cuts off the first half, rounded up.
+    FolderNames takeFirstHalf();
+    void clear();
+
+private:
+    std::vector<char> m_bytes; ///< each name with its NUL; may hold the one taken last at the end
+    std::size_t m_used = 0;
+    std::size_t m_count = 0;
+};
+
+/// One folder on a thread's way down.
+struct WalkLevel
+{
+    WalkedFolderRef folder;
+    std::shared_ptr<const FileDescriptor> descriptor; ///< null while closed to stay in bounds
+    EntryDetail detail = EntryDetail::Status;
+    FolderNames waiting;
+};
+
+/// Work that one thread hands to another: subfolders of an open folder, or entries read from it
+/// that nobody has looked at yet.
+struct WalkShare
+{
+    WalkLevel level;
+    std::vector<char> records; ///< as SystemCalls::readEntries filled them
+};

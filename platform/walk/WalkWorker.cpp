@@ -1,0 +1,255 @@
+#include "platform/walk/WalkWorker.h"
+
+#include <algorithm>
+#include <cerrno>
+
+namespace {
+
+constexpr std::size_t kBufferBytes = 32'768;
+// A buffer filled further than this was filled as far as another record of any length allows: the
+// folder most likely goes on.
+constexpr std::size_t kFullBufferBytes = kBufferBytes - 512;
+
+/// What is gone, or has become something else under our eyes, is no failure; neither is what lies
+/// on another mount.
+bool isTolerated(int error)
+{
+    return error == ENOENT || error == ENOTDIR || error == ELOOP || error == EXDEV;
+}
+
+bool isOutOfDescriptors(int error)
+{
+    return error == EMFILE || error == ENFILE;
+}
+
+} // namespace
+
+WalkWorker::WalkWorker(const SystemCalls &calls, const WalkOptions &options, WalkPool &pool,
+                       DirectoryVisitor &visitor, std::size_t openLevels)
+    : m_calls(calls),
+      m_options(options),
+      m_pool(pool),
+      m_visitor(visitor),
+      m_openLimit(openLevels),
+      m_buffer(kBufferBytes)
+{
+}
+
+void WalkWorker::begin(FileDescriptor start)
+{
+    const auto status = m_calls.statusOf(start.get());
+    if (!status) {
+        const WalkedFolderRef unknown = WalkedFolderRef::start({});
+        m_visitor.failed(*unknown, "", status.error());
+        return;
+    }
+    WalkLevel level;
+    level.folder = WalkedFolderRef::start(*status);
+    level.descriptor = std::make_shared<const FileDescriptor>(std::move(start));
+    level.detail = m_visitor.entered(*level.folder, level.descriptor->get());
+    push(std::move(level));
+    listTop();
+    walkLevels();
+}
+
+void WalkWorker::takeWork()
+{
+    while (auto share = m_pool.take()) {
+        m_waiting += share->level.waiting.count();
+        push(std::move(share->level));
+        lookAt(share->records);
+        walkLevels();
+    }
+}
+
+void WalkWorker::walkLevels()
+{
+    while (m_waiting > 0 && !isStopped()) {
+        if (top().waiting.isEmpty()) {
+            leaveTop();
+            continue;
+        }
+        if (m_waiting > 1 && m_pool.wantsWork())
+            shareSubfolders();
+        else
+            enterNextSubfolder();
+    }
+    m_levels.clear();
+    m_firstOpen = 0;
+    m_waiting = 0;
+}
+
+void WalkWorker::enterNextSubfolder()
+{
+    const char *name = top().waiting.takeLast();
+    --m_waiting;
+    auto opened = openSubfolder(name);
+    if (!opened)
+        return failed(name, opened.error());
+    const auto status = m_calls.statusOf(opened->get());
+    if (!status)
+        return failed(name, status.error());
+    // A subvolume is a file system of its own that no mount point gives away.
+    if (status->device != top().folder->status().device)
+        return;
+
+    WalkLevel level;
+    level.folder = top().folder.child(name, *status);
+    level.descriptor = std::make_shared<const FileDescriptor>(std::move(*opened));
+    level.detail = m_visitor.entered(*level.folder, level.descriptor->get());
+    if (top().waiting.isEmpty())
+        m_levels.pop_back(); // nobody has to come back to it
+    push(std::move(level));
+    listTop();
+}
+
+SystemResult<FileDescriptor> WalkWorker::openSubfolder(const char *name)
+{
+    auto opened = m_calls.openFolder(topDescriptor(), name, Descent::Strict);
+    if (opened || !isOutOfDescriptors(opened.error()))
+        return opened;
+    closeUpperLevels(1);
+    return m_calls.openFolder(topDescriptor(), name, Descent::Strict);
+}
+
+void WalkWorker::push(WalkLevel level)
+{
+    m_levels.push_back(std::move(level));
+    closeUpperLevels(m_openLimit);
+}
+
+void WalkWorker::closeUpperLevels(std::size_t openLevels)
+{
+    for (; m_levels.size() - m_firstOpen > openLevels; ++m_firstOpen)
+        m_levels[m_firstOpen].descriptor.reset();
+}
+
+void WalkWorker::listTop()
+{
+    while (!isStopped()) {
+        const auto filled = m_calls.readEntries(topDescriptor(), m_buffer);
+        if (!filled)
+            return failed("", filled.error());
+        if (*filled == 0)
+            return;
+        const std::span<const char> records = std::span(m_buffer).first(*filled);
+        if (*filled > kFullBufferBytes && m_pool.wantsWork())
+            shareRecords(records);
+        else
+            lookAt(records);
+    }
+}
+
+void WalkWorker::lookAt(std::span<const char> records)
+{
+    DirectoryRecords list(records);
+    DirectoryRecord record;
+    while (!isStopped() && list.next(record)) {
+        if (!isSkipped(record.name))
+            lookAt(record);
+    }
+}
+
+bool WalkWorker::isSkipped(const char *name) const
+{
+    return m_options.hiddenItems == HiddenItems::Skipped && name[0] == '.';
+}
+
+void WalkWorker::lookAt(const DirectoryRecord &record)
+{
+    if (record.kind == FileKind::Folder)
+        return addSubfolder(record.name);
+    const WalkLevel &level = top();
+    const bool wantsStatus = level.detail == EntryDetail::Status;
+    if (!wantsStatus && record.kind != FileKind::Unknown)
+        return m_visitor.found({*level.folder, record.name, nullptr});
+
+    const auto status = m_calls.status(topDescriptor(), record.name);
+    if (!status) {
+        if (!isTolerated(status.error()))
+            m_visitor.statusFailed(*level.folder, record.name, status.error());
+        return;
+    }
+    if (status->kind == FileKind::Folder)
+        return addSubfolder(record.name);
+    m_visitor.found({*level.folder, record.name, wantsStatus ? &*status : nullptr});
+}
+
+void WalkWorker::addSubfolder(const char *name)
+{
+    if (!m_visitor.shouldEnter(*top().folder, name))
+        return;
+    top().waiting.add(name);
+    ++m_waiting;
+}
+
+/// Goes back to the nearest folder in which something waits. There is one, and it is the next.
+void WalkWorker::leaveTop()
+{
+    const WalkLevel left = std::move(top());
+    m_levels.pop_back();
+    if (top().descriptor)
+        return;
+    auto reopened = climb(left, *top().folder);
+    if (!reopened)
+        return giveUpWaiting(reopened.error());
+    top().descriptor = std::make_shared<const FileDescriptor>(std::move(*reopened));
+    m_firstOpen = m_levels.size() - 1;
+}
+
+/// Opens a folder somewhere above an open one. One on the way may have been moved meanwhile: where
+/// the way ends up need not be where it began.
+SystemResult<FileDescriptor> WalkWorker::climb(const WalkLevel &from, const WalkedFolder &to)
+{
+    FileDescriptor held;
+    int below = from.descriptor->get();
+    for (const WalkedFolder *at = &*from.folder; at != &to; at = at->parent()) {
+        auto opened = m_calls.openParent(below);
+        if (!opened)
+            return opened;
+        held = std::move(*opened);
+        below = held.get();
+    }
+    const auto status = m_calls.statusOf(below);
+    if (!status)
+        return tl::unexpected(status.error());
+    if (status->inode != to.status().inode || status->device != to.status().device)
+        return tl::unexpected(ESTALE);
+    return held;
+}
+
+/// The way back up is lost, and with it all that waits: every level is closed by now.
+void WalkWorker::giveUpWaiting(int error)
+{
+    for (const WalkLevel &level : m_levels) {
+        if (!level.waiting.isEmpty())
+            m_visitor.failed(*level.folder, "", error);
+    }
+    m_waiting = 0;
+}
+
+void WalkWorker::shareRecords(std::span<const char> records)
+{
+    const WalkLevel &level = top();
+    m_pool.give({{level.folder, level.descriptor, level.detail, {}},
+                 std::vector<char>(records.begin(), records.end())});
+}
+
+/// Gives from the uppermost open level: what hangs there is most likely the largest part.
+void WalkWorker::shareSubfolders()
+{
+    const auto isWaiting = [](const WalkLevel &level) { return !level.waiting.isEmpty(); };
+    const auto level = std::find_if(m_levels.begin() + static_cast<std::ptrdiff_t>(m_firstOpen),
+                                    m_levels.end(), isWaiting);
+    FolderNames half = level->waiting.takeFirstHalf();
+    m_waiting -= half.count();
+    m_pool.give({{level->folder, level->descriptor, level->detail, std::move(half)}, {}});
+    if (level->waiting.isEmpty() && &*level != &top())
+        m_levels.erase(level);
+}
+
+void WalkWorker::failed(const char *name, int error)
+{
+    if (!isTolerated(error))
+        m_visitor.failed(*top().folder, name, error);
+}

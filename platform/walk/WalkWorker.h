@@ -1,0 +1,57 @@
+#pragma once
+
+#include "platform/system/DirectoryRecords.h"
+#include "platform/walk/WalkPool.h"
+
+#include <span>
+
+/// One thread of a walk. Goes down folder by folder with a stack of its own on the heap, on which
+/// lie the folder at hand and those above it in which others still wait to be entered; it hands
+/// work to the pool while other threads are idle. The lowest levels stay open; past its bound the
+/// upper ones are closed, and opened again from below when it comes back to them.
+class WalkWorker final
+{
+public:
+    WalkWorker(const SystemCalls &calls, const WalkOptions &options, WalkPool &pool,
+               DirectoryVisitor &visitor, std::size_t openLevels);
+
+    /// Enters the folder where the walk begins, and walks all that this thread does not give away.
+    void begin(FileDescriptor start);
+    /// Walks what the pool has to give until there is nothing left.
+    void takeWork();
+
+private:
+    WalkLevel &top() { return m_levels.back(); }
+    int topDescriptor() const { return m_levels.back().descriptor->get(); }
+    bool isStopped() const { return m_pool.isStopped(); }
+    bool isSkipped(const char *name) const;
+
+    void walkLevels();
+    void enterNextSubfolder();
+    SystemResult<FileDescriptor> openSubfolder(const char *name);
+    void push(WalkLevel level);
+    void listTop();
+    void lookAt(std::span<const char> records);
+    void lookAt(const DirectoryRecord &record);
+    void addSubfolder(const char *name);
+
+    void leaveTop();
+    SystemResult<FileDescriptor> climb(const WalkLevel &from, const WalkedFolder &to);
+    void giveUpWaiting(int error);
+    void closeUpperLevels(std::size_t openLevels);
+
+    void shareRecords(std::span<const char> records);
+    void shareSubfolders();
+    void failed(const char *name, int error);
+
+    const SystemCalls &m_calls;
+    const WalkOptions m_options;
+    WalkPool &m_pool;
+    DirectoryVisitor &m_visitor;
+    const std::size_t m_openLimit;
+
+    std::vector<char> m_buffer;
+    std::vector<WalkLevel> m_levels;
+    std::size_t m_firstOpen = 0; ///< the levels above it are closed, this and those below are open
+    std::size_t m_waiting = 0;   ///< subfolders that wait, on all levels
+};

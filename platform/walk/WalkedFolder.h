@@ -1,0 +1,77 @@
+#pragma once
+
+#include "platform/system/SystemCalls.h"
+
+#include <QByteArray>
+#include <atomic>
+#include <string>
+#include <string_view>
+#include <utility>
+
+class WalkedFolderRef;
+
+/// A folder that a walk entered: its name and the chain of folders above it up to where the walk
+/// started, so that the path of anything found can be told when somebody asks. Never changes once
+/// made; the chain lives as long as a WalkedFolderRef holds its lower end. Any thread.
+class WalkedFolder final
+{
+public:
+    /// Null for the folder where the walk started.
+    const WalkedFolder *parent() const { return m_parent; }
+    /// The raw bytes of the name; empty for the folder where the walk started.
+    std::string_view name() const { return m_name; }
+    /// As the folder was found when it was entered.
+    const FileStatus &status() const { return m_status; }
+
+    /// The path of an entry of this folder relative to where the walk started; of the folder itself
+    /// for an empty name. May be longer than any system call takes.
+    QByteArray pathTo(std::string_view entryName) const;
+
+private:
+    friend class WalkedFolderRef;
+    WalkedFolder(const WalkedFolder *parent, std::string_view name, const FileStatus &status)
+        : m_parent(parent), m_name(name), m_status(status)
+    {
+    }
+    ~WalkedFolder() = default;
+
+    const WalkedFolder *m_parent;
+    std::string m_name;
+    FileStatus m_status;
+    mutable std::atomic<std::uint32_t> m_references{1};
+};
+
+/// Keeps a WalkedFolder and all above it alive. Copies and moves; one reference belongs to one
+/// thread at a time. Lets go of a chain of any length without recursion.
+class WalkedFolderRef final
+{
+public:
+    WalkedFolderRef() = default;
+    /// The folder where a walk starts.
+    static WalkedFolderRef start(const FileStatus &status);
+    /// A folder below this one.
+    WalkedFolderRef child(std::string_view name, const FileStatus &status) const;
+
+    ~WalkedFolderRef() { release(m_folder); }
+    WalkedFolderRef(const WalkedFolderRef &other) : m_folder(other.m_folder) { retain(m_folder); }
+    WalkedFolderRef(WalkedFolderRef &&other) noexcept
+        : m_folder(std::exchange(other.m_folder, nullptr))
+    {
+    }
+    WalkedFolderRef &operator=(WalkedFolderRef other) noexcept
+    {
+        std::swap(m_folder, other.m_folder);
+        return *this;
+    }
+
+    explicit operator bool() const { return m_folder != nullptr; }
+    const WalkedFolder &operator*() const { return *m_folder; }
+    const WalkedFolder *operator->() const { return m_folder; }
+
+private:
+    explicit WalkedFolderRef(const WalkedFolder *folder) : m_folder(folder) {}
+    static void retain(const WalkedFolder *folder);
+    static void release(const WalkedFolder *folder);
+
+    const WalkedFolder *m_folder = nullptr;
+};

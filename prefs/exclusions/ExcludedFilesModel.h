@@ -1,0 +1,78 @@
+#pragma once
+
+#include "prefs/exclusions/FileToView.h"
+
+#include <QAbstractTableModel>
+
+/// The excluded files and folders as a table: icon, name and place in one column, the size in the
+/// other. Sizes and icons come in the background. An entry of the settings that cannot be read
+/// stays in its row, word for word, until the user removes it. Main thread only.
+class ExcludedFilesModel final : public QAbstractTableModel
+{
+    Q_OBJECT
+
+public:
+    enum Column { PathColumn, SizeColumn, ColumnCount };
+    enum Role {
+        ImageNameRole = Qt::UserRole, ///< the drawing of the entry's icon
+        PlaceRole,                    ///< the folder that holds the entry, for people
+        IsUsableRole,                 ///< false for an entry that is not there or cannot be read
+    };
+
+    /// Must outlive the model.
+    explicit ExcludedFilesModel(FileToView &toView, QObject *parent = nullptr);
+    ~ExcludedFilesModel() override;
+
+    int rowCount(const QModelIndex &parent = {}) const override;
+    int columnCount(const QModelIndex &parent = {}) const override;
+    QVariant data(const QModelIndex &index, int role) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+
+    /// Replaces all rows by what the settings hold.
+    void setStoredStrings(const QStringList &strings);
+    /// The rows as the settings hold them, in order, duplicates kept.
+    QStringList storedStrings() const;
+
+    const std::shared_ptr<File> &fileAt(int row) const { return m_rows.at(row).file; }
+
+    void append(const FileUrls &urls);
+    /// Takes each path as a file's at once, so that it is kept from now on, and finds out in the
+    /// background which are folders.
+    void appendPaths(const QList<QByteArray> &paths);
+    /// Rows may come in any order.
+    void remove(QList<int> rows);
+
+    /// Finds out anew which entries are there.
+    void lookAgain();
+
+Q_SIGNALS:
+    /// What was taken as a file has turned out to be a folder.
+    void storedStringsChanged();
+
+private:
+    struct Row
+    {
+        std::shared_ptr<File> file = {};
+        std::optional<QString> unreadable = {}; ///< a stored string that is no URL
+        FileFacts facts = {};
+        bool hasNoSize = false;    ///< nobody may measure now
+        bool isOfOpenKind = false; ///< may still turn out to be a folder
+    };
+
+    static Row rowOf(const QString &stored);
+    QString sizeText(const Row &row) const;
+    QString placeText(const Row &row) const;
+    bool isUsable(const Row &row) const;
+    QVariant pathData(const Row &row, int role) const;
+    QVariant sizeData(const Row &row, int role) const;
+    void forgetRows();
+    void prepare(int firstRow);
+    void measure(Row &row);
+    void takeFacts(const File *file, const FileFacts &facts);
+    void settleKind(Row &row);
+    int rowOf(const File *file) const;
+    void rowChanged(int row);
+
+    FileToView &m_toView;
+    QList<Row> m_rows;
+};

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "largefiles/search/File.h"
+#include "platform/files/FileAccess.h"
+#include "platform/threads/WorkQueue.h"
+
+#include <QHash>
+#include <QObject>
+#include <memory>
+
+class SystemCalls;
+
+/// What a look at a path tells, without going into it.
+struct FileFacts
+{
+    enum class Presence { Unknown, Present, Missing };
+
+    Presence presence = Presence::Unknown;
+    FileUrlKind kind = FileUrlKind::File;
+    QString iconName; ///< see genericIconName()
+};
+
+/// Finds out in the background what a table shows of a file. Answers come on the main thread, from
+/// the event loop, and never after this is gone. Main thread only.
+class FileToView final : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// The right to work below the granted folder; null while there is none. Asked on the threads
+    /// that do the work, because the answer may wait for a disk.
+    using AccessSource = std::function<FileAccess *()>;
+
+    /// The calls must outlive it.
+    FileToView(const SystemCalls &calls, AccessSource access, QObject *parent = nullptr);
+    /// Stops what is under way.
+    ~FileToView() override;
+
+    /// Measures the file as cleaning would count it and then sets its size and its size text. A
+    /// measurement of this record that is under way serves this call too. Without access the
+    /// record stays as it is and the completion comes all the same.
+    void prepareFileForDisplay(const std::shared_ptr<File> &file, std::function<void()> completion);
+
+    /// Ends a measurement: the record stays as it is, its completions do not come.
+    void cancel(const File &file);
+
+    /// One answer for each path, in order.
+    void lookAt(const QList<QByteArray> &paths,
+                std::function<void(const QList<FileFacts> &)> answer);
+
+private:
+    struct Measurement
+    {
+        std::stop_source stop;
+        std::vector<std::function<void()>> completions;
+    };
+
+    void finish(const std::shared_ptr<File> &file, qint64 bytes);
+    void complete(const File &file);
+
+    const SystemCalls &m_calls;
+    AccessSource m_access;
+    QHash<const File *, Measurement> m_underWay;
+    WorkQueue m_looks;
+    WorkQueue m_measurements;
+};

@@ -1,0 +1,117 @@
+#include "prefs/tutorial/WebTutorial.h"
+
+#include "app/settings/SettingsFile.h"
+#include "app/settings/SettingsKeys.h"
+#include "platform/base/Log.h"
+#include "platform/look/ViewAlpha.h"
+#include "prefs/tutorial/WebTutorialView.h"
+
+#include <QGuiApplication>
+#include <QOpenGLContext>
+#include <QPluginLoader>
+#include <QTimer>
+
+WebTutorialFiles WebTutorialFiles::ofTheProgramIn(const QString &folder)
+{
+    for (const QString &place : {folder, folder + QStringLiteral("/../lib/vantor")}) {
+        // The loader knows how libraries are called on this system.
+        const QString plugin = QPluginLoader(place + QStringLiteral("/vantor-tutorial")).fileName();
+        if (!plugin.isEmpty())
+            return {.plugin = plugin, .probe = place + QStringLiteral("/vantor-tutorial-probe")};
+    }
+    return {};
+}
+
+WebTutorial::WebTutorial(WebTutorialFiles files) : m_files(std::move(files))
+{
+    m_probe.setStandardInputFile(QProcess::nullDevice());
+    m_probe.setStandardOutputFile(QProcess::nullDevice());
+    m_probe.setStandardErrorFile(QProcess::nullDevice());
+    connect(&m_probe, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
+        if (error == QProcess::FailedToStart)
+            endProbe(false, "its probe is missing");
+    });
+    connect(&m_probe, &QProcess::finished, this, [this](int code, QProcess::ExitStatus status) {
+        const bool isUsable = status == QProcess::NormalExit && code == 0;
+        endProbe(isUsable, "it does not start");
+    });
+    QAccessible::installActivationObserver(this);
+}
+
+WebTutorial::~WebTutorial()
+{
+    QAccessible::removeActivationObserver(this);
+    m_probe.disconnect(this);
+    m_probe.kill();
+    m_probe.waitForFinished(); // a killed process is only waited for until it is taken down
+    for (const QPointer<QWidget> &view : m_views)
+        delete view;
+    if (m_engine)
+        m_engine->shutDown();
+}
+
+void WebTutorial::accessibilityActiveChanged(bool isActive)
+{
+    m_hasScreenReader = isActive;
+    if (isActive)
+        Q_EMIT screenReaderCame();
+}
+
+bool WebTutorial::mayBeShown(const QString &settingsFolder)
+{
+    const QJsonObject settings = SettingsFile(settingsFolder, hostSystemCalls()).peek().values;
+    return !settings.value(VNTHideDemoWindowString).toBool();
+}
+
+void WebTutorial::prepareApplication()
+{
+    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
+}
+
+void WebTutorial::probe()
+{
+    if (m_files.plugin.isEmpty())
+        return endProbe(false, "it is not installed");
+    // Without it the engine crashes at its start; that it need not be valid is known.
+    if (!QOpenGLContext::globalShareContext())
+        return endProbe(false, "the program was started without it");
+    QTimer::singleShot(m_files.limit, &m_probe, &QProcess::kill);
+    m_probe.start(m_files.probe, {m_files.plugin, QString::number(m_files.limit.count()),
+                                  QStringLiteral("-platform"), QGuiApplication::platformName()});
+}
+
+void WebTutorial::endProbe(bool isUsable, const char *reason)
+{
+    m_isUsable = isUsable;
+    if (!isUsable)
+        qCInfo(logVantor, "The tutorial is shown without the web engine: %s.", reason);
+    Q_EMIT probed(isUsable);
+}
+
+TutorialView *WebTutorial::makeView(QWidget *parent)
+{
+    return new WebTutorialView(*this, parent);
+}
+
+TutorialEngine *WebTutorial::engine()
+{
+    if (!m_engine && m_isUsable) {
+        // Never unloaded: the engine does not bear it.
+        QPluginLoader loader(m_files.plugin);
+        m_engine = qobject_cast<TutorialEngine *>(loader.instance());
+        if (!m_engine)
+            endProbe(false, "it cannot be loaded");
+    }
+    return m_engine;
+}
+
+QWidget *WebTutorial::makeWebView(const QUrl &page, std::function<void(bool)> ended,
+                                  QWidget &parent)
+{
+    if (m_hasScreenReader || !m_isUsable || !engine())
+        return nullptr;
+    const bool moves = animationDuration(parent, std::chrono::seconds(1)).count() > 0;
+    const auto motion = moves ? TutorialMotion::Moving : TutorialMotion::Still;
+    m_views.append(m_engine->makeView(page, motion, std::move(ended), &parent));
+    return m_views.constLast();
+}

@@ -1,0 +1,77 @@
+#pragma once
+
+#include "prefs/tutorial/TutorialEngine.h"
+
+#include <QAccessible>
+#include <QCoreApplication>
+#include <QObject>
+#include <QPointer>
+#include <QProcess>
+#include <chrono>
+
+class TutorialView;
+
+/// Where the parts with the web engine are. Either may be missing.
+struct WebTutorialFiles
+{
+    QString plugin;                                             ///< empty where there is none
+    QString probe;                                              ///< vantor-tutorial-probe
+    std::chrono::milliseconds limit = std::chrono::seconds(15); ///< of the probe's run
+
+    /// Those in the program's folder, where they are built, else those in ../lib/vantor.
+    static WebTutorialFiles
+    ofTheProgramIn(const QString &folder = QCoreApplication::applicationDirPath());
+};
+
+/// Decides whether the tutorial is shown by the web engine, and loads the engine when it is.
+///
+/// Where the engine cannot start it ends its whole process: without a sandbox, without its own
+/// files, with a graphics driver that it does not bear. So it is started here only after a small
+/// program has started it likewise in a process of its own, and come to a good end. Until that is
+/// known, and when it failed, the views show rich text. They also do for a screen reader, which the
+/// engine tells nothing unless it was started for one.
+///
+/// Made after the application object and destroyed before it, but after every view. Main thread
+/// only.
+class WebTutorial final : public QObject, private QAccessible::ActivationObserver
+{
+    Q_OBJECT
+
+public:
+    explicit WebTutorial(WebTutorialFiles files = WebTutorialFiles::ofTheProgramIn());
+    ~WebTutorial() override;
+
+    /// Whether the settings in this folder leave the tutorial to be shown.
+    static bool mayBeShown(const QString &settingsFolder);
+
+    /// Asks for what the engine needs of the application object; before that is made.
+    static void prepareApplication();
+
+    /// Begins to find out whether the engine starts here; probed() follows. Once.
+    void probe();
+
+    bool isUsable() const { return m_isUsable; }
+
+    /// A view that shows the tutorial with the engine if that is usable now.
+    TutorialView *makeView(QWidget *parent);
+
+    /// The engine's view of a page, as TutorialEngine::makeView(); null when it is not usable.
+    QWidget *makeWebView(const QUrl &page, std::function<void(bool isShown)> ended,
+                         QWidget &parent);
+
+Q_SIGNALS:
+    void probed(bool isUsable);
+    void screenReaderCame();
+
+private:
+    void accessibilityActiveChanged(bool isActive) override;
+    void endProbe(bool isUsable, const char *reason);
+    TutorialEngine *engine();
+
+    WebTutorialFiles m_files;
+    QProcess m_probe;
+    bool m_isUsable = false;
+    bool m_hasScreenReader = QAccessible::isActive();
+    TutorialEngine *m_engine = nullptr;
+    QList<QPointer<QWidget>> m_views;
+};

@@ -1,0 +1,252 @@
+#include "slices/cleaning/Cleaning.h"
+
+#include "platform/base/Log.h"
+#include "platform/files/AnchoredFolder.h"
+#include "slices/cleaning/ItemsInNeed.h"
+#include "slices/cleaning/RemovalCrew.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <set>
+
+namespace {
+
+/// While one thread waits for the disk the other works; in memory they would only wait for each
+/// other. More than two gain nothing.
+constexpr unsigned kThreadsForDisks = 2;
+constexpr std::size_t kMaxCandidatesLogged = 1000;
+
+FileUrlKind urlKind(FileKind kind)
+{
+    return kind == FileKind::Folder ? FileUrlKind::Folder : FileUrlKind::File;
+}
+
+/// A folder of the plan that is open and is being emptied, part after part.
+struct Emptying
+{
+    const CleaningLocation &location;
+    int folder;
+    EntryOrder order;
+    Protection &protection; ///< of `steps`; grows between the parts
+    const RemovalSteps &steps;
+};
+
+/// Takes a plan place by place.
+class Performance final
+{
+public:
+    Performance(const SystemCalls &calls, const CleaningPlan &plan, std::stop_token stop,
+                CleaningObserver *observer, const InUseCheck &inUse)
+        : m_calls(calls),
+          m_plan(plan),
+          m_stop(std::move(stop)),
+          m_inUse(inUse),
+          m_ledger(plan.refusals(), observer),
+          m_space(kListingSpace)
+    {
+    }
+
+    CleaningReport run();
+
+private:
+    void clean(const CleaningLocation &location);
+    void emptyFolder(const CleaningLocation &location);
+    void remove(const Emptying &emptying, FolderListing entries) const;
+    std::vector<FolderListing> takeOutOfPrograms(const CleaningLocation &location,
+                                                 FolderListing &listing) const;
+    void removeUnlessInUse(const Emptying &emptying, FolderListing entry);
+    void keepInUse(const Emptying &emptying, const FileUrl &place);
+    void removeFile(const CleaningLocation &location);
+    bool isAsPlanned(const CleaningLocation &location, const SystemResult<FileIdentity> &found);
+    void refuse(const CleaningLocation &location, RefusalReason reason, int error);
+
+    void logContents(const CleaningLocation &location, const FolderListing &listing);
+    void logFiles(std::size_t first);
+
+    const SystemCalls &m_calls;
+    const CleaningPlan &m_plan;
+    std::stop_token m_stop;
+    const InUseCheck &m_inUse;
+    CleaningLedger m_ledger;
+    std::vector<char> m_space;
+};
+
+CleaningReport Performance::run()
+{
+    const auto &locations = m_plan.locations();
+    for (std::size_t i = 0; i < locations.size() && !m_stop.stop_requested(); ++i) {
+        if (locations[i].mode == CleaningMode::TheVeryFiles)
+            logFiles(i);
+        clean(locations[i]);
+    }
+    return m_ledger.finish(m_stop.stop_requested());
+}
+
+void Performance::clean(const CleaningLocation &location)
+{
+    if (m_inUse && m_inUse(location, location.url).contains(location.url))
+        refuse(location, RefusalReason::InUse, 0);
+    else if (location.mode == CleaningMode::ContentsOfFolders)
+        emptyFolder(location);
+    else
+        removeFile(location);
+}
+
+void Performance::emptyFolder(const CleaningLocation &location)
+{
+    const auto folder = openAnchored(m_calls, location.path, Descent::Strict);
+    if (!folder)
+        return refuse(location, refusalReason(folder.error()), folder.error());
+    const auto identity = m_calls.identityOf(folder->get());
+    if (!isAsPlanned(location, identity))
+        return;
+    Protection protection(m_plan, location, identity->device);
+    const EntryOrder order =
+        m_calls.isInMemory(folder->get()) ? EntryOrder::AsListed : EntryOrder::ByInode;
+    const RemovalSteps steps(m_calls, protection, m_ledger, order);
+    auto listing = steps.list(folder->get(), m_space);
+    if (!listing)
+        return refuse(location, RefusalReason::PartlyListed, listing.error());
+    if (location.whatGoes == WhatGoes::LoneRecords)
+        passOverRecordsInNeed(m_calls, location.path, *listing);
+    if (!protection.isTouched())
+        logContents(location, *listing);
+    const Emptying emptying{location, folder->get(), order, protection, steps};
+    std::vector<FolderListing> ofPrograms = takeOutOfPrograms(location, *listing);
+    remove(emptying, std::move(*listing));
+    for (FolderListing &entry : ofPrograms)
+        removeUnlessInUse(emptying, std::move(entry));
+}
+
+void Performance::remove(const Emptying &emptying, FolderListing entries) const
+{
+    const Care care = emptying.protection.isTouched() ? Care::Judged : Care::Logged;
+    const HeldFolder held{emptying.folder, emptying.location.url.path() + '/', care};
+    if (emptying.order == EntryOrder::AsListed)
+        Remover(emptying.steps, m_stop).removeListed(held, std::move(entries));
+    else
+        RemovalCrew(emptying.steps, m_stop, kThreadsForDisks)
+            .removeListed(held, std::move(entries));
+}
+
+/// The entries at, or on the way to, the places of programs, each by itself. They wait until all
+/// else is gone, so that they can be asked about right before they go.
+std::vector<FolderListing> Performance::takeOutOfPrograms(const CleaningLocation &location,
+                                                          FolderListing &listing) const
+{
+    const QByteArray inside = location.url.path() + '/';
+    std::set<QByteArray> names;
+    for (const FileUrl &place : m_plan.programPlaces()) {
+        if (place.path().startsWith(inside))
+            names.insert(place.path().sliced(inside.size()).split('/').constFirst());
+    }
+    if (names.empty() || !m_inUse)
+        return {};
+    return listing.takeOut([&](const char *name) { return names.contains(name); });
+}
+
+void Performance::removeUnlessInUse(const Emptying &emptying, FolderListing entry)
+{
+    if (m_stop.stop_requested())
+        return;
+    const CleaningLocation &location = emptying.location;
+    const FileUrl url = location.url.appending(entry.name(entry.at(0)), urlKind(entry.at(0).kind));
+    for (const FileUrl &place : m_inUse(location, url))
+        keepInUse(emptying, place);
+    remove(emptying, std::move(entry));
+}
+
+/// What is kept already has been told of.
+void Performance::keepInUse(const Emptying &emptying, const FileUrl &place)
+{
+    const auto &[anchor, relativePath] = emptying.location.path;
+    if (emptying.protection.sparing(place.path(), FileKind::Folder) == Sparing::Whole)
+        return;
+    emptying.protection.keep(place);
+    const QByteArray inside = place.path().sliced(emptying.location.url.path().size());
+    const auto found = statusAnchored(m_calls, {anchor, relativePath + inside});
+    if (found || found.error() != ENOENT)
+        m_ledger.refused(place.path(), RefusalReason::InUse, 0);
+}
+
+void Performance::removeFile(const CleaningLocation &location)
+{
+    const auto [around, name] = anchoredEntry(location.path);
+    const auto folder = openAnchored(m_calls, around, Descent::Strict);
+    if (!folder)
+        return refuse(location, refusalReason(folder.error()), folder.error());
+    const auto identity = m_calls.identity(folder->get(), name.constData());
+    if (!isAsPlanned(location, identity))
+        return;
+    const auto status = m_calls.status(folder->get(), name.constData());
+    if (!status)
+        return refuse(location, RefusalReason::Unreadable, status.error());
+    // The name may stand for something else again; from here on it is unlinked as what it is.
+    if (location.whatGoes == WhatGoes::RegularFiles && status->kind != FileKind::Regular)
+        return refuse(location, RefusalReason::NotAFile, 0);
+    if (location.whatGoes == WhatGoes::RegularFiles &&
+        isJournalInNeed(m_calls, folder->get(), name))
+        return;
+    const Protection protection(m_plan, location, identity->device);
+    const RemovalSteps steps(m_calls, protection, m_ledger, EntryOrder::AsListed);
+    const QByteArray path = location.url.path();
+    Remover(steps, m_stop)
+        .removeListed({folder->get(), path.first(path.size() - name.size()), Care::Logged},
+                      FolderListing::ofEntry({name.constData(), status->inode, status->kind}));
+}
+
+bool Performance::isAsPlanned(const CleaningLocation &location,
+                              const SystemResult<FileIdentity> &found)
+{
+    if (!found)
+        refuse(location, RefusalReason::Unreadable, found.error());
+    else if (*found != location.identity)
+        refuse(location, RefusalReason::Changed, ESTALE);
+    else
+        return true;
+    return false;
+}
+
+void Performance::refuse(const CleaningLocation &location, RefusalReason reason, int error)
+{
+    if (error != ENOENT)
+        m_ledger.refused(location.url.path(), reason, error);
+}
+
+void Performance::logContents(const CleaningLocation &location, const FolderListing &listing)
+{
+    if (!m_ledger.logsCandidates())
+        return;
+    FileUrls candidates;
+    for (std::size_t i = 0; i < std::min(listing.size(), kMaxCandidatesLogged); ++i) {
+        const auto &entry = listing.at(i);
+        candidates.append(location.url.appending(listing.name(entry), urlKind(entry.kind)));
+    }
+    m_ledger.logCandidates(candidates, listing.size());
+}
+
+/// The files of one slice stand beside each other; all are told of before the first goes.
+void Performance::logFiles(std::size_t first)
+{
+    const auto &locations = m_plan.locations();
+    const auto isOfSameSlice = [&](const CleaningLocation &other) {
+        return other.slice == locations[first].slice && other.mode == locations[first].mode;
+    };
+    if (locations[first].isTouched || (first > 0 && isOfSameSlice(locations[first - 1])))
+        return;
+    FileUrls candidates;
+    for (std::size_t i = first; i < locations.size() && isOfSameSlice(locations[i]); ++i)
+        candidates.append(locations[i].url);
+    const auto total = static_cast<std::size_t>(candidates.size());
+    candidates.resize(static_cast<qsizetype>(std::min(total, kMaxCandidatesLogged)));
+    m_ledger.logCandidates(candidates, total);
+}
+
+} // namespace
+
+CleaningReport performCleaning(const SystemCalls &calls, const CleaningPlan &plan,
+                               std::stop_token stop, CleaningObserver *observer,
+                               const InUseCheck &inUse)
+{
+    return Performance(calls, plan, std::move(stop), observer, inUse).run();
+}

@@ -1,0 +1,159 @@
+#include "slices/cleaning/CleaningLedger.h"
+
+#include "platform/base/Log.h"
+
+#include <system_error>
+
+namespace {
+
+constexpr std::uint64_t kItemsBetweenCalls = 512;
+
+/// What people and tests read: the URL, which is plain ASCII whatever the name.
+QByteArray textOf(const QByteArray &path, FileUrlKind kind)
+{
+    return FileUrl::fromPath(path, kind).absoluteString();
+}
+
+const char *reasonText(RefusalReason reason)
+{
+    switch (reason) {
+    case RefusalReason::UnknownExclusions:
+        return "nobody knows what is excluded";
+    case RefusalReason::UnparsableExclusion:
+        return "excluded, but not a path that can be read";
+    case RefusalReason::UnresolvedExclusion:
+        return "something excluded inside cannot be found";
+    case RefusalReason::OutsideGrant:
+        return "not in the granted folder";
+    case RefusalReason::GrantedFolder:
+        return "the granted folder itself";
+    case RefusalReason::Link:
+        return "a link, or reached through one";
+    case RefusalReason::NotAFolder:
+        return "not a folder";
+    case RefusalReason::NotAFile:
+        return "not a plain file";
+    case RefusalReason::OtherFileSystem:
+        return "on another file system";
+    case RefusalReason::Unreadable:
+        return "cannot be read";
+    case RefusalReason::PartlyListed:
+        return "cannot be read to its end";
+    case RefusalReason::Changed:
+        return "changed meanwhile";
+    case RefusalReason::InUse:
+        return "used by a program";
+    }
+    Q_UNREACHABLE();
+}
+
+std::string errorText(int error)
+{
+    return std::generic_category().message(error);
+}
+
+void logLocked(const CleaningFailure &failure)
+{
+    qCInfo(logVantor, "File might be locked: %s: %s",
+           textOf(failure.path, FileUrlKind::File).constData(), errorText(failure.error).c_str());
+}
+
+/// What an exclusion that cannot be read says is no path, and may be any text.
+QByteArray whatIsRefused(const CleaningRefusal &refusal)
+{
+    if (refusal.path.isEmpty())
+        return "everything";
+    return refusal.path.startsWith('/') ? textOf(refusal.path, FileUrlKind::File)
+                                        : refusal.path.toPercentEncoding(":/%");
+}
+
+void logLocked(const CleaningRefusal &refusal)
+{
+    const std::string error =
+        refusal.error == 0 ? std::string() : " (" + errorText(refusal.error) + ')';
+    qCInfo(logVantor, "File might be locked: %s: %s%s", whatIsRefused(refusal).constData(),
+           reasonText(refusal.reason), error.c_str());
+}
+
+} // namespace
+
+CleaningLedger::CleaningLedger(const QList<CleaningRefusal> &planned, CleaningObserver *observer)
+    : m_observer(observer),
+      m_plannedRefusals(static_cast<std::uint64_t>(planned.size())),
+      m_isLogging(logVantor().isInfoEnabled())
+{
+    m_report.refusals = planned;
+    m_report.refusalCount = m_plannedRefusals;
+    for (const CleaningRefusal &refusal : planned)
+        logLocked(refusal);
+}
+
+void CleaningLedger::logCandidates(const FileUrls &candidates, std::size_t total)
+{
+    QByteArrayList texts;
+    for (const FileUrl &candidate : candidates)
+        texts.append('"' + candidate.absoluteString() + '"');
+    const std::size_t left = total - static_cast<std::size_t>(candidates.size());
+    if (left > 0)
+        texts.append("and " + QByteArray::number(static_cast<qulonglong>(left)) + " more");
+    qCInfo(logVantor, "(%s)", texts.join(", ").constData());
+}
+
+void CleaningLedger::logRemoval(const QByteArray &path, FileUrlKind kind) const
+{
+    qCInfo(logVantor, "%s", textOf(path, kind).constData());
+}
+
+void CleaningLedger::removed()
+{
+    const std::uint64_t items = m_removed.fetch_add(1, std::memory_order_relaxed) + 1;
+    if (items % kItemsBetweenCalls == 0)
+        tellObserver();
+}
+
+void CleaningLedger::tellObserver()
+{
+    if (!m_observer)
+        return;
+    const std::scoped_lock lock(m_observerMutex);
+    m_observer->removedSoFar(m_removed.load(std::memory_order_relaxed));
+}
+
+void CleaningLedger::failed(const QByteArray &path, int error)
+{
+    const std::scoped_lock lock(m_mutex);
+    if (++m_report.failureCount > CleaningReport::kMaxReported)
+        return;
+    m_report.failures.append({path, error});
+    logLocked(m_report.failures.last());
+}
+
+void CleaningLedger::refused(const QByteArray &path, RefusalReason reason, int error)
+{
+    const std::scoped_lock lock(m_mutex);
+    if (++m_report.refusalCount > m_plannedRefusals + CleaningReport::kMaxReported)
+        return;
+    m_report.refusals.append({path, reason, error});
+    logLocked(m_report.refusals.last());
+}
+
+CleaningReport CleaningLedger::finish(bool wasStopped)
+{
+    tellObserver();
+    const std::scoped_lock lock(m_mutex);
+    m_report.removedItems = m_removed.load(std::memory_order_relaxed);
+    m_report.wasStopped = wasStopped;
+    logTheRest();
+    return m_report;
+}
+
+void CleaningLedger::logTheRest() const
+{
+    const std::uint64_t announced = m_announced.load(std::memory_order_relaxed);
+    if (announced > kMaxRemovalLines)
+        qCInfo(logVantor, "and %llu more removals", qulonglong(announced - kMaxRemovalLines));
+    const std::uint64_t left = m_report.failureCount + m_report.refusalCount;
+    const auto listed = std::uint64_t(m_report.failures.size() + m_report.refusals.size());
+    if (left > listed)
+        qCInfo(logVantor, "File might be locked: %llu more", qulonglong(left - listed));
+}

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "slices/cleaning/Cleaning.h"
+
+#include <atomic>
+#include <mutex>
+
+/// Keeps the books of one cleaning and writes its log lines: of each kind only so many, and how
+/// many more there were at the end. Its threads share it.
+class CleaningLedger final
+{
+public:
+    /// Writes at once what the plan refused.
+    CleaningLedger(const QList<CleaningRefusal> &planned, CleaningObserver *observer);
+
+    /// The items directly in question at a place, before the first is removed; of very many only
+    /// the first.
+    void logCandidates(const FileUrls &candidates, std::size_t total);
+    bool logsCandidates() const { return m_isLogging && m_announced < kMaxRemovalLines; }
+
+    /// Counts one of them, which is about to be removed with all that it holds. Whether it gets a
+    /// line of its own, by logRemoval(): a place may hold a million items, and a log that fills the
+    /// disk is no help to a program that frees it.
+    bool announce()
+    {
+        return m_announced.fetch_add(1, std::memory_order_relaxed) < kMaxRemovalLines &&
+               m_isLogging;
+    }
+    void logRemoval(const QByteArray &path, FileUrlKind kind) const;
+
+    void removed();
+    void failed(const QByteArray &path, int error);
+    void refused(const QByteArray &path, RefusalReason reason, int error);
+
+    /// Closes the books; call once, when the threads are done.
+    CleaningReport finish(bool wasStopped);
+
+private:
+    static constexpr std::uint64_t kMaxRemovalLines = 10'000;
+
+    void tellObserver();
+    void logTheRest() const;
+
+    CleaningObserver *m_observer;
+    std::uint64_t m_plannedRefusals;
+    const bool m_isLogging;
+    std::atomic<std::uint64_t> m_announced = 0;
+    std::atomic<std::uint64_t> m_removed = 0;
+    std::mutex m_observerMutex;
+
+    std::mutex m_mutex; ///< guards all below
+    CleaningReport m_report;
+};

@@ -1,0 +1,122 @@
+#pragma once
+
+#include "platform/files/FileAccess.h"
+#include "platform/system/SystemCalls.h"
+#include "slices/exclusions/ExcludedPaths.h"
+#include "slices/sizing/ReadOnlyFolders.h"
+
+#include <QList>
+#include <optional>
+#include <vector>
+
+/// What a slice's places stand for.
+enum class CleaningMode {
+    ContentsOfFolders, ///< all that the folders hold; the folders themselves stay
+    TheVeryFiles,      ///< the files themselves
+};
+
+/// What of a slice's places may go.
+enum class WhatGoes {
+    Everything,
+    /// Of the very files: whatever else bears such a name stays, and a database's journal for as
+    /// long as the database does.
+    RegularFiles,
+    /// Of a trash's folder "info": the record "X.trashinfo", which says where X came from, stays
+    /// for as long as X is in the folder "files" beside it.
+    LoneRecords,
+};
+
+/// A slice as the user chose it.
+struct SliceToClean
+{
+    QString name;
+    FileUrls fileURLs;
+    CleaningMode mode = CleaningMode::ContentsOfFolders;
+    ReadOnlyFolders readOnlyFolders = ReadOnlyFolders::Stay; ///< inside the places, not themselves
+    WhatGoes whatGoes = WhatGoes::Everything;
+    FileUrls kept = {}; ///< in use inside the places; need not be there
+    /// At and inside the places: what programs may begin to use while the cleaning is under way.
+    FileUrls programPlaces = {};
+    /// Where this place is not cleaned the slice stays too; it may be another slice's.
+    std::optional<FileUrl> onlyWith = {};
+};
+
+/// Why something that was asked for is left alone.
+enum class RefusalReason {
+    UnknownExclusions,   ///< nobody knows what is excluded: nothing at all is cleaned
+    UnparsableExclusion, ///< a stored exclusion cannot be read: nothing at all is cleaned
+    UnresolvedExclusion, ///< an exclusion inside the place cannot be identified, or is gone
+    OutsideGrant,        ///< not in the granted folder
+    GrantedFolder,       ///< the granted folder itself
+    Link,                ///< a link, or reached through one
+    NotAFolder,
+    NotAFile,        ///< a folder or the like where only a plain file may go
+    OtherFileSystem, ///< a mount, or another volume
+    Unreadable,      ///< could not be opened or examined; the errno says why
+    PartlyListed,    ///< an error ended the listing: nothing more of the folder is removed
+    Changed,         ///< replaced or moved since it was planned or entered
+    InUse,           ///< its program was started after the user had confirmed
+};
+
+struct CleaningRefusal
+{
+    /// The raw path; for an exclusion that cannot be read its stored text.
+    QByteArray path;
+    RefusalReason reason = RefusalReason::Unreadable;
+    int error = 0; ///< errno, 0 where no call failed
+};
+
+/// One place of a plan: a folder to be emptied, or a file to be removed.
+struct CleaningLocation
+{
+    QString slice;
+    FileUrl url;
+    AnchoredPath path;
+    CleaningMode mode = CleaningMode::ContentsOfFolders;
+    FileIdentity identity; ///< what was there when the plan was made; anything else is left alone
+    /// Whether an exclusion touches the place (for the very files: any of their slice), so that
+    /// each item below is judged by its path.
+    bool isTouched = false;
+    ReadOnlyFolders readOnlyFolders = ReadOnlyFolders::Stay;
+    WhatGoes whatGoes = WhatGoes::Everything;
+};
+
+/// Exactly what a cleaning may remove: places in order, and what is kept inside them. Made by
+/// makeCleaningPlan() alone. A value that holds the granted folder open; any thread.
+class CleaningPlan final
+{
+public:
+    const std::vector<CleaningLocation> &locations() const { return m_locations; }
+    const QList<CleaningRefusal> &refusals() const { return m_refusals; }
+    /// Places left alone because they are excluded themselves or lie inside an exclusion.
+    const FileUrls &excludedLocations() const { return m_excludedLocations; }
+
+    /// What is kept: the exclusions, and what is in use.
+    const ExcludedPaths &excluded() const { return m_excluded; }
+    /// Of all that was found of them: it is kept wherever it turns up and whatever its name.
+    const std::vector<FileIdentity> &excludedIdentities() const { return m_excludedIdentities; }
+
+    /// What programs may begin to use, at and inside the locations; need not be there.
+    const FileUrls &programPlaces() const { return m_programPlaces; }
+
+private:
+    friend class CleaningPlanner;
+
+    std::vector<CleaningLocation> m_locations;
+    QList<CleaningRefusal> m_refusals;
+    FileUrls m_excludedLocations;
+    ExcludedPaths m_excluded;
+    std::vector<FileIdentity> m_excludedIdentities;
+    FileUrls m_programPlaces;
+};
+
+/// Plans the cleaning of the chosen slices, in their order. What a slice keeps is kept like an
+/// exclusion. Fails closed: an exclusion that cannot be read stops everything, one that cannot be
+/// found stops the place around it, and a place that is not a plain folder or file of the granted
+/// folder's own file system is refused. A place that does not exist is simply not in the plan, nor
+/// is what goes only with another place that is not. What is in use the plan just refuses, after
+/// all else. Touches the file system, so not for the main thread; the caller holds the access, from
+/// here until the cleaning is done.
+CleaningPlan makeCleaningPlan(const SystemCalls &calls, const FileAccess &access,
+                              const QList<SliceToClean> &slices, const ExcludedPaths &excluded,
+                              const FileUrls &inUse = {});

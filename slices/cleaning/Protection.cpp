@@ -1,0 +1,50 @@
+#include "slices/cleaning/Protection.h"
+
+#include "platform/files/Packages.h"
+
+#include <algorithm>
+
+namespace {
+
+QByteArrayView lastName(const QByteArray &path)
+{
+    return QByteArrayView(path).sliced(path.lastIndexOf('/') + 1);
+}
+
+} // namespace
+
+Protection::Protection(const CleaningPlan &plan, const CleaningLocation &location,
+                       std::uint64_t device)
+    : m_excluded(plan.excluded()),
+      m_device(device),
+      m_isTouched(location.isTouched),
+      m_readOnlyFolders(location.readOnlyFolders)
+{
+    for (const FileIdentity &identity : plan.excludedIdentities()) {
+        if (identity.device == device)
+            m_inodes.push_back(identity.inode);
+    }
+    std::sort(m_inodes.begin(), m_inodes.end());
+}
+
+void Protection::keep(const FileUrl &folder)
+{
+    m_excluded.add(folder);
+    m_isTouched = true;
+}
+
+bool Protection::keepsInode(std::uint64_t inode) const
+{
+    return std::binary_search(m_inodes.begin(), m_inodes.end(), inode);
+}
+
+Sparing Protection::sparing(const QByteArray &path, FileKind kind) const
+{
+    const bool isFolder = kind == FileKind::Folder;
+    const QByteArray slashed = path + '/';
+    const Sparing found = std::max(m_excluded.sparingByText(isFolder ? slashed : path),
+                                   m_excluded.sparingByPath(slashed));
+    if (found == Sparing::OnTheWay && (!isFolder || isPackageName(lastName(path))))
+        return Sparing::Whole;
+    return found;
+}

@@ -1,0 +1,205 @@
+#include "slices/cleaning/RemovalCrew.h"
+
+#include <algorithm>
+#include <system_error>
+#include <thread>
+
+namespace {
+
+using Fate = RemovalSteps::Fate;
+
+constexpr std::size_t kStretch = 512;
+/// With what the threads' own removers hold open, this fits into 64 descriptors.
+constexpr int kMostFolders = 16;
+
+} // namespace
+
+/// A folder whose entries several threads deal with. Held open until the last is done.
+struct RemovalCrew::SharedFolder
+{
+    FolderPointer around; ///< nothing for the outermost, which is the caller's
+    std::size_t indexAround = 0;
+    FileDescriptor owned;
+    HeldFolder held;
+    FolderListing listing;
+    std::optional<std::uint16_t> formerRights;
+    std::atomic<std::size_t> openWork = 1; ///< jobs, folders inside, and whoever sets it up
+    std::atomic<bool> stays = false;
+
+    Spot spot(std::size_t index) const
+    {
+        return {held.descriptor, held.path, listing.name(listing.at(index))};
+    }
+};
+
+/// One thread's part.
+class RemovalCrew::Worker final
+{
+public:
+    explicit Worker(RemovalCrew &crew)
+        : m_crew(crew), m_remover(crew.m_steps, crew.m_stop), m_space(kListingSpace)
+    {
+    }
+
+    void run();
+
+private:
+    void deal(const Job &job);
+    void enter(const Job &job);
+    void share(const FolderPointer &folder);
+
+    RemovalCrew &m_crew;
+    Remover m_remover;
+    std::vector<char> m_space;
+};
+
+void RemovalCrew::Worker::run()
+{
+    Job job;
+    while (m_crew.take(job)) {
+        if (m_crew.m_stop.stop_requested())
+            job.folder->stays = true;
+        else if (job.kind == Job::Kind::Deal)
+            deal(job);
+        else
+            enter(job);
+        m_crew.release(std::move(job.folder));
+        m_crew.finishJob();
+    }
+}
+
+void RemovalCrew::Worker::deal(const Job &job)
+{
+    SharedFolder &folder = *job.folder;
+    std::vector<Job> inside;
+    for (std::size_t i = job.first; i < job.last; ++i) {
+        if (m_crew.m_stop.stop_requested()) {
+            folder.stays = true;
+            break;
+        }
+        const auto verdict =
+            m_crew.m_steps.deal(folder.spot(i), folder.listing.at(i), folder.held.care);
+        if (verdict.fate == Fate::Stays)
+            folder.stays = true;
+        else if (verdict.fate == Fate::Enter)
+            inside.push_back({Job::Kind::Enter, job.folder, i, i + 1, verdict.inside});
+    }
+    folder.openWork += inside.size();
+    m_crew.add(std::move(inside));
+}
+
+void RemovalCrew::Worker::enter(const Job &job)
+{
+    const Spot spot = job.folder->spot(job.first);
+    auto entered = m_crew.m_steps.enter(spot, m_space);
+    if (!entered) {
+        if (entered.error() == Fate::Stays)
+            job.folder->stays = true;
+        return;
+    }
+    const auto folder = std::make_shared<SharedFolder>();
+    folder->around = job.folder;
+    ++folder->around->openWork;
+    folder->indexAround = job.first;
+    folder->owned = std::move(entered->descriptor);
+    folder->held = {folder->owned.get(), spot.path() + '/', job.inside};
+    folder->stays = job.inside == Care::Judged;
+    folder->formerRights = entered->formerRights;
+    if (m_crew.m_aliveFolders++ < kMostFolders) {
+        folder->listing = std::move(entered->listing);
+        share(folder);
+    } else if (!m_remover.removeListed(folder->held, std::move(entered->listing))) {
+        folder->stays = true;
+    }
+    m_crew.release(folder);
+}
+
+/// Hands out all stretches of the folder but the first, which this thread takes at once.
+void RemovalCrew::Worker::share(const FolderPointer &folder)
+{
+    m_crew.add(m_crew.stretchesOf(folder, kStretch));
+    deal({Job::Kind::Deal, folder, 0, std::min(kStretch, folder->listing.size())});
+}
+
+RemovalCrew::RemovalCrew(const RemovalSteps &steps, std::stop_token stop, unsigned threads)
+    : m_steps(steps), m_stop(std::move(stop)), m_threads(threads)
+{
+}
+
+void RemovalCrew::removeListed(const HeldFolder &folder, FolderListing listing)
+{
+    const auto outermost = std::make_shared<SharedFolder>();
+    outermost->held = folder;
+    outermost->listing = std::move(listing);
+    add(stretchesOf(outermost, 0));
+
+    std::vector<std::jthread> helpers;
+    try {
+        while (helpers.size() + 1 < m_threads)
+            helpers.emplace_back([this] { Worker(*this).run(); });
+    } catch (const std::system_error &) {
+        // No more threads to be had: those that there are do it all.
+    }
+    Worker(*this).run();
+}
+
+/// The entries from `first` on, in jobs that each hold on to the folder.
+std::vector<RemovalCrew::Job> RemovalCrew::stretchesOf(const FolderPointer &folder,
+                                                       std::size_t first) const
+{
+    std::vector<Job> stretches;
+    for (; first < folder->listing.size(); first += kStretch) {
+        const std::size_t last = std::min(first + kStretch, folder->listing.size());
+        stretches.push_back({Job::Kind::Deal, folder, first, last});
+        ++folder->openWork;
+    }
+    return stretches;
+}
+
+bool RemovalCrew::take(Job &job)
+{
+    std::unique_lock lock(m_mutex);
+    m_changed.wait(lock, [this] { return !m_jobs.empty() || m_unfinished == 0; });
+    if (m_jobs.empty())
+        return false;
+    job = std::move(m_jobs.back());
+    m_jobs.pop_back();
+    return true;
+}
+
+/// The first of them will be the next to be taken.
+void RemovalCrew::add(std::vector<Job> jobs)
+{
+    if (jobs.empty())
+        return;
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_unfinished += jobs.size();
+        m_jobs.insert(m_jobs.end(), std::make_move_iterator(jobs.rbegin()),
+                      std::make_move_iterator(jobs.rend()));
+    }
+    m_changed.notify_all();
+}
+
+/// A job's own new jobs have been added before, so that the count reaches nought only at the end.
+void RemovalCrew::finishJob()
+{
+    const std::scoped_lock lock(m_mutex);
+    if (--m_unfinished == 0)
+        m_changed.notify_all();
+}
+
+/// Whoever drops the last hold on a folder removes it, and then perhaps the one around it.
+void RemovalCrew::release(FolderPointer folder)
+{
+    while (--folder->openWork == 0 && folder->around) {
+        const FolderPointer around = folder->around;
+        m_steps.giveBack(folder->held.descriptor, folder->formerRights);
+        folder->owned.reset();
+        --m_aliveFolders;
+        if (folder->stays || m_stop.stop_requested() ||
+            m_steps.removeFolder(around->spot(folder->indexAround)) == Fate::Stays)
+            around->stays = true;
+        folder = around;
+    }
+}

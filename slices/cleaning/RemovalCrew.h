@@ -1,0 +1,54 @@
+#pragma once
+
+#include "slices/cleaning/Remover.h"
+
+#include <atomic>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+
+/// Removes trees with several threads, for disks, which wait more than they work. The folders that
+/// are being emptied are shared out in stretches of entries; whoever finishes the last stretch of a
+/// folder removes it. Only so many folders are shared, and held open, at a time; past that, a
+/// thread empties what it finds by itself.
+class RemovalCrew final
+{
+public:
+    /// `threads` counts the caller's, which works with the others.
+    RemovalCrew(const RemovalSteps &steps, std::stop_token stop, unsigned threads);
+
+    /// Removes what the listing names in the folder, with all that it holds. Once.
+    void removeListed(const HeldFolder &folder, FolderListing listing);
+
+private:
+    struct SharedFolder;
+    using FolderPointer = std::shared_ptr<SharedFolder>;
+    /// Entries of a folder to be dealt with, or one of its folders to be entered.
+    struct Job
+    {
+        enum class Kind { Deal, Enter };
+
+        Kind kind = Kind::Deal;
+        FolderPointer folder;
+        std::size_t first = 0;
+        std::size_t last = 0;
+        Care inside = Care::Removed; ///< for a folder to enter
+    };
+    class Worker;
+
+    std::vector<Job> stretchesOf(const FolderPointer &folder, std::size_t first) const;
+    bool take(Job &job);
+    void add(std::vector<Job> jobs);
+    void finishJob();
+    void release(FolderPointer folder);
+
+    const RemovalSteps &m_steps;
+    std::stop_token m_stop;
+    unsigned m_threads;
+    std::atomic<int> m_aliveFolders = 0;
+
+    std::mutex m_mutex; ///< guards all below
+    std::condition_variable m_changed;
+    std::vector<Job> m_jobs; ///< the last is taken first, so that few folders are open at a time
+    std::size_t m_unfinished = 0;
+};

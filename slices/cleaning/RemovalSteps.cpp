@@ -1,0 +1,164 @@
+#include "slices/cleaning/RemovalSteps.h"
+
+#include <cerrno>
+
+RefusalReason refusalReason(int error)
+{
+    switch (error) {
+    case ELOOP:
+    case ENOTDIR: // a link or a file has taken its place
+        return RefusalReason::Changed;
+    case EXDEV:
+        return RefusalReason::OtherFileSystem;
+    default:
+        return RefusalReason::Unreadable;
+    }
+}
+
+RemovalSteps::Verdict RemovalSteps::deal(const Spot &spot, const FolderListing::Entry &entry,
+                                         Care care) const
+{
+    if (m_protection.keepsInode(entry.inode))
+        return {Fate::Stays};
+    const auto kind = kindOf(spot, entry);
+    if (!kind)
+        return {kind.error()};
+    if (care == Care::Judged) {
+        const Sparing sparing = m_protection.sparing(spot.path(), *kind);
+        if (sparing == Sparing::Whole)
+            return {Fate::Stays};
+        if (sparing == Sparing::OnTheWay)
+            return {Fate::Enter, Care::Judged};
+    }
+    const bool isFolder = *kind == FileKind::Folder;
+    if (care != Care::Removed && m_ledger.announce())
+        m_ledger.logRemoval(spot.path(), isFolder ? FileUrlKind::Folder : FileUrlKind::File);
+    return {isFolder ? Fate::Enter : removeFile(spot)};
+}
+
+tl::expected<EnteredFolder, RemovalSteps::Fate> RemovalSteps::enter(const Spot &spot,
+                                                                    std::span<char> space) const
+{
+    auto opened = m_calls.openFolder(spot.folder, spot.name, Descent::Strict);
+    if (!opened)
+        return tl::unexpected(refused(spot, refusalReason(opened.error()), opened.error()));
+    // What is asked of the descriptor holds, whatever happens to the name from now on.
+    const auto status = m_calls.statusOf(opened->get());
+    if (!status)
+        return tl::unexpected(refused(spot, RefusalReason::Unreadable, status.error()));
+    if (status->device != m_protection.device())
+        return tl::unexpected(refused(spot, RefusalReason::OtherFileSystem, EXDEV));
+    if (m_protection.keepsInode(status->inode))
+        return tl::unexpected(Fate::Stays);
+    auto listing = list(opened->get(), space);
+    if (!listing)
+        return tl::unexpected(refused(spot, RefusalReason::PartlyListed, listing.error()));
+    const auto formerRights = makeWritable(spot, opened->get(), *status, *listing);
+    return EnteredFolder{std::move(*opened), status->inode, std::move(*listing), formerRights};
+}
+
+/// By the descriptor: the name may stand for another folder by now. Where it is refused, the
+/// removals inside fail and say so.
+std::optional<std::uint16_t> RemovalSteps::makeWritable(const Spot &spot, int folder,
+                                                        const FileStatus &status,
+                                                        const FolderListing &listing) const
+{
+    constexpr unsigned kAllOfTheOwners = 0700;
+    if (m_protection.readOnlyFolders() == ReadOnlyFolders::Stay ||
+        !isOwnAndReadOnly(status, m_calls.actingUser()) || !mayMakeWritable(spot, status, listing))
+        return std::nullopt;
+    const auto changed = m_calls.setPermissions(
+        folder, static_cast<std::uint16_t>(status.permissions | kAllOfTheOwners));
+    return changed ? std::optional(status.permissions) : std::nullopt;
+}
+
+/// A folder on the way to what is kept stays, and so do its rights. And one that has left its place
+/// since it was opened was put back by the user: it is none of ours any more.
+bool RemovalSteps::mayMakeWritable(const Spot &spot, const FileStatus &status,
+                                   const FolderListing &listing) const
+{
+    if (m_protection.isTouched() &&
+        m_protection.sparing(spot.path(), FileKind::Folder) != Sparing::None)
+        return false;
+    for (std::size_t i = 0; i < listing.size(); ++i) {
+        if (m_protection.keepsInode(listing.at(i).inode))
+            return false;
+    }
+    const auto found = m_calls.status(spot.folder, spot.name);
+    return found && found->device == status.device && found->inode == status.inode;
+}
+
+void RemovalSteps::giveBack(int folder, std::optional<std::uint16_t> formerRights) const
+{
+    if (formerRights)
+        m_calls.setPermissions(folder, *formerRights);
+}
+
+SystemResult<FolderListing> RemovalSteps::list(int folder, std::span<char> space) const
+{
+    auto listing = FolderListing::ofFolder(m_calls, folder, space);
+    if (listing && m_order == EntryOrder::ByInode)
+        listing->sortByInode();
+    return listing;
+}
+
+SystemResult<FileDescriptor> RemovalSteps::back(int folder, std::uint64_t inode) const
+{
+    auto parent = m_calls.openParent(folder);
+    if (!parent)
+        return parent;
+    const auto status = m_calls.statusOf(parent->get());
+    if (!status)
+        return tl::unexpected(status.error());
+    if (status->device != m_protection.device() || status->inode != inode)
+        return tl::unexpected(ESTALE);
+    return parent;
+}
+
+RemovalSteps::Fate RemovalSteps::removeFile(const Spot &spot) const
+{
+    return settled(m_calls.removeFile(spot.folder, spot.name), spot);
+}
+
+RemovalSteps::Fate RemovalSteps::removeFolder(const Spot &spot) const
+{
+    return settled(m_calls.removeFolder(spot.folder, spot.name), spot);
+}
+
+void RemovalSteps::abandon(const QByteArray &path, int error) const
+{
+    m_ledger.refused(path, RefusalReason::Changed, error);
+}
+
+RemovalSteps::Fate RemovalSteps::settled(const SystemResult<void> &answer, const Spot &spot) const
+{
+    if (answer) {
+        m_ledger.removed();
+        return Fate::Gone;
+    }
+    if (answer.error() == ENOENT)
+        return Fate::Gone;
+    m_ledger.failed(spot.path(), answer.error());
+    return Fate::Stays;
+}
+
+RemovalSteps::Fate RemovalSteps::refused(const Spot &spot, RefusalReason reason, int error) const
+{
+    if (error == ENOENT)
+        return Fate::Gone;
+    m_ledger.refused(spot.path(), reason, error);
+    return Fate::Stays;
+}
+
+tl::expected<FileKind, RemovalSteps::Fate>
+RemovalSteps::kindOf(const Spot &spot, const FolderListing::Entry &entry) const
+{
+    if (entry.kind != FileKind::Unknown)
+        return entry.kind;
+    const auto status = m_calls.status(spot.folder, spot.name);
+    if (!status)
+        return tl::unexpected(refused(spot, RefusalReason::Unreadable, status.error()));
+    if (m_protection.keepsInode(status->inode))
+        return tl::unexpected(Fate::Stays);
+    return status->kind;
+}

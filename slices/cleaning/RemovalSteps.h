@@ -1,0 +1,103 @@
+#pragma once
+
+#include "platform/files/FolderListing.h"
+#include "slices/cleaning/CleaningLedger.h"
+#include "slices/cleaning/Protection.h"
+
+#include <optional>
+
+/// What happens to the entries of a folder that is being emptied.
+enum class Care {
+    Removed, ///< all go; nothing that is kept lies below by its path
+    Logged,  ///< the same, with a log line each
+    Judged,  ///< each is judged by its path, and those that go are logged
+};
+
+/// An entry of an open folder.
+struct Spot
+{
+    int folder;
+    const QByteArray &folderPath; ///< raw, with a trailing slash; for reports and judgements only
+    const char *name;
+
+    QByteArray path() const { return folderPath + name; }
+};
+
+/// In which order a folder's entries are dealt with.
+enum class EntryOrder { AsListed, ByInode };
+
+/// A folder that was opened, found to be what it should be, and listed to its end.
+struct EnteredFolder
+{
+    FileDescriptor descriptor;
+    std::uint64_t inode = 0;
+    FolderListing listing;
+    /// What it had before it was given the right to be emptied; nothing where nothing was changed.
+    std::optional<std::uint16_t> formerRights;
+};
+
+/// The single steps of a removal, and the only place in the program that unlinks. Every step works
+/// on an open folder and one name in it, and reports for itself what it could not do. Shared by the
+/// threads of a cleaning.
+class RemovalSteps final
+{
+public:
+    RemovalSteps(const SystemCalls &calls, const Protection &protection, CleaningLedger &ledger,
+                 EntryOrder order)
+        : m_calls(calls), m_protection(protection), m_ledger(ledger), m_order(order)
+    {
+    }
+
+    enum class Fate {
+        Gone,
+        Stays,
+        Enter, ///< a folder whose entries have to go first
+    };
+    struct Verdict
+    {
+        Fate fate = Fate::Stays;
+        Care inside = Care::Removed; ///< for a folder to enter
+    };
+
+    /// Deals with an entry as it was listed: removes what is no folder, unless it is kept.
+    Verdict deal(const Spot &spot, const FolderListing::Entry &entry, Care care) const;
+
+    /// Opens a folder that deal() sent us into; Gone or Stays where it cannot be entered. `space`
+    /// is the calling thread's own.
+    tl::expected<EnteredFolder, Fate> enter(const Spot &spot, std::span<char> space) const;
+
+    /// Lists a folder to its end, in the order of this cleaning.
+    SystemResult<FolderListing> list(int folder, std::span<char> space) const;
+
+    /// Opens the folder around an open one, which must have this inode number.
+    SystemResult<FileDescriptor> back(int folder, std::uint64_t inode) const;
+
+    /// Gives a folder back the rights that enter() took; before it is removed, for somebody may
+    /// have put it elsewhere meanwhile, and also where something stays in it.
+    void giveBack(int folder, std::optional<std::uint16_t> formerRights) const;
+
+    /// Removes a folder that should be empty by now.
+    Fate removeFolder(const Spot &spot) const;
+
+    /// Reports a folder that was entered but cannot be found back to, with all that is left in it.
+    void abandon(const QByteArray &path, int error) const;
+
+private:
+    std::optional<std::uint16_t> makeWritable(const Spot &spot, int folder,
+                                              const FileStatus &status,
+                                              const FolderListing &listing) const;
+    bool mayMakeWritable(const Spot &spot, const FileStatus &status,
+                         const FolderListing &listing) const;
+    Fate removeFile(const Spot &spot) const;
+    Fate settled(const SystemResult<void> &answer, const Spot &spot) const;
+    Fate refused(const Spot &spot, RefusalReason reason, int error) const;
+    tl::expected<FileKind, Fate> kindOf(const Spot &spot, const FolderListing::Entry &entry) const;
+
+    const SystemCalls &m_calls;
+    const Protection &m_protection;
+    CleaningLedger &m_ledger;
+    EntryOrder m_order;
+};
+
+/// What the errno of opening a folder says that was a folder when it was found.
+RefusalReason refusalReason(int error);

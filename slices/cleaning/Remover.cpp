@@ -1,0 +1,132 @@
+#include "slices/cleaning/Remover.h"
+
+namespace {
+
+using Fate = RemovalSteps::Fate;
+
+/// So few that two removers, the standard streams and the anchors fit into 64 descriptors.
+constexpr std::size_t kOpenLevels = 12;
+
+} // namespace
+
+Remover::Remover(const RemovalSteps &steps, std::stop_token stop)
+    : m_steps(steps), m_stop(std::move(stop)), m_space(kListingSpace)
+{
+}
+
+bool Remover::removeListed(const HeldFolder &folder, FolderListing listing)
+{
+    m_startDescriptor = folder.descriptor;
+    m_path = folder.path;
+    m_firstOpen = 1;
+    m_levels.clear();
+    m_levels.push_back({{}, 0, std::move(listing), 0, m_path.size(), folder.care, false, {}});
+    const auto isDone = [this] {
+        return m_levels.size() == 1 && m_levels.front().next == m_levels.front().listing.size();
+    };
+    while (!isDone()) {
+        if (m_stop.stop_requested())
+            break;
+        step();
+    }
+    leaveAll();
+    const bool isAllGone = isDone() && !m_levels.front().stays;
+    m_levels.clear();
+    return isAllGone;
+}
+
+void Remover::step()
+{
+    Level &level = m_levels.back();
+    if (level.next == level.listing.size()) {
+        leave();
+        return;
+    }
+    const std::size_t index = level.next++;
+    const Spot spot = spotIn(level, index);
+    const RemovalSteps::Verdict verdict = m_steps.deal(spot, level.listing.at(index), level.care);
+    if (verdict.fate == Fate::Stays)
+        level.stays = true;
+    else if (verdict.fate == Fate::Enter)
+        enter(spot, verdict.inside);
+}
+
+void Remover::enter(const Spot &spot, Care care)
+{
+    auto entered = m_steps.enter(spot, m_space);
+    if (!entered) {
+        if (entered.error() == Fate::Stays)
+            m_levels.back().stays = true;
+        return;
+    }
+    m_path += spot.name;
+    m_path += '/';
+    const bool isOnTheWay = care == Care::Judged;
+    m_levels.push_back({std::move(entered->descriptor), entered->inode, std::move(entered->listing),
+                        0, m_path.size(), care, isOnTheWay, entered->formerRights});
+    closeOuterLevel();
+}
+
+void Remover::leave()
+{
+    Level inner = std::move(m_levels.back());
+    m_levels.pop_back();
+    Level &outer = m_levels.back();
+    m_path.truncate(outer.pathSize);
+    m_steps.giveBack(inner.descriptor.get(), inner.formerRights);
+    if (!reopen(outer, inner))
+        return;
+    inner.descriptor.reset();
+    if (inner.stays || m_steps.removeFolder(spotIn(outer, outer.next - 1)) == Fate::Stays)
+        outer.stays = true;
+}
+
+/// The cleaning was stopped, or is at its end anyway.
+void Remover::leaveAll()
+{
+    while (m_levels.size() > 1) {
+        m_levels.back().stays = true;
+        leave();
+    }
+}
+
+bool Remover::reopen(Level &level, const Level &inner)
+{
+    const std::size_t index = m_levels.size() - 1;
+    if (index == 0 || level.descriptor.isValid())
+        return true;
+    auto descriptor = m_steps.back(inner.descriptor.get(), level.inode);
+    if (!descriptor) {
+        abandonClosedLevels(descriptor.error());
+        return false;
+    }
+    level.descriptor = std::move(*descriptor);
+    m_firstOpen = index;
+    return true;
+}
+
+/// All levels but the outermost are closed, and the way back to them is lost.
+void Remover::abandonClosedLevels(int error)
+{
+    m_steps.abandon(m_path.first(m_levels[1].pathSize - 1), error);
+    m_levels.resize(1);
+    m_levels.front().stays = true;
+    m_path.truncate(m_levels.front().pathSize);
+    m_firstOpen = 1;
+}
+
+void Remover::closeOuterLevel()
+{
+    if (m_levels.size() - m_firstOpen > kOpenLevels)
+        m_levels[m_firstOpen++].descriptor.reset();
+}
+
+int Remover::descriptorOf(const Level &level) const
+{
+    return &level == &m_levels.front() ? m_startDescriptor : level.descriptor.get();
+}
+
+Spot Remover::spotIn(const Level &level, std::size_t index) const
+{
+    return {descriptorOf(level), m_path, level.listing.name(level.listing.at(index))};
+}

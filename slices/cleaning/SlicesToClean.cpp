@@ -1,0 +1,81 @@
+#include "slices/cleaning/SlicesToClean.h"
+
+#include "slices/home/ProgramsInUse.h"
+#include "slices/record/Info.h"
+
+namespace {
+
+CleaningMode modeOf(const QString &slice)
+{
+    const std::optional<SliceKind> kind = sliceKindNamed(slice);
+    const bool areFiles = kind && sliceCatalogue()[indexOf(*kind)].content == SliceContent::Files;
+    return areFiles ? CleaningMode::TheVeryFiles : CleaningMode::ContentsOfFolders;
+}
+
+/// What is in the freedesktop places of single files is written by the programs as plain files; the
+/// fixed layout says nothing of the kind, and large files may be packages.
+WhatGoes whatGoesOf(const HomeLayout &layout, const QString &slice)
+{
+    const bool isBrowserData = sliceKindNamed(slice) == SliceKind::BrowserData;
+    return layout.kind() == HomeKind::Freedesktop && isBrowserData ? WhatGoes::RegularFiles
+                                                                   : WhatGoes::Everything;
+}
+
+/// "…/Trash/directorysizes" for "…/Trash/files"; nothing for the other folders.
+std::optional<FileUrl> folderSizeBook(const FileUrl &location)
+{
+    const QByteArray path = location.path();
+    if (!path.endsWith("/files"))
+        return std::nullopt;
+    return FileUrl::fromPath(path.first(path.lastIndexOf('/')) + "/directorysizes",
+                             FileUrlKind::File);
+}
+
+/// One folder of the trash, for each has a rule of its own.
+QList<SliceToClean> trashToClean(const QString &name, const FileUrl &location)
+{
+    const bool holdsRecords = location.path().endsWith("/info");
+    const SliceToClean folder{.name = name,
+                              .fileURLs = {location},
+                              .readOnlyFolders = ReadOnlyFolders::Emptied,
+                              .whatGoes =
+                                  holdsRecords ? WhatGoes::LoneRecords : WhatGoes::Everything};
+    const std::optional<FileUrl> book = folderSizeBook(location);
+    if (!book)
+        return {folder};
+    return {{.name = name,
+             .fileURLs = {*book},
+             .mode = CleaningMode::TheVeryFiles,
+             .whatGoes = WhatGoes::RegularFiles,
+             .onlyWith = location},
+            folder};
+}
+
+/// All of a slice but the trash.
+SliceToClean placesToClean(const HomeLayout &layout, const Info &record, const FileUrls &locations)
+{
+    return {.name = record.name(),
+            .fileURLs = locations,
+            .mode = modeOf(record.name()),
+            .whatGoes = whatGoesOf(layout, record.name()),
+            .kept = record.kept(),
+            .programPlaces = programPlaces(layout, locations)};
+}
+
+} // namespace
+
+QList<SliceToClean> slicesToClean(const HomeLayout &layout,
+                                  const std::vector<std::shared_ptr<Info>> &chosen)
+{
+    QList<SliceToClean> slices;
+    for (const auto &record : chosen) {
+        const FileUrls locations = record->fileURLs().value_or(FileUrls());
+        if (!locations.isEmpty() && layout.isInTrash(locations.constFirst())) {
+            for (const FileUrl &location : locations)
+                slices += trashToClean(record->name(), location);
+        } else {
+            slices.append(placesToClean(layout, *record, locations));
+        }
+    }
+    return slices;
+}

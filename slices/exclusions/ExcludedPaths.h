@@ -1,0 +1,81 @@
+#pragma once
+
+#include "platform/files/FileUrl.h"
+
+#include <QStringList>
+#include <vector>
+
+/// How much of a file or folder an exclusion keeps.
+enum class Sparing {
+    None,
+    OnTheWay, ///< it stays, but what else it holds may go
+    Whole,    ///< it stays with all that it holds
+};
+
+/// A sorted set of byte strings that answers in logarithmic time which of them begin another one.
+class PrefixSet final
+{
+public:
+    PrefixSet() = default;
+    explicit PrefixSet(std::vector<QByteArray> texts);
+    PrefixSet with(const QByteArray &text) const;
+
+    /// Whole when a member begins the text (or equals it), OnTheWay when the text begins a member.
+    Sparing sparing(const QByteArray &text) const;
+
+private:
+    std::vector<QByteArray> m_all;
+    std::vector<QByteArray> m_shortest; ///< without those that another member begins
+};
+
+/// The files and folders that the user excluded from cleaning, as the settings keep them. A value;
+/// any thread. Matching is done on raw bytes, never on decoded text: decoding would turn a name
+/// that is no UTF-8 into another file's name.
+class ExcludedPaths final
+{
+public:
+    ExcludedPaths() = default;
+
+    /// Takes the strings stored under VNTExcludedPathsString, in their order.
+    static ExcludedPaths fromStoredStrings(const QStringList &strings);
+
+    /// One more, which was found out.
+    void add(const FileUrl &url);
+
+    /// Those that could be read, in stored order, duplicates kept.
+    const FileUrls &urls() const { return m_urls; }
+    /// Those that could not. While there are any, nobody knows what the user wants kept: whoever
+    /// removes files must not start.
+    const QStringList &unparsable() const { return m_unparsable; }
+    bool isEmpty() const { return m_urls.isEmpty() && m_unparsable.isEmpty(); }
+
+    /// Whether each of these places is excluded by its very path, no parent or prefix counts; no
+    /// for no places. Writes a log line for each match. The caller holds the access.
+    bool containsExcludedFile(const FileUrls &urls) const;
+
+    /// Whether some excluded path contains this place's path anywhere within: such a place is
+    /// cleaned item by item.
+    bool touches(const FileUrl &location) const;
+
+    /// The rule on URL texts: whole when an exclusion's text is contained in the candidate's, on
+    /// the way when it is the other way round. A folder's text ends in a slash, so that an excluded
+    /// file "…/ab" also keeps "…/abc", while an excluded folder "…/ab/" does not.
+    ///
+    /// `path` is the candidate's raw path, with a trailing slash for a folder. All texts begin with
+    /// "file:///" and hold three slashes in a row nowhere else, and percent-encoding is a prefix
+    /// code, so that "contains" is "begins with" and may be asked of the raw bytes.
+    Sparing sparingByText(const QByteArray &path) const { return m_texts.sparing(path); }
+
+    /// The rule on whole path components: whole at and below an exclusion, on the way above one.
+    /// `path` is the candidate's raw path, with a trailing slash whatever it is.
+    Sparing sparingByPath(const QByteArray &path) const { return m_paths.sparing(path); }
+
+    /// Whether any of both rules keeps the candidate.
+    bool spares(const FileUrl &candidate) const;
+
+private:
+    FileUrls m_urls;
+    QStringList m_unparsable;
+    PrefixSet m_texts; ///< raw paths, folders' with their trailing slash
+    PrefixSet m_paths; ///< raw paths, all with a trailing slash
+};

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "platform/files/FileAccess.h"
+#include "platform/system/SystemCalls.h"
+#include "slices/exclusions/ExcludedPaths.h"
+
+#include <vector>
+
+/// The excluded files and folders as the file system knows them. An exclusion keeps what it leads
+/// to, also where its path goes through a link (a home that was moved, a granted home behind one)
+/// or another mount. A value; any thread.
+struct ResolvedExclusions
+{
+    /// One that could not be found.
+    struct Lost
+    {
+        QByteArray path;
+        int error = 0; ///< errno
+        /// It may be anything anywhere: something is there, but could not be looked at.
+        bool isHidden = false;
+    };
+
+    /// Those given, and beside each one that leads through links its real path.
+    ExcludedPaths paths;
+    std::vector<FileIdentity> identities;
+    std::vector<Lost> lost;
+};
+
+/// Looks for every exclusion, also outside the granted folder, so it may wait for slow volumes: not
+/// for the main thread. The caller holds the access.
+ResolvedExclusions resolveExclusions(const SystemCalls &calls, const FileAccess &access,
+                                     const ExcludedPaths &excluded);

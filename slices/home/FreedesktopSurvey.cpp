@@ -1,0 +1,286 @@
+#include "slices/home/FreedesktopSurvey.h"
+
+#include "slices/home/Conversations.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+
+namespace {
+
+constexpr auto kUserDirsFile = ".config/user-dirs.dirs";
+constexpr std::size_t kLargestUserDirsFile = std::size_t{64} * 1024;
+
+constexpr auto kHomeTrash = ".local/share/Trash";
+constexpr auto kCacheHome = ".cache";
+constexpr std::array kTrashFolders{"files", "info", "expunged"};
+
+/// The folders that a freedesktop home names in the user's language, and their plain names.
+struct NamedFolder
+{
+    const char *variable;
+    const char *plainName;
+};
+constexpr NamedFolder kDownloads{"XDG_DOWNLOAD_DIR", "Downloads"};
+
+/// In the order in which large files are looked for. Without a variable a folder has just the name.
+constexpr std::array kSearched{
+    NamedFolder{"XDG_DESKTOP_DIR", "Desktop"},
+    NamedFolder{"XDG_DOCUMENTS_DIR", "Documents"},
+    kDownloads,
+    NamedFolder{"", "Dropbox"},
+    NamedFolder{"XDG_VIDEOS_DIR", "Videos"},
+    NamedFolder{"XDG_MUSIC_DIR", "Music"},
+    NamedFolder{"XDG_PICTURES_DIR", "Pictures"},
+    NamedFolder{"XDG_PUBLICSHARE_DIR", "Public"},
+    NamedFolder{"", "Sites"},
+};
+constexpr NamedFolder kTemplates{"XDG_TEMPLATES_DIR", "Templates"};
+
+constexpr std::array kUpdateFolders{"iPad", "iPod", "iPhone"};
+
+/// Where programs from a store keep what is theirs, downloads too.
+constexpr auto kSandboxes = "snap";
+
+/// Whether these logs are a repository's, such as one of the user's dot files that has its work
+/// tree elsewhere: the record of what was in it before.
+bool areOfRepository(const HomeReader &reader, const QByteArray &logs)
+{
+    const QByteArray head = logs.first(logs.lastIndexOf('/') + 1) + "HEAD";
+    return !reader.filesAmong({head}).isEmpty() || reader.linkAt(head);
+}
+
+} // namespace
+
+FreedesktopSurvey::FreedesktopSurvey(const HomeReader &reader, const HomePaths &paths, FileUrl home,
+                                     HomeEnvironment environment)
+    : m_reader(reader),
+      m_paths(paths),
+      m_home(std::move(home)),
+      m_environment(std::move(environment)),
+      m_userFolders(reader, paths),
+      m_downloads(reader, paths)
+{
+}
+
+HomeLayout::Places FreedesktopSurvey::places()
+{
+    readUserDirs();
+    m_places.trashFolder = folderUrl(QByteArray(kHomeTrash) + "/files");
+    addTrash(kHomeTrash);
+    for (const char *pattern : {".var/app/*/data/Trash", "snap/*/common/.local/share/Trash",
+                                "snap/*/@current/.local/share/Trash"}) {
+        for (const QByteArray &trash : m_reader.foldersMatching(pattern))
+            addTrash(trash);
+    }
+    if (m_reader.hasFolder(kCacheHome) && add(SliceKind::Cache, kCacheHome))
+        m_cacheHomes.append(kCacheHome);
+    for (const char *pattern : {".var/app/*/cache", "snap/*/common/.cache"})
+        addFolders(SliceKind::Cache, pattern);
+    findBrowserData();
+    addAppLogs();
+    for (const QByteArray device : kUpdateFolders) {
+        const QByteArray pattern = ".wine/drive_c/users/*/AppData/Roaming/Apple Computer/iTunes/" +
+                                   device + " Software Updates";
+        addFolders(SliceKind::OldIos, pattern.constData());
+    }
+    addMailDownloads();
+    addDownloads();
+    if (m_userDirsAreKnown) {
+        addTrashOfEnvironment();
+        addCacheOfEnvironment();
+    }
+    addPrograms();
+    addSearchFolders();
+    return std::move(m_places);
+}
+
+void FreedesktopSurvey::readUserDirs()
+{
+    const auto text = userDirsText();
+    m_userDirs = UserDirs::parse(text.value_or(QByteArray()));
+    m_userDirsAreKnown =
+        (text || text.error() == ENOENT) && !m_userDirs.isUnclearBut(kDownloads.variable);
+    const QByteArray home = m_home.path() + '/';
+    for (const NamedFolder &folder : kSearched) {
+        if (QByteArray(folder.variable) != kDownloads.variable)
+            m_userFolders.add(home + folder.plainName);
+    }
+    m_userFolders.add(home + kTemplates.plainName);
+    for (const QByteArray &path : m_userDirs.allBut(kDownloads.variable, m_home.path()))
+        m_userFolders.add(path);
+    m_downloads.add(home + kDownloads.plainName);
+    if (const auto path = m_userDirs.path(kDownloads.variable, m_home.path()))
+        addNamedDownloads(*path);
+}
+
+/// Where programs keep what is theirs, downloads are kept from being taken for it.
+void FreedesktopSurvey::addNamedDownloads(const QByteArray &path)
+{
+    const QByteArrayList places = m_paths.followed(path);
+    const bool isHidden = std::any_of(places.begin(), places.end(), hasHiddenComponent);
+    (isHidden ? m_userFolders : m_downloads).add(path);
+}
+
+/// Many people keep such files in one folder and put links in their places. A link to nothing may
+/// lead to something tomorrow.
+SystemResult<QByteArray> FreedesktopSurvey::userDirsText() const
+{
+    const QByteArrayList places = m_paths.followed(m_home.path() + '/' + kUserDirsFile);
+    if (places.isEmpty())
+        return tl::unexpected(ENOTDIR);
+    const auto text = m_reader.contentOf(places.constLast(), kLargestUserDirsFile);
+    const bool isALink = places.size() > 1;
+    return text || !isALink ? text : tl::unexpected(ELOOP);
+}
+
+void FreedesktopSurvey::addFolders(SliceKind kind, const char *pattern)
+{
+    for (const QByteArray &folder : m_reader.foldersMatching(pattern))
+        add(kind, folder);
+}
+
+void FreedesktopSurvey::addAppLogs()
+{
+    for (const char *pattern :
+         {".local/share/xorg", ".npm/_logs", ".config/*/logs", ".local/share/*/logs",
+          ".local/state/*/logs", ".var/app/*/config/*/logs"}) {
+        for (const QByteArray &folder : m_reader.foldersMatching(pattern)) {
+            if (!mayHoldConversations(folder) && !areOfRepository(m_reader, folder))
+                add(SliceKind::AppLogs, folder);
+        }
+    }
+}
+
+void FreedesktopSurvey::addTrash(const QByteArray &trash)
+{
+    for (const char *name : kTrashFolders) {
+        const QByteArray folder = trash + '/' + name;
+        if (m_reader.hasFolder(folder))
+            add(SliceKind::Trash, folder);
+    }
+}
+
+/// While nobody knows what the user keeps where, the plain name may be that of anything.
+void FreedesktopSurvey::addDownloads()
+{
+    if (!m_userDirsAreKnown)
+        return;
+    const auto folder = downloadsFolder();
+    if (folder && mayBeDownloads(*folder) && m_reader.hasFolder(*folder))
+        add(SliceKind::Downloads, *folder);
+}
+
+/// The folder that the user named. The plain name is for whoever named none below the home; it does
+/// not stand in for one that holds more than downloads.
+std::optional<QByteArray> FreedesktopSurvey::downloadsFolder() const
+{
+    const auto path = m_userDirs.path(kDownloads.variable, m_home.path());
+    if (!path || m_paths.followed(*path).isEmpty())
+        return kDownloads.plainName;
+    return m_paths.below(*path);
+}
+
+bool FreedesktopSurvey::mayBeDownloads(const QByteArray &path) const
+{
+    const bool isAPrograms =
+        KnownFolder::at(m_reader, path).isAtOrIn(KnownFolder::at(m_reader, kSandboxes));
+    return !isAPrograms && !hasHiddenComponent(path) && !m_userFolders.isAtOrAroundOne(path) &&
+           !touchesKnown(path);
+}
+
+void FreedesktopSurvey::addTrashOfEnvironment()
+{
+    const auto data = m_paths.below(m_environment.dataHome);
+    if (!data)
+        return;
+    // A folder that just happens to bear the name has no book of what was thrown away.
+    const QByteArray trash = *data + "/Trash";
+    if (!m_reader.hasFolder(trash + "/files") || !m_reader.hasFolder(trash + "/info"))
+        return;
+    if (isTheUsers(trash))
+        return;
+    addTrash(trash);
+    m_places.trashFolder = folderUrl(trash + "/files");
+}
+
+/// A cache is emptied whole, and one that a program has for itself may hold mail or maps: the place
+/// must look like one for all programs, must not lie where the user keeps his things, and must not
+/// hold any of those.
+void FreedesktopSurvey::addCacheOfEnvironment()
+{
+    const auto cache = m_paths.below(m_environment.cacheHome);
+    if (cache && isCacheOfAllPrograms(*cache) && !isTheUsers(*cache) &&
+        m_reader.hasFolder(*cache) && add(SliceKind::Cache, *cache))
+        m_cacheHomes.append(*cache);
+}
+
+/// It is called just that, and does not lie where some program keeps its own; or the fonts of the
+/// desktop are cached in it, as is done for all programs alike.
+bool FreedesktopSurvey::isCacheOfAllPrograms(const QByteArray &path) const
+{
+    const qsizetype slash = path.lastIndexOf('/');
+    const QByteArray name = path.sliced(slash + 1);
+    const QByteArray around = path.first(std::max<qsizetype>(slash, 0));
+    if (isAtOrInside(path, kSandboxes))
+        return false;
+    if (!m_reader.filesAmong({path + "/fontconfig/CACHEDIR.TAG"}).isEmpty())
+        return name.toLower().contains("cache");
+    const bool isAPrograms = hasHiddenComponent(around) && around != ".local";
+    return !isAPrograms && (name == "cache" || name == ".cache");
+}
+
+/// None twice and none inside another, or its files would be listed twice.
+void FreedesktopSurvey::addSearchFolders()
+{
+    std::vector<KnownFolder> folders;
+    for (const NamedFolder &folder : kSearched) {
+        const auto wanted =
+            KnownFolder::at(m_reader, named(folder.variable).value_or(folder.plainName));
+        const auto isThere = [&](const KnownFolder &other) { return wanted.isAtOrIn(other); };
+        if (std::ranges::any_of(folders, isThere))
+            continue;
+        std::erase_if(folders, [&](const KnownFolder &other) { return other.isAtOrIn(wanted); });
+        folders.push_back(wanted);
+    }
+    for (const KnownFolder &folder : folders)
+        m_places.searchFolders.append(folderUrl(folder.path));
+}
+
+/// The folder that the file names, if it is one for a user's own files.
+std::optional<QByteArray> FreedesktopSurvey::named(const char *variable) const
+{
+    const auto path = m_userDirs.path(variable, m_home.path());
+    const auto folder = path ? m_paths.below(*path) : std::nullopt;
+    return folder && !hasHiddenComponent(*folder) ? folder : std::nullopt;
+}
+
+bool FreedesktopSurvey::add(SliceKind kind, const QByteArray &path)
+{
+    if (touchesKnown(path) || m_userFolders.isAtOrAroundOne(path))
+        return false;
+    m_known.push_back(KnownFolder::at(m_reader, path));
+    m_places.locations[indexOf(kind)].append(folderUrl(path));
+    return true;
+}
+
+/// Whether the place is one of the locations, or lies in or around one.
+bool FreedesktopSurvey::touchesKnown(const QByteArray &path) const
+{
+    const KnownFolder folder = KnownFolder::at(m_reader, path);
+    return std::ranges::any_of(m_known, [&](const KnownFolder &known) {
+        return folder.isAtOrIn(known) || known.isAtOrIn(folder);
+    });
+}
+
+/// Whether the place holds something of the user's, or is held by it.
+bool FreedesktopSurvey::isTheUsers(const QByteArray &path) const
+{
+    return m_userFolders.isAtOrAroundOne(path) || m_userFolders.isAtOrInOne(path) ||
+           m_downloads.isAtOrAroundOne(path) || m_downloads.isAtOrInOne(path);
+}
+
+FileUrl FreedesktopSurvey::folderUrl(const QByteArray &path) const
+{
+    return m_home.appending(path, FileUrlKind::Folder);
+}

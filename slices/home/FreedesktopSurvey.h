@@ -1,0 +1,60 @@
+#pragma once
+
+#include "slices/home/FoundPrograms.h"
+#include "slices/home/HomeSurvey.h"
+#include "slices/home/UserDirs.h"
+#include "slices/home/UserFolders.h"
+
+/// Finds the places of one freedesktop home. What has a fixed name comes first; what the user's own
+/// files and the environment name may then only add what lies neither in nor around anything that
+/// is known already. One thread.
+class FreedesktopSurvey final
+{
+public:
+    /// The reader and the paths must outlive it.
+    FreedesktopSurvey(const HomeReader &reader, const HomePaths &paths, FileUrl home,
+                      HomeEnvironment environment);
+
+    HomeLayout::Places places();
+
+private:
+    void readUserDirs();
+    void addNamedDownloads(const QByteArray &path);
+    SystemResult<QByteArray> userDirsText() const;
+    void addFolders(SliceKind kind, const char *pattern);
+    void addAppLogs();
+    void addTrash(const QByteArray &trash);
+    void addDownloads();
+    std::optional<QByteArray> downloadsFolder() const;
+    void addMailDownloads();
+    void findBrowserData();
+    void addPrograms();
+    FileUrls placesOf(const FoundProgram &found) const;
+    FileUrls cachePlaces(const QByteArray &cache) const;
+    void addTrashOfEnvironment();
+    void addCacheOfEnvironment();
+    bool isCacheOfAllPrograms(const QByteArray &path) const;
+    void addSearchFolders();
+
+    bool add(SliceKind kind, const QByteArray &path);
+    bool touchesKnown(const QByteArray &path) const;
+    bool isTheUsers(const QByteArray &path) const;
+    std::optional<QByteArray> named(const char *variable) const;
+    bool mayBeDownloads(const QByteArray &path) const;
+    FileUrl folderUrl(const QByteArray &path) const;
+
+    const HomeReader &m_reader;
+    const HomePaths &m_paths;
+    const FileUrl m_home;
+    const HomeEnvironment m_environment;
+    UserDirs m_userDirs;
+    /// Whether the file was read and understood, or there is none. Otherwise nobody knows which
+    /// folder the user keeps what in.
+    bool m_userDirsAreKnown = false;
+    UserFolders m_userFolders;        ///< downloads are not among them
+    UserFolders m_downloads;          ///< where they may be
+    std::vector<KnownFolder> m_known; ///< the locations, and the profiles of browsers
+    std::vector<FoundProgram> m_found;
+    QByteArrayList m_cacheHomes; ///< the locations that hold the caches of all programs, by name
+    HomeLayout::Places m_places;
+};

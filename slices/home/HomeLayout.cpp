@@ -1,0 +1,82 @@
+#include "slices/home/HomeLayout.h"
+
+#include <QCoreApplication>
+
+namespace {
+
+QString tr(const char *text)
+{
+    return QCoreApplication::translate("HomeLayout", text);
+}
+
+} // namespace
+
+HomeLayout HomeLayout::withLibrary(const FileUrl &home)
+{
+    HomeLayout layout;
+    layout.m_kind = HomeKind::Library;
+    layout.m_home = home;
+    return layout;
+}
+
+HomeLayout HomeLayout::freedesktop(const FileUrl &home, Places places)
+{
+    HomeLayout layout;
+    layout.m_kind = HomeKind::Freedesktop;
+    layout.m_home = home;
+    layout.m_places = std::move(places);
+    return layout;
+}
+
+std::optional<FileUrls> HomeLayout::locations(SliceKind kind) const
+{
+    if (m_kind == HomeKind::Library)
+        return sliceLocations(kind, m_home);
+    if (m_kind == HomeKind::Unknown || kind == SliceKind::LargeFiles)
+        return std::nullopt;
+    return m_places.locations[indexOf(kind)];
+}
+
+QString HomeLayout::nameOfDownloads() const
+{
+    const FileUrls places = locations(SliceKind::Downloads).value_or(FileUrls());
+    if (m_kind != HomeKind::Freedesktop || places.isEmpty())
+        return {};
+    const QByteArray path = places.constFirst().path().sliced(m_home.path().size() + 1);
+    return path == "Downloads" ? QString() : QString::fromUtf8(path);
+}
+
+QString HomeLayout::details(SliceKind kind) const
+{
+    if (m_kind == HomeKind::Freedesktop) {
+        switch (kind) {
+        case SliceKind::OldIos:
+            return tr("Every single iOS update that is downloaded from iTunes is stored in the "
+                      "folder of Wine.");
+        case SliceKind::MailDownloads:
+            return tr("Attachments downloaded in Claws Mail and Sylpheed are stored in your hard "
+                      "drive when they are opened.");
+        case SliceKind::BrowserData:
+            return tr("Removes browser data from Firefox, Chrome, Chromium, Brave, Edge and "
+                      "Vivaldi such as cookie files, the history of the latter five and what was "
+                      "typed into forms.");
+        default:
+            break;
+        }
+    }
+    const QString details = QString::fromUtf16(sliceCatalogue()[indexOf(kind)].details);
+    const QString downloads = kind == SliceKind::Downloads ? nameOfDownloads() : QString();
+    return downloads.isEmpty() ? details : details + tr(" It is called “%1”.").arg(downloads);
+}
+
+FileUrl HomeLayout::trashFolder() const
+{
+    return m_kind == HomeKind::Library ? locations(SliceKind::Trash)->constLast()
+                                       : m_places.trashFolder;
+}
+
+bool HomeLayout::isInTrash(const FileUrl &location) const
+{
+    return m_kind == HomeKind::Freedesktop &&
+           m_places.locations[indexOf(SliceKind::Trash)].contains(location);
+}

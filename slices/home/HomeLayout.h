@@ -1,0 +1,89 @@
+#pragma once
+
+#include "slices/record/SliceCatalogue.h"
+
+/// The two ways in which a home folder is laid out.
+enum class HomeKind {
+    Unknown,     ///< nobody has looked yet
+    Library,     ///< the programs keep what is theirs in the folder "Library"
+    Freedesktop, ///< in hidden folders, as the freedesktop conventions have it
+};
+
+/// How a program shows that it is running, so that its files are in use.
+struct ProgramLock
+{
+    enum class Style {
+        /// A link "SingletonLock" to "host-process".
+        HostLink,
+        /// The same, made in a sandbox, whose process numbers mean nothing outside.
+        SandboxedHostLink,
+        /// A file ".parentlock" with a record lock on it, and a link "lock" to "address:+process".
+        ParentLock,
+        /// Nothing in the home; the process list alone tells.
+        ProcessName,
+    };
+
+    Style style = Style::HostLink;
+    /// The folder that holds the lock, relative to the home; the program's whole name.
+    QByteArray place;
+
+    friend bool operator==(const ProgramLock &, const ProgramLock &) = default;
+};
+
+/// Places that belong to one program, and how to see whether it is using them.
+struct ProgramFiles
+{
+    QString program; ///< for people
+    ProgramLock lock;
+    FileUrls places;
+
+    friend bool operator==(const ProgramFiles &, const ProgramFiles &) = default;
+};
+
+/// What is where in one home. A value, made when the home is looked at: a place that appears later
+/// is not in it. Says nothing of what runs at present; see ProgramsInUse.
+class HomeLayout final
+{
+public:
+    /// What was found in a freedesktop home.
+    struct Places
+    {
+        std::array<FileUrls, kSliceCount> locations; ///< in the catalogue's order
+        FileUrls searchFolders;
+        FileUrl trashFolder;
+        std::vector<ProgramFiles> programs;
+    };
+
+    /// Of a home that nobody has looked at: no slice has a place.
+    HomeLayout() = default;
+    /// The fixed layout; nothing is looked at.
+    static HomeLayout withLibrary(const FileUrl &home);
+    static HomeLayout freedesktop(const FileUrl &home, Places places);
+
+    HomeKind kind() const { return m_kind; }
+    const FileUrl &home() const { return m_home; }
+
+    /// Where the slice's content lies; nothing for large files, which the user picks, and while
+    /// nobody knows. Folders are emptied, files are removed.
+    std::optional<FileUrls> locations(SliceKind kind) const;
+    /// The slice's description, which names the programs of this kind of home.
+    QString details(SliceKind kind) const;
+    /// The folder that the slice Downloads stands for, as people read it, relative to the home;
+    /// empty where it has the slice's own name, or there is none.
+    QString nameOfDownloads() const;
+    /// The folders in which large files are looked for, none inside another. Empty for the fixed
+    /// layout, whose folders the search knows.
+    const FileUrls &searchFolders() const { return m_places.searchFolders; }
+    /// The folder that shows what is in the trash; invalid while nobody knows.
+    FileUrl trashFolder() const;
+    /// Whether this is a folder of the trash, where what the user threw away is removed though a
+    /// folder of it was made read-only.
+    bool isInTrash(const FileUrl &location) const;
+    /// Those whose places are left out while they run.
+    const std::vector<ProgramFiles> &programs() const { return m_places.programs; }
+
+private:
+    HomeKind m_kind = HomeKind::Unknown;
+    FileUrl m_home;
+    Places m_places;
+};

@@ -1,0 +1,113 @@
+#include "slices/home/HomePaths.h"
+
+namespace {
+
+/// More than people make. Texts are not to be trusted: each name costs calls to the disk.
+constexpr qsizetype kMostNames = 256;
+constexpr int kMostSteps = 100;
+
+QByteArrayList namesOf(const QByteArray &path)
+{
+    QByteArrayList names = path.split('/');
+    names.removeIf([](const QByteArray &name) { return name.isEmpty() || name == "."; });
+    return names;
+}
+
+QByteArrayList withoutLast(const QByteArrayList &names)
+{
+    return names.first(names.size() - 1);
+}
+
+/// What is left of the path behind the folder; nothing where it does not lead through it.
+std::optional<QByteArrayList> behind(const QByteArrayList &folder, const QByteArrayList &names)
+{
+    QByteArrayList way;
+    for (qsizetype i = 0; i < names.size(); ++i) {
+        if (names[i] != "..")
+            way.append(names[i]);
+        else if (!way.isEmpty())
+            way.removeLast();
+        if (way == folder)
+            return names.sliced(i + 1);
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+HomePaths::HomePaths(const HomeReader &reader, const QByteArrayList &paths) : m_reader(reader)
+{
+    for (const QByteArray &path : paths)
+        m_homes.append(namesOf(path));
+}
+
+QByteArrayList HomePaths::leadingTo(const SystemCalls &calls, const QByteArray &homePath,
+                                    const QByteArray &otherPath)
+{
+    QByteArrayList paths{homePath};
+    if (!otherPath.startsWith('/') || otherPath == homePath)
+        return paths;
+    const auto home = calls.realPath(homePath.constData());
+    const auto other = calls.realPath(otherPath.constData());
+    if (home && other && *home == *other)
+        paths.append(otherPath);
+    return paths;
+}
+
+std::optional<QByteArray> HomePaths::below(const QByteArray &path) const
+{
+    if (!path.startsWith('/') || path.contains('\0'))
+        return std::nullopt;
+    const auto names = namesBelow(namesOf(path));
+    if (!names || names->isEmpty() || names->contains(".."))
+        return std::nullopt;
+    return names->join('/');
+}
+
+QByteArrayList HomePaths::followed(const QByteArray &path) const
+{
+    QByteArrayList places;
+    if (!path.startsWith('/') || path.contains('\0'))
+        return places;
+    auto names = namesBelow(namesOf(path));
+    for (int step = 0; step < kMostSteps; ++step) {
+        if (!names || names->isEmpty() || names->size() > kMostNames)
+            break;
+        if (!names->contains(".."))
+            places.append(names->join('/'));
+        names = pastFirstLink(*names);
+    }
+    return places;
+}
+
+std::optional<QByteArrayList> HomePaths::namesBelow(const QByteArrayList &names) const
+{
+    for (const QByteArrayList &home : m_homes) {
+        if (auto below = behind(home, names))
+            return below;
+    }
+    return std::nullopt;
+}
+
+/// Also past the first ".."; nothing where there is neither, or where it leads out.
+std::optional<QByteArrayList> HomePaths::pastFirstLink(const QByteArrayList &names) const
+{
+    QByteArrayList way;
+    for (qsizetype i = 0; i < names.size(); ++i) {
+        const QByteArrayList rest = names.sliced(i + 1);
+        if (names[i] == "..")
+            return way.isEmpty() ? namesBelow(withoutLast(m_homes.constFirst()) + rest)
+                                 : withoutLast(way) + rest;
+        if (const auto target = m_reader.linkAt((way + QByteArrayList{names[i]}).join('/'))) {
+            const QByteArrayList onwards = namesOf(*target) + rest;
+            return target->startsWith('/') ? namesBelow(onwards) : way + onwards;
+        }
+        way.append(names[i]);
+    }
+    return std::nullopt;
+}
+
+bool hasHiddenComponent(const QByteArray &relativePath)
+{
+    return relativePath.startsWith('.') || relativePath.contains("/.");
+}

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "slices/home/HomeReader.h"
+
+/// What absolute paths mean in a granted home: the home may be reached by several paths, where a
+/// folder around it is a link, and paths lead on through links inside it. Where they lead out,
+/// nothing is looked at: it may be a disk that does not answer. One thread.
+class HomePaths final
+{
+public:
+    /// The paths are absolute, without "..", and all lead to the home that is read, its own first;
+    /// the reader must outlive this.
+    HomePaths(const HomeReader &reader, const QByteArrayList &paths);
+
+    /// The home's paths among these: its own, and the other where it leads to the same folder.
+    static QByteArrayList leadingTo(const SystemCalls &calls, const QByteArray &homePath,
+                                    const QByteArray &otherPath);
+
+    /// Relative to the home, without "." and the like; nothing for a path that is not strictly
+    /// below the home, or that goes through "..". Compares bytes and looks at no disk.
+    std::optional<QByteArray> below(const QByteArray &path) const;
+
+    /// Every place below the home for which the path stands: first as it is written, then past one
+    /// link after another; none of them need be there. Ends at a link that leads out of the home,
+    /// and after many; empty where the path never enters the home, or is absurdly deep.
+    QByteArrayList followed(const QByteArray &path) const;
+
+private:
+    std::optional<QByteArrayList> namesBelow(const QByteArrayList &names) const;
+    std::optional<QByteArrayList> pastFirstLink(const QByteArrayList &names) const;
+
+    const HomeReader &m_reader;
+    QList<QByteArrayList> m_homes; ///< by the names on the way
+};
+
+/// Whether a name on the path is hidden.
+bool hasHiddenComponent(const QByteArray &relativePath);

@@ -1,0 +1,46 @@
+#include "slices/home/HomeSurvey.h"
+
+#include "platform/system/SystemHomes.h"
+#include "slices/home/FreedesktopSurvey.h"
+
+#include <cerrno>
+
+HomeEnvironment HomeEnvironment::ofThisProcess()
+{
+    return {qgetenv("XDG_DATA_HOME"), qgetenv("XDG_CACHE_HOME"), qgetenv("HOME")};
+}
+
+namespace {
+
+HomeKind kindOf(const SystemCalls &calls, const std::optional<AnchoredPath> &home)
+{
+    if (homesHaveALibrary() || !home || !home->anchor)
+        return HomeKind::Library;
+    const auto status = calls.status(home->anchor->get(), "Library");
+    if (!status)
+        return status.error() == ENOENT ? HomeKind::Freedesktop : HomeKind::Unknown;
+    return status->kind == FileKind::Folder ? HomeKind::Library : HomeKind::Freedesktop;
+}
+
+} // namespace
+
+HomeKind homeKind(const SystemCalls &calls, const FileAccess &access, const FileUrl &home)
+{
+    return kindOf(calls, access.anchoredPath(home));
+}
+
+/// The access is asked once: it may be gone, or lead elsewhere, the next time.
+HomeLayout surveyHome(const SystemCalls &calls, const FileAccess &access, const FileUrl &home,
+                      const HomeEnvironment &environment, const std::stop_token &stop)
+{
+    const std::optional<AnchoredPath> place = access.anchoredPath(home);
+    const HomeKind kind = kindOf(calls, place);
+    if (kind == HomeKind::Unknown)
+        return {};
+    if (kind == HomeKind::Library)
+        return HomeLayout::withLibrary(home);
+    const HomeReader reader(calls, place->anchor, stop);
+    const HomePaths paths(reader, HomePaths::leadingTo(calls, home.path(), environment.home));
+    HomeLayout::Places places = FreedesktopSurvey(reader, paths, home, environment).places();
+    return stop.stop_requested() ? HomeLayout() : HomeLayout::freedesktop(home, std::move(places));
+}

@@ -1,0 +1,233 @@
+#include "slices/home/ProgramsInUse.h"
+
+#include "platform/files/AnchoredFolder.h"
+#include "slices/home/KnownFolder.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <iterator>
+
+namespace {
+
+using Style = ProgramLock::Style;
+
+/// The process list cuts the names of processes, though not those of their files.
+constexpr qsizetype kLongestProcessName = 15;
+
+enum class Answer { Running, NotRunning };
+
+/// What an error says of a lock: it is not there, or it cannot be told.
+Answer answerTo(int error)
+{
+    return error == ENOENT ? Answer::NotRunning : Answer::Running;
+}
+
+Answer answerFor(bool isRunning)
+{
+    return isRunning ? Answer::Running : Answer::NotRunning;
+}
+
+/// "host-process": the process means something on that host alone, and in a sandbox nothing.
+Answer judgedHostLink(const SystemCalls &calls, const QByteArray &text, Style style)
+{
+    const qsizetype dash = text.lastIndexOf('-');
+    bool isNumber = false;
+    const qint64 process = text.sliced(dash + 1).toLongLong(&isNumber);
+    if (style == Style::SandboxedHostLink || dash < 0 || !isNumber || process <= 0 ||
+        text.first(dash) != calls.hostName())
+        return Answer::Running;
+    return answerFor(calls.isRunning(process));
+}
+
+/// What the file with the record lock says. A lock that cannot be told is held.
+enum class RecordLock { NoFile, Free, Held };
+
+/// "address:+process". The plus says that the program had the record lock, which the system takes
+/// back when it ends: where the lock is free, a crash left the link, and the number, which may be
+/// that of a sandbox, is any other process's. Without the plus the program had no such lock, for
+/// want of a file system that gives one; such a home may be in use from another machine.
+Answer judgedAddressLink(const SystemCalls &calls, const QByteArray &text, RecordLock lock)
+{
+    const qsizetype mark = text.lastIndexOf(":+");
+    bool isNumber = false;
+    const qint64 process = mark < 0 ? 0 : text.sliced(mark + 2).toLongLong(&isNumber);
+    if (!isNumber || process <= 0)
+        return Answer::Running;
+    return answerFor(lock == RecordLock::NoFile && calls.isRunning(process));
+}
+
+Answer askHostLink(const SystemCalls &calls, int folder, Style style)
+{
+    const auto text = calls.readLink(folder, "SingletonLock");
+    return text ? judgedHostLink(calls, *text, style) : answerTo(text.error());
+}
+
+RecordLock recordLock(const SystemCalls &calls, int folder)
+{
+    const auto file = calls.openFile(folder, ".parentlock");
+    if (!file)
+        return file.error() == ENOENT ? RecordLock::NoFile : RecordLock::Held;
+    return calls.isLocked(file->get()).value_or(true) ? RecordLock::Held : RecordLock::Free;
+}
+
+Answer askParentLock(const SystemCalls &calls, int folder)
+{
+    // The link first: a program that is being started makes it when it has the lock.
+    const auto text = calls.readLink(folder, "lock");
+    const RecordLock lock = recordLock(calls, folder);
+    if (lock == RecordLock::Held)
+        return Answer::Running;
+    return text ? judgedAddressLink(calls, *text, lock) : answerTo(text.error());
+}
+
+/// Asks each program, but for the list of all processes only once.
+class Inquiry final
+{
+public:
+    Inquiry(const SystemCalls &calls, const AnchoredPath &home) : m_calls(calls), m_home(home) {}
+
+    bool isRunning(const ProgramLock &lock)
+    {
+        return (lock.style == Style::ProcessName ? askProcesses(lock.place) : askLock(lock)) ==
+               Answer::Running;
+    }
+
+private:
+    Answer askProcesses(const QByteArray &name)
+    {
+        if (!m_names)
+            m_names = m_calls.programNames();
+        return answerFor(!*m_names || m_names->value().contains(name) ||
+                         m_names->value().contains(name.left(kLongestProcessName)));
+    }
+    Answer askLock(const ProgramLock &lock) const
+    {
+        const auto folder = openAnchored(m_calls, {m_home.anchor, lock.place}, Descent::Strict);
+        if (!folder)
+            return answerTo(folder.error());
+        return lock.style == Style::ParentLock ? askParentLock(m_calls, folder->get())
+                                               : askHostLink(m_calls, folder->get(), lock.style);
+    }
+
+    const SystemCalls &m_calls;
+    const AnchoredPath &m_home;
+    std::optional<SystemResult<QByteArrayList>> m_names;
+};
+
+bool isAtOrInsideOne(const FileUrl &place, const FileUrls &locations)
+{
+    return std::any_of(locations.begin(), locations.end(), [&](const FileUrl &location) {
+        return isAtOrInside(place.path(), location.path());
+    });
+}
+
+/// Those of the places that are one of the locations or lie inside one.
+FileUrls among(const FileUrls &places, const FileUrls &locations)
+{
+    FileUrls found;
+    std::copy_if(places.begin(), places.end(), std::back_inserter(found),
+                 [&](const FileUrl &place) { return isAtOrInsideOne(place, locations); });
+    return found;
+}
+
+bool isInsideOne(const FileUrl &place, const FileUrls &places)
+{
+    return std::any_of(places.begin(), places.end(), [&](const FileUrl &around) {
+        return place != around && isAtOrInside(place.path(), around.path());
+    });
+}
+
+/// Several profiles of a program have one cache, and programs of one maker a common one.
+FileUrls outermost(const FileUrls &places)
+{
+    FileUrls found;
+    for (const FileUrl &place : places) {
+        if (!found.contains(place) && !isInsideOne(place, places))
+            found.append(place);
+    }
+    return found;
+}
+
+/// In doubt something is.
+bool isThere(const SystemCalls &calls, const FileAccess &access, const FileUrl &place)
+{
+    const auto path = access.anchoredPath(place);
+    const auto status = path ? statusAnchored(calls, *path) : tl::unexpected(ENOENT);
+    return status || status.error() != ENOENT;
+}
+
+} // namespace
+
+FileUrls programPlaces(const HomeLayout &layout, const FileUrls &locations)
+{
+    FileUrls found;
+    for (const ProgramFiles &program : layout.programs()) {
+        for (const FileUrl &place : among(program.places, locations)) {
+            if (!found.contains(place))
+                found.append(place);
+        }
+    }
+    return found;
+}
+
+FileUrls placesInUse(const SystemCalls &calls, const AnchoredPath &anchor, const HomeLayout &layout,
+                     const FileUrl &location)
+{
+    Inquiry inquiry(calls, anchor);
+    FileUrls found;
+    for (const ProgramFiles &program : layout.programs()) {
+        const FileUrls places = among(program.places, {location});
+        if (!places.isEmpty() && inquiry.isRunning(program.lock))
+            found += places;
+    }
+    return outermost(found);
+}
+
+ProgramsInUse ProgramsInUse::find(const SystemCalls &calls, const FileAccess &access,
+                                  const HomeLayout &layout)
+{
+    ProgramsInUse found;
+    const auto home = access.anchoredPath(layout.home());
+    if (!home || !home->anchor)
+        return found; // nothing can be cleaned there either
+    Inquiry inquiry(calls, *home);
+    for (const ProgramFiles &program : layout.programs()) {
+        ProgramFiles running = program;
+        running.places.removeIf(
+            [&](const FileUrl &place) { return !isThere(calls, access, place); });
+        if (!running.places.isEmpty() && inquiry.isRunning(program.lock))
+            found.m_programs.append(running);
+    }
+    return found;
+}
+
+FileUrls ProgramsInUse::without(const FileUrls &locations) const
+{
+    FileUrls rest = locations;
+    rest.removeIf([this](const FileUrl &location) {
+        return std::any_of(m_programs.begin(), m_programs.end(), [&](const ProgramFiles &program) {
+            return program.places.contains(location);
+        });
+    });
+    return rest;
+}
+
+FileUrls ProgramsInUse::keptInside(const FileUrls &locations) const
+{
+    FileUrls kept;
+    for (const ProgramFiles &program : m_programs)
+        kept += among(program.places, locations);
+    kept.removeIf([&](const FileUrl &place) { return locations.contains(place); });
+    return outermost(kept);
+}
+
+QStringList ProgramsInUse::programs(const FileUrls &locations) const
+{
+    QStringList names;
+    for (const ProgramFiles &program : m_programs) {
+        if (!among(program.places, locations).isEmpty())
+            names.append(program.program);
+    }
+    names.removeDuplicates();
+    return names;
+}

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "platform/files/FileAccess.h"
+#include "platform/system/SystemCalls.h"
+#include "slices/home/HomeLayout.h"
+
+#include <QStringList>
+
+/// The places at and inside these locations that programs of the layout may use, each once. Some
+/// may lie in others, and they need not be there.
+FileUrls programPlaces(const HomeLayout &layout, const FileUrls &locations);
+
+/// The places at and inside this location whose programs run at this very moment, as their locks
+/// tell below the home, which `anchor` holds open, and the process list. None lies in another, and
+/// they need not be there. Not for the main thread.
+FileUrls placesInUse(const SystemCalls &calls, const AnchoredPath &anchor, const HomeLayout &layout,
+                     const FileUrl &location);
+
+/// The programs of a layout that were running when they were looked for, and the places that are
+/// therefore left out, those that were there: a browser writes its cookies back when it ends, and
+/// breaks when they vanish under it. In doubt a program runs. A value.
+class ProgramsInUse final
+{
+public:
+    ProgramsInUse() = default;
+
+    /// Looks at the locks in the home and at the process list; not for the main thread. The caller
+    /// holds the access.
+    static ProgramsInUse find(const SystemCalls &calls, const FileAccess &access,
+                              const HomeLayout &layout);
+
+    /// The locations without those that are left out.
+    FileUrls without(const FileUrls &locations) const;
+    /// What stays inside these locations: folders, none in another.
+    FileUrls keptInside(const FileUrls &locations) const;
+    /// The names of those that keep some of these locations or something inside, each once.
+    QStringList programs(const FileUrls &locations) const;
+
+    friend bool operator==(const ProgramsInUse &, const ProgramsInUse &) = default;
+
+private:
+    QList<ProgramFiles> m_programs;
+};

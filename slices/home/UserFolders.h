@@ -1,0 +1,28 @@
+#pragma once
+
+#include "slices/home/HomePaths.h"
+#include "slices/home/KnownFolder.h"
+
+/// The folders of a freedesktop home in which the user keeps what nobody may take for something
+/// else, whatever their names and however many links lead to them. One thread.
+class UserFolders final
+{
+public:
+    /// Both must outlive it.
+    UserFolders(const HomeReader &reader, const HomePaths &paths);
+
+    /// Adds a folder by its absolute path, with every place below the home for which that stands.
+    /// It may be missing.
+    void add(const QByteArray &path);
+
+    /// Whether the place, by its path relative to the home, is one of the folders, or lies around
+    /// one.
+    bool isAtOrAroundOne(const QByteArray &place) const;
+    /// Whether the place is one of the folders, or lies in one.
+    bool isAtOrInOne(const QByteArray &place) const;
+
+private:
+    const HomeReader &m_reader;
+    const HomePaths &m_paths;
+    std::vector<KnownFolder> m_folders;
+};

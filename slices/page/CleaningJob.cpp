@@ -1,0 +1,133 @@
+#include "slices/page/CleaningJob.h"
+
+#include "slices/cleaning/CleaningLedger.h"
+#include "slices/cleaning/RecordPlaces.h"
+#include "slices/cleaning/SlicesToClean.h"
+#include "slices/exclusions/ExcludedPaths.h"
+#include "slices/record/Info.h"
+#include "slices/sizing/FolderSizing.h"
+
+namespace {
+
+using Records = CleaningJob::Records;
+
+/// What the plan did not know to be in use.
+QByteArrayList foundInUse(const CleaningReport &report, const CleaningPlan &plan)
+{
+    QByteArrayList found;
+    for (const CleaningRefusal &refusal : report.refusals.sliced(plan.refusals().size())) {
+        if (refusal.reason == RefusalReason::InUse)
+            found.append(refusal.path);
+    }
+    return found;
+}
+
+CleaningReport cleanDisk(const SystemCalls &calls, FileAccess &access, const Records &chosen,
+                         const HomeLayout &layout, const ExcludedPaths &excluded,
+                         const std::stop_token &stop)
+{
+    const AccessScope scope(access);
+    const FileUrls inUse = takeAwayPlacesInUse(chosen, ProgramsInUse::find(calls, access, layout));
+    const auto sizeOf = [&](const FileUrl &url, const FileUrls &kept) {
+        const auto place = access.anchoredPath(url);
+        const SizingRules rules{.kept = pathsInside(url, kept)};
+        return place ? measureFolder(calls, *place, stop, 0, rules).bytes : 0;
+    };
+    const ProgramPlaceSizes sizes = measureProgramPlaces(chosen, layout, sizeOf);
+    const CleaningPlan plan =
+        makeCleaningPlan(calls, access, slicesToClean(layout, chosen), excluded, inUse);
+    const auto inUseNow = [&](const CleaningLocation &location, const FileUrl &place) {
+        return placesInUse(calls, location.path, layout, place);
+    };
+    CleaningReport report = performCleaning(calls, plan, stop, nullptr, inUseNow);
+    takeAwaySizes(sizes, foundInUse(report, plan));
+    return report;
+}
+
+CleaningReport refusedReport()
+{
+    return CleaningLedger({{QByteArray(), RefusalReason::UnknownExclusions, 0}}, nullptr)
+        .finish(false);
+}
+
+} // namespace
+
+CleaningJob::CleaningJob(const SystemCalls &calls, FileAccess &access, QObject *parent)
+    : QObject(parent), m_calls(calls), m_access(access)
+{
+}
+
+CleaningJob::~CleaningJob()
+{
+    requestStop();
+}
+
+void CleaningJob::requestStop()
+{
+    m_stop.request_stop();
+}
+
+void CleaningJob::start(Records chosen, Exclusions exclusions, HomeLayout layout)
+{
+    Q_ASSERT(!m_isRunning);
+    m_isRunning = true;
+    m_stop = std::stop_source();
+    m_chosen = std::move(chosen);
+    m_confirmed.clear();
+    for (const auto &record : m_chosen)
+        m_confirmed.emplace_back(record->fileURLs().value_or(FileUrls()), record->kept());
+    m_exclusions = std::move(exclusions);
+    m_layout = std::move(layout);
+    runInBackground([this, records = m_chosen](const std::stop_token &) {
+        for (const auto &record : records)
+            record->fileSizeString();
+        return [this] { remove(); };
+    });
+}
+
+// Back on the main thread between measuring and removing: measuring may have taken minutes, and
+// what was excluded meanwhile must be kept.
+void CleaningJob::remove()
+{
+    const std::optional<ExcludedPaths> excluded = m_exclusions();
+    if (!excluded) {
+        finish(refusedReport());
+        return;
+    }
+    runInBackground([this, records = m_chosen, confirmed = m_confirmed, layout = m_layout,
+                     excluded = *excluded](const std::stop_token &stop) {
+        restore(records, confirmed);
+        CleaningReport report;
+        report.wasStopped = true;
+        if (!stop.stop_requested())
+            report = cleanDisk(m_calls, m_access, records, layout, excluded, stop);
+        return [this, report] { finish(report); };
+    });
+}
+
+/// Whoever changed a record since the cleaning was started changed nothing of what was confirmed.
+void CleaningJob::restore(const Records &chosen, const Confirmed &confirmed)
+{
+    for (std::size_t i = 0; i < chosen.size(); ++i) {
+        const auto &[places, kept] = confirmed[i];
+        if (chosen[i]->fileURLs().value_or(FileUrls()) == places && chosen[i]->kept() == kept)
+            continue;
+        chosen[i]->setPlaces(places, kept);
+        chosen[i]->fileSizeString();
+    }
+}
+
+void CleaningJob::finish(const CleaningReport &report)
+{
+    m_isRunning = false;
+    Q_EMIT finished(report);
+}
+
+/// Does the work on a thread, and what it answers on the main thread.
+void CleaningJob::runInBackground(
+    std::function<std::function<void()>(const std::stop_token &)> work)
+{
+    m_thread = std::jthread([this, work = std::move(work), stop = m_stop.get_token()] {
+        QMetaObject::invokeMethod(this, work(stop), Qt::QueuedConnection);
+    });
+}

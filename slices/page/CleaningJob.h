@@ -1,0 +1,67 @@
+#pragma once
+
+#include "slices/cleaning/Cleaning.h"
+#include "slices/home/HomeLayout.h"
+
+#include <QObject>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <thread>
+#include <vector>
+
+class Info;
+
+/// Cleans the chosen slices on a thread of its own and tells when it is done. One cleaning at a
+/// time. Owned by the page, used on the main thread. When it is destroyed, a running cleaning stops
+/// before its next item.
+class CleaningJob final : public QObject
+{
+    Q_OBJECT
+
+public:
+    using Records = std::vector<std::shared_ptr<Info>>;
+    /// What the user has excluded; nothing while nobody knows. Asked on the main thread, right
+    /// before the first removal is planned.
+    using Exclusions = std::function<std::optional<ExcludedPaths>()>;
+
+    /// Both must outlive it.
+    CleaningJob(const SystemCalls &calls, FileAccess &access, QObject *parent = nullptr);
+    ~CleaningJob() override;
+
+    /// Cleans the chosen slices, what they stand for at this moment. Those that are still being
+    /// measured are waited for first, so that what was freed is what was there. Of a layout with
+    /// programs, the places of those that were started meanwhile are left alone, and taken from the
+    /// records; whoever starts while the cleaning is under way keeps the places whose turn has not
+    /// come yet, and those are taken off the sizes.
+    void start(Records chosen, Exclusions exclusions, HomeLayout layout = {});
+
+    /// Nothing is removed from now on. The cleaning's end is still told.
+    void requestStop();
+
+    bool isRunning() const { return m_isRunning; }
+    /// What this cleaning, or the last one, was started with.
+    const Records &chosen() const { return m_chosen; }
+
+Q_SIGNALS:
+    void finished(const CleaningReport &report);
+
+private:
+    /// The places of each record, and what is kept inside them.
+    using Confirmed = std::vector<std::pair<FileUrls, FileUrls>>;
+
+    static void restore(const Records &chosen, const Confirmed &confirmed);
+    void remove();
+    void finish(const CleaningReport &report);
+    void runInBackground(std::function<std::function<void()>(const std::stop_token &)> work);
+
+    const SystemCalls &m_calls;
+    FileAccess &m_access;
+    bool m_isRunning = false;
+    Records m_chosen;
+    Confirmed m_confirmed;
+    Exclusions m_exclusions;
+    HomeLayout m_layout;
+    std::stop_source m_stop;
+    std::jthread m_thread;
+};

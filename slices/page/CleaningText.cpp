@@ -1,0 +1,150 @@
+#include "slices/page/CleaningText.h"
+
+#include "platform/base/ByteCount.h"
+#include "slices/cleaning/Cleaning.h"
+#include "slices/exclusions/ExcludedPaths.h"
+#include "slices/record/Info.h"
+#include "slices/record/SliceCatalogue.h"
+
+#include <QCoreApplication>
+
+namespace {
+
+constexpr int kMostLines = 8;
+
+QString tr(const char *text)
+{
+    return QCoreApplication::translate("CleaningText", text);
+}
+
+QString reasonText(RefusalReason reason)
+{
+    switch (reason) {
+    case RefusalReason::UnknownExclusions:
+        return tr("nobody knows which paths are excluded, so nothing was cleaned");
+    case RefusalReason::UnparsableExclusion:
+        return tr("this excluded path cannot be read, so nothing was cleaned");
+    case RefusalReason::UnresolvedExclusion:
+        return tr("something excluded inside it cannot be found any more");
+    case RefusalReason::OutsideGrant:
+        return tr("it is not in your home folder");
+    case RefusalReason::GrantedFolder:
+        return tr("it is your home folder itself");
+    case RefusalReason::Link:
+        return tr("it is a link");
+    case RefusalReason::NotAFolder:
+        return tr("it is not a folder");
+    case RefusalReason::NotAFile:
+        return tr("it is not a plain file");
+    case RefusalReason::OtherFileSystem:
+        return tr("it is on another disk");
+    case RefusalReason::Unreadable:
+        return tr("it could not be read");
+    case RefusalReason::PartlyListed:
+        return tr("it could not be read to the end");
+    case RefusalReason::Changed:
+        return tr("it was changed meanwhile");
+    case RefusalReason::InUse:
+        return tr("a program has begun to use it");
+    }
+    Q_UNREACHABLE();
+}
+
+QString leftAloneLine(const CleaningRefusal &refusal)
+{
+    const QString reason = reasonText(refusal.reason);
+    return refusal.path.isEmpty() ? reason
+                                  : tr("%1: %2").arg(QString::fromUtf8(refusal.path), reason);
+}
+
+/// "Chromium, Edge and Firefox".
+QString enumerated(const QStringList &names)
+{
+    if (names.size() < 2)
+        return names.join(QString());
+    return tr("%1 and %2")
+        .arg(names.mid(0, names.size() - 1).join(QStringLiteral(", ")), names.last());
+}
+
+/// The size of a slice of which programs in use keep something; empty for any other.
+QString withoutText(const Info &record, const ProgramsOfSlice &programs)
+{
+    const std::optional<SliceKind> kind = sliceKindNamed(record.name());
+    const QStringList names = kind && programs ? programs(*kind) : QStringList();
+    if (names.isEmpty())
+        return {};
+    const QString text = names.size() == 1 ? tr(" (%1 without the files of %2, which is in use)")
+                                           : tr(" (%1 without the files of %2, which are in use)");
+    return text.arg(stringFromByteCount(record.fileSize()), enumerated(names));
+}
+
+/// The folder, where the slice's name does not say which it is.
+QString downloadsText(const Info &record, const ConfirmationDetails &details)
+{
+    const bool areDownloads = sliceKindNamed(record.name()) == SliceKind::Downloads;
+    return areDownloads && !details.nameOfDownloads.isEmpty()
+               ? tr(" (the folder “%1”)").arg(details.nameOfDownloads)
+               : QString();
+}
+
+/// The first lines, and how many there are besides.
+QString shortened(const QStringList &lines)
+{
+    const qsizetype rest = lines.size() - kMostLines;
+    QString text = lines.mid(0, kMostLines).join(u'\n');
+    if (rest > 0)
+        text += u'\n' + tr("and %1 more").arg(rest);
+    return text;
+}
+
+} // namespace
+
+QString confirmationText(const std::vector<std::shared_ptr<Info>> &records,
+                         const ConfirmationDetails &details)
+{
+    QString list = tr("You have chosen to delete these slices:\n");
+    for (const auto &record : records) {
+        if (record->isOn())
+            list += QStringLiteral("• %1\n").arg(record->name() + downloadsText(*record, details) +
+                                                 withoutText(*record, details.programs));
+    }
+    return list + u'\n' +
+           tr("Are you sure you want to permanently erase the items you’ve selected and that are "
+              "in colored slices? You cannot undo this action and we recommend backing up "
+              "before continuing.");
+}
+
+QString inUseText(const QStringList &programs)
+{
+    if (programs.isEmpty())
+        return {};
+    const QString text = programs.size() == 1 ? tr(" %1 is in use: its files stay.")
+                                              : tr(" %1 are in use: their files stay.");
+    return text.arg(enumerated(programs));
+}
+
+QString leftAloneText(const CleaningReport &report)
+{
+    QStringList lines;
+    for (const CleaningRefusal &refusal : report.refusals)
+        lines.append(leftAloneLine(refusal));
+    return shortened(lines);
+}
+
+QString unknownExclusionsText(const QString &damage, const ExcludedPaths &excluded)
+{
+    QStringList paths;
+    for (const FileUrl &url : excluded.urls())
+        paths.append(url.displayPath());
+    const QString known = paths.isEmpty() ? tr("No path is excluded now.")
+                                          : tr("Excluded now:\n%1").arg(shortened(paths));
+    return damage + QStringLiteral("\n\n") + known;
+}
+
+QString unparsableExclusionsText(const QStringList &stored)
+{
+    return tr("Nothing is cleaned while nobody knows what it stands for. Please remove it from "
+              "your "
+              "excluded paths in the preferences:\n%1")
+        .arg(shortened(stored));
+}

@@ -1,0 +1,170 @@
+#include "slices/page/FreeSpaceViewController.h"
+
+#include "app/navigation/PageViews.h"
+#include "app/settings/ExcludedFilesChangedNotification.h"
+#include "app/settings/SettingsKeys.h"
+#include "app/settings/UserDefaults.h"
+#include "chart/PieChart.h"
+#include "largefiles/sheet/LargeFilesWindowController.h"
+#include "platform/desktop/InterfaceLoader.h"
+#include "platform/look/ViewAlpha.h"
+#include "platform/sheet/Sheet.h"
+#include "prefs/tutorial/DemoWindowController.h"
+#include "slices/page/SliceHoverButtons.h"
+#include "widgets/ImageButton.h"
+#include "widgets/LegendView.h"
+#include "widgets/StartButton.h"
+#include "widgets/TextField.h"
+
+#include <QTimer>
+
+namespace {
+
+constexpr double kLabelRadius = 155.0;
+constexpr std::chrono::seconds kEntrance{1};
+constexpr std::chrono::seconds kPauseBeforeTutorial{1};
+
+QColor colorOf(const SliceColor &color)
+{
+    return {color[0], color[1], color[2]};
+}
+
+} // namespace
+
+FreeSpaceViewController::FreeSpaceViewController(const InterfaceLoader &loader, Services services,
+                                                 QObject *parent)
+    : VNTViewController(loader, parent),
+      m_services(std::move(services)),
+      m_labelController(nullptr, m_services.readVolume),
+      m_selection(m_services.defaults, m_services.access),
+      m_sizeChanged(std::make_shared<FileSizeChangedNotification>()),
+      m_loader(loader),
+      m_job(m_services.calls, m_services.access)
+{
+    connect(&m_job, &CleaningJob::finished, this, &FreeSpaceViewController::finishCleaning);
+}
+
+FreeSpaceViewController::~FreeSpaceViewController()
+{
+    m_job.requestStop(); // first: a cleaning may be waiting for the measures
+    m_measuring.request_stop();
+}
+
+void FreeSpaceViewController::viewDidLoad()
+{
+    connectOutlets();
+    m_pieChart->setDataSource(this);
+    m_pieChart->setDelegate(this);
+    m_pieChart->setInfoRadius(kLabelRadius);
+    setAlphaValue(*m_legendImageView, 0);
+    connect(m_startButton, &StartButton::triggered, this, &FreeSpaceViewController::next);
+    makeHoverButtons();
+    connect(m_sizeChanged.get(), &FileSizeChangedNotification::posted, this,
+            &FreeSpaceViewController::updateButtonText);
+    connect(&m_services.excludedFilesChanged, &ExcludedFilesChangedNotification::posted, this,
+            &FreeSpaceViewController::updateExcludedFiles);
+}
+
+void FreeSpaceViewController::connectOutlets()
+{
+    m_pieChart = outlet<PieChart>(*view(), "pieChart");
+    m_startButton = outlet<StartButton>(*view(), "startButton");
+    m_legendImageView = outlet<LegendView>(*view(), "legendImageView");
+    connectSizeLabels(m_labelController, *view());
+}
+
+void FreeSpaceViewController::makeHoverButtons()
+{
+    m_hoverButtons = new SliceHoverButtons(*m_pieChart);
+    connect(m_hoverButtons->infoButton(), &ImageButton::clicked, this,
+            &FreeSpaceViewController::showInfo);
+    connect(m_hoverButtons->showInFinderButton(), &ImageButton::clicked, this,
+            &FreeSpaceViewController::showInFinder);
+}
+
+void FreeSpaceViewController::viewWillAppear(bool)
+{
+    m_presence = Presence::Coming;
+    m_owesTutorial = false;
+    m_startButton->mainText().setText(tr("Clean"));
+    m_startButton->detailText().setText(tr("Click to free"));
+    rebuildRecords();
+    m_startButton->setEnabled(false);
+    for (QWidget *subview : directSubviews(*view()))
+        setAlphaValue(*subview, 1);
+}
+
+void FreeSpaceViewController::viewDidAppear(bool)
+{
+    m_pieChart->setDidLoad(false);
+    m_labelController.reloadData();
+    m_pieChart->reloadData();
+    animateAlphaValue(*m_startButton, 1, kEntrance);
+    animateAlphaValue(*m_legendImageView, 1, kEntrance);
+    m_pieChart->setDrawShadow(true);
+    if (m_presence != Presence::Coming)
+        return; // left again before it had come in
+    m_presence = Presence::Shown;
+    enableStartButton();
+    QTimer::singleShot(kPauseBeforeTutorial, this,
+                       &FreeSpaceViewController::showTutorialUnlessDeclined);
+}
+
+void FreeSpaceViewController::showTutorialUnlessDeclined()
+{
+    m_owesTutorial = isShown() && m_isAsking;
+    // A page that has left the window meanwhile has none to show a sheet on.
+    if (isShown() && view()->isVisible() && !m_isAsking && !m_isCleaning &&
+        !m_services.defaults.boolean(VNTHideDemoWindowString))
+        presentSheet(*view(), *demoWindowController().window());
+}
+
+DemoWindowController &FreeSpaceViewController::demoWindowController()
+{
+    if (!m_demoWindowController)
+        m_demoWindowController =
+            std::make_unique<DemoWindowController>(m_loader, m_services.defaults);
+    return *m_demoWindowController;
+}
+
+void FreeSpaceViewController::viewWillDisappear(bool)
+{
+    m_presence = Presence::Away;
+    forgetHover();
+    m_reveal.stop();
+    m_describing.stop();
+    m_looking.stop();
+    endAsking();
+    m_startButton->setEnabled(false);
+    m_measuring.request_stop();
+    m_selection.record(SliceKind::LargeFiles).setIsOn(false);
+    m_selection.updateSelectedSlicesUserDefaults();
+}
+
+int FreeSpaceViewController::numberOfSlicesInPieChart(PieChart &)
+{
+    return static_cast<int>(m_selection.records().size());
+}
+
+double FreeSpaceViewController::valueForSliceAtIndex(PieChart &, int)
+{
+    return 1.0; // all slices are alike, their sizes show in the labels alone
+}
+
+std::shared_ptr<Info> FreeSpaceViewController::infoForSliceAtIndex(PieChart &, int index)
+{
+    return m_selection.records().at(index);
+}
+
+std::optional<QColor> FreeSpaceViewController::colorForSliceAtIndex(PieChart &, int index)
+{
+    const bool isOn = m_selection.records().at(index)->isOn();
+    return colorOf(isOn ? sliceCatalogue()[index % kSliceCount].color : kOffColor);
+}
+
+std::optional<QColor> FreeSpaceViewController::secondaryColorForSliceAtIndex(PieChart &, int index)
+{
+    const bool isOn = m_selection.records().at(index)->isOn();
+    return colorOf(isOn ? sliceCatalogue()[index % kSliceCount].secondaryColor
+                        : kOffSecondaryColor);
+}

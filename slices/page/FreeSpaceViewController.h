@@ -1,0 +1,181 @@
+#pragma once
+
+#include "app/navigation/VNTViewController.h"
+#include "chart/PieChartDataSource.h"
+#include "chart/PieChartDelegate.h"
+#include "platform/threads/LatestJob.h"
+#include "platform/threads/LatestTask.h"
+#include "slices/home/HomeLayout.h"
+#include "slices/page/CleaningJob.h"
+#include "slices/page/SliceSelection.h"
+#include "widgets/LabelController.h"
+
+#include <functional>
+#include <stop_token>
+
+class DemoWindowController;
+struct Alert;
+class ExcludedFilesChangedNotification;
+class LargeFilesWindowController;
+class PieChart;
+class SliceHoverButtons;
+class StartButton;
+class UserDefaults;
+class Workspace;
+
+/// The page of the slices: shows the eight kinds of content on a pie, measures them in the
+/// background, lets the user switch them on and off, and cleans those that are on. Every visit
+/// measures afresh. Owned by the main window's controller; main thread only.
+class FreeSpaceViewController final : public VNTViewController,
+                                      public PieChartDataSource,
+                                      public PieChartDelegate
+{
+    Q_OBJECT
+
+public:
+    /// What the page works with; all must outlive it.
+    struct Services
+    {
+        UserDefaults &defaults;
+        const SystemCalls &calls;
+        FileAccess &access;
+        Workspace &workspace;
+        ExcludedFilesChangedNotification &excludedFilesChanged;
+        std::function<FileUrl()> homeFolder;
+        /// Goes on once it is known that work would be done in the very folder that the user
+        /// granted; asked before files are picked and before a cleaning. Otherwise tells the user,
+        /// and then the caller. Of several, only the latest is answered, and none once the page is
+        /// left.
+        std::function<void(std::function<void()> then, std::function<void()> otherwise)>
+            whenGrantIsUsable;
+        LabelController::Reader readVolume = startUpVolumeSizes;
+    };
+
+    FreeSpaceViewController(const InterfaceLoader &loader, Services services,
+                            QObject *parent = nullptr);
+    ~FreeSpaceViewController() override;
+
+    PieChart *pieChart() const { return m_pieChart; }
+    StartButton *startButton() const { return m_startButton; }
+    SliceSelection &selection() { return m_selection; }
+    SliceHoverButtons *hoverButtons() const { return m_hoverButtons; }
+    /// The tutorial; made on first use and kept.
+    DemoWindowController &demoWindowController();
+    /// The sheet in which large files are picked; made on first use and kept.
+    LargeFilesWindowController &largeFilesWindowController();
+    bool isCleaning() const { return m_isCleaning; }
+    /// Where everything is in the home; unknown until it has been looked at.
+    const HomeLayout &homeLayout() const { return m_home.layout; }
+
+    void viewDidLoad() override;
+    void viewWillAppear(bool animated) override;
+    void viewDidAppear(bool animated) override;
+    void viewWillDisappear(bool animated) override;
+
+    int numberOfSlicesInPieChart(PieChart &chart) override;
+    double valueForSliceAtIndex(PieChart &chart, int index) override;
+    std::shared_ptr<Info> infoForSliceAtIndex(PieChart &chart, int index) override;
+    std::optional<QColor> colorForSliceAtIndex(PieChart &chart, int index) override;
+    std::optional<QColor> secondaryColorForSliceAtIndex(PieChart &chart, int index) override;
+
+    void didSelectSliceAtIndex(PieChart &chart, int index) override;
+    void didHoverOverSliceAtIndex(PieChart &chart, int index) override;
+    bool canSelectSliceAtIndex(PieChart &chart, int index) override;
+
+public Q_SLOTS:
+    /// The start button's action: asks for confirmation, then cleans.
+    void next();
+    /// Explains the slice under the pointer.
+    void showInfo();
+    /// Shows the places of the slice under the pointer in the file manager.
+    void showInFinder();
+    /// A slice was measured, or the choice changed.
+    void updateButtonText();
+    /// The excluded paths changed.
+    void updateExcludedFiles();
+
+Q_SIGNALS:
+    /// From the confirmation to the hand-over to the next page: no way back meanwhile.
+    void cleaningChanged(bool isCleaning);
+    /// A message for the user while this page is in no window.
+    void tells(const Alert &alert);
+
+private:
+    enum class Presence {
+        Away,   ///< also on its way out
+        Coming, ///< on its way in
+        Shown,
+    };
+    struct HomeFindings
+    {
+        HomeLayout layout;
+        ProgramsInUse inUse;
+    };
+
+    void connectOutlets();
+    bool isShown() const { return m_presence == Presence::Shown; }
+    void showTutorialUnlessDeclined();
+    void makeHoverButtons();
+    void rebuildRecords();
+    HomeKind kindOfHome(const FileUrl &home) const;
+    void place(const HomeFindings &findings);
+    void homeWasFound(const HomeFindings &findings);
+    void enableStartButton();
+    LatestJob::Work lookForPrograms(std::function<void()> then);
+    void programsWereFound(const ProgramsInUse &inUse);
+    void lookAgainAndConfirm();
+    void measureAndConfirm();
+    void beginAsking();
+    void endAsking();
+    QStringList programsInUse(SliceKind kind) const;
+    void offerReveal(int index);
+    FileUrls placesOf(int index) const;
+    LatestJob::Work lookForPlaces(const FileUrls &places,
+                                  std::function<void(const FileUrls &)> then) const;
+    void explain(int index);
+    void showTrash();
+    std::optional<ExcludedPaths> knownExclusions() const;
+    bool isReadyToClean() const;
+    void whenMayClean(std::function<void()> then);
+    bool exclusionsAllowCleaning();
+    void askForConfirmation();
+    void beginCleaning(const SliceSelection::Choice &confirmed);
+    void clean();
+    std::optional<ExcludedPaths> exclusionsBeside(const ExcludedPaths &confirmed) const;
+    void showCleaningState();
+    void forgetHover();
+    void finishCleaning(const CleaningReport &report);
+    bool mayPickLargeFiles() const;
+    void pickLargeFiles();
+    void showLargeFiles();
+    void takePickedFiles();
+    void followPickedSize();
+    void dropLargeFiles();
+    bool isPickingLargeFiles() const { return m_pickingAccess.has_value(); }
+    void showMessage(const Alert &alert);
+
+    Services m_services;
+    LabelController m_labelController;
+    SliceSelection m_selection;
+    std::shared_ptr<FileSizeChangedNotification> m_sizeChanged;
+    std::stop_source m_measuring; ///< stops the measures of an earlier visit
+    const InterfaceLoader &m_loader;
+    CleaningJob m_job;
+    HomeFindings m_home;
+    std::unique_ptr<DemoWindowController> m_demoWindowController;
+    std::unique_ptr<LargeFilesWindowController> m_largeFilesWindowController;
+    std::optional<AccessScope> m_pickingAccess; ///< held while the sheet of large files is up
+    /// From the press of the button until the cleaning begins, or does not.
+    bool m_isAsking = false;
+    bool m_isCleaning = false;
+    bool m_owesTutorial = false; ///< its time came while something was asked
+    Presence m_presence = Presence::Away;
+    PieChart *m_pieChart = nullptr;
+    StartButton *m_startButton = nullptr;
+    QWidget *m_legendImageView = nullptr;
+    SliceHoverButtons *m_hoverButtons = nullptr; ///< the chart's
+    LatestJob m_hoverLook;   ///< looks for what the slice under the pointer may offer
+    LatestTask m_reveal;     ///< looks for what is to be shown in the file manager
+    LatestTask m_describing; ///< looks for the programs that a description names
+    LatestJob m_looking;     ///< looks at the home
+};

@@ -1,0 +1,86 @@
+#pragma once
+
+#include "platform/files/FileAccess.h"
+#include "slices/home/ProgramsInUse.h"
+#include "slices/record/Info.h"
+
+#include <memory>
+#include <vector>
+
+class ExcludedPaths;
+class UserDefaults;
+
+/// The eight slices of the cleaning page with what the user chose of them: which are on, which the
+/// exclusions forbid, and how much that makes. Kept in the settings under VNTSelectedSlicesString.
+/// Owned by the page; main thread only.
+class SliceSelection final
+{
+public:
+    enum class Toggle {
+        Switched, ///< the slice is now what it was not
+        Excluded, ///< all of its places, also those in use, are excluded: it is off, and stays so
+    };
+
+    /// Both must outlive it. Empty until rebuild().
+    SliceSelection(UserDefaults &defaults, FileAccess &access);
+
+    using Records = std::vector<std::shared_ptr<Info>>;
+
+    /// The records in the catalogue's order.
+    const Records &records() const { return m_records; }
+    Info &record(SliceKind kind) { return *m_records.at(indexOf(kind)); }
+
+    /// Makes eight new records, nothing measured yet, and restores the stored selection. Places in
+    /// use are left out.
+    void rebuild(const HomeLayout &layout, const Info::Services &services,
+                 const ProgramsInUse &inUse = {});
+
+    /// Stores which slices are on. Large files are never stored as on: they are picked anew.
+    void updateSelectedSlicesUserDefaults() const;
+
+    /// Switches a slice with fixed places on or off, unless the exclusions forbid it.
+    Toggle toggle(int index);
+
+    /// Switches off what the exclusions forbid now. True when picked large files were dropped.
+    bool applyExclusions();
+
+    /// Whether each of these places is excluded by its very path; no for no places.
+    bool containsExcludedFile(const std::optional<FileUrls> &fileURLs) const;
+
+    bool somethingIsSelected() const;
+    /// Those that are on, in order.
+    Records chosen() const;
+
+    /// One of them, and what of the disk it stands for.
+    struct ChosenSlice
+    {
+        std::shared_ptr<Info> record;
+        std::optional<FileUrls> fileURLs;
+        FileUrls kept;
+
+        friend bool operator==(const ChosenSlice &, const ChosenSlice &) = default;
+    };
+    struct Choice
+    {
+        std::vector<ChosenSlice> slices;
+        QStringList excludedPaths; ///< as stored
+
+        friend bool operator==(const Choice &, const Choice &) = default;
+    };
+    /// What would be cleaned now; the same as another choice where just the same would go.
+    Choice choice() const;
+
+    /// Bytes of the slices that are on; one that is not measured yet counts 0.
+    qint64 totalSize() const;
+
+    ExcludedPaths excludedPaths() const;
+
+private:
+    void restore();
+    bool isExcluded(const Info &record) const;
+
+    UserDefaults &m_defaults;
+    FileAccess &m_access;
+    HomeLayout m_layout;
+    Records m_records;
+};

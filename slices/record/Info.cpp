@@ -1,0 +1,173 @@
+#include "slices/record/Info.h"
+
+#include "platform/base/ByteCount.h"
+
+#include <QDebug>
+
+namespace {
+
+constexpr QLatin1String kEmptyText("Empty");
+
+} // namespace
+
+void FileSizeChangedNotification::post()
+{
+    QMetaObject::invokeMethod(this, &FileSizeChangedNotification::posted, Qt::QueuedConnection);
+}
+
+std::shared_ptr<Info> Info::infoWithName(const QString &name, std::optional<FileUrls> fileURLs,
+                                         Services services)
+{
+    return std::make_shared<Info>(name, std::move(fileURLs), std::nullopt, std::nullopt,
+                                  std::move(services));
+}
+
+Info::Info(const QString &name, std::optional<FileUrls> fileURLs, std::optional<QString> image,
+           std::optional<QString> fileSize, Services services)
+    : m_name(name),
+      m_image(std::move(image).value_or(name)),
+      m_services(std::move(services)),
+      m_fileSizeString(std::move(fileSize))
+{
+    if (fileURLs)
+        m_places = Places{*std::move(fileURLs), {}};
+}
+
+std::optional<FileUrls> Info::fileURLs() const
+{
+    const std::scoped_lock lock(m_mutex);
+    return m_places ? std::optional(m_places->urls) : std::nullopt;
+}
+
+void Info::setFileURLs(const FileUrls &fileURLs)
+{
+    const Places places{fileURLs, {}};
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_places = places;
+    }
+    const std::optional<qint64> bytes = measured(places);
+    {
+        const std::scoped_lock lock(m_mutex);
+        if (!bytes || m_places != places)
+            return; // whoever set newer places measures those
+        m_fileSize = *bytes;
+    }
+    postSizeChanged();
+}
+
+void Info::setFileURLs(const FileUrls &fileURLs, qint64 measuredBytes)
+{
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_places = Places{fileURLs, {}};
+        m_fileSize = measuredBytes;
+    }
+    postSizeChanged();
+}
+
+FileUrls Info::kept() const
+{
+    const std::scoped_lock lock(m_mutex);
+    return m_places ? m_places->kept : FileUrls();
+}
+
+void Info::setPlaces(const FileUrls &fileURLs, const FileUrls &kept)
+{
+    const std::scoped_lock lock(m_mutex);
+    m_places = Places{fileURLs, kept};
+    m_fileSizeString.reset();
+    m_fileSize = 0;
+}
+
+qint64 Info::fileSize() const
+{
+    const std::scoped_lock lock(m_mutex);
+    return m_fileSize;
+}
+
+void Info::setFileSize(qint64 bytes)
+{
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_fileSize = bytes;
+    }
+    postSizeChanged();
+}
+
+std::optional<QString> Info::fileSizeString()
+{
+    if (placesToMeasure())
+        measureOnce();
+    const std::scoped_lock lock(m_mutex);
+    return m_fileSizeString;
+}
+
+void Info::measureOnce()
+{
+    // A second reader waits for the first one's walk instead of walking again beside it, so that a
+    // cleaning that asks begins only when nobody measures any more.
+    const std::scoped_lock measuring(m_measuring);
+    while (const std::optional<Places> places = placesToMeasure()) {
+        const std::optional<qint64> bytes = measured(*places);
+        if (!bytes)
+            return;
+        if (storeFirstMeasure(*places, *bytes))
+            postSizeChanged();
+    }
+}
+
+std::optional<Info::Places> Info::placesToMeasure() const
+{
+    const std::scoped_lock lock(m_mutex);
+    return m_fileSizeString ? std::nullopt : m_places;
+}
+
+bool Info::storeFirstMeasure(const Places &places, qint64 bytes)
+{
+    const std::scoped_lock lock(m_mutex);
+    // A text that was set, or places that were changed meanwhile, are newer than this measure.
+    if (m_fileSizeString || m_places != places)
+        return false;
+    m_fileSizeString = bytes == 0 ? QString(kEmptyText) : stringFromByteCount(bytes);
+    m_fileSize = bytes;
+    return true;
+}
+
+void Info::postSizeChanged() const
+{
+    if (m_services.notification)
+        m_services.notification->post();
+}
+
+bool Info::isMeasured() const
+{
+    const std::scoped_lock lock(m_mutex);
+    return m_places && m_fileSizeString;
+}
+
+void Info::setFileSizeString(std::optional<QString> text)
+{
+    const std::scoped_lock lock(m_mutex);
+    m_fileSizeString = std::move(text);
+}
+
+std::optional<qint64> Info::measured(const Places &places) const
+{
+    qint64 bytes = 0;
+    if (!m_services.measure)
+        return bytes;
+    for (const FileUrl &url : places.urls) {
+        const std::optional<qint64> place = m_services.measure(url, places.kept);
+        if (!place)
+            return std::nullopt;
+        bytes = sumOfByteCounts(bytes, *place);
+    }
+    return bytes;
+}
+
+QDebug operator<<(QDebug debug, const Info &info)
+{
+    const QDebugStateSaver saver(debug);
+    return debug.noquote() << info.name();
+}

@@ -1,0 +1,194 @@
+#include "slices/sizing/FolderSizing.h"
+
+#include "platform/base/ByteCount.h"
+#include "platform/base/Log.h"
+#include "platform/files/AnchoredFolder.h"
+#include "platform/walk/DirectoryWalker.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <vector>
+
+namespace {
+
+constexpr std::uint16_t kStickyBit = 01000;
+constexpr std::size_t kCacheLine = 64;
+
+bool isNotImmutable(const FileStatus &entry)
+{
+    return !entry.isImmutable && !entry.isAppendOnly;
+}
+
+/// Whether a folder lets this process remove anything at all.
+bool allowsRemoval(const SystemCalls &calls, int descriptor, const FileStatus &folder)
+{
+    return isNotImmutable(folder) && calls.mayChangeEntries(descriptor);
+}
+
+/// Whether a folder that allows removal allows that of this entry: from a sticky one everybody
+/// takes but his own, or what lies in his own. What something is mounted on is held by the mount.
+bool allowsRemovalOf(const FileStatus &entry, const FileStatus &folder, const ActingUser &user)
+{
+    if (entry.isMountRoot)
+        return false;
+    const bool isSticky = (folder.permissions & kStickyBit) != 0;
+    return !isSticky || user.ownsEverything || entry.owner == user.user ||
+           folder.owner == user.user;
+}
+
+/// Sums up what one thread of the walk finds.
+class alignas(kCacheLine) SizingVisitor final : public DirectoryVisitor
+{
+public:
+    SizingVisitor(const SystemCalls &calls, const ActingUser &user, const SizingRules &rules)
+        : m_calls(calls), m_user(user), m_rules(rules)
+    {
+    }
+
+    const FolderSize &size() const { return m_size; }
+
+    bool shouldEnter(const WalkedFolder &parent, const char *name) override
+    {
+        ++m_size.items;
+        return !isKept(parent, name);
+    }
+
+    EntryDetail entered(const WalkedFolder &folder, int descriptor) override
+    {
+        const bool allows =
+            allowsRemoval(m_calls, descriptor, folder.status()) || willAllowRemoval(folder);
+        return allows ? EntryDetail::Status : EntryDetail::NameAlone;
+    }
+
+    void found(const WalkedEntry &entry) override
+    {
+        ++m_size.items;
+        if (entry.status && isNotImmutable(*entry.status) &&
+            allowsRemovalOf(*entry.status, entry.folder.status(), m_user) &&
+            !isKept(entry.folder, entry.name))
+            m_size.bytes = sumOfByteCounts(m_size.bytes, byteCountOf(entry.status->size));
+    }
+
+    void failed(const WalkedFolder &, const char *, int) override { m_size.isComplete = false; }
+
+private:
+    /// Asked of every entry: most are told by their names alone.
+    bool isKept(const WalkedFolder &folder, const char *name) const
+    {
+        return std::any_of(m_rules.kept.begin(), m_rules.kept.end(), [&](const QByteArray &kept) {
+            return kept.endsWith(name) && folder.pathTo(name) == kept;
+        });
+    }
+
+    /// Whether a cleaning will make it so. The place itself keeps its rights.
+    bool willAllowRemoval(const WalkedFolder &folder) const
+    {
+        return m_rules.readOnlyFolders == ReadOnlyFolders::Emptied && folder.parent() &&
+               isNotImmutable(folder.status()) && isOwnAndReadOnly(folder.status(), m_user);
+    }
+
+    const SystemCalls &m_calls;
+    const ActingUser m_user;
+    const SizingRules &m_rules;
+    FolderSize m_size;
+};
+
+FolderSize sizeOfFolder(const SystemCalls &calls, FileDescriptor folder,
+                        const std::stop_token &stop, unsigned threads, const SizingRules &rules)
+{
+    std::vector<SizingVisitor> visitors(threads == 0 ? usefulWalkThreads() : threads,
+                                        SizingVisitor(calls, calls.actingUser(), rules));
+    std::vector<DirectoryVisitor *> team;
+    team.reserve(visitors.size());
+    for (SizingVisitor &visitor : visitors)
+        team.push_back(&visitor);
+    walkDirectory(calls, std::move(folder), {}, stop, team);
+
+    FolderSize sum;
+    sum.isComplete = !stop.stop_requested();
+    for (const SizingVisitor &visitor : visitors) {
+        sum.bytes = sumOfByteCounts(sum.bytes, visitor.size().bytes);
+        sum.items += visitor.size().items;
+        sum.isComplete = sum.isComplete && visitor.size().isComplete;
+    }
+    return sum;
+}
+
+/// Nothing counts; complete where the reason is that nothing is there, only by way of a link, or on
+/// another file system, which is never cleaned.
+FolderSize nothingBecauseOf(int error)
+{
+    FolderSize nothing;
+    nothing.isComplete = error == ENOENT || error == ENOTDIR || error == ELOOP || error == EXDEV;
+    return nothing;
+}
+
+bool leadsToNoItem(const SystemCalls &calls, int folder, const char *link)
+{
+    const auto behind = calls.kindBehind(folder, link);
+    return !behind || *behind == FileKind::Folder;
+}
+
+FolderSize sizeOfItem(const SystemCalls &calls, const AnchoredPath &place)
+{
+    const AnchoredEntry entry = anchoredEntry(place);
+    const auto folder = openAnchored(calls, entry.folder, Descent::Strict);
+    if (!folder)
+        return nothingBecauseOf(folder.error());
+    const auto folderStatus = calls.statusOf(folder->get());
+    if (!folderStatus)
+        return nothingBecauseOf(folderStatus.error());
+    const char *name = entry.name.constData();
+    const auto status = calls.status(folder->get(), name);
+    if (!status)
+        return nothingBecauseOf(status.error());
+    if (status->kind == FileKind::Link && leadsToNoItem(calls, folder->get(), name))
+        return {};
+
+    FolderSize size;
+    size.items = 1;
+    size.item = ItemVerdict{allowsRemoval(calls, folder->get(), *folderStatus) &&
+                                allowsRemovalOf(*status, *folderStatus, calls.actingUser()),
+                            isNotImmutable(*status)};
+    if (size.item->isDeletable && size.item->isNotImmutable)
+        size.bytes = byteCountOf(status->size);
+    return size;
+}
+
+} // namespace
+
+QByteArrayList pathsInside(const FileUrl &place, const FileUrls &urls)
+{
+    const QByteArray prefix = place.path() + '/';
+    QByteArrayList paths;
+    for (const FileUrl &url : urls) {
+        if (url.path().startsWith(prefix))
+            paths.append(url.path().sliced(prefix.size()));
+    }
+    return paths;
+}
+
+FolderSize measureFolder(const SystemCalls &calls, const AnchoredPath &place,
+                         const std::stop_token &stop, unsigned threads, const SizingRules &rules)
+{
+    auto folder = openOnVolume(calls, place);
+    if (stop.stop_requested())
+        return nothingBecauseOf(ECANCELED);
+    if (folder)
+        return sizeOfFolder(calls, std::move(*folder), stop, threads, rules);
+    const bool isNoFolder = folder.error() == ENOTDIR || folder.error() == ELOOP;
+    return isNoFolder ? sizeOfItem(calls, place) : nothingBecauseOf(folder.error());
+}
+
+qint64 sizeForFolderAtPath(const SystemCalls &calls, FileAccess &access, const FileUrl &url,
+                           const std::stop_token &stop, const SizingRules &rules)
+{
+    const AccessScope scope(access);
+    const auto place = access.anchoredPath(url);
+    if (!place)
+        return 0;
+    const FolderSize size = measureFolder(calls, *place, stop, 0, rules);
+    if (size.item)
+        qCInfo(logVantor, "%d : %d", size.item->isDeletable, size.item->isNotImmutable);
+    return size.bytes;
+}

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "platform/files/FileAccess.h"
+#include "platform/system/SystemCalls.h"
+#include "slices/sizing/ReadOnlyFolders.h"
+
+#include <QByteArrayList>
+#include <optional>
+#include <stop_token>
+
+/// How a single item, that is no folder, was judged.
+struct ItemVerdict
+{
+    bool isDeletable = false;    ///< its folder lets this process remove it
+    bool isNotImmutable = false; ///< no attribute forbids it
+};
+
+/// What a measurement found.
+struct FolderSize
+{
+    qint64 bytes = 0; ///< what cleaning would free; stops at the largest number
+    qint64 items = 0; ///< everything seen beneath the folder, counted or not, hidden items not
+    bool isComplete = true; ///< false when stopped early or when something could not be read
+    std::optional<ItemVerdict> item; ///< of a single item; nothing for a folder
+};
+
+/// What a measure of a place heeds besides the rights of what lies there.
+struct SizingRules
+{
+    /// A folder inside that is the user's own and read-only counts as the cleaning will treat it.
+    ReadOnlyFolders readOnlyFolders = ReadOnlyFolders::Stay;
+    /// What a cleaning will keep inside, by raw paths relative to the place: neither counts it nor
+    /// what lies below.
+    QByteArrayList kept = {};
+};
+
+/// Those of the URLs that lie inside the place, by their raw paths relative to it.
+QByteArrayList pathsInside(const FileUrl &place, const FileUrls &urls);
+
+/// Measures what this process could delete at a place: the sum of the sizes of everything beneath
+/// a folder that is no folder itself, is not hidden nor beneath a hidden folder (the place itself
+/// may be hidden), may be removed from the folder that holds it, and is neither immutable nor
+/// append-only. Links count with their own size. Mount points are not entered.
+///
+/// A place that is no folder is judged alike and counts its own size. Nothing there, a dangling
+/// link, and a link to a folder count 0. Unreadable folders are passed over. A mount between the
+/// anchor and the place, or the place itself being one, makes it 0 too: a cleaning refuses such a
+/// place. The anchor alone may be a mount.
+///
+/// Any thread but the main one; blocks until done or stopped. Uses up to `threads` threads, as
+/// many as pay for 0.
+FolderSize measureFolder(const SystemCalls &calls, const AnchoredPath &place,
+                         const std::stop_token &stop, unsigned threads = 0,
+                         const SizingRules &rules = {});
+
+/// The one size measure of the program, in bytes: measureFolder() of a URL in the granted folder,
+/// within one access of its own. 0 for what lies elsewhere. Writes "%d : %d" to the log for a
+/// single item: whether it may be deleted, and whether it is not immutable.
+qint64 sizeForFolderAtPath(const SystemCalls &calls, FileAccess &access, const FileUrl &url,
+                           const std::stop_token &stop = {}, const SizingRules &rules = {});

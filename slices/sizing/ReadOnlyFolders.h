@@ -1,0 +1,17 @@
+#pragma once
+
+#include "platform/system/SystemCalls.h"
+
+/// What a cleaning does about a folder whose owner took away his own right to change it.
+enum class ReadOnlyFolders {
+    Stay,
+    /// What the user threw away is emptied all the same: the folder is given the right back.
+    Emptied,
+};
+
+/// Whether the folder is the user's own and withholds from him the right to take things out.
+inline bool isOwnAndReadOnly(const FileStatus &folder, const ActingUser &user)
+{
+    constexpr unsigned kToTakeThingsOut = 0300; // write and search
+    return folder.owner == user.user && (folder.permissions & kToTakeThingsOut) != kToTakeThingsOut;
+}

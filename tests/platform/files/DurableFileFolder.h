@@ -1,0 +1,69 @@
+#pragma once
+
+#include "platform/files/DurableFile.h"
+#include "tests/support/run/Must.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+
+inline constexpr char kName[] = "sample";
+inline const QByteArray kOlder = "the oldest content";
+inline const QByteArray kOld = "{\"the\": \"old content\"}";
+inline const QByteArray kNew = "{\"a newer\": \"and longer content\", \"of\": [1, 2, 3]}";
+
+/// A folder of one file, looked at from outside.
+class DurableFileFolder final
+{
+public:
+    QString path(const char *name = "") const { return m_folder.filePath(QLatin1String(name)); }
+
+    DurableFile file(const SystemCalls &calls = hostSystemCalls()) const
+    {
+        auto folder = hostSystemCalls().openRoot(QFile::encodeName(m_folder.path()));
+        must(folder.has_value(), "opening the folder");
+        return DurableFile(calls, std::move(*folder), kName);
+    }
+
+    QByteArray raw(const char *name = kName) const
+    {
+        QFile file(path(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+    void setRaw(const QByteArray &bytes, const char *name = kName) const
+    {
+        QFile file(path(name));
+        const bool isWritten = file.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
+                               file.write(bytes) == bytes.size();
+        must(isWritten, "writing a file");
+    }
+
+    /// The folder as two writes leave it: an old generation and a previous one.
+    void fill() const
+    {
+        static const QByteArrayList left = leftByTwoWrites();
+        setRaw(left.at(0), "sample");
+        setRaw(left.at(1), "sample.1");
+    }
+
+    QStringList entries(const QString &pattern = QStringLiteral("*")) const
+    {
+        return QDir(m_folder.path()).entryList({pattern}, QDir::AllEntries | QDir::NoDotAndDotDot);
+    }
+
+    QStringList badFiles() const { return entries(QStringLiteral("*.bad-*")); }
+
+private:
+    static QByteArrayList leftByTwoWrites()
+    {
+        const DurableFileFolder folder;
+        DurableFile durable = folder.file();
+        for (const QByteArray &content : {kOlder, kOld}) {
+            const bool isWritten = durable.write(content, Replace::OnlyWhatIsKnown).has_value();
+            must(isWritten, "writing a file");
+        }
+        return {folder.raw("sample"), folder.raw("sample.1")};
+    }
+
+    QTemporaryDir m_folder;
+};

@@ -1,0 +1,46 @@
+#include "platform/files/ExistingPlaces.h"
+
+#include "tests/slices/kit/HomeKit.h"
+#include "tests/support/disk/OpenAccess.h"
+#include "tests/support/run/TestMain.h"
+
+#include <QTest>
+
+class TestExistingPlaces final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void findsWhatIsThere();
+    void endsEarlyWhenStopped();
+};
+
+void TestExistingPlaces::findsWhatIsThere()
+{
+    const MadeHome home({"Movies/old/", "notes.txt"});
+    home.link("link", "nowhere");
+    home.link("away", "Movies");
+    OpenAccess access(home.path());
+    const auto url = [&home](const QByteArray &path) {
+        return home.url().appending(path, FileUrlKind::File);
+    };
+    const FileUrls places{url("Movies/old"), url("missing"), url("notes.txt"),  url("link"),
+                          url("away/old"),   url("a/b/c"),   url("../outside"), FileUrl()};
+    QCOMPARE(existingPlaces(hostSystemCalls(), access, places, {}),
+             FileUrls({url("Movies/old"), url("notes.txt"), url("link")}));
+    QCOMPARE(access.count(), 0);
+}
+
+void TestExistingPlaces::endsEarlyWhenStopped()
+{
+    const MadeHome home({"notes.txt"});
+    OpenAccess access(home.path());
+    std::stop_source stop;
+    stop.request_stop();
+    QVERIFY(existingPlaces(hostSystemCalls(), access,
+                           {home.url().appending("notes.txt", FileUrlKind::File)}, stop.get_token())
+                .isEmpty());
+}
+
+VANTOR_TEST_MAIN(TestExistingPlaces)
+#include "tst_ExistingPlaces.moc"

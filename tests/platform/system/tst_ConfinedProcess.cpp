@@ -1,0 +1,159 @@
+#include "platform/system/ConfinedProcess.h"
+#include "platform/system/FileDescriptor.h"
+#include "tests/support/disk/ScratchFolder.h"
+#include "tests/support/run/TestMain.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTest>
+#include <csignal>
+#include <fcntl.h>
+#include <thread>
+
+namespace {
+
+using namespace std::chrono_literals;
+constexpr std::chrono::milliseconds kLong = 60s;
+
+} // namespace
+
+/// Programs that nobody vouches for: lines of the shell here. $F is the folder of the test.
+class ConfinedProcessTest final : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<ScratchFolder> m_folder;
+
+    QString path(const QByteArray &name) const { return QFile::decodeName(m_folder->path(name)); }
+
+    QByteArray read(const QByteArray &name) const
+    {
+        QFile file(path(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+    ConfinedProcess shell(const char *line, std::chrono::milliseconds patience = kLong) const
+    {
+        ConfinedProcess process;
+        process.program = QStringLiteral("/bin/sh");
+        process.arguments = {QStringLiteral("-c"),
+                             QStringLiteral("F='%1'; %2").arg(path(""), QLatin1String(line))};
+        process.workingFolder = path("");
+        process.patience = patience;
+        return process;
+    }
+
+    /// The process whose number a program has left behind is gone, or is about to be.
+    bool hasEnded(const QByteArray &numberFile) const
+    {
+        const pid_t number = read(numberFile).trimmed().toInt();
+        return number > 0 && QTest::qWaitFor([number] {
+                   QFile status(QStringLiteral("/proc/%1/stat").arg(number));
+                   return ::kill(number, 0) != 0 ||
+                          (status.open(QIODevice::ReadOnly) && status.readAll().contains(") Z "));
+               });
+    }
+
+private Q_SLOTS:
+    void init() { m_folder = std::make_unique<ScratchFolder>(); }
+
+    void tellsWhetherItEndedWell_data()
+    {
+        QTest::addColumn<QByteArray>("line");
+        QTest::addColumn<bool>("isWell");
+        QTest::newRow("well") << QByteArray("exit 0") << true;
+        QTest::newRow("badly") << QByteArray("exit 3") << false;
+        QTest::newRow("by a signal") << QByteArray("kill -SEGV $$") << false;
+    }
+
+    void tellsWhetherItEndedWell()
+    {
+        QFETCH(QByteArray, line);
+        QFETCH(bool, isWell);
+        QCOMPARE(runConfined(shell(line.constData()), {}), isWell);
+    }
+
+    void whatDoesNotExistIsNotRun()
+    {
+        ConfinedProcess process = shell("");
+        process.program = path("no such program");
+        QVERIFY(!runConfined(process, {}));
+    }
+
+    void readsAndWritesWhatItIsGiven()
+    {
+        ConfinedProcess process = shell("cat");
+        process.outputFile = path("output");
+        QVERIFY(runConfined(process, {})); // nothing to read
+        QCOMPARE(read("output"), QByteArray());
+        QFile input(path("input"));
+        QVERIFY(input.open(QIODevice::WriteOnly));
+        input.write("words");
+        input.close();
+        const FileDescriptor file(
+            ::open(m_folder->path("input").constData(), O_RDONLY | O_CLOEXEC));
+        process.input = file.get();
+        QVERIFY(runConfined(process, {}));
+        QCOMPARE(read("output"), QByteArray("words"));
+    }
+
+    void memoryIsLimited()
+    {
+        // dd holds one block of so many bytes.
+        ConfinedProcess process =
+            shell("dd if=/dev/zero of=/dev/null bs=200M count=1 && : >\"$F/done\"");
+        QVERIFY(runConfined(process, {}));
+        QVERIFY(QFile::remove(path("done")));
+        process.limits.memory = 80ULL << 20;
+        QVERIFY(!runConfined(process, {}));
+        QVERIFY(!QFile::exists(path("done")));
+    }
+
+    void processorTimeIsLimited()
+    {
+        ConfinedProcess process = shell("while :; do :; done");
+        process.limits.processorTime = 1s;
+        QElapsedTimer timer;
+        timer.start();
+        QVERIFY(!runConfined(process, {}));
+        QVERIFY(timer.elapsed() < kLong.count());
+    }
+
+    void whatItWritesIsLimited()
+    {
+        ConfinedProcess process = shell("cat /dev/zero >\"$F/large\"");
+        process.limits.fileSize = 1'000'000;
+        QVERIFY(!runConfined(process, {}));
+        QCOMPARE(read("large").size(), 1'000'000);
+    }
+
+    void whatTakesTooLongIsEndedWithItsChildren()
+    {
+        QVERIFY(!runConfined(
+            shell("echo $$ >\"$F/number\"; sleep 600 & echo $! >\"$F/child\"; wait", 300ms), {}));
+        QVERIFY(hasEnded("number"));
+        QVERIFY(hasEnded("child"));
+    }
+
+    void whatItLeavesBehindEndsToo()
+    {
+        QVERIFY(runConfined(shell("sleep 600 & echo $! >\"$F/child\""), {}));
+        QVERIFY(hasEnded("child"));
+    }
+
+    void aStopEndsIt()
+    {
+        std::stop_source stop;
+        const std::jthread other([&] {
+            while (read("number").isEmpty())
+                std::this_thread::yield();
+            stop.request_stop();
+        });
+        QVERIFY(!runConfined(shell("echo $$ >\"$F/number\"; exec sleep 600"), stop.get_token()));
+        QVERIFY(hasEnded("number"));
+    }
+};
+
+VANTOR_TEST_MAIN(ConfinedProcessTest)
+#include "tst_ConfinedProcess.moc"

@@ -1,0 +1,200 @@
+#include "platform/system/SystemCalls.h"
+#include "tests/support/disk/ScratchFolder.h"
+#include "tests/support/run/Must.h"
+#include "tests/support/run/TestMain.h"
+
+#include <QFile>
+#include <QStandardPaths>
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+/// Another process, which does something and then waits to be ended.
+class OtherProcess final
+{
+public:
+    explicit OtherProcess(void (*work)(const char *), const char *argument)
+    {
+        int ready[2];
+        must(::pipe(ready) == 0, "a pipe");
+        const pid_t test = ::getpid();
+        m_process = ::fork();
+        must(m_process >= 0, "a process");
+        if (m_process == 0) {
+            ::prctl(PR_SET_PDEATHSIG, SIGKILL); // it must not outlive a test that is killed
+            must(::getppid() == test, "the test that it is for");
+            work(argument);
+            must(::write(ready[1], "x", 1) == 1, "a sign that it is ready");
+            for (;;)
+                ::pause();
+        }
+        char sign = 0;
+        must(::read(ready[0], &sign, 1) == 1, "waiting for the other process");
+        ::close(ready[0]);
+        ::close(ready[1]);
+    }
+    ~OtherProcess() { end(); }
+    OtherProcess(const OtherProcess &) = delete;
+    OtherProcess &operator=(const OtherProcess &) = delete;
+
+    pid_t number() const { return m_process; }
+    void end()
+    {
+        if (m_process > 0) {
+            ::kill(m_process, SIGKILL);
+            ::waitpid(m_process, nullptr, 0);
+        }
+        m_process = 0;
+    }
+
+private:
+    pid_t m_process = 0;
+};
+
+/// A program in a file of this path: a copy of one that waits for its input to end.
+class OtherProgram final
+{
+public:
+    explicit OtherProgram(const QByteArray &path)
+    {
+        const QString cat = QStandardPaths::findExecutable(QStringLiteral("cat"));
+        must(QFile::copy(cat, QFile::decodeName(path)), "a program");
+        must(::pipe2(m_input.data(), O_CLOEXEC) == 0, "a pipe");
+        posix_spawn_file_actions_t actions;
+        must(::posix_spawn_file_actions_init(&actions) == 0, "what to do with its input");
+        must(::posix_spawn_file_actions_adddup2(&actions, m_input[0], STDIN_FILENO) == 0, "input");
+        // By this name it knows what to do where one file holds many programs.
+        std::array<char, 4> name{"cat"};
+        std::array<char *, 2> words{name.data(), nullptr};
+        must(::posix_spawn(&m_process, path.constData(), &actions, nullptr, words.data(),
+                           environ) == 0,
+             "a process");
+        ::posix_spawn_file_actions_destroy(&actions);
+    }
+    ~OtherProgram() { end(); }
+    OtherProgram(const OtherProgram &) = delete;
+    OtherProgram &operator=(const OtherProgram &) = delete;
+
+    void end()
+    {
+        if (m_process > 0) {
+            ::close(m_input[0]);
+            ::close(m_input[1]);
+            ::waitpid(m_process, nullptr, 0);
+        }
+        m_process = 0;
+    }
+
+private:
+    std::array<int, 2> m_input{};
+    pid_t m_process = 0;
+};
+
+void takeName(const char *name)
+{
+    ::prctl(PR_SET_NAME, name);
+}
+
+void takeLock(const char *path)
+{
+    const int file = ::open(path, O_RDWR | O_CLOEXEC);
+    struct flock lock
+    {
+    };
+    lock.l_type = F_WRLCK;
+    must(::fcntl(file, F_SETLK, &lock) == 0, "a lock");
+}
+
+} // namespace
+
+/// Who else is there: processes, and the locks that they hold.
+class TestProcessList final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void knowsWhichNumbersRun();
+    void knowsWhichProgramsRun();
+    void knowsAProgramByItsFileToo();
+    void seesTheLocksOfOthers();
+    void readsALink();
+};
+
+void TestProcessList::knowsWhichNumbersRun()
+{
+    OtherProcess other(takeName, "other");
+    const pid_t number = other.number();
+    QVERIFY(hostSystemCalls().isRunning(::getpid()));
+    QVERIFY(hostSystemCalls().isRunning(number));
+    other.end();
+    QVERIFY(!hostSystemCalls().isRunning(number));
+    for (const std::int64_t none : {std::int64_t(0), std::int64_t(-1), std::int64_t(1) << 40})
+        QVERIFY(!hostSystemCalls().isRunning(none));
+}
+
+void TestProcessList::knowsWhichProgramsRun()
+{
+    // No other run of this test on the machine has a program of the name.
+    const QByteArray name = "mailer" + QByteArray::number(::getpid());
+    const auto isRunning = [](const QByteArray &program) {
+        return hostSystemCalls().programNames()->contains(program);
+    };
+    QVERIFY(!isRunning(name));
+    OtherProcess other(takeName, name.constData());
+    QVERIFY(isRunning(name));
+    QVERIFY(!isRunning(name.chopped(1)));
+    other.end();
+    QVERIFY(!isRunning(name));
+}
+
+/// It may call itself anything, and the process list cuts its name.
+void TestProcessList::knowsAProgramByItsFileToo()
+{
+    const ScratchFolder place;
+    const QByteArray name = "mailer (of this test) " + QByteArray::number(::getpid());
+    const auto isRunning = [](const QByteArray &program) {
+        return hostSystemCalls().programNames()->contains(program);
+    };
+    QVERIFY(!isRunning(name));
+    OtherProgram other(place.path(name));
+    QVERIFY(isRunning(name));
+    QVERIFY(isRunning(name.first(15)));
+    QVERIFY(QFile::remove(QFile::decodeName(place.path(name)))); // as an update does
+    QVERIFY(isRunning(name));
+    other.end();
+    QVERIFY(!isRunning(name));
+}
+
+void TestProcessList::seesTheLocksOfOthers()
+{
+    const ScratchFolder place;
+    const QByteArray path = place.makeFile("lock");
+    const auto folder = hostSystemCalls().openRoot(place.path().constData());
+    const auto file = hostSystemCalls().openFile(folder->get(), "lock");
+    QVERIFY(!*hostSystemCalls().isLocked(file->get()));
+    OtherProcess other(takeLock, path.constData());
+    QVERIFY(*hostSystemCalls().isLocked(file->get()));
+    other.end();
+    QVERIFY(!*hostSystemCalls().isLocked(file->get()));
+}
+
+void TestProcessList::readsALink()
+{
+    const ScratchFolder place;
+    place.makeLink("lock", "host-\xff-12");
+    place.makeFile("file");
+    const auto folder = hostSystemCalls().openRoot(place.path().constData());
+    QCOMPARE(*hostSystemCalls().readLink(folder->get(), "lock"), QByteArray("host-\xff-12"));
+    QCOMPARE(hostSystemCalls().readLink(folder->get(), "file").error(), EINVAL);
+    QCOMPARE(hostSystemCalls().readLink(folder->get(), "none").error(), ENOENT);
+}
+
+VANTOR_TEST_MAIN(TestProcessList)
+#include "tst_ProcessList.moc"

@@ -1,0 +1,234 @@
+#include "tests/prefs/exclusions/PreferencesFixture.h"
+#include "tests/support/page/SheetDriver.h"
+#include "tests/support/page/StillStyle.h"
+#include "tests/support/run/GuiTestMain.h"
+
+#include <QLineEdit>
+#include <filesystem>
+
+class TestPreferencesWindowController final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void cleanup();
+    void opensEmptyWithoutTheSetting();
+    void writesTheSettingWithTheFirstEntry();
+    void showsTheStoredEntries();
+    void addsWhatThePanelChose();
+    void keepsWhatWasAddedBeforeTheDiskAnswers();
+    void savesAndTellsWhenThePanelIsCancelled();
+    void enablesWhatContainsTheHomeFoldersPath_data();
+    void enablesWhatContainsTheHomeFoldersPath();
+    void enablesEverythingWithoutHomeFolder();
+    void calculatesUntilTheSizeArrives();
+    void addsTheSameFolderTwice();
+    void keepsNamesOfAnyBytes();
+    void keepsWhatItCannotRead();
+    void tellsObserversBeforeItReturns();
+
+private:
+    void add(const QByteArray &relativePath);
+    void choose(const QString &path, const QString &button);
+
+    std::unique_ptr<PreferencesFixture> m_fixture;
+    PreferencesWindowController *m_controller = nullptr;
+};
+
+void TestPreferencesWindowController::initTestCase()
+{
+    QApplication::setStyle(new StillStyle);
+}
+
+void TestPreferencesWindowController::init()
+{
+    m_fixture = std::make_unique<PreferencesFixture>();
+    m_controller = m_fixture->controller.get();
+    m_controller->showWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_controller->window()));
+}
+
+/// What still measures must be over before the test's own log is.
+void TestPreferencesWindowController::cleanup()
+{
+    m_fixture.reset();
+}
+
+void TestPreferencesWindowController::add(const QByteArray &relativePath)
+{
+    const QByteArray path = m_fixture->folder.path(relativePath);
+    const bool isFolder = std::filesystem::is_directory(path.toStdString());
+    m_controller->addPaths({path});
+    QTRY_COMPARE(m_controller->array().constLast()->fileURL(),
+                 FileUrl::fromPath(path, isFolder ? FileUrlKind::Folder : FileUrlKind::File));
+}
+
+void TestPreferencesWindowController::choose(const QString &path, const QString &button)
+{
+    m_fixture->button("addButton")->click();
+    QWidget &window = *m_controller->window();
+    QTRY_VERIFY(sheetPanel(window));
+    const auto nameEdit = [&window] {
+        return sheetPanel(window)->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+    };
+    QTRY_VERIFY(nameEdit());
+    auto *name = nameEdit();
+    name->setFocus();
+    name->selectAll();
+    QTest::keyClicks(name, path);
+    QVERIFY(pressSheetButton(window, button));
+}
+
+void TestPreferencesWindowController::opensEmptyWithoutTheSetting()
+{
+    QCOMPARE(m_controller->array().size(), 0);
+    QCOMPARE(m_controller->excludedPaths(), QStringList());
+    QVERIFY(!m_fixture->defaults->contains(VNTExcludedPathsString));
+}
+
+void TestPreferencesWindowController::writesTheSettingWithTheFirstEntry()
+{
+    const QSignalSpy posted(&m_fixture->changed, &ExcludedFilesChangedNotification::posted);
+    add("Movies");
+    QCOMPARE(m_fixture->setting(), QStringList{m_fixture->stored("Movies")});
+    QVERIFY(m_fixture->setting().constFirst().endsWith(QLatin1String("/Movies/")));
+    QCOMPARE(posted.count(), 2); // once more when it turned out to be a folder
+    add("notes.txt");
+    QCOMPARE(m_fixture->setting(),
+             (QStringList{m_fixture->stored("Movies"),
+                          m_fixture->stored("notes.txt", FileUrlKind::File)}));
+    QCOMPARE(posted.count(), 3);
+}
+
+void TestPreferencesWindowController::showsTheStoredEntries()
+{
+    add("Movies");
+    add("notes.txt");
+    m_fixture->reopenSettings();
+    m_controller = m_fixture->controller.get();
+    m_controller->window();
+    QCOMPARE(m_controller->array().size(), 2);
+    QCOMPARE(m_fixture->text(0, 0), QStringLiteral("Movies"));
+    QCOMPARE(m_fixture->text(1, 0), QStringLiteral("notes.txt"));
+    QTRY_COMPARE(m_fixture->text(0, 1), QStringLiteral("1.2 MB"));
+}
+
+void TestPreferencesWindowController::addsWhatThePanelChose()
+{
+    choose(QString::fromUtf8(m_fixture->folder.path("Music")), QStringLiteral("Add"));
+    QTRY_COMPARE(m_fixture->setting(), QStringList{m_fixture->stored("Music")});
+    choose(QString::fromUtf8(m_fixture->folder.path("notes.txt")), QStringLiteral("Add"));
+    QTRY_COMPARE(m_controller->array().size(), 2);
+    QCOMPARE(m_fixture->setting().constLast(), m_fixture->stored("notes.txt", FileUrlKind::File));
+}
+
+void TestPreferencesWindowController::keepsWhatWasAddedBeforeTheDiskAnswers()
+{
+    const QSignalSpy posted(&m_fixture->changed, &ExcludedFilesChangedNotification::posted);
+    m_fixture->access().hold(); // as a volume that hangs does
+    m_controller->addPaths({m_fixture->folder.path("Movies")});
+    // Nobody knows yet that it is a folder; as a file's, the text keeps it with all it holds.
+    QCOMPARE(m_fixture->setting(), QStringList{m_fixture->stored("Movies", FileUrlKind::File)});
+    QCOMPARE(posted.count(), 1);
+    m_fixture->access().release();
+    QTRY_COMPARE(m_fixture->setting(), QStringList{m_fixture->stored("Movies")});
+    QCOMPARE(posted.count(), 2);
+}
+
+void TestPreferencesWindowController::savesAndTellsWhenThePanelIsCancelled()
+{
+    add("Movies");
+    const QStringList before = m_fixture->setting();
+    // Somebody else's change of the setting would be overwritten: the list is written back whole.
+    m_fixture->defaults->setStrings(VNTExcludedPathsString, {});
+    const QSignalSpy posted(&m_fixture->changed, &ExcludedFilesChangedNotification::posted);
+    choose(QString::fromUtf8(m_fixture->folder.path("Music")), QStringLiteral("Cancel"));
+    QTRY_COMPARE(posted.count(), 1);
+    QCOMPARE(m_fixture->setting(), before);
+    QCOMPARE(m_controller->array().size(), 1);
+}
+
+void TestPreferencesWindowController::enablesWhatContainsTheHomeFoldersPath_data()
+{
+    QTest::addColumn<QByteArray>("path");
+    QTest::addColumn<bool>("isEnabled");
+    QTest::addRow("in it") << QByteArray("/Users/u/Movies") << true;
+    QTest::addRow("itself") << QByteArray("/Users/u") << true;
+    QTest::addRow("elsewhere") << QByteArray("/Applications") << false;
+    QTest::addRow("above") << QByteArray("/Users") << false;
+    QTest::addRow("somewhere within") << QByteArray("/Volumes/x/Users/u/y") << true;
+    QTest::addRow("longer name") << QByteArray("/Users/ulla") << true;
+    QTest::addRow("another letter case") << QByteArray("/users/u/Movies") << false;
+}
+
+void TestPreferencesWindowController::enablesWhatContainsTheHomeFoldersPath()
+{
+    QFETCH(QByteArray, path);
+    m_controller->setHomeFolder(FileUrl::fromPath("/Users/u", FileUrlKind::Folder));
+    QTEST(m_controller->shouldEnable(path), "isEnabled");
+}
+
+void TestPreferencesWindowController::enablesEverythingWithoutHomeFolder()
+{
+    m_controller->setHomeFolder({});
+    QVERIFY(m_controller->shouldEnable("/Applications"));
+}
+
+void TestPreferencesWindowController::calculatesUntilTheSizeArrives()
+{
+    m_fixture->access().hold();
+    add("Movies");
+    QCOMPARE(m_fixture->text(0, 1), QStringLiteral("Calculating..."));
+    m_fixture->access().release();
+    QTRY_COMPARE(m_fixture->text(0, 1), QStringLiteral("1.2 MB"));
+}
+
+void TestPreferencesWindowController::addsTheSameFolderTwice()
+{
+    add("Movies");
+    add("Movies");
+    QCOMPARE(m_controller->array().size(), 2);
+    QCOMPARE(m_fixture->setting(),
+             (QStringList{m_fixture->stored("Movies"), m_fixture->stored("Movies")}));
+    QTRY_COMPARE(m_fixture->text(0, 1), QStringLiteral("1.2 MB"));
+    QTRY_COMPARE(m_fixture->text(1, 1), QStringLiteral("1.2 MB"));
+}
+
+void TestPreferencesWindowController::keepsNamesOfAnyBytes()
+{
+    const QByteArray name("\xff 100% #1\ntwo");
+    m_fixture->folder.makeFolder(name);
+    add(name);
+    m_fixture->reopenSettings();
+    m_controller = m_fixture->controller.get();
+    m_controller->window();
+    QCOMPARE(m_controller->array().constFirst()->fileURL().path(), m_fixture->folder.path(name));
+    QVERIFY(m_controller->array().constFirst()->fileURL().isFolder());
+}
+
+void TestPreferencesWindowController::keepsWhatItCannotRead()
+{
+    const QString unreadable = QStringLiteral("/home/anna/Movies");
+    m_fixture->defaults->setStrings(VNTExcludedPathsString, {unreadable});
+    m_fixture->reopenSettings();
+    m_controller = m_fixture->controller.get();
+    m_controller->window();
+    add("Movies");
+    QCOMPARE(m_fixture->setting(), (QStringList{unreadable, m_fixture->stored("Movies")}));
+}
+
+void TestPreferencesWindowController::tellsObserversBeforeItReturns()
+{
+    QStringList seen;
+    connect(&m_fixture->changed, &ExcludedFilesChangedNotification::posted, this,
+            [&] { seen = m_fixture->setting(); });
+    add("Movies");
+    seen.clear();
+    m_controller->saveURLs();
+    QCOMPARE(seen, QStringList{m_fixture->stored("Movies")});
+}
+
+VANTOR_GUI_TEST_MAIN(TestPreferencesWindowController)
+#include "tst_PreferencesWindowController.moc"

@@ -1,0 +1,110 @@
+#include "slices/cleaning/Protection.h"
+
+#include "tests/slices/kit/CleaningKit.h"
+#include "tests/support/run/TestMain.h"
+
+class TestProtection final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void judgesItemsByTheirPaths_data();
+    void judgesItemsByTheirPaths();
+    void knowsExcludedItemsByTheirNumbers();
+    void keepsWhatItIsToldLater();
+    void knowsNumbersOfItsOwnDeviceOnly();
+
+private:
+    Protection protection(std::uint64_t deviceOffset = 0) const
+    {
+        const CleaningPlan plan = makeCleaningPlan(
+            hostSystemCalls(), *m_home, {contentsOf({m_home->folder("Downloads")})},
+            excluding({m_home->folder("Downloads/way/Keep"), m_home->file("Downloads/ab"),
+                       m_home->file("Downloads/Tool.app/kept")}));
+        const CleaningLocation &location = plan.locations().front();
+        return {plan, location, location.identity.device + deviceOffset};
+    }
+    ino_t inodeOf(const QByteArray &relative) const
+    {
+        struct stat found
+        {
+        };
+        ::lstat((m_downloads + relative).constData(), &found);
+        return found.st_ino;
+    }
+
+    std::unique_ptr<CleaningGround> m_scratch;
+    std::unique_ptr<GrantedFolder> m_home;
+    QByteArray m_downloads;
+};
+
+void TestProtection::init()
+{
+    m_scratch = std::make_unique<CleaningGround>();
+    m_downloads = *m_scratch / "home/Downloads/";
+    for (const char *name : {"way/Keep/a", "ab", "Tool.app/kept", "other"})
+        makeFile(m_downloads + name);
+    m_home = std::make_unique<GrantedFolder>(*m_scratch / "home");
+}
+
+void TestProtection::judgesItemsByTheirPaths_data()
+{
+    QTest::addColumn<QByteArray>("item");
+    QTest::addColumn<FileKind>("kind");
+    QTest::addColumn<Sparing>("sparing");
+    using enum FileKind;
+    QTest::addRow("other file") << QByteArray("other") << Regular << Sparing::None;
+    QTest::addRow("other folder") << QByteArray("folder") << Folder << Sparing::None;
+    QTest::addRow("excluded folder") << QByteArray("way/Keep") << Folder << Sparing::Whole;
+    QTest::addRow("its content") << QByteArray("way/Keep/a") << Regular << Sparing::Whole;
+    QTest::addRow("folder on the way") << QByteArray("way") << Folder << Sparing::OnTheWay;
+    QTest::addRow("link on the way") << QByteArray("way") << Link << Sparing::Whole;
+    QTest::addRow("beside on the way") << QByteArray("way/other") << Folder << Sparing::None;
+    QTest::addRow("excluded file") << QByteArray("ab") << Regular << Sparing::Whole;
+    QTest::addRow("longer than it") << QByteArray("abc") << Folder << Sparing::Whole;
+    QTest::addRow("file shorter than it") << QByteArray("a") << Regular << Sparing::Whole;
+    QTest::addRow("folder shorter than it") << QByteArray("a") << Folder << Sparing::None;
+    QTest::addRow("package on the way") << QByteArray("Tool.app") << Folder << Sparing::Whole;
+    QTest::addRow("other package") << QByteArray("Other.app") << Folder << Sparing::None;
+}
+
+void TestProtection::judgesItemsByTheirPaths()
+{
+    QFETCH(QByteArray, item);
+    QFETCH(FileKind, kind);
+    QFETCH(Sparing, sparing);
+    QVERIFY(protection().isTouched());
+    QCOMPARE(protection().sparing(m_downloads + item, kind), sparing);
+}
+
+void TestProtection::knowsExcludedItemsByTheirNumbers()
+{
+    const Protection known = protection();
+    for (const char *name : {"way/Keep", "ab", "Tool.app/kept"})
+        QVERIFY(known.keepsInode(inodeOf(name)));
+    for (const char *name : {"way", "way/Keep/a", "other"})
+        QVERIFY(!known.keepsInode(inodeOf(name)));
+}
+
+void TestProtection::keepsWhatItIsToldLater()
+{
+    const CleaningPlan plan = makeCleaningPlan(hostSystemCalls(), *m_home,
+                                               {contentsOf({m_home->folder("Downloads")})}, {});
+    const CleaningLocation &location = plan.locations().front();
+    Protection protection(plan, location, location.identity.device);
+    QVERIFY(!protection.isTouched());
+    protection.keep(m_home->folder("Downloads/way/Keep"));
+    QVERIFY(protection.isTouched());
+    QCOMPARE(protection.sparing(m_downloads + "way/Keep", FileKind::Folder), Sparing::Whole);
+    QCOMPARE(protection.sparing(m_downloads + "way", FileKind::Folder), Sparing::OnTheWay);
+    QCOMPARE(protection.sparing(m_downloads + "other", FileKind::Regular), Sparing::None);
+}
+
+void TestProtection::knowsNumbersOfItsOwnDeviceOnly()
+{
+    QVERIFY(!protection(1).keepsInode(inodeOf("ab")));
+}
+
+VANTOR_TEST_MAIN(TestProtection)
+#include "tst_Protection.moc"

@@ -1,0 +1,163 @@
+#include "slices/cleaning/RecordPlaces.h"
+
+#include "slices/record/Info.h"
+#include "slices/sizing/FolderSizing.h"
+#include "tests/slices/kit/HomeKit.h"
+#include "tests/support/disk/ForwardingSystemCalls.h"
+#include "tests/support/run/TestMain.h"
+
+#include <unistd.h>
+
+/// What the records know of the places that programs use.
+class TestRecordPlaces final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+
+    void givesTheRecordsWhatIsNotInUse();
+    void givesThemBackWhatIsNoLongerInUse();
+    void measuresOnlyWhatHasChanged();
+    void takesAwayWhatIsNewlyInUse();
+    void givesNothingBackOfWhatWasConfirmed();
+    void takesOffWhatWasMeasuredOfThePlacesThatStayed();
+    void takesOffNothingOfWhatWasKeptAnyway();
+
+private:
+    void firefoxRuns() const
+    {
+        m_home->link(".mozilla/firefox/a/lock", "127.0.1.1:+" + QByteArray::number(::getpid()));
+    }
+    void firefoxEnds() const { ::unlink(m_home->path(".mozilla/firefox/a/lock").constData()); }
+    ProgramsInUse inUse() const { return ProgramsInUse::find(m_calls, m_home->access(), m_layout); }
+    qint64 sizeOf(const FileUrl &url, const FileUrls &kept) const
+    {
+        const SizingRules rules{.kept = pathsInside(url, kept)};
+        return measureFolder(m_calls, *m_home->access().anchoredPath(url), {}, 1, rules).bytes;
+    }
+    ProgramPlaceSizes measured() const
+    {
+        return measureProgramPlaces(
+            {m_cache, m_browserData}, m_layout,
+            [this](const FileUrl &url, const FileUrls &kept) { return sizeOf(url, kept); });
+    }
+    std::shared_ptr<Info> record(SliceKind kind)
+    {
+        const auto measure = [this](const FileUrl &url, const FileUrls &kept) {
+            ++m_measures;
+            return sizeOf(url, kept);
+        };
+        return Info::infoWithName(QString::fromUtf16(sliceCatalogue()[indexOf(kind)].name),
+                                  m_layout.locations(kind), {measure, nullptr});
+    }
+
+    ForwardingSystemCalls m_calls;
+    std::unique_ptr<MadeHome> m_home;
+    HomeLayout m_layout;
+    std::shared_ptr<Info> m_cache;
+    std::shared_ptr<Info> m_browserData;
+    int m_measures = 0;
+};
+
+void TestRecordPlaces::init()
+{
+    m_home = std::make_unique<MadeHome>();
+    m_home->make(".cache/other/c", QByteArray(1, 'x'));
+    m_home->make(".cache/mozilla/firefox/a/c", QByteArray(20, 'x'));
+    m_home->make(".mozilla/firefox/a/cookies.sqlite", QByteArray(300, 'x'));
+    m_home->nameFirefoxProfiles({"a"});
+    m_layout = m_home->survey();
+    m_cache = record(SliceKind::Cache);
+    m_browserData = record(SliceKind::BrowserData);
+    placeRecords({m_cache, m_browserData}, m_layout, {});
+    m_cache->fileSizeString();
+    m_browserData->fileSizeString();
+    QCOMPARE(m_cache->fileSize(), 21);
+    QCOMPARE(m_browserData->fileSize(), 300);
+    m_measures = 0;
+}
+
+void TestRecordPlaces::givesTheRecordsWhatIsNotInUse()
+{
+    firefoxRuns();
+    placeRecords({m_cache, m_browserData}, m_layout, inUse());
+    QCOMPARE(m_home->relative(*m_cache->fileURLs()), QByteArrayList{".cache/"});
+    QCOMPARE(m_home->relative(m_cache->kept()), QByteArrayList{".cache/mozilla/"});
+    QVERIFY(!m_cache->isMeasured()); // whoever needs the size asks for it
+    QCOMPARE(m_cache->fileSizeString(), QStringLiteral("1 byte"));
+    QCOMPARE(m_cache->fileSize(), 1);
+    QCOMPARE(m_browserData->fileURLs(), FileUrls());
+    QCOMPARE(m_browserData->fileSizeString(), QStringLiteral("Empty"));
+}
+
+void TestRecordPlaces::givesThemBackWhatIsNoLongerInUse()
+{
+    firefoxRuns();
+    placeRecords({m_cache, m_browserData}, m_layout, inUse());
+    firefoxEnds();
+    placeRecords({m_cache, m_browserData}, m_layout, inUse());
+    QVERIFY(m_cache->kept().isEmpty());
+    QCOMPARE(m_cache->fileSizeString(), QStringLiteral("21 bytes"));
+    QCOMPARE(m_browserData->fileSizeString(), QStringLiteral("300 bytes"));
+}
+
+void TestRecordPlaces::measuresOnlyWhatHasChanged()
+{
+    placeRecords({m_cache, m_browserData}, m_layout, inUse());
+    QVERIFY(m_cache->isMeasured());
+    firefoxRuns();
+    placeRecords({m_cache}, m_layout, inUse());
+    m_cache->fileSizeString();
+    placeRecords({m_cache}, m_layout, inUse());
+    m_cache->fileSizeString();
+    QCOMPARE(m_measures, 1);
+}
+
+void TestRecordPlaces::takesAwayWhatIsNewlyInUse()
+{
+    firefoxRuns();
+    const FileUrls takenAway = takeAwayPlacesInUse({m_cache, m_browserData}, inUse());
+    QCOMPARE(m_home->relative(takenAway),
+             QByteArrayList({".cache/mozilla/", ".mozilla/firefox/a/cookies.sqlite"}));
+    QCOMPARE(m_home->relative(m_cache->kept()), QByteArrayList{".cache/mozilla/"});
+    QCOMPARE(m_cache->fileSize(), 1);
+    QCOMPARE(m_browserData->fileSize(), 0);
+    QCOMPARE(takeAwayPlacesInUse({m_cache, m_browserData}, inUse()), FileUrls());
+}
+
+void TestRecordPlaces::givesNothingBackOfWhatWasConfirmed()
+{
+    firefoxRuns();
+    placeRecords({m_cache, m_browserData}, m_layout, inUse());
+    m_cache->fileSizeString();
+    firefoxEnds();
+    QCOMPARE(takeAwayPlacesInUse({m_cache, m_browserData}, inUse()), FileUrls());
+    QCOMPARE(m_home->relative(m_cache->kept()), QByteArrayList{".cache/mozilla/"});
+    QCOMPARE(m_cache->fileSize(), 1);
+    QCOMPARE(m_browserData->fileURLs(), FileUrls());
+}
+
+void TestRecordPlaces::takesOffWhatWasMeasuredOfThePlacesThatStayed()
+{
+    const ProgramPlaceSizes sizes = measured();
+    m_home->make(".cache/mozilla/firefox/a/new", QByteArray(4000, 'x'));
+    takeAwaySizes(sizes, {m_home->path(".cache/mozilla"), m_home->path(".cache/other")});
+    QCOMPARE(m_cache->fileSize(), 1);
+    QCOMPARE(m_browserData->fileSize(), 300);
+    takeAwaySizes(sizes, {m_home->path(".mozilla/firefox/a/cookies.sqlite")});
+    QCOMPARE(m_browserData->fileSize(), 0);
+    takeAwaySizes(sizes, {m_home->path(".mozilla/firefox/a/cookies.sqlite")});
+    QCOMPARE(m_browserData->fileSize(), 0);
+}
+
+void TestRecordPlaces::takesOffNothingOfWhatWasKeptAnyway()
+{
+    firefoxRuns();
+    takeAwayPlacesInUse({m_cache, m_browserData}, inUse());
+    takeAwaySizes(measured(), {m_home->path(".cache/mozilla")});
+    QCOMPARE(m_cache->fileSize(), 1);
+}
+
+VANTOR_TEST_MAIN(TestRecordPlaces)
+#include "tst_RecordPlaces.moc"

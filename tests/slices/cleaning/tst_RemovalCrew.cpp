@@ -1,0 +1,159 @@
+#include "slices/cleaning/RemovalCrew.h"
+
+#include "tests/slices/kit/CleaningKit.h"
+#include "tests/slices/kit/HookedCalls.h"
+#include "tests/support/run/TestMain.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
+namespace {
+
+/// Says that what is cleaned lies on a disk, and looks on.
+class OnDisk : public HookedCalls
+{
+public:
+    bool isInMemory(int) const override { return false; }
+    std::optional<int> before(const char *call, int, const char *) const override
+    {
+        std::unique_lock lock(m_mutex);
+        m_threads.insert(std::this_thread::get_id());
+        m_changed.notify_all();
+        if (m_waitsForTwo && QByteArrayView(call) == "removeFile")
+            m_changed.wait_for(lock, kLongest, [this] { return m_threads.size() > 1; });
+        if (m_stop && QByteArrayView(call) == "removeFile" && ++m_removals == m_stopAfter)
+            m_stop->request_stop();
+        return {};
+    }
+
+    /// Lets the first thread remove nothing before there is a second one.
+    void waitForTwo() { m_waitsForTwo = true; }
+    std::size_t threads() const { return m_threads.size(); }
+    void stopAfter(int removals, std::stop_source &stop)
+    {
+        m_stopAfter = removals;
+        m_stop = &stop;
+    }
+
+private:
+    static constexpr std::chrono::seconds kLongest{30};
+
+    mutable std::mutex m_mutex;
+    mutable std::condition_variable m_changed;
+    mutable std::set<std::thread::id> m_threads;
+    mutable int m_removals = 0;
+    bool m_waitsForTwo = false;
+    int m_stopAfter = 0;
+    std::stop_source *m_stop = nullptr;
+};
+
+} // namespace
+
+class TestRemovalCrew final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void sharesAWideFolderBetweenThreads();
+    void removesManyFoldersInFolders();
+    void worksAloneInMemory();
+    void stopsBeforeTheNextItem();
+    void endsWhereThereIsNothing();
+
+private:
+    CleaningReport cleanWith(const SystemCalls &calls, std::stop_token stop = {}) const
+    {
+        const LogRecorder silenced;
+        const CleaningPlan plan =
+            makeCleaningPlan(calls, *m_home, {contentsOf({m_home->folder("Downloads")})}, {});
+        return performCleaning(calls, plan, std::move(stop));
+    }
+    int makeMany(int folders, int files) const
+    {
+        for (int i = 0; i < folders * files; ++i)
+            makeFile(m_downloads + '/' + QByteArray::number(i % 7) + '/' +
+                         QByteArray::number(i % folders) + '/' + QByteArray::number(i),
+                     {});
+        return int(tree(m_downloads).size());
+    }
+
+    std::unique_ptr<CleaningGround> m_scratch;
+    std::unique_ptr<GrantedFolder> m_home;
+    QByteArray m_downloads;
+};
+
+void TestRemovalCrew::init()
+{
+    m_scratch = std::make_unique<CleaningGround>();
+    m_downloads = *m_scratch / "home/Downloads";
+    makeFolder(m_downloads);
+    m_home = std::make_unique<GrantedFolder>(*m_scratch / "home");
+}
+
+void TestRemovalCrew::sharesAWideFolderBetweenThreads()
+{
+    constexpr int kFiles = 4000;
+    for (int i = 0; i < kFiles; ++i)
+        makeFile(m_downloads + "/wide/" + QByteArray::number(i), {});
+    OnDisk calls;
+    calls.waitForTwo();
+    const CleaningReport report = cleanWith(calls);
+    QCOMPARE(calls.threads(), std::size_t(2));
+    QCOMPARE(report.removedItems, std::uint64_t(kFiles + 1));
+    QVERIFY(tree(m_downloads).empty());
+}
+
+void TestRemovalCrew::removesManyFoldersInFolders()
+{
+    const int items = makeMany(60, 50);
+    const OnDisk calls;
+    const CleaningReport report = cleanWith(calls);
+    QCOMPARE(report.removedItems, std::uint64_t(items));
+    QVERIFY(report.failures.isEmpty() && report.refusals.isEmpty());
+    QVERIFY(tree(m_downloads).empty());
+}
+
+void TestRemovalCrew::worksAloneInMemory()
+{
+    class InMemory final : public OnDisk
+    {
+    public:
+        bool isInMemory(int) const override { return true; }
+    };
+    makeMany(20, 20);
+    const InMemory calls;
+    cleanWith(calls);
+    QCOMPARE(calls.threads(), std::size_t(1));
+    QVERIFY(tree(m_downloads).empty());
+}
+
+void TestRemovalCrew::stopsBeforeTheNextItem()
+{
+    constexpr int kFiles = 2000;
+    constexpr int kBefore = 100;
+    for (int i = 0; i < kFiles; ++i)
+        makeFile(m_downloads + '/' + QByteArray::number(i), {});
+    std::stop_source stop;
+    OnDisk calls;
+    calls.stopAfter(kBefore, stop);
+    const CleaningReport report = cleanWith(calls, stop.get_token());
+    QVERIFY(report.wasStopped);
+    QVERIFY(report.failures.isEmpty() && report.refusals.isEmpty());
+    // The other thread may be at an item, too.
+    QVERIFY(report.removedItems >= kBefore && report.removedItems <= kBefore + 1);
+    QCOMPARE(tree(m_downloads).size() + report.removedItems, std::size_t(kFiles));
+}
+
+void TestRemovalCrew::endsWhereThereIsNothing()
+{
+    const OnDisk calls;
+    QCOMPARE(cleanWith(calls).removedItems, std::uint64_t(0));
+    makeFolder(m_downloads + "/empty");
+    QCOMPARE(cleanWith(calls).removedItems, std::uint64_t(1));
+}
+
+VANTOR_TEST_MAIN(TestRemovalCrew)
+#include "tst_RemovalCrew.moc"

@@ -1,0 +1,133 @@
+#include "slices/cleaning/RemovalSteps.h"
+
+#include "tests/slices/kit/CleaningKit.h"
+#include "tests/slices/kit/HookedCalls.h"
+#include "tests/support/run/TestMain.h"
+
+#include <cerrno>
+#include <dirent.h>
+
+namespace {
+
+/// A file system that lists names, but neither kinds nor numbers that mean anything.
+class CuriousListing final : public ForwardingSystemCalls
+{
+public:
+    SystemResult<std::size_t> readEntries(int folder, std::span<char> buffer) const override
+    {
+        const auto filled = ForwardingSystemCalls::readEntries(folder, buffer);
+        for (std::size_t at = 0; filled && at < *filled;) {
+            auto *entry = reinterpret_cast<dirent64 *>(buffer.data() + at);
+            entry->d_type = DT_UNKNOWN;
+            entry->d_ino = 1;
+            at += entry->d_reclen;
+        }
+        return filled;
+    }
+};
+
+/// A folder that is a volume of its own without being a mount, as some file systems have them.
+class SubVolume final : public ForwardingSystemCalls
+{
+public:
+    SubVolume(ino_t inode, bool isInMemory) : m_inode(inode), m_isInMemory(isInMemory) {}
+    bool isInMemory(int) const override { return m_isInMemory; }
+    SystemResult<FileStatus> statusOf(int descriptor) const override
+    {
+        auto status = ForwardingSystemCalls::statusOf(descriptor);
+        if (status && status->inode == m_inode)
+            ++status->device;
+        return status;
+    }
+
+private:
+    ino_t m_inode;
+    bool m_isInMemory;
+};
+
+} // namespace
+
+class TestRemovalSteps final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void asksForKindsThatAreNotListed();
+    void knowsExclusionsThatAreListedWithoutTheirNumbers();
+    void leavesVolumesThatAreNoMounts_data();
+    void leavesVolumesThatAreNoMounts();
+    void explainsWhyAFolderCouldNotBeEntered();
+
+private:
+    CleaningReport cleanWith(const SystemCalls &calls, const FileUrls &excluded = {}) const
+    {
+        return clean(*m_home, {contentsOf({m_home->folder("Downloads")})}, excluding(excluded),
+                     calls);
+    }
+
+    std::unique_ptr<CleaningGround> m_scratch;
+    std::unique_ptr<GrantedFolder> m_home;
+    QByteArray m_downloads;
+};
+
+void TestRemovalSteps::init()
+{
+    m_scratch = std::make_unique<CleaningGround>();
+    m_downloads = *m_scratch / "home/Downloads";
+    for (const char *name : {"folder/inner/a", "folder/b", "c"})
+        makeFile(m_downloads + '/' + name);
+    makeLink(m_downloads + "/link", *m_scratch / "outside");
+    makeFile(*m_scratch / "outside/precious");
+    m_home = std::make_unique<GrantedFolder>(*m_scratch / "home");
+}
+
+void TestRemovalSteps::asksForKindsThatAreNotListed()
+{
+    const CleaningReport report = cleanWith(CuriousListing());
+    QVERIFY(report.failures.isEmpty() && report.refusals.isEmpty());
+    QVERIFY(tree(m_downloads).empty());
+    QVERIFY(exists(*m_scratch / "outside/precious"));
+}
+
+void TestRemovalSteps::knowsExclusionsThatAreListedWithoutTheirNumbers()
+{
+    std::filesystem::create_hard_link(native(m_downloads + "/c"), native(m_downloads + "/twin"));
+    const FileUrls excluded{m_home->file("Downloads/c"), m_home->folder("Downloads/folder/inner")};
+    cleanWith(CuriousListing(), excluded);
+    QCOMPARE(tree(m_downloads),
+             std::set<QByteArray>({"c", "twin", "folder", "folder/inner", "folder/inner/a"}));
+}
+
+void TestRemovalSteps::leavesVolumesThatAreNoMounts_data()
+{
+    QTest::addColumn<bool>("isInMemory");
+    QTest::addRow("in memory") << true;
+    QTest::addRow("on disk") << false;
+}
+
+void TestRemovalSteps::leavesVolumesThatAreNoMounts()
+{
+    QFETCH(bool, isInMemory);
+    struct stat found
+    {
+    };
+    ::lstat((m_downloads + "/folder/inner").constData(), &found);
+    const CleaningReport report = cleanWith(SubVolume(found.st_ino, isInMemory));
+    QCOMPARE(tree(m_downloads), std::set<QByteArray>({"folder", "folder/inner", "folder/inner/a"}));
+    QVERIFY(report.failures.isEmpty());
+    QCOMPARE(report.refusals.size(), 1);
+    QCOMPARE(report.refusals.first().path, m_downloads + "/folder/inner");
+    QCOMPARE(report.refusals.first().reason, RefusalReason::OtherFileSystem);
+}
+
+void TestRemovalSteps::explainsWhyAFolderCouldNotBeEntered()
+{
+    QCOMPARE(refusalReason(ELOOP), RefusalReason::Changed);
+    QCOMPARE(refusalReason(ENOTDIR), RefusalReason::Changed);
+    QCOMPARE(refusalReason(EXDEV), RefusalReason::OtherFileSystem);
+    QCOMPARE(refusalReason(EACCES), RefusalReason::Unreadable);
+}
+
+VANTOR_TEST_MAIN(TestRemovalSteps)
+#include "tst_RemovalSteps.moc"

@@ -1,0 +1,132 @@
+#include "slices/exclusions/ResolvedExclusions.h"
+#include "tests/slices/kit/CleaningKit.h"
+#include "tests/support/disk/ForwardingSystemCalls.h"
+#include "tests/support/run/TestMain.h"
+
+#include <cerrno>
+
+class TestResolvedExclusions final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+
+    void findsWhatLiesInTheGrantedFolder();
+    void addsNothingForPlainPaths();
+    void keepsALinkInTheGrantedFolderItself();
+    void knowsAnExclusionBehindALink_data();
+    void knowsAnExclusionBehindALink();
+    void isLostWithoutHarmWhereNothingIs();
+    void stopsEverythingWhileItCannotBeLookedAt();
+
+private:
+    ResolvedExclusions resolved(const FileUrl &url,
+                                const SystemCalls &calls = hostSystemCalls()) const
+    {
+        return resolveExclusions(calls, *m_home, excluding({url}));
+    }
+    FileUrl folder(const QByteArray &relative) const
+    {
+        return FileUrl::fromPath(*m_scratch / relative, FileUrlKind::Folder);
+    }
+    static std::uint64_t inodeOf(const QByteArray &path)
+    {
+        struct stat found
+        {
+        };
+        return ::lstat(path.constData(), &found) == 0 ? found.st_ino : 0;
+    }
+
+    std::unique_ptr<CleaningGround> m_scratch;
+    std::unique_ptr<GrantedFolder> m_home;
+};
+
+void TestResolvedExclusions::init()
+{
+    m_scratch = std::make_unique<CleaningGround>();
+    makeFile(*m_scratch / "home/Downloads/Keep/film");
+    makeFile(*m_scratch / "home/Downloads/other");
+    m_home = std::make_unique<GrantedFolder>(*m_scratch / "home");
+}
+
+void TestResolvedExclusions::findsWhatLiesInTheGrantedFolder()
+{
+    const ResolvedExclusions found = resolved(m_home->folder("Downloads/Keep"));
+    QCOMPARE(found.identities.size(), std::size_t(1));
+    QCOMPARE(found.identities[0].inode, inodeOf(*m_scratch / "home/Downloads/Keep"));
+    QVERIFY(found.lost.empty());
+}
+
+void TestResolvedExclusions::addsNothingForPlainPaths()
+{
+    makeFile(*m_scratch / "outside/file");
+    for (const FileUrl &url : {m_home->folder("Downloads/Keep"), folder("outside")})
+        QCOMPARE(resolved(url).paths.urls(), FileUrls{url});
+    QCOMPARE(resolved(FileUrl::fromPath("/", FileUrlKind::Folder)).paths.urls().size(), 1);
+}
+
+void TestResolvedExclusions::keepsALinkInTheGrantedFolderItself()
+{
+    makeLink(*m_scratch / "home/Downloads/link", *m_scratch / "home/Downloads/Keep");
+    const ResolvedExclusions found = resolved(m_home->file("Downloads/link"));
+    QCOMPARE(found.identities.size(), std::size_t(1));
+    QCOMPARE(found.identities[0].inode, inodeOf(*m_scratch / "home/Downloads/link"));
+}
+
+void TestResolvedExclusions::knowsAnExclusionBehindALink_data()
+{
+    QTest::addColumn<QByteArray>("link");
+    QTest::addColumn<QByteArray>("target");
+    QTest::addColumn<QByteArray>("excluded");
+    QTest::addRow("to the home") << QByteArray("link") << QByteArray("home")
+                                 << QByteArray("link/Downloads/Keep");
+    QTest::addRow("to the place") << QByteArray("link") << QByteArray("home/Downloads")
+                                  << QByteArray("link/Keep");
+    QTest::addRow("to the very folder")
+        << QByteArray("link") << QByteArray("home/Downloads/Keep") << QByteArray("link");
+    QTest::addRow("inside the home")
+        << QByteArray("home/Documents/link") << QByteArray("home/Downloads")
+        << QByteArray("home/Documents/link/Keep");
+}
+
+void TestResolvedExclusions::knowsAnExclusionBehindALink()
+{
+    QFETCH(QByteArray, link);
+    QFETCH(QByteArray, target);
+    QFETCH(QByteArray, excluded);
+    makeLink(*m_scratch / link, *m_scratch / target);
+    const FileUrl url = FileUrl::fromPath(*m_scratch / excluded, FileUrlKind::Folder);
+    const CleaningPlan plan = makeCleaningPlan(
+        hostSystemCalls(), *m_home, {contentsOf({m_home->folder("Downloads")})}, excluding({url}));
+    QCOMPARE(plan.locations().size(), std::size_t(1));
+    QVERIFY(plan.locations().front().isTouched);
+    performCleaning(hostSystemCalls(), plan, {});
+    QVERIFY(exists(*m_scratch / "home/Downloads/Keep/film"));
+    QVERIFY(!exists(*m_scratch / "home/Downloads/other"));
+}
+
+void TestResolvedExclusions::isLostWithoutHarmWhereNothingIs()
+{
+    const ResolvedExclusions found = resolved(folder("elsewhere/gone"));
+    QVERIFY(found.identities.empty());
+    QCOMPARE(found.lost.size(), std::size_t(1));
+    QVERIFY(!found.lost[0].isHidden);
+}
+
+void TestResolvedExclusions::stopsEverythingWhileItCannotBeLookedAt()
+{
+    const ForwardingSystemCalls closed(
+        [](int, std::string_view name) { return name == "realPath" ? EACCES : 0; });
+    QVERIFY(resolved(folder("closed/x"), closed).lost.at(0).isHidden);
+    const CleaningPlan plan =
+        makeCleaningPlan(closed, *m_home, {contentsOf({m_home->folder("Downloads")})},
+                         excluding({folder("closed/x")}));
+    QVERIFY(plan.locations().empty());
+    QCOMPARE(plan.refusals().size(), 1);
+    QCOMPARE(plan.refusals().first().reason, RefusalReason::UnresolvedExclusion);
+    QCOMPARE(plan.refusals().first().error, EACCES);
+}
+
+VANTOR_TEST_MAIN(TestResolvedExclusions)
+#include "tst_ResolvedExclusions.moc"

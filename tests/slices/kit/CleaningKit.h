@@ -1,0 +1,160 @@
+#pragma once
+
+#include "slices/cleaning/Cleaning.h"
+#include "tests/support/run/LogRecorder.h"
+
+#include <QByteArrayList>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <set>
+#include <string>
+#include <sys/stat.h>
+
+/// What the tests of cleaning share: places to clean, trees, and what is left of them.
+
+/// A folder of the test's own, gone with it. In memory where that is fast enough to try thousands
+/// of trees; nothing is ever cleaned outside one.
+class CleaningGround final
+{
+public:
+    enum class Medium { Memory, Disk };
+
+    explicit CleaningGround(Medium medium = Medium::Memory)
+    {
+        const bool isInMemory = medium == Medium::Memory && std::filesystem::exists("/dev/shm");
+        std::string pattern = isInMemory ? "/dev/shm/vantor-XXXXXX" : "/tmp/vantor-XXXXXX";
+        if (!::mkdtemp(pattern.data()))
+            qFatal("a test of cleaning needs a folder of its own");
+        m_path = QByteArray::fromStdString(pattern);
+    }
+    ~CleaningGround()
+    {
+        std::error_code ignored;
+        std::filesystem::remove_all(m_path.toStdString(), ignored);
+    }
+    CleaningGround(const CleaningGround &) = delete;
+    CleaningGround &operator=(const CleaningGround &) = delete;
+
+    QByteArray path() const { return m_path; }
+    QByteArray operator/(const QByteArray &relative) const { return m_path + '/' + relative; }
+
+private:
+    QByteArray m_path;
+};
+
+inline std::filesystem::path native(const QByteArray &path)
+{
+    return std::filesystem::path(path.toStdString());
+}
+
+inline void makeFolder(const QByteArray &path)
+{
+    std::filesystem::create_directories(native(path));
+}
+
+/// With the folders around it.
+inline void makeFile(const QByteArray &path, const QByteArray &content = "x")
+{
+    std::filesystem::create_directories(native(path).parent_path());
+    std::ofstream(native(path), std::ios::binary) << content.toStdString();
+}
+
+inline void makeLink(const QByteArray &path, const QByteArray &target)
+{
+    std::filesystem::create_directories(native(path).parent_path());
+    std::filesystem::create_symlink(native(target), native(path));
+}
+
+inline bool exists(const QByteArray &path)
+{
+    struct stat found
+    {
+    };
+    return ::lstat(path.constData(), &found) == 0;
+}
+
+/// Everything below a folder, as relative paths in the bytes of their names.
+inline std::set<QByteArray> tree(const QByteArray &folder)
+{
+    std::set<QByteArray> found;
+    const auto skip = static_cast<qsizetype>(folder.size() + 1);
+    for (const auto &entry : std::filesystem::recursive_directory_iterator(native(folder)))
+        found.insert(QByteArray::fromStdString(entry.path().native()).sliced(skip));
+    return found;
+}
+
+/// The descriptors that this process has open.
+inline std::size_t openDescriptors()
+{
+    const std::filesystem::directory_iterator all("/proc/self/fd");
+    return static_cast<std::size_t>(std::distance(begin(all), end(all)));
+}
+
+/// Stands for the granted home folder.
+class GrantedFolder final : public FileAccess
+{
+public:
+    explicit GrantedFolder(const QByteArray &path) : m_path(path)
+    {
+        auto opened = hostSystemCalls().openRoot(path.constData());
+        if (opened)
+            m_anchor = std::make_shared<const FileDescriptor>(std::move(*opened));
+    }
+
+    void startAccessing() override {}
+    void stopAccessing() override {}
+    std::optional<AnchoredPath> anchoredPath(const FileUrl &url) const override
+    {
+        if (url.path() == m_path)
+            return AnchoredPath{m_anchor, {}};
+        if (!url.path().startsWith(m_path + '/'))
+            return std::nullopt;
+        return AnchoredPath{m_anchor, url.path().sliced(m_path.size() + 1)};
+    }
+
+    FileUrl folder(const QByteArray &relative) const
+    {
+        return FileUrl::fromPath(m_path + '/' + relative, FileUrlKind::Folder);
+    }
+    FileUrl file(const QByteArray &relative) const
+    {
+        return FileUrl::fromPath(m_path + '/' + relative, FileUrlKind::File);
+    }
+
+private:
+    QByteArray m_path;
+    std::shared_ptr<const FileDescriptor> m_anchor;
+};
+
+inline QString stored(const FileUrl &url)
+{
+    return QString::fromLatin1(url.absoluteString());
+}
+
+inline ExcludedPaths excluding(const FileUrls &urls)
+{
+    QStringList strings;
+    for (const FileUrl &url : urls)
+        strings.append(stored(url));
+    return ExcludedPaths::fromStoredStrings(strings);
+}
+
+inline SliceToClean contentsOf(const FileUrls &folders)
+{
+    return {QStringLiteral("Downloads"), folders, CleaningMode::ContentsOfFolders};
+}
+
+inline SliceToClean theFiles(const FileUrls &files)
+{
+    return {QStringLiteral("Browser Data"), files, CleaningMode::TheVeryFiles};
+}
+
+/// Plans and performs, as the page does.
+inline CleaningReport clean(const FileAccess &access, const QList<SliceToClean> &slices,
+                            const ExcludedPaths &excluded = {},
+                            const SystemCalls &calls = hostSystemCalls())
+{
+    return performCleaning(calls, makeCleaningPlan(calls, access, slices, excluded), {});
+}

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "tests/support/disk/ForwardingSystemCalls.h"
+
+#include <set>
+
+/// A machine called "desk" on which just these run.
+class MadeMachine final : public ForwardingSystemCalls
+{
+public:
+    using ForwardingSystemCalls::ForwardingSystemCalls;
+
+    std::set<std::int64_t> processes;
+    SystemResult<QByteArrayList> programs;
+    SystemResult<bool> locked = false;
+
+    bool isRunning(std::int64_t process) const override { return processes.contains(process); }
+    SystemResult<QByteArrayList> programNames() const override { return programs; }
+    QByteArray hostName() const override { return "desk"; }
+    SystemResult<bool> isLocked(int) const override { return locked; }
+};

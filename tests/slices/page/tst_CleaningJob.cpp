@@ -1,0 +1,264 @@
+#include "slices/page/CleaningJob.h"
+
+#include "app/grant/ResourceManager.h"
+#include "slices/exclusions/ExcludedPaths.h"
+#include "slices/record/Info.h"
+#include "slices/record/SliceCatalogue.h"
+#include "slices/sizing/FolderSizing.h"
+#include "tests/support/disk/ForwardingSystemCalls.h"
+#include "tests/support/page/PageFixture.h"
+#include "tests/support/run/GuiTestMain.h"
+
+#include <QRegularExpression>
+#include <QScopeGuard>
+#include <QSignalSpy>
+#include <QThread>
+#include <atomic>
+#include <cerrno>
+
+namespace {
+
+const CleaningJob::Exclusions kNothingExcluded = [] { return ExcludedPaths(); };
+
+/// Holds every removal of a file until it is opened.
+class Gate final
+{
+public:
+    ForwardingSystemCalls::Hook hook()
+    {
+        return [this](int, std::string_view name) {
+            if (name == "removeFile") {
+                ++m_arrivals;
+                m_isOpen.wait(false);
+            }
+            return 0;
+        };
+    }
+    /// How many removals were begun.
+    int arrivals() const { return m_arrivals; }
+    void open()
+    {
+        m_isOpen = true;
+        m_isOpen.notify_all();
+    }
+
+private:
+    std::atomic<int> m_arrivals = 0;
+    std::atomic<bool> m_isOpen = false;
+};
+
+} // namespace
+
+class TestCleaningJob final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void emptiesFoldersAndKeepsThem();
+    void removesTheVeryFilesOfBrowserData();
+    void measuresBeforeItRemoves();
+    void tellsOnTheMainThread();
+    void logsAndLeavesWhatIsLocked();
+    void stopsBeforeTheNextItem();
+    void isOverOnceItIsDestroyed();
+    void asksForTheExclusionsAfterMeasuring();
+    void cleansWhatItWasStartedWith();
+    void removesNothingWhileTheExclusionsAreUnknown();
+
+private:
+    std::shared_ptr<Info> record(SliceKind kind) const;
+    CleaningReport clean(const std::vector<std::shared_ptr<Info>> &chosen);
+    void makeTrash(int files);
+
+    std::unique_ptr<PageFixture> m_fixture;
+    ForwardingSystemCalls m_calls;
+};
+
+void TestCleaningJob::init()
+{
+    m_calls.setHook({});
+    m_fixture = std::make_unique<PageFixture>();
+    m_fixture->grantHome();
+    QVERIFY(ResourceManager::homeFolder() == m_fixture->homeUrl()); // as the page does first
+}
+
+void TestCleaningJob::cleanup()
+{
+    QCOMPARE(ResourceManager::accessCount(), 0);
+    m_fixture.reset();
+}
+
+std::shared_ptr<Info> TestCleaningJob::record(SliceKind kind) const
+{
+    const auto measure = [](const FileUrl &url, const FileUrls &) {
+        return sizeForFolderAtPath(hostSystemCalls(), ResourceManager::access(), url);
+    };
+    return Info::infoWithName(QString::fromUtf16(sliceCatalogue()[indexOf(kind)].name),
+                              sliceLocations(kind, m_fixture->homeUrl()), {measure, nullptr});
+}
+
+CleaningReport TestCleaningJob::clean(const std::vector<std::shared_ptr<Info>> &chosen)
+{
+    CleaningJob job(m_calls, ResourceManager::access());
+    CleaningReport report;
+    QSignalSpy finished(&job, &CleaningJob::finished);
+    connect(&job, &CleaningJob::finished, this, [&](const CleaningReport &done) { report = done; });
+    job.start(chosen, kNothingExcluded);
+    if (!finished.wait())
+        qFatal("the cleaning did not end");
+    return report;
+}
+
+void TestCleaningJob::makeTrash(int files)
+{
+    for (int i = 0; i < files; ++i)
+        m_fixture->makeFile(".Trash/" + QByteArray::number(i), 0);
+}
+
+void TestCleaningJob::emptiesFoldersAndKeepsThem()
+{
+    m_fixture->makeFile("Downloads/a", 5);
+    m_fixture->makeFile("Downloads/.hidden/b", 5);
+    m_fixture->makeFile("Documents/c", 5);
+    clean({record(SliceKind::Downloads), record(SliceKind::Trash)});
+    QVERIFY(m_fixture->exists("Downloads"));
+    QVERIFY(!m_fixture->exists("Downloads/a") && !m_fixture->exists("Downloads/.hidden"));
+    QVERIFY(m_fixture->exists("Documents/c"));
+}
+
+void TestCleaningJob::removesTheVeryFilesOfBrowserData()
+{
+    m_fixture->makeFile("Library/Safari/History.plist", 5);
+    m_fixture->makeFile("Library/Safari/Bookmarks.plist", 5);
+    const CleaningReport report = clean({record(SliceKind::BrowserData)});
+    QVERIFY(!m_fixture->exists("Library/Safari/History.plist"));
+    QVERIFY(m_fixture->exists("Library/Safari/Bookmarks.plist"));
+    QCOMPARE(report.removedItems, 1U);
+    QCOMPARE(report.refusalCount, 0U); // absent files are no news
+}
+
+void TestCleaningJob::measuresBeforeItRemoves()
+{
+    m_fixture->makeFile(".Trash/a", 4321);
+    const auto trash = record(SliceKind::Trash);
+    clean({trash});
+    QVERIFY(!m_fixture->exists(".Trash/a"));
+    QCOMPARE(trash->fileSize(), 4321);
+}
+
+void TestCleaningJob::tellsOnTheMainThread()
+{
+    CleaningJob job(m_calls, ResourceManager::access());
+    QThread *heardOn = nullptr;
+    connect(
+        &job, &CleaningJob::finished, this, [&] { heardOn = QThread::currentThread(); },
+        Qt::DirectConnection);
+    job.start({}, kNothingExcluded);
+    QVERIFY(job.isRunning());
+    QTRY_COMPARE(heardOn, QThread::currentThread());
+    QVERIFY(!job.isRunning());
+}
+
+void TestCleaningJob::logsAndLeavesWhatIsLocked()
+{
+    m_fixture->makeFile(".Trash/locked", 5);
+    m_fixture->makeFile(".Trash/other", 5);
+    std::atomic<int> removals = 0;
+    m_calls.setHook([&](int, std::string_view name) {
+        return name == "removeFile" && ++removals == 1 ? EPERM : 0;
+    });
+    QTest::ignoreMessage(QtInfoMsg, QRegularExpression(QStringLiteral("^File might be locked: ")));
+    const CleaningReport report = clean({record(SliceKind::Trash)});
+    QCOMPARE(report.failureCount, 1U);
+    QCOMPARE(report.removedItems, 1U);
+}
+
+void TestCleaningJob::stopsBeforeTheNextItem()
+{
+    constexpr int kFiles = 200;
+    makeTrash(kFiles);
+    Gate gate;
+    m_calls.setHook(gate.hook());
+    CleaningJob job(m_calls, ResourceManager::access());
+    const auto atEnd = qScopeGuard([&] { gate.open(); }); // also where the test fails
+    CleaningReport report;
+    QSignalSpy finished(&job, &CleaningJob::finished);
+    connect(&job, &CleaningJob::finished, this, [&](const CleaningReport &done) { report = done; });
+    job.start({record(SliceKind::Trash)}, kNothingExcluded);
+    QTRY_VERIFY(gate.arrivals() > 0); // in the midst of it
+    job.requestStop();
+    gate.open();
+    QVERIFY(finished.wait());
+    QVERIFY(report.wasStopped);
+    // So few files are one thread's, which was about to remove one.
+    QCOMPARE(report.removedItems, 1U);
+    QCOMPARE(gate.arrivals(), 1);
+}
+
+void TestCleaningJob::isOverOnceItIsDestroyed()
+{
+    makeTrash(20);
+    Gate gate;
+    m_calls.setHook(gate.hook());
+    {
+        CleaningJob job(m_calls, ResourceManager::access());
+        const auto atEnd = qScopeGuard([&] { gate.open(); });
+        job.start({record(SliceKind::Trash)}, kNothingExcluded);
+        QTRY_VERIFY(gate.arrivals() > 0);
+    }
+    // Whoever removes holds the access.
+    QCOMPARE(ResourceManager::accessCount(), 0);
+}
+
+void TestCleaningJob::asksForTheExclusionsAfterMeasuring()
+{
+    m_fixture->makeFile(".Trash/keep", 5);
+    const FileUrl keep = m_fixture->homeUrl().appending(".Trash/keep", FileUrlKind::File);
+    const auto trash = record(SliceKind::Trash);
+    bool wasMeasured = false;
+    CleaningJob job(m_calls, ResourceManager::access());
+    QSignalSpy finished(&job, &CleaningJob::finished);
+    job.start({trash}, [&]() -> std::optional<ExcludedPaths> {
+        wasMeasured = trash->isMeasured();
+        return ExcludedPaths::fromStoredStrings({QString::fromLatin1(keep.absoluteString())});
+    });
+    QVERIFY(finished.wait());
+    QVERIFY(wasMeasured);
+    QVERIFY(m_fixture->exists(".Trash/keep"));
+}
+
+/// Whatever becomes of a record while it is measured.
+void TestCleaningJob::cleansWhatItWasStartedWith()
+{
+    m_fixture->makeFile(".Trash/a", 5);
+    m_fixture->makeFile("Documents/keep", 70);
+    const auto trash = record(SliceKind::Trash);
+    CleaningJob job(m_calls, ResourceManager::access());
+    QSignalSpy finished(&job, &CleaningJob::finished);
+    job.start({trash}, [&] {
+        trash->setPlaces({m_fixture->homeUrl().appending("Documents", FileUrlKind::Folder)}, {});
+        return kNothingExcluded();
+    });
+    QVERIFY(finished.wait());
+    QVERIFY(!m_fixture->exists(".Trash/a"));
+    QVERIFY(m_fixture->exists("Documents/keep"));
+    QCOMPARE(trash->fileSize(), 5);
+}
+
+void TestCleaningJob::removesNothingWhileTheExclusionsAreUnknown()
+{
+    m_fixture->makeFile(".Trash/a", 5);
+    CleaningJob job(m_calls, ResourceManager::access());
+    QSignalSpy finished(&job, &CleaningJob::finished);
+    QTest::ignoreMessage(QtInfoMsg,
+                         "File might be locked: everything: nobody knows what is excluded");
+    job.start({record(SliceKind::Trash)}, [] { return std::nullopt; });
+    QVERIFY(finished.wait());
+    QVERIFY(m_fixture->exists(".Trash/a"));
+}
+
+VANTOR_GUI_TEST_MAIN(TestCleaningJob)
+#include "tst_CleaningJob.moc"

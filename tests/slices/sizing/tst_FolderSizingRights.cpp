@@ -1,0 +1,206 @@
+#include "slices/sizing/FolderSizing.h"
+#include "tests/support/disk/MadeTree.h"
+#include "tests/support/run/Administrator.h"
+#include "tests/support/run/ChildProcess.h"
+#include "tests/support/run/TestMain.h"
+
+#include <cstdio>
+
+namespace {
+
+constexpr unsigned kRoot = 0;
+
+/// With one thread: a child of a process that has several is to start none.
+FolderSize measured(const MadeTree &tree, const QByteArray &place)
+{
+    return measureFolder(hostSystemCalls(), {tree.descriptor(), place}, {}, 1);
+}
+
+/// "bytes", "bytes, incomplete", or "bytes (deletable : not immutable)".
+QByteArray textOf(const FolderSize &size)
+{
+    QByteArray text = QByteArray::number(size.bytes);
+    if (size.item)
+        text += size.item->isDeletable ? " (1" : " (0";
+    if (size.item)
+        text += size.item->isNotImmutable ? " : 1)" : " : 0)";
+    return size.isComplete ? text : text + ", incomplete";
+}
+
+/// What a user finds, or what went wrong with him.
+QByteArray measuredBy(ChildUser user, const MadeTree &tree, const QByteArray &place)
+{
+    return runInChild(user,
+                      [&] {
+                          std::fputs(textOf(measured(tree, place)).constData(), stderr);
+                          return 0;
+                      })
+        .errorText;
+}
+
+} // namespace
+
+/// What a measurement counts depends on what this process could remove.
+class TestFolderSizingRights final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void followsTheRightsOfTheFolder_data();
+    void followsTheRightsOfTheFolder();
+    void judgesEveryFolderByItself();
+    void followsTheStickyBit_data();
+    void followsTheStickyBit();
+    void judgesSingleItemsByTheirFolder_data();
+    void judgesSingleItemsByTheirFolder();
+    void leavesLockedFilesOut_data();
+    void leavesLockedFilesOut();
+    void leavesTheEntriesOfLockedFoldersOut_data();
+    void leavesTheEntriesOfLockedFoldersOut();
+};
+
+void TestFolderSizingRights::followsTheRightsOfTheFolder_data()
+{
+    QTest::addColumn<unsigned>("mode");
+    QTest::addColumn<unsigned>("owner");
+    QTest::addColumn<QByteArray>("byNobody");
+    QTest::addRow("own, all rights") << 0700U << kNobody << QByteArray("30");
+    QTest::addRow("own, no write") << 0500U << kNobody << QByteArray("0");
+    QTest::addRow("own, no search") << 0600U << kNobody << QByteArray("0");
+    QTest::addRow("own, no read") << 0300U << kNobody << QByteArray("0, incomplete");
+    QTest::addRow("foreign, open to all") << 0777U << kRoot << QByteArray("30");
+    QTest::addRow("foreign, readable") << 0755U << kRoot << QByteArray("0");
+    QTest::addRow("foreign, closed") << 0700U << kRoot << QByteArray("0, incomplete");
+}
+
+void TestFolderSizingRights::followsTheRightsOfTheFolder()
+{
+    VANTOR_NEEDS_ADMINISTRATOR();
+    QFETCH(unsigned, mode);
+    QFETCH(unsigned, owner);
+    const MadeTree tree;
+    tree.makeFolder("folder");
+    tree.makeFile("folder/own", 10);
+    tree.setOwner("folder/own", kNobody);
+    tree.makeFile("folder/foreign", 20);
+    tree.setMode("folder/foreign", 0);
+    tree.setOwner("folder", owner);
+    tree.setMode("folder", mode);
+    QTEST(measuredBy(ChildUser::Nobody, tree, "folder"), "byNobody");
+    QTEST(measuredBy(ChildUser::Nobody, tree, {}), "byNobody");
+    QCOMPARE(measuredBy(ChildUser::Same, tree, "folder"), QByteArray("30"));
+}
+
+void TestFolderSizingRights::judgesEveryFolderByItself()
+{
+    VANTOR_NEEDS_ADMINISTRATOR();
+    const MadeTree tree;
+    tree.makeFolder("locked");
+    tree.makeFile("locked/stays", 100);
+    tree.makeFolder("locked/open");
+    tree.makeFile("locked/open/goes", 10);
+    tree.makeFolder("locked/open/closed");
+    tree.makeFile("locked/open/closed/unknown", 1000);
+    tree.setMode("locked/open/closed", 0);
+    tree.setMode("locked", 0555);
+    QCOMPARE(measuredBy(ChildUser::Nobody, tree, {}), QByteArray("10, incomplete"));
+    QCOMPARE(measuredBy(ChildUser::Nobody, tree, "locked"), QByteArray("10, incomplete"));
+    QCOMPARE(measuredBy(ChildUser::Same, tree, {}), QByteArray("1110"));
+}
+
+void TestFolderSizingRights::followsTheStickyBit_data()
+{
+    QTest::addColumn<unsigned>("owner");
+    QTest::addColumn<QByteArray>("byNobody");
+    QTest::addRow("foreign folder") << kRoot << QByteArray("11");
+    QTest::addRow("own folder") << kNobody << QByteArray("31");
+}
+
+void TestFolderSizingRights::followsTheStickyBit()
+{
+    VANTOR_NEEDS_ADMINISTRATOR();
+    QFETCH(unsigned, owner);
+    const MadeTree tree;
+    tree.makeFolder("folder");
+    tree.makeFile("folder/own", 10);
+    tree.setOwner("folder/own", kNobody);
+    tree.makeLink("folder/own-link", "x");
+    tree.setOwner("folder/own-link", kNobody);
+    tree.makeFile("folder/foreign", 20);
+    tree.setOwner("folder", owner);
+    tree.setMode("folder", 01777);
+    QTEST(measuredBy(ChildUser::Nobody, tree, "folder"), "byNobody");
+    QCOMPARE(measuredBy(ChildUser::Same, tree, "folder"), QByteArray("31"));
+}
+
+void TestFolderSizingRights::judgesSingleItemsByTheirFolder_data()
+{
+    QTest::addColumn<unsigned>("mode");
+    QTest::addColumn<QByteArray>("ownFile");
+    QTest::addColumn<QByteArray>("foreignFile");
+    const QByteArray kept = "0 (0 : 1)";
+    QTest::addRow("open") << 0777U << QByteArray("10 (1 : 1)") << QByteArray("20 (1 : 1)");
+    QTest::addRow("sticky") << 01777U << QByteArray("10 (1 : 1)") << kept;
+    QTest::addRow("readable") << 0755U << kept << kept;
+}
+
+void TestFolderSizingRights::judgesSingleItemsByTheirFolder()
+{
+    VANTOR_NEEDS_ADMINISTRATOR();
+    QFETCH(unsigned, mode);
+    const MadeTree tree;
+    tree.makeFolder("folder");
+    tree.makeFile("folder/own", 10);
+    tree.setOwner("folder/own", kNobody);
+    tree.makeFile("folder/foreign", 20);
+    tree.setMode("folder", mode);
+    QTEST(measuredBy(ChildUser::Nobody, tree, "folder/own"), "ownFile");
+    QTEST(measuredBy(ChildUser::Nobody, tree, "folder/foreign"), "foreignFile");
+}
+
+void TestFolderSizingRights::leavesLockedFilesOut_data()
+{
+    QTest::addColumn<int>("attribute");
+    QTest::addRow("immutable") << int(Attribute::Immutable);
+    QTest::addRow("append-only") << int(Attribute::AppendOnly);
+}
+
+void TestFolderSizingRights::leavesLockedFilesOut()
+{
+    VANTOR_NEEDS_ADMINISTRATOR();
+    QFETCH(int, attribute);
+    MadeTree tree;
+    tree.makeFile("locked", 1000);
+    tree.makeFile("free", 10);
+    tree.setAttribute("locked", Attribute(attribute));
+    for (const ChildUser user : {ChildUser::Same, ChildUser::Nobody}) {
+        QCOMPARE(measuredBy(user, tree, {}), QByteArray("10"));
+        QCOMPARE(measuredBy(user, tree, "locked"), QByteArray("0 (1 : 0)"));
+        QCOMPARE(measuredBy(user, tree, "free"), QByteArray("10 (1 : 1)"));
+    }
+}
+
+void TestFolderSizingRights::leavesTheEntriesOfLockedFoldersOut_data()
+{
+    leavesLockedFilesOut_data();
+}
+
+void TestFolderSizingRights::leavesTheEntriesOfLockedFoldersOut()
+{
+    VANTOR_NEEDS_ADMINISTRATOR();
+    QFETCH(int, attribute);
+    MadeTree tree;
+    tree.makeFolder("locked");
+    tree.makeFile("locked/stays", 1000);
+    tree.makeFolder("locked/free");
+    tree.makeFile("locked/free/goes", 10);
+    tree.setAttribute("locked", Attribute(attribute));
+    for (const ChildUser user : {ChildUser::Same, ChildUser::Nobody}) {
+        QCOMPARE(measuredBy(user, tree, {}), QByteArray("10"));
+        QCOMPARE(measuredBy(user, tree, "locked"), QByteArray("10"));
+        QCOMPARE(measuredBy(user, tree, "locked/stays"), QByteArray("0 (0 : 1)"));
+    }
+}
+
+VANTOR_TEST_MAIN(TestFolderSizingRights)
+#include "tst_FolderSizingRights.moc"

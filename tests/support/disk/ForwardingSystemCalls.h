@@ -1,0 +1,69 @@
+#pragma once
+
+#include "platform/system/SystemCalls.h"
+
+#include <atomic>
+#include <functional>
+#include <string_view>
+
+/// Hands every call on to another SystemCalls, but asks a hook first, which sees the call's number
+/// (from 1) and name, and may fail it by answering an errno. Any thread; the hook is called in the
+/// thread of the call.
+class ForwardingSystemCalls : public SystemCalls
+{
+public:
+    /// 0 lets the call happen.
+    using Hook = std::function<int(int number, std::string_view name)>;
+
+    explicit ForwardingSystemCalls(Hook hook = {}, const SystemCalls &next = hostSystemCalls());
+    /// Waits for loose threads that may be calling.
+    ~ForwardingSystemCalls() override;
+
+    /// Sets another hook and counts from 1 again. No call may be under way.
+    void setHook(Hook hook);
+
+    /// The calls since the hook was set.
+    int callCount() const { return m_count; }
+
+    /// Fails one call.
+    static Hook failing(int number, int error);
+    /// Fails one call and all that follow: to the file system, the same as a kill before it.
+    static Hook killedBefore(int number);
+
+    SystemResult<FileDescriptor> openFolder(int parent, const char *relativePath,
+                                            Descent descent) const override;
+    SystemResult<FileDescriptor> openParent(int folder) const override;
+    SystemResult<FileDescriptor> openRoot(const char *path) const override;
+    SystemResult<QByteArray> realPath(const char *path) const override;
+    SystemResult<std::size_t> readEntries(int folder, std::span<char> buffer) const override;
+    SystemResult<FileStatus> status(int parent, const char *name) const override;
+    SystemResult<FileStatus> statusOf(int descriptor) const override;
+    SystemResult<FileKind> kindBehind(int parent, const char *name) const override;
+    SystemResult<FileIdentity> identityOf(int descriptor) const override;
+    SystemResult<FileIdentity> identity(int parent, const char *name) const override;
+    bool mayChangeEntries(int folder) const override;
+    ActingUser actingUser() const override;
+    bool isInMemory(int folder) const override;
+    SystemResult<void> removeFile(int parent, const char *name) const override;
+    SystemResult<void> removeFolder(int parent, const char *name) const override;
+    SystemResult<void> setPermissions(int descriptor, std::uint16_t permissions) const override;
+    SystemResult<QByteArray> readLink(int parent, const char *name) const override;
+    SystemResult<bool> isLocked(int file) const override;
+    bool isRunning(std::int64_t process) const override;
+    /// None: what a test finds must not depend on what else the machine does.
+    SystemResult<QByteArrayList> programNames() const override;
+    QByteArray hostName() const override;
+    SystemResult<FileDescriptor> openFile(int parent, const char *name) const override;
+    SystemResult<FileDescriptor> createFile(int parent, const char *name) const override;
+    SystemResult<std::size_t> read(int file, std::span<char> buffer) const override;
+    SystemResult<std::size_t> write(int file, std::span<const char> bytes) const override;
+    SystemResult<void> sync(int descriptor) const override;
+    SystemResult<void> rename(int parent, const char *from, const char *to) const override;
+
+private:
+    template <typename Call> auto forwarded(std::string_view name, Call call) const;
+
+    Hook m_hook;
+    const SystemCalls &m_next;
+    mutable std::atomic<int> m_count = 0;
+};

@@ -1,0 +1,15 @@
+#include "tests/support/page/ResourceManagerReset.h"
+
+#include "tests/support/run/LooseThreadsAwaited.h"
+
+void ResourceManagerReset::beginRun()
+{
+    awaitLooseThreads();
+    ResourceManager::currentRun() = std::make_unique<ResourceManager::Run>();
+}
+
+void ResourceManagerReset::beginRun(ResourceManager::GrantSource source, const SystemCalls &calls)
+{
+    beginRun();
+    ResourceManager::setGrantSource(std::move(source), calls);
+}
