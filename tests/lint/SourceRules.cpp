@@ -96,9 +96,10 @@ QList<int> includesBeyondCore(const SourceText &source)
 bool mayRemove(const SourceText &source)
 {
     static const QStringList places{
-        QStringLiteral("platform/SystemCalls_linux.cpp"), // the calls themselves
-        QStringLiteral("platform/DurableFile.cpp"), // what it wrote itself beside its own file
-        QStringLiteral("slices/RemovalSteps.cpp"),  // what the plan says
+        QStringLiteral("platform/system/SystemCalls_linux.cpp"), // the calls themselves
+        QStringLiteral(
+            "platform/files/DurableFile.cpp"), // what it wrote itself beside its own file
+        QStringLiteral("slices/cleaning/RemovalSteps.cpp"), // what the plan says
     };
     return places.contains(source.path);
 }
@@ -126,10 +127,11 @@ QStringList offences(const SourceRule &rule, const SourceText &source)
     return found;
 }
 
-QList<SourceRule> sourceRules(const QStringList &engineFiles)
+QList<SourceRule> sourceRules(const House &house)
 {
-    const auto isEngine = [engineFiles](const SourceText &source) {
-        return engineFiles.contains(source.path);
+    const auto isEngine = [house](const SourceText &source) {
+        const Room *room = source.isCpp() ? house.roomOf(source.path) : nullptr;
+        return room && room->isCore;
     };
     return {
         {"system conditional", "only platform/ knows which system it runs on; the rest is portable",
@@ -146,7 +148,8 @@ QList<SourceRule> sourceRules(const QStringList &engineFiles)
         {"skipped test",
          "a test that does not run proves nothing; only VANTOR_NEEDS_ADMINISTRATOR may spare one",
          [](const SourceText &source) {
-             return source.isCpp() && source.path != QLatin1String("tests/support/Administrator.h");
+             return source.isCpp() &&
+                    source.path != QLatin1String("tests/support/run/Administrator.h");
          },
          codeMatching(R"(\bQSKIP\b)")},
         {"module-prefixed include",
@@ -159,18 +162,4 @@ QList<SourceRule> sourceRules(const QStringList &engineFiles)
          [](const SourceText &source) { return isProduct(source) && !mayRemove(source); },
          codeMatching(kRemoval)},
     };
-}
-
-QStringList engineFiles(const QString &folder, const QString &cmakeText)
-{
-    static const QRegularExpression engine(QStringLiteral(
-        R"(vantor_library\(vantor_(?:platform|slices|largefiles)_core\s+SOURCES\s+([^)]*?)\s+LINKS)"));
-    static const QRegularExpression blank(QStringLiteral(R"(\s+)"));
-    QStringList files;
-    for (const QString &source :
-         engine.match(cmakeText).captured(1).split(blank, Qt::SkipEmptyParts)) {
-        const QString path = folder + u'/' + source;
-        files << path << path.chopped(4) + QStringLiteral(".h");
-    }
-    return files;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/lint/SourceText.h"
+#include "tests/lint/House.h"
 
 #include <functional>
 
@@ -16,8 +16,5 @@ struct SourceRule
 /// What a file does against a rule, one "path:line: reason" each.
 QStringList offences(const SourceRule &rule, const SourceText &source);
 
-/// `engineFiles` are the paths of the files that make up the engines.
-QList<SourceRule> sourceRules(const QStringList &engineFiles);
-
-/// The sources that a folder's CMakeLists.txt puts into an engine, with their headers.
-QStringList engineFiles(const QString &folder, const QString &cmakeText);
+/// The engines are the rooms that are core.
+QList<SourceRule> sourceRules(const House &house);

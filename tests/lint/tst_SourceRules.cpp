@@ -1,51 +1,13 @@
 #include "tests/lint/SourceRules.h"
-#include "tests/support/TestMain.h"
-
-#include <QDirIterator>
+#include "tests/lint/SourceTree.h"
+#include "tests/support/run/TestMain.h"
 
 namespace {
 
-QString read(const QString &path)
+/// The rooms as they are, and one for the samples.
+House house()
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        qFatal("%s cannot be read", qPrintable(path));
-    return QString::fromUtf8(file.readAll());
-}
-
-/// Every file of the repository that people write, by its path from the top.
-QStringList sourcePaths()
-{
-    static const QStringList written{QStringLiteral("*.h"),   QStringLiteral("*.cpp"),
-                                     QStringLiteral("*.txt"), QStringLiteral("*.cmake"),
-                                     QStringLiteral("*.md"),  QStringLiteral("*.sh"),
-                                     QStringLiteral("*.ui"),  QStringLiteral("*.html"),
-                                     QStringLiteral("run"),   QStringLiteral("test")};
-    static const QStringList notOurs{QStringLiteral("build"), QStringLiteral("tour")};
-    const QDir top(QStringLiteral(VANTOR_SOURCE_TREE));
-    QStringList paths = top.entryList(written, QDir::Files);
-    for (const QString &folder : top.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
-        if (notOurs.contains(folder))
-            continue;
-        QDirIterator files(top.filePath(folder), written, QDir::Files,
-                           QDirIterator::Subdirectories);
-        while (files.hasNext())
-            paths << top.relativeFilePath(files.next());
-    }
-    return paths;
-}
-
-QStringList enginePaths()
-{
-    QStringList files;
-    for (const char *folder : {"platform", "slices", "largefiles"}) {
-        const QString name = QString::fromLatin1(folder);
-        const QString list =
-            QStringLiteral(VANTOR_SOURCE_TREE "/") + name + QStringLiteral("/CMakeLists.txt");
-        if (QFile::exists(list))
-            files << engineFiles(name, read(list));
-    }
-    return files;
+    return House(declaredRooms() << Room{QStringLiteral("engine"), {}, true});
 }
 
 QByteArray linesOf(int count)
@@ -80,10 +42,10 @@ QList<Sample> badSamples()
         {"left-over note", "README.md", "XXX\n"},
         {"skipped test", "tests/a.cpp", "QSKIP(\"not today\");\n"},
         {"module-prefixed include", "app/a.h", "#include <QtWidgets/QWidget>\n"},
-        {"include beyond Qt Core", "engine.cpp", "#include <QWidget>\n"},
-        {"include beyond Qt Core", "engine.cpp", "#include <QImage>\n"},
-        {"include beyond Qt Core", "engine.cpp", "#include <QSettings>\n"},
-        {"include beyond Qt Core", "slices/Info.h", "#include <QIcon>\n"},
+        {"include beyond Qt Core", "engine/a.cpp", "#include <QWidget>\n"},
+        {"include beyond Qt Core", "engine/a.cpp", "#include <QImage>\n"},
+        {"include beyond Qt Core", "engine/a.cpp", "#include <QSettings>\n"},
+        {"include beyond Qt Core", "slices/record/Info.h", "#include <QIcon>\n"},
         {"removal", "app/a.cpp", "::unlink(path);\n"},
         {"removal", "app/a.cpp", "unlinkat(folder, name, 0);\n"},
         {"removal", "app/a.cpp", "std::filesystem::remove_all(path);\n"},
@@ -110,16 +72,16 @@ QList<Sample> goodSamples()
         {"bare sleep", "tests/a.cpp", "QTest::qWait(9); // the clock's own tick\n"},
         {"bare sleep", "tests/a.cpp", "// The clock's own tick.\nQTest::qWait(9);\n"},
         {"left-over note", "slices/a.cpp", "const char *word = \"TODO\";\nint XXXL = 0;\n"},
-        {"skipped test", "tests/support/Administrator.h", "QSKIP(\"no rights\");\n"},
+        {"skipped test", "tests/support/run/Administrator.h", "QSKIP(\"no rights\");\n"},
         {"module-prefixed include", "app/a.h", "#include <QtGlobal>\n#include \"a/b.h\"\n"},
-        {"include beyond Qt Core", "engine.cpp", "#include <QString>\n#include <vector>\n"},
+        {"include beyond Qt Core", "engine/a.cpp", "#include <QString>\n#include <vector>\n"},
         {"include beyond Qt Core", "app/a.cpp", "#include <QWidget>\n"},
         {"removal", "slices/a.cpp", "text.remove(0, 1);\nlist->removeLast();\n"},
         {"removal", "app/a.cpp", "void Settings::remove(Key key)\n{\n    remove(key);\n}\n"},
-        {"removal", "slices/RemovalSteps.h", "bool removeFile(const Spot &spot);\n"},
-        {"removal", "slices/RemovalSteps.cpp", "m_calls.removeFile(folder, name);\n"},
+        {"removal", "slices/cleaning/RemovalSteps.h", "bool removeFile(const Spot &spot);\n"},
+        {"removal", "slices/cleaning/RemovalSteps.cpp", "m_calls.removeFile(folder, name);\n"},
         {"removal", "tests/a.cpp", "::unlink(path);\n"},
-        {"removal", "platform/SystemCalls_linux.cpp", "::unlinkat(folder, name, 0);\n"},
+        {"removal", "platform/system/SystemCalls_linux.cpp", "::unlinkat(folder, name, 0);\n"},
     };
 }
 
@@ -155,7 +117,7 @@ private Q_SLOTS:
 private:
     const SourceRule &ruleNamed(const QByteArray &name) const;
 
-    const QList<SourceRule> m_rules = sourceRules(enginePaths() << QStringLiteral("engine.cpp"));
+    const QList<SourceRule> m_rules = sourceRules(house());
 };
 
 const SourceRule &TestSourceRules::ruleNamed(const QByteArray &name) const
@@ -181,8 +143,7 @@ void TestSourceRules::areKeptByTheWholeTree()
     QVERIFY(paths.contains(QStringLiteral("tests/lint/tst_SourceRules.cpp")));
     QStringList found;
     for (const QString &path : paths) {
-        const QString text = read(QStringLiteral(VANTOR_SOURCE_TREE "/") + path);
-        found << offences(ruleNamed(rule), sourceText(path, text));
+        found << offences(ruleNamed(rule), sourceText(path, sourceFile(path)));
     }
     QVERIFY2(found.isEmpty(), qPrintable(u'\n' + found.join(u'\n')));
 }
@@ -244,14 +205,16 @@ void TestSourceRules::measureFunctions()
 
 void TestSourceRules::knowTheEngines()
 {
-    const QStringList files = engineFiles(
-        QStringLiteral("slices"),
-        QStringLiteral("vantor_library(vantor_slices_core\n    SOURCES A.cpp\n        B.cpp\n"
-                       "    LINKS x)\nvantor_library(vantor_slices_page SOURCES P.cpp LINKS y)\n"));
-    QCOMPARE(files, (QStringList{QStringLiteral("slices/A.cpp"), QStringLiteral("slices/A.h"),
-                                 QStringLiteral("slices/B.cpp"), QStringLiteral("slices/B.h")}));
-    QVERIFY(enginePaths().contains(QStringLiteral("platform/SystemCalls_linux.cpp")));
-    QVERIFY(enginePaths().contains(QStringLiteral("slices/Info.h")));
+    const House rooms = house();
+    const auto isCore = [&](const char *path) {
+        const Room *room = rooms.roomOf(QString::fromLatin1(path));
+        return room && room->isCore;
+    };
+    QVERIFY(isCore("platform/system/SystemCalls_linux.cpp"));
+    QVERIFY(isCore("slices/cleaning/CleaningPlan.h"));
+    QVERIFY(isCore("largefiles/search/File.h"));
+    QVERIFY(!isCore("slices/page/FreeSpaceViewController.h"));
+    QVERIFY(!isCore("tests/lint/House.h"));
 }
 
 void TestSourceRules::takeCommentsAndLiteralsApart()

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "tests/lint/SourceText.h"
+
+#include <QHash>
+
+/// A room: a folder with a target of its own, as its CMakeLists.txt declares it. A value.
+struct Room
+{
+    QString folder;    ///< from the top of the repository, "platform/system"
+    QStringList links; ///< folders of the rooms that it links itself
+    bool isCore = false;
+};
+
+/// The rooms of the repository and what ties their files together. A value; any thread.
+///
+/// A unit is a header with its source: "platform/files/FileUrl". An include ties the unit that
+/// writes it to the unit that it names.
+class House final
+{
+public:
+    /// What `vantor_room` says in a CMakeLists.txt of that folder; nothing where there is no room.
+    static std::optional<Room> roomDeclared(const QString &folder, const QString &cmakeText);
+
+    explicit House(const QList<Room> &rooms);
+
+    const Room *roomOf(const QString &path) const;
+    /// Includes of files of other rooms than those that the file's own room links, directly or
+    /// through others: "path:line: reason".
+    QStringList includesBeyondLinks(const SourceText &source) const;
+    /// The rooms that link one another in a circle, "a -> b -> a" each.
+    QStringList circlesOfRooms() const;
+    /// The same for the units of these sources.
+    static QStringList circlesOfUnits(const QList<SourceText> &sources);
+
+private:
+    bool mayInclude(const QString &room, const QString &other) const;
+
+    QHash<QString, Room> m_rooms;
+};

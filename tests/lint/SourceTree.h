@@ -1,0 +1,11 @@
+#pragma once
+
+#include "tests/lint/House.h"
+
+/// The files of this very repository, as people write them. Read anew on each call.
+QStringList sourcePaths();
+QString sourceFile(const QString &path);
+/// The C++ of the program, without tests and bench.
+QList<SourceText> productSources();
+/// The rooms that the folders' CMake lists declare.
+QList<Room> declaredRooms();
