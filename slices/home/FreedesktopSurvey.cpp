@@ -1,6 +1,6 @@
 #include "slices/home/FreedesktopSurvey.h"
 
-#include "slices/home/Conversations.h"
+#include "slices/home/ChatLogs.h"
 
 #include <algorithm>
 #include <array>
@@ -146,7 +146,7 @@ void FreedesktopSurvey::addAppLogs()
          {".local/share/xorg", ".npm/_logs", ".config/*/logs", ".local/share/*/logs",
           ".local/state/*/logs", ".var/app/*/config/*/logs"}) {
         for (const QByteArray &folder : m_reader.foldersMatching(pattern)) {
-            if (!mayHoldConversations(folder) && !areOfRepository(m_reader, folder))
+            if (!isChatLogFolder(folder) && !areOfRepository(m_reader, folder))
                 add(SliceKind::AppLogs, folder);
         }
     }

@@ -1,10 +1,10 @@
-#include "slices/home/Conversations.h"
+#include "slices/home/ChatLogs.h"
 
 #include "tests/slices/kit/HomeKit.h"
 #include "tests/support/run/TestMain.h"
 
 /// Whose "logs" are what people wrote to each other.
-class TestConversations final : public QObject
+class TestChatLogs final : public QObject
 {
     Q_OBJECT
 
@@ -14,7 +14,7 @@ private Q_SLOTS:
     void takesNoConversationForALog();
 };
 
-void TestConversations::knowsProgramsByTheirNames_data()
+void TestChatLogs::knowsProgramsByTheirNames_data()
 {
     QTest::addColumn<QByteArray>("path");
     QTest::addColumn<bool>("isKept");
@@ -38,14 +38,14 @@ void TestConversations::knowsProgramsByTheirNames_data()
     row(".local/state/player/logs", false);
 }
 
-void TestConversations::knowsProgramsByTheirNames()
+void TestChatLogs::knowsProgramsByTheirNames()
 {
     QFETCH(const QByteArray, path);
     QFETCH(const bool, isKept);
-    QCOMPARE(mayHoldConversations(path), isKept);
+    QCOMPARE(isChatLogFolder(path), isKept);
 }
 
-void TestConversations::takesNoConversationForALog()
+void TestChatLogs::takesNoConversationForALog()
 {
     const MadeHome home({".config/hexchat/logs/net/anna.log", ".local/share/weechat/logs/a.log",
                          ".local/state/irssi/logs/a.log", ".config/editor/logs/a.log",
@@ -55,5 +55,5 @@ void TestConversations::takesNoConversationForALog()
              QByteArrayList({".config/editor/logs/", ".var/app/org.a.Editor/config/editor/logs/"}));
 }
 
-VANTOR_TEST_MAIN(TestConversations)
-#include "tst_Conversations.moc"
+VANTOR_TEST_MAIN(TestChatLogs)
+#include "tst_ChatLogs.moc"

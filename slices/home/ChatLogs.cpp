@@ -1,4 +1,4 @@
-#include "slices/home/Conversations.h"
+#include "slices/home/ChatLogs.h"
 
 #include <algorithm>
 #include <array>
@@ -45,7 +45,7 @@ bool isNamedIn(const QByteArray &text, std::string_view program)
 
 } // namespace
 
-bool mayHoldConversations(const QByteArray &path)
+bool isChatLogFolder(const QByteArray &path)
 {
     const QByteArray text = path.toLower();
     return std::any_of(kPrograms.begin(), kPrograms.end(),
