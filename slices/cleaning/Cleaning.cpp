@@ -2,7 +2,7 @@
 
 #include "platform/base/Log.h"
 #include "platform/files/AnchoredFolder.h"
-#include "slices/cleaning/ItemsInNeed.h"
+#include "slices/cleaning/DependentItems.h"
 #include "slices/cleaning/RemovalCrew.h"
 
 #include <algorithm>
@@ -185,7 +185,7 @@ void Performance::removeFile(const CleaningLocation &location)
     if (location.whatGoes == WhatGoes::RegularFiles && status->kind != FileKind::Regular)
         return refuse(location, RefusalReason::NotAFile, 0);
     if (location.whatGoes == WhatGoes::RegularFiles &&
-        isJournalInNeed(m_calls, folder->get(), name))
+        journalStillNeeded(m_calls, folder->get(), name))
         return;
     const Protection protection(m_plan, location, identity->device);
     const RemovalSteps steps(m_calls, protection, m_ledger, EntryOrder::AsListed);

@@ -1,11 +1,11 @@
-#include "slices/cleaning/ItemsInNeed.h"
+#include "slices/cleaning/DependentItems.h"
 
 #include "platform/files/AnchoredFolder.h"
 #include "slices/home/FoundPrograms.h"
 
 #include <cerrno>
 
-bool isJournalInNeed(const SystemCalls &calls, int folder, const QByteArray &name)
+bool journalStillNeeded(const SystemCalls &calls, int folder, const QByteArray &name)
 {
     const QByteArray database = databaseOfJournal(name);
     if (database.isEmpty())

@@ -9,7 +9,7 @@
 
 /// Whether a file of this name in an open folder is the journal of a database that is still there:
 /// what a database stands for is lost with its journal.
-bool isJournalInNeed(const SystemCalls &calls, int folder, const QByteArray &name);
+bool journalStillNeeded(const SystemCalls &calls, int folder, const QByteArray &name);
 
 /// Forgets, of a trash's folder "info", the records of what is still in the folder "files" beside
 /// it: nobody could put that back without its record.
