@@ -41,7 +41,7 @@ public:
           m_plan(plan),
           m_stop(std::move(stop)),
           m_inUse(inUse),
-          m_ledger(plan.refusals(), observer),
+          m_builder(plan.refusals(), observer),
           m_space(kListingSpace)
     {
     }
@@ -67,7 +67,7 @@ private:
     const CleaningPlan &m_plan;
     std::stop_token m_stop;
     const InUseCheck &m_inUse;
-    CleaningLedger m_ledger;
+    CleaningReportBuilder m_builder;
     std::vector<char> m_space;
 };
 
@@ -79,7 +79,7 @@ CleaningReport Performance::run()
             logFiles(i);
         clean(locations[i]);
     }
-    return m_ledger.finish(m_stop.stop_requested());
+    return m_builder.finish(m_stop.stop_requested());
 }
 
 void Performance::clean(const CleaningLocation &location)
@@ -103,7 +103,7 @@ void Performance::emptyFolder(const CleaningLocation &location)
     Protection protection(m_plan, location, identity->device);
     const EntryOrder order =
         m_calls.isInMemory(folder->get()) ? EntryOrder::AsListed : EntryOrder::ByInode;
-    const RemovalSteps steps(m_calls, protection, m_ledger, order);
+    const RemovalSteps steps(m_calls, protection, m_builder, order);
     auto listing = steps.list(folder->get(), m_space);
     if (!listing)
         return refuse(location, RefusalReason::PartlyListed, listing.error());
@@ -166,7 +166,7 @@ void Performance::keepInUse(const Emptying &emptying, const FileUrl &place)
     const QByteArray inside = place.path().sliced(emptying.location.url.path().size());
     const auto found = statusAnchored(m_calls, {anchor, relativePath + inside});
     if (found || found.error() != ENOENT)
-        m_ledger.refused(place.path(), RefusalReason::InUse, 0);
+        m_builder.refused(place.path(), RefusalReason::InUse, 0);
 }
 
 void Performance::removeFile(const CleaningLocation &location)
@@ -188,7 +188,7 @@ void Performance::removeFile(const CleaningLocation &location)
         journalStillNeeded(m_calls, folder->get(), name))
         return;
     const Protection protection(m_plan, location, identity->device);
-    const RemovalSteps steps(m_calls, protection, m_ledger, EntryOrder::AsListed);
+    const RemovalSteps steps(m_calls, protection, m_builder, EntryOrder::AsListed);
     const QByteArray path = location.url.path();
     Remover(steps, m_stop)
         .removeListed({folder->get(), path.first(path.size() - name.size()), Care::Logged},
@@ -210,19 +210,19 @@ bool Performance::isAsPlanned(const CleaningLocation &location,
 void Performance::refuse(const CleaningLocation &location, RefusalReason reason, int error)
 {
     if (error != ENOENT)
-        m_ledger.refused(location.url.path(), reason, error);
+        m_builder.refused(location.url.path(), reason, error);
 }
 
 void Performance::logContents(const CleaningLocation &location, const FolderListing &listing)
 {
-    if (!m_ledger.logsCandidates())
+    if (!m_builder.logsCandidates())
         return;
     FileUrls candidates;
     for (std::size_t i = 0; i < std::min(listing.size(), kMaxCandidatesLogged); ++i) {
         const auto &entry = listing.at(i);
         candidates.append(location.url.appending(listing.name(entry), urlKind(entry.kind)));
     }
-    m_ledger.logCandidates(candidates, listing.size());
+    m_builder.logCandidates(candidates, listing.size());
 }
 
 /// The files of one slice stand beside each other; all are told of before the first goes.
@@ -239,7 +239,7 @@ void Performance::logFiles(std::size_t first)
         candidates.append(locations[i].url);
     const auto total = static_cast<std::size_t>(candidates.size());
     candidates.resize(static_cast<qsizetype>(std::min(total, kMaxCandidatesLogged)));
-    m_ledger.logCandidates(candidates, total);
+    m_builder.logCandidates(candidates, total);
 }
 
 } // namespace

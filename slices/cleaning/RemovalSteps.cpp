@@ -31,8 +31,8 @@ RemovalSteps::Verdict RemovalSteps::deal(const Spot &spot, const FolderListing::
             return {Fate::Enter, Care::Judged};
     }
     const bool isFolder = *kind == FileKind::Folder;
-    if (care != Care::Removed && m_ledger.announce())
-        m_ledger.logRemoval(spot.path(), isFolder ? FileUrlKind::Folder : FileUrlKind::File);
+    if (care != Care::Removed && m_builder.announce())
+        m_builder.logRemoval(spot.path(), isFolder ? FileUrlKind::Folder : FileUrlKind::File);
     return {isFolder ? Fate::Enter : removeFile(spot)};
 }
 
@@ -127,18 +127,18 @@ RemovalSteps::Fate RemovalSteps::removeFolder(const Spot &spot) const
 
 void RemovalSteps::abandon(const QByteArray &path, int error) const
 {
-    m_ledger.refused(path, RefusalReason::Changed, error);
+    m_builder.refused(path, RefusalReason::Changed, error);
 }
 
 RemovalSteps::Fate RemovalSteps::settled(const SystemResult<void> &answer, const Spot &spot) const
 {
     if (answer) {
-        m_ledger.removed();
+        m_builder.removed();
         return Fate::Gone;
     }
     if (answer.error() == ENOENT)
         return Fate::Gone;
-    m_ledger.failed(spot.path(), answer.error());
+    m_builder.failed(spot.path(), answer.error());
     return Fate::Stays;
 }
 
@@ -146,7 +146,7 @@ RemovalSteps::Fate RemovalSteps::refused(const Spot &spot, RefusalReason reason,
 {
     if (error == ENOENT)
         return Fate::Gone;
-    m_ledger.refused(spot.path(), reason, error);
+    m_builder.refused(spot.path(), reason, error);
     return Fate::Stays;
 }
 

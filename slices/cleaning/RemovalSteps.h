@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/files/FolderListing.h"
-#include "slices/cleaning/CleaningLedger.h"
+#include "slices/cleaning/CleaningReportBuilder.h"
 #include "slices/cleaning/Protection.h"
 
 #include <optional>
@@ -42,9 +42,9 @@ struct EnteredFolder
 class RemovalSteps final
 {
 public:
-    RemovalSteps(const SystemCalls &calls, const Protection &protection, CleaningLedger &ledger,
-                 EntryOrder order)
-        : m_calls(calls), m_protection(protection), m_ledger(ledger), m_order(order)
+    RemovalSteps(const SystemCalls &calls, const Protection &protection,
+                 CleaningReportBuilder &builder, EntryOrder order)
+        : m_calls(calls), m_protection(protection), m_builder(builder), m_order(order)
     {
     }
 
@@ -95,7 +95,7 @@ private:
 
     const SystemCalls &m_calls;
     const Protection &m_protection;
-    CleaningLedger &m_ledger;
+    CleaningReportBuilder &m_builder;
     EntryOrder m_order;
 };
 

@@ -1,6 +1,6 @@
 #include "slices/page/CleaningJob.h"
 
-#include "slices/cleaning/CleaningLedger.h"
+#include "slices/cleaning/CleaningReportBuilder.h"
 #include "slices/cleaning/RecordPlaces.h"
 #include "slices/cleaning/SlicesToClean.h"
 #include "slices/exclusions/ExcludedPaths.h"
@@ -46,7 +46,7 @@ CleaningReport cleanDisk(const SystemCalls &calls, FileAccess &access, const Rec
 
 CleaningReport refusedReport()
 {
-    return CleaningLedger({{QByteArray(), RefusalReason::UnknownExclusions, 0}}, nullptr)
+    return CleaningReportBuilder({{QByteArray(), RefusalReason::UnknownExclusions, 0}}, nullptr)
         .finish(false);
 }
 

@@ -1,4 +1,4 @@
-#include "slices/cleaning/CleaningLedger.h"
+#include "slices/cleaning/CleaningReportBuilder.h"
 
 #include "platform/base/Log.h"
 
@@ -77,7 +77,8 @@ void logLocked(const CleaningRefusal &refusal)
 
 } // namespace
 
-CleaningLedger::CleaningLedger(const QList<CleaningRefusal> &planned, CleaningObserver *observer)
+CleaningReportBuilder::CleaningReportBuilder(const QList<CleaningRefusal> &planned,
+                                             CleaningObserver *observer)
     : m_observer(observer),
       m_plannedRefusals(static_cast<std::uint64_t>(planned.size())),
       m_isLogging(logVantor().isInfoEnabled())
@@ -88,7 +89,7 @@ CleaningLedger::CleaningLedger(const QList<CleaningRefusal> &planned, CleaningOb
         logLocked(refusal);
 }
 
-void CleaningLedger::logCandidates(const FileUrls &candidates, std::size_t total)
+void CleaningReportBuilder::logCandidates(const FileUrls &candidates, std::size_t total)
 {
     QByteArrayList texts;
     for (const FileUrl &candidate : candidates)
@@ -99,19 +100,19 @@ void CleaningLedger::logCandidates(const FileUrls &candidates, std::size_t total
     qCInfo(logVantor, "(%s)", texts.join(", ").constData());
 }
 
-void CleaningLedger::logRemoval(const QByteArray &path, FileUrlKind kind) const
+void CleaningReportBuilder::logRemoval(const QByteArray &path, FileUrlKind kind) const
 {
     qCInfo(logVantor, "%s", textOf(path, kind).constData());
 }
 
-void CleaningLedger::removed()
+void CleaningReportBuilder::removed()
 {
     const std::uint64_t items = m_removed.fetch_add(1, std::memory_order_relaxed) + 1;
     if (items % kItemsBetweenCalls == 0)
         tellObserver();
 }
 
-void CleaningLedger::tellObserver()
+void CleaningReportBuilder::tellObserver()
 {
     if (!m_observer)
         return;
@@ -119,7 +120,7 @@ void CleaningLedger::tellObserver()
     m_observer->removedSoFar(m_removed.load(std::memory_order_relaxed));
 }
 
-void CleaningLedger::failed(const QByteArray &path, int error)
+void CleaningReportBuilder::failed(const QByteArray &path, int error)
 {
     const std::scoped_lock lock(m_mutex);
     if (++m_report.failureCount > CleaningReport::kMaxReported)
@@ -128,7 +129,7 @@ void CleaningLedger::failed(const QByteArray &path, int error)
     logLocked(m_report.failures.last());
 }
 
-void CleaningLedger::refused(const QByteArray &path, RefusalReason reason, int error)
+void CleaningReportBuilder::refused(const QByteArray &path, RefusalReason reason, int error)
 {
     const std::scoped_lock lock(m_mutex);
     if (++m_report.refusalCount > m_plannedRefusals + CleaningReport::kMaxReported)
@@ -137,7 +138,7 @@ void CleaningLedger::refused(const QByteArray &path, RefusalReason reason, int e
     logLocked(m_report.refusals.last());
 }
 
-CleaningReport CleaningLedger::finish(bool wasStopped)
+CleaningReport CleaningReportBuilder::finish(bool wasStopped)
 {
     tellObserver();
     const std::scoped_lock lock(m_mutex);
@@ -147,7 +148,7 @@ CleaningReport CleaningLedger::finish(bool wasStopped)
     return m_report;
 }
 
-void CleaningLedger::logTheRest() const
+void CleaningReportBuilder::logTheRest() const
 {
     const std::uint64_t announced = m_announced.load(std::memory_order_relaxed);
     if (announced > kMaxRemovalLines)

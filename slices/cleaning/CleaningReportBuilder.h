@@ -7,11 +7,11 @@
 
 /// Keeps the books of one cleaning and writes its log lines: of each kind only so many, and how
 /// many more there were at the end. Its threads share it.
-class CleaningLedger final
+class CleaningReportBuilder final
 {
 public:
     /// Writes at once what the plan refused.
-    CleaningLedger(const QList<CleaningRefusal> &planned, CleaningObserver *observer);
+    CleaningReportBuilder(const QList<CleaningRefusal> &planned, CleaningObserver *observer);
 
     /// The items directly in question at a place, before the first is removed; of very many only
     /// the first.

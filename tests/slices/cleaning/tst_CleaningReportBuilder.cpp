@@ -1,4 +1,4 @@
-#include "slices/cleaning/CleaningLedger.h"
+#include "slices/cleaning/CleaningReportBuilder.h"
 
 #include "tests/slices/kit/CleaningKit.h"
 #include "tests/slices/kit/HookedCalls.h"
@@ -7,7 +7,7 @@
 #include <QDir>
 #include <cerrno>
 
-class TestCleaningLedger final : public QObject
+class TestCleaningReportBuilder final : public QObject
 {
     Q_OBJECT
 
@@ -42,7 +42,7 @@ private:
     QByteArray m_path;
 };
 
-void TestCleaningLedger::init()
+void TestCleaningReportBuilder::init()
 {
     m_scratch = std::make_unique<CleaningGround>();
     m_path = *m_scratch / "home";
@@ -50,7 +50,7 @@ void TestCleaningLedger::init()
     m_home = std::make_unique<GrantedFolder>(m_path);
 }
 
-void TestCleaningLedger::logsCandidatesAndEachRemoval()
+void TestCleaningReportBuilder::logsCandidatesAndEachRemoval()
 {
     makeFile(downloads("a b/c"));
     const LogRecorder log;
@@ -59,7 +59,7 @@ void TestCleaningLedger::logsCandidatesAndEachRemoval()
     QCOMPARE(log.lines(), QStringList({QStringLiteral("(\"%1\")").arg(text), text}));
 }
 
-void TestCleaningLedger::logsNoCandidatesWhereItJudgesEachItem()
+void TestCleaningReportBuilder::logsNoCandidatesWhereItJudgesEachItem()
 {
     for (const char *name : {"Deep/Keep", "Deep/a/b"})
         makeFile(downloads(name));
@@ -68,7 +68,7 @@ void TestCleaningLedger::logsNoCandidatesWhereItJudgesEachItem()
     QCOMPARE(log.lines(), QStringList({stored(m_home->folder("Downloads/Deep/a"))}));
 }
 
-void TestCleaningLedger::logsTheFilesOfASliceOnce()
+void TestCleaningReportBuilder::logsTheFilesOfASliceOnce()
 {
     makeFile(downloads("a"));
     makeFile(downloads("b"));
@@ -81,7 +81,7 @@ void TestCleaningLedger::logsTheFilesOfASliceOnce()
                      stored(files[0]), stored(files[1])}));
 }
 
-void TestCleaningLedger::logsWhatIsLocked()
+void TestCleaningReportBuilder::logsWhatIsLocked()
 {
     class Locked final : public HookedCalls
     {
@@ -104,7 +104,7 @@ void TestCleaningLedger::logsWhatIsLocked()
     QVERIFY(!exists(downloads("b"))); // cleaning goes on with the next item
 }
 
-void TestCleaningLedger::logsWhatThePlanRefuses_data()
+void TestCleaningReportBuilder::logsWhatThePlanRefuses_data()
 {
     QTest::addColumn<QByteArray>("place");
     QTest::addColumn<QString>("excluded");
@@ -126,7 +126,7 @@ void TestCleaningLedger::logsWhatThePlanRefuses_data()
         << QStringLiteral("no%20path%0A: excluded, but not a path that can be read");
 }
 
-void TestCleaningLedger::logsWhatThePlanRefuses()
+void TestCleaningReportBuilder::logsWhatThePlanRefuses()
 {
     QFETCH(QByteArray, place);
     QFETCH(QString, excluded);
@@ -146,15 +146,16 @@ void TestCleaningLedger::logsWhatThePlanRefuses()
     QVERIFY(exists(downloads("a")));
 }
 
-void TestCleaningLedger::logsThatNobodyKnowsWhatIsExcluded()
+void TestCleaningReportBuilder::logsThatNobodyKnowsWhatIsExcluded()
 {
     const LogRecorder log;
-    CleaningLedger({{QByteArray(), RefusalReason::UnknownExclusions, 0}}, nullptr).finish(false);
+    CleaningReportBuilder({{QByteArray(), RefusalReason::UnknownExclusions, 0}}, nullptr)
+        .finish(false);
     QCOMPARE(log.lines(), QStringList(QStringLiteral("File might be locked: everything: "
                                                      "nobody knows what is excluded")));
 }
 
-void TestCleaningLedger::logsEverythingThatIsLeft_data()
+void TestCleaningReportBuilder::logsEverythingThatIsLeft_data()
 {
     QTest::addColumn<QByteArray>("call");
     QTest::addColumn<int>("error");
@@ -166,7 +167,7 @@ void TestCleaningLedger::logsEverythingThatIsLeft_data()
 }
 
 /// Whatever the call that fails: what is still there has a line, or lies in a folder that has one.
-void TestCleaningLedger::logsEverythingThatIsLeft()
+void TestCleaningReportBuilder::logsEverythingThatIsLeft()
 {
     /// Fails every third of the calls of a name.
     class Failing final : public HookedCalls
@@ -207,7 +208,7 @@ void TestCleaningLedger::logsEverythingThatIsLeft()
     }
 }
 
-void TestCleaningLedger::stopsLoggingWhenThereAreVeryMany()
+void TestCleaningReportBuilder::stopsLoggingWhenThereAreVeryMany()
 {
     constexpr int kFiles = 10'100;
     for (int i = 0; i < kFiles; ++i)
@@ -219,7 +220,7 @@ void TestCleaningLedger::stopsLoggingWhenThereAreVeryMany()
     QCOMPARE(log.lines().last(), QStringLiteral("and 100 more removals"));
 }
 
-void TestCleaningLedger::tellsTheObserver()
+void TestCleaningReportBuilder::tellsTheObserver()
 {
     class Counter final : public CleaningObserver
     {
@@ -236,16 +237,16 @@ void TestCleaningLedger::tellsTheObserver()
     QCOMPARE(counter.m_seen, std::vector<std::uint64_t>({512, 1024, 1103}));
 }
 
-void TestCleaningLedger::countsWhatItNoLongerLists()
+void TestCleaningReportBuilder::countsWhatItNoLongerLists()
 {
     const LogRecorder log;
-    CleaningLedger ledger({{"/planned", RefusalReason::Link, ELOOP}}, nullptr);
+    CleaningReportBuilder builder({{"/planned", RefusalReason::Link, ELOOP}}, nullptr);
     constexpr int kMany = CleaningReport::kMaxReported + 10;
     for (int i = 0; i < kMany; ++i) {
-        ledger.failed("/f" + QByteArray::number(i), EPERM);
-        ledger.refused("/r" + QByteArray::number(i), RefusalReason::Unreadable, EACCES);
+        builder.failed("/f" + QByteArray::number(i), EPERM);
+        builder.refused("/r" + QByteArray::number(i), RefusalReason::Unreadable, EACCES);
     }
-    const CleaningReport report = ledger.finish(false);
+    const CleaningReport report = builder.finish(false);
     QCOMPARE(report.failureCount, std::uint64_t(kMany));
     QCOMPARE(report.refusalCount, std::uint64_t(kMany + 1));
     QCOMPARE(report.failures.size(), CleaningReport::kMaxReported);
@@ -256,5 +257,5 @@ void TestCleaningLedger::countsWhatItNoLongerLists()
     QCOMPARE(log.lines().last(), QStringLiteral("File might be locked: 20 more"));
 }
 
-VANTOR_TEST_MAIN(TestCleaningLedger)
-#include "tst_CleaningLedger.moc"
+VANTOR_TEST_MAIN(TestCleaningReportBuilder)
+#include "tst_CleaningReportBuilder.moc"
