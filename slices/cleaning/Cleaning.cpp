@@ -3,7 +3,7 @@
 #include "platform/base/Log.h"
 #include "platform/files/AnchoredFolder.h"
 #include "slices/cleaning/DependentItems.h"
-#include "slices/cleaning/RemovalCrew.h"
+#include "slices/cleaning/ParallelRemover.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -125,7 +125,7 @@ void Performance::remove(const Emptying &emptying, FolderListing entries) const
     if (emptying.order == EntryOrder::AsListed)
         Remover(emptying.steps, m_stop).removeListed(held, std::move(entries));
     else
-        RemovalCrew(emptying.steps, m_stop, kThreadsForDisks)
+        ParallelRemover(emptying.steps, m_stop, kThreadsForDisks)
             .removeListed(held, std::move(entries));
 }
 

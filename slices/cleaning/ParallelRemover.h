@@ -11,11 +11,11 @@
 /// are being emptied are shared out in stretches of entries; whoever finishes the last stretch of a
 /// folder removes it. Only so many folders are shared, and held open, at a time; past that, a
 /// thread empties what it finds by itself.
-class RemovalCrew final
+class ParallelRemover final
 {
 public:
     /// `threads` counts the caller's, which works with the others.
-    RemovalCrew(const RemovalSteps &steps, std::stop_token stop, unsigned threads);
+    ParallelRemover(const RemovalSteps &steps, std::stop_token stop, unsigned threads);
 
     /// Removes what the listing names in the folder, with all that it holds. Once.
     void removeListed(const HeldFolder &folder, FolderListing listing);

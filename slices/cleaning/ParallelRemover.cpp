@@ -1,4 +1,4 @@
-#include "slices/cleaning/RemovalCrew.h"
+#include "slices/cleaning/ParallelRemover.h"
 
 #include <algorithm>
 #include <system_error>
@@ -15,7 +15,7 @@ constexpr int kMostFolders = 16;
 } // namespace
 
 /// A folder whose entries several threads deal with. Held open until the last is done.
-struct RemovalCrew::SharedFolder
+struct ParallelRemover::SharedFolder
 {
     FolderPointer around; ///< nothing for the outermost, which is the caller's
     std::size_t indexAround = 0;
@@ -33,10 +33,10 @@ struct RemovalCrew::SharedFolder
 };
 
 /// One thread's part.
-class RemovalCrew::Worker final
+class ParallelRemover::Worker final
 {
 public:
-    explicit Worker(RemovalCrew &crew)
+    explicit Worker(ParallelRemover &crew)
         : m_crew(crew), m_remover(crew.m_steps, crew.m_stop), m_space(kListingSpace)
     {
     }
@@ -48,12 +48,12 @@ private:
     void enter(const Job &job);
     void share(const FolderPointer &folder);
 
-    RemovalCrew &m_crew;
+    ParallelRemover &m_crew;
     Remover m_remover;
     std::vector<char> m_space;
 };
 
-void RemovalCrew::Worker::run()
+void ParallelRemover::Worker::run()
 {
     Job job;
     while (m_crew.take(job)) {
@@ -68,7 +68,7 @@ void RemovalCrew::Worker::run()
     }
 }
 
-void RemovalCrew::Worker::deal(const Job &job)
+void ParallelRemover::Worker::deal(const Job &job)
 {
     SharedFolder &folder = *job.folder;
     std::vector<Job> inside;
@@ -88,7 +88,7 @@ void RemovalCrew::Worker::deal(const Job &job)
     m_crew.add(std::move(inside));
 }
 
-void RemovalCrew::Worker::enter(const Job &job)
+void ParallelRemover::Worker::enter(const Job &job)
 {
     const Spot spot = job.folder->spot(job.first);
     auto entered = m_crew.m_steps.enter(spot, m_space);
@@ -115,18 +115,18 @@ void RemovalCrew::Worker::enter(const Job &job)
 }
 
 /// Hands out all stretches of the folder but the first, which this thread takes at once.
-void RemovalCrew::Worker::share(const FolderPointer &folder)
+void ParallelRemover::Worker::share(const FolderPointer &folder)
 {
     m_crew.add(m_crew.stretchesOf(folder, kStretch));
     deal({Job::Kind::Deal, folder, 0, std::min(kStretch, folder->listing.size())});
 }
 
-RemovalCrew::RemovalCrew(const RemovalSteps &steps, std::stop_token stop, unsigned threads)
+ParallelRemover::ParallelRemover(const RemovalSteps &steps, std::stop_token stop, unsigned threads)
     : m_steps(steps), m_stop(std::move(stop)), m_threads(threads)
 {
 }
 
-void RemovalCrew::removeListed(const HeldFolder &folder, FolderListing listing)
+void ParallelRemover::removeListed(const HeldFolder &folder, FolderListing listing)
 {
     const auto outermost = std::make_shared<SharedFolder>();
     outermost->held = folder;
@@ -144,8 +144,8 @@ void RemovalCrew::removeListed(const HeldFolder &folder, FolderListing listing)
 }
 
 /// The entries from `first` on, in jobs that each hold on to the folder.
-std::vector<RemovalCrew::Job> RemovalCrew::stretchesOf(const FolderPointer &folder,
-                                                       std::size_t first) const
+std::vector<ParallelRemover::Job> ParallelRemover::stretchesOf(const FolderPointer &folder,
+                                                               std::size_t first) const
 {
     std::vector<Job> stretches;
     for (; first < folder->listing.size(); first += kStretch) {
@@ -156,7 +156,7 @@ std::vector<RemovalCrew::Job> RemovalCrew::stretchesOf(const FolderPointer &fold
     return stretches;
 }
 
-bool RemovalCrew::take(Job &job)
+bool ParallelRemover::take(Job &job)
 {
     std::unique_lock lock(m_mutex);
     m_changed.wait(lock, [this] { return !m_jobs.empty() || m_unfinished == 0; });
@@ -168,7 +168,7 @@ bool RemovalCrew::take(Job &job)
 }
 
 /// The first of them will be the next to be taken.
-void RemovalCrew::add(std::vector<Job> jobs)
+void ParallelRemover::add(std::vector<Job> jobs)
 {
     if (jobs.empty())
         return;
@@ -182,7 +182,7 @@ void RemovalCrew::add(std::vector<Job> jobs)
 }
 
 /// A job's own new jobs have been added before, so that the count reaches nought only at the end.
-void RemovalCrew::finishJob()
+void ParallelRemover::finishJob()
 {
     const std::scoped_lock lock(m_mutex);
     if (--m_unfinished == 0)
@@ -190,7 +190,7 @@ void RemovalCrew::finishJob()
 }
 
 /// Whoever drops the last hold on a folder removes it, and then perhaps the one around it.
-void RemovalCrew::release(FolderPointer folder)
+void ParallelRemover::release(FolderPointer folder)
 {
     while (--folder->openWork == 0 && folder->around) {
         const FolderPointer around = folder->around;

@@ -1,4 +1,4 @@
-#include "slices/cleaning/RemovalCrew.h"
+#include "slices/cleaning/ParallelRemover.h"
 
 #include "tests/slices/kit/CleaningKit.h"
 #include "tests/slices/kit/HookedCalls.h"
@@ -51,7 +51,7 @@ private:
 
 } // namespace
 
-class TestRemovalCrew final : public QObject
+class TestParallelRemover final : public QObject
 {
     Q_OBJECT
 
@@ -85,7 +85,7 @@ private:
     QByteArray m_downloads;
 };
 
-void TestRemovalCrew::init()
+void TestParallelRemover::init()
 {
     m_scratch = std::make_unique<CleaningGround>();
     m_downloads = *m_scratch / "home/Downloads";
@@ -93,7 +93,7 @@ void TestRemovalCrew::init()
     m_home = std::make_unique<GrantedFolder>(*m_scratch / "home");
 }
 
-void TestRemovalCrew::sharesAWideFolderBetweenThreads()
+void TestParallelRemover::sharesAWideFolderBetweenThreads()
 {
     constexpr int kFiles = 4000;
     for (int i = 0; i < kFiles; ++i)
@@ -106,7 +106,7 @@ void TestRemovalCrew::sharesAWideFolderBetweenThreads()
     QVERIFY(tree(m_downloads).empty());
 }
 
-void TestRemovalCrew::removesManyFoldersInFolders()
+void TestParallelRemover::removesManyFoldersInFolders()
 {
     const int items = makeMany(60, 50);
     const OnDisk calls;
@@ -116,7 +116,7 @@ void TestRemovalCrew::removesManyFoldersInFolders()
     QVERIFY(tree(m_downloads).empty());
 }
 
-void TestRemovalCrew::worksAloneInMemory()
+void TestParallelRemover::worksAloneInMemory()
 {
     class InMemory final : public OnDisk
     {
@@ -130,7 +130,7 @@ void TestRemovalCrew::worksAloneInMemory()
     QVERIFY(tree(m_downloads).empty());
 }
 
-void TestRemovalCrew::stopsBeforeTheNextItem()
+void TestParallelRemover::stopsBeforeTheNextItem()
 {
     constexpr int kFiles = 2000;
     constexpr int kBefore = 100;
@@ -147,7 +147,7 @@ void TestRemovalCrew::stopsBeforeTheNextItem()
     QCOMPARE(tree(m_downloads).size() + report.removedItems, std::size_t(kFiles));
 }
 
-void TestRemovalCrew::endsWhereThereIsNothing()
+void TestParallelRemover::endsWhereThereIsNothing()
 {
     const OnDisk calls;
     QCOMPARE(cleanWith(calls).removedItems, std::uint64_t(0));
@@ -155,5 +155,5 @@ void TestRemovalCrew::endsWhereThereIsNothing()
     QCOMPARE(cleanWith(calls).removedItems, std::uint64_t(1));
 }
 
-VANTOR_TEST_MAIN(TestRemovalCrew)
-#include "tst_RemovalCrew.moc"
+VANTOR_TEST_MAIN(TestParallelRemover)
+#include "tst_ParallelRemover.moc"
