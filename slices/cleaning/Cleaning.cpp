@@ -123,7 +123,7 @@ void Performance::remove(const Emptying &emptying, FolderListing entries) const
     const Care care = emptying.protection.isTouched() ? Care::Judged : Care::Logged;
     const HeldFolder held{emptying.folder, emptying.location.url.path() + '/', care};
     if (emptying.order == EntryOrder::AsListed)
-        Remover(emptying.steps, m_stop).removeListed(held, std::move(entries));
+        SequentialRemover(emptying.steps, m_stop).removeListed(held, std::move(entries));
     else
         ParallelRemover(emptying.steps, m_stop, kThreadsForDisks)
             .removeListed(held, std::move(entries));
@@ -190,7 +190,7 @@ void Performance::removeFile(const CleaningLocation &location)
     const Protection protection(m_plan, location, identity->device);
     const RemovalSteps steps(m_calls, protection, m_builder, EntryOrder::AsListed);
     const QByteArray path = location.url.path();
-    Remover(steps, m_stop)
+    SequentialRemover(steps, m_stop)
         .removeListed({folder->get(), path.first(path.size() - name.size()), Care::Logged},
                       FolderListing::ofEntry({name.constData(), status->inode, status->kind}));
 }

@@ -49,7 +49,7 @@ private:
     void share(const FolderPointer &folder);
 
     ParallelRemover &m_crew;
-    Remover m_remover;
+    SequentialRemover m_remover;
     std::vector<char> m_space;
 };
 

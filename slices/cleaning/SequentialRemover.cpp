@@ -1,4 +1,4 @@
-#include "slices/cleaning/Remover.h"
+#include "slices/cleaning/SequentialRemover.h"
 
 namespace {
 
@@ -9,12 +9,12 @@ constexpr std::size_t kOpenLevels = 12;
 
 } // namespace
 
-Remover::Remover(const RemovalSteps &steps, std::stop_token stop)
+SequentialRemover::SequentialRemover(const RemovalSteps &steps, std::stop_token stop)
     : m_steps(steps), m_stop(std::move(stop)), m_space(kListingSpace)
 {
 }
 
-bool Remover::removeListed(const HeldFolder &folder, FolderListing listing)
+bool SequentialRemover::removeListed(const HeldFolder &folder, FolderListing listing)
 {
     m_startDescriptor = folder.descriptor;
     m_path = folder.path;
@@ -35,7 +35,7 @@ bool Remover::removeListed(const HeldFolder &folder, FolderListing listing)
     return isAllGone;
 }
 
-void Remover::step()
+void SequentialRemover::step()
 {
     Level &level = m_levels.back();
     if (level.next == level.listing.size()) {
@@ -51,7 +51,7 @@ void Remover::step()
         enter(spot, verdict.inside);
 }
 
-void Remover::enter(const Spot &spot, Care care)
+void SequentialRemover::enter(const Spot &spot, Care care)
 {
     auto entered = m_steps.enter(spot, m_space);
     if (!entered) {
@@ -67,7 +67,7 @@ void Remover::enter(const Spot &spot, Care care)
     closeOuterLevel();
 }
 
-void Remover::leave()
+void SequentialRemover::leave()
 {
     Level inner = std::move(m_levels.back());
     m_levels.pop_back();
@@ -82,7 +82,7 @@ void Remover::leave()
 }
 
 /// The cleaning was stopped, or is at its end anyway.
-void Remover::leaveAll()
+void SequentialRemover::leaveAll()
 {
     while (m_levels.size() > 1) {
         m_levels.back().stays = true;
@@ -90,7 +90,7 @@ void Remover::leaveAll()
     }
 }
 
-bool Remover::reopen(Level &level, const Level &inner)
+bool SequentialRemover::reopen(Level &level, const Level &inner)
 {
     const std::size_t index = m_levels.size() - 1;
     if (index == 0 || level.descriptor.isValid())
@@ -106,7 +106,7 @@ bool Remover::reopen(Level &level, const Level &inner)
 }
 
 /// All levels but the outermost are closed, and the way back to them is lost.
-void Remover::abandonClosedLevels(int error)
+void SequentialRemover::abandonClosedLevels(int error)
 {
     m_steps.abandon(m_path.first(m_levels[1].pathSize - 1), error);
     m_levels.resize(1);
@@ -115,18 +115,18 @@ void Remover::abandonClosedLevels(int error)
     m_firstOpen = 1;
 }
 
-void Remover::closeOuterLevel()
+void SequentialRemover::closeOuterLevel()
 {
     if (m_levels.size() - m_firstOpen > kOpenLevels)
         m_levels[m_firstOpen++].descriptor.reset();
 }
 
-int Remover::descriptorOf(const Level &level) const
+int SequentialRemover::descriptorOf(const Level &level) const
 {
     return &level == &m_levels.front() ? m_startDescriptor : level.descriptor.get();
 }
 
-Spot Remover::spotIn(const Level &level, std::size_t index) const
+Spot SequentialRemover::spotIn(const Level &level, std::size_t index) const
 {
     return {descriptorOf(level), m_path, level.listing.name(level.listing.at(index))};
 }

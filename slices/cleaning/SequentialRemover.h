@@ -15,10 +15,10 @@ struct HeldFolder
 /// Removes trees one entry after the other, on one thread. Needs a fixed number of descriptors and
 /// no stack, however deep a tree is: of the folders on the way down it holds the innermost few
 /// open, and finds back to the others by "..", checked by what it remembers of them.
-class Remover final
+class SequentialRemover final
 {
 public:
-    Remover(const RemovalSteps &steps, std::stop_token stop);
+    SequentialRemover(const RemovalSteps &steps, std::stop_token stop);
 
     /// Removes what the listing names in the folder, with all that it holds. Whether all is gone.
     /// Stops before the next entry; the folders on the way down have their own rights again then.

@@ -1,4 +1,4 @@
-#include "slices/cleaning/Remover.h"
+#include "slices/cleaning/SequentialRemover.h"
 
 #include "tests/slices/kit/Interlopers.h"
 #include "tests/support/run/Must.h"
@@ -29,7 +29,7 @@ private:
 
 } // namespace
 
-class TestRemover final : public QObject
+class TestSequentialRemover final : public QObject
 {
     Q_OBJECT
 
@@ -40,7 +40,7 @@ private Q_SLOTS:
     void doesNotFollowAFolderThatWasMovedAway();
 };
 
-void TestRemover::removesADeepTreeWithFewDescriptors_data()
+void TestSequentialRemover::removesADeepTreeWithFewDescriptors_data()
 {
     QTest::addColumn<CleaningGround::Medium>("medium");
     QTest::addColumn<int>("levels");
@@ -48,7 +48,7 @@ void TestRemover::removesADeepTreeWithFewDescriptors_data()
     QTest::addRow("on disk") << CleaningGround::Medium::Disk << 1'000; // slow to make
 }
 
-void TestRemover::removesADeepTreeWithFewDescriptors()
+void TestSequentialRemover::removesADeepTreeWithFewDescriptors()
 {
     QFETCH(CleaningGround::Medium, medium);
     QFETCH(int, levels);
@@ -74,7 +74,7 @@ void TestRemover::removesADeepTreeWithFewDescriptors()
 }
 
 /// Every folder on the way holds more that is due after the way back.
-void TestRemover::comesBackToFoldersItClosed()
+void TestSequentialRemover::comesBackToFoldersItClosed()
 {
     const CleaningGround scratch;
     QByteArray folder = scratch / "home/Downloads";
@@ -92,7 +92,7 @@ void TestRemover::comesBackToFoldersItClosed()
 
 /// Of a deep tree the outer folders are not held open. One of them is moved to a place whose items
 /// have the very names that still wait to be removed.
-void TestRemover::doesNotFollowAFolderThatWasMovedAway()
+void TestSequentialRemover::doesNotFollowAFolderThatWasMovedAway()
 {
     const CleaningGround scratch;
     const QByteArray top = scratch / "home/Downloads/1/2";
@@ -128,5 +128,5 @@ void TestRemover::doesNotFollowAFolderThatWasMovedAway()
     QVERIFY(refused > 10); // the way back was lost, and that was noticed
 }
 
-VANTOR_TEST_MAIN(TestRemover)
-#include "tst_Remover.moc"
+VANTOR_TEST_MAIN(TestSequentialRemover)
+#include "tst_SequentialRemover.moc"
