@@ -32,10 +32,10 @@ struct Emptying
 };
 
 /// Takes a plan place by place.
-class Performance final
+class CleaningRun final
 {
 public:
-    Performance(const SystemCalls &calls, const CleaningPlan &plan, std::stop_token stop,
+    CleaningRun(const SystemCalls &calls, const CleaningPlan &plan, std::stop_token stop,
                 CleaningObserver *observer, const InUseCheck &inUse)
         : m_calls(calls),
           m_plan(plan),
@@ -71,7 +71,7 @@ private:
     std::vector<char> m_space;
 };
 
-CleaningReport Performance::run()
+CleaningReport CleaningRun::run()
 {
     const auto &locations = m_plan.locations();
     for (std::size_t i = 0; i < locations.size() && !m_stop.stop_requested(); ++i) {
@@ -82,7 +82,7 @@ CleaningReport Performance::run()
     return m_builder.finish(m_stop.stop_requested());
 }
 
-void Performance::clean(const CleaningLocation &location)
+void CleaningRun::clean(const CleaningLocation &location)
 {
     if (m_inUse && m_inUse(location, location.url).contains(location.url))
         refuse(location, RefusalReason::InUse, 0);
@@ -92,7 +92,7 @@ void Performance::clean(const CleaningLocation &location)
         removeFile(location);
 }
 
-void Performance::emptyFolder(const CleaningLocation &location)
+void CleaningRun::emptyFolder(const CleaningLocation &location)
 {
     const auto folder = openAnchored(m_calls, location.path, Descent::Strict);
     if (!folder)
@@ -118,7 +118,7 @@ void Performance::emptyFolder(const CleaningLocation &location)
         removeUnlessInUse(emptying, std::move(entry));
 }
 
-void Performance::remove(const Emptying &emptying, FolderListing entries) const
+void CleaningRun::remove(const Emptying &emptying, FolderListing entries) const
 {
     const Care care = emptying.protection.isTouched() ? Care::Judged : Care::Logged;
     const HeldFolder held{emptying.folder, emptying.location.url.path() + '/', care};
@@ -131,7 +131,7 @@ void Performance::remove(const Emptying &emptying, FolderListing entries) const
 
 /// The entries at, or on the way to, the places of programs, each by itself. They wait until all
 /// else is gone, so that they can be asked about right before they go.
-std::vector<FolderListing> Performance::takeOutOfPrograms(const CleaningLocation &location,
+std::vector<FolderListing> CleaningRun::takeOutOfPrograms(const CleaningLocation &location,
                                                           FolderListing &listing) const
 {
     const QByteArray inside = location.url.path() + '/';
@@ -145,7 +145,7 @@ std::vector<FolderListing> Performance::takeOutOfPrograms(const CleaningLocation
     return listing.takeOut([&](const char *name) { return names.contains(name); });
 }
 
-void Performance::removeUnlessInUse(const Emptying &emptying, FolderListing entry)
+void CleaningRun::removeUnlessInUse(const Emptying &emptying, FolderListing entry)
 {
     if (m_stop.stop_requested())
         return;
@@ -157,7 +157,7 @@ void Performance::removeUnlessInUse(const Emptying &emptying, FolderListing entr
 }
 
 /// What is kept already has been told of.
-void Performance::keepInUse(const Emptying &emptying, const FileUrl &place)
+void CleaningRun::keepInUse(const Emptying &emptying, const FileUrl &place)
 {
     const auto &[anchor, relativePath] = emptying.location.path;
     if (emptying.protection.sparing(place.path(), FileKind::Folder) == Sparing::Whole)
@@ -169,7 +169,7 @@ void Performance::keepInUse(const Emptying &emptying, const FileUrl &place)
         m_builder.refused(place.path(), RefusalReason::InUse, 0);
 }
 
-void Performance::removeFile(const CleaningLocation &location)
+void CleaningRun::removeFile(const CleaningLocation &location)
 {
     const auto [around, name] = anchoredEntry(location.path);
     const auto folder = openAnchored(m_calls, around, Descent::Strict);
@@ -195,7 +195,7 @@ void Performance::removeFile(const CleaningLocation &location)
                       FolderListing::ofEntry({name.constData(), status->inode, status->kind}));
 }
 
-bool Performance::isAsPlanned(const CleaningLocation &location,
+bool CleaningRun::isAsPlanned(const CleaningLocation &location,
                               const SystemResult<FileIdentity> &found)
 {
     if (!found)
@@ -207,13 +207,13 @@ bool Performance::isAsPlanned(const CleaningLocation &location,
     return false;
 }
 
-void Performance::refuse(const CleaningLocation &location, RefusalReason reason, int error)
+void CleaningRun::refuse(const CleaningLocation &location, RefusalReason reason, int error)
 {
     if (error != ENOENT)
         m_builder.refused(location.url.path(), reason, error);
 }
 
-void Performance::logContents(const CleaningLocation &location, const FolderListing &listing)
+void CleaningRun::logContents(const CleaningLocation &location, const FolderListing &listing)
 {
     if (!m_builder.logsCandidates())
         return;
@@ -226,7 +226,7 @@ void Performance::logContents(const CleaningLocation &location, const FolderList
 }
 
 /// The files of one slice stand beside each other; all are told of before the first goes.
-void Performance::logFiles(std::size_t first)
+void CleaningRun::logFiles(std::size_t first)
 {
     const auto &locations = m_plan.locations();
     const auto isOfSameSlice = [&](const CleaningLocation &other) {
@@ -248,5 +248,5 @@ CleaningReport performCleaning(const SystemCalls &calls, const CleaningPlan &pla
                                std::stop_token stop, CleaningObserver *observer,
                                const InUseCheck &inUse)
 {
-    return Performance(calls, plan, std::move(stop), observer, inUse).run();
+    return CleaningRun(calls, plan, std::move(stop), observer, inUse).run();
 }
