@@ -107,7 +107,7 @@ void CleaningRun::emptyFolder(const CleaningLocation &location)
     auto listing = steps.list(folder->get(), m_space);
     if (!listing)
         return refuse(location, RefusalReason::PartlyListed, listing.error());
-    if (location.whatGoes == WhatGoes::LoneRecords)
+    if (location.whatGoes == RemovalScope::LoneRecords)
         passOverRecordsInNeed(m_calls, location.path, *listing);
     if (!protection.isTouched())
         logContents(location, *listing);
@@ -182,9 +182,9 @@ void CleaningRun::removeFile(const CleaningLocation &location)
     if (!status)
         return refuse(location, RefusalReason::Unreadable, status.error());
     // The name may stand for something else again; from here on it is unlinked as what it is.
-    if (location.whatGoes == WhatGoes::RegularFiles && status->kind != FileKind::Regular)
+    if (location.whatGoes == RemovalScope::RegularFiles && status->kind != FileKind::Regular)
         return refuse(location, RefusalReason::NotAFile, 0);
-    if (location.whatGoes == WhatGoes::RegularFiles &&
+    if (location.whatGoes == RemovalScope::RegularFiles &&
         journalStillNeeded(m_calls, folder->get(), name))
         return;
     const Protection protection(m_plan, location, identity->device);

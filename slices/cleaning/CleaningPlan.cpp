@@ -195,7 +195,7 @@ CleaningPlanner::examine(CleaningLocation &location) const
         identity = m_calls.identityOf(folder);
     }
     if (identity && !isExcluded(*identity) && !fileName.isEmpty()) {
-        if (location.whatGoes == WhatGoes::RegularFiles) {
+        if (location.whatGoes == RemovalScope::RegularFiles) {
             const auto status = m_calls.status(folder, fileName.constData());
             if (!status)
                 return tl::unexpected(Obstacle{RefusalReason::Unreadable, status.error()});

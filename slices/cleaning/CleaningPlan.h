@@ -16,7 +16,7 @@ enum class CleaningMode {
 };
 
 /// What of a slice's places may go.
-enum class WhatGoes {
+enum class RemovalScope {
     Everything,
     /// Of the very files: whatever else bears such a name stays, and a database's journal for as
     /// long as the database does.
@@ -33,7 +33,7 @@ struct SliceToClean
     FileUrls fileURLs;
     CleaningMode mode = CleaningMode::ContentsOfFolders;
     ReadOnlyFolders readOnlyFolders = ReadOnlyFolders::Stay; ///< inside the places, not themselves
-    WhatGoes whatGoes = WhatGoes::Everything;
+    RemovalScope whatGoes = RemovalScope::Everything;
     FileUrls kept = {}; ///< in use inside the places; need not be there
     /// At and inside the places: what programs may begin to use while the cleaning is under way.
     FileUrls programPlaces = {};
@@ -78,7 +78,7 @@ struct CleaningLocation
     /// each item below is judged by its path.
     bool isTouched = false;
     ReadOnlyFolders readOnlyFolders = ReadOnlyFolders::Stay;
-    WhatGoes whatGoes = WhatGoes::Everything;
+    RemovalScope whatGoes = RemovalScope::Everything;
 };
 
 /// Exactly what a cleaning may remove: places in order, and what is kept inside them. Made by

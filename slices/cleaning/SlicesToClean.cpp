@@ -14,11 +14,11 @@ CleaningMode modeOf(const QString &slice)
 
 /// What is in the freedesktop places of single files is written by the programs as plain files; the
 /// fixed layout says nothing of the kind, and large files may be packages.
-WhatGoes whatGoesOf(const HomeLayout &layout, const QString &slice)
+RemovalScope whatGoesOf(const HomeLayout &layout, const QString &slice)
 {
     const bool isBrowserData = sliceKindNamed(slice) == SliceKind::BrowserData;
-    return layout.kind() == HomeKind::Freedesktop && isBrowserData ? WhatGoes::RegularFiles
-                                                                   : WhatGoes::Everything;
+    return layout.kind() == HomeKind::Freedesktop && isBrowserData ? RemovalScope::RegularFiles
+                                                                   : RemovalScope::Everything;
 }
 
 /// "…/Trash/directorysizes" for "…/Trash/files"; nothing for the other folders.
@@ -38,15 +38,15 @@ QList<SliceToClean> trashToClean(const QString &name, const FileUrl &location)
     const SliceToClean folder{.name = name,
                               .fileURLs = {location},
                               .readOnlyFolders = ReadOnlyFolders::Emptied,
-                              .whatGoes =
-                                  holdsRecords ? WhatGoes::LoneRecords : WhatGoes::Everything};
+                              .whatGoes = holdsRecords ? RemovalScope::LoneRecords
+                                                       : RemovalScope::Everything};
     const std::optional<FileUrl> book = folderSizeBook(location);
     if (!book)
         return {folder};
     return {{.name = name,
              .fileURLs = {*book},
              .mode = CleaningMode::TheVeryFiles,
-             .whatGoes = WhatGoes::RegularFiles,
+             .whatGoes = RemovalScope::RegularFiles,
              .onlyWith = location},
             folder};
 }

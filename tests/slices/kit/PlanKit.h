@@ -27,11 +27,12 @@ inline QByteArray verbOf(const CleaningLocation &location)
 {
     const bool areFiles = location.mode == CleaningMode::TheVeryFiles;
     const bool goReadOnlyFolders = location.readOnlyFolders == ReadOnlyFolders::Emptied;
-    if (areFiles && !goReadOnlyFolders && location.whatGoes != WhatGoes::LoneRecords)
-        return location.whatGoes == WhatGoes::RegularFiles ? "remove" : "remove, whatever it is,";
-    if (!areFiles && location.whatGoes == WhatGoes::Everything)
+    if (areFiles && !goReadOnlyFolders && location.whatGoes != RemovalScope::LoneRecords)
+        return location.whatGoes == RemovalScope::RegularFiles ? "remove"
+                                                               : "remove, whatever it is,";
+    if (!areFiles && location.whatGoes == RemovalScope::Everything)
         return goReadOnlyFolders ? "empty, read-only folders too," : "empty";
-    if (!areFiles && goReadOnlyFolders && location.whatGoes == WhatGoes::LoneRecords)
+    if (!areFiles && goReadOnlyFolders && location.whatGoes == RemovalScope::LoneRecords)
         return "empty of lone records";
     return "DO NOBODY KNOWS WHAT TO";
 }
