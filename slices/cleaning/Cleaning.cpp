@@ -120,8 +120,9 @@ void CleaningRun::emptyFolder(const CleaningLocation &location)
 
 void CleaningRun::remove(const Emptying &emptying, FolderListing entries) const
 {
-    const Care care = emptying.protection.isTouched() ? Care::Judged : Care::Logged;
-    const HeldFolder held{emptying.folder, emptying.location.url.path() + '/', care};
+    const EntryPolicy policy =
+        emptying.protection.isTouched() ? EntryPolicy::Judged : EntryPolicy::Logged;
+    const HeldFolder held{emptying.folder, emptying.location.url.path() + '/', policy};
     if (emptying.order == EntryOrder::AsListed)
         SequentialRemover(emptying.steps, m_stop).removeListed(held, std::move(entries));
     else
@@ -191,7 +192,7 @@ void CleaningRun::removeFile(const CleaningLocation &location)
     const RemovalSteps steps(m_calls, protection, m_builder, EntryOrder::AsListed);
     const QByteArray path = location.url.path();
     SequentialRemover(steps, m_stop)
-        .removeListed({folder->get(), path.first(path.size() - name.size()), Care::Logged},
+        .removeListed({folder->get(), path.first(path.size() - name.size()), EntryPolicy::Logged},
                       FolderListing::ofEntry({name.constData(), status->inode, status->kind}));
 }
 

@@ -78,7 +78,7 @@ void ParallelRemover::Worker::deal(const Job &job)
             break;
         }
         const auto verdict =
-            m_crew.m_steps.deal(folder.spot(i), folder.listing.at(i), folder.held.care);
+            m_crew.m_steps.deal(folder.spot(i), folder.listing.at(i), folder.held.policy);
         if (verdict.fate == Fate::Stays)
             folder.stays = true;
         else if (verdict.fate == Fate::Enter)
@@ -103,7 +103,7 @@ void ParallelRemover::Worker::enter(const Job &job)
     folder->indexAround = job.first;
     folder->owned = std::move(entered->descriptor);
     folder->held = {folder->owned.get(), spot.path() + '/', job.inside};
-    folder->stays = job.inside == Care::Judged;
+    folder->stays = job.inside == EntryPolicy::Judged;
     folder->formerRights = entered->formerRights;
     if (m_crew.m_aliveFolders++ < kMostFolders) {
         folder->listing = std::move(entered->listing);

@@ -32,7 +32,7 @@ private:
         FolderPointer folder;
         std::size_t first = 0;
         std::size_t last = 0;
-        Care inside = Care::Removed; ///< for a folder to enter
+        EntryPolicy inside = EntryPolicy::Removed; ///< for a folder to enter
     };
     class Worker;
 

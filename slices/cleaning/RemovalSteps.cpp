@@ -16,22 +16,22 @@ RefusalReason refusalReason(int error)
 }
 
 RemovalSteps::Verdict RemovalSteps::deal(const Spot &spot, const FolderListing::Entry &entry,
-                                         Care care) const
+                                         EntryPolicy policy) const
 {
     if (m_protection.keepsInode(entry.inode))
         return {Fate::Stays};
     const auto kind = kindOf(spot, entry);
     if (!kind)
         return {kind.error()};
-    if (care == Care::Judged) {
+    if (policy == EntryPolicy::Judged) {
         const Sparing sparing = m_protection.sparing(spot.path(), *kind);
         if (sparing == Sparing::Whole)
             return {Fate::Stays};
         if (sparing == Sparing::OnTheWay)
-            return {Fate::Enter, Care::Judged};
+            return {Fate::Enter, EntryPolicy::Judged};
     }
     const bool isFolder = *kind == FileKind::Folder;
-    if (care != Care::Removed && m_builder.announce())
+    if (policy != EntryPolicy::Removed && m_builder.announce())
         m_builder.logRemoval(spot.path(), isFolder ? FileUrlKind::Folder : FileUrlKind::File);
     return {isFolder ? Fate::Enter : removeFile(spot)};
 }

@@ -7,7 +7,7 @@
 #include <optional>
 
 /// What happens to the entries of a folder that is being emptied.
-enum class Care {
+enum class EntryPolicy {
     Removed, ///< all go; nothing that is kept lies below by its path
     Logged,  ///< the same, with a log line each
     Judged,  ///< each is judged by its path, and those that go are logged
@@ -56,11 +56,11 @@ public:
     struct Verdict
     {
         Fate fate = Fate::Stays;
-        Care inside = Care::Removed; ///< for a folder to enter
+        EntryPolicy inside = EntryPolicy::Removed; ///< for a folder to enter
     };
 
     /// Deals with an entry as it was listed: removes what is no folder, unless it is kept.
-    Verdict deal(const Spot &spot, const FolderListing::Entry &entry, Care care) const;
+    Verdict deal(const Spot &spot, const FolderListing::Entry &entry, EntryPolicy policy) const;
 
     /// Opens a folder that deal() sent us into; Gone or Stays where it cannot be entered. `space`
     /// is the calling thread's own.

@@ -20,7 +20,7 @@ bool SequentialRemover::removeListed(const HeldFolder &folder, FolderListing lis
     m_path = folder.path;
     m_firstOpen = 1;
     m_levels.clear();
-    m_levels.push_back({{}, 0, std::move(listing), 0, m_path.size(), folder.care, false, {}});
+    m_levels.push_back({{}, 0, std::move(listing), 0, m_path.size(), folder.policy, false, {}});
     const auto isDone = [this] {
         return m_levels.size() == 1 && m_levels.front().next == m_levels.front().listing.size();
     };
@@ -44,14 +44,14 @@ void SequentialRemover::step()
     }
     const std::size_t index = level.next++;
     const Spot spot = spotIn(level, index);
-    const RemovalSteps::Verdict verdict = m_steps.deal(spot, level.listing.at(index), level.care);
+    const RemovalSteps::Verdict verdict = m_steps.deal(spot, level.listing.at(index), level.policy);
     if (verdict.fate == Fate::Stays)
         level.stays = true;
     else if (verdict.fate == Fate::Enter)
         enter(spot, verdict.inside);
 }
 
-void SequentialRemover::enter(const Spot &spot, Care care)
+void SequentialRemover::enter(const Spot &spot, EntryPolicy policy)
 {
     auto entered = m_steps.enter(spot, m_space);
     if (!entered) {
@@ -61,9 +61,9 @@ void SequentialRemover::enter(const Spot &spot, Care care)
     }
     m_path += spot.name;
     m_path += '/';
-    const bool isOnTheWay = care == Care::Judged;
+    const bool isOnTheWay = policy == EntryPolicy::Judged;
     m_levels.push_back({std::move(entered->descriptor), entered->inode, std::move(entered->listing),
-                        0, m_path.size(), care, isOnTheWay, entered->formerRights});
+                        0, m_path.size(), policy, isOnTheWay, entered->formerRights});
     closeOuterLevel();
 }
 

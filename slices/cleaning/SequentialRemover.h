@@ -9,7 +9,7 @@ struct HeldFolder
 {
     int descriptor = -1;
     QByteArray path; ///< raw, with a trailing slash
-    Care care = Care::Removed;
+    EntryPolicy policy = EntryPolicy::Removed;
 };
 
 /// Removes trees one entry after the other, on one thread. Needs a fixed number of descriptors and
@@ -33,13 +33,13 @@ private:
         FolderListing listing;
         std::size_t next = 0;
         qsizetype pathSize = 0;
-        Care care = Care::Removed;
+        EntryPolicy policy = EntryPolicy::Removed;
         bool stays = false; ///< something in it was left, or it is on the way to what is kept
         std::optional<std::uint16_t> formerRights;
     };
 
     void step();
-    void enter(const Spot &spot, Care care);
+    void enter(const Spot &spot, EntryPolicy policy);
     void leave();
     void leaveAll();
     bool reopen(Level &level, const Level &inner);
