@@ -6,7 +6,7 @@
 
 namespace {
 
-using Fate = RemovalSteps::Fate;
+using EntryOutcome = RemovalSteps::EntryOutcome;
 
 constexpr std::size_t kStretch = 512;
 /// With what the threads' own removers hold open, this fits into 64 descriptors.
@@ -79,9 +79,9 @@ void ParallelRemover::Worker::deal(const Job &job)
         }
         const auto verdict =
             m_crew.m_steps.deal(folder.spot(i), folder.listing.at(i), folder.held.policy);
-        if (verdict.fate == Fate::Stays)
+        if (verdict.outcome == EntryOutcome::Stays)
             folder.stays = true;
-        else if (verdict.fate == Fate::Enter)
+        else if (verdict.outcome == EntryOutcome::Enter)
             inside.push_back({Job::Kind::Enter, job.folder, i, i + 1, verdict.inside});
     }
     folder.openWork += inside.size();
@@ -93,7 +93,7 @@ void ParallelRemover::Worker::enter(const Job &job)
     const Spot spot = job.folder->spot(job.first);
     auto entered = m_crew.m_steps.enter(spot, m_space);
     if (!entered) {
-        if (entered.error() == Fate::Stays)
+        if (entered.error() == EntryOutcome::Stays)
             job.folder->stays = true;
         return;
     }
@@ -198,7 +198,7 @@ void ParallelRemover::release(FolderPointer folder)
         folder->owned.reset();
         --m_aliveFolders;
         if (folder->stays || m_stop.stop_requested() ||
-            m_steps.removeFolder(around->spot(folder->indexAround)) == Fate::Stays)
+            m_steps.removeFolder(around->spot(folder->indexAround)) == EntryOutcome::Stays)
             around->stays = true;
         folder = around;
     }

@@ -19,25 +19,25 @@ RemovalSteps::Verdict RemovalSteps::deal(const Spot &spot, const FolderListing::
                                          EntryPolicy policy) const
 {
     if (m_protection.keepsInode(entry.inode))
-        return {Fate::Stays};
+        return {EntryOutcome::Stays};
     const auto kind = kindOf(spot, entry);
     if (!kind)
         return {kind.error()};
     if (policy == EntryPolicy::Judged) {
         const Sparing sparing = m_protection.sparing(spot.path(), *kind);
         if (sparing == Sparing::Whole)
-            return {Fate::Stays};
+            return {EntryOutcome::Stays};
         if (sparing == Sparing::OnTheWay)
-            return {Fate::Enter, EntryPolicy::Judged};
+            return {EntryOutcome::Enter, EntryPolicy::Judged};
     }
     const bool isFolder = *kind == FileKind::Folder;
     if (policy != EntryPolicy::Removed && m_builder.announce())
         m_builder.logRemoval(spot.path(), isFolder ? FileUrlKind::Folder : FileUrlKind::File);
-    return {isFolder ? Fate::Enter : removeFile(spot)};
+    return {isFolder ? EntryOutcome::Enter : removeFile(spot)};
 }
 
-tl::expected<EnteredFolder, RemovalSteps::Fate> RemovalSteps::enter(const Spot &spot,
-                                                                    std::span<char> space) const
+tl::expected<EnteredFolder, RemovalSteps::EntryOutcome>
+RemovalSteps::enter(const Spot &spot, std::span<char> space) const
 {
     auto opened = m_calls.openFolder(spot.folder, spot.name, Descent::Strict);
     if (!opened)
@@ -49,7 +49,7 @@ tl::expected<EnteredFolder, RemovalSteps::Fate> RemovalSteps::enter(const Spot &
     if (status->device != m_protection.device())
         return tl::unexpected(refused(spot, RefusalReason::OtherFileSystem, EXDEV));
     if (m_protection.keepsInode(status->inode))
-        return tl::unexpected(Fate::Stays);
+        return tl::unexpected(EntryOutcome::Stays);
     auto listing = list(opened->get(), space);
     if (!listing)
         return tl::unexpected(refused(spot, RefusalReason::PartlyListed, listing.error()));
@@ -115,12 +115,12 @@ SystemResult<FileDescriptor> RemovalSteps::back(int folder, std::uint64_t inode)
     return parent;
 }
 
-RemovalSteps::Fate RemovalSteps::removeFile(const Spot &spot) const
+RemovalSteps::EntryOutcome RemovalSteps::removeFile(const Spot &spot) const
 {
     return settled(m_calls.removeFile(spot.folder, spot.name), spot);
 }
 
-RemovalSteps::Fate RemovalSteps::removeFolder(const Spot &spot) const
+RemovalSteps::EntryOutcome RemovalSteps::removeFolder(const Spot &spot) const
 {
     return settled(m_calls.removeFolder(spot.folder, spot.name), spot);
 }
@@ -130,27 +130,29 @@ void RemovalSteps::abandon(const QByteArray &path, int error) const
     m_builder.refused(path, RefusalReason::Changed, error);
 }
 
-RemovalSteps::Fate RemovalSteps::settled(const SystemResult<void> &answer, const Spot &spot) const
+RemovalSteps::EntryOutcome RemovalSteps::settled(const SystemResult<void> &answer,
+                                                 const Spot &spot) const
 {
     if (answer) {
         m_builder.removed();
-        return Fate::Gone;
+        return EntryOutcome::Gone;
     }
     if (answer.error() == ENOENT)
-        return Fate::Gone;
+        return EntryOutcome::Gone;
     m_builder.failed(spot.path(), answer.error());
-    return Fate::Stays;
+    return EntryOutcome::Stays;
 }
 
-RemovalSteps::Fate RemovalSteps::refused(const Spot &spot, RefusalReason reason, int error) const
+RemovalSteps::EntryOutcome RemovalSteps::refused(const Spot &spot, RefusalReason reason,
+                                                 int error) const
 {
     if (error == ENOENT)
-        return Fate::Gone;
+        return EntryOutcome::Gone;
     m_builder.refused(spot.path(), reason, error);
-    return Fate::Stays;
+    return EntryOutcome::Stays;
 }
 
-tl::expected<FileKind, RemovalSteps::Fate>
+tl::expected<FileKind, RemovalSteps::EntryOutcome>
 RemovalSteps::kindOf(const Spot &spot, const FolderListing::Entry &entry) const
 {
     if (entry.kind != FileKind::Unknown)
@@ -159,6 +161,6 @@ RemovalSteps::kindOf(const Spot &spot, const FolderListing::Entry &entry) const
     if (!status)
         return tl::unexpected(refused(spot, RefusalReason::Unreadable, status.error()));
     if (m_protection.keepsInode(status->inode))
-        return tl::unexpected(Fate::Stays);
+        return tl::unexpected(EntryOutcome::Stays);
     return status->kind;
 }

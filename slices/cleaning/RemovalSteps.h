@@ -48,14 +48,14 @@ public:
     {
     }
 
-    enum class Fate {
+    enum class EntryOutcome {
         Gone,
         Stays,
         Enter, ///< a folder whose entries have to go first
     };
     struct Verdict
     {
-        Fate fate = Fate::Stays;
+        EntryOutcome outcome = EntryOutcome::Stays;
         EntryPolicy inside = EntryPolicy::Removed; ///< for a folder to enter
     };
 
@@ -64,7 +64,7 @@ public:
 
     /// Opens a folder that deal() sent us into; Gone or Stays where it cannot be entered. `space`
     /// is the calling thread's own.
-    tl::expected<EnteredFolder, Fate> enter(const Spot &spot, std::span<char> space) const;
+    tl::expected<EnteredFolder, EntryOutcome> enter(const Spot &spot, std::span<char> space) const;
 
     /// Lists a folder to its end, in the order of this cleaning.
     SystemResult<FolderListing> list(int folder, std::span<char> space) const;
@@ -77,7 +77,7 @@ public:
     void giveBack(int folder, std::optional<std::uint16_t> formerRights) const;
 
     /// Removes a folder that should be empty by now.
-    Fate removeFolder(const Spot &spot) const;
+    EntryOutcome removeFolder(const Spot &spot) const;
 
     /// Reports a folder that was entered but cannot be found back to, with all that is left in it.
     void abandon(const QByteArray &path, int error) const;
@@ -88,10 +88,11 @@ private:
                                               const FolderListing &listing) const;
     bool mayMakeWritable(const Spot &spot, const FileStatus &status,
                          const FolderListing &listing) const;
-    Fate removeFile(const Spot &spot) const;
-    Fate settled(const SystemResult<void> &answer, const Spot &spot) const;
-    Fate refused(const Spot &spot, RefusalReason reason, int error) const;
-    tl::expected<FileKind, Fate> kindOf(const Spot &spot, const FolderListing::Entry &entry) const;
+    EntryOutcome removeFile(const Spot &spot) const;
+    EntryOutcome settled(const SystemResult<void> &answer, const Spot &spot) const;
+    EntryOutcome refused(const Spot &spot, RefusalReason reason, int error) const;
+    tl::expected<FileKind, EntryOutcome> kindOf(const Spot &spot,
+                                                const FolderListing::Entry &entry) const;
 
     const SystemCalls &m_calls;
     const Protection &m_protection;

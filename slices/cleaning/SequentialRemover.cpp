@@ -2,7 +2,7 @@
 
 namespace {
 
-using Fate = RemovalSteps::Fate;
+using EntryOutcome = RemovalSteps::EntryOutcome;
 
 /// So few that two removers, the standard streams and the anchors fit into 64 descriptors.
 constexpr std::size_t kOpenLevels = 12;
@@ -45,9 +45,9 @@ void SequentialRemover::step()
     const std::size_t index = level.next++;
     const Spot spot = spotIn(level, index);
     const RemovalSteps::Verdict verdict = m_steps.deal(spot, level.listing.at(index), level.policy);
-    if (verdict.fate == Fate::Stays)
+    if (verdict.outcome == EntryOutcome::Stays)
         level.stays = true;
-    else if (verdict.fate == Fate::Enter)
+    else if (verdict.outcome == EntryOutcome::Enter)
         enter(spot, verdict.inside);
 }
 
@@ -55,7 +55,7 @@ void SequentialRemover::enter(const Spot &spot, EntryPolicy policy)
 {
     auto entered = m_steps.enter(spot, m_space);
     if (!entered) {
-        if (entered.error() == Fate::Stays)
+        if (entered.error() == EntryOutcome::Stays)
             m_levels.back().stays = true;
         return;
     }
@@ -77,7 +77,7 @@ void SequentialRemover::leave()
     if (!reopen(outer, inner))
         return;
     inner.descriptor.reset();
-    if (inner.stays || m_steps.removeFolder(spotIn(outer, outer.next - 1)) == Fate::Stays)
+    if (inner.stays || m_steps.removeFolder(spotIn(outer, outer.next - 1)) == EntryOutcome::Stays)
         outer.stays = true;
 }
 
