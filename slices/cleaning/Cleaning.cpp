@@ -161,7 +161,7 @@ void CleaningRun::removeUnlessInUse(const Emptying &emptying, FolderListing entr
 void CleaningRun::keepInUse(const Emptying &emptying, const FileUrl &place)
 {
     const auto &[anchor, relativePath] = emptying.location.path;
-    if (emptying.protection.sparing(place.path(), FileKind::Folder) == Sparing::Whole)
+    if (emptying.protection.match(place.path(), FileKind::Folder) == ExclusionMatch::Whole)
         return;
     emptying.protection.keep(place);
     const QByteArray inside = place.path().sliced(emptying.location.url.path().size());

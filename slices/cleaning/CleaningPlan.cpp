@@ -150,13 +150,13 @@ bool CleaningPlanner::isExcludedByPath(const CleaningLocation &location) const
 {
     const ExcludedPaths &excluded = m_plan.m_excluded;
     const QByteArray path = location.url.path();
-    const Sparing byPath = excluded.sparingByPath(path + '/');
+    const ExclusionMatch byPath = excluded.matchByPath(path + '/');
     if (location.mode == CleaningMode::ContentsOfFolders)
-        return byPath == Sparing::Whole;
+        return byPath == ExclusionMatch::Whole;
     // A file goes or stays as one: what holds something excluded stays too.
     const QByteArray text = location.url.isFolder() ? path + '/' : path;
-    return byPath != Sparing::None ||
-           (location.isTouched && excluded.sparingByText(text) != Sparing::None);
+    return byPath != ExclusionMatch::None ||
+           (location.isTouched && excluded.matchByText(text) != ExclusionMatch::None);
 }
 
 /// Finds the place below the granted folder; refuses it where it is not.

@@ -38,13 +38,13 @@ bool Protection::keepsInode(std::uint64_t inode) const
     return std::binary_search(m_inodes.begin(), m_inodes.end(), inode);
 }
 
-Sparing Protection::sparing(const QByteArray &path, FileKind kind) const
+ExclusionMatch Protection::match(const QByteArray &path, FileKind kind) const
 {
     const bool isFolder = kind == FileKind::Folder;
     const QByteArray slashed = path + '/';
-    const Sparing found = std::max(m_excluded.sparingByText(isFolder ? slashed : path),
-                                   m_excluded.sparingByPath(slashed));
-    if (found == Sparing::OnTheWay && (!isFolder || isPackageName(lastName(path))))
-        return Sparing::Whole;
+    const ExclusionMatch found = std::max(m_excluded.matchByText(isFolder ? slashed : path),
+                                          m_excluded.matchByPath(slashed));
+    if (found == ExclusionMatch::OnTheWay && (!isFolder || isPackageName(lastName(path))))
+        return ExclusionMatch::Whole;
     return found;
 }

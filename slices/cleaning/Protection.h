@@ -26,7 +26,7 @@ public:
 
     /// What the path rules say of an item at a raw path without a trailing slash. A package on the
     /// way to something excluded is kept whole: people see it as one file.
-    Sparing sparing(const QByteArray &path, FileKind kind) const;
+    ExclusionMatch match(const QByteArray &path, FileKind kind) const;
 
 private:
     ExcludedPaths m_excluded;

@@ -24,10 +24,10 @@ RemovalSteps::Verdict RemovalSteps::deal(const Spot &spot, const FolderListing::
     if (!kind)
         return {kind.error()};
     if (policy == EntryPolicy::Judged) {
-        const Sparing sparing = m_protection.sparing(spot.path(), *kind);
-        if (sparing == Sparing::Whole)
+        const ExclusionMatch match = m_protection.match(spot.path(), *kind);
+        if (match == ExclusionMatch::Whole)
             return {EntryOutcome::Stays};
-        if (sparing == Sparing::OnTheWay)
+        if (match == ExclusionMatch::OnTheWay)
             return {EntryOutcome::Enter, EntryPolicy::Judged};
     }
     const bool isFolder = *kind == FileKind::Folder;
@@ -78,7 +78,7 @@ bool RemovalSteps::mayMakeWritable(const Spot &spot, const FileStatus &status,
                                    const FolderListing &listing) const
 {
     if (m_protection.isTouched() &&
-        m_protection.sparing(spot.path(), FileKind::Folder) != Sparing::None)
+        m_protection.match(spot.path(), FileKind::Folder) != ExclusionMatch::None)
         return false;
     for (std::size_t i = 0; i < listing.size(); ++i) {
         if (m_protection.keepsInode(listing.at(i).inode))

@@ -41,14 +41,15 @@ PrefixSet PrefixSet::with(const QByteArray &text) const
     return PrefixSet(std::move(texts));
 }
 
-Sparing PrefixSet::sparing(const QByteArray &text) const
+ExclusionMatch PrefixSet::match(const QByteArray &text) const
 {
     // No member of m_shortest begins another, so only the last one not after the text can begin it.
     const auto above = std::upper_bound(m_shortest.begin(), m_shortest.end(), text, isBefore);
     if (above != m_shortest.begin() && text.startsWith(*std::prev(above)))
-        return Sparing::Whole;
+        return ExclusionMatch::Whole;
     const auto below = std::lower_bound(m_all.begin(), m_all.end(), text, isBefore);
-    return below != m_all.end() && below->startsWith(text) ? Sparing::OnTheWay : Sparing::None;
+    return below != m_all.end() && below->startsWith(text) ? ExclusionMatch::OnTheWay
+                                                           : ExclusionMatch::None;
 }
 
 ExcludedPaths ExcludedPaths::fromStoredStrings(const QStringList &strings)
@@ -105,6 +106,6 @@ bool ExcludedPaths::touches(const FileUrl &location) const
 
 bool ExcludedPaths::spares(const FileUrl &candidate) const
 {
-    return sparingByText(textOf(candidate)) != Sparing::None ||
-           sparingByPath(slashed(candidate.path())) != Sparing::None;
+    return matchByText(textOf(candidate)) != ExclusionMatch::None ||
+           matchByPath(slashed(candidate.path())) != ExclusionMatch::None;
 }

@@ -6,7 +6,7 @@
 #include <vector>
 
 /// How much of a file or folder an exclusion keeps.
-enum class Sparing {
+enum class ExclusionMatch {
     None,
     OnTheWay, ///< it stays, but what else it holds may go
     Whole,    ///< it stays with all that it holds
@@ -21,7 +21,7 @@ public:
     PrefixSet with(const QByteArray &text) const;
 
     /// Whole when a member begins the text (or equals it), OnTheWay when the text begins a member.
-    Sparing sparing(const QByteArray &text) const;
+    ExclusionMatch match(const QByteArray &text) const;
 
 private:
     std::vector<QByteArray> m_all;
@@ -64,11 +64,11 @@ public:
     /// `path` is the candidate's raw path, with a trailing slash for a folder. All texts begin with
     /// "file:///" and hold three slashes in a row nowhere else, and percent-encoding is a prefix
     /// code, so that "contains" is "begins with" and may be asked of the raw bytes.
-    Sparing sparingByText(const QByteArray &path) const { return m_texts.sparing(path); }
+    ExclusionMatch matchByText(const QByteArray &path) const { return m_texts.match(path); }
 
     /// The rule on whole path components: whole at and below an exclusion, on the way above one.
     /// `path` is the candidate's raw path, with a trailing slash whatever it is.
-    Sparing sparingByPath(const QByteArray &path) const { return m_paths.sparing(path); }
+    ExclusionMatch matchByPath(const QByteArray &path) const { return m_paths.match(path); }
 
     /// Whether any of both rules keeps the candidate.
     bool spares(const FileUrl &candidate) const;

@@ -52,30 +52,31 @@ void TestProtection::judgesItemsByTheirPaths_data()
 {
     QTest::addColumn<QByteArray>("item");
     QTest::addColumn<FileKind>("kind");
-    QTest::addColumn<Sparing>("sparing");
+    QTest::addColumn<ExclusionMatch>("match");
     using enum FileKind;
-    QTest::addRow("other file") << QByteArray("other") << Regular << Sparing::None;
-    QTest::addRow("other folder") << QByteArray("folder") << Folder << Sparing::None;
-    QTest::addRow("excluded folder") << QByteArray("way/Keep") << Folder << Sparing::Whole;
-    QTest::addRow("its content") << QByteArray("way/Keep/a") << Regular << Sparing::Whole;
-    QTest::addRow("folder on the way") << QByteArray("way") << Folder << Sparing::OnTheWay;
-    QTest::addRow("link on the way") << QByteArray("way") << Link << Sparing::Whole;
-    QTest::addRow("beside on the way") << QByteArray("way/other") << Folder << Sparing::None;
-    QTest::addRow("excluded file") << QByteArray("ab") << Regular << Sparing::Whole;
-    QTest::addRow("longer than it") << QByteArray("abc") << Folder << Sparing::Whole;
-    QTest::addRow("file shorter than it") << QByteArray("a") << Regular << Sparing::Whole;
-    QTest::addRow("folder shorter than it") << QByteArray("a") << Folder << Sparing::None;
-    QTest::addRow("package on the way") << QByteArray("Tool.app") << Folder << Sparing::Whole;
-    QTest::addRow("other package") << QByteArray("Other.app") << Folder << Sparing::None;
+    QTest::addRow("other file") << QByteArray("other") << Regular << ExclusionMatch::None;
+    QTest::addRow("other folder") << QByteArray("folder") << Folder << ExclusionMatch::None;
+    QTest::addRow("excluded folder") << QByteArray("way/Keep") << Folder << ExclusionMatch::Whole;
+    QTest::addRow("its content") << QByteArray("way/Keep/a") << Regular << ExclusionMatch::Whole;
+    QTest::addRow("folder on the way") << QByteArray("way") << Folder << ExclusionMatch::OnTheWay;
+    QTest::addRow("link on the way") << QByteArray("way") << Link << ExclusionMatch::Whole;
+    QTest::addRow("beside on the way") << QByteArray("way/other") << Folder << ExclusionMatch::None;
+    QTest::addRow("excluded file") << QByteArray("ab") << Regular << ExclusionMatch::Whole;
+    QTest::addRow("longer than it") << QByteArray("abc") << Folder << ExclusionMatch::Whole;
+    QTest::addRow("file shorter than it") << QByteArray("a") << Regular << ExclusionMatch::Whole;
+    QTest::addRow("folder shorter than it") << QByteArray("a") << Folder << ExclusionMatch::None;
+    QTest::addRow("package on the way")
+        << QByteArray("Tool.app") << Folder << ExclusionMatch::Whole;
+    QTest::addRow("other package") << QByteArray("Other.app") << Folder << ExclusionMatch::None;
 }
 
 void TestProtection::judgesItemsByTheirPaths()
 {
     QFETCH(QByteArray, item);
     QFETCH(FileKind, kind);
-    QFETCH(Sparing, sparing);
+    QFETCH(ExclusionMatch, match);
     QVERIFY(protection().isTouched());
-    QCOMPARE(protection().sparing(m_downloads + item, kind), sparing);
+    QCOMPARE(protection().match(m_downloads + item, kind), match);
 }
 
 void TestProtection::knowsExcludedItemsByTheirNumbers()
@@ -96,9 +97,9 @@ void TestProtection::keepsWhatItIsToldLater()
     QVERIFY(!protection.isTouched());
     protection.keep(m_home->folder("Downloads/way/Keep"));
     QVERIFY(protection.isTouched());
-    QCOMPARE(protection.sparing(m_downloads + "way/Keep", FileKind::Folder), Sparing::Whole);
-    QCOMPARE(protection.sparing(m_downloads + "way", FileKind::Folder), Sparing::OnTheWay);
-    QCOMPARE(protection.sparing(m_downloads + "other", FileKind::Regular), Sparing::None);
+    QCOMPARE(protection.match(m_downloads + "way/Keep", FileKind::Folder), ExclusionMatch::Whole);
+    QCOMPARE(protection.match(m_downloads + "way", FileKind::Folder), ExclusionMatch::OnTheWay);
+    QCOMPARE(protection.match(m_downloads + "other", FileKind::Regular), ExclusionMatch::None);
 }
 
 void TestProtection::knowsNumbersOfItsOwnDeviceOnly()

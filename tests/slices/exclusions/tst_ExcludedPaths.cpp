@@ -4,7 +4,7 @@
 
 #include <QRandomGenerator>
 
-Q_DECLARE_METATYPE(Sparing)
+Q_DECLARE_METATYPE(ExclusionMatch)
 
 class TestExcludedPaths final : public QObject
 {
@@ -138,59 +138,70 @@ void TestExcludedPaths::judgesByText_data()
 {
     QTest::addColumn<QByteArray>("candidate");
     QTest::addColumn<QByteArrayList>("excluded");
-    QTest::addColumn<Sparing>("sparing");
+    QTest::addColumn<ExclusionMatch>("match");
     const QByteArrayList folder{"/h/d/Keep/"};
-    QTest::addRow("the folder") << QByteArray("/h/d/Keep/") << folder << Sparing::Whole;
-    QTest::addRow("in it") << QByteArray("/h/d/Keep/x/y") << folder << Sparing::Whole;
-    QTest::addRow("on the way") << QByteArray("/h/d/") << folder << Sparing::OnTheWay;
-    QTest::addRow("beside") << QByteArray("/h/d/Kept") << folder << Sparing::None;
-    QTest::addRow("longer folder") << QByteArray("/h/d/KeepMore/") << folder << Sparing::None;
-    QTest::addRow("file of the name") << QByteArray("/h/d/Keep") << folder << Sparing::OnTheWay;
-    QTest::addRow("shorter file") << QByteArray("/h/d/Ke") << folder << Sparing::OnTheWay;
-    QTest::addRow("shorter folder") << QByteArray("/h/d/Ke/") << folder << Sparing::None;
+    QTest::addRow("the folder") << QByteArray("/h/d/Keep/") << folder << ExclusionMatch::Whole;
+    QTest::addRow("in it") << QByteArray("/h/d/Keep/x/y") << folder << ExclusionMatch::Whole;
+    QTest::addRow("on the way") << QByteArray("/h/d/") << folder << ExclusionMatch::OnTheWay;
+    QTest::addRow("beside") << QByteArray("/h/d/Kept") << folder << ExclusionMatch::None;
+    QTest::addRow("longer folder")
+        << QByteArray("/h/d/KeepMore/") << folder << ExclusionMatch::None;
+    QTest::addRow("file of the name")
+        << QByteArray("/h/d/Keep") << folder << ExclusionMatch::OnTheWay;
+    QTest::addRow("shorter file") << QByteArray("/h/d/Ke") << folder << ExclusionMatch::OnTheWay;
+    QTest::addRow("shorter folder") << QByteArray("/h/d/Ke/") << folder << ExclusionMatch::None;
     const QByteArrayList file{"/h/d/ab"};
-    QTest::addRow("longer than the file") << QByteArray("/h/d/ab.mov") << file << Sparing::Whole;
-    QTest::addRow("folder longer than it") << QByteArray("/h/d/abc/") << file << Sparing::Whole;
-    QTest::addRow("shorter than the file") << QByteArray("/h/d/a") << file << Sparing::OnTheWay;
+    QTest::addRow("longer than the file")
+        << QByteArray("/h/d/ab.mov") << file << ExclusionMatch::Whole;
+    QTest::addRow("folder longer than it")
+        << QByteArray("/h/d/abc/") << file << ExclusionMatch::Whole;
+    QTest::addRow("shorter than the file")
+        << QByteArray("/h/d/a") << file << ExclusionMatch::OnTheWay;
     QTest::addRow("between two") << QByteArray("/h/d/b") << QByteArrayList{"/h/d/a", "/h/d/c"}
-                                 << Sparing::None;
+                                 << ExclusionMatch::None;
     QTest::addRow("second of a row")
         << QByteArray("/h/d/a/z") << QByteArrayList{"/h/d/a/", "/h/d/a/b/", "/h/d/a/c"}
-        << Sparing::Whole;
-    QTest::addRow("everything") << QByteArray("/x") << QByteArrayList{"/"} << Sparing::Whole;
+        << ExclusionMatch::Whole;
+    QTest::addRow("everything") << QByteArray("/x") << QByteArrayList{"/"} << ExclusionMatch::Whole;
 }
 
 void TestExcludedPaths::judgesByText()
 {
     QFETCH(QByteArray, candidate);
     QFETCH(QByteArrayList, excluded);
-    QFETCH(Sparing, sparing);
-    QCOMPARE(excludedPaths(excluded).sparingByText(candidate), sparing);
+    QFETCH(ExclusionMatch, match);
+    QCOMPARE(excludedPaths(excluded).matchByText(candidate), match);
 }
 
 void TestExcludedPaths::judgesByPath_data()
 {
     QTest::addColumn<QByteArray>("candidate");
     QTest::addColumn<QByteArrayList>("excluded");
-    QTest::addColumn<Sparing>("sparing");
+    QTest::addColumn<ExclusionMatch>("match");
     for (const char *form : {"/h/d/ab", "/h/d/ab/"}) {
         const QByteArrayList excluded{form};
-        QTest::addRow("itself, %s", form) << QByteArray("/h/d/ab/") << excluded << Sparing::Whole;
-        QTest::addRow("in it, %s", form) << QByteArray("/h/d/ab/x/") << excluded << Sparing::Whole;
-        QTest::addRow("around, %s", form) << QByteArray("/h/") << excluded << Sparing::OnTheWay;
-        QTest::addRow("longer, %s", form) << QByteArray("/h/d/abc/") << excluded << Sparing::None;
-        QTest::addRow("shorter, %s", form) << QByteArray("/h/d/a/") << excluded << Sparing::None;
-        QTest::addRow("dotted, %s", form) << QByteArray("/h/d/ab.c/") << excluded << Sparing::None;
+        QTest::addRow("itself, %s", form)
+            << QByteArray("/h/d/ab/") << excluded << ExclusionMatch::Whole;
+        QTest::addRow("in it, %s", form)
+            << QByteArray("/h/d/ab/x/") << excluded << ExclusionMatch::Whole;
+        QTest::addRow("around, %s", form)
+            << QByteArray("/h/") << excluded << ExclusionMatch::OnTheWay;
+        QTest::addRow("longer, %s", form)
+            << QByteArray("/h/d/abc/") << excluded << ExclusionMatch::None;
+        QTest::addRow("shorter, %s", form)
+            << QByteArray("/h/d/a/") << excluded << ExclusionMatch::None;
+        QTest::addRow("dotted, %s", form)
+            << QByteArray("/h/d/ab.c/") << excluded << ExclusionMatch::None;
     }
-    QTest::addRow("the root") << QByteArray("/h/") << QByteArrayList{"/"} << Sparing::Whole;
+    QTest::addRow("the root") << QByteArray("/h/") << QByteArrayList{"/"} << ExclusionMatch::Whole;
 }
 
 void TestExcludedPaths::judgesByPath()
 {
     QFETCH(QByteArray, candidate);
     QFETCH(QByteArrayList, excluded);
-    QFETCH(Sparing, sparing);
-    QCOMPARE(excludedPaths(excluded).sparingByPath(candidate), sparing);
+    QFETCH(ExclusionMatch, match);
+    QCOMPARE(excludedPaths(excluded).matchByPath(candidate), match);
 }
 
 void TestExcludedPaths::sparesNamesOfAnyBytesAndNoOthers_data()
@@ -246,7 +257,7 @@ void TestExcludedPaths::agreesWithTheRuleOnWholeUrls()
             return text.contains(other) || other.contains(text);
         });
         const QByteArray path = candidate.path() + (candidate.isFolder() ? "/" : "");
-        QCOMPARE(excluding(urls).sparingByText(path) != Sparing::None, isSpared);
+        QCOMPARE(excluding(urls).matchByText(path) != ExclusionMatch::None, isSpared);
         spared += isSpared ? 1 : 0;
     }
     QVERIFY(spared > 2'000 && spared < 18'000);
