@@ -26,7 +26,7 @@ struct ParallelRemover::SharedFolder
     std::atomic<std::size_t> openWork = 1; ///< jobs, folders inside, and whoever sets it up
     std::atomic<bool> stays = false;
 
-    Spot spot(std::size_t index) const
+    EntryRef ref(std::size_t index) const
     {
         return {held.descriptor, held.path, listing.name(listing.at(index))};
     }
@@ -78,7 +78,7 @@ void ParallelRemover::Worker::deal(const Job &job)
             break;
         }
         const auto verdict =
-            m_crew.m_steps.deal(folder.spot(i), folder.listing.at(i), folder.held.policy);
+            m_crew.m_steps.deal(folder.ref(i), folder.listing.at(i), folder.held.policy);
         if (verdict.outcome == EntryOutcome::Stays)
             folder.stays = true;
         else if (verdict.outcome == EntryOutcome::Enter)
@@ -90,8 +90,8 @@ void ParallelRemover::Worker::deal(const Job &job)
 
 void ParallelRemover::Worker::enter(const Job &job)
 {
-    const Spot spot = job.folder->spot(job.first);
-    auto entered = m_crew.m_steps.enter(spot, m_space);
+    const EntryRef ref = job.folder->ref(job.first);
+    auto entered = m_crew.m_steps.enter(ref, m_space);
     if (!entered) {
         if (entered.error() == EntryOutcome::Stays)
             job.folder->stays = true;
@@ -102,7 +102,7 @@ void ParallelRemover::Worker::enter(const Job &job)
     ++folder->around->openWork;
     folder->indexAround = job.first;
     folder->owned = std::move(entered->descriptor);
-    folder->held = {folder->owned.get(), spot.path() + '/', job.inside};
+    folder->held = {folder->owned.get(), ref.path() + '/', job.inside};
     folder->stays = job.inside == EntryPolicy::Judged;
     folder->formerRights = entered->formerRights;
     if (m_crew.m_aliveFolders++ < kMostFolders) {
@@ -198,7 +198,7 @@ void ParallelRemover::release(FolderPointer folder)
         folder->owned.reset();
         --m_aliveFolders;
         if (folder->stays || m_stop.stop_requested() ||
-            m_steps.removeFolder(around->spot(folder->indexAround)) == EntryOutcome::Stays)
+            m_steps.removeFolder(around->ref(folder->indexAround)) == EntryOutcome::Stays)
             around->stays = true;
         folder = around;
     }

@@ -15,16 +15,16 @@ RefusalReason refusalReason(int error)
     }
 }
 
-RemovalSteps::Verdict RemovalSteps::deal(const Spot &spot, const FolderListing::Entry &entry,
+RemovalSteps::Verdict RemovalSteps::deal(const EntryRef &ref, const FolderListing::Entry &entry,
                                          EntryPolicy policy) const
 {
     if (m_protection.keepsInode(entry.inode))
         return {EntryOutcome::Stays};
-    const auto kind = kindOf(spot, entry);
+    const auto kind = kindOf(ref, entry);
     if (!kind)
         return {kind.error()};
     if (policy == EntryPolicy::Judged) {
-        const ExclusionMatch match = m_protection.match(spot.path(), *kind);
+        const ExclusionMatch match = m_protection.match(ref.path(), *kind);
         if (match == ExclusionMatch::Whole)
             return {EntryOutcome::Stays};
         if (match == ExclusionMatch::OnTheWay)
@@ -32,40 +32,40 @@ RemovalSteps::Verdict RemovalSteps::deal(const Spot &spot, const FolderListing::
     }
     const bool isFolder = *kind == FileKind::Folder;
     if (policy != EntryPolicy::Removed && m_builder.announce())
-        m_builder.logRemoval(spot.path(), isFolder ? FileUrlKind::Folder : FileUrlKind::File);
-    return {isFolder ? EntryOutcome::Enter : removeFile(spot)};
+        m_builder.logRemoval(ref.path(), isFolder ? FileUrlKind::Folder : FileUrlKind::File);
+    return {isFolder ? EntryOutcome::Enter : removeFile(ref)};
 }
 
 tl::expected<EnteredFolder, RemovalSteps::EntryOutcome>
-RemovalSteps::enter(const Spot &spot, std::span<char> space) const
+RemovalSteps::enter(const EntryRef &ref, std::span<char> space) const
 {
-    auto opened = m_calls.openFolder(spot.folder, spot.name, Descent::Strict);
+    auto opened = m_calls.openFolder(ref.folder, ref.name, Descent::Strict);
     if (!opened)
-        return tl::unexpected(refused(spot, refusalReason(opened.error()), opened.error()));
+        return tl::unexpected(refused(ref, refusalReason(opened.error()), opened.error()));
     // What is asked of the descriptor holds, whatever happens to the name from now on.
     const auto status = m_calls.statusOf(opened->get());
     if (!status)
-        return tl::unexpected(refused(spot, RefusalReason::Unreadable, status.error()));
+        return tl::unexpected(refused(ref, RefusalReason::Unreadable, status.error()));
     if (status->device != m_protection.device())
-        return tl::unexpected(refused(spot, RefusalReason::OtherFileSystem, EXDEV));
+        return tl::unexpected(refused(ref, RefusalReason::OtherFileSystem, EXDEV));
     if (m_protection.keepsInode(status->inode))
         return tl::unexpected(EntryOutcome::Stays);
     auto listing = list(opened->get(), space);
     if (!listing)
-        return tl::unexpected(refused(spot, RefusalReason::PartlyListed, listing.error()));
-    const auto formerRights = makeWritable(spot, opened->get(), *status, *listing);
+        return tl::unexpected(refused(ref, RefusalReason::PartlyListed, listing.error()));
+    const auto formerRights = makeWritable(ref, opened->get(), *status, *listing);
     return EnteredFolder{std::move(*opened), status->inode, std::move(*listing), formerRights};
 }
 
 /// By the descriptor: the name may stand for another folder by now. Where it is refused, the
 /// removals inside fail and say so.
-std::optional<std::uint16_t> RemovalSteps::makeWritable(const Spot &spot, int folder,
+std::optional<std::uint16_t> RemovalSteps::makeWritable(const EntryRef &ref, int folder,
                                                         const FileStatus &status,
                                                         const FolderListing &listing) const
 {
     constexpr unsigned kAllOfTheOwners = 0700;
     if (m_protection.readOnlyFolders() == ReadOnlyFolders::Stay ||
-        !isOwnAndReadOnly(status, m_calls.actingUser()) || !mayMakeWritable(spot, status, listing))
+        !isOwnAndReadOnly(status, m_calls.actingUser()) || !mayMakeWritable(ref, status, listing))
         return std::nullopt;
     const auto changed = m_calls.setPermissions(
         folder, static_cast<std::uint16_t>(status.permissions | kAllOfTheOwners));
@@ -74,17 +74,17 @@ std::optional<std::uint16_t> RemovalSteps::makeWritable(const Spot &spot, int fo
 
 /// A folder on the way to what is kept stays, and so do its rights. And one that has left its place
 /// since it was opened was put back by the user: it is none of ours any more.
-bool RemovalSteps::mayMakeWritable(const Spot &spot, const FileStatus &status,
+bool RemovalSteps::mayMakeWritable(const EntryRef &ref, const FileStatus &status,
                                    const FolderListing &listing) const
 {
     if (m_protection.isTouched() &&
-        m_protection.match(spot.path(), FileKind::Folder) != ExclusionMatch::None)
+        m_protection.match(ref.path(), FileKind::Folder) != ExclusionMatch::None)
         return false;
     for (std::size_t i = 0; i < listing.size(); ++i) {
         if (m_protection.keepsInode(listing.at(i).inode))
             return false;
     }
-    const auto found = m_calls.status(spot.folder, spot.name);
+    const auto found = m_calls.status(ref.folder, ref.name);
     return found && found->device == status.device && found->inode == status.inode;
 }
 
@@ -115,14 +115,14 @@ SystemResult<FileDescriptor> RemovalSteps::back(int folder, std::uint64_t inode)
     return parent;
 }
 
-RemovalSteps::EntryOutcome RemovalSteps::removeFile(const Spot &spot) const
+RemovalSteps::EntryOutcome RemovalSteps::removeFile(const EntryRef &ref) const
 {
-    return settled(m_calls.removeFile(spot.folder, spot.name), spot);
+    return settled(m_calls.removeFile(ref.folder, ref.name), ref);
 }
 
-RemovalSteps::EntryOutcome RemovalSteps::removeFolder(const Spot &spot) const
+RemovalSteps::EntryOutcome RemovalSteps::removeFolder(const EntryRef &ref) const
 {
-    return settled(m_calls.removeFolder(spot.folder, spot.name), spot);
+    return settled(m_calls.removeFolder(ref.folder, ref.name), ref);
 }
 
 void RemovalSteps::abandon(const QByteArray &path, int error) const
@@ -131,7 +131,7 @@ void RemovalSteps::abandon(const QByteArray &path, int error) const
 }
 
 RemovalSteps::EntryOutcome RemovalSteps::settled(const SystemResult<void> &answer,
-                                                 const Spot &spot) const
+                                                 const EntryRef &ref) const
 {
     if (answer) {
         m_builder.removed();
@@ -139,27 +139,27 @@ RemovalSteps::EntryOutcome RemovalSteps::settled(const SystemResult<void> &answe
     }
     if (answer.error() == ENOENT)
         return EntryOutcome::Gone;
-    m_builder.failed(spot.path(), answer.error());
+    m_builder.failed(ref.path(), answer.error());
     return EntryOutcome::Stays;
 }
 
-RemovalSteps::EntryOutcome RemovalSteps::refused(const Spot &spot, RefusalReason reason,
+RemovalSteps::EntryOutcome RemovalSteps::refused(const EntryRef &ref, RefusalReason reason,
                                                  int error) const
 {
     if (error == ENOENT)
         return EntryOutcome::Gone;
-    m_builder.refused(spot.path(), reason, error);
+    m_builder.refused(ref.path(), reason, error);
     return EntryOutcome::Stays;
 }
 
 tl::expected<FileKind, RemovalSteps::EntryOutcome>
-RemovalSteps::kindOf(const Spot &spot, const FolderListing::Entry &entry) const
+RemovalSteps::kindOf(const EntryRef &ref, const FolderListing::Entry &entry) const
 {
     if (entry.kind != FileKind::Unknown)
         return entry.kind;
-    const auto status = m_calls.status(spot.folder, spot.name);
+    const auto status = m_calls.status(ref.folder, ref.name);
     if (!status)
-        return tl::unexpected(refused(spot, RefusalReason::Unreadable, status.error()));
+        return tl::unexpected(refused(ref, RefusalReason::Unreadable, status.error()));
     if (m_protection.keepsInode(status->inode))
         return tl::unexpected(EntryOutcome::Stays);
     return status->kind;

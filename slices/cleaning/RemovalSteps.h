@@ -14,7 +14,7 @@ enum class EntryPolicy {
 };
 
 /// An entry of an open folder.
-struct Spot
+struct EntryRef
 {
     int folder;
     const QByteArray &folderPath; ///< raw, with a trailing slash; for reports and judgements only
@@ -60,11 +60,12 @@ public:
     };
 
     /// Deals with an entry as it was listed: removes what is no folder, unless it is kept.
-    Verdict deal(const Spot &spot, const FolderListing::Entry &entry, EntryPolicy policy) const;
+    Verdict deal(const EntryRef &ref, const FolderListing::Entry &entry, EntryPolicy policy) const;
 
     /// Opens a folder that deal() sent us into; Gone or Stays where it cannot be entered. `space`
     /// is the calling thread's own.
-    tl::expected<EnteredFolder, EntryOutcome> enter(const Spot &spot, std::span<char> space) const;
+    tl::expected<EnteredFolder, EntryOutcome> enter(const EntryRef &ref,
+                                                    std::span<char> space) const;
 
     /// Lists a folder to its end, in the order of this cleaning.
     SystemResult<FolderListing> list(int folder, std::span<char> space) const;
@@ -77,21 +78,21 @@ public:
     void giveBack(int folder, std::optional<std::uint16_t> formerRights) const;
 
     /// Removes a folder that should be empty by now.
-    EntryOutcome removeFolder(const Spot &spot) const;
+    EntryOutcome removeFolder(const EntryRef &ref) const;
 
     /// Reports a folder that was entered but cannot be found back to, with all that is left in it.
     void abandon(const QByteArray &path, int error) const;
 
 private:
-    std::optional<std::uint16_t> makeWritable(const Spot &spot, int folder,
+    std::optional<std::uint16_t> makeWritable(const EntryRef &ref, int folder,
                                               const FileStatus &status,
                                               const FolderListing &listing) const;
-    bool mayMakeWritable(const Spot &spot, const FileStatus &status,
+    bool mayMakeWritable(const EntryRef &ref, const FileStatus &status,
                          const FolderListing &listing) const;
-    EntryOutcome removeFile(const Spot &spot) const;
-    EntryOutcome settled(const SystemResult<void> &answer, const Spot &spot) const;
-    EntryOutcome refused(const Spot &spot, RefusalReason reason, int error) const;
-    tl::expected<FileKind, EntryOutcome> kindOf(const Spot &spot,
+    EntryOutcome removeFile(const EntryRef &ref) const;
+    EntryOutcome settled(const SystemResult<void> &answer, const EntryRef &ref) const;
+    EntryOutcome refused(const EntryRef &ref, RefusalReason reason, int error) const;
+    tl::expected<FileKind, EntryOutcome> kindOf(const EntryRef &ref,
                                                 const FolderListing::Entry &entry) const;
 
     const SystemCalls &m_calls;

@@ -43,23 +43,23 @@ void SequentialRemover::step()
         return;
     }
     const std::size_t index = level.next++;
-    const Spot spot = spotIn(level, index);
-    const RemovalSteps::Verdict verdict = m_steps.deal(spot, level.listing.at(index), level.policy);
+    const EntryRef ref = refIn(level, index);
+    const RemovalSteps::Verdict verdict = m_steps.deal(ref, level.listing.at(index), level.policy);
     if (verdict.outcome == EntryOutcome::Stays)
         level.stays = true;
     else if (verdict.outcome == EntryOutcome::Enter)
-        enter(spot, verdict.inside);
+        enter(ref, verdict.inside);
 }
 
-void SequentialRemover::enter(const Spot &spot, EntryPolicy policy)
+void SequentialRemover::enter(const EntryRef &ref, EntryPolicy policy)
 {
-    auto entered = m_steps.enter(spot, m_space);
+    auto entered = m_steps.enter(ref, m_space);
     if (!entered) {
         if (entered.error() == EntryOutcome::Stays)
             m_levels.back().stays = true;
         return;
     }
-    m_path += spot.name;
+    m_path += ref.name;
     m_path += '/';
     const bool isOnTheWay = policy == EntryPolicy::Judged;
     m_levels.push_back({std::move(entered->descriptor), entered->inode, std::move(entered->listing),
@@ -77,7 +77,7 @@ void SequentialRemover::leave()
     if (!reopen(outer, inner))
         return;
     inner.descriptor.reset();
-    if (inner.stays || m_steps.removeFolder(spotIn(outer, outer.next - 1)) == EntryOutcome::Stays)
+    if (inner.stays || m_steps.removeFolder(refIn(outer, outer.next - 1)) == EntryOutcome::Stays)
         outer.stays = true;
 }
 
@@ -126,7 +126,7 @@ int SequentialRemover::descriptorOf(const Level &level) const
     return &level == &m_levels.front() ? m_startDescriptor : level.descriptor.get();
 }
 
-Spot SequentialRemover::spotIn(const Level &level, std::size_t index) const
+EntryRef SequentialRemover::refIn(const Level &level, std::size_t index) const
 {
     return {descriptorOf(level), m_path, level.listing.name(level.listing.at(index))};
 }

@@ -39,14 +39,14 @@ private:
     };
 
     void step();
-    void enter(const Spot &spot, EntryPolicy policy);
+    void enter(const EntryRef &ref, EntryPolicy policy);
     void leave();
     void leaveAll();
     bool reopen(Level &level, const Level &inner);
     void abandonClosedLevels(int error);
     void closeOuterLevel();
     int descriptorOf(const Level &level) const;
-    Spot spotIn(const Level &level, std::size_t index) const;
+    EntryRef refIn(const Level &level, std::size_t index) const;
 
     const RemovalSteps &m_steps;
     std::stop_token m_stop;

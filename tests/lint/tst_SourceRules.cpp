@@ -78,7 +78,7 @@ QList<Sample> goodSamples()
         {"include beyond Qt Core", "app/a.cpp", "#include <QWidget>\n"},
         {"removal", "slices/a.cpp", "text.remove(0, 1);\nlist->removeLast();\n"},
         {"removal", "app/a.cpp", "void Settings::remove(Key key)\n{\n    remove(key);\n}\n"},
-        {"removal", "slices/cleaning/RemovalSteps.h", "bool removeFile(const Spot &spot);\n"},
+        {"removal", "slices/cleaning/RemovalSteps.h", "bool removeFile(const EntryRef &ref);\n"},
         {"removal", "slices/cleaning/RemovalSteps.cpp", "m_calls.removeFile(folder, name);\n"},
         {"removal", "tests/a.cpp", "::unlink(path);\n"},
         {"removal", "platform/system/SystemCalls_linux.cpp", "::unlinkat(folder, name, 0);\n"},
