@@ -1,7 +1,7 @@
 #include "slices/page/CleaningJob.h"
 
 #include "slices/cleaning/CleaningReportBuilder.h"
-#include "slices/cleaning/RecordPlaces.h"
+#include "slices/cleaning/RecordLocations.h"
 #include "slices/cleaning/SlicesToClean.h"
 #include "slices/exclusions/ExcludedPaths.h"
 #include "slices/record/Info.h"

@@ -1,7 +1,7 @@
 // What the page of the slices knows of the home: where everything is, and which programs run.
 
 #include "chart/PieChart.h"
-#include "slices/cleaning/RecordPlaces.h"
+#include "slices/cleaning/RecordLocations.h"
 #include "slices/home/HomeSurvey.h"
 #include "slices/page/FreeSpaceViewController.h"
 #include "slices/sizing/FolderSizing.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "slices/cleaning/RecordPlaces.h"
+#include "slices/cleaning/RecordLocations.h"
 #include "slices/cleaning/SlicesToClean.h"
 #include "slices/record/Info.h"
 #include "tests/slices/kit/HomeKit.h"

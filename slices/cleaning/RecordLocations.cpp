@@ -1,4 +1,4 @@
-#include "slices/cleaning/RecordPlaces.h"
+#include "slices/cleaning/RecordLocations.h"
 
 #include "slices/record/Info.h"
 

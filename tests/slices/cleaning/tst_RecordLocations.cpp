@@ -1,4 +1,4 @@
-#include "slices/cleaning/RecordPlaces.h"
+#include "slices/cleaning/RecordLocations.h"
 
 #include "slices/record/Info.h"
 #include "slices/sizing/FolderSizing.h"
@@ -9,7 +9,7 @@
 #include <unistd.h>
 
 /// What the records know of the places that programs use.
-class TestRecordPlaces final : public QObject
+class TestRecordLocations final : public QObject
 {
     Q_OBJECT
 
@@ -60,7 +60,7 @@ private:
     int m_measures = 0;
 };
 
-void TestRecordPlaces::init()
+void TestRecordLocations::init()
 {
     m_home = std::make_unique<MadeHome>();
     m_home->make(".cache/other/c", QByteArray(1, 'x'));
@@ -78,7 +78,7 @@ void TestRecordPlaces::init()
     m_measures = 0;
 }
 
-void TestRecordPlaces::givesTheRecordsWhatIsNotInUse()
+void TestRecordLocations::givesTheRecordsWhatIsNotInUse()
 {
     firefoxRuns();
     placeRecords({m_cache, m_browserData}, m_layout, inUse());
@@ -91,7 +91,7 @@ void TestRecordPlaces::givesTheRecordsWhatIsNotInUse()
     QCOMPARE(m_browserData->fileSizeString(), QStringLiteral("Empty"));
 }
 
-void TestRecordPlaces::givesThemBackWhatIsNoLongerInUse()
+void TestRecordLocations::givesThemBackWhatIsNoLongerInUse()
 {
     firefoxRuns();
     placeRecords({m_cache, m_browserData}, m_layout, inUse());
@@ -102,7 +102,7 @@ void TestRecordPlaces::givesThemBackWhatIsNoLongerInUse()
     QCOMPARE(m_browserData->fileSizeString(), QStringLiteral("300 bytes"));
 }
 
-void TestRecordPlaces::measuresOnlyWhatHasChanged()
+void TestRecordLocations::measuresOnlyWhatHasChanged()
 {
     placeRecords({m_cache, m_browserData}, m_layout, inUse());
     QVERIFY(m_cache->isMeasured());
@@ -114,7 +114,7 @@ void TestRecordPlaces::measuresOnlyWhatHasChanged()
     QCOMPARE(m_measures, 1);
 }
 
-void TestRecordPlaces::takesAwayWhatIsNewlyInUse()
+void TestRecordLocations::takesAwayWhatIsNewlyInUse()
 {
     firefoxRuns();
     const FileUrls takenAway = takeAwayPlacesInUse({m_cache, m_browserData}, inUse());
@@ -126,7 +126,7 @@ void TestRecordPlaces::takesAwayWhatIsNewlyInUse()
     QCOMPARE(takeAwayPlacesInUse({m_cache, m_browserData}, inUse()), FileUrls());
 }
 
-void TestRecordPlaces::givesNothingBackOfWhatWasConfirmed()
+void TestRecordLocations::givesNothingBackOfWhatWasConfirmed()
 {
     firefoxRuns();
     placeRecords({m_cache, m_browserData}, m_layout, inUse());
@@ -138,7 +138,7 @@ void TestRecordPlaces::givesNothingBackOfWhatWasConfirmed()
     QCOMPARE(m_browserData->fileURLs(), FileUrls());
 }
 
-void TestRecordPlaces::takesOffWhatWasMeasuredOfThePlacesThatStayed()
+void TestRecordLocations::takesOffWhatWasMeasuredOfThePlacesThatStayed()
 {
     const ProgramPlaceSizes sizes = measured();
     m_home->make(".cache/mozilla/firefox/a/new", QByteArray(4000, 'x'));
@@ -151,7 +151,7 @@ void TestRecordPlaces::takesOffWhatWasMeasuredOfThePlacesThatStayed()
     QCOMPARE(m_browserData->fileSize(), 0);
 }
 
-void TestRecordPlaces::takesOffNothingOfWhatWasKeptAnyway()
+void TestRecordLocations::takesOffNothingOfWhatWasKeptAnyway()
 {
     firefoxRuns();
     takeAwayPlacesInUse({m_cache, m_browserData}, inUse());
@@ -159,5 +159,5 @@ void TestRecordPlaces::takesOffNothingOfWhatWasKeptAnyway()
     QCOMPARE(m_cache->fileSize(), 1);
 }
 
-VANTOR_TEST_MAIN(TestRecordPlaces)
-#include "tst_RecordPlaces.moc"
+VANTOR_TEST_MAIN(TestRecordLocations)
+#include "tst_RecordLocations.moc"
