@@ -18,7 +18,7 @@ bool isNumbered(QByteArrayView text, QByteArrayView name)
 }
 
 /// The folders' names that "Local State" tells: a profile need not have the browser's own for it.
-QByteArrayList namesInLocalState(const HomeReader &home, const QByteArray &folder)
+QByteArrayList namesInLocalState(const HomeProbe &home, const QByteArray &folder)
 {
     const auto text = home.contentOf(folder + "/Local State", kLargestLocalState);
     const QJsonObject profiles = QJsonDocument::fromJson(text.value_or(QByteArray()))
@@ -70,7 +70,7 @@ bool leadsDown(const QByteArray &path)
 
 } // namespace
 
-QByteArrayList chromiumProfiles(const HomeReader &home, const QByteArray &folder)
+QByteArrayList chromiumProfiles(const HomeProbe &home, const QByteArray &folder)
 {
     const QByteArrayList named = namesInLocalState(home, folder);
     QByteArrayList found = home.foldersMatching(folder + "/*");
@@ -81,7 +81,7 @@ QByteArrayList chromiumProfiles(const HomeReader &home, const QByteArray &folder
     return found;
 }
 
-QByteArrayList firefoxProfiles(const HomeReader &home, const QByteArray &folder)
+QByteArrayList firefoxProfiles(const HomeProbe &home, const QByteArray &folder)
 {
     const auto text = home.contentOf(folder + "/profiles.ini", kLargestProfilesIni);
     QByteArrayList found;

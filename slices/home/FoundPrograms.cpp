@@ -156,7 +156,7 @@ constexpr std::array kProcesses{
 constexpr std::array kJournalEndings{"-journal", "-wal", "-shm"};
 
 template <typename Names>
-QByteArrayList databasesIn(const HomeReader &home, const QByteArray &profile, const Names &names)
+QByteArrayList databasesIn(const HomeProbe &home, const QByteArray &profile, const Names &names)
 {
     QByteArrayList paths;
     for (const char *name : names) {
@@ -168,7 +168,7 @@ QByteArrayList databasesIn(const HomeReader &home, const QByteArray &profile, co
     return home.filesAmong(paths);
 }
 
-void addChromium(std::vector<FoundProgram> &found, const HomeReader &home,
+void addChromium(std::vector<FoundProgram> &found, const HomeProbe &home,
                  const ChromiumFolder &folder)
 {
     if (!home.hasFolder(folder.profiles))
@@ -184,7 +184,7 @@ void addChromium(std::vector<FoundProgram> &found, const HomeReader &home,
 }
 
 /// A lock keeps the cache also where it is found in a folder that no list of profiles names.
-void addFirefox(std::vector<FoundProgram> &found, const HomeReader &home,
+void addFirefox(std::vector<FoundProgram> &found, const HomeProbe &home,
                 const FirefoxFolder &folder)
 {
     const QByteArrayList profiles = firefoxProfiles(home, folder.profiles);
@@ -221,7 +221,7 @@ void addByProcesses(std::vector<FoundProgram> &found, const Processes &processes
 
 } // namespace
 
-std::vector<FoundProgram> findPrograms(const HomeReader &home)
+std::vector<FoundProgram> findPrograms(const HomeProbe &home)
 {
     std::vector<FoundProgram> found;
     for (const ChromiumFolder &folder : kChromiumFolders)

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "slices/home/HomeLayout.h"
-#include "slices/home/HomeReader.h"
+#include "slices/home/HomeProbe.h"
 
 /// A program that was found in a home, with what is its own there, by paths relative to the home.
 struct FoundProgram
@@ -24,7 +24,7 @@ struct FoundProgram
 /// Bookmarks and passwords, and whatever holds them besides, are not among them. Of all other
 /// programs nothing but caches is known, and those that have no lock, or may have it elsewhere,
 /// are known by their processes.
-std::vector<FoundProgram> findPrograms(const HomeReader &home);
+std::vector<FoundProgram> findPrograms(const HomeProbe &home);
 
 /// The database to which a journal of this name belongs; empty for what is no journal.
 QByteArray databaseOfJournal(const QByteArray &name);

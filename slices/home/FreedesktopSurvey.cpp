@@ -44,7 +44,7 @@ constexpr auto kSandboxes = "snap";
 
 /// Whether these logs are a repository's, such as one of the user's dot files that has its work
 /// tree elsewhere: the record of what was in it before.
-bool areOfRepository(const HomeReader &reader, const QByteArray &logs)
+bool areOfRepository(const HomeProbe &reader, const QByteArray &logs)
 {
     const QByteArray head = logs.first(logs.lastIndexOf('/') + 1) + "HEAD";
     return !reader.filesAmong({head}).isEmpty() || reader.linkAt(head);
@@ -52,7 +52,7 @@ bool areOfRepository(const HomeReader &reader, const QByteArray &logs)
 
 } // namespace
 
-FreedesktopSurvey::FreedesktopSurvey(const HomeReader &reader, const HomePaths &paths, FileUrl home,
+FreedesktopSurvey::FreedesktopSurvey(const HomeProbe &reader, const HomePaths &paths, FileUrl home,
                                      HomeEnvironment environment)
     : m_reader(reader),
       m_paths(paths),

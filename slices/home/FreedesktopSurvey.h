@@ -12,7 +12,7 @@ class FreedesktopSurvey final
 {
 public:
     /// The reader and the paths must outlive it.
-    FreedesktopSurvey(const HomeReader &reader, const HomePaths &paths, FileUrl home,
+    FreedesktopSurvey(const HomeProbe &reader, const HomePaths &paths, FileUrl home,
                       HomeEnvironment environment);
 
     HomeLayout::Places places();
@@ -43,7 +43,7 @@ private:
     bool mayBeDownloads(const QByteArray &path) const;
     FileUrl folderUrl(const QByteArray &path) const;
 
-    const HomeReader &m_reader;
+    const HomeProbe &m_reader;
     const HomePaths &m_paths;
     const FileUrl m_home;
     const HomeEnvironment m_environment;

@@ -35,7 +35,7 @@ std::optional<QByteArrayList> behind(const QByteArrayList &folder, const QByteAr
 
 } // namespace
 
-HomePaths::HomePaths(const HomeReader &reader, const QByteArrayList &paths) : m_reader(reader)
+HomePaths::HomePaths(const HomeProbe &reader, const QByteArrayList &paths) : m_reader(reader)
 {
     for (const QByteArray &path : paths)
         m_homes.append(namesOf(path));

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "slices/home/HomeReader.h"
+#include "slices/home/HomeProbe.h"
 
 /// What absolute paths mean in a granted home: the home may be reached by several paths, where a
 /// folder around it is a link, and paths lead on through links inside it. Where they lead out,
@@ -10,7 +10,7 @@ class HomePaths final
 public:
     /// The paths are absolute, without "..", and all lead to the home that is read, its own first;
     /// the reader must outlive this.
-    HomePaths(const HomeReader &reader, const QByteArrayList &paths);
+    HomePaths(const HomeProbe &reader, const QByteArrayList &paths);
 
     /// The home's paths among these: its own, and the other where it leads to the same folder.
     static QByteArrayList leadingTo(const SystemCalls &calls, const QByteArray &homePath,
@@ -29,7 +29,7 @@ private:
     std::optional<QByteArrayList> namesBelow(const QByteArrayList &names) const;
     std::optional<QByteArrayList> pastFirstLink(const QByteArrayList &names) const;
 
-    const HomeReader &m_reader;
+    const HomeProbe &m_reader;
     QList<QByteArrayList> m_homes; ///< by the names on the way
 };
 

@@ -39,7 +39,7 @@ HomeLayout surveyHome(const SystemCalls &calls, const FileAccess &access, const 
         return {};
     if (kind == HomeKind::Library)
         return HomeLayout::withLibrary(home);
-    const HomeReader reader(calls, place->anchor, stop);
+    const HomeProbe reader(calls, place->anchor, stop);
     const HomePaths paths(reader, HomePaths::leadingTo(calls, home.path(), environment.home));
     HomeLayout::Places places = FreedesktopSurvey(reader, paths, home, environment).places();
     return stop.stop_requested() ? HomeLayout() : HomeLayout::freedesktop(home, std::move(places));

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-KnownFolder KnownFolder::at(const HomeReader &reader, const QByteArray &path)
+KnownFolder KnownFolder::at(const HomeProbe &reader, const QByteArray &path)
 {
     return {path, reader.identitiesOnTheWay(path), reader.identityOf(path)};
 }

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-UserFolders::UserFolders(const HomeReader &reader, const HomePaths &paths)
+UserFolders::UserFolders(const HomeProbe &reader, const HomePaths &paths)
     : m_reader(reader), m_paths(paths)
 {
 }

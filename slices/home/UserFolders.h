@@ -9,7 +9,7 @@ class UserFolders final
 {
 public:
     /// Both must outlive it.
-    UserFolders(const HomeReader &reader, const HomePaths &paths);
+    UserFolders(const HomeProbe &reader, const HomePaths &paths);
 
     /// Adds a folder by its absolute path, with every place below the home for which that stands.
     /// It may be missing.
@@ -22,7 +22,7 @@ public:
     bool isAtOrInOne(const QByteArray &place) const;
 
 private:
-    const HomeReader &m_reader;
+    const HomeProbe &m_reader;
     const HomePaths &m_paths;
     std::vector<KnownFolder> m_folders;
 };

@@ -11,9 +11,9 @@ namespace {
 constexpr auto kChromium = ".config/chromium";
 constexpr auto kFirefox = ".mozilla/firefox";
 
-HomeReader readerOf(const MadeHome &home, const SystemCalls &calls = hostSystemCalls())
+HomeProbe readerOf(const MadeHome &home, const SystemCalls &calls = hostSystemCalls())
 {
-    return HomeReader(calls, home.access().anchoredPath(home.url())->anchor);
+    return HomeProbe(calls, home.access().anchoredPath(home.url())->anchor);
 }
 
 /// Relative to the folder that they were looked for in.

@@ -19,8 +19,7 @@ private Q_SLOTS:
 
 private:
     const MadeHome m_home;
-    const HomeReader m_reader{hostSystemCalls(),
-                              m_home.access().anchoredPath(m_home.url())->anchor};
+    const HomeProbe m_reader{hostSystemCalls(), m_home.access().anchoredPath(m_home.url())->anchor};
     const HomePaths m_paths{m_reader, {m_home.path(), "/other/way"}};
 };
 
@@ -103,7 +102,7 @@ void TestHomePaths::looksAtNothingOutsideTheHome()
         called.append(QByteArray(name.data(), static_cast<qsizetype>(name.size())));
         return 0;
     });
-    const HomeReader reader(calls, m_home.access().anchoredPath(m_home.url())->anchor);
+    const HomeProbe reader(calls, m_home.access().anchoredPath(m_home.url())->anchor);
     const HomePaths paths(reader, {m_home.path()});
     m_home.link("away", "/mnt/server/films");
     paths.followed("/mnt/server/films");

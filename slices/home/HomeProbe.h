@@ -10,13 +10,13 @@
 /// down from the home's descriptor, never through a link and never onto another file system. What
 /// it cannot read is not there, unless said otherwise. Paths are raw and relative to the home. One
 /// thread at a time, not the main one.
-class HomeReader final
+class HomeProbe final
 {
 public:
     /// `home` is the granted folder, open. The calls must outlive the reader. Once the token says
     /// stop, nothing matches any more: what was found then is good for nothing.
-    HomeReader(const SystemCalls &calls, std::shared_ptr<const FileDescriptor> home,
-               std::stop_token stop = {});
+    HomeProbe(const SystemCalls &calls, std::shared_ptr<const FileDescriptor> home,
+              std::stop_token stop = {});
 
     /// What a folder is, whatever its name.
     struct Identity

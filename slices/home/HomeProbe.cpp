@@ -1,4 +1,4 @@
-#include "slices/home/HomeReader.h"
+#include "slices/home/HomeProbe.h"
 
 #include "platform/files/AnchoredFolder.h"
 
@@ -38,25 +38,25 @@ SystemResult<QByteArray> readToTheEnd(const SystemCalls &calls, int file, std::s
 
 } // namespace
 
-HomeReader::HomeReader(const SystemCalls &calls, std::shared_ptr<const FileDescriptor> home,
-                       std::stop_token stop)
+HomeProbe::HomeProbe(const SystemCalls &calls, std::shared_ptr<const FileDescriptor> home,
+                     std::stop_token stop)
     : m_calls(calls), m_home(std::move(home)), m_stop(std::move(stop)), m_space(kListingSpace)
 {
 }
 
-bool HomeReader::hasFolder(const QByteArray &path) const
+bool HomeProbe::hasFolder(const QByteArray &path) const
 {
     return open(path).has_value();
 }
 
-std::optional<HomeReader::Identity> HomeReader::identityOf(const QByteArray &path) const
+std::optional<HomeProbe::Identity> HomeProbe::identityOf(const QByteArray &path) const
 {
     const auto folder = open(path);
     const auto status = folder ? m_calls.statusOf(folder->get()) : tl::unexpected(folder.error());
     return status ? std::optional(Identity{status->device, status->inode}) : std::nullopt;
 }
 
-std::vector<HomeReader::Identity> HomeReader::identitiesOnTheWay(const QByteArray &path) const
+std::vector<HomeProbe::Identity> HomeProbe::identitiesOnTheWay(const QByteArray &path) const
 {
     std::vector<Identity> found;
     QByteArray folder;
@@ -70,7 +70,7 @@ std::vector<HomeReader::Identity> HomeReader::identitiesOnTheWay(const QByteArra
     return found;
 }
 
-QByteArrayList HomeReader::foldersMatching(const QByteArray &pattern) const
+QByteArrayList HomeProbe::foldersMatching(const QByteArray &pattern) const
 {
     QByteArrayList found;
     if (!m_stop.stop_requested())
@@ -85,7 +85,7 @@ QByteArrayList HomeReader::foldersMatching(const QByteArray &pattern) const
     return found;
 }
 
-QByteArrayList HomeReader::filesAmong(const QByteArrayList &paths) const
+QByteArrayList HomeProbe::filesAmong(const QByteArrayList &paths) const
 {
     QByteArrayList files = paths;
     files.removeIf([this](const QByteArray &path) {
@@ -95,7 +95,7 @@ QByteArrayList HomeReader::filesAmong(const QByteArrayList &paths) const
     return files;
 }
 
-std::optional<QByteArray> HomeReader::linkAt(const QByteArray &path) const
+std::optional<QByteArray> HomeProbe::linkAt(const QByteArray &path) const
 {
     if (m_stop.stop_requested())
         return std::nullopt;
@@ -107,7 +107,7 @@ std::optional<QByteArray> HomeReader::linkAt(const QByteArray &path) const
     return text ? std::optional(*text) : std::nullopt;
 }
 
-SystemResult<QByteArray> HomeReader::contentOf(const QByteArray &path, std::size_t limit) const
+SystemResult<QByteArray> HomeProbe::contentOf(const QByteArray &path, std::size_t limit) const
 {
     const auto [around, name] = anchoredEntry({m_home, path});
     const auto folder = open(around.relativePath);
@@ -124,12 +124,12 @@ SystemResult<QByteArray> HomeReader::contentOf(const QByteArray &path, std::size
     return readToTheEnd(m_calls, file->get(), limit);
 }
 
-SystemResult<FileDescriptor> HomeReader::open(const QByteArray &path) const
+SystemResult<FileDescriptor> HomeProbe::open(const QByteArray &path) const
 {
     return openOnVolume(m_calls, {m_home, path});
 }
 
-SystemResult<FileStatus> HomeReader::statusOf(const QByteArray &path) const
+SystemResult<FileStatus> HomeProbe::statusOf(const QByteArray &path) const
 {
     const auto [around, name] = anchoredEntry({m_home, path});
     const auto folder = open(around.relativePath);
@@ -139,7 +139,7 @@ SystemResult<FileStatus> HomeReader::statusOf(const QByteArray &path) const
 }
 
 /// Also what the file system does not tell the kind of: that comes out when it is opened.
-QByteArrayList HomeReader::foldersIn(const QByteArray &path) const
+QByteArrayList HomeProbe::foldersIn(const QByteArray &path) const
 {
     QByteArrayList found;
     if (m_stop.stop_requested())
@@ -159,7 +159,7 @@ QByteArrayList HomeReader::foldersIn(const QByteArray &path) const
     return found;
 }
 
-QByteArrayList HomeReader::behindLink(const QByteArray &path, const QByteArray &name) const
+QByteArrayList HomeProbe::behindLink(const QByteArray &path, const QByteArray &name) const
 {
     const std::optional<QByteArray> target = linkAt(joined(path, name));
     if (!target)
@@ -167,7 +167,7 @@ QByteArrayList HomeReader::behindLink(const QByteArray &path, const QByteArray &
     return isPlainName(*target) ? QByteArrayList{joined(path, *target)} : QByteArrayList();
 }
 
-QByteArrayList HomeReader::matchesIn(const QByteArray &path, const QByteArray &component) const
+QByteArrayList HomeProbe::matchesIn(const QByteArray &path, const QByteArray &component) const
 {
     if (component == "*")
         return foldersIn(path);
