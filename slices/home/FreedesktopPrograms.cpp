@@ -37,7 +37,7 @@ void FreedesktopSurvey::findBrowserData()
     FileUrls &all = m_places.locations[indexOf(SliceKind::BrowserData)];
     for (const FoundProgram &found : m_found) {
         for (const QByteArray &profile : found.profiles)
-            m_known.push_back(KnownFolder::at(m_reader, profile));
+            m_known.push_back(FolderIdentity::at(m_reader, profile));
         for (const QByteArray &path : found.files)
             all.append(m_home.appending(path, FileUrlKind::File));
     }

@@ -184,7 +184,7 @@ std::optional<QByteArray> FreedesktopSurvey::downloadsFolder() const
 bool FreedesktopSurvey::mayBeDownloads(const QByteArray &path) const
 {
     const bool isAPrograms =
-        KnownFolder::at(m_reader, path).isAtOrIn(KnownFolder::at(m_reader, kSandboxes));
+        FolderIdentity::at(m_reader, path).isAtOrIn(FolderIdentity::at(m_reader, kSandboxes));
     return !isAPrograms && !hasHiddenComponent(path) && !m_userFolders.isAtOrAroundOne(path) &&
            !touchesKnown(path);
 }
@@ -233,17 +233,17 @@ bool FreedesktopSurvey::isCacheOfAllPrograms(const QByteArray &path) const
 /// None twice and none inside another, or its files would be listed twice.
 void FreedesktopSurvey::addSearchFolders()
 {
-    std::vector<KnownFolder> folders;
+    std::vector<FolderIdentity> folders;
     for (const NamedFolder &folder : kSearched) {
         const auto wanted =
-            KnownFolder::at(m_reader, named(folder.variable).value_or(folder.plainName));
-        const auto isThere = [&](const KnownFolder &other) { return wanted.isAtOrIn(other); };
+            FolderIdentity::at(m_reader, named(folder.variable).value_or(folder.plainName));
+        const auto isThere = [&](const FolderIdentity &other) { return wanted.isAtOrIn(other); };
         if (std::ranges::any_of(folders, isThere))
             continue;
-        std::erase_if(folders, [&](const KnownFolder &other) { return other.isAtOrIn(wanted); });
+        std::erase_if(folders, [&](const FolderIdentity &other) { return other.isAtOrIn(wanted); });
         folders.push_back(wanted);
     }
-    for (const KnownFolder &folder : folders)
+    for (const FolderIdentity &folder : folders)
         m_places.searchFolders.append(folderUrl(folder.path));
 }
 
@@ -259,7 +259,7 @@ bool FreedesktopSurvey::add(SliceKind kind, const QByteArray &path)
 {
     if (touchesKnown(path) || m_userFolders.isAtOrAroundOne(path))
         return false;
-    m_known.push_back(KnownFolder::at(m_reader, path));
+    m_known.push_back(FolderIdentity::at(m_reader, path));
     m_places.locations[indexOf(kind)].append(folderUrl(path));
     return true;
 }
@@ -267,8 +267,8 @@ bool FreedesktopSurvey::add(SliceKind kind, const QByteArray &path)
 /// Whether the place is one of the locations, or lies in or around one.
 bool FreedesktopSurvey::touchesKnown(const QByteArray &path) const
 {
-    const KnownFolder folder = KnownFolder::at(m_reader, path);
-    return std::ranges::any_of(m_known, [&](const KnownFolder &known) {
+    const FolderIdentity folder = FolderIdentity::at(m_reader, path);
+    return std::ranges::any_of(m_known, [&](const FolderIdentity &known) {
         return folder.isAtOrIn(known) || known.isAtOrIn(folder);
     });
 }

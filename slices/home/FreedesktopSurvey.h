@@ -51,9 +51,9 @@ private:
     /// Whether the file was read and understood, or there is none. Otherwise nobody knows which
     /// folder the user keeps what in.
     bool m_userDirsAreKnown = false;
-    UserFolders m_userFolders;        ///< downloads are not among them
-    UserFolders m_downloads;          ///< where they may be
-    std::vector<KnownFolder> m_known; ///< the locations, and the profiles of browsers
+    UserFolders m_userFolders;           ///< downloads are not among them
+    UserFolders m_downloads;             ///< where they may be
+    std::vector<FolderIdentity> m_known; ///< the locations, and the profiles of browsers
     std::vector<FoundProgram> m_found;
     QByteArrayList m_cacheHomes; ///< the locations that hold the caches of all programs, by name
     HomeLayout::Places m_places;

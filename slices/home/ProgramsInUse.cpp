@@ -1,7 +1,7 @@
 #include "slices/home/ProgramsInUse.h"
 
 #include "platform/files/AnchoredFolder.h"
-#include "slices/home/KnownFolder.h"
+#include "slices/home/FolderIdentity.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -10,19 +10,19 @@ UserFolders::UserFolders(const HomeProbe &reader, const HomePaths &paths)
 void UserFolders::add(const QByteArray &path)
 {
     for (const QByteArray &place : m_paths.followed(path))
-        m_folders.push_back(KnownFolder::at(m_reader, place));
+        m_folders.push_back(FolderIdentity::at(m_reader, place));
 }
 
 bool UserFolders::isAtOrAroundOne(const QByteArray &place) const
 {
-    const KnownFolder around = KnownFolder::at(m_reader, place);
-    return std::ranges::any_of(m_folders,
-                               [&](const KnownFolder &folder) { return folder.isAtOrIn(around); });
+    const FolderIdentity around = FolderIdentity::at(m_reader, place);
+    return std::ranges::any_of(
+        m_folders, [&](const FolderIdentity &folder) { return folder.isAtOrIn(around); });
 }
 
 bool UserFolders::isAtOrInOne(const QByteArray &place) const
 {
-    const KnownFolder inside = KnownFolder::at(m_reader, place);
-    return std::ranges::any_of(m_folders,
-                               [&](const KnownFolder &folder) { return inside.isAtOrIn(folder); });
+    const FolderIdentity inside = FolderIdentity::at(m_reader, place);
+    return std::ranges::any_of(
+        m_folders, [&](const FolderIdentity &folder) { return inside.isAtOrIn(folder); });
 }

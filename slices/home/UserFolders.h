@@ -1,7 +1,7 @@
 #pragma once
 
+#include "slices/home/FolderIdentity.h"
 #include "slices/home/HomePaths.h"
-#include "slices/home/KnownFolder.h"
 
 /// The folders of a freedesktop home in which the user keeps what nobody may take for something
 /// else, whatever their names and however many links lead to them. One thread.
@@ -24,5 +24,5 @@ public:
 private:
     const HomeProbe &m_reader;
     const HomePaths &m_paths;
-    std::vector<KnownFolder> m_folders;
+    std::vector<FolderIdentity> m_folders;
 };

@@ -1,13 +1,13 @@
-#include "slices/home/KnownFolder.h"
+#include "slices/home/FolderIdentity.h"
 
 #include <algorithm>
 
-KnownFolder KnownFolder::at(const HomeProbe &reader, const QByteArray &path)
+FolderIdentity FolderIdentity::at(const HomeProbe &reader, const QByteArray &path)
 {
     return {path, reader.identitiesOnTheWay(path), reader.identityOf(path)};
 }
 
-bool KnownFolder::isAtOrIn(const KnownFolder &other) const
+bool FolderIdentity::isAtOrIn(const FolderIdentity &other) const
 {
     return isAtOrInside(path, other.path) ||
            (other.itself && std::ranges::find(way, *other.itself) != way.end());
