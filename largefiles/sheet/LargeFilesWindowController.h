@@ -3,7 +3,7 @@
 #include "app/navigation/WindowController.h"
 #include "largefiles/preview/PreviewPanelProtocols.h"
 #include "largefiles/preview/Thumbnail.h"
-#include "largefiles/search/FreshSizes.h"
+#include "largefiles/search/CurrentSizeReader.h"
 #include "largefiles/search/LargeFileList.h"
 #include "largefiles/search/SearchJob.h"
 #include "largefiles/sheet/FileIconNames.h"
@@ -116,7 +116,7 @@ private:
 
     Services m_services;
     const FileUrls m_searchURLs;
-    FreshSizes m_freshSizes;
+    CurrentSizeReader m_freshSizes;
     LargeFileList m_array;
     SearchJob m_search;
     SearchStatus m_status;

@@ -1,4 +1,4 @@
-#include "largefiles/search/FreshSizes.h"
+#include "largefiles/search/CurrentSizeReader.h"
 #include "largefiles/search/LargeFileList.h"
 #include "largefiles/search/SearchJob.h"
 #include "tests/largefiles/search/Gate.h"
@@ -319,7 +319,7 @@ void TestSearchJob::readsFreshSizesOffTheMainThread()
         wasOnMain = wasOnMain || QThread::currentThreadId() == mainThread;
         return 0;
     });
-    FreshSizes sizes(calls, access);
+    CurrentSizeReader sizes(calls, access);
     QList<qint64> unwanted;
     QList<qint64> answer;
     sizes.read({fileIn(home, "Movies/b")}, [&](const QList<qint64> &read) { unwanted = read; });

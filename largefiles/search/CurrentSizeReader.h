@@ -7,13 +7,16 @@
 
 /// Reads the present sizes of listed files on one thread of its own, however many questions there
 /// are: a disk that hangs holds up no more than that. Main thread only.
-class FreshSizes final
+class CurrentSizeReader final
 {
 public:
     using Answer = std::function<void(const QList<qint64> &sizes)>;
 
     /// Both must outlive it.
-    FreshSizes(const SystemCalls &calls, FileAccess &access) : m_calls(calls), m_access(access) {}
+    CurrentSizeReader(const SystemCalls &calls, FileAccess &access)
+        : m_calls(calls), m_access(access)
+    {
+    }
 
     /// Answers on the main thread, with bytes in the order of the files, 0 for what cannot be read;
     /// only the latest question is answered, and none once this is gone.

@@ -1,4 +1,4 @@
-#include "largefiles/search/FreshSizes.h"
+#include "largefiles/search/CurrentSizeReader.h"
 #include "tests/largefiles/search/Gate.h"
 #include "tests/largefiles/search/SearchKit.h"
 #include "tests/support/run/LooseThreadsAwaited.h"
@@ -7,7 +7,7 @@
 #include <QDir>
 #include <QTest>
 
-class FreshSizesTest final : public QObject
+class CurrentSizeReaderTest final : public QObject
 {
     Q_OBJECT
 
@@ -20,7 +20,7 @@ private Q_SLOTS:
         home.makeFile("Movies/small", 5);
         QVERIFY(QFile::resize(QFile::decodeName(home.path("Movies/b")), kLarge + 7));
         home.makeLink("Movies/link", "a");
-        FreshSizes sizes(hostSystemCalls(), access);
+        CurrentSizeReader sizes(hostSystemCalls(), access);
         QList<qint64> answer;
         sizes.read({fileIn(home, "Movies/b"), fileIn(home, "Movies/gone"), fileIn(home, "Movies/a"),
                     fileIn(home, "Movies/small"), fileIn(home, "Movies/dir"),
@@ -38,7 +38,7 @@ private Q_SLOTS:
         const MadeTree home;
         HomeAccess access(home);
         make(home, {"Movies/", "Movies/a"});
-        FreshSizes sizes(hostSystemCalls(), access);
+        CurrentSizeReader sizes(hostSystemCalls(), access);
         QList<int> answered;
         for (int question = 0; question < 20; ++question)
             sizes.read({fileIn(home, "Movies/a")},
@@ -52,7 +52,7 @@ private Q_SLOTS:
         HomeAccess access(home);
         make(home, {"Movies/", "Movies/a", "Movies/b"});
         Gate gate("a");
-        FreshSizes sizes(gate.calls, access);
+        CurrentSizeReader sizes(gate.calls, access);
         sizes.read({fileIn(home, "Movies/a")}, [](const QList<qint64> &) {});
         gate.awaitArrival();
         const auto threads = [] {
@@ -76,7 +76,7 @@ private Q_SLOTS:
         make(home, {"Movies/", "Movies/a"});
         bool isAnswered = false;
         {
-            FreshSizes sizes(hostSystemCalls(), access);
+            CurrentSizeReader sizes(hostSystemCalls(), access);
             sizes.read({fileIn(home, "Movies/a")},
                        [&](const QList<qint64> &) { isAnswered = true; });
         }
@@ -87,5 +87,5 @@ private Q_SLOTS:
     }
 };
 
-VANTOR_TEST_MAIN(FreshSizesTest)
-#include "tst_FreshSizes.moc"
+VANTOR_TEST_MAIN(CurrentSizeReaderTest)
+#include "tst_CurrentSizeReader.moc"

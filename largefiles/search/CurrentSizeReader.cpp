@@ -1,8 +1,8 @@
-#include "largefiles/search/FreshSizes.h"
+#include "largefiles/search/CurrentSizeReader.h"
 
 #include "largefiles/search/ListedFiles.h"
 
-void FreshSizes::read(const FileUrls &files, Answer answer)
+void CurrentSizeReader::read(const FileUrls &files, Answer answer)
 {
     m_job.run([&calls = m_calls, &access = m_access, files,
                answer = std::move(answer)](const std::stop_token &stop) {
