@@ -1,6 +1,6 @@
 #include "platform/files/DurableFile.h"
 
-#include "platform/system/DirectoryRecords.h"
+#include "platform/system/DirectoryEntries.h"
 
 #include <QDateTime>
 #include <array>
@@ -102,7 +102,7 @@ SystemResult<bool> DurableFile::hasFilesSetAside() const
             return tl::unexpected(filled.error());
         if (*filled == 0)
             return false;
-        DirectoryRecords records({buffer.data(), *filled});
+        DirectoryEntries records({buffer.data(), *filled});
         DirectoryRecord record;
         while (records.next(record)) {
             const QByteArrayView name(record.name);

@@ -19,7 +19,7 @@ SystemResult<FolderListing> FolderListing::ofFolder(const SystemCalls &calls, in
             return tl::unexpected(filled.error());
         if (*filled == 0)
             return listing;
-        DirectoryRecords records(space.first(*filled));
+        DirectoryEntries records(space.first(*filled));
         DirectoryRecord record;
         while (records.next(record))
             listing.append(record);

@@ -76,7 +76,7 @@ public:
     /// The absolute path without any link, "." or "..", of something that is there. Only for what a
     /// user named.
     virtual SystemResult<QByteArray> realPath(const char *path) const = 0;
-    /// Fills the buffer with directory records (see DirectoryRecords); 0 at the end.
+    /// Fills the buffer with directory records (see DirectoryEntries); 0 at the end.
     virtual SystemResult<std::size_t> readEntries(int folder, std::span<char> buffer) const = 0;
 
     /// The entry itself, never what a link leads to.

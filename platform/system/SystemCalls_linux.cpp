@@ -1,4 +1,4 @@
-#include "platform/system/DirectoryRecords.h"
+#include "platform/system/DirectoryEntries.h"
 #include "platform/system/ProcessList.h"
 #include "platform/system/SystemCalls.h"
 
@@ -342,7 +342,7 @@ const SystemCalls &hostSystemCalls()
     return calls;
 }
 
-bool DirectoryRecords::next(DirectoryRecord &record)
+bool DirectoryEntries::next(DirectoryRecord &record)
 {
     while (!m_rest.empty()) {
         const auto *entry = reinterpret_cast<const dirent64 *>(m_rest.data());

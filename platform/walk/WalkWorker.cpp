@@ -142,7 +142,7 @@ void WalkWorker::listTop()
 
 void WalkWorker::lookAt(std::span<const char> records)
 {
-    DirectoryRecords list(records);
+    DirectoryEntries list(records);
     DirectoryRecord record;
     while (!isStopped() && list.next(record)) {
         if (!isSkipped(record.name))

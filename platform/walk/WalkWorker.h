@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/system/DirectoryRecords.h"
+#include "platform/system/DirectoryEntries.h"
 #include "platform/walk/WalkPool.h"
 
 #include <span>

@@ -15,10 +15,10 @@ struct DirectoryRecord
 
 /// Walks the records that SystemCalls::readEntries put into a buffer, "." and ".." left out.
 /// A view: the buffer must outlive it.
-class DirectoryRecords final
+class DirectoryEntries final
 {
 public:
-    explicit DirectoryRecords(std::span<const char> filled) : m_rest(filled) {}
+    explicit DirectoryEntries(std::span<const char> filled) : m_rest(filled) {}
 
     /// The next record into `record`; false at the end.
     bool next(DirectoryRecord &record);
