@@ -1,6 +1,6 @@
 #include "app/AppDelegate.h"
 #include "app/Appearance.h"
-#include "platform/threads/LooseThreads.h"
+#include "platform/threads/BackgroundThreads.h"
 #include "prefs/tutorial/TutorialView.h"
 #include "prefs/tutorial/WebTutorial.h"
 
@@ -44,7 +44,7 @@ int run(QApplication &application, bool mayShowTutorial)
 /// Whether nothing asks the disk any more. What changes files has ended before.
 bool diskIsLeft()
 {
-    return waitForLooseThreads(kPatienceAtTheEnd) &&
+    return waitForBackgroundThreads(kPatienceAtTheEnd) &&
            QThreadPool::globalInstance()->waitForDone(
                std::chrono::milliseconds(kPatienceAtTheEnd).count());
 }

@@ -4,7 +4,7 @@
 #include "platform/look/PanelButton.h"
 #include "platform/look/WrappedLabel.h"
 #include "platform/sheet/Sheet.h"
-#include "platform/threads/LooseThreads.h"
+#include "platform/threads/BackgroundThreads.h"
 
 #include <QApplication>
 #include <QBoxLayout>
@@ -120,7 +120,7 @@ void OpenPanelView::addWaitingText()
 /// the panel's, and its answer is heard only while the panel is there.
 void OpenPanelView::ask(std::function<Mailbox::Message()> question)
 {
-    runLoose([address = m_answers.address(), question = std::move(question)] {
+    startBackgroundThread([address = m_answers.address(), question = std::move(question)] {
         address.post(question());
     });
 }

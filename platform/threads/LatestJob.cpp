@@ -1,6 +1,6 @@
 #include "platform/threads/LatestJob.h"
 
-#include "platform/threads/LooseThreads.h"
+#include "platform/threads/BackgroundThreads.h"
 
 #include <mutex>
 #include <utility>
@@ -61,7 +61,7 @@ void LatestJob::run(Work work)
     m_desk->stop = std::stop_source();
     m_desk->waiting = {std::move(work), std::move(reply), m_desk->stop.get_token()};
     if (!std::exchange(m_desk->isAtWork, true))
-        runLoose([desk = m_desk] { desk->serve(); });
+        startBackgroundThread([desk = m_desk] { desk->serve(); });
 }
 
 void LatestJob::stop()

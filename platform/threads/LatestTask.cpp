@@ -1,6 +1,6 @@
 #include "platform/threads/LatestTask.h"
 
-#include "platform/threads/LooseThreads.h"
+#include "platform/threads/BackgroundThreads.h"
 
 LatestTask::~LatestTask()
 {
@@ -24,8 +24,8 @@ void LatestTask::ask(Question question)
     stop();
     m_stop = std::stop_source();
     ++m_questions;
-    runLoose([this, address = m_mailbox.address(), stop = m_stop.get_token(),
-              question = std::move(question)] {
+    startBackgroundThread([this, address = m_mailbox.address(), stop = m_stop.get_token(),
+                           question = std::move(question)] {
         address.post([stop, answer = question(stop)] {
             if (!stop.stop_requested())
                 answer();

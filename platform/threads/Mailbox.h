@@ -4,8 +4,8 @@
 #include <functional>
 #include <memory>
 
-/// Where loose threads (see LooseThreads.h) leave their answers for an object that may be gone by
-/// then. A member of that object, used on its thread, which runs an event loop.
+/// Where background threads (see BackgroundThreads.h) leave their answers for an object that may be
+/// gone by then. A member of that object, used on its thread, which runs an event loop.
 class Mailbox final : public QObject
 {
     Q_OBJECT

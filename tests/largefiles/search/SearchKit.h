@@ -2,7 +2,7 @@
 
 #include "largefiles/search/LargeFileSearch.h"
 #include "tests/support/disk/MadeTree.h"
-#include "tests/support/run/LooseThreadsAwaited.h"
+#include "tests/support/run/BackgroundThreadsAwaited.h"
 
 #include <algorithm>
 #include <atomic>
@@ -14,7 +14,7 @@ class HomeAccess final : public FileAccess
 {
 public:
     explicit HomeAccess(const MadeTree &home) : m_home(home) {}
-    ~HomeAccess() override { awaitLooseThreads(); }
+    ~HomeAccess() override { awaitBackgroundThreads(); }
 
     int starts() const { return m_starts; }
     int stops() const { return m_stops; }

@@ -1,7 +1,7 @@
 #include "largefiles/search/CurrentSizeReader.h"
 #include "tests/largefiles/search/Gate.h"
 #include "tests/largefiles/search/SearchKit.h"
-#include "tests/support/run/LooseThreadsAwaited.h"
+#include "tests/support/run/BackgroundThreadsAwaited.h"
 #include "tests/support/run/TestMain.h"
 
 #include <QDir>
@@ -80,7 +80,7 @@ private Q_SLOTS:
             sizes.read({fileIn(home, "Movies/a")},
                        [&](const QList<qint64> &) { isAnswered = true; });
         }
-        awaitLooseThreads();
+        awaitBackgroundThreads();
         QCoreApplication::processEvents();
         QVERIFY(!isAnswered);
         QCOMPARE(access.starts(), access.stops());

@@ -220,7 +220,7 @@ void TestOpenPanelView::isNotCancelledByTheKeyThatOpenedIt()
     QCOMPARE(cancelled.size(), 1);
     QTRY_VERIFY(!hasSheet(host.window));
     gate.count_down();
-    awaitLooseThreads();
+    awaitBackgroundThreads();
 }
 
 void TestOpenPanelView::goesWithoutWaitingForTheDisk()
@@ -239,7 +239,7 @@ void TestOpenPanelView::goesWithoutWaitingForTheDisk()
                                           }});
     }
     gate.count_down(); // else this would never be reached
-    awaitLooseThreads();
+    awaitBackgroundThreads();
     QCoreApplication::processEvents();
 }
 
@@ -293,7 +293,7 @@ void TestOpenPanelView::listsAlthoughNobodyKnowsThePlaces()
         QCOMPARE(offeredNames(view).size(), 1); // the computer
     }
     gate.count_down();
-    awaitLooseThreads();
+    awaitBackgroundThreads();
 }
 
 void TestOpenPanelView::staysWhereItIsWhenAPlaceComes()
@@ -348,7 +348,7 @@ void TestOpenPanelView::offersThePlacesThatAreThere()
     const QStringList expected{QDir::home().dirName(), QStringLiteral("Desktop"),
                                QStringLiteral("Music")};
     QTRY_VERIFY(offeredNames(view).size() > expected.size());
-    awaitLooseThreads();
+    awaitBackgroundThreads();
     QCoreApplication::processEvents();
     QStringList names = offeredNames(view);
     names.removeLast(); // the computer

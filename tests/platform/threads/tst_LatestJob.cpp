@@ -1,5 +1,5 @@
 #include "platform/threads/LatestJob.h"
-#include "tests/support/run/LooseThreadsAwaited.h"
+#include "tests/support/run/BackgroundThreadsAwaited.h"
 #include "tests/support/run/TestMain.h"
 
 #include <QTest>
@@ -123,7 +123,7 @@ private Q_SLOTS:
         }
         QVERIFY(!isOver);
         gate.count_down(); // else this would never be reached
-        awaitLooseThreads();
+        awaitBackgroundThreads();
         QCoreApplication::processEvents();
         QVERIFY(isOver && wasStopped);
         QVERIFY(!isNextDone);

@@ -1,5 +1,5 @@
 #include "platform/threads/LatestTask.h"
-#include "tests/support/run/LooseThreadsAwaited.h"
+#include "tests/support/run/BackgroundThreadsAwaited.h"
 #include "tests/support/run/TestMain.h"
 
 #include <QTest>
@@ -124,7 +124,7 @@ private Q_SLOTS:
         }
         QVERIFY(!isOver);
         gate.count_down(); // else this would never be reached
-        awaitLooseThreads();
+        awaitBackgroundThreads();
         QCoreApplication::processEvents();
         QVERIFY(isOver && wasStopped);
         QVERIFY(!isAnswered);

@@ -1,6 +1,6 @@
 #include "tests/support/disk/ForwardingSystemCalls.h"
 
-#include "tests/support/run/LooseThreadsAwaited.h"
+#include "tests/support/run/BackgroundThreadsAwaited.h"
 
 #include <cerrno>
 
@@ -11,7 +11,7 @@ ForwardingSystemCalls::ForwardingSystemCalls(Hook hook, const SystemCalls &next)
 
 ForwardingSystemCalls::~ForwardingSystemCalls()
 {
-    awaitLooseThreads();
+    awaitBackgroundThreads();
 }
 
 void ForwardingSystemCalls::setHook(Hook hook)

@@ -16,7 +16,7 @@ public:
     using Hook = std::function<int(int number, std::string_view name)>;
 
     explicit ForwardingSystemCalls(Hook hook = {}, const SystemCalls &next = hostSystemCalls());
-    /// Waits for loose threads that may be calling.
+    /// Waits for background threads that may be calling.
     ~ForwardingSystemCalls() override;
 
     /// Sets another hook and counts from 1 again. No call may be under way.

@@ -2,7 +2,7 @@
 
 #include "platform/files/FileAccess.h"
 #include "platform/system/SystemCalls.h"
-#include "tests/support/run/LooseThreadsAwaited.h"
+#include "tests/support/run/BackgroundThreadsAwaited.h"
 
 #include <atomic>
 
@@ -17,7 +17,7 @@ public:
     {
     }
 
-    ~OpenAccess() override { awaitLooseThreads(); }
+    ~OpenAccess() override { awaitBackgroundThreads(); }
 
     void startAccessing() override { ++m_count; }
     void stopAccessing() override { --m_count; }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "tests/support/disk/ForwardingSystemCalls.h"
-#include "tests/support/run/LooseThreadsAwaited.h"
+#include "tests/support/run/BackgroundThreadsAwaited.h"
 
 #include <atomic>
 #include <functional>
@@ -27,7 +27,7 @@ public:
     using Before = std::function<int(int number, WatchedCall call, const char *name)>;
 
     explicit WatchedSystemCalls(Before before) : m_before(std::move(before)) {}
-    ~WatchedSystemCalls() override { awaitLooseThreads(); }
+    ~WatchedSystemCalls() override { awaitBackgroundThreads(); }
 
     int count() const { return m_count; }
 

@@ -1,10 +1,10 @@
 #include "tests/support/page/ResourceManagerReset.h"
 
-#include "tests/support/run/LooseThreadsAwaited.h"
+#include "tests/support/run/BackgroundThreadsAwaited.h"
 
 void ResourceManagerReset::beginRun()
 {
-    awaitLooseThreads();
+    awaitBackgroundThreads();
     ResourceManager::currentRun() = std::make_unique<ResourceManager::Run>();
 }
 

@@ -3,7 +3,7 @@
 #include "app/grant/ResourceManager.h"
 
 /// Begins another run of the program as far as the granted home folder goes. The program itself
-/// has no such thing: what a run began with stays in force. Waits for loose threads; no other
+/// has no such thing: what a run began with stays in force. Waits for background threads; no other
 /// thread may be using the manager, and nobody may keep what access() returned.
 class ResourceManagerReset final
 {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/support/run/LooseThreadsAwaited.h"
+#include "tests/support/run/BackgroundThreadsAwaited.h"
 #include "tests/support/run/ScratchEnvironment.h"
 
 #include <QApplication>
@@ -16,6 +16,6 @@
         QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));                   \
         TestClass test;                                                                            \
         const int failures = QTest::qExec(&test, argc, argv);                                      \
-        awaitLooseThreads();                                                                       \
+        awaitBackgroundThreads();                                                                  \
         return failures;                                                                           \
     }

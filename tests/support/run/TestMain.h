@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/support/run/LooseThreadsAwaited.h"
+#include "tests/support/run/BackgroundThreadsAwaited.h"
 #include "tests/support/run/ScratchEnvironment.h"
 
 #include <QCoreApplication>
@@ -14,6 +14,6 @@
         QCoreApplication application(argc, argv);                                                  \
         TestClass test;                                                                            \
         const int failures = QTest::qExec(&test, argc, argv);                                      \
-        awaitLooseThreads();                                                                       \
+        awaitBackgroundThreads();                                                                  \
         return failures;                                                                           \
     }

@@ -1,4 +1,4 @@
-#include "platform/threads/LooseThreads.h"
+#include "platform/threads/BackgroundThreads.h"
 
 #include "tests/support/run/TestMain.h"
 
@@ -11,7 +11,7 @@
 
 using namespace std::chrono_literals;
 
-class LooseThreadsTest final : public QObject
+class BackgroundThreadsTest final : public QObject
 {
     Q_OBJECT
 
@@ -19,8 +19,8 @@ private Q_SLOTS:
     void worksBesideTheCaller()
     {
         std::atomic<std::thread::id> worked;
-        runLoose([&] { worked = std::this_thread::get_id(); });
-        QVERIFY(waitForLooseThreads(60s));
+        startBackgroundThread([&] { worked = std::this_thread::get_id(); });
+        QVERIFY(waitForBackgroundThreads(60s));
         QVERIFY(worked.load() != std::thread::id());
         QVERIFY(worked.load() != std::this_thread::get_id());
     }
@@ -28,20 +28,20 @@ private Q_SLOTS:
     void oneThatHangsHoldsUpNoOther()
     {
         std::latch gate(1), isDone(1);
-        runLoose([&] { gate.wait(); });
-        runLoose([&] { isDone.count_down(); });
+        startBackgroundThread([&] { gate.wait(); });
+        startBackgroundThread([&] { isDone.count_down(); });
         isDone.wait();
         gate.count_down();
-        QVERIFY(waitForLooseThreads(60s));
+        QVERIFY(waitForBackgroundThreads(60s));
     }
 
     void tellsOfOneThatDoesNotEndInTime()
     {
         std::latch gate(1);
-        runLoose([&] { gate.wait(); });
-        QVERIFY(!waitForLooseThreads(1ms));
+        startBackgroundThread([&] { gate.wait(); });
+        QVERIFY(!waitForBackgroundThreads(1ms));
         gate.count_down();
-        QVERIFY(waitForLooseThreads(60s));
+        QVERIFY(waitForBackgroundThreads(60s));
     }
 
     void waitsForWhatTheWorkHoldsOnTo()
@@ -49,8 +49,8 @@ private Q_SLOTS:
         for (int round = 0; round < 100; ++round) {
             const auto held = std::make_shared<int>(round);
             const std::weak_ptr<int> watched = held;
-            runLoose([held] {});
-            QVERIFY(waitForLooseThreads(60s));
+            startBackgroundThread([held] {});
+            QVERIFY(waitForBackgroundThreads(60s));
             QCOMPARE(watched.use_count(), 1);
         }
     }
@@ -60,14 +60,14 @@ private Q_SLOTS:
         const auto threads = [] {
             return QDir(QStringLiteral("/proc/self/task")).entryList(QDir::AllDirs).size();
         };
-        QVERIFY(waitForLooseThreads(60s));
+        QVERIFY(waitForBackgroundThreads(60s));
         const auto before = threads();
         for (int round = 0; round < 20; ++round)
-            runLoose([] {});
-        QVERIFY(waitForLooseThreads(60s));
+            startBackgroundThread([] {});
+        QVERIFY(waitForBackgroundThreads(60s));
         QCOMPARE(threads(), before);
     }
 };
 
-VANTOR_TEST_MAIN(LooseThreadsTest)
-#include "tst_LooseThreads.moc"
+VANTOR_TEST_MAIN(BackgroundThreadsTest)
+#include "tst_BackgroundThreads.moc"

@@ -1,4 +1,4 @@
-#include "platform/threads/LooseThreads.h"
+#include "platform/threads/BackgroundThreads.h"
 
 #include <algorithm>
 #include <condition_variable>
@@ -9,50 +9,50 @@
 
 namespace {
 
-struct LooseThread
+struct BackgroundThread
 {
     bool hasEnded = false;
     std::thread thread;
 };
 
 /// All of them. Shared with each, for one may outlast everything else.
-struct LooseThreads
+struct BackgroundThreads
 {
-    ~LooseThreads()
+    ~BackgroundThreads()
     {
-        for (LooseThread &loose : threads)
-            loose.thread.detach();
+        for (BackgroundThread &one : threads)
+            one.thread.detach();
     }
 
     /// One cannot join itself: those that have ended wait for the next who comes by.
     void joinEnded()
     {
-        threads.remove_if([](LooseThread &loose) {
-            if (loose.hasEnded)
-                loose.thread.join();
-            return loose.hasEnded;
+        threads.remove_if([](BackgroundThread &one) {
+            if (one.hasEnded)
+                one.thread.join();
+            return one.hasEnded;
         });
     }
 
     std::mutex mutex; ///< guards all
     std::condition_variable changed;
-    std::list<LooseThread> threads;
+    std::list<BackgroundThread> threads;
 };
 
-std::shared_ptr<LooseThreads> looseThreads()
+std::shared_ptr<BackgroundThreads> backgroundThreads()
 {
-    static const auto all = std::make_shared<LooseThreads>();
+    static const auto all = std::make_shared<BackgroundThreads>();
     return all;
 }
 
 } // namespace
 
-void runLoose(std::function<void()> work)
+void startBackgroundThread(std::function<void()> work)
 {
-    const auto all = looseThreads();
+    const auto all = backgroundThreads();
     const std::scoped_lock lock(all->mutex);
     all->joinEnded();
-    LooseThread &added = all->threads.emplace_back();
+    BackgroundThread &added = all->threads.emplace_back();
     added.thread = std::thread([all, &added, work = std::move(work)]() mutable {
         work();
         work = nullptr; // what it held on to goes before its end is told
@@ -64,12 +64,13 @@ void runLoose(std::function<void()> work)
     });
 }
 
-bool waitForLooseThreads(std::chrono::milliseconds atMost)
+bool waitForBackgroundThreads(std::chrono::milliseconds atMost)
 {
-    const auto all = looseThreads();
+    const auto all = backgroundThreads();
     std::unique_lock lock(all->mutex);
-    const bool haveEnded = all->changed.wait_for(
-        lock, atMost, [&] { return std::ranges::all_of(all->threads, &LooseThread::hasEnded); });
+    const bool haveEnded = all->changed.wait_for(lock, atMost, [&] {
+        return std::ranges::all_of(all->threads, &BackgroundThread::hasEnded);
+    });
     all->joinEnded();
     return haveEnded;
 }
