@@ -118,11 +118,10 @@ void OpenPanelView::addWaitingText()
 
 /// A disk that does not answer must not hold up the panel, nor its end: the question has nothing of
 /// the panel's, and its answer is heard only while the panel is there.
-void OpenPanelView::ask(std::function<Mailbox::Message()> question)
+void OpenPanelView::ask(std::function<ReplyChannel::Message()> question)
 {
-    startBackgroundThread([address = m_answers.address(), question = std::move(question)] {
-        address.post(question());
-    });
+    startBackgroundThread(
+        [sender = m_answers.sender(), question = std::move(question)] { sender.post(question()); });
 }
 
 void OpenPanelView::askForStart(const ChooserQuestions &questions)
@@ -144,7 +143,7 @@ void OpenPanelView::askWhichAreThere(const QList<QUrl> &places, const ChooserQue
 {
     m_places = places;
     for (const QUrl &place : places) {
-        ask([this, place, isThere = questions.isThere]() -> Mailbox::Message {
+        ask([this, place, isThere = questions.isThere]() -> ReplyChannel::Message {
             if (!isThere(place))
                 return [] {};
             return [this, place] {

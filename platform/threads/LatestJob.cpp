@@ -53,8 +53,8 @@ LatestJob::~LatestJob()
 void LatestJob::run(Work work)
 {
     const quint64 number = ++m_latest;
-    auto reply = [this, number, address = m_mailbox.address()](Answer result) {
-        address.post([this, number, result = std::move(result)] { answer(number, result); });
+    auto reply = [this, number, sender = m_channel.sender()](Answer result) {
+        sender.post([this, number, result = std::move(result)] { answer(number, result); });
     };
     const std::scoped_lock lock(m_desk->mutex);
     m_desk->stop.request_stop();

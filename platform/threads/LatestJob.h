@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/threads/Mailbox.h"
+#include "platform/threads/ReplyChannel.h"
 
 #include <QObject>
 #include <functional>
@@ -39,5 +39,5 @@ private:
 
     quint64 m_latest = 0;
     std::shared_ptr<Desk> m_desk; ///< shared with the thread that works
-    Mailbox m_mailbox;
+    ReplyChannel m_channel;
 };

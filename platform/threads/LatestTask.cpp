@@ -24,13 +24,13 @@ void LatestTask::ask(Question question)
     stop();
     m_stop = std::stop_source();
     ++m_questions;
-    startBackgroundThread([this, address = m_mailbox.address(), stop = m_stop.get_token(),
+    startBackgroundThread([this, sender = m_channel.sender(), stop = m_stop.get_token(),
                            question = std::move(question)] {
-        address.post([stop, answer = question(stop)] {
+        sender.post([stop, answer = question(stop)] {
             if (!stop.stop_requested())
                 answer();
         });
-        address.post([this] { --m_questions; });
+        sender.post([this] { --m_questions; });
     });
 }
 

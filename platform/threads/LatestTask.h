@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/threads/Mailbox.h"
+#include "platform/threads/ReplyChannel.h"
 
 #include <QObject>
 #include <functional>
@@ -46,5 +46,5 @@ private:
     std::vector<std::jthread> m_threads; ///< of work
     std::stop_source m_stop;             ///< of the latest question
     std::size_t m_questions = 0;         ///< not ended yet
-    Mailbox m_mailbox;                   ///< of the questions
+    ReplyChannel m_channel;              ///< of the questions
 };
