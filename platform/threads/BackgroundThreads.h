@@ -5,7 +5,8 @@
 
 /// The threads on which background work runs. A thread that hangs in a call, such as a question to
 /// the disk of a server that is gone, cannot be ended: it is abandoned. Only the program itself
-/// waits for all of them, for a moment, before it ends for good. Any thread.
+/// waits for all of them, for a moment, before it ends for good. Any thread. The parts of the
+/// program use a BackgroundQueue instead.
 
 /// Does the work on a thread of its own. Whatever it touches must be its own, shared with it, or
 /// live as long as the program, unless the caller waits for the work itself.

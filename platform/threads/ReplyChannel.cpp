@@ -10,6 +10,13 @@ namespace {
 
 constexpr QEvent::Type kPosted = QEvent::User;
 
+void dropOnMainThread(ReplyChannel::Message message)
+{
+    if (QCoreApplication *const application = QCoreApplication::instance())
+        QMetaObject::invokeMethod(
+            application, [dropped = std::move(message)] {}, Qt::QueuedConnection);
+}
+
 } // namespace
 
 struct ReplyChannel::Sender::State
@@ -26,11 +33,15 @@ ReplyChannel::Sender::Sender(ReplyChannel &channel) : m_state(std::make_shared<S
 
 void ReplyChannel::Sender::post(Message message) const
 {
-    const std::scoped_lock lock(m_state->mutex);
-    if (!m_state->channel)
-        return;
-    m_state->messages.push_back(std::move(message));
-    QCoreApplication::postEvent(m_state->channel, new QEvent(kPosted));
+    {
+        const std::scoped_lock lock(m_state->mutex);
+        if (m_state->channel) {
+            m_state->messages.push_back(std::move(message));
+            QCoreApplication::postEvent(m_state->channel, new QEvent(kPosted));
+            return;
+        }
+    }
+    dropOnMainThread(std::move(message));
 }
 
 ReplyChannel::~ReplyChannel()

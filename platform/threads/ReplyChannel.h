@@ -20,7 +20,8 @@ public:
         explicit Sender(ReplyChannel &channel);
 
         /// Runs the message on the channel's thread, later, in the order of the posts. Once the
-        /// channel is gone it is dropped.
+        /// channel is gone the message is dropped; what it holds on to then ends on the main
+        /// thread, because the last reference to an object of that thread may be among it.
         void post(Message message) const;
 
     private:

@@ -1,0 +1,457 @@
+#include "platform/threads/BackgroundQueue.h"
+#include "tests/support/run/BackgroundThreadsAwaited.h"
+#include "tests/support/run/TestMain.h"
+
+#include <QTest>
+#include <atomic>
+#include <barrier>
+#include <latch>
+#include <memory>
+#include <semaphore>
+#include <thread>
+
+namespace {
+
+template <Queueing kQueueing> using WaitingQueue = BackgroundQueue<OwnersEnd::Wait, kQueueing>;
+template <Queueing kQueueing>
+using AbandoningQueue = BackgroundQueue<OwnersEnd::Abandon, kQueueing>;
+
+// What may use less is no proof that it may use more: neither kind is taken for the other.
+static_assert(
+    !std::is_convertible_v<BackgroundTask<OwnersEnd::Wait>, BackgroundTask<OwnersEnd::Abandon>>);
+static_assert(
+    !std::is_convertible_v<BackgroundTask<OwnersEnd::Abandon>, BackgroundTask<OwnersEnd::Wait>>);
+
+void waitForStop(const std::stop_token &stop)
+{
+    std::binary_semaphore isTold(0);
+    const std::stop_callback tell(stop, [&isTold] { isTold.release(); });
+    isTold.acquire();
+}
+
+} // namespace
+
+class BackgroundQueueTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void worksElsewhereAndRepliesHere()
+    {
+        AbandoningQueue<Queueing::LatestOnly> queue;
+        std::thread::id worked, replied;
+        queue.run([&](const std::stop_token &) {
+            worked = std::this_thread::get_id();
+            return [&] { replied = std::this_thread::get_id(); };
+        });
+        QVERIFY(queue.isBusy());
+        QTRY_COMPARE(replied, std::this_thread::get_id());
+        QVERIFY(worked != std::thread::id() && worked != replied);
+        QVERIFY(!queue.isBusy());
+    }
+
+    void needsNoReply()
+    {
+        WaitingQueue<Queueing::All> queue;
+        std::atomic<std::thread::id> worked;
+        queue.run([&](const std::stop_token &) { worked = std::this_thread::get_id(); });
+        queue.run([](const std::stop_token &) { return BackgroundReply(); });
+        QCOMPARE(queue.unfinishedCount(), 2);
+        QTRY_COMPARE(queue.unfinishedCount(), 0);
+        QVERIFY(worked.load() != std::thread::id());
+        QVERIFY(worked.load() != std::this_thread::get_id());
+    }
+
+    void mayEndByAReply()
+    {
+        auto queue = std::make_unique<WaitingQueue<Queueing::All>>();
+        bool isReplied = false;
+        queue->run([&](const std::stop_token &) { return [&] { queue.reset(); }; });
+        queue->run([&](const std::stop_token &) { return [&] { isReplied = true; }; });
+        QTRY_VERIFY(!queue);
+        QCoreApplication::processEvents();
+        QVERIFY(!isReplied);
+    }
+
+    // All: in the order of their coming.
+
+    void runsTasksInTheOrderOfTheirComing()
+    {
+        QList<int> order;
+        std::latch done(3);
+        WaitingQueue<Queueing::All> queue;
+        for (const int number : {1, 2, 3})
+            queue.run([&, number](const std::stop_token &) {
+                order.append(number);
+                done.count_down();
+            });
+        done.wait();
+        QCOMPARE(order, (QList<int>{1, 2, 3}));
+    }
+
+    void runsAsManyAtOnceAsItHasThreads()
+    {
+        // Neither passes before the other has come.
+        std::barrier meeting(2);
+        std::latch done(2);
+        WaitingQueue<Queueing::All> queue(2);
+        for (int i = 0; i < 2; ++i)
+            queue.run([&](const std::stop_token &) {
+                meeting.arrive_and_wait();
+                done.count_down();
+            });
+        done.wait();
+    }
+
+    void runsNoMoreAtOnceThanItHasThreads()
+    {
+        constexpr int kTasks = 60;
+        constexpr unsigned kThreads = 3;
+        std::atomic<unsigned> underWay = 0, most = 0;
+        int replies = 0;
+        AbandoningQueue<Queueing::All> queue(kThreads);
+        for (int i = 0; i < kTasks; ++i)
+            queue.run([&](const std::stop_token &) {
+                const unsigned now = ++underWay;
+                for (unsigned seen = most; seen < now;)
+                    most.compare_exchange_weak(seen, now);
+                std::this_thread::yield();
+                --underWay;
+                return [&] { ++replies; };
+            });
+        QTRY_COMPARE(replies, kTasks);
+        QVERIFY(most.load() <= kThreads);
+    }
+
+    void oneThatHangsHoldsUpNoOtherWithAThreadForEach()
+    {
+        std::latch gate(1);
+        AbandoningQueue<Queueing::All> queue(kThreadForEachTask);
+        int replies = 0;
+        for (int i = 0; i < 3; ++i)
+            queue.run([&, i](const std::stop_token &) {
+                if (i < 2)
+                    gate.wait();
+                return [&] { ++replies; };
+            });
+        QTRY_COMPARE(replies, 1);
+        gate.count_down();
+        QTRY_COMPARE(replies, 3);
+    }
+
+    void repliesToAll()
+    {
+        QList<int> replied;
+        AbandoningQueue<Queueing::All> queue;
+        for (const int number : {1, 2, 3})
+            queue.run([&, number](const std::stop_token &stop) {
+                return [&, number, wasStopped = stop.stop_requested()] {
+                    replied.append(wasStopped ? -number : number);
+                };
+            });
+        QTRY_COMPARE(replied, (QList<int>{1, 2, 3}));
+    }
+
+    // Latest only: a newer one takes the place of those before it.
+
+    void aNewerOneStopsTheOneUnderWay()
+    {
+        AbandoningQueue<Queueing::LatestOnly> queue;
+        std::latch begun(1);
+        bool wasStopped = false, oldReplied = false, newReplied = false;
+        queue.run([&](const std::stop_token &stop) {
+            begun.count_down();
+            waitForStop(stop);
+            wasStopped = true;
+            return [&] { oldReplied = true; };
+        });
+        begun.wait();
+        queue.run([&](const std::stop_token &) { return [&] { newReplied = true; }; });
+        QTRY_VERIFY(newReplied);
+        QVERIFY(wasStopped);
+        QVERIFY(!oldReplied);
+    }
+
+    void aNewerOneStopsThoseBeforeItWithoutWaiting()
+    {
+        WaitingQueue<Queueing::LatestOnly> queue(kThreadForEachTask);
+        std::latch gate(1);
+        std::atomic<int> stopped = 0;
+        for (int i = 0; i < 3; ++i) {
+            std::latch begun(1);
+            queue.run([&](const std::stop_token &stop) {
+                begun.count_down();
+                waitForStop(stop);
+                gate.wait(); // slow to heed it
+                ++stopped;
+            });
+            begun.wait();
+        }
+        QCOMPARE(queue.unfinishedCount(), 3);
+        QCOMPARE(stopped.load(), 0);
+        queue.stop();
+        gate.count_down();
+        QTRY_COMPARE(queue.unfinishedCount(), 0);
+        QCOMPARE(stopped.load(), 3);
+    }
+
+    void theLatestIsLeftInPeace()
+    {
+        WaitingQueue<Queueing::LatestOnly> queue(kThreadForEachTask);
+        std::latch begun(1), gate(1);
+        std::atomic<bool> wasStopped = true;
+        queue.run(waitForStop);
+        queue.run([&](const std::stop_token &stop) {
+            begun.count_down();
+            gate.wait();
+            wasStopped = stop.stop_requested();
+        });
+        begun.wait();
+        gate.count_down();
+        QTRY_COMPARE(queue.unfinishedCount(), 0);
+        QVERIFY(!wasStopped);
+    }
+
+    void aTaskThatHangsHoldsUpNoLaterOneWithAThreadForEach()
+    {
+        AbandoningQueue<Queueing::LatestOnly> queue(kThreadForEachTask);
+        std::latch begun(1), gate(1);
+        bool oldReplied = false, newReplied = false;
+        queue.run([&](const std::stop_token &) {
+            begun.count_down();
+            gate.wait();
+            return [&] { oldReplied = true; };
+        });
+        begun.wait();
+        queue.run([&](const std::stop_token &) { return [&] { newReplied = true; }; });
+        QTRY_VERIFY(newReplied);
+        gate.count_down();
+        QTRY_COMPARE(queue.unfinishedCount(), 0); // its end is told with its reply
+        QVERIFY(!oldReplied);
+    }
+
+    void ofThoseThatWaitOnlyTheLatestIsDone()
+    {
+        AbandoningQueue<Queueing::LatestOnly> queue;
+        std::latch begun(1), gate(1);
+        std::atomic<int> done = 0;
+        queue.run([&](const std::stop_token &) {
+            begun.count_down();
+            gate.wait();
+        });
+        begun.wait();
+        int replied = 0;
+        for (int i = 1; i <= 5; ++i) {
+            queue.run([&, i](const std::stop_token &) {
+                ++done;
+                return [&replied, i] { replied = i; };
+            });
+        }
+        QCOMPARE(queue.unfinishedCount(), 2);
+        gate.count_down();
+        QTRY_COMPARE(replied, 5);
+        QCOMPARE(done.load(), 1);
+        QCOMPARE(queue.unfinishedCount(), 0);
+    }
+
+    void worksOnOneThreadAtATime()
+    {
+        AbandoningQueue<Queueing::LatestOnly> queue;
+        std::atomic<int> underWay = 0, most = 0;
+        int replied = 0;
+        const auto work = [&](const std::stop_token &) {
+            most = std::max(most.load(), ++underWay);
+            std::this_thread::yield();
+            --underWay;
+            return [&] { ++replied; };
+        };
+        for (int i = 1; i <= 50; ++i) {
+            queue.run(work);
+            if (i % 2 == 0)
+                QTRY_COMPARE(replied, i / 2);
+        }
+        QCOMPARE(most.load(), 1);
+    }
+
+    // Replies that nobody waits for any more.
+
+    void aReplyOnItsWayIsDroppedForANewerTask()
+    {
+        AbandoningQueue<Queueing::LatestOnly> queue;
+        std::latch workIsDone(1);
+        bool oldReplied = false, newReplied = false;
+        std::latch begun(1);
+        queue.run([&](const std::stop_token &) {
+            begun.count_down();
+            return [&] { oldReplied = true; };
+        });
+        begun.wait();
+        // The thread takes this up only when the first reply has been sent.
+        queue.run([&](const std::stop_token &) {
+            workIsDone.count_down();
+            return [&] { newReplied = true; };
+        });
+        workIsDone.wait();
+        QTRY_VERIFY(newReplied);
+        QVERIFY(!oldReplied);
+    }
+
+    void aReplyOnItsWayIsDroppedByAStop()
+    {
+        AbandoningQueue<Queueing::LatestOnly> queue(kThreadForEachTask);
+        bool isReplied = false;
+        std::latch begun(1);
+        queue.run([&](const std::stop_token &) {
+            begun.count_down();
+            return [&] { isReplied = true; };
+        });
+        begun.wait();
+        queue.stop();
+        QTRY_COMPARE(queue.unfinishedCount(), 0);
+        QVERIFY(!isReplied);
+    }
+
+    void nothingIsRepliedAfterAStop()
+    {
+        AbandoningQueue<Queueing::LatestOnly> queue;
+        std::latch begun(1), gate(1);
+        bool isReplied = false, isLaterReplied = false;
+        queue.run([&](const std::stop_token &) {
+            begun.count_down();
+            gate.wait();
+            return [&] { isReplied = true; };
+        });
+        begun.wait();
+        queue.stop();
+        gate.count_down();
+        queue.run([&](const std::stop_token &) { return [&] { isLaterReplied = true; }; });
+        QTRY_VERIFY(isLaterReplied);
+        QVERIFY(!isReplied);
+    }
+
+    void aStopForgetsTasksThatWait()
+    {
+        AbandoningQueue<Queueing::All> queue;
+        std::latch begun(1), gate(1);
+        std::atomic<bool> hasRun = false;
+        queue.run([&](const std::stop_token &) {
+            begun.count_down();
+            gate.wait();
+        });
+        begun.wait();
+        queue.run([&](const std::stop_token &) { hasRun = true; });
+        queue.stop();
+        QCOMPARE(queue.unfinishedCount(), 1);
+        gate.count_down();
+        QTRY_COMPARE(queue.unfinishedCount(), 0);
+        QVERIFY(!hasRun);
+    }
+
+    // The end of the owner.
+
+    void abandonsWhatHangs()
+    {
+        std::latch begun(1), gate(1);
+        bool wasStopped = false, isNextDone = false, isReplied = false;
+        std::atomic<bool> isOver = false;
+        {
+            AbandoningQueue<Queueing::All> queue;
+            queue.run([&](const std::stop_token &stop) {
+                begun.count_down();
+                gate.wait(); // as a call does to a disk that is dead
+                wasStopped = stop.stop_requested();
+                isOver = true;
+                return [&] { isReplied = true; };
+            });
+            begun.wait();
+            queue.run([&](const std::stop_token &) { isNextDone = true; });
+        }
+        QVERIFY(!isOver);
+        gate.count_down(); // else this would never be reached
+        awaitBackgroundThreads();
+        QCoreApplication::processEvents();
+        QVERIFY(isOver && wasStopped);
+        QVERIFY(!isNextDone);
+        QVERIFY(!isReplied);
+    }
+
+    void tellsWhatRunsToStopAndWaitsForIt()
+    {
+        std::atomic<int> ended = 0;
+        {
+            std::latch begun(2);
+            WaitingQueue<Queueing::All> queue(2);
+            for (int i = 0; i < 2; ++i) {
+                queue.run([&](const std::stop_token &stop) {
+                    begun.count_down();
+                    waitForStop(stop);
+                    ++ended;
+                });
+            }
+            begun.wait();
+        }
+        QCOMPARE(ended.load(), 2);
+    }
+
+    void forgetsTasksThatWaitAtItsEnd()
+    {
+        std::atomic<bool> hasRun = false;
+        {
+            std::latch begun(1);
+            WaitingQueue<Queueing::All> queue;
+            queue.run([&](const std::stop_token &stop) {
+                begun.count_down();
+                waitForStop(stop);
+            });
+            begun.wait();
+            queue.run([&](const std::stop_token &) { hasRun = true; });
+        }
+        QVERIFY(!hasRun);
+    }
+
+    void waitsForWhatItsTasksHoldOnTo()
+    {
+        for (int round = 0; round < 100; ++round) {
+            std::weak_ptr<int> watched;
+            {
+                std::latch begun(1);
+                WaitingQueue<Queueing::All> queue;
+                auto held = std::make_shared<int>(round);
+                watched = held;
+                queue.run([held = std::move(held), &begun](const std::stop_token &) {
+                    begun.count_down();
+                });
+                begun.wait();
+            }
+            QVERIFY(watched.expired());
+        }
+    }
+
+    /// The last reference to an object of the main thread may be among it.
+    void whatADroppedReplyHoldsEndsOnTheMainThread()
+    {
+        std::atomic<std::thread::id> endedOn;
+        std::latch begun(1), gate(1);
+        {
+            AbandoningQueue<Queueing::All> queue;
+            std::shared_ptr<int> held(new int, [&endedOn](const int *value) {
+                delete value;
+                endedOn = std::this_thread::get_id();
+            });
+            queue.run([&, held = std::move(held)](const std::stop_token &) mutable {
+                begun.count_down();
+                gate.wait();
+                return [held = std::move(held)] {};
+            });
+            begun.wait();
+        }
+        gate.count_down();
+        awaitBackgroundThreads();
+        QVERIFY(endedOn.load() == std::thread::id());
+        QCoreApplication::processEvents();
+        QVERIFY(endedOn.load() == std::this_thread::get_id());
+    }
+};
+
+VANTOR_TEST_MAIN(BackgroundQueueTest)
+#include "tst_BackgroundQueue.moc"
