@@ -4,7 +4,6 @@
 
 #include <QTest>
 #include <atomic>
-#include <barrier>
 #include <latch>
 #include <memory>
 #include <semaphore>
@@ -60,96 +59,6 @@ private Q_SLOTS:
         QTRY_COMPARE(queue.unfinishedCount(), 0);
         QVERIFY(worked.load() != std::thread::id());
         QVERIFY(worked.load() != std::this_thread::get_id());
-    }
-
-    void mayEndByAReply()
-    {
-        auto queue = std::make_unique<WaitingQueue<Queueing::All>>();
-        bool isReplied = false;
-        queue->run([&](const std::stop_token &) { return [&] { queue.reset(); }; });
-        queue->run([&](const std::stop_token &) { return [&] { isReplied = true; }; });
-        QTRY_VERIFY(!queue);
-        QCoreApplication::processEvents();
-        QVERIFY(!isReplied);
-    }
-
-    // All: in the order of their coming.
-
-    void runsTasksInTheOrderOfTheirComing()
-    {
-        QList<int> order;
-        std::latch done(3);
-        WaitingQueue<Queueing::All> queue;
-        for (const int number : {1, 2, 3})
-            queue.run([&, number](const std::stop_token &) {
-                order.append(number);
-                done.count_down();
-            });
-        done.wait();
-        QCOMPARE(order, (QList<int>{1, 2, 3}));
-    }
-
-    void runsAsManyAtOnceAsItHasThreads()
-    {
-        // Neither passes before the other has come.
-        std::barrier meeting(2);
-        std::latch done(2);
-        WaitingQueue<Queueing::All> queue(2);
-        for (int i = 0; i < 2; ++i)
-            queue.run([&](const std::stop_token &) {
-                meeting.arrive_and_wait();
-                done.count_down();
-            });
-        done.wait();
-    }
-
-    void runsNoMoreAtOnceThanItHasThreads()
-    {
-        constexpr int kTasks = 60;
-        constexpr unsigned kThreads = 3;
-        std::atomic<unsigned> underWay = 0, most = 0;
-        int replies = 0;
-        AbandoningQueue<Queueing::All> queue(kThreads);
-        for (int i = 0; i < kTasks; ++i)
-            queue.run([&](const std::stop_token &) {
-                const unsigned now = ++underWay;
-                for (unsigned seen = most; seen < now;)
-                    most.compare_exchange_weak(seen, now);
-                std::this_thread::yield();
-                --underWay;
-                return [&] { ++replies; };
-            });
-        QTRY_COMPARE(replies, kTasks);
-        QVERIFY(most.load() <= kThreads);
-    }
-
-    void oneThatHangsHoldsUpNoOtherWithAThreadForEach()
-    {
-        std::latch gate(1);
-        AbandoningQueue<Queueing::All> queue(kThreadForEachTask);
-        int replies = 0;
-        for (int i = 0; i < 3; ++i)
-            queue.run([&, i](const std::stop_token &) {
-                if (i < 2)
-                    gate.wait();
-                return [&] { ++replies; };
-            });
-        QTRY_COMPARE(replies, 1);
-        gate.count_down();
-        QTRY_COMPARE(replies, 3);
-    }
-
-    void repliesToAll()
-    {
-        QList<int> replied;
-        AbandoningQueue<Queueing::All> queue;
-        for (const int number : {1, 2, 3})
-            queue.run([&, number](const std::stop_token &stop) {
-                return [&, number, wasStopped = stop.stop_requested()] {
-                    replied.append(wasStopped ? -number : number);
-                };
-            });
-        QTRY_COMPARE(replied, (QList<int>{1, 2, 3}));
     }
 
     // Latest only: a newer one takes the place of those before it.
@@ -329,24 +238,6 @@ private Q_SLOTS:
         QVERIFY(!isReplied);
     }
 
-    void aStopForgetsTasksThatWait()
-    {
-        AbandoningQueue<Queueing::All> queue;
-        std::latch begun(1), gate(1);
-        std::atomic<bool> hasRun = false;
-        queue.run([&](const std::stop_token &) {
-            begun.count_down();
-            gate.wait();
-        });
-        begun.wait();
-        queue.run([&](const std::stop_token &) { hasRun = true; });
-        queue.stop();
-        QCOMPARE(queue.unfinishedCount(), 1);
-        gate.count_down();
-        QTRY_COMPARE(queue.unfinishedCount(), 0);
-        QVERIFY(!hasRun);
-    }
-
     // The end of the owner.
 
     void abandonsWhatHangs()
@@ -425,31 +316,6 @@ private Q_SLOTS:
             }
             QVERIFY(watched.expired());
         }
-    }
-
-    /// The last reference to an object of the main thread may be among it.
-    void whatADroppedReplyHoldsEndsOnTheMainThread()
-    {
-        std::atomic<std::thread::id> endedOn;
-        std::latch begun(1), gate(1);
-        {
-            AbandoningQueue<Queueing::All> queue;
-            std::shared_ptr<int> held(new int, [&endedOn](const int *value) {
-                delete value;
-                endedOn = std::this_thread::get_id();
-            });
-            queue.run([&, held = std::move(held)](const std::stop_token &) mutable {
-                begun.count_down();
-                gate.wait();
-                return [held = std::move(held)] {};
-            });
-            begun.wait();
-        }
-        gate.count_down();
-        awaitBackgroundThreads();
-        QVERIFY(endedOn.load() == std::thread::id());
-        QCoreApplication::processEvents();
-        QVERIFY(endedOn.load() == std::this_thread::get_id());
     }
 };
 
