@@ -22,9 +22,11 @@ AppDelegate::AppDelegate(Configuration configuration) : m_configuration(std::mov
         m_loader.registerClass(QStringLiteral("TutorialView"), m_configuration.makeTutorialView);
 }
 
+/// The settings end with this. A question to the disk may outlive it: what was granted when it
+/// began still is when its answer comes, or the first use of the folder would find no grant.
 AppDelegate::~AppDelegate()
 {
-    ResourceManager::setGrantSource([]() -> std::optional<QByteArray> { return std::nullopt; });
+    ResourceManager::setGrantSource([last = ResourceManager::storedGrant()] { return last; });
 }
 
 void AppDelegate::applicationDidFinishLaunching()

@@ -39,11 +39,7 @@ QList<FileFacts> factsAt(const QList<QByteArray> &paths, const std::stop_token &
 } // namespace
 
 FileToView::FileToView(const SystemCalls &calls, AccessSource access, QObject *parent)
-    : QObject(parent),
-      m_calls(calls),
-      m_access(std::move(access)),
-      m_looks(1),
-      m_measurements(kMeasurements)
+    : QObject(parent), m_calls(calls), m_access(std::move(access)), m_measurements(kMeasurements)
 {
 }
 
@@ -61,21 +57,21 @@ void FileToView::prepareFileForDisplay(const std::shared_ptr<File> &file,
     measurement.completions.push_back(std::move(completion));
     if (isUnderWay)
         return;
-    m_measurements.push([this, file, url = file->fileURL(),
-                         stop = measurement.stop](const std::stop_token &queueStop) {
+    m_measurements.run([this, &calls = m_calls, source = m_access, file, url = file->fileURL(),
+                        stop = measurement.stop](const std::stop_token &queueStop) {
         const std::stop_callback forward(queueStop,
                                          [&stop] { std::stop_source(stop).request_stop(); });
-        FileAccess *access = m_access();
+        FileAccess *access = source();
         const auto bytes =
-            access ? std::optional(sizeForFolderAtPath(m_calls, *access, url, stop.get_token()))
+            access ? std::optional(sizeForFolderAtPath(calls, *access, url, stop.get_token()))
                    : std::nullopt;
-        QMetaObject::invokeMethod(this, [this, file, bytes, stop] {
+        return [this, file, bytes, stop] {
             if (stop.stop_requested())
                 return;
             if (bytes)
                 finish(file, *bytes);
             complete(*file);
-        });
+        };
     });
 }
 
@@ -102,11 +98,12 @@ void FileToView::cancel(const File &file)
 void FileToView::lookAt(const QList<QByteArray> &paths,
                         std::function<void(const QList<FileFacts> &)> answer)
 {
-    m_looks.push([this, paths, answer = std::move(answer)](const std::stop_token &stop) {
-        std::optional<AccessScope> scope;
-        if (FileAccess *access = m_access())
-            scope.emplace(*access);
-        const QList<FileFacts> facts = factsAt(paths, stop);
-        QMetaObject::invokeMethod(this, [answer, facts] { answer(facts); });
-    });
+    m_looks.run(
+        [source = m_access, paths, answer = std::move(answer)](const std::stop_token &stop) {
+            std::optional<AccessScope> scope;
+            if (FileAccess *access = source())
+                scope.emplace(*access);
+            QList<FileFacts> facts = factsAt(paths, stop);
+            return [answer, facts = std::move(facts)] { answer(facts); };
+        });
 }

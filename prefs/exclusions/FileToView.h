@@ -2,7 +2,7 @@
 
 #include "largefiles/search/File.h"
 #include "platform/files/FileAccess.h"
-#include "platform/threads/WorkQueue.h"
+#include "platform/threads/BackgroundQueue.h"
 
 #include <QHash>
 #include <QObject>
@@ -21,19 +21,21 @@ struct FileFacts
 };
 
 /// Finds out in the background what a table shows of a file. Answers come on the main thread, from
-/// the event loop, and never after this is gone. Main thread only.
+/// the event loop, and never after this is gone. A disk that does not answer holds up no end of
+/// this, nor of the program. Main thread only.
 class FileToView final : public QObject
 {
     Q_OBJECT
 
 public:
     /// The right to work below the granted folder; null while there is none. Asked on the threads
-    /// that do the work, because the answer may wait for a disk.
+    /// that do the work, because the answer may wait for a disk; what it uses lives as long as the
+    /// program.
     using AccessSource = std::function<FileAccess *()>;
 
-    /// The calls must outlive it.
+    /// The calls live as long as the program.
     FileToView(const SystemCalls &calls, AccessSource access, QObject *parent = nullptr);
-    /// Stops what is under way.
+    /// Stops what is under way, and waits for nothing.
     ~FileToView() override;
 
     /// Measures the file as cleaning would count it and then sets its size and its size text. A
@@ -61,6 +63,6 @@ private:
     const SystemCalls &m_calls;
     AccessSource m_access;
     QHash<const File *, Measurement> m_underWay;
-    WorkQueue m_looks;
-    WorkQueue m_measurements;
+    BackgroundQueue<OwnersEnd::Abandon, Queueing::All> m_looks;
+    BackgroundQueue<OwnersEnd::Abandon, Queueing::All> m_measurements;
 };

@@ -3,6 +3,7 @@
 #include "platform/files/FileAccess.h"
 #include "platform/system/SystemCalls.h"
 #include "tests/support/disk/ScratchFolder.h"
+#include "tests/support/run/BackgroundThreadsAwaited.h"
 #include "tests/support/run/Must.h"
 
 #include <atomic>
@@ -20,6 +21,8 @@ public:
         must(opened.has_value(), "the scratch folder opens");
         m_descriptor = std::make_shared<FileDescriptor>(std::move(*opened));
     }
+
+    ~ScratchAccess() override { awaitBackgroundThreads(); }
 
     void startAccessing() override { ++m_starts; }
     void stopAccessing() override { ++m_stops; }

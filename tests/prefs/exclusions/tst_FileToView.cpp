@@ -3,6 +3,7 @@
 #include "tests/support/run/TestMain.h"
 
 #include <QThread>
+#include <semaphore>
 #include <thread>
 
 class TestFileToView final : public QObject
@@ -20,6 +21,7 @@ private Q_SLOTS:
     void measuresAgainWhenAskedLater();
     void endsAMeasurement();
     void saysNothingAfterItsEnd();
+    void waitsAtItsEndForNoDiskThatDoesNotAnswer();
     void looksAtPaths_data();
     void looksAtPaths();
     void looksInOrder();
@@ -54,6 +56,7 @@ void TestFileToView::init()
 void TestFileToView::cleanup()
 {
     m_toView.reset();
+    awaitBackgroundThreads();
     QCOMPARE(m_askedHere, 0);
 }
 
@@ -159,6 +162,39 @@ void TestFileToView::saysNothingAfterItsEnd()
                      [&isDone](const QList<FileFacts> &) { isDone = true; });
     m_toView.reset();
     QCoreApplication::processEvents();
+    QVERIFY(!isDone);
+}
+
+void TestFileToView::waitsAtItsEndForNoDiskThatDoesNotAnswer()
+{
+    constexpr std::chrono::seconds kPatience(5);
+    std::counting_semaphore<> asked(0);
+    m_toView = std::make_unique<FileToView>(hostSystemCalls(), [this, &asked] {
+        asked.release();
+        (void)m_access->anchoredPath({}); // waits for the disk
+        return m_access.get();
+    });
+    m_access->hold();
+    bool isDone = false;
+    const auto note = [&isDone] { isDone = true; };
+    for (const char *name : {"Movies", "notes.txt", "missing"}) // one more than at a time
+        m_toView->prepareFileForDisplay(file(name, FileUrlKind::File), note);
+    m_toView->lookAt({m_folder->path("Movies")}, [&note](const QList<FileFacts> &) { note(); });
+    for (int i = 0; i < 3; ++i)
+        asked.acquire(); // by two measurements and a look
+
+    std::binary_semaphore isGone(0);
+    bool wasInTime = false;
+    std::jthread disk([&] {
+        wasInTime = isGone.try_acquire_for(kPatience);
+        m_access->release(); // else a wait would last for ever
+    });
+    m_toView.reset();
+    isGone.release();
+    disk.join();
+    awaitBackgroundThreads();
+    QCoreApplication::processEvents();
+    QVERIFY(wasInTime);
     QVERIFY(!isDone);
 }
 

@@ -53,7 +53,7 @@ void TestPreferencesWindowController::init()
 /// What still measures must be over before the test's own log is.
 void TestPreferencesWindowController::cleanup()
 {
-    m_fixture.reset();
+    m_fixture.reset(); // which waits for it
 }
 
 void TestPreferencesWindowController::add(const QByteArray &relativePath)
