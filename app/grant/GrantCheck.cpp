@@ -16,7 +16,7 @@ void GrantCheck::look()
     m_isLooking = true;
     m_isOutdated = false;
     m_grant = ResourceManager::storedGrant();
-    m_task.ask([this, grant = m_grant](const std::stop_token &) {
+    m_checks.run([this, grant = m_grant](const std::stop_token &) {
         return [this, failure = ResourceManager::check(grant)] { finish(failure); };
     });
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/grant/ResourceManager.h"
-#include "platform/threads/LatestTask.h"
+#include "platform/threads/BackgroundQueue.h"
 
 /// Finds out beside the main thread whether the home folder that is granted can be used: its disk
 /// may be a server that does not answer. Owned by who asks; main thread only.
@@ -29,5 +29,5 @@ private:
     bool m_isLooking = false;
     bool m_isOutdated = false;         ///< the look under way began before the question
     std::optional<QByteArray> m_grant; ///< that is looked for
-    LatestTask m_task;
+    BackgroundQueue<OwnersEnd::Abandon, Queueing::LatestOnly> m_checks{kThreadForEachTask};
 };

@@ -107,7 +107,7 @@ bool FolderSelectViewController::isNamedLikeTheRealHome(const QByteArray &path) 
 
 void FolderSelectViewController::grant(const QString &key, const QByteArray &path)
 {
-    m_granting.ask([this, &calls = m_services.calls, key, path](const std::stop_token &) {
+    m_granting.run([this, &calls = m_services.calls, key, path](const std::stop_token &) {
         return [this, key, path, grant = makeGrant(calls, path)] {
             if (grant)
                 storeGrant(key, *grant);

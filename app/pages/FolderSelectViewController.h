@@ -2,7 +2,7 @@
 
 #include "app/navigation/VNTViewController.h"
 #include "platform/system/SystemCalls.h"
-#include "platform/threads/LatestTask.h"
+#include "platform/threads/BackgroundQueue.h"
 
 #include <QTimer>
 #include <functional>
@@ -39,7 +39,7 @@ public:
     ImageView *homeCheck() const { return m_homeCheck; }
     /// Whether the disk of a chosen folder is waited for. Another choice, or a page that is left or
     /// begun anew, drops that one.
-    bool isGranting() const { return m_granting.threadCount() > 0; }
+    bool isGranting() const { return m_granting.isBusy(); }
 
     void viewDidLoad() override;
     void viewWillAppear(bool animated) override;
@@ -71,5 +71,5 @@ private:
     QTimer m_forwardTimer;
     ImageButton *m_homeButton = nullptr;
     ImageView *m_homeCheck = nullptr;
-    LatestTask m_granting;
+    BackgroundQueue<OwnersEnd::Abandon, Queueing::LatestOnly> m_granting{kThreadForEachTask};
 };

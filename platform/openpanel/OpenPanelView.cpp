@@ -4,7 +4,6 @@
 #include "platform/look/PanelButton.h"
 #include "platform/look/WrappedLabel.h"
 #include "platform/sheet/Sheet.h"
-#include "platform/threads/BackgroundThreads.h"
 
 #include <QApplication>
 #include <QBoxLayout>
@@ -116,24 +115,17 @@ void OpenPanelView::addWaitingText()
                        [label = m_waitingText, text] { label->setText(text); });
 }
 
-/// A disk that does not answer must not hold up the panel, nor its end: the question has nothing of
-/// the panel's, and its answer is heard only while the panel is there.
-void OpenPanelView::ask(std::function<ReplyChannel::Message()> question)
-{
-    startBackgroundThread(
-        [sender = m_answers.sender(), question = std::move(question)] { sender.post(question()); });
-}
-
 void OpenPanelView::askForStart(const ChooserQuestions &questions)
 {
-    ask([this, find = questions.start, wanted = m_panel.startFolder] {
-        return [this, start = find(wanted)] { addChooser(start); };
-    });
+    m_questions.run(
+        [this, find = questions.start, wanted = m_panel.startFolder](const std::stop_token &) {
+            return [this, start = find(wanted)] { addChooser(start); };
+        });
 }
 
 void OpenPanelView::askForPlaces(const ChooserQuestions &questions)
 {
-    ask([this, questions] {
+    m_questions.run([this, questions](const std::stop_token &) {
         return
             [this, questions, places = questions.places()] { askWhichAreThere(places, questions); };
     });
@@ -143,14 +135,15 @@ void OpenPanelView::askWhichAreThere(const QList<QUrl> &places, const ChooserQue
 {
     m_places = places;
     for (const QUrl &place : places) {
-        ask([this, place, isThere = questions.isThere]() -> ReplyChannel::Message {
-            if (!isThere(place))
-                return [] {};
-            return [this, place] {
-                m_placesThere.append(place);
-                offerPlaces();
-            };
-        });
+        m_questions.run(
+            [this, place, isThere = questions.isThere](const std::stop_token &) -> BackgroundReply {
+                if (!isThere(place))
+                    return {};
+                return [this, place] {
+                    m_placesThere.append(place);
+                    offerPlaces();
+                };
+            });
     }
 }
 

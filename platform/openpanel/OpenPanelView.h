@@ -3,7 +3,7 @@
 #include "platform/look/FileIcons.h"
 #include "platform/openpanel/ChooserPlaces.h"
 #include "platform/openpanel/FileChooser.h"
-#include "platform/threads/ReplyChannel.h"
+#include "platform/threads/BackgroundQueue.h"
 
 #include <QWidget>
 #include <functional>
@@ -35,7 +35,6 @@ private:
     void addPrompt(QBoxLayout &column);
     void addButtons(QBoxLayout &column);
     void addWaitingText();
-    void ask(std::function<ReplyChannel::Message()> question);
     void askForStart(const ChooserQuestions &questions);
     void askForPlaces(const ChooserQuestions &questions);
     void askWhichAreThere(const QList<QUrl> &places, const ChooserQuestions &questions);
@@ -57,5 +56,6 @@ private:
     FileChooser *m_chooser = nullptr; ///< once it is known where to start
     QLabel *m_message = nullptr;
     PanelButton *m_openButton = nullptr;
-    ReplyChannel m_answers;
+    /// A disk that does not answer must hold up neither the panel, nor its end, nor another disk.
+    BackgroundQueue<OwnersEnd::Abandon, Queueing::All> m_questions{kThreadForEachTask};
 };
