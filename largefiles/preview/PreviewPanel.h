@@ -3,7 +3,7 @@
 #include "largefiles/preview/PreviewContent.h"
 #include "largefiles/preview/PreviewPanelProtocols.h"
 #include "platform/base/WeakDelegate.h"
-#include "platform/threads/LatestJob.h"
+#include "platform/threads/BackgroundQueue.h"
 
 #include <QPointer>
 #include <QWidget>
@@ -83,5 +83,5 @@ private:
     std::optional<PreviewContent> m_content;
     std::optional<Kind> m_kind;
     bool m_isReading = false;
-    LatestJob m_job;
+    BackgroundQueue<OwnersEnd::Abandon, Queueing::LatestOnly> m_job;
 };

@@ -3,7 +3,7 @@
 #include "platform/files/FileAccess.h"
 #include "platform/files/FileUrl.h"
 #include "platform/system/SystemCalls.h"
-#include "platform/threads/LatestJob.h"
+#include "platform/threads/BackgroundQueue.h"
 
 /// Reads the present sizes of listed files on one thread of its own, however many questions there
 /// are: a disk that hangs holds up no more than that. Main thread only.
@@ -25,5 +25,5 @@ public:
 private:
     const SystemCalls &m_calls;
     FileAccess &m_access;
-    LatestJob m_job;
+    BackgroundQueue<OwnersEnd::Abandon, Queueing::LatestOnly> m_job;
 };

@@ -23,7 +23,7 @@ struct SearchEnd
     FileUrls vanished;
 };
 
-/// One search: does the file work on the task's thread and keeps what it has to say, in order,
+/// One search: does the file work on a background thread and keeps what it has to say, in order,
 /// until the main thread takes it. Shared by both.
 class SearchJob::Run final : public LargeFileListener, public std::enable_shared_from_this<Run>
 {
@@ -95,7 +95,7 @@ void SearchJob::start(const FileUrls &folders, const QStringList &excludedPaths)
 {
     m_unreadable.clear();
     m_run = std::make_shared<Run>(*this, m_list.fileURLs());
-    m_task.start([run = m_run, folders, excludedPaths](const std::stop_token &stop) {
+    m_searches.run([run = m_run, folders, excludedPaths](const std::stop_token &stop) {
         run->search({folders, excludedPaths, {}}, stop);
     });
 }
@@ -105,7 +105,7 @@ void SearchJob::stop()
     if (!m_run)
         return;
     m_run.reset();
-    m_task.stop();
+    m_searches.stop();
     Q_EMIT stopped();
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "largefiles/search/LargeFileSearch.h"
-#include "platform/threads/LatestTask.h"
+#include "platform/threads/BackgroundQueue.h"
 
 #include <QList>
 #include <QObject>
@@ -45,7 +45,7 @@ public:
 
     bool isRunning() const { return m_run != nullptr; }
     /// Whether any file work is still under way, that of stopped searches included.
-    bool isAtWork() const { return m_task.threadCount() > 0; }
+    bool isAtWork() const { return m_searches.isBusy(); }
 
 Q_SIGNALS:
     void searching(const FileUrl &folder);
@@ -70,5 +70,7 @@ private:
     LargeFileList &m_list;
     std::shared_ptr<Run> m_run; ///< the search that counts
     QList<UnreadablePlace> m_unreadable;
-    LatestTask m_task; ///< last: its threads end before what they use
+    /// A search that is slow to heed its stop holds up no newer one. Last: the searches end before
+    /// what they use.
+    BackgroundQueue<OwnersEnd::Wait, Queueing::LatestOnly> m_searches{kThreadForEachTask};
 };

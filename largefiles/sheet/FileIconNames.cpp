@@ -18,7 +18,7 @@ QString FileIconNames::imageName(const QByteArray &fileName)
 /// All that are wanted, since this takes the place of an earlier look-up.
 void FileIconNames::lookUp()
 {
-    m_job.run([this, wanted = m_wanted](const std::stop_token &stop) -> LatestJob::Answer {
+    m_job.run([this, wanted = m_wanted](const std::stop_token &stop) -> BackgroundReply {
         QHash<QByteArray, QString> names;
         for (const QByteArray &ending : wanted) {
             if (stop.stop_requested())

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/threads/LatestJob.h"
+#include "platform/threads/BackgroundQueue.h"
 
 #include <QHash>
 #include <QSet>
@@ -27,5 +27,5 @@ private:
 
     QHash<QByteArray, QString> m_names; ///< by ending
     QSet<QByteArray> m_wanted;
-    LatestJob m_job;
+    BackgroundQueue<OwnersEnd::Abandon, Queueing::LatestOnly> m_job;
 };

@@ -9,7 +9,7 @@
 #include "largefiles/sheet/FileIconNames.h"
 #include "largefiles/sheet/QuickLookTableView.h"
 #include "largefiles/sheet/SearchStatus.h"
-#include "platform/threads/LatestJob.h"
+#include "platform/threads/BackgroundQueue.h"
 
 class FileTableCellView;
 class QAbstractButton;
@@ -121,7 +121,7 @@ private:
     SearchJob m_search;
     SearchStatus m_status;
     FileIconNames m_icons;
-    LatestJob m_thumbnails;
+    BackgroundQueue<OwnersEnd::Abandon, Queueing::LatestOnly> m_thumbnails;
     QuickLookTableView *m_tableView = nullptr;
     FileTableCellView *m_cellView = nullptr;
     QLabel *m_imageView = nullptr;
