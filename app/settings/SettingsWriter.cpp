@@ -1,46 +1,55 @@
 #include "app/settings/SettingsWriter.h"
 
+#include <utility>
+
 SettingsWriter::SettingsWriter(SettingsFile file, Report report)
-    : m_file(std::move(file)),
-      m_report(std::move(report)),
-      m_thread([this](const std::stop_token &stop) { run(stop); })
+    : m_file(std::move(file)), m_report(std::move(report))
 {
+}
+
+/// The queue would forget what waits.
+SettingsWriter::~SettingsWriter()
+{
+    std::unique_lock lock(m_mutex);
+    m_becameIdle.wait(lock, [this] { return isIdle(); });
 }
 
 void SettingsWriter::post(const QByteArray &text, Replace replace)
 {
     {
-        const std::lock_guard lock(m_mutex);
+        const std::scoped_lock lock(m_mutex);
         m_text = text;
         if (replace == Replace::Anything)
             m_replace = replace;
         m_isWaiting = true;
     }
-    m_changed.notify_all();
+    startSave();
 }
 
 SaveOutcome SettingsWriter::flush()
 {
     std::unique_lock lock(m_mutex);
-    if (!m_isWaiting && !m_isSaving && !m_last.isWell()) {
+    if (isIdle() && !m_last.isWell()) {
         m_isWaiting = true;
-        m_changed.notify_all();
+        lock.unlock();
+        startSave();
+        lock.lock();
     }
-    m_changed.wait(lock, [this] { return !m_isWaiting && !m_isSaving; });
+    m_becameIdle.wait(lock, [this] { return isIdle(); });
     return m_last;
 }
 
-void SettingsWriter::run(const std::stop_token &stop)
+/// A save under way is not cut off: it heeds no stop.
+void SettingsWriter::startSave()
 {
-    std::unique_lock lock(m_mutex);
-    // What waits when the stop is asked for is still saved.
-    while (m_changed.wait(lock, stop, [this] { return m_isWaiting; }))
-        save(lock);
+    m_saves.run([this](const std::stop_token &) { save(); });
 }
 
-void SettingsWriter::save(std::unique_lock<std::mutex> &lock)
+void SettingsWriter::save()
 {
-    m_isWaiting = false;
+    std::unique_lock lock(m_mutex);
+    if (!std::exchange(m_isWaiting, false))
+        return; // the save before took it up
     m_isSaving = true;
     const QByteArray text = m_text;
     const Replace replace = std::exchange(m_replace, Replace::OnlyWhatIsKnown);
@@ -54,5 +63,5 @@ void SettingsWriter::save(std::unique_lock<std::mutex> &lock)
         m_replace = replace;
     m_last = outcome;
     m_isSaving = false;
-    m_changed.notify_all();
+    m_becameIdle.notify_all();
 }

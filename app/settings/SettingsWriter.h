@@ -1,22 +1,22 @@
 #pragma once
 
 #include "app/settings/SettingsFile.h"
+#include "platform/threads/BackgroundQueue.h"
 
 #include <condition_variable>
 #include <functional>
 #include <mutex>
-#include <optional>
-#include <thread>
 
-/// Saves contents in a thread of its own, one after the other; of contents that wait, only the
-/// newest is saved. Destroying it saves what waits.
+/// Saves contents in the background, one after the other; of contents that wait, only the newest is
+/// saved. Destroying it saves what waits. Used on its owner's thread.
 class SettingsWriter final
 {
 public:
     using Report = std::function<void(const SaveOutcome &)>;
 
-    /// `report` is called in the writer's thread after every save.
+    /// `report` is called in the background after every save.
     SettingsWriter(SettingsFile file, Report report);
+    ~SettingsWriter();
     SettingsWriter(const SettingsWriter &) = delete;
     SettingsWriter &operator=(const SettingsWriter &) = delete;
 
@@ -29,19 +29,22 @@ public:
     SaveOutcome flush();
 
 private:
-    void run(const std::stop_token &stop);
-    void save(std::unique_lock<std::mutex> &lock);
+    void startSave();
+    void save();
+    bool isIdle() const { return !m_isWaiting && !m_isSaving; }
 
-    SettingsFile m_file; ///< the thread's own
+    SettingsFile m_file; ///< of the save under way
     const Report m_report;
 
     std::mutex m_mutex; ///< guards what follows
-    std::condition_variable_any m_changed;
+    std::condition_variable m_becameIdle;
     QByteArray m_text;
     Replace m_replace = Replace::OnlyWhatIsKnown;
     bool m_isWaiting = false;
     bool m_isSaving = false;
     SaveOutcome m_last;
 
-    std::jthread m_thread; ///< last, so that it is joined first
+    /// A newer save that waits takes up the newest content, so that none needs to come after it.
+    /// Last, so that it ends before what it uses.
+    BackgroundQueue<OwnersEnd::Wait, Queueing::LatestOnly> m_saves;
 };
