@@ -78,10 +78,11 @@ void CleaningJob::start(Records chosen, Exclusions exclusions, HomeLayout layout
         m_confirmed.emplace_back(record->fileURLs().value_or(FileUrls()), record->kept());
     m_exclusions = std::move(exclusions);
     m_layout = std::move(layout);
-    runInBackground([this, records = m_chosen](const std::stop_token &) {
+    m_measures.run([this, records = m_chosen](const std::stop_token &) mutable {
         for (const auto &record : records)
             record->fileSizeString();
-        return [this] { remove(); };
+        // With the records: the last reference to one must not end on this thread.
+        return [this, records = std::move(records)] { remove(); };
     });
 }
 
@@ -94,8 +95,8 @@ void CleaningJob::remove()
         finish(refusedReport());
         return;
     }
-    runInBackground([this, records = m_chosen, confirmed = m_confirmed, layout = m_layout,
-                     excluded = *excluded](const std::stop_token &stop) {
+    m_removals.run([this, records = m_chosen, confirmed = m_confirmed, layout = m_layout,
+                    excluded = *excluded, stop = m_stop.get_token()](const std::stop_token &) {
         restore(records, confirmed);
         CleaningReport report;
         report.wasStopped = true;
@@ -121,13 +122,4 @@ void CleaningJob::finish(const CleaningReport &report)
 {
     m_isRunning = false;
     Q_EMIT finished(report);
-}
-
-/// Does the work on a thread, and what it answers on the main thread.
-void CleaningJob::runInBackground(
-    std::function<std::function<void()>(const std::stop_token &)> work)
-{
-    m_thread = std::jthread([this, work = std::move(work), stop = m_stop.get_token()] {
-        QMetaObject::invokeMethod(this, work(stop), Qt::QueuedConnection);
-    });
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/threads/BackgroundQueue.h"
 #include "slices/cleaning/Cleaning.h"
 #include "slices/home/HomeLayout.h"
 
@@ -7,14 +8,13 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <thread>
 #include <vector>
 
 class Info;
 
-/// Cleans the chosen slices on a thread of its own and tells when it is done. One cleaning at a
-/// time. Owned by the page, used on the main thread. When it is destroyed, a running cleaning stops
-/// before its next item.
+/// Cleans the chosen slices in the background and tells when it is done. One cleaning at a time.
+/// Owned by the page, used on the main thread. When it is destroyed, a running cleaning stops
+/// before its next item, and is waited for. Measures are not: they change nothing.
 class CleaningJob final : public QObject
 {
     Q_OBJECT
@@ -25,7 +25,7 @@ public:
     /// before the first removal is planned.
     using Exclusions = std::function<std::optional<ExcludedPaths>()>;
 
-    /// Both must outlive it.
+    /// Both live as long as the program.
     CleaningJob(const SystemCalls &calls, FileAccess &access, QObject *parent = nullptr);
     ~CleaningJob() override;
 
@@ -53,7 +53,6 @@ private:
     static void restore(const Records &chosen, const Confirmed &confirmed);
     void remove();
     void finish(const CleaningReport &report);
-    void runInBackground(std::function<std::function<void()>(const std::stop_token &)> work);
 
     const SystemCalls &m_calls;
     FileAccess &m_access;
@@ -63,5 +62,6 @@ private:
     Exclusions m_exclusions;
     HomeLayout m_layout;
     std::stop_source m_stop;
-    std::jthread m_thread;
+    BackgroundQueue<OwnersEnd::Abandon, Queueing::All> m_measures;
+    BackgroundQueue<OwnersEnd::Wait, Queueing::All> m_removals; ///< last: it uses the rest
 };

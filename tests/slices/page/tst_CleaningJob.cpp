@@ -15,6 +15,7 @@
 #include <QThread>
 #include <atomic>
 #include <cerrno>
+#include <semaphore>
 
 namespace {
 
@@ -64,6 +65,7 @@ private Q_SLOTS:
     void logsAndLeavesWhatIsLocked();
     void stopsBeforeTheNextItem();
     void isOverOnceItIsDestroyed();
+    void waitsForNoMeasureAtItsEnd();
     void asksForTheExclusionsAfterMeasuring();
     void cleansWhatItWasStartedWith();
     void removesNothingWhileTheExclusionsAreUnknown();
@@ -211,6 +213,31 @@ void TestCleaningJob::isOverOnceItIsDestroyed()
     }
     // Whoever removes holds the access.
     QCOMPARE(ResourceManager::accessCount(), 0);
+}
+
+/// Nor removes anything when the disk answers after all.
+void TestCleaningJob::waitsForNoMeasureAtItsEnd()
+{
+    m_fixture->makeFile(".Trash/a", 5);
+    std::binary_semaphore isMeasuring(0), mayEnd(0);
+    const auto trash = Info::infoWithName(
+        QStringLiteral("Trash"), sliceLocations(SliceKind::Trash, m_fixture->homeUrl()),
+        {[&](const FileUrl &, const FileUrls &) {
+             isMeasuring.release();
+             mayEnd.acquire(); // as a call waits for a disk that is dead
+             return 5;
+         },
+         nullptr});
+    {
+        CleaningJob job(m_calls, ResourceManager::access());
+        job.start({trash}, kNothingExcluded);
+        isMeasuring.acquire();
+    } // else this would never be left
+    mayEnd.release();
+    awaitBackgroundThreads();
+    QCoreApplication::processEvents();
+    QVERIFY(trash->isMeasured());
+    QVERIFY(m_fixture->exists(".Trash/a"));
 }
 
 void TestCleaningJob::asksForTheExclusionsAfterMeasuring()
