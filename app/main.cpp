@@ -5,7 +5,6 @@
 #include "prefs/tutorial/WebTutorial.h"
 
 #include <QApplication>
-#include <QThreadPool>
 #include <QTimer>
 #include <chrono>
 #include <cstdlib>
@@ -44,9 +43,7 @@ int run(QApplication &application, bool mayShowTutorial)
 /// Whether nothing asks the disk any more. What changes files has ended before.
 bool diskIsLeft()
 {
-    return waitForBackgroundThreads(kPatienceAtTheEnd) &&
-           QThreadPool::globalInstance()->waitForDone(
-               std::chrono::milliseconds(kPatienceAtTheEnd).count());
+    return waitForBackgroundThreads(kPatienceAtTheEnd);
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 
 #include "chart/PieChart.h"
 #include "platform/look/Images.h"
+#include "platform/threads/BackgroundThreads.h"
 #include "slices/record/Info.h"
 
 #include <QApplication>
@@ -15,9 +16,9 @@
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QPalette>
-#include <QThreadPool>
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cstdio>
 #include <ctime>
 
@@ -49,6 +50,7 @@ constexpr double kAmidst = 0.2;
 constexpr double kFrameStep = 0.001;
 constexpr double kMillisecond = 1e-3;
 constexpr double kNanosecond = 1e-9;
+constexpr std::chrono::minutes kPatience(1); // for sizes that are texts
 constexpr QColor kOffPrimary(134, 134, 134);
 constexpr QColor kOffSecondary(110, 110, 110);
 
@@ -144,7 +146,8 @@ public:
 private:
     static void letSizesArrive()
     {
-        QThreadPool::globalInstance()->waitForDone();
+        if (!waitForBackgroundThreads(kPatience))
+            qFatal("the sizes do not arrive");
         QCoreApplication::sendPostedEvents();
     }
 

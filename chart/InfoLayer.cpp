@@ -3,10 +3,9 @@
 #include "platform/look/Images.h"
 #include "slices/record/Info.h"
 
-#include <QCoreApplication>
 #include <QFontMetricsF>
 #include <QPainter>
-#include <QThreadPool>
+#include <QThread>
 #include <array>
 #include <cmath>
 
@@ -97,7 +96,13 @@ void drawIcon(QPainter &painter, QPointF corner, const QPixmap &icon)
 
 } // namespace
 
-InfoLayer::InfoLayer(std::function<void()> changed) : m_changed(std::move(changed))
+std::shared_ptr<SizeQueue> makeSizeQueue()
+{
+    return std::make_shared<SizeQueue>(static_cast<unsigned>(QThread::idealThreadCount()));
+}
+
+InfoLayer::InfoLayer(std::function<void()> changed, std::shared_ptr<SizeQueue> queue)
+    : m_changed(std::move(changed)), m_queue(std::move(queue))
 {
     m_content.image = QLatin1String(kPlaceholderImage);
     m_bounds = neededBounds();
@@ -128,16 +133,13 @@ void InfoLayer::askForSize()
     if (m_askAgain)
         return;
     m_asked = m_info.get();
-    QThreadPool::globalInstance()->start([this, life = lifetime(), info = m_info]() mutable {
+    m_queue->run([this, life = lifetime(), info = m_info](const std::stop_token &) mutable {
         const std::optional<QString> text = info->fileSizeString();
-        // The record goes back with the answer: the last reference must not end on this thread.
-        QMetaObject::invokeMethod(
-            QCoreApplication::instance(),
-            [this, life, info = std::move(info), text] {
-                if (!life.expired())
-                    sizeArrived(info.get(), text);
-            },
-            Qt::QueuedConnection);
+        // The record goes back with the reply: the last reference must not end on this thread.
+        return [this, life, info = std::move(info), text] {
+            if (!life.expired())
+                sizeArrived(info.get(), text);
+        };
     });
 }
 

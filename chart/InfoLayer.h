@@ -2,6 +2,7 @@
 
 #include "chart/WeakReference.h"
 #include "platform/look/Fonts.h"
+#include "platform/threads/BackgroundQueue.h"
 
 #include <QPixmap>
 #include <QPoint>
@@ -25,14 +26,22 @@ struct WeightedRun
 };
 using WeightedText = std::vector<WeightedRun>;
 
+/// Measures the sizes that the labels of one pie ask for, no more at a time than there are
+/// processors: each walk takes several threads by itself. A disk that does not answer holds up no
+/// end of the program; who owns the records tells the measures of it to stop.
+using SizeQueue = BackgroundQueue<OwnersEnd::Abandon, Queueing::All>;
+std::shared_ptr<SizeQueue> makeSizeQueue();
+
 /// The label that rides on a slice: icon, name and size, one below the other around a middle point.
-/// The size text is asked for on a background thread, because finding it may mean to measure
-/// folders; it is shown when it arrives. Main thread only.
+/// The size text is asked for in the background, because finding it may mean to measure folders; it
+/// is shown when it arrives. Main thread only.
 class InfoLayer final : public WeaklyReferable
 {
 public:
-    /// `changed` is called on the main thread when the label looks different by itself.
-    explicit InfoLayer(std::function<void()> changed = {});
+    /// `changed` is called on the main thread when the label looks different by itself. Labels of
+    /// one pie share their queue.
+    explicit InfoLayer(std::function<void()> changed = {},
+                       std::shared_ptr<SizeQueue> queue = makeSizeQueue());
     InfoLayer(const InfoLayer &) = delete;
     InfoLayer &operator=(const InfoLayer &) = delete;
 
@@ -87,6 +96,7 @@ private:
     QPixmap drawn(double scale) const;
 
     std::function<void()> m_changed;
+    std::shared_ptr<SizeQueue> m_queue;
     std::shared_ptr<Info> m_info;
     QPoint m_position;
     bool m_isHidden = false;

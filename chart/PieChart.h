@@ -192,6 +192,7 @@ private:
     std::optional<double> m_pieRadius;
     std::optional<double> m_infoRadius;
 
+    std::shared_ptr<SizeQueue> m_sizeQueue = makeSizeQueue(); ///< of all labels
     SliceLayers m_sliceLayers;
     QTimer m_updateTimer{this};
     std::vector<const ArcAnimation *> m_runningAnimations;

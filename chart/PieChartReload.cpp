@@ -113,7 +113,8 @@ std::shared_ptr<SliceLayer> PieChart::createSliceLayer()
         [chart = QPointer<PieChart>(this), weakSlice = std::weak_ptr<SliceLayer>(slice)] {
             if (const auto changed = weakSlice.lock(); chart && changed)
                 chart->labelChanged(*changed);
-        });
+        },
+        m_sizeQueue);
     const QPointF middle = plane().fromWidget(center());
     label->setPosition({static_cast<int>(middle.x() + infoRadius()), static_cast<int>(middle.y())});
     slice->setInfoLayer(std::move(label));

@@ -20,7 +20,6 @@
 #include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
-#include <QThreadPool>
 
 namespace {
 
@@ -106,7 +105,7 @@ void TestMainWindowController::cleanup()
 {
     m_disk.answer();
     m_controller.reset();
-    QVERIFY(QThreadPool::globalInstance()->waitForDone()); // its pages may still have measured
+    awaitBackgroundThreads(); // its pages may still have measured
     m_fixture.reset();
     m_disk.takeAskedHere();
 }

@@ -1,44 +1,14 @@
 #include "chart/InfoLayer.h"
 #include "slices/record/Info.h"
+#include "tests/chart/SlowFolder.h"
 #include "tests/support/run/GuiTestMain.h"
 
 #include <QImage>
 #include <QPainter>
-#include <QSemaphore>
-#include <QThreadPool>
-#include <atomic>
 
 namespace {
 
 const auto kPicture = QStringLiteral("shadow"); // any drawing of the resources
-
-/// A folder whose measuring takes until it is allowed to end.
-class SlowFolder final
-{
-public:
-    std::shared_ptr<Info> info(const QString &name)
-    {
-        Info::Services services;
-        services.measure = [this](const FileUrl &, const FileUrls &) {
-            ++measured;
-            m_started.release();
-            m_allowed.acquire();
-            return bytes.load();
-        };
-        return Info::infoWithName(name, FileUrls{FileUrl::fromPath("/slow", FileUrlKind::Folder)},
-                                  services);
-    }
-
-    void awaitStart() { QVERIFY(m_started.tryAcquire(1, 5000)); }
-    void allow() { m_allowed.release(100); }
-
-    std::atomic<qint64> bytes = 1240000000;
-    std::atomic<int> measured = 0;
-
-private:
-    QSemaphore m_started;
-    QSemaphore m_allowed;
-};
 
 std::shared_ptr<Info> infoWithText(const QString &name, const QString &text)
 {
@@ -47,7 +17,7 @@ std::shared_ptr<Info> infoWithText(const QString &name, const QString &text)
 
 void letSizesArrive()
 {
-    QThreadPool::globalInstance()->waitForDone();
+    awaitBackgroundThreads();
     QCoreApplication::sendPostedEvents();
 }
 
@@ -281,7 +251,7 @@ void TestInfoLayer::showsTheTextThatWasSetWhileItWasMeasured()
     layer.setInfo(info);
     folder.awaitStart();
     folder.allow();
-    QThreadPool::globalInstance()->waitForDone(); // the answer is on its way
+    awaitBackgroundThreads(); // the answer is on its way
     info->setFileSizeString(QStringLiteral("9 GB"));
     layer.setInfo(info);
     QTRY_COMPARE(layer.sizeString(), QStringLiteral("9 GB"));

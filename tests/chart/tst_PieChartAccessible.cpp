@@ -3,7 +3,6 @@
 
 #include <QAccessible>
 #include <QPushButton>
-#include <QThreadPool>
 
 namespace {
 
@@ -63,7 +62,7 @@ void TestPieChartAccessible::init()
     page.selectable = {0, 2};
     m_held->chart.setAnimationSpeed(0);
     m_held->chart.reloadData();
-    QThreadPool::globalInstance()->waitForDone();
+    awaitBackgroundThreads();
     QCoreApplication::sendPostedEvents();
     m_held->window.show();
     m_held->window.activateWindow();

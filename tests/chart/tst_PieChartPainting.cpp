@@ -2,7 +2,6 @@
 #include "tests/support/run/GuiTestMain.h"
 
 #include <QPaintEvent>
-#include <QThreadPool>
 #include <cmath>
 
 using std::numbers::pi;
@@ -253,7 +252,7 @@ void TestPieChartPainting::paintsLabelsAboveAllSlices()
     held.page.slices[0].info = labelled(QStringLiteral("HHHHHHHHHHHHHHHHHHHHHHHHH"));
     held.chart.reloadData();
     held.settle();
-    QThreadPool::globalInstance()->waitForDone();
+    awaitBackgroundThreads();
     const QImage image = held.picture();
     // The name of the left slice reaches into the right one.
     QVERIFY(held.layer(0).infoLayer()->nameFrame().right() + 125 > 215);

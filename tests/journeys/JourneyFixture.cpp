@@ -4,10 +4,10 @@
 #include "app/pages/DiskInfoViewController.h"
 #include "app/settings/SettingsKeys.h"
 #include "tests/support/page/ResourceManagerReset.h"
+#include "tests/support/run/BackgroundThreadsAwaited.h"
 
 #include <QFile>
 #include <QTest>
-#include <QThreadPool>
 #include <algorithm>
 
 void addKindsOfHomes()
@@ -43,7 +43,7 @@ void JourneyFixture::quit()
     if (m_application)
         m_application->applicationWillTerminate();
     m_application.reset();
-    QThreadPool::globalInstance()->waitForDone();
+    awaitBackgroundThreads();
 }
 
 bool JourneyFixture::reachSlices()

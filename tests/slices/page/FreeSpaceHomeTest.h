@@ -22,7 +22,6 @@
 #include <QDir>
 #include <QFile>
 #include <QLabel>
-#include <QThreadPool>
 #include <atomic>
 #include <cerrno>
 #include <condition_variable>
@@ -130,7 +129,7 @@ inline void FreeSpaceHomeTest::end()
     m_folders.open();
     m_listings.open();
     m_page.reset();
-    QVERIFY(QThreadPool::globalInstance()->waitForDone());
+    awaitBackgroundThreads();
     QCOMPARE(ResourceManager::accessCount(), 0);
     m_fixture.reset();
 }

@@ -11,7 +11,6 @@
 #include "widgets/TextField.h"
 
 #include <QSemaphore>
-#include <QThreadPool>
 
 /// What may happen between the user's consent and the first removal: the slices are still being
 /// measured meanwhile, here for as long as the test wants.
@@ -83,7 +82,7 @@ void TestFreeSpaceCleaning::cleanup()
 {
     letMeasuresEnd();
     m_page.reset();
-    QVERIFY(QThreadPool::globalInstance()->waitForDone());
+    awaitBackgroundThreads();
     QCOMPARE(ResourceManager::accessCount(), 0);
     m_fixture.reset();
 }
@@ -158,7 +157,7 @@ void TestFreeSpaceCleaning::removesNothingOnceThePageIsLeft()
         QVERIFY(pressSheetButton(*m_page->view(), QStringLiteral("Delete Files")));
     QVERIFY(!m_page->isCleaning());
     letMeasuresEnd();
-    QVERIFY(QThreadPool::globalInstance()->waitForDone());
+    awaitBackgroundThreads();
     QVERIFY(m_fixture->exists(".Trash/keep") && m_fixture->exists(".Trash/other"));
 }
 

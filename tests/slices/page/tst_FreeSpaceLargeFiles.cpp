@@ -10,8 +10,6 @@
 #include "tests/support/page/SheetDriver.h"
 #include "tests/support/run/GuiTestMain.h"
 
-#include <QThreadPool>
-
 namespace {
 
 constexpr qint64 kFilm = 300'000'000;
@@ -90,7 +88,7 @@ void TestFreeSpaceLargeFiles::init()
 void TestFreeSpaceLargeFiles::cleanup()
 {
     m_page.reset();
-    QVERIFY(QThreadPool::globalInstance()->waitForDone());
+    awaitBackgroundThreads();
     QCOMPARE(ResourceManager::accessCount(), 0);
     m_fixture.reset();
 }

@@ -22,7 +22,6 @@
 
 #include <QElapsedTimer>
 #include <QSignalSpy>
-#include <QThreadPool>
 #include <QTimer>
 
 class TestFreeSpaceViewController final : public QObject
@@ -86,7 +85,7 @@ void TestFreeSpaceViewController::cleanup()
 {
     m_disk.answer();
     m_page.reset(); // stops what it measures
-    QVERIFY(QThreadPool::globalInstance()->waitForDone());
+    awaitBackgroundThreads();
     QCOMPARE(ResourceManager::accessCount(), 0);
     m_fixture.reset();
 }

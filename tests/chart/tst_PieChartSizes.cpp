@@ -1,0 +1,90 @@
+#include "tests/chart/FakeSlices.h"
+#include "tests/chart/SlowFolder.h"
+#include "tests/support/run/GuiTestMain.h"
+
+#include <QThread>
+#include <QThreadPool>
+
+namespace {
+
+constexpr int kWhileNoOtherStarts = 100; ///< milliseconds
+const int kProcessors = QThread::idealThreadCount();
+
+} // namespace
+
+/// How a pie has the sizes of its slices measured.
+class TestPieChartSizes final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void measuresNoMoreSlicesAtATimeThanThereAreProcessors();
+    void leavesTheToolkitsThreadsToThePainting();
+    void waitsForNoMeasureAtItsEnd();
+    void measuresNoMoreAfterItsEnd();
+
+private:
+    static std::unique_ptr<HeldChart> chartOf(SlowFolder &folder, int slices);
+    static void awaitAllProcessors(SlowFolder &folder);
+};
+
+/// A pie that has asked for all its sizes.
+std::unique_ptr<HeldChart> TestPieChartSizes::chartOf(SlowFolder &folder, int slices)
+{
+    auto held = std::make_unique<HeldChart>();
+    held->page.setValues(std::vector<double>(static_cast<std::size_t>(slices), 1));
+    for (FakeSlice &slice : held->page.slices)
+        slice.info = folder.info(QStringLiteral("Cache"));
+    held->chart.reloadData();
+    return held;
+}
+
+void TestPieChartSizes::awaitAllProcessors(SlowFolder &folder)
+{
+    for (int i = 0; i < kProcessors; ++i)
+        folder.awaitStart();
+}
+
+void TestPieChartSizes::measuresNoMoreSlicesAtATimeThanThereAreProcessors()
+{
+    SlowFolder folder;
+    const auto held = chartOf(folder, kProcessors + 2);
+    awaitAllProcessors(folder);
+    QVERIFY(!folder.startsWithin(kWhileNoOtherStarts));
+    folder.allow();
+    for (const auto &layer : held->chart.sliceLayers())
+        QTRY_COMPARE(layer->infoLayer()->sizeString(), QStringLiteral("1.24 GB"));
+    QCOMPARE(folder.measured.load(), kProcessors + 2);
+}
+
+/// Painting hands spans to the toolkit's own pool and waits for them.
+void TestPieChartSizes::leavesTheToolkitsThreadsToThePainting()
+{
+    SlowFolder folder;
+    const auto held = chartOf(folder, kProcessors);
+    awaitAllProcessors(folder);
+    QCOMPARE(QThreadPool::globalInstance()->activeThreadCount(), 0);
+}
+
+void TestPieChartSizes::waitsForNoMeasureAtItsEnd()
+{
+    SlowFolder folder;
+    auto held = chartOf(folder, kProcessors);
+    awaitAllProcessors(folder);
+    held.reset(); // else this would never return
+    QCOMPARE(folder.measured.load(), kProcessors);
+}
+
+void TestPieChartSizes::measuresNoMoreAfterItsEnd()
+{
+    SlowFolder folder;
+    auto held = chartOf(folder, kProcessors + 2);
+    awaitAllProcessors(folder);
+    held.reset();
+    folder.allow();
+    awaitBackgroundThreads();
+    QCOMPARE(folder.measured.load(), kProcessors);
+}
+
+VANTOR_GUI_TEST_MAIN(TestPieChartSizes)
+#include "tst_PieChartSizes.moc"
