@@ -104,6 +104,19 @@ bool mayRemove(const SourceText &source)
     return places.contains(source.path);
 }
 
+bool mayStartThreads(const SourceText &source)
+{
+    static const QStringList places{
+        QStringLiteral("platform/threads/BackgroundThreads.cpp"), // all background work
+        QStringLiteral("platform/walk/WalkPool.h"),               // a walk that forks and joins
+        QStringLiteral("slices/cleaning/ParallelRemover.cpp"),    // a removal that forks and joins
+    };
+    return places.contains(source.path);
+}
+
+constexpr auto kThreadOfItsOwn = R"(\bQThreadPool\b|\bQtConcurrent\b|\bQThread::create\b|)"
+                                 R"(\bstd::(jthread|async)\b|\bstd::thread\b(?!::))";
+
 constexpr auto kSystemConditional =
     R"(^\s*#\s*(if|ifdef|ifndef|elif)\b.*\b(__linux__|__linux|__unix__|__APPLE__|__MACH__|)"
     R"(__FreeBSD__|_WIN32|_WIN64|TARGET_OS_\w+|Q_OS_\w+))";
@@ -158,6 +171,13 @@ QList<SourceRule> sourceRules(const House &house)
          isCpp, codeMatching(R"(^\s*#\s*include\s*<Qt\w+/)")},
         {"include beyond Qt Core", "the engines know no widget, no picture and no settings",
          isEngine, includesBeyondCore},
+        {"thread of its own",
+         "what it may use when its owner ends is told by a BackgroundQueue; the toolkit's own pool "
+         "paints, and waits for its spans",
+         [](const SourceText &source) {
+             return source.isCpp() && !source.isBelow("tests") && !mayStartThreads(source);
+         },
+         codeMatching(kThreadOfItsOwn)},
         {"removal", "only the plan's performance removes files, in one place",
          [](const SourceText &source) { return isProduct(source) && !mayRemove(source); },
          codeMatching(kRemoval)},
