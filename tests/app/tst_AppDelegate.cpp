@@ -16,6 +16,8 @@
 #include <QDir>
 #include <QTimer>
 #include <cerrno>
+#include <semaphore>
+#include <thread>
 
 /// The start of the program, with a server of the test's own in place of the maker's pages.
 class TestAppDelegate final : public QObject
@@ -35,6 +37,7 @@ private Q_SLOTS:
     void registersTheDefaults();
     void opensThePreferencesOnce();
     void opensThePreferencesWhileTheHomeDoesNotAnswer();
+    void endsWhileTheHomeDoesNotAnswerThePreferences();
     void quitsWhenTheWindowIsClosed();
     void keepsWhatWasSetWhenItTerminates();
     void tellsOfDamagedSettings();
@@ -200,6 +203,37 @@ void TestAppDelegate::opensThePreferencesWhileTheHomeDoesNotAnswer()
     m_disk.answer();
     QTRY_COMPARE(preferences.homeFolder().path(), m_folder->path("anna"));
     QCOMPARE(m_disk.takeAskedHere(), QStringList());
+}
+
+/// What the preferences ask of the disk outlives them; its answer must find all that it uses.
+void TestAppDelegate::endsWhileTheHomeDoesNotAnswerThePreferences()
+{
+    constexpr std::chrono::seconds kPatience(10);
+    grantHome();
+    {
+        UserDefaults defaults(QFile::decodeName(m_folder->path("settings")), hostSystemCalls());
+        const FileUrl excluded = FileUrl::fromPath(m_folder->path("anna/a"), FileUrlKind::File);
+        defaults.setStrings(VNTExcludedPathsString,
+                            {QString::fromLatin1(excluded.absoluteString())});
+        QVERIFY(defaults.synchronize());
+    }
+    m_isDiskSlow = true;
+    start();
+    m_disk.hang(QStringLiteral("identityOf"));
+    m_application->openPreferences();
+    QTRY_VERIFY(m_disk.waiting() >= 2); // the grant, and the entry of the table
+
+    std::binary_semaphore isGone(0);
+    bool wasInTime = false;
+    std::jthread disk([&] {
+        wasInTime = isGone.try_acquire_for(kPatience);
+        m_disk.answer(); // else a wait would last for ever
+    });
+    m_application.reset();
+    isGone.release();
+    disk.join();
+    awaitBackgroundThreads();
+    QVERIFY(wasInTime);
 }
 
 void TestAppDelegate::quitsWhenTheWindowIsClosed()
