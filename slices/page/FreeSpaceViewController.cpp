@@ -24,11 +24,6 @@ constexpr double kLabelRadius = 155.0;
 constexpr std::chrono::seconds kEntrance{1};
 constexpr std::chrono::seconds kPauseBeforeTutorial{1};
 
-QColor colorOf(const SliceColor &color)
-{
-    return {color[0], color[1], color[2]};
-}
-
 } // namespace
 
 FreeSpaceViewController::FreeSpaceViewController(const InterfaceLoader &loader, Services services,
@@ -37,6 +32,7 @@ FreeSpaceViewController::FreeSpaceViewController(const InterfaceLoader &loader, 
       m_services(std::move(services)),
       m_labelController(nullptr, m_services.readVolume),
       m_selection(m_services.defaults, m_services.access),
+      m_dataSource(m_selection),
       m_sizeChanged(std::make_shared<FileSizeChangedNotification>()),
       m_loader(loader),
       m_job(m_services.calls, m_services.access)
@@ -53,7 +49,7 @@ FreeSpaceViewController::~FreeSpaceViewController()
 void FreeSpaceViewController::viewDidLoad()
 {
     connectOutlets();
-    m_pieChart->setDataSource(this);
+    m_pieChart->setDataSource(&m_dataSource);
     m_pieChart->setDelegate(this);
     m_pieChart->setInfoRadius(kLabelRadius);
     setAlphaValue(*m_legendImageView, 0);
@@ -139,32 +135,4 @@ void FreeSpaceViewController::viewWillDisappear(bool)
     m_measuring.request_stop();
     m_selection.record(SliceKind::LargeFiles).setIsOn(false);
     m_selection.updateSelectedSlicesUserDefaults();
-}
-
-int FreeSpaceViewController::numberOfSlicesInPieChart(PieChart &)
-{
-    return static_cast<int>(m_selection.records().size());
-}
-
-double FreeSpaceViewController::valueForSliceAtIndex(PieChart &, int)
-{
-    return 1.0; // all slices are alike, their sizes show in the labels alone
-}
-
-std::shared_ptr<Info> FreeSpaceViewController::infoForSliceAtIndex(PieChart &, int index)
-{
-    return m_selection.records().at(index);
-}
-
-std::optional<QColor> FreeSpaceViewController::colorForSliceAtIndex(PieChart &, int index)
-{
-    const bool isOn = m_selection.records().at(index)->isOn();
-    return colorOf(isOn ? sliceCatalogue()[index % kSliceCount].color : kOffColor);
-}
-
-std::optional<QColor> FreeSpaceViewController::secondaryColorForSliceAtIndex(PieChart &, int index)
-{
-    const bool isOn = m_selection.records().at(index)->isOn();
-    return colorOf(isOn ? sliceCatalogue()[index % kSliceCount].secondaryColor
-                        : kOffSecondaryColor);
 }

@@ -1,13 +1,13 @@
 #pragma once
 
 #include "app/navigation/VNTViewController.h"
-#include "chart/PieChartDataSource.h"
 #include "chart/PieChartDelegate.h"
 #include "platform/threads/LatestJob.h"
 #include "platform/threads/LatestTask.h"
 #include "slices/home/HomeLayout.h"
 #include "slices/page/CleaningJob.h"
 #include "slices/page/SliceSelection.h"
+#include "slices/page/SlicesDataSource.h"
 #include "widgets/LabelController.h"
 
 #include <functional>
@@ -26,9 +26,7 @@ class Workspace;
 /// The page of the slices: shows the eight kinds of content on a pie, measures them in the
 /// background, lets the user switch them on and off, and cleans those that are on. Every visit
 /// measures afresh. Owned by the main window's controller; main thread only.
-class FreeSpaceViewController final : public VNTViewController,
-                                      public PieChartDataSource,
-                                      public PieChartDelegate
+class FreeSpaceViewController final : public VNTViewController, public PieChartDelegate
 {
     Q_OBJECT
 
@@ -71,12 +69,6 @@ public:
     void viewWillAppear(bool animated) override;
     void viewDidAppear(bool animated) override;
     void viewWillDisappear(bool animated) override;
-
-    int numberOfSlicesInPieChart(PieChart &chart) override;
-    double valueForSliceAtIndex(PieChart &chart, int index) override;
-    std::shared_ptr<Info> infoForSliceAtIndex(PieChart &chart, int index) override;
-    std::optional<QColor> colorForSliceAtIndex(PieChart &chart, int index) override;
-    std::optional<QColor> secondaryColorForSliceAtIndex(PieChart &chart, int index) override;
 
     void didSelectSliceAtIndex(PieChart &chart, int index) override;
     void didHoverOverSliceAtIndex(PieChart &chart, int index) override;
@@ -157,6 +149,7 @@ private:
     Services m_services;
     LabelController m_labelController;
     SliceSelection m_selection;
+    SlicesDataSource m_dataSource;
     std::shared_ptr<FileSizeChangedNotification> m_sizeChanged;
     std::stop_source m_measuring; ///< stops the measures of an earlier visit
     const InterfaceLoader &m_loader;

@@ -4,6 +4,7 @@
 #include "app/settings/ExcludedFilesChangedNotification.h"
 #include "app/settings/SettingsKeys.h"
 #include "chart/PieChart.h"
+#include "chart/PieChartDataSource.h"
 #include "largefiles/sheet/LargeFilesWindowController.h"
 #include "largefiles/sheet/TextButton.h"
 #include "platform/look/ViewAlpha.h"
@@ -104,20 +105,21 @@ void TestFreeSpaceViewController::hover(SliceKind kind)
 void TestFreeSpaceViewController::drawsAllSlicesAlike()
 {
     appear();
-    QCOMPARE(m_page->numberOfSlicesInPieChart(*m_page->pieChart()), 8);
+    PieChart &chart = *m_page->pieChart();
+    QCOMPARE(chart.dataSource()->numberOfSlicesInPieChart(chart), 8);
     for (int i = 0; i < 8; ++i)
-        QCOMPARE(m_page->valueForSliceAtIndex(*m_page->pieChart(), i), 1.0);
-    QCOMPARE(m_page->pieChart()->infoRadius(), 155.0);
+        QCOMPARE(chart.dataSource()->valueForSliceAtIndex(chart, i), 1.0);
+    QCOMPARE(chart.infoRadius(), 155.0);
 }
 
 void TestFreeSpaceViewController::drawsSlicesThatAreOffInGrey()
 {
     appear();
     PieChart &chart = *m_page->pieChart();
-    QCOMPARE(*m_page->colorForSliceAtIndex(chart, 0), QColor(93, 183, 26));
-    QCOMPARE(*m_page->secondaryColorForSliceAtIndex(chart, 0), QColor(103, 166, 56));
-    QCOMPARE(*m_page->colorForSliceAtIndex(chart, 7), QColor(134, 134, 134));
-    QCOMPARE(*m_page->secondaryColorForSliceAtIndex(chart, 7), QColor(110, 110, 110));
+    QCOMPARE(*chart.dataSource()->colorForSliceAtIndex(chart, 0), QColor(93, 183, 26));
+    QCOMPARE(*chart.dataSource()->secondaryColorForSliceAtIndex(chart, 0), QColor(103, 166, 56));
+    QCOMPARE(*chart.dataSource()->colorForSliceAtIndex(chart, 7), QColor(134, 134, 134));
+    QCOMPARE(*chart.dataSource()->secondaryColorForSliceAtIndex(chart, 7), QColor(110, 110, 110));
 }
 
 void TestFreeSpaceViewController::measuresEverySliceAndAddsUpOnTheButton()
