@@ -87,7 +87,7 @@ void FreeSpaceViewController::updateButtonText()
 bool FreeSpaceViewController::isReadyToClean() const
 {
     return m_selection.somethingIsSelected() && !m_isCleaning && isShown() &&
-           !isPickingLargeFiles() && m_home.layout.kind() != HomeKind::Unknown;
+           !isPickingLargeFiles() && m_home.isKnown();
 }
 
 void FreeSpaceViewController::next()
@@ -141,14 +141,14 @@ bool FreeSpaceViewController::exclusionsAllowCleaning()
 
 void FreeSpaceViewController::askForConfirmation()
 {
-    const Alert alert{.style = AlertStyle::Critical,
-                      .messageText = tr("Deleting Files"),
-                      .informativeText =
-                          confirmationText(m_selection.records(),
-                                           {[this](SliceKind kind) { return programsInUse(kind); },
-                                            m_home.layout.nameOfDownloads()}),
-                      .buttons = {{tr("Cancel"), AlertButtonRole::Cancel},
-                                  {tr("Delete Files"), AlertButtonRole::Destructive}}};
+    const Alert alert{
+        .style = AlertStyle::Critical,
+        .messageText = tr("Deleting Files"),
+        .informativeText = confirmationText(
+            m_selection.records(), {[this](SliceKind kind) { return m_home.programsInUse(kind); },
+                                    m_home.layout().nameOfDownloads()}),
+        .buttons = {{tr("Cancel"), AlertButtonRole::Cancel},
+                    {tr("Delete Files"), AlertButtonRole::Destructive}}};
     m_startButton->detailText().setText(tr("Click to free"));
     presentAlert(*view(), alert, [this, confirmed = m_selection.choice()](int button) {
         if (button == 1)
@@ -180,7 +180,7 @@ void FreeSpaceViewController::clean()
     m_job.start(
         m_selection.chosen(),
         [this, confirmed = m_selection.excludedPaths()] { return exclusionsBeside(confirmed); },
-        m_home.layout);
+        m_home.layout());
 }
 
 /// What is excluded now, and what was when the user confirmed: an exclusion that is taken back

@@ -50,7 +50,7 @@ void FreeSpaceViewController::offerReveal(int index)
         offer();
         break;
     case SliceKind::OldIos:
-        if (m_home.layout.kind() == HomeKind::Library)
+        if (m_home.layout().kind() == HomeKind::Library)
             m_hoverLook.run(lookForPlaces(placesOf(index), [offer](const FileUrls &places) {
                 if (!places.isEmpty())
                     offer();
@@ -84,10 +84,10 @@ void FreeSpaceViewController::showInfo()
     const int index = m_hoverButtons->currentHoverIndex();
     if (index == SliceHoverButtons::kNoSlice)
         return;
-    if (m_home.layout.programs().empty())
+    if (m_home.layout().programs().empty())
         explain(index);
     else
-        m_describing.ask(lookForPrograms([this, index] {
+        m_describing.ask(m_home.programLook([this, index] {
             if (m_hoverButtons->currentHoverIndex() == index)
                 explain(index);
         }));
@@ -97,15 +97,15 @@ void FreeSpaceViewController::explain(int index)
 {
     const SliceKind kind = sliceCatalogue()[index].kind;
     ImageButton &button = *m_hoverButtons->infoButton();
-    MessagePopover::showRelativeToRect(button.rect(), button, Qt::BottomEdge,
-                                       m_home.layout.details(kind) + inUseText(programsInUse(kind)),
-                                       kPopoverWidth);
+    MessagePopover::showRelativeToRect(
+        button.rect(), button, Qt::BottomEdge,
+        m_home.layout().details(kind) + inUseText(m_home.programsInUse(kind)), kPopoverWidth);
 }
 
 void FreeSpaceViewController::showInFinder()
 {
     const int index = m_hoverButtons->currentHoverIndex();
-    if (index == SliceHoverButtons::kNoSlice || m_home.layout.kind() == HomeKind::Unknown)
+    if (index == SliceHoverButtons::kNoSlice || !m_home.isKnown())
         return;
     if (index == indexOf(SliceKind::Trash))
         showTrash();
@@ -119,8 +119,8 @@ void FreeSpaceViewController::showInFinder()
 /// is thrown away.
 void FreeSpaceViewController::showTrash()
 {
-    const FileUrl trash = m_home.layout.trashFolder();
-    if (m_home.layout.kind() == HomeKind::Library) {
+    const FileUrl trash = m_home.layout().trashFolder();
+    if (m_home.layout().kind() == HomeKind::Library) {
         m_services.workspace.openUrl(trash);
         return;
     }

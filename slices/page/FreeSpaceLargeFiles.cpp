@@ -11,7 +11,7 @@ LargeFilesWindowController &FreeSpaceViewController::largeFilesWindowController(
         m_largeFilesWindowController = std::make_unique<LargeFilesWindowController>(
             m_loader, LargeFilesWindowController::Services{m_services.defaults, m_services.calls,
                                                            m_services.access, m_services.workspace,
-                                                           m_home.layout});
+                                                           m_home.layout()});
         connect(&m_largeFilesWindowController->array(), &LargeFileList::sizeStringChanged, this,
                 &FreeSpaceViewController::followPickedSize);
     }
@@ -20,8 +20,7 @@ LargeFilesWindowController &FreeSpaceViewController::largeFilesWindowController(
 
 bool FreeSpaceViewController::mayPickLargeFiles() const
 {
-    return isShown() && !m_isAsking && !m_isCleaning && m_home.layout.kind() != HomeKind::Unknown &&
-           !isPickingLargeFiles();
+    return isShown() && !m_isAsking && !m_isCleaning && m_home.isKnown() && !isPickingLargeFiles();
 }
 
 void FreeSpaceViewController::pickLargeFiles()

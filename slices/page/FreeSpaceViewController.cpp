@@ -33,7 +33,9 @@ FreeSpaceViewController::FreeSpaceViewController(const InterfaceLoader &loader, 
       m_labelController(nullptr, m_services.readVolume),
       m_selection(m_services.defaults, m_services.access),
       m_dataSource(m_selection),
-      m_sizeChanged(std::make_shared<FileSizeChangedNotification>()),
+      m_home({m_services.calls, m_services.access, m_services.homeFolder,
+              [this] { return !m_isCleaning; }},
+             m_selection),
       m_loader(loader),
       m_job(m_services.calls, m_services.access)
 {
@@ -43,7 +45,7 @@ FreeSpaceViewController::FreeSpaceViewController(const InterfaceLoader &loader, 
 FreeSpaceViewController::~FreeSpaceViewController()
 {
     m_job.requestStop(); // first: a cleaning may be waiting for the measures
-    m_measuring.request_stop();
+    m_home.stopMeasuring();
 }
 
 void FreeSpaceViewController::viewDidLoad()
@@ -55,8 +57,9 @@ void FreeSpaceViewController::viewDidLoad()
     setAlphaValue(*m_legendImageView, 0);
     connect(m_startButton, &StartButton::triggered, this, &FreeSpaceViewController::next);
     makeHoverButtons();
-    connect(m_sizeChanged.get(), &FileSizeChangedNotification::posted, this,
-            &FreeSpaceViewController::updateButtonText);
+    connect(&m_home, &HomeWatch::found, this, &FreeSpaceViewController::homeWasFound);
+    connect(&m_home, &HomeWatch::programsChanged, this, &FreeSpaceViewController::showChoice);
+    connect(&m_home, &HomeWatch::sizeChanged, this, &FreeSpaceViewController::updateButtonText);
     connect(&m_services.excludedFilesChanged, &ExcludedFilesChangedNotification::posted, this,
             &FreeSpaceViewController::updateExcludedFiles);
 }
@@ -84,7 +87,7 @@ void FreeSpaceViewController::viewWillAppear(bool)
     m_owesTutorial = false;
     m_startButton->mainText().setText(tr("Clean"));
     m_startButton->detailText().setText(tr("Click to free"));
-    rebuildRecords();
+    m_home.look();
     m_startButton->setEnabled(false);
     for (QWidget *subview : directSubviews(*view()))
         setAlphaValue(*subview, 1);
@@ -129,10 +132,10 @@ void FreeSpaceViewController::viewWillDisappear(bool)
     forgetHover();
     m_reveal.stop();
     m_describing.stop();
-    m_looking.stop();
+    m_home.stop();
     endAsking();
     m_startButton->setEnabled(false);
-    m_measuring.request_stop();
+    m_home.stopMeasuring();
     m_selection.record(SliceKind::LargeFiles).setIsOn(false);
     m_selection.updateSelectedSlicesUserDefaults();
 }

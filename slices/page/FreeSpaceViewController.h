@@ -2,16 +2,13 @@
 
 #include "app/navigation/VNTViewController.h"
 #include "chart/PieChartDelegate.h"
-#include "platform/threads/LatestJob.h"
 #include "platform/threads/LatestTask.h"
-#include "slices/home/HomeLayout.h"
 #include "slices/page/CleaningJob.h"
-#include "slices/page/SliceSelection.h"
+#include "slices/page/HomeWatch.h"
 #include "slices/page/SlicesDataSource.h"
 #include "widgets/LabelController.h"
 
 #include <functional>
-#include <stop_token>
 
 class DemoWindowController;
 struct Alert;
@@ -63,7 +60,7 @@ public:
     LargeFilesWindowController &largeFilesWindowController();
     bool isCleaning() const { return m_isCleaning; }
     /// Where everything is in the home; unknown until it has been looked at.
-    const HomeLayout &homeLayout() const { return m_home.layout; }
+    const HomeLayout &homeLayout() const { return m_home.layout(); }
 
     void viewDidLoad() override;
     void viewWillAppear(bool animated) override;
@@ -98,28 +95,18 @@ private:
         Coming, ///< on its way in
         Shown,
     };
-    struct HomeFindings
-    {
-        HomeLayout layout;
-        ProgramsInUse inUse;
-    };
 
     void connectOutlets();
     bool isShown() const { return m_presence == Presence::Shown; }
     void showTutorialUnlessDeclined();
     void makeHoverButtons();
-    void rebuildRecords();
-    HomeKind kindOfHome(const FileUrl &home) const;
-    void place(const HomeFindings &findings);
-    void homeWasFound(const HomeFindings &findings);
+    void homeWasFound();
+    void showChoice();
     void enableStartButton();
-    LatestJob::Work lookForPrograms(std::function<void()> then);
-    void programsWereFound(const ProgramsInUse &inUse);
     void lookAgainAndConfirm();
     void measureAndConfirm();
     void beginAsking();
     void endAsking();
-    QStringList programsInUse(SliceKind kind) const;
     void offerReveal(int index);
     FileUrls placesOf(int index) const;
     LatestJob::Work lookForPlaces(const FileUrls &places,
@@ -150,11 +137,9 @@ private:
     LabelController m_labelController;
     SliceSelection m_selection;
     SlicesDataSource m_dataSource;
-    std::shared_ptr<FileSizeChangedNotification> m_sizeChanged;
-    std::stop_source m_measuring; ///< stops the measures of an earlier visit
+    HomeWatch m_home;
     const InterfaceLoader &m_loader;
     CleaningJob m_job;
-    HomeFindings m_home;
     std::unique_ptr<DemoWindowController> m_demoWindowController;
     std::unique_ptr<LargeFilesWindowController> m_largeFilesWindowController;
     std::optional<AccessScope> m_pickingAccess; ///< held while the sheet of large files is up
@@ -170,5 +155,4 @@ private:
     LatestJob m_hoverLook;   ///< looks for what the slice under the pointer may offer
     LatestTask m_reveal;     ///< looks for what is to be shown in the file manager
     LatestTask m_describing; ///< looks for the programs that a description names
-    LatestJob m_looking;     ///< looks at the home
 };

@@ -1,0 +1,117 @@
+#include "slices/page/HomeWatch.h"
+
+#include "slices/cleaning/RecordLocations.h"
+#include "slices/home/HomeSurvey.h"
+#include "slices/sizing/FolderSizing.h"
+
+HomeWatch::HomeWatch(Services services, SliceSelection &selection, QObject *parent)
+    : QObject(parent),
+      m_services(std::move(services)),
+      m_selection(selection),
+      m_sizeChanged(std::make_shared<FileSizeChangedNotification>())
+{
+    connect(m_sizeChanged.get(), &FileSizeChangedNotification::posted, this,
+            &HomeWatch::sizeChanged);
+}
+
+HomeWatch::~HomeWatch()
+{
+    stopMeasuring();
+}
+
+QStringList HomeWatch::programsInUse(SliceKind kind) const
+{
+    return m_findings.inUse.programs(layout().locations(kind).value_or(FileUrls()));
+}
+
+/// One status call tells a home with a Library. Any other is looked at beside the main thread, and
+/// until that is done the slices have no places. Nor have those of a home that does not answer,
+/// until the next look.
+void HomeWatch::look()
+{
+    const FileUrl home = m_services.homeFolder();
+    m_looking.stop();
+    const HomeKind kind = kindOfHome(home);
+    place(kind == HomeKind::Library ? Findings{HomeLayout::withLibrary(home), {}} : Findings{});
+    if (kind != HomeKind::Freedesktop)
+        return;
+    m_looking.run([this, &calls = m_services.calls, &access = m_services.access, home,
+                   environment = HomeEnvironment::ofThisProcess()](const std::stop_token &stop) {
+        const AccessScope scope(access);
+        const HomeLayout layout = surveyHome(calls, access, home, environment, stop);
+        const Findings findings{layout, ProgramsInUse::find(calls, access, layout)};
+        return [this, findings] { takeFindings(findings); };
+    });
+}
+
+HomeKind HomeWatch::kindOfHome(const FileUrl &home) const
+{
+    const AccessScope scope(m_services.access);
+    return homeKind(m_services.calls, m_services.access, home);
+}
+
+void HomeWatch::place(const Findings &findings)
+{
+    m_findings = findings;
+    stopMeasuring();
+    m_measuring = std::stop_source();
+    m_selection.rebuild(layout(), {measureFunction(), m_sizeChanged}, m_findings.inUse);
+}
+
+Info::Measure HomeWatch::measureFunction() const
+{
+    return [&calls = m_services.calls, &access = m_services.access, stop = m_measuring.get_token(),
+            layout = layout()](const FileUrl &url, const FileUrls &kept) {
+        const auto readOnlyFolders =
+            layout.isInTrash(url) ? ReadOnlyFolders::Emptied : ReadOnlyFolders::Stay;
+        const SizingRules rules{readOnlyFolders, pathsInside(url, kept)};
+        const qint64 bytes = sizeForFolderAtPath(calls, access, url, stop, rules);
+        return stop.stop_requested() ? std::nullopt : std::optional(bytes);
+    };
+}
+
+void HomeWatch::takeFindings(const Findings &findings)
+{
+    place(findings);
+    // What was excluded meanwhile was heard by slices without places.
+    m_selection.applyExclusions();
+    m_selection.updateSelectedSlicesUserDefaults();
+    Q_EMIT found();
+}
+
+void HomeWatch::lookForPrograms(std::function<void()> then)
+{
+    m_looking.run(programLook(std::move(then)));
+}
+
+/// Each time anew: programs come and go.
+LatestJob::Work HomeWatch::programLook(std::function<void()> then)
+{
+    return [this, &calls = m_services.calls, &access = m_services.access, layout = layout(),
+            then = std::move(then)](const std::stop_token &) {
+        const AccessScope scope(access);
+        const auto inUse = ProgramsInUse::find(calls, access, layout);
+        return [this, inUse, then] {
+            takePrograms(inUse);
+            then();
+        };
+    };
+}
+
+void HomeWatch::takePrograms(const ProgramsInUse &inUse)
+{
+    if (!m_services.mayChange() || inUse == m_findings.inUse)
+        return;
+    m_findings.inUse = inUse;
+    placeRecords(m_selection.records(), layout(), inUse);
+    Q_EMIT programsChanged();
+}
+
+void HomeWatch::measure(SliceSelection::Records records, std::function<void()> then)
+{
+    m_looking.run([records = std::move(records), then = std::move(then)](const std::stop_token &) {
+        for (const auto &record : records)
+            record->fileSizeString();
+        return then;
+    });
+}

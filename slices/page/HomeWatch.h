@@ -1,0 +1,83 @@
+#pragma once
+
+#include "platform/threads/LatestJob.h"
+#include "slices/page/SliceSelection.h"
+#include "slices/record/Info.h"
+
+#include <functional>
+#include <stop_token>
+
+/// Looks at the home folder, keeps what it found there (where everything is, and which programs
+/// run) and gives the records of the selection their places and the means to measure them.
+///
+/// Long looks are made beside the main thread. Their answers come from the event loop, and only
+/// until stop() or until something newer was asked for. When this is destroyed, all measures stop.
+/// Owned by the page; main thread only.
+class HomeWatch final : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// What it works with; all must outlive it.
+    struct Services
+    {
+        const SystemCalls &calls;
+        FileAccess &access;
+        std::function<FileUrl()> homeFolder;
+        /// Whether the records may change. What the user has confirmed stands while it is cleaned.
+        std::function<bool()> mayChange;
+    };
+
+    HomeWatch(Services services, SliceSelection &selection, QObject *parent = nullptr);
+    ~HomeWatch() override;
+
+    /// Where everything is; of an unknown kind until found() and where the home does not answer.
+    const HomeLayout &layout() const { return m_findings.layout; }
+    bool isKnown() const { return layout().kind() != HomeKind::Unknown; }
+    /// The programs that keep something of this slice because they are in use.
+    QStringList programsInUse(SliceKind kind) const;
+
+    /// Makes new records, nothing measured yet. They have their places at once in a home with a
+    /// Library, and once found() comes in any other.
+    void look();
+    /// Nothing that was asked for is answered any more. Measures go on.
+    void stop() { m_looking.stop(); }
+
+    /// Looks for the programs that run now, takes that over, and goes on.
+    void lookForPrograms(std::function<void()> then);
+    /// The same as work for a thread of the caller's.
+    LatestJob::Work programLook(std::function<void()> then);
+
+    /// Goes on when each of these records has a size.
+    void measure(SliceSelection::Records records, std::function<void()> then);
+    /// The records are measured no further. Only look() starts new measures.
+    void stopMeasuring() { m_measuring.request_stop(); }
+
+Q_SIGNALS:
+    /// A home without Library was looked at: the records are new ones, with places.
+    void found();
+    /// Programs were started or have ended: some records have other places.
+    void programsChanged();
+    /// A record was measured.
+    void sizeChanged();
+
+private:
+    struct Findings
+    {
+        HomeLayout layout;
+        ProgramsInUse inUse;
+    };
+
+    HomeKind kindOfHome(const FileUrl &home) const;
+    void place(const Findings &findings);
+    Info::Measure measureFunction() const;
+    void takeFindings(const Findings &findings);
+    void takePrograms(const ProgramsInUse &inUse);
+
+    Services m_services;
+    SliceSelection &m_selection;
+    std::shared_ptr<FileSizeChangedNotification> m_sizeChanged;
+    Findings m_findings;
+    std::stop_source m_measuring; ///< stops the measures of the present records
+    LatestJob m_looking;
+};
