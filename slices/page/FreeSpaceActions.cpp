@@ -43,6 +43,11 @@ void FreeSpaceViewController::didSelectSliceAtIndex(PieChart &, int index)
     updateButtonText();
 }
 
+void FreeSpaceViewController::didHoverOverSliceAtIndex(PieChart &, int index)
+{
+    m_hover->moveTo(index);
+}
+
 bool FreeSpaceViewController::canSelectSliceAtIndex(PieChart &, int)
 {
     return true;
@@ -207,7 +212,7 @@ void FreeSpaceViewController::showCleaningState()
 {
     m_startButton->mainText().setText(tr("Cleaning"));
     m_startButton->detailText().setText(QString());
-    forgetHover();
+    m_hover->forget();
     for (QWidget *subview : directSubviews(*view())) {
         if (subview != m_startButton && subview != m_pieChart)
             animateAlphaValue(*subview, 0);

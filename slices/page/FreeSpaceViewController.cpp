@@ -8,10 +8,9 @@
 #include "largefiles/sheet/LargeFilesWindowController.h"
 #include "platform/desktop/InterfaceLoader.h"
 #include "platform/look/ViewAlpha.h"
+#include "platform/sheet/Alert.h"
 #include "platform/sheet/Sheet.h"
 #include "prefs/tutorial/DemoWindowController.h"
-#include "slices/page/SliceHoverButtons.h"
-#include "widgets/ImageButton.h"
 #include "widgets/LegendView.h"
 #include "widgets/StartButton.h"
 #include "widgets/TextField.h"
@@ -56,7 +55,10 @@ void FreeSpaceViewController::viewDidLoad()
     m_pieChart->setInfoRadius(kLabelRadius);
     setAlphaValue(*m_legendImageView, 0);
     connect(m_startButton, &StartButton::triggered, this, &FreeSpaceViewController::next);
-    makeHoverButtons();
+    m_hover = std::make_unique<SliceHover>(
+        *m_pieChart,
+        SliceHover::Services{m_services.calls, m_services.access, m_services.workspace, m_home,
+                             m_selection, [this](const Alert &alert) { showMessage(alert); }});
     connect(&m_home, &HomeWatch::found, this, &FreeSpaceViewController::homeWasFound);
     connect(&m_home, &HomeWatch::programsChanged, this, &FreeSpaceViewController::showChoice);
     connect(&m_home, &HomeWatch::sizeChanged, this, &FreeSpaceViewController::updateButtonText);
@@ -70,15 +72,6 @@ void FreeSpaceViewController::connectOutlets()
     m_startButton = outlet<StartButton>(*view(), "startButton");
     m_legendImageView = outlet<LegendView>(*view(), "legendImageView");
     connectSizeLabels(m_labelController, *view());
-}
-
-void FreeSpaceViewController::makeHoverButtons()
-{
-    m_hoverButtons = new SliceHoverButtons(*m_pieChart);
-    connect(m_hoverButtons->infoButton(), &ImageButton::clicked, this,
-            &FreeSpaceViewController::showInfo);
-    connect(m_hoverButtons->showInFinderButton(), &ImageButton::clicked, this,
-            &FreeSpaceViewController::showInFinder);
 }
 
 void FreeSpaceViewController::viewWillAppear(bool)
@@ -129,9 +122,7 @@ DemoWindowController &FreeSpaceViewController::demoWindowController()
 void FreeSpaceViewController::viewWillDisappear(bool)
 {
     m_presence = Presence::Away;
-    forgetHover();
-    m_reveal.stop();
-    m_describing.stop();
+    m_hover->stop();
     m_home.stop();
     endAsking();
     m_startButton->setEnabled(false);

@@ -2,9 +2,9 @@
 
 #include "app/navigation/VNTViewController.h"
 #include "chart/PieChartDelegate.h"
-#include "platform/threads/LatestTask.h"
 #include "slices/page/CleaningJob.h"
 #include "slices/page/HomeWatch.h"
+#include "slices/page/SliceHover.h"
 #include "slices/page/SlicesDataSource.h"
 #include "widgets/LabelController.h"
 
@@ -15,7 +15,6 @@ struct Alert;
 class ExcludedFilesChangedNotification;
 class LargeFilesWindowController;
 class PieChart;
-class SliceHoverButtons;
 class StartButton;
 class UserDefaults;
 class Workspace;
@@ -53,7 +52,7 @@ public:
     PieChart *pieChart() const { return m_pieChart; }
     StartButton *startButton() const { return m_startButton; }
     SliceSelection &selection() { return m_selection; }
-    SliceHoverButtons *hoverButtons() const { return m_hoverButtons; }
+    SliceHover &hover() { return *m_hover; }
     /// The tutorial; made on first use and kept.
     DemoWindowController &demoWindowController();
     /// The sheet in which large files are picked; made on first use and kept.
@@ -74,10 +73,6 @@ public:
 public Q_SLOTS:
     /// The start button's action: asks for confirmation, then cleans.
     void next();
-    /// Explains the slice under the pointer.
-    void showInfo();
-    /// Shows the places of the slice under the pointer in the file manager.
-    void showInFinder();
     /// A slice was measured, or the choice changed.
     void updateButtonText();
     /// The excluded paths changed.
@@ -99,7 +94,6 @@ private:
     void connectOutlets();
     bool isShown() const { return m_presence == Presence::Shown; }
     void showTutorialUnlessDeclined();
-    void makeHoverButtons();
     void homeWasFound();
     void showChoice();
     void enableStartButton();
@@ -107,12 +101,6 @@ private:
     void measureAndConfirm();
     void beginAsking();
     void endAsking();
-    void offerReveal(int index);
-    FileUrls placesOf(int index) const;
-    LatestJob::Work lookForPlaces(const FileUrls &places,
-                                  std::function<void(const FileUrls &)> then) const;
-    void explain(int index);
-    void showTrash();
     std::optional<ExcludedPaths> knownExclusions() const;
     bool isReadyToClean() const;
     void whenMayClean(std::function<void()> then);
@@ -122,7 +110,6 @@ private:
     void clean();
     std::optional<ExcludedPaths> exclusionsBeside(const ExcludedPaths &confirmed) const;
     void showCleaningState();
-    void forgetHover();
     void finishCleaning(const CleaningReport &report);
     bool mayPickLargeFiles() const;
     void pickLargeFiles();
@@ -138,6 +125,7 @@ private:
     SliceSelection m_selection;
     SlicesDataSource m_dataSource;
     HomeWatch m_home;
+    std::unique_ptr<SliceHover> m_hover; ///< made with the view
     const InterfaceLoader &m_loader;
     CleaningJob m_job;
     std::unique_ptr<DemoWindowController> m_demoWindowController;
@@ -151,8 +139,4 @@ private:
     PieChart *m_pieChart = nullptr;
     StartButton *m_startButton = nullptr;
     QWidget *m_legendImageView = nullptr;
-    SliceHoverButtons *m_hoverButtons = nullptr; ///< the chart's
-    LatestJob m_hoverLook;   ///< looks for what the slice under the pointer may offer
-    LatestTask m_reveal;     ///< looks for what is to be shown in the file manager
-    LatestTask m_describing; ///< looks for the programs that a description names
 };

@@ -159,7 +159,7 @@ void TestWindowsJourney::showsASliceInTheFileManager()
     m_fixture->start();
     QVERIFY(m_fixture->reachSlices());
     const auto press = [this](SliceKind kind) {
-        ImageButton &button = *m_fixture->slicesPage().hoverButtons()->showInFinderButton();
+        ImageButton &button = *m_fixture->slicesPage().hover().buttons().showInFinderButton();
         if (!m_fixture->journey().hoverSlice(kind) ||
             !QTest::qWaitFor([&button] { return button.isVisible(); }))
             return false;

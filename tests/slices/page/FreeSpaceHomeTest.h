@@ -161,7 +161,7 @@ inline QString FreeSpaceHomeTest::description(SliceKind kind)
     while (popover())
         delete popover(); // of an earlier description
     m_page->didHoverOverSliceAtIndex(*m_page->pieChart(), indexOf(kind));
-    m_page->showInfo();
+    m_page->hover().showInfo();
     QString text;
     if (QTest::qWaitFor([&] { return popover() != nullptr; })) {
         for (const QLabel *label : popover()->findChildren<QLabel *>())

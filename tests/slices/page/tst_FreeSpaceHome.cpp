@@ -31,7 +31,7 @@ void TestFreeSpaceHome::findsThePlacesBesideTheMainThread()
         QVERIFY(!record->fileURLs());
     QVERIFY(!m_page->startButton()->isEnabled());
     m_page->next();
-    m_page->showInFinder();
+    m_page->hover().showInFinder();
     QVERIFY(!hasSheet(*m_page->view()));
     m_listings.open();
     QTRY_VERIFY(m_page->startButton()->isEnabled());
@@ -102,7 +102,7 @@ void TestFreeSpaceHome::asksTheDiskForNothingUnderThePointer()
     const int before = m_count;
     m_page->didHoverOverSliceAtIndex(*m_page->pieChart(), indexOf(SliceKind::OldIos));
     QCOMPARE(int(m_count), before);
-    QVERIFY(m_page->hoverButtons()->showInFinderButton()->isVisible());
+    QVERIFY(m_page->hover().buttons().showInFinderButton()->isVisible());
 }
 
 void TestFreeSpaceHome::namesTheFolderOfDownloads()
@@ -136,7 +136,7 @@ void TestFreeSpaceHome::opensTheTrash()
 {
     appear();
     m_page->didHoverOverSliceAtIndex(*m_page->pieChart(), indexOf(SliceKind::Trash));
-    m_page->showInFinder();
+    m_page->hover().showInFinder();
     QTRY_COMPARE(m_fixture->workspace().opened.size(), 1);
     QVERIFY(m_fixture->workspace().opened[0].path().endsWith(
         QStringLiteral("/.local/share/Trash/files/")));
@@ -149,7 +149,7 @@ void TestFreeSpaceHome::saysThatTheTrashIsEmptyWhereThereIsNone()
     QVERIFY(QDir(trash).removeRecursively());
     appear();
     m_page->didHoverOverSliceAtIndex(*m_page->pieChart(), indexOf(SliceKind::Trash));
-    m_page->showInFinder();
+    m_page->hover().showInFinder();
     QTRY_VERIFY(hasSheet(*m_page->view()));
     QVERIFY(sheetText(*m_page->view()).contains(QStringLiteral("The Trash is empty.")));
     QVERIFY(m_fixture->workspace().opened.isEmpty());

@@ -84,7 +84,7 @@ void TestFreeSpacePrograms::explainsNothingOfASliceThatThePointerHasLeft()
     QTRY_COMPARE(ResourceManager::accessCount(), 0);
     m_folders.close();
     m_page->didHoverOverSliceAtIndex(*m_page->pieChart(), indexOf(SliceKind::BrowserData));
-    m_page->showInfo();
+    m_page->hover().showInfo();
     QTRY_COMPARE(ResourceManager::accessCount(), 1); // programs are looked for
     m_page->didHoverOverSliceAtIndex(*m_page->pieChart(), indexOf(SliceKind::Cache));
     m_folders.open();

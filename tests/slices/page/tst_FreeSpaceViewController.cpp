@@ -246,7 +246,7 @@ void TestFreeSpaceViewController::tellsOfTheChangeAlsoFromOutsideTheWindow()
 void TestFreeSpaceViewController::placesTheHoverButtons()
 {
     appear();
-    SliceHoverButtons &buttons = *m_page->hoverButtons();
+    SliceHoverButtons &buttons = m_page->hover().buttons();
     hover(SliceKind::Cache);
     QVERIFY(buttons.infoButton()->isVisible());
     QVERIFY(!buttons.showInFinderButton()->isVisible());
@@ -267,9 +267,9 @@ void TestFreeSpaceViewController::offersToRevealOldUpdatesWhenThereAreAny()
 {
     appear();
     m_disk.takeAskedHere();
-    const QWidget &reveal = *m_page->hoverButtons()->showInFinderButton();
+    const QWidget &reveal = *m_page->hover().buttons().showInFinderButton();
     hover(SliceKind::OldIos);
-    QVERIFY(m_page->hoverButtons()->infoButton()->isVisible());
+    QVERIFY(m_page->hover().buttons().infoButton()->isVisible());
     QTRY_COMPARE(ResourceManager::accessCount(), 0); // the disk has been looked at
     QCoreApplication::processEvents();
     QVERIFY(!reveal.isVisible());
@@ -287,7 +287,7 @@ void TestFreeSpaceViewController::offersNothingOfASliceThatThePointerHasLeft()
     appear();
     for (const auto &record : m_page->selection().records())
         QTRY_COMPARE(record->isMeasured(), record->fileURLs().has_value());
-    const QWidget &reveal = *m_page->hoverButtons()->showInFinderButton();
+    const QWidget &reveal = *m_page->hover().buttons().showInFinderButton();
     m_disk.hang();
     hover(SliceKind::OldIos);
     QTRY_COMPARE(m_disk.waiting(), 1);
@@ -305,23 +305,23 @@ void TestFreeSpaceViewController::explainsAndRevealsTheHoveredSlice()
 {
     m_fixture->makeFolder("Downloads");
     appear();
-    m_page->showInfo();
-    m_page->showInFinder();
+    m_page->hover().showInfo();
+    m_page->hover().showInFinder();
     QVERIFY(m_fixture->workspace().revealed.isEmpty() && m_fixture->workspace().opened.isEmpty());
 
     hover(SliceKind::Trash);
-    m_page->showInFinder();
+    m_page->hover().showInFinder();
     QCOMPARE(m_fixture->workspace().opened.value(0).path(QUrl::FullyDecoded),
              QString::fromUtf8(m_fixture->home() + "/.Trash/"));
     hover(SliceKind::Downloads);
     m_disk.takeAskedHere();
-    m_page->showInFinder();
+    m_page->hover().showInFinder();
     m_page->didHoverOverSliceAtIndex(*m_page->pieChart(), -1); // on the way to the file manager
     QTRY_COMPARE(m_fixture->workspace().revealed.value(0).value(0).path(),
                  m_fixture->home() + "/Downloads");
     QCOMPARE(m_disk.takeAskedHere(), QStringList());
     hover(SliceKind::Downloads);
-    m_page->showInfo();
+    m_page->hover().showInfo();
     QVERIFY(m_page->view()->window()->findChild<Popover *>());
 }
 

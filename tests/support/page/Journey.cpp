@@ -118,7 +118,7 @@ bool Journey::hoverSlice(SliceKind kind)
     // button, or meet with the window system's own word on where the pointer is.
     int step = 0;
     return waitFor([&] {
-        const SliceHoverButtons &buttons = *page.hoverButtons();
+        const SliceHoverButtons &buttons = page.hover().buttons();
         if (buttons.currentHoverIndex() == indexOf(kind) && buttons.infoButton()->isVisible())
             return true;
         QTest::mouseMove(window().windowHandle(), position + QPoint(step++ % 2, 0));
@@ -133,7 +133,7 @@ Popover *Journey::openPopover()
         return popover() && popover()->isVisible() &&
                alphaValue(*popover()->content().parentWidget()) == 1;
     };
-    if (!clickButton(*controller().freeSpacePage().hoverButtons()->infoButton()) ||
+    if (!clickButton(*controller().freeSpacePage().hover().buttons().infoButton()) ||
         !waitFor(isShown))
         return nullptr;
     return popover();

@@ -1,12 +1,11 @@
-// What the page of the slices offers for the slice under the pointer: to explain it, and to show
-// its places in the file manager.
+#include "slices/page/SliceHover.h"
 
 #include "platform/desktop/Workspace.h"
 #include "platform/files/ExistingPlaces.h"
 #include "platform/sheet/Alert.h"
 #include "prefs/popover/MessagePopover.h"
 #include "slices/page/CleaningText.h"
-#include "slices/page/FreeSpaceViewController.h"
+#include "slices/page/HomeWatch.h"
 #include "slices/page/SliceHoverButtons.h"
 #include "widgets/ImageButton.h"
 
@@ -16,32 +15,45 @@ constexpr float kPopoverWidth = 200;
 
 } // namespace
 
-/// The pie moves away below the pointer.
-void FreeSpaceViewController::forgetHover()
+SliceHover::SliceHover(PieChart &chart, Services services, QObject *parent)
+    : QObject(parent), m_services(std::move(services)), m_buttons(*new SliceHoverButtons(chart))
 {
-    m_hoverLook.stop();
-    m_hoverButtons->setCurrentHoverIndex(SliceHoverButtons::kNoSlice);
-    m_hoverButtons->hide();
+    connect(m_buttons.infoButton(), &ImageButton::clicked, this, &SliceHover::showInfo);
+    connect(m_buttons.showInFinderButton(), &ImageButton::clicked, this, &SliceHover::showInFinder);
 }
 
-void FreeSpaceViewController::didHoverOverSliceAtIndex(PieChart &, int index)
+void SliceHover::forget()
 {
-    if (index == m_hoverButtons->currentHoverIndex())
+    m_offering.stop();
+    m_buttons.setCurrentHoverIndex(SliceHoverButtons::kNoSlice);
+    m_buttons.hide();
+}
+
+void SliceHover::stop()
+{
+    forget();
+    m_reveal.stop();
+    m_describing.stop();
+}
+
+void SliceHover::moveTo(int index)
+{
+    if (index == m_buttons.currentHoverIndex())
         return;
-    forgetHover();
+    forget();
     if (index == SliceHoverButtons::kNoSlice)
         return;
-    m_hoverButtons->setCurrentHoverIndex(index);
-    m_hoverButtons->placeOnSlice(index, kSliceCount, RevealOffer::No);
+    m_buttons.setCurrentHoverIndex(index);
+    m_buttons.placeOnSlice(index, kSliceCount, RevealOffer::No);
     offerReveal(index);
 }
 
 /// Old updates are there on few machines: shown where they are, and when the disk has said so while
 /// the pointer stays.
-void FreeSpaceViewController::offerReveal(int index)
+void SliceHover::offerReveal(int index)
 {
     const auto offer = [this, index] {
-        m_hoverButtons->placeOnSlice(index, kSliceCount, RevealOffer::Yes);
+        m_buttons.placeOnSlice(index, kSliceCount, RevealOffer::Yes);
     };
     switch (sliceCatalogue()[index].kind) {
     case SliceKind::Trash:
@@ -50,8 +62,8 @@ void FreeSpaceViewController::offerReveal(int index)
         offer();
         break;
     case SliceKind::OldIos:
-        if (m_home.layout().kind() == HomeKind::Library)
-            m_hoverLook.run(lookForPlaces(placesOf(index), [offer](const FileUrls &places) {
+        if (m_services.home.layout().kind() == HomeKind::Library)
+            m_offering.run(lookForPlaces(placesOf(index), [offer](const FileUrls &places) {
                 if (!places.isEmpty())
                     offer();
             }));
@@ -63,15 +75,14 @@ void FreeSpaceViewController::offerReveal(int index)
     }
 }
 
-FileUrls FreeSpaceViewController::placesOf(int index) const
+FileUrls SliceHover::placesOf(int index) const
 {
-    return m_selection.records().at(index)->fileURLs().value_or(FileUrls());
+    return m_services.selection.records().at(index)->fileURLs().value_or(FileUrls());
 }
 
 /// Work for another thread: which of the places are there.
-LatestJob::Work
-FreeSpaceViewController::lookForPlaces(const FileUrls &places,
-                                       std::function<void(const FileUrls &)> then) const
+LatestJob::Work SliceHover::lookForPlaces(const FileUrls &places,
+                                          std::function<void(const FileUrls &)> then) const
 {
     return [&calls = m_services.calls, &access = m_services.access, places,
             then = std::move(then)](const std::stop_token &stop) {
@@ -79,33 +90,34 @@ FreeSpaceViewController::lookForPlaces(const FileUrls &places,
     };
 }
 
-void FreeSpaceViewController::showInfo()
+void SliceHover::showInfo()
 {
-    const int index = m_hoverButtons->currentHoverIndex();
+    const int index = m_buttons.currentHoverIndex();
     if (index == SliceHoverButtons::kNoSlice)
         return;
-    if (m_home.layout().programs().empty())
+    if (m_services.home.layout().programs().empty())
         explain(index);
     else
-        m_describing.ask(m_home.programLook([this, index] {
-            if (m_hoverButtons->currentHoverIndex() == index)
+        m_describing.ask(m_services.home.programLook([this, index] {
+            if (m_buttons.currentHoverIndex() == index)
                 explain(index);
         }));
 }
 
-void FreeSpaceViewController::explain(int index)
+void SliceHover::explain(int index)
 {
     const SliceKind kind = sliceCatalogue()[index].kind;
-    ImageButton &button = *m_hoverButtons->infoButton();
+    const HomeWatch &home = m_services.home;
+    ImageButton &button = *m_buttons.infoButton();
     MessagePopover::showRelativeToRect(
         button.rect(), button, Qt::BottomEdge,
-        m_home.layout().details(kind) + inUseText(m_home.programsInUse(kind)), kPopoverWidth);
+        home.layout().details(kind) + inUseText(home.programsInUse(kind)), kPopoverWidth);
 }
 
-void FreeSpaceViewController::showInFinder()
+void SliceHover::showInFinder()
 {
-    const int index = m_hoverButtons->currentHoverIndex();
-    if (index == SliceHoverButtons::kNoSlice || !m_home.isKnown())
+    const int index = m_buttons.currentHoverIndex();
+    if (index == SliceHoverButtons::kNoSlice || !m_services.home.isKnown())
         return;
     if (index == indexOf(SliceKind::Trash))
         showTrash();
@@ -117,16 +129,16 @@ void FreeSpaceViewController::showInFinder()
 
 /// A home with a Library always has its trash; any other gets the folder with the first file that
 /// is thrown away.
-void FreeSpaceViewController::showTrash()
+void SliceHover::showTrash()
 {
-    const FileUrl trash = m_home.layout().trashFolder();
-    if (m_home.layout().kind() == HomeKind::Library) {
+    const FileUrl trash = m_services.home.layout().trashFolder();
+    if (m_services.home.layout().kind() == HomeKind::Library) {
         m_services.workspace.openUrl(trash);
         return;
     }
     m_reveal.ask(lookForPlaces({trash}, [this, trash](const FileUrls &places) {
         if (places.isEmpty())
-            showMessage({.messageText = tr("The Trash is empty.")});
+            m_services.tell({.messageText = tr("The Trash is empty.")});
         else
             m_services.workspace.openUrl(trash);
     }));

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "platform/files/FileUrl.h"
+#include "platform/threads/LatestJob.h"
+#include "platform/threads/LatestTask.h"
+
+class FileAccess;
+class HomeWatch;
+class PieChart;
+class SliceHoverButtons;
+class SliceSelection;
+class SystemCalls;
+class Workspace;
+struct Alert;
+
+/// What is offered for the slice under the pointer: its description, and to show its places in the
+/// file manager. The disk is asked beside the main thread, and an answer for a slice that the
+/// pointer has left shows nothing. Owned by the page; main thread only.
+class SliceHover final : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// What it works with; all must outlive it.
+    struct Services
+    {
+        const SystemCalls &calls;
+        FileAccess &access;
+        Workspace &workspace;
+        HomeWatch &home;
+        const SliceSelection &selection;
+        std::function<void(const Alert &)> tell; ///< shows a message to the user
+    };
+
+    /// Puts its buttons onto the chart, which owns them.
+    SliceHover(PieChart &chart, Services services, QObject *parent = nullptr);
+
+    SliceHoverButtons &buttons() const { return m_buttons; }
+
+    /// The pointer is over this slice, or over none (SliceHoverButtons::kNoSlice). May be told
+    /// again and again of the same slice.
+    void moveTo(int index);
+    /// The pie moves away below the pointer.
+    void forget();
+    /// Forgets the slice, and answers nothing any more that was asked for.
+    void stop();
+
+public Q_SLOTS:
+    /// Explains the slice under the pointer.
+    void showInfo();
+    /// Shows the places of the slice under the pointer in the file manager.
+    void showInFinder();
+
+private:
+    void offerReveal(int index);
+    void explain(int index);
+    void showTrash();
+    FileUrls placesOf(int index) const;
+    LatestJob::Work lookForPlaces(const FileUrls &places,
+                                  std::function<void(const FileUrls &)> then) const;
+
+    Services m_services;
+    SliceHoverButtons &m_buttons;
+    LatestJob m_offering;    ///< looks for what there is to be shown of the slice
+    LatestTask m_reveal;     ///< looks for what is to be shown in the file manager
+    LatestTask m_describing; ///< looks for the programs that a description names
+};
