@@ -33,7 +33,7 @@ void FreeSpaceViewController::didSelectSliceAtIndex(PieChart &, int index)
     if (m_isCleaning)
         return;
     if (index == indexOf(SliceKind::LargeFiles))
-        return pickLargeFiles();
+        return m_picking->pick();
     if (m_selection.toggle(index) == SliceSelection::Toggle::Excluded)
         showMessage(
             {.messageText = tr("To enable this slice, please remove it's excluded folder from "
@@ -59,8 +59,8 @@ void FreeSpaceViewController::updateExcludedFiles()
         return; // not shown yet
     if (m_isCleaning)
         return; // heard when it is over; the cleaning reads the list itself
-    dropLargeFiles();
-    if (m_selection.applyExclusions() && !isPickingLargeFiles())
+    m_picking->drop();
+    if (m_selection.applyExclusions() && !m_picking->isPicking())
         showMessage({.messageText = tr("Your preferences have been adjusted, please scan for "
                                        "large files again")});
     m_pieChart->reloadData();
@@ -92,7 +92,7 @@ void FreeSpaceViewController::updateButtonText()
 bool FreeSpaceViewController::isReadyToClean() const
 {
     return m_selection.somethingIsSelected() && !m_isCleaning && isShown() &&
-           !isPickingLargeFiles() && m_home.isKnown();
+           !m_picking->isPicking() && m_home.isKnown();
 }
 
 void FreeSpaceViewController::next()
@@ -226,7 +226,7 @@ void FreeSpaceViewController::finishCleaning(const CleaningReport &report)
 {
     const QVariant freed = refusedEverything(report) ? qint64{0} : m_selection.totalSize();
     m_isCleaning = false;
-    dropLargeFiles();
+    m_picking->drop();
     m_selection.applyExclusions(); // what was excluded meanwhile
     m_selection.updateSelectedSlicesUserDefaults();
     Q_EMIT cleaningChanged(false);

@@ -59,6 +59,7 @@ void FreeSpaceViewController::viewDidLoad()
         *m_pieChart,
         SliceHover::Services{m_services.calls, m_services.access, m_services.workspace, m_home,
                              m_selection, [this](const Alert &alert) { showMessage(alert); }});
+    makePicking();
     connect(&m_home, &HomeWatch::found, this, &FreeSpaceViewController::homeWasFound);
     connect(&m_home, &HomeWatch::programsChanged, this, &FreeSpaceViewController::showChoice);
     connect(&m_home, &HomeWatch::sizeChanged, this, &FreeSpaceViewController::updateButtonText);
@@ -72,6 +73,25 @@ void FreeSpaceViewController::connectOutlets()
     m_startButton = outlet<StartButton>(*view(), "startButton");
     m_legendImageView = outlet<LegendView>(*view(), "legendImageView");
     connectSizeLabels(m_labelController, *view());
+}
+
+void FreeSpaceViewController::makePicking()
+{
+    m_picking = std::make_unique<LargeFilesPicking>(
+        *view(), LargeFilesPicking::Services{
+                     m_loader, m_services.defaults, m_services.calls, m_services.access,
+                     m_services.workspace, m_home, m_selection, m_services.whenGrantIsUsable,
+                     [this] { return isShown() && !m_isAsking && !m_isCleaning; },
+                     [this] { return !m_isCleaning; }});
+    connect(m_picking.get(), &LargeFilesPicking::picked, this,
+            &FreeSpaceViewController::takePickedFiles);
+    connect(m_picking.get(), &LargeFilesPicking::sizeChanged, m_pieChart, &PieChart::reloadData);
+}
+
+void FreeSpaceViewController::takePickedFiles()
+{
+    showChoice();
+    m_selection.updateSelectedSlicesUserDefaults();
 }
 
 void FreeSpaceViewController::viewWillAppear(bool)

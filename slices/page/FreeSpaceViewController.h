@@ -4,6 +4,7 @@
 #include "chart/PieChartDelegate.h"
 #include "slices/page/CleaningJob.h"
 #include "slices/page/HomeWatch.h"
+#include "slices/page/LargeFilesPicking.h"
 #include "slices/page/SliceHover.h"
 #include "slices/page/SlicesDataSource.h"
 #include "widgets/LabelController.h"
@@ -36,12 +37,7 @@ public:
         Workspace &workspace;
         ExcludedFilesChangedNotification &excludedFilesChanged;
         std::function<FileUrl()> homeFolder;
-        /// Goes on once it is known that work would be done in the very folder that the user
-        /// granted; asked before files are picked and before a cleaning. Otherwise tells the user,
-        /// and then the caller. Of several, only the latest is answered, and none once the page is
-        /// left.
-        std::function<void(std::function<void()> then, std::function<void()> otherwise)>
-            whenGrantIsUsable;
+        GrantQuestion whenGrantIsUsable; ///< asked before files are picked and before a cleaning
         LabelController::Reader readVolume = startUpVolumeSizes;
     };
 
@@ -56,7 +52,10 @@ public:
     /// The tutorial; made on first use and kept.
     DemoWindowController &demoWindowController();
     /// The sheet in which large files are picked; made on first use and kept.
-    LargeFilesWindowController &largeFilesWindowController();
+    LargeFilesWindowController &largeFilesWindowController()
+    {
+        return m_picking->windowController();
+    }
     bool isCleaning() const { return m_isCleaning; }
     /// Where everything is in the home; unknown until it has been looked at.
     const HomeLayout &homeLayout() const { return m_home.layout(); }
@@ -96,6 +95,8 @@ private:
     void showTutorialUnlessDeclined();
     void homeWasFound();
     void showChoice();
+    void takePickedFiles();
+    void makePicking();
     void enableStartButton();
     void lookAgainAndConfirm();
     void measureAndConfirm();
@@ -111,13 +112,6 @@ private:
     std::optional<ExcludedPaths> exclusionsBeside(const ExcludedPaths &confirmed) const;
     void showCleaningState();
     void finishCleaning(const CleaningReport &report);
-    bool mayPickLargeFiles() const;
-    void pickLargeFiles();
-    void showLargeFiles();
-    void takePickedFiles();
-    void followPickedSize();
-    void dropLargeFiles();
-    bool isPickingLargeFiles() const { return m_pickingAccess.has_value(); }
     void showMessage(const Alert &alert);
 
     Services m_services;
@@ -125,12 +119,11 @@ private:
     SliceSelection m_selection;
     SlicesDataSource m_dataSource;
     HomeWatch m_home;
-    std::unique_ptr<SliceHover> m_hover; ///< made with the view
+    std::unique_ptr<SliceHover> m_hover;          ///< made with the view
+    std::unique_ptr<LargeFilesPicking> m_picking; ///< the same
     const InterfaceLoader &m_loader;
     CleaningJob m_job;
     std::unique_ptr<DemoWindowController> m_demoWindowController;
-    std::unique_ptr<LargeFilesWindowController> m_largeFilesWindowController;
-    std::optional<AccessScope> m_pickingAccess; ///< held while the sheet of large files is up
     /// From the press of the button until the cleaning begins, or does not.
     bool m_isAsking = false;
     bool m_isCleaning = false;
