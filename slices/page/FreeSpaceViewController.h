@@ -2,7 +2,7 @@
 
 #include "app/navigation/VNTViewController.h"
 #include "chart/PieChartDelegate.h"
-#include "slices/page/CleaningJob.h"
+#include "slices/page/CleaningFlow.h"
 #include "slices/page/HomeWatch.h"
 #include "slices/page/LargeFilesPicking.h"
 #include "slices/page/SliceHover.h"
@@ -10,6 +10,7 @@
 #include "widgets/LabelController.h"
 
 #include <functional>
+#include <memory>
 
 class DemoWindowController;
 struct Alert;
@@ -22,7 +23,9 @@ class Workspace;
 
 /// The page of the slices: shows the eight kinds of content on a pie, measures them in the
 /// background, lets the user switch them on and off, and cleans those that are on. Every visit
-/// measures afresh. Owned by the main window's controller; main thread only.
+/// measures afresh. It has the controls and shows what its parts do: the look at the home, the
+/// cleaning, what is offered under the pointer, and the picking of large files. Owned by the main
+/// window's controller; main thread only.
 class FreeSpaceViewController final : public VNTViewController, public PieChartDelegate
 {
     Q_OBJECT
@@ -56,7 +59,7 @@ public:
     {
         return m_picking->windowController();
     }
-    bool isCleaning() const { return m_isCleaning; }
+    bool isCleaning() const { return m_flow.isCleaning(); }
     /// Where everything is in the home; unknown until it has been looked at.
     const HomeLayout &homeLayout() const { return m_home.layout(); }
 
@@ -88,46 +91,29 @@ private:
         Away,   ///< also on its way out
         Coming, ///< on its way in
         Shown,
+        OwingTutorial, ///< shown; the tutorial's time came while something was asked
     };
 
-    void connectOutlets();
-    bool isShown() const { return m_presence == Presence::Shown; }
+    bool isShown() const { return m_presence >= Presence::Shown; }
+    void makeParts();
     void showTutorialUnlessDeclined();
     void homeWasFound();
     void showChoice();
-    void takePickedFiles();
-    void makePicking();
-    void enableStartButton();
-    void lookAgainAndConfirm();
-    void measureAndConfirm();
-    void beginAsking();
-    void endAsking();
-    std::optional<ExcludedPaths> knownExclusions() const;
-    bool isReadyToClean() const;
-    void whenMayClean(std::function<void()> then);
-    bool exclusionsAllowCleaning();
-    void askForConfirmation();
-    void beginCleaning(const SliceSelection::Choice &confirmed);
-    void clean();
-    std::optional<ExcludedPaths> exclusionsBeside(const ExcludedPaths &confirmed) const;
-    void showCleaningState();
-    void finishCleaning(const CleaningReport &report);
+    void showState(CleaningState state, CleaningState before);
+    void showCleaning();
+    void finishCleaning(qint64 freedBytes, const QString &leftAlone);
     void showMessage(const Alert &alert);
 
     Services m_services;
+    const InterfaceLoader &m_loader;
     LabelController m_labelController;
     SliceSelection m_selection;
     SlicesDataSource m_dataSource;
     HomeWatch m_home;
+    CleaningFlow m_flow;
     std::unique_ptr<SliceHover> m_hover;          ///< made with the view
     std::unique_ptr<LargeFilesPicking> m_picking; ///< the same
-    const InterfaceLoader &m_loader;
-    CleaningJob m_job;
     std::unique_ptr<DemoWindowController> m_demoWindowController;
-    /// From the press of the button until the cleaning begins, or does not.
-    bool m_isAsking = false;
-    bool m_isCleaning = false;
-    bool m_owesTutorial = false; ///< its time came while something was asked
     Presence m_presence = Presence::Away;
     PieChart *m_pieChart = nullptr;
     StartButton *m_startButton = nullptr;

@@ -62,6 +62,7 @@ void LargeFilesPicking::takePickedFiles()
                                              : picker.sizeString());
     record.setFileURLs(files, picker.selectedSize());
     Q_EMIT picked();
+    m_services.selection.updateSelectedSlicesUserDefaults();
 }
 
 /// A size may be read only after the sheet has gone.

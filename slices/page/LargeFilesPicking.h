@@ -17,7 +17,8 @@ class UserDefaults;
 class Workspace;
 
 /// The slice whose files the user picks: shows the sheet for it, holds the access while the sheet
-/// is up, and gives the slice's record what was picked. Owned by the page; main thread only.
+/// is up, and gives the slice's record what was picked, and the settings the selection. Owned by
+/// the page; main thread only.
 class LargeFilesPicking final : public QObject
 {
     Q_OBJECT

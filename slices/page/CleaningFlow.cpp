@@ -1,0 +1,211 @@
+#include "slices/page/CleaningFlow.h"
+
+#include "app/settings/UserDefaults.h"
+#include "slices/exclusions/ExcludedPaths.h"
+#include "slices/page/CleaningText.h"
+#include "slices/page/HomeWatch.h"
+
+#include <utility>
+
+namespace {
+
+/// Of the questions' two buttons, the one that goes on.
+constexpr int kGoOnButton = 1;
+
+/// Whether nothing was cleaned because nobody knows for sure what is excluded.
+bool refusedEverything(const CleaningReport &report)
+{
+    const RefusalReason first = report.refusals.value(0).reason;
+    return report.refusalCount > 0 && report.removedItems == 0 &&
+           (first == RefusalReason::UnknownExclusions ||
+            first == RefusalReason::UnparsableExclusion);
+}
+
+} // namespace
+
+CleaningFlow::CleaningFlow(Services services, QObject *parent)
+    : QObject(parent), m_services(std::move(services)), m_job(m_services.calls, m_services.access)
+{
+    connect(&m_job, &CleaningJob::finished, this, &CleaningFlow::finish);
+}
+
+void CleaningFlow::handle(CleaningEvent event)
+{
+    const std::optional<CleaningState> next = nextState(m_state, event);
+    if (!next)
+        return; // comes too late, or too early
+    const CleaningState before = std::exchange(m_state, *next);
+    Q_EMIT stateChanged(m_state, before);
+    act();
+}
+
+void CleaningFlow::act()
+{
+    switch (m_state) {
+    case CleaningState::Idle:
+        break;
+    case CleaningState::CheckingGrant:
+        checkGrant();
+        break;
+    case CleaningState::LookingForPrograms:
+        lookForPrograms();
+        break;
+    case CleaningState::Measuring:
+        measure();
+        break;
+    case CleaningState::Asking:
+        ask();
+        break;
+    case CleaningState::Cleaning:
+        clean();
+        break;
+    }
+}
+
+bool CleaningFlow::isReady() const
+{
+    return m_services.selection.somethingIsSelected() && !isCleaning() &&
+           m_services.isPageReady() && m_services.home.isKnown();
+}
+
+/// Tells the user where the exclusions are in the way.
+bool CleaningFlow::mayClean()
+{
+    return isReady() && exclusionsAllowCleaning();
+}
+
+void CleaningFlow::start()
+{
+    if (isIdle() && mayClean())
+        handle(CleaningEvent::Pressed);
+}
+
+bool CleaningFlow::exclusionsAllowCleaning()
+{
+    UserDefaults &defaults = m_services.defaults;
+    const ExcludedPaths excluded = m_services.selection.excludedPaths();
+    if (defaults.exclusionsAreKnown()) {
+        const QStringList unparsable = excluded.unparsable();
+        if (!unparsable.isEmpty())
+            m_services.tell({.style = AlertStyle::Warning,
+                             .messageText = tr("An excluded path cannot be read."),
+                             .informativeText = unparsableExclusionsText(unparsable)});
+        return unparsable.isEmpty();
+    }
+    const Alert alert{.style = AlertStyle::Warning,
+                      .messageText =
+                          tr("Cleaning is off until you have checked your excluded paths."),
+                      .informativeText = unknownExclusionsText(defaults.damageMessage(), excluded),
+                      .buttons = {{tr("Cancel"), AlertButtonRole::Cancel},
+                                  {tr("These Are Right"), AlertButtonRole::Destructive}}};
+    m_services.ask(alert, [&defaults](int button) {
+        if (button == kGoOnButton)
+            defaults.confirmExclusions();
+    });
+    return false;
+}
+
+/// The disk of the folder may take its time to answer. The consent goes with the very question that
+/// is asked for it.
+void CleaningFlow::checkGrant()
+{
+    m_services.whenGrantIsUsable(
+        [this, consent = std::exchange(m_consent, {})] { grantIsUsable(consent); },
+        [this] { handle(CleaningEvent::GrantUnusable); });
+}
+
+/// Looked at again: the page may have been left, or the settings changed, while the sheet was up or
+/// the grant was looked at. And what was confirmed is cleaned or nothing: a slice may have been
+/// switched, a program ended, or an exclusion taken back meanwhile.
+void CleaningFlow::grantIsUsable(const std::optional<SliceSelection::Choice> &consent)
+{
+    if (!isReady())
+        handle(CleaningEvent::NotReady);
+    else if (consent == m_services.selection.choice())
+        handle(CleaningEvent::ConsentStands);
+    else
+        handle(CleaningEvent::GrantUsable);
+}
+
+/// The confirmation names what stays because of the programs that run now, and the size without it.
+void CleaningFlow::lookForPrograms()
+{
+    if (m_services.home.layout().programs().empty())
+        handle(CleaningEvent::ProgramsFound);
+    else
+        m_services.home.lookForPrograms([this] { handle(CleaningEvent::ProgramsFound); });
+}
+
+/// Again until all that it names are measured: their places may have changed meanwhile.
+void CleaningFlow::measure()
+{
+    SliceSelection::Records named;
+    for (const auto &record : m_services.selection.chosen()) {
+        const SliceKind kind = *sliceKindNamed(record->name());
+        if (!m_services.home.programsInUse(kind).isEmpty() && !record->isMeasured())
+            named.push_back(record);
+    }
+    if (!isReady())
+        handle(CleaningEvent::NotReady);
+    else if (named.empty())
+        handle(CleaningEvent::AllMeasured);
+    else
+        m_services.home.measure(named, [this] { handle(CleaningEvent::Measured); });
+}
+
+void CleaningFlow::ask()
+{
+    const HomeWatch &home = m_services.home;
+    const ConfirmationDetails details{[&home](SliceKind kind) { return home.programsInUse(kind); },
+                                      home.layout().nameOfDownloads()};
+    const Alert alert{.style = AlertStyle::Critical,
+                      .messageText = tr("Deleting Files"),
+                      .informativeText = confirmationText(m_services.selection.records(), details),
+                      .buttons = {{tr("Cancel"), AlertButtonRole::Cancel},
+                                  {tr("Delete Files"), AlertButtonRole::Destructive}}};
+    m_services.ask(alert, [this, asked = m_services.selection.choice()](int button) {
+        takeAnswer(asked, button);
+    });
+}
+
+void CleaningFlow::takeAnswer(const SliceSelection::Choice &asked, int button)
+{
+    if (button != kGoOnButton) {
+        handle(CleaningEvent::Declined);
+    } else if (!mayClean()) {
+        handle(CleaningEvent::NotReady);
+    } else {
+        m_consent = asked;
+        handle(CleaningEvent::Confirmed);
+        m_consent.reset(); // an answer that led nowhere is no consent to anything later
+    }
+}
+
+void CleaningFlow::clean()
+{
+    m_job.start(
+        m_services.selection.chosen(),
+        [this, confirmed = m_services.selection.excludedPaths()] {
+            return exclusionsBeside(confirmed);
+        },
+        m_services.home.layout());
+}
+
+/// What is excluded now, and what was when the user confirmed: an exclusion that is taken back
+/// while the cleaning measures is still kept. Nothing while nobody knows.
+std::optional<ExcludedPaths> CleaningFlow::exclusionsBeside(const ExcludedPaths &confirmed) const
+{
+    if (!m_services.defaults.exclusionsAreKnown())
+        return std::nullopt;
+    ExcludedPaths excluded = m_services.selection.excludedPaths();
+    for (const FileUrl &url : confirmed.urls())
+        excluded.add(url);
+    return excluded;
+}
+
+void CleaningFlow::finish(const CleaningReport &report)
+{
+    const qint64 freed = refusedEverything(report) ? 0 : m_services.selection.totalSize();
+    handle(CleaningEvent::Cleaned);
+    Q_EMIT finished(freed, leftAloneText(report));
+}

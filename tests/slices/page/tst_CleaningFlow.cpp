@@ -1,0 +1,286 @@
+#include "tests/slices/page/CleaningFlowTest.h"
+
+namespace {
+
+using State = CleaningState;
+
+} // namespace
+
+/// The way from the press of the start button to the result.
+class TestCleaningFlow final : public CleaningFlowTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { begin(); }
+    void cleanup() { end(); }
+
+    void goesFromThePressToTheResult();
+    void measuresWhatTheQuestionNames();
+    void beginsNothing_data();
+    void beginsNothing();
+    void asksForTheExclusionsToBeLookedAt_data();
+    void asksForTheExclusionsToBeLookedAt();
+    void asksOnceHoweverOftenItIsStarted();
+    void endsWithoutAUsableGrantOrAConsent_data();
+    void endsWithoutAUsableGrantOrAConsent();
+    void givesUpWhereverItIs_data();
+    void givesUpWhereverItIs();
+    void asksAgainWhenTheChoiceIsAnother();
+    void asksAgainWhenThePageCameBackUnderTheQuestion();
+    void takesAConsentForOneLookAtTheGrant();
+    void keepsWhatIsExcludedAfterTheConsent_data();
+    void keepsWhatIsExcludedAfterTheConsent();
+    void freesNothingOnceTheExclusionsAreUnknown();
+    void cleansOnWhenThePageIsLeft();
+    void removesNothingOnceItIsStopped();
+};
+
+void TestCleaningFlow::goesFromThePressToTheResult()
+{
+    m_flow->start();
+    QTRY_COMPARE(m_asked.size(), 1);
+    QVERIFY(m_asked[0].first.informativeText.contains(QStringLiteral("• Browser Data\n")));
+    QVERIFY(isHistoryThere());
+    answer(kGoOnButton);
+    QTRY_COMPARE(m_freed, QList<qint64>{4500});
+    QCOMPARE(m_states,
+             QList<State>({State::CheckingGrant, State::LookingForPrograms, State::Measuring,
+                           State::Asking, State::CheckingGrant, State::Cleaning, State::Idle}));
+    QVERIFY(!isHistoryThere());
+    QVERIFY(m_fixture->exists(".cache/a")); // is off
+}
+
+/// The size without what stays, where a program is in use.
+void TestCleaningFlow::measuresWhatTheQuestionNames()
+{
+    firefoxStarts();
+    m_flow->start();
+    QTRY_COMPARE(m_asked.size(), 1);
+    QVERIFY(m_asked[0].first.informativeText.contains(
+        QStringLiteral("(4 KB without the files of Firefox, which is in use)")));
+    QCOMPARE(m_states, QList<State>({State::CheckingGrant, State::LookingForPrograms,
+                                     State::Measuring, State::Measuring, State::Asking}));
+}
+
+void TestCleaningFlow::beginsNothing_data()
+{
+    using Before = std::function<void(TestCleaningFlow &)>;
+    QTest::addColumn<Before>("before");
+    QTest::addColumn<QString>("told");
+    QTest::addRow("without a choice") << Before([](TestCleaningFlow &test) {
+        test.record(SliceKind::BrowserData).setIsOn(false);
+    }) << QString();
+    QTest::addRow("without a page")
+        << Before([](TestCleaningFlow &test) { test.m_isPageReady = false; }) << QString();
+    QTest::addRow("before the home is known")
+        << Before([](TestCleaningFlow &test) { test.m_home->look(); }) << QString();
+    QTest::addRow("while an exclusion cannot be read")
+        << Before([](TestCleaningFlow &test) { test.exclude({QStringLiteral("nonsense")}); })
+        << QStringLiteral("An excluded path cannot be read.");
+}
+
+void TestCleaningFlow::beginsNothing()
+{
+    QFETCH(std::function<void(TestCleaningFlow &)>, before);
+    QFETCH(QString, told);
+    m_holdsGrant = true;
+    before(*this);
+    m_flow->start();
+    QVERIFY(m_held.isEmpty() && m_asked.isEmpty() && m_states.isEmpty());
+    QCOMPARE(m_told.value(0).messageText, told);
+}
+
+void TestCleaningFlow::asksForTheExclusionsToBeLookedAt_data()
+{
+    QTest::addColumn<int>("button");
+    QTest::addRow("cancelled") << kCancelButton;
+    QTest::addRow("confirmed") << kGoOnButton;
+}
+
+void TestCleaningFlow::asksForTheExclusionsToBeLookedAt()
+{
+    QFETCH(int, button);
+    forgetTheExclusions();
+    m_flow->start();
+    QVERIFY(m_flow->isIdle());
+    QCOMPARE(m_asked.size(), 1);
+    QCOMPARE(m_asked[0].first.messageText,
+             QStringLiteral("Cleaning is off until you have checked your excluded paths."));
+    answer(button);
+    QVERIFY(m_flow->isIdle());
+    QCOMPARE(m_fixture->defaults().exclusionsAreKnown(), button == kGoOnButton);
+}
+
+void TestCleaningFlow::asksOnceHoweverOftenItIsStarted()
+{
+    m_holdsGrant = true;
+    m_flow->start();
+    m_flow->start();
+    QCOMPARE(m_held.size(), 1);
+    m_held.takeFirst()();
+    m_flow->start(); // while it looks for programs
+    QVERIFY(reach(State::Asking));
+    m_flow->start();
+    QVERIFY(m_held.isEmpty());
+    QCOMPARE(m_asked.size(), 1);
+    answer(kCancelButton);
+    m_flow->start(); // anew
+    QCOMPARE(m_held.size(), 1);
+}
+
+void TestCleaningFlow::endsWithoutAUsableGrantOrAConsent_data()
+{
+    QTest::addColumn<bool>("isUsableAtFirst");
+    QTest::addColumn<bool>("isUsableLater");
+    QTest::addColumn<int>("button");
+    QTest::addRow("no grant before the question") << false << true << kGoOnButton;
+    QTest::addRow("no grant after the question") << true << false << kGoOnButton;
+    QTest::addRow("no consent") << true << true << kCancelButton;
+}
+
+void TestCleaningFlow::endsWithoutAUsableGrantOrAConsent()
+{
+    QFETCH(bool, isUsableAtFirst);
+    QFETCH(bool, isUsableLater);
+    QFETCH(int, button);
+    m_grantIsUsable = isUsableAtFirst;
+    m_flow->start();
+    QTRY_COMPARE(m_asked.size(), isUsableAtFirst ? 1 : 0);
+    m_grantIsUsable = isUsableLater;
+    if (isUsableAtFirst)
+        answer(button);
+    QVERIFY(m_flow->isIdle());
+    QVERIFY(!m_states.contains(State::Cleaning) && isHistoryThere());
+}
+
+void TestCleaningFlow::givesUpWhereverItIs_data()
+{
+    using Cause = std::function<void(TestCleaningFlow &)>;
+    QTest::addColumn<State>("where");
+    QTest::addColumn<Cause>("cause");
+    const Cause leave = [](TestCleaningFlow &test) { test.m_flow->leave(); };
+    const Cause switchOff = [](TestCleaningFlow &test) {
+        test.record(SliceKind::BrowserData).setIsOn(false);
+    };
+    const Cause hide = [](TestCleaningFlow &test) { test.m_isPageReady = false; };
+    for (const State state :
+         {State::CheckingGrant, State::LookingForPrograms, State::Measuring, State::Asking}) {
+        QTest::addRow("left in state %d", int(state)) << state << leave;
+        QTest::addRow("nothing chosen any more in state %d", int(state)) << state << switchOff;
+        QTest::addRow("no page any more in state %d", int(state)) << state << hide;
+    }
+}
+
+/// What is answered later leads nowhere.
+void TestCleaningFlow::givesUpWhereverItIs()
+{
+    QFETCH(State, where);
+    QFETCH(std::function<void(TestCleaningFlow &)>, cause);
+    connect(m_flow.get(), &CleaningFlow::stateChanged, this, [this, where, cause](State state) {
+        if (state == where && m_states.count(where) == 1)
+            cause(*this);
+    });
+    m_flow->start();
+    QTRY_VERIFY(m_flow->isIdle() || !m_asked.isEmpty());
+    if (!m_asked.isEmpty())
+        answer(kGoOnButton);
+    awaitLooseThreads();
+    QCoreApplication::processEvents();
+    QVERIFY(m_asked.isEmpty());
+    QVERIFY(m_flow->isIdle());
+    QCOMPARE(m_states.last(), State::Idle);
+    QVERIFY(!m_states.contains(State::Cleaning) && isHistoryThere());
+}
+
+void TestCleaningFlow::asksAgainWhenTheChoiceIsAnother()
+{
+    m_flow->start();
+    QVERIFY(reach(State::Asking));
+    record(SliceKind::Cache).setIsOn(true);
+    answer(kGoOnButton);
+    QTRY_COMPARE(m_asked.size(), 1);
+    QVERIFY(m_asked[0].first.informativeText.contains(QStringLiteral("• Cache\n")));
+    QVERIFY(isHistoryThere() && m_fixture->exists(".cache/a"));
+    answer(kGoOnButton);
+    QTRY_COMPARE(m_freed, QList<qint64>{6500});
+}
+
+void TestCleaningFlow::asksAgainWhenThePageCameBackUnderTheQuestion()
+{
+    m_flow->start();
+    QVERIFY(reach(State::Asking));
+    m_flow->leave();
+    look(); // of the next visit
+    answer(kGoOnButton);
+    QTRY_COMPARE(m_asked.size(), 1);
+    QVERIFY(isHistoryThere());
+}
+
+void TestCleaningFlow::takesAConsentForOneLookAtTheGrant()
+{
+    m_holdsGrant = true;
+    m_flow->start();
+    const std::function<void()> first = m_held.takeFirst();
+    first();
+    QVERIFY(reach(State::Asking));
+    answer(kGoOnButton);
+    QCOMPARE(m_flow->state(), State::CheckingGrant);
+    first(); // again, and not for the consent
+    QVERIFY(!m_flow->isCleaning());
+    QVERIFY(reach(State::Asking));
+    m_held.takeFirst()(); // that one is over
+    QCOMPARE(m_flow->state(), State::Asking);
+    QVERIFY(isHistoryThere());
+}
+
+void TestCleaningFlow::keepsWhatIsExcludedAfterTheConsent_data()
+{
+    QTest::addColumn<bool>("isExcludedBefore");
+    QTest::addRow("excluded after it") << false;
+    QTest::addRow("taken back after it") << true;
+}
+
+void TestCleaningFlow::keepsWhatIsExcludedAfterTheConsent()
+{
+    QFETCH(bool, isExcludedBefore);
+    exclude(isExcludedBefore ? QStringList{storedHistory()} : QStringList());
+    QVERIFY(reachConsent());
+    exclude(isExcludedBefore ? QStringList() : QStringList{storedHistory()});
+    m_disk.answer();
+    QTRY_COMPARE(m_freed.size(), 1);
+    QVERIFY(isHistoryThere());
+    QVERIFY(!m_fixture->exists(".mozilla/firefox/x.default/cookies.sqlite"));
+}
+
+void TestCleaningFlow::freesNothingOnceTheExclusionsAreUnknown()
+{
+    QVERIFY(reachConsent());
+    forgetTheExclusions();
+    m_disk.answer();
+    QTRY_COMPARE(m_freed, QList<qint64>{0});
+    QVERIFY(isHistoryThere());
+}
+
+void TestCleaningFlow::cleansOnWhenThePageIsLeft()
+{
+    QVERIFY(reachConsent());
+    m_flow->leave();
+    QVERIFY(m_flow->isCleaning());
+    m_flow->start();
+    m_disk.answer();
+    QTRY_COMPARE(m_freed, QList<qint64>{4500});
+    QVERIFY(m_flow->isIdle() && !isHistoryThere());
+}
+
+void TestCleaningFlow::removesNothingOnceItIsStopped()
+{
+    QVERIFY(reachConsent());
+    m_flow->requestStop();
+    m_disk.answer();
+    QTRY_COMPARE(m_freed.size(), 1);
+    QVERIFY(m_flow->isIdle() && isHistoryThere());
+}
+
+VANTOR_GUI_TEST_MAIN(TestCleaningFlow)
+#include "tst_CleaningFlow.moc"
