@@ -1,32 +1,17 @@
 // What of a freedesktop home belongs to programs that may be running.
 
 #include "slices/home/FreedesktopSurvey.h"
-
-#include <array>
-
-namespace {
-
-struct MailProgram
-{
-    const char *name;
-    const char *process;
-    const char *folder; ///< where attachments are put to be opened; never a store of mail
-};
-constexpr std::array kMailPrograms{
-    MailProgram{"Claws Mail", "claws-mail", ".claws-mail/mimetmp"},
-    MailProgram{"Sylpheed", "sylpheed", ".sylpheed-2.0/mimetmp"},
-};
-
-} // namespace
+#include "slices/home/KnownPrograms.h"
 
 void FreedesktopSurvey::addMailDownloads()
 {
-    for (const MailProgram &program : kMailPrograms) {
-        if (!m_reader.hasFolder(program.folder) || !add(SliceKind::MailDownloads, program.folder))
+    for (const KnownMailProgram &program : knownMailPrograms()) {
+        const char *folder = program.attachments;
+        if (!m_reader.hasFolder(folder) || !add(SliceKind::MailDownloads, folder))
             continue;
         m_places.programs.push_back({QString::fromLatin1(program.name),
                                      {ProgramLock::Style::ProcessName, program.process},
-                                     {folderUrl(program.folder)}});
+                                     {folderUrl(folder)}});
     }
 }
 

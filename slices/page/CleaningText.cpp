@@ -3,6 +3,7 @@
 #include "platform/base/ByteCount.h"
 #include "slices/cleaning/Cleaning.h"
 #include "slices/exclusions/ExcludedPaths.h"
+#include "slices/home/Enumeration.h"
 #include "slices/record/Info.h"
 #include "slices/record/SliceCatalogue.h"
 
@@ -55,15 +56,6 @@ QString leftAloneLine(const CleaningRefusal &refusal)
     const QString reason = reasonText(refusal.reason);
     return refusal.path.isEmpty() ? reason
                                   : tr("%1: %2").arg(QString::fromUtf8(refusal.path), reason);
-}
-
-/// "Chromium, Edge and Firefox".
-QString enumerated(const QStringList &names)
-{
-    if (names.size() < 2)
-        return names.join(QString());
-    return tr("%1 and %2")
-        .arg(names.mid(0, names.size() - 1).join(QStringLiteral(", ")), names.last());
 }
 
 /// The size of a slice of which programs in use keep something; empty for any other.
