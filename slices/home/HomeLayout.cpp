@@ -1,5 +1,7 @@
 #include "slices/home/HomeLayout.h"
 
+#include "slices/home/KnownPrograms.h"
+
 #include <QCoreApplication>
 
 namespace {
@@ -48,23 +50,10 @@ QString HomeLayout::nameOfDownloads() const
 
 QString HomeLayout::details(SliceKind kind) const
 {
-    if (m_kind == HomeKind::Freedesktop) {
-        switch (kind) {
-        case SliceKind::OldIos:
-            return tr("Every single iOS update that is downloaded from iTunes is stored in the "
-                      "folder of Wine.");
-        case SliceKind::MailDownloads:
-            return tr("Attachments downloaded in Claws Mail and Sylpheed are stored in your hard "
-                      "drive when they are opened.");
-        case SliceKind::BrowserData:
-            return tr("Removes browser data from Firefox, Chrome, Chromium, Brave, Edge and "
-                      "Vivaldi such as cookie files, the history of the latter five and what was "
-                      "typed into forms.");
-        default:
-            break;
-        }
-    }
-    const QString details = QString::fromUtf16(sliceCatalogue()[indexOf(kind)].details);
+    const SliceDescription &slice = sliceDescription(kind);
+    if (m_kind == HomeKind::Freedesktop && slice.freedesktopDetails)
+        return withProgramNames(QString::fromUtf16(slice.freedesktopDetails));
+    const QString details = QString::fromUtf16(slice.details);
     const QString downloads = kind == SliceKind::Downloads ? nameOfDownloads() : QString();
     return downloads.isEmpty() ? details : details + tr(" It is called “%1”.").arg(downloads);
 }

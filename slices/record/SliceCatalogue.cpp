@@ -7,95 +7,94 @@ namespace {
 using Slices = std::array<SliceDescription, kSliceCount>;
 
 constexpr Slices kSlices{{
-    {SliceKind::Trash,
-     u"Trash",
-     u"Empty the Trash",
-     {93, 183, 26},
-     {103, 166, 56},
-     SliceContent::Folders,
-     true},
-    {SliceKind::LargeFiles,
-     u"Large Files",
-     u"View all files (except files excluded in the Preferences) organized by size. Added files "
-     u"are "
-     u"not deleted.",
-     {237, 215, 98},
-     {206, 179, 36},
-     SliceContent::Files,
-     false},
-    {SliceKind::Cache,
-     u"Cache",
-     u"Cache files increase speeds of your apps. Cache files can acclimate over time to gigabytes "
-     u"of "
-     u"data because some apps don’t ever delete them leading to many unused files.",
-     {167, 118, 235},
-     {135, 100, 183},
-     SliceContent::Folders,
-     true},
-    {SliceKind::AppLogs,
-     u"App Logs",
-     u"Similar to Cache, some apps make log files that could end up leading to large files",
-     {93, 156, 236},
-     {46, 126, 227},
-     SliceContent::Folders,
-     true},
-    {SliceKind::OldIos,
-     u"Old iOS",
-     u"Every single iOS update that is downloaded from iTunes is stored on your Mac.",
-     {112, 210, 48},
-     {123, 186, 82},
-     SliceContent::Folders,
-     true},
-    {SliceKind::Downloads,
-     u"Downloads",
-     u"Delete all items in the downloads folder. Please make sure to view and check your downloads "
-     u"folder before deleting all files from there.",
-     {242, 175, 37},
-     {237, 160, 29},
-     SliceContent::Folders,
-     false},
-    {SliceKind::MailDownloads,
-     u"Mail Downloads",
-     u"Attachments downloaded in Mail are stored in your hard drive when they are opened.",
-     {215, 112, 173},
-     {220, 86, 165},
-     SliceContent::Folders,
-     false},
-    {SliceKind::BrowserData,
-     u"Browser Data",
-     u"Removes browser data from Safari and Chrome such as cookie files and website cache.",
-     {62, 173, 228},
-     {18, 164, 236},
-     SliceContent::Files,
-     false},
+    {.kind = SliceKind::Trash,
+     .name = u"Trash",
+     .details = u"Empty the Trash",
+     .color = {93, 183, 26},
+     .secondaryColor = {103, 166, 56},
+     .isOnByDefault = true,
+     .reveal = RevealPolicy::Always,
+     .libraryPaths = {".Trash"}},
+    {.kind = SliceKind::LargeFiles,
+     .name = u"Large Files",
+     .details = u"View all files (except files excluded in the Preferences) organized by size. "
+                u"Added files are not deleted.",
+     .color = {237, 215, 98},
+     .secondaryColor = {206, 179, 36},
+     .content = SliceContent::Files},
+    {.kind = SliceKind::Cache,
+     .name = u"Cache",
+     .details = u"Cache files increase speeds of your apps. Cache files can acclimate over time to "
+                u"gigabytes of data because some apps don’t ever delete them leading to many "
+                u"unused files.",
+     .color = {167, 118, 235},
+     .secondaryColor = {135, 100, 183},
+     .isOnByDefault = true,
+     .libraryPaths = {"Library/Caches"}},
+    {.kind = SliceKind::AppLogs,
+     .name = u"App Logs",
+     .details = u"Similar to Cache, some apps make log files that could end up leading to large "
+                u"files",
+     .color = {93, 156, 236},
+     .secondaryColor = {46, 126, 227},
+     .isOnByDefault = true,
+     .libraryPaths = {"Library/Logs"}},
+    {.kind = SliceKind::OldIos,
+     .name = u"Old iOS",
+     .details = u"Every single iOS update that is downloaded from iTunes is stored on your Mac.",
+     .freedesktopDetails = u"Every single iOS update that is downloaded from iTunes is stored in "
+                           u"the folder of Wine.",
+     .color = {112, 210, 48},
+     .secondaryColor = {123, 186, 82},
+     .isOnByDefault = true,
+     .reveal = RevealPolicy::WhenThere,
+     .libraryPaths = {"Library/iTunes/iPad Software Updates",
+                      "Library/iTunes/iPod Software Updates",
+                      "Library/iTunes/iPhone Software Updates"}},
+    {.kind = SliceKind::Downloads,
+     .name = u"Downloads",
+     .details = u"Delete all items in the downloads folder. Please make sure to view and check "
+                u"your downloads folder before deleting all files from there.",
+     .color = {242, 175, 37},
+     .secondaryColor = {237, 160, 29},
+     .reveal = RevealPolicy::Always,
+     .libraryPaths = {"Downloads"}},
+    {.kind = SliceKind::MailDownloads,
+     .name = u"Mail Downloads",
+     .details = u"Attachments downloaded in Mail are stored in your hard drive when they are "
+                u"opened.",
+     .freedesktopDetails = u"Attachments downloaded in {mail programs} are stored in your hard "
+                           u"drive when they are opened.",
+     .color = {215, 112, 173},
+     .secondaryColor = {220, 86, 165},
+     .reveal = RevealPolicy::Always,
+     .libraryPaths = {"Library/Containers/com.apple.mail/Data/Library/Mail Downloads"}},
+    {.kind = SliceKind::BrowserData,
+     .name = u"Browser Data",
+     .details = u"Removes browser data from Safari and Chrome such as cookie files and website "
+                u"cache.",
+     .freedesktopDetails = u"Removes browser data from {browsers} such as cookie files, the "
+                           u"history of the latter {chromiums} and what was typed into forms.",
+     .color = {62, 173, 228},
+     .secondaryColor = {18, 164, 236},
+     .content = SliceContent::Files,
+     .libraryPaths = {"Library/Application Support/Google/Chrome/Default/Cookies",
+                      "Library/Application Support/Google/Chrome/Default/History",
+                      "Library/Application Support/Google/Chrome/Default/Web Data",
+                      "Library/Safari/History.plist", "Library/Safari/WebpageIcons.db"}},
 }};
 
-std::vector<const char *> relativePaths(SliceKind kind)
+/// A slice is found by its kind, so each row stands in its kind's place and none is left out.
+constexpr bool isComplete()
 {
-    switch (kind) {
-    case SliceKind::Trash:
-        return {".Trash"};
-    case SliceKind::LargeFiles:
-        return {};
-    case SliceKind::Cache:
-        return {"Library/Caches"};
-    case SliceKind::AppLogs:
-        return {"Library/Logs"};
-    case SliceKind::OldIos:
-        return {"Library/iTunes/iPad Software Updates", "Library/iTunes/iPod Software Updates",
-                "Library/iTunes/iPhone Software Updates"};
-    case SliceKind::Downloads:
-        return {"Downloads"};
-    case SliceKind::MailDownloads:
-        return {"Library/Containers/com.apple.mail/Data/Library/Mail Downloads"};
-    case SliceKind::BrowserData:
-        return {"Library/Application Support/Google/Chrome/Default/Cookies",
-                "Library/Application Support/Google/Chrome/Default/History",
-                "Library/Application Support/Google/Chrome/Default/Web Data",
-                "Library/Safari/History.plist", "Library/Safari/WebpageIcons.db"};
+    for (int i = 0; i < kSliceCount; ++i) {
+        const SliceDescription &slice = kSlices[static_cast<std::size_t>(i)];
+        if (indexOf(slice.kind) != i || !slice.name || !slice.details)
+            return false;
     }
-    Q_UNREACHABLE();
+    return true;
 }
+static_assert(isComplete());
 
 } // namespace
 
@@ -104,14 +103,23 @@ const Slices &sliceCatalogue()
     return kSlices;
 }
 
+const SliceDescription &sliceDescription(SliceKind kind)
+{
+    return kSlices[indexOf(kind)];
+}
+
 std::optional<FileUrls> sliceLocations(SliceKind kind, const FileUrl &home)
 {
     if (kind == SliceKind::LargeFiles)
         return std::nullopt;
-    const bool areFolders = kSlices[indexOf(kind)].content == SliceContent::Folders;
+    const SliceDescription &slice = sliceDescription(kind);
+    const FileUrlKind urlKind =
+        slice.content == SliceContent::Folders ? FileUrlKind::Folder : FileUrlKind::File;
     FileUrls urls;
-    for (const char *path : relativePaths(kind))
-        urls.append(home.appending(path, areFolders ? FileUrlKind::Folder : FileUrlKind::File));
+    for (const char *path : slice.libraryPaths) {
+        if (path)
+            urls.append(home.appending(path, urlKind));
+    }
     return urls;
 }
 

@@ -4,9 +4,9 @@
 
 #include <QString>
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <vector>
 
 /// The kinds of content in their fixed order; everywhere else a slice is known by this index.
 enum class SliceKind : std::uint8_t {
@@ -31,16 +31,34 @@ enum class SliceContent {
     Files,   ///< the very files that are cleaned
 };
 
-/// What the program knows of one slice before it looks at any disk.
+/// When the page offers to show a slice's locations in the file manager.
+enum class RevealPolicy {
+    Never,
+    Always,
+    WhenThere, ///< for locations that few machines have: when one of them exists
+};
+
+/// All that the program knows of one slice before it looks at any disk. A new slice is a kind, a
+/// row of these, a drawing of the row's name, and a function of FreedesktopSurvey that finds it.
 struct SliceDescription
 {
-    SliceKind kind;
-    const char16_t *name; ///< shown to people, and the name of its icon
-    const char16_t *details;
-    SliceColor color;
-    SliceColor secondaryColor;
-    SliceContent content;
-    bool isOnByDefault;
+    static constexpr std::size_t kMostPaths = 5;
+    using Paths = std::array<const char *, kMostPaths>;
+
+    SliceKind kind = SliceKind::Trash;
+    const char16_t *name = nullptr; ///< shown to people, and the name of its drawing
+    const char16_t *details = nullptr;
+    /// Where a freedesktop home needs another text; it may name programs as withProgramNames() has
+    /// it.
+    const char16_t *freedesktopDetails = nullptr;
+    SliceColor color{};
+    SliceColor secondaryColor{};
+    SliceContent content = SliceContent::Folders;
+    bool isOnByDefault = false; ///< before the user has chosen anything
+    RevealPolicy reveal = RevealPolicy::Never;
+    /// In a home with a Library, relative to the home; the rest is null. A freedesktop home is
+    /// surveyed.
+    Paths libraryPaths{};
 };
 
 /// A slice that is off.
@@ -52,12 +70,13 @@ inline constexpr auto kClickToSelect = u"Click to select";
 
 /// The eight slices in order. Immutable; any thread.
 const std::array<SliceDescription, kSliceCount> &sliceCatalogue();
+const SliceDescription &sliceDescription(SliceKind kind);
 
 /// Where the slice's content lies below the home folder; nothing where the user chooses the files.
 /// Whether a place exists is not looked at.
 std::optional<FileUrls> sliceLocations(SliceKind kind, const FileUrl &home);
 
-inline int indexOf(SliceKind kind)
+constexpr int indexOf(SliceKind kind)
 {
     return static_cast<int>(kind);
 }

@@ -120,6 +120,8 @@ void TestHomeSurveyHazards::findsEveryPlaceWithoutALink()
     const MadeHome home;
     makeEveryPlace(home);
     QCOMPARE(locationsOf(home, home.survey(environmentOfEveryPlace(home))), kEveryPlace);
+    // No slice was forgotten; large files are picked.
+    QCOMPARE(int(kEveryPlace.size()), kSliceCount - 1);
 }
 
 /// Every place and every folder on the way to it, each led out of the home and to elsewhere in it.

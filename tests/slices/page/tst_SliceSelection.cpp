@@ -2,6 +2,7 @@
 
 #include "app/grant/ResourceManager.h"
 #include "app/settings/SettingsKeys.h"
+#include "platform/look/Images.h"
 #include "slices/exclusions/ExcludedPaths.h"
 #include "tests/support/disk/ForwardingSystemCalls.h"
 #include "tests/support/page/PageFixture.h"
@@ -31,6 +32,7 @@ private Q_SLOTS:
     void init();
     void cleanup();
 
+    void hasADrawingOfEachSlice();
     void startsWithTheDefaultSelection();
     void switchesAllButLargeFilesOnWithoutAnySelection();
     void restoresAStoredSelection_data();
@@ -88,6 +90,13 @@ void TestSliceSelection::exclude(const QByteArrayList &relativePaths)
         urls.append(QString::fromLatin1(
             m_fixture->homeUrl().appending(path, FileUrlKind::Folder).absoluteString()));
     m_fixture->defaults().setStrings(VNTExcludedPathsString, urls);
+}
+
+void TestSliceSelection::hasADrawingOfEachSlice()
+{
+    QCOMPARE(m_selection->records().size(), sliceCatalogue().size());
+    for (const auto &record : m_selection->records())
+        QVERIFY2(hasImageNamed(record->image()), qPrintable(record->image()));
 }
 
 void TestSliceSelection::startsWithTheDefaultSelection()

@@ -1,6 +1,9 @@
 #include "slices/record/SliceCatalogue.h"
 #include "tests/support/run/TestMain.h"
 
+#include <QSet>
+#include <set>
+
 namespace {
 
 const FileUrl kHome = FileUrl::fromPath("/home/anna", FileUrlKind::Folder);
@@ -24,6 +27,9 @@ private Q_SLOTS:
     void explainsEachSlice();
     void paintsEachSliceInItsColors();
     void switchesFourSlicesOnByDefault();
+    void offersToShowFourSlices();
+    void tellsTheSlicesApart();
+    void hasALocationOfEachSliceThatIsNotPicked();
     void leavesLargeFilesToTheUser();
     void namesEveryLocationBelowTheHome();
     void givesFoldersAndFilesTheirForm();
@@ -86,6 +92,39 @@ void TestSliceCatalogue::switchesFourSlicesOnByDefault()
     for (const SliceDescription &slice : sliceCatalogue())
         defaults.append(slice.isOnByDefault);
     QCOMPARE(defaults, QList<bool>({true, false, true, true, true, false, false, false}));
+}
+
+void TestSliceCatalogue::offersToShowFourSlices()
+{
+    constexpr auto kNever = RevealPolicy::Never;
+    constexpr auto kAlways = RevealPolicy::Always;
+    QList<RevealPolicy> policies;
+    for (const SliceDescription &slice : sliceCatalogue())
+        policies.append(slice.reveal);
+    QCOMPARE(policies, QList<RevealPolicy>({kAlways, kNever, kNever, kNever,
+                                            RevealPolicy::WhenThere, kAlways, kAlways, kNever}));
+}
+
+/// People know them by their names and colours, the stored selection by their places.
+void TestSliceCatalogue::tellsTheSlicesApart()
+{
+    QSet<QString> names;
+    std::set<SliceColor> colors{kOffColor, kOffSecondaryColor};
+    for (const SliceDescription &slice : sliceCatalogue()) {
+        names.insert(QString::fromUtf16(slice.name));
+        colors.insert({slice.color, slice.secondaryColor});
+        QVERIFY(!QString::fromUtf16(slice.details).isEmpty());
+        QCOMPARE(&sliceDescription(slice.kind), &slice);
+        QCOMPARE(sliceKindNamed(QString::fromUtf16(slice.name)), std::optional(slice.kind));
+    }
+    QCOMPARE(names.size(), kSliceCount);
+    QCOMPARE(colors.size(), std::size_t{2} * kSliceCount + 2);
+}
+
+void TestSliceCatalogue::hasALocationOfEachSliceThatIsNotPicked()
+{
+    for (const SliceDescription &slice : sliceCatalogue())
+        QCOMPARE(pathsOf(slice.kind).isEmpty(), slice.kind == SliceKind::LargeFiles);
 }
 
 void TestSliceCatalogue::leavesLargeFilesToTheUser()
