@@ -1,19 +1,31 @@
 #include "app/settings/SettingsKeys.h"
 
+#include "slices/record/SliceCatalogue.h"
+
 #include <QJsonArray>
+
+namespace {
+
+QJsonArray slicesOnByDefault()
+{
+    QJsonArray slices;
+    for (const SliceDescription &slice : sliceCatalogue())
+        slices.append(slice.isOnByDefault);
+    return slices;
+}
+
+} // namespace
 
 const QList<SettingDescription> &settingDescriptions()
 {
     const QJsonValue none(QJsonValue::Undefined);
-    // Trash, Large Files, Cache, App Logs, Old iOS, Downloads, Mail Downloads, Browser Data
-    const QJsonArray slices{true, false, true, true, true, false, false, false};
     static const QList<SettingDescription> table{
         {VNTHomeFolderString, SettingType::Data, none},
         {VNTApplicationFolderString, SettingType::Data, none},
         {VNTExcludedPathsString, SettingType::Strings, none},
         {VNTTotalCleanedSize, SettingType::Integer, none},
         {VNTHideDemoWindowString, SettingType::Boolean, none},
-        {VNTSelectedSlicesString, SettingType::Booleans, slices},
+        {VNTSelectedSlicesString, SettingType::Booleans, slicesOnByDefault()},
         {VNTHasLaunchedBeforeString, SettingType::Boolean, false},
     };
     return table;
