@@ -48,20 +48,20 @@ void SliceHover::moveTo(int index)
     offerReveal(index);
 }
 
-/// Old updates are there on few machines: shown where they are, and when the disk has said so while
-/// the pointer stays.
+/// What is there on few machines only is offered when the disk has said that it is there, while the
+/// pointer stays.
 void SliceHover::offerReveal(int index)
 {
     const auto offer = [this, index] {
         m_buttons.placeOnSlice(index, kSliceCount, RevealOffer::Yes);
     };
-    switch (sliceCatalogue()[index].kind) {
-    case SliceKind::Trash:
-    case SliceKind::Downloads:
-    case SliceKind::MailDownloads:
+    switch (sliceCatalogue()[index].reveal) {
+    case RevealPolicy::Never:
+        break;
+    case RevealPolicy::Always:
         offer();
         break;
-    case SliceKind::OldIos:
+    case RevealPolicy::WhenThere:
         if (m_services.home.layout().kind() == HomeKind::Library)
             m_offering.run(lookForPlaces(placesOf(index), [offer](const FileUrls &places) {
                 if (!places.isEmpty())
@@ -69,8 +69,6 @@ void SliceHover::offerReveal(int index)
             }));
         else if (!placesOf(index).isEmpty())
             offer(); // of a home that was looked at, all places are there
-        break;
-    default:
         break;
     }
 }
