@@ -36,12 +36,12 @@ class CleaningRun final
 {
 public:
     CleaningRun(const SystemCalls &calls, const CleaningPlan &plan, std::stop_token stop,
-                CleaningObserver *observer, const InUseCheck &inUse)
+                const InUseCheck &inUse)
         : m_calls(calls),
           m_plan(plan),
           m_stop(std::move(stop)),
           m_inUse(inUse),
-          m_builder(plan.refusals(), observer),
+          m_builder(plan.refusals()),
           m_space(kListingSpace)
     {
     }
@@ -246,8 +246,7 @@ void CleaningRun::logFiles(std::size_t first)
 } // namespace
 
 CleaningReport performCleaning(const SystemCalls &calls, const CleaningPlan &plan,
-                               std::stop_token stop, CleaningObserver *observer,
-                               const InUseCheck &inUse)
+                               std::stop_token stop, const InUseCheck &inUse)
 {
-    return CleaningRun(calls, plan, std::move(stop), observer, inUse).run();
+    return CleaningRun(calls, plan, std::move(stop), inUse).run();
 }

@@ -6,8 +6,6 @@
 
 namespace {
 
-constexpr std::uint64_t kItemsBetweenCalls = 512;
-
 /// What people and tests read: the URL, which is plain ASCII whatever the name.
 QByteArray textOf(const QByteArray &path, FileUrlKind kind)
 {
@@ -77,10 +75,8 @@ void logLocked(const CleaningRefusal &refusal)
 
 } // namespace
 
-CleaningReportBuilder::CleaningReportBuilder(const QList<CleaningRefusal> &planned,
-                                             CleaningObserver *observer)
-    : m_observer(observer),
-      m_plannedRefusals(static_cast<std::uint64_t>(planned.size())),
+CleaningReportBuilder::CleaningReportBuilder(const QList<CleaningRefusal> &planned)
+    : m_plannedRefusals(static_cast<std::uint64_t>(planned.size())),
       m_isLogging(logVantor().isInfoEnabled())
 {
     m_report.refusals = planned;
@@ -105,21 +101,6 @@ void CleaningReportBuilder::logRemoval(const QByteArray &path, FileUrlKind kind)
     qCInfo(logVantor, "%s", textOf(path, kind).constData());
 }
 
-void CleaningReportBuilder::removed()
-{
-    const std::uint64_t items = m_removed.fetch_add(1, std::memory_order_relaxed) + 1;
-    if (items % kItemsBetweenCalls == 0)
-        tellObserver();
-}
-
-void CleaningReportBuilder::tellObserver()
-{
-    if (!m_observer)
-        return;
-    const std::scoped_lock lock(m_observerMutex);
-    m_observer->removedSoFar(m_removed.load(std::memory_order_relaxed));
-}
-
 void CleaningReportBuilder::failed(const QByteArray &path, int error)
 {
     const std::scoped_lock lock(m_mutex);
@@ -140,7 +121,6 @@ void CleaningReportBuilder::refused(const QByteArray &path, RefusalReason reason
 
 CleaningReport CleaningReportBuilder::finish(bool wasStopped)
 {
-    tellObserver();
     const std::scoped_lock lock(m_mutex);
     m_report.removedItems = m_removed.load(std::memory_order_relaxed);
     m_report.wasStopped = wasStopped;

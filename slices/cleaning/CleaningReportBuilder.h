@@ -1,6 +1,6 @@
 #pragma once
 
-#include "slices/cleaning/Cleaning.h"
+#include "slices/cleaning/CleaningReport.h"
 
 #include <atomic>
 #include <mutex>
@@ -11,7 +11,7 @@ class CleaningReportBuilder final
 {
 public:
     /// Writes at once what the plan refused.
-    CleaningReportBuilder(const QList<CleaningRefusal> &planned, CleaningObserver *observer);
+    explicit CleaningReportBuilder(const QList<CleaningRefusal> &planned);
 
     /// The items directly in question at a place, before the first is removed; of very many only
     /// the first.
@@ -28,7 +28,7 @@ public:
     }
     void logRemoval(const QByteArray &path, FileUrlKind kind) const;
 
-    void removed();
+    void removed() { m_removed.fetch_add(1, std::memory_order_relaxed); }
     void failed(const QByteArray &path, int error);
     void refused(const QByteArray &path, RefusalReason reason, int error);
 
@@ -38,15 +38,12 @@ public:
 private:
     static constexpr std::uint64_t kMaxRemovalLines = 10'000;
 
-    void tellObserver();
     void logTheRest() const;
 
-    CleaningObserver *m_observer;
     std::uint64_t m_plannedRefusals;
     const bool m_isLogging;
     std::atomic<std::uint64_t> m_announced = 0;
     std::atomic<std::uint64_t> m_removed = 0;
-    std::mutex m_observerMutex;
 
     std::mutex m_mutex; ///< guards all below
     CleaningReport m_report;

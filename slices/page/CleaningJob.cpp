@@ -39,14 +39,14 @@ CleaningReport cleanDisk(const SystemCalls &calls, FileAccess &access, const Rec
     const auto inUseNow = [&](const CleaningLocation &location, const FileUrl &place) {
         return placesInUse(calls, location.path, layout, place);
     };
-    CleaningReport report = performCleaning(calls, plan, stop, nullptr, inUseNow);
+    CleaningReport report = performCleaning(calls, plan, stop, inUseNow);
     takeAwaySizes(sizes, foundInUse(report, plan));
     return report;
 }
 
 CleaningReport refusedReport()
 {
-    return CleaningReportBuilder({{QByteArray(), RefusalReason::UnknownExclusions, 0}}, nullptr)
+    return CleaningReportBuilder({{QByteArray(), RefusalReason::UnknownExclusions, 0}})
         .finish(false);
 }
 

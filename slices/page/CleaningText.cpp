@@ -1,7 +1,7 @@
 #include "slices/page/CleaningText.h"
 
 #include "platform/base/ByteCount.h"
-#include "slices/cleaning/Cleaning.h"
+#include "slices/cleaning/CleaningReport.h"
 #include "slices/exclusions/ExcludedPaths.h"
 #include "slices/home/Enumeration.h"
 #include "slices/record/Info.h"

@@ -38,7 +38,7 @@ private:
         for (const QByteArray &place : programPlaces)
             slice.programPlaces.append(m_home->folder(place));
         const auto plan = makeCleaningPlan(calls, *m_home, {slice}, excluding(excluded));
-        return performCleaning(calls, plan, stop, nullptr,
+        return performCleaning(calls, plan, stop,
                                [this](const CleaningLocation &, const FileUrl &place) {
                                    m_asked.append(place.path().sliced(m_path.size() + 1));
                                    return m_inUse ? m_inUse(place) : FileUrls();

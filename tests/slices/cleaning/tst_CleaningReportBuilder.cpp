@@ -24,7 +24,6 @@ private Q_SLOTS:
     void logsEverythingThatIsLeft_data();
     void logsEverythingThatIsLeft();
     void stopsLoggingWhenThereAreVeryMany();
-    void tellsTheObserver();
     void countsWhatItNoLongerLists();
 
 private:
@@ -149,8 +148,7 @@ void TestCleaningReportBuilder::logsWhatThePlanRefuses()
 void TestCleaningReportBuilder::logsThatNobodyKnowsWhatIsExcluded()
 {
     const LogRecorder log;
-    CleaningReportBuilder({{QByteArray(), RefusalReason::UnknownExclusions, 0}}, nullptr)
-        .finish(false);
+    CleaningReportBuilder({{QByteArray(), RefusalReason::UnknownExclusions, 0}}).finish(false);
     QCOMPARE(log.lines(), QStringList(QStringLiteral("File might be locked: everything: "
                                                      "nobody knows what is excluded")));
 }
@@ -220,27 +218,10 @@ void TestCleaningReportBuilder::stopsLoggingWhenThereAreVeryMany()
     QCOMPARE(log.lines().last(), QStringLiteral("and 100 more removals"));
 }
 
-void TestCleaningReportBuilder::tellsTheObserver()
-{
-    class Counter final : public CleaningObserver
-    {
-    public:
-        void removedSoFar(std::uint64_t items) override { m_seen.push_back(items); }
-        std::vector<std::uint64_t> m_seen;
-    };
-    for (int i = 0; i < 1100; ++i)
-        makeFile(downloads("f" + QByteArray::number(i % 3) + '/' + QByteArray::number(i)), {});
-    Counter counter;
-    const CleaningPlan plan = makeCleaningPlan(hostSystemCalls(), *m_home,
-                                               {contentsOf({m_home->folder("Downloads")})}, {});
-    performCleaning(hostSystemCalls(), plan, {}, &counter);
-    QCOMPARE(counter.m_seen, std::vector<std::uint64_t>({512, 1024, 1103}));
-}
-
 void TestCleaningReportBuilder::countsWhatItNoLongerLists()
 {
     const LogRecorder log;
-    CleaningReportBuilder builder({{"/planned", RefusalReason::Link, ELOOP}}, nullptr);
+    CleaningReportBuilder builder({{"/planned", RefusalReason::Link, ELOOP}});
     constexpr int kMany = CleaningReport::kMaxReported + 10;
     for (int i = 0; i < kMany; ++i) {
         builder.failed("/f" + QByteArray::number(i), EPERM);

@@ -261,8 +261,7 @@ void TestHomeProperties::removesWhatIsPlannedAndNothingElse()
         const auto nothingMoreInUse = [](const CleaningLocation &, const FileUrl &) {
             return FileUrls();
         };
-        removed +=
-            performCleaning(hostSystemCalls(), plan, {}, nullptr, nothingMoreInUse).removedItems;
+        removed += performCleaning(hostSystemCalls(), plan, {}, nothingMoreInUse).removedItems;
         const QByteArray flaw = difference(tree(made.home.path()), rest);
         QVERIFY2(flaw.isEmpty(), "seed " + QByteArray::number(seed) + ": " + flaw);
         QVERIFY(exists(made.home.outside("elsewhere/files/keep")));
