@@ -1,6 +1,7 @@
 #include "slices/cleaning/CleaningReportBuilder.h"
 
 #include "platform/base/Log.h"
+#include "slices/cleaning/RefusalText.h"
 
 #include <system_error>
 
@@ -10,39 +11,6 @@ namespace {
 QByteArray textOf(const QByteArray &path, FileUrlKind kind)
 {
     return FileUrl::fromPath(path, kind).absoluteString();
-}
-
-const char *reasonText(RefusalReason reason)
-{
-    switch (reason) {
-    case RefusalReason::UnknownExclusions:
-        return "nobody knows what is excluded";
-    case RefusalReason::UnparsableExclusion:
-        return "excluded, but not a path that can be read";
-    case RefusalReason::UnresolvedExclusion:
-        return "something excluded inside cannot be found";
-    case RefusalReason::OutsideGrant:
-        return "not in the granted folder";
-    case RefusalReason::GrantedFolder:
-        return "the granted folder itself";
-    case RefusalReason::Link:
-        return "a link, or reached through one";
-    case RefusalReason::NotAFolder:
-        return "not a folder";
-    case RefusalReason::NotAFile:
-        return "not a plain file";
-    case RefusalReason::OtherFileSystem:
-        return "on another file system";
-    case RefusalReason::Unreadable:
-        return "cannot be read";
-    case RefusalReason::PartlyListed:
-        return "cannot be read to its end";
-    case RefusalReason::Changed:
-        return "changed meanwhile";
-    case RefusalReason::InUse:
-        return "used by a program";
-    }
-    Q_UNREACHABLE();
 }
 
 std::string errorText(int error)
@@ -70,7 +38,7 @@ void logLocked(const CleaningRefusal &refusal)
     const std::string error =
         refusal.error == 0 ? std::string() : " (" + errorText(refusal.error) + ')';
     qCInfo(logVantor, "File might be locked: %s: %s%s", whatIsRefused(refusal).constData(),
-           reasonText(refusal.reason), error.c_str());
+           refusalText(refusal.reason).logged, error.c_str());
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "platform/base/ByteCount.h"
 #include "slices/cleaning/CleaningReport.h"
+#include "slices/cleaning/RefusalText.h"
 #include "slices/exclusions/ExcludedPaths.h"
 #include "slices/home/Enumeration.h"
 #include "slices/record/Info.h"
@@ -18,42 +19,9 @@ QString tr(const char *text)
     return QCoreApplication::translate("CleaningText", text);
 }
 
-QString reasonText(RefusalReason reason)
-{
-    switch (reason) {
-    case RefusalReason::UnknownExclusions:
-        return tr("nobody knows which paths are excluded, so nothing was cleaned");
-    case RefusalReason::UnparsableExclusion:
-        return tr("this excluded path cannot be read, so nothing was cleaned");
-    case RefusalReason::UnresolvedExclusion:
-        return tr("something excluded inside it cannot be found any more");
-    case RefusalReason::OutsideGrant:
-        return tr("it is not in your home folder");
-    case RefusalReason::GrantedFolder:
-        return tr("it is your home folder itself");
-    case RefusalReason::Link:
-        return tr("it is a link");
-    case RefusalReason::NotAFolder:
-        return tr("it is not a folder");
-    case RefusalReason::NotAFile:
-        return tr("it is not a plain file");
-    case RefusalReason::OtherFileSystem:
-        return tr("it is on another disk");
-    case RefusalReason::Unreadable:
-        return tr("it could not be read");
-    case RefusalReason::PartlyListed:
-        return tr("it could not be read to the end");
-    case RefusalReason::Changed:
-        return tr("it was changed meanwhile");
-    case RefusalReason::InUse:
-        return tr("a program has begun to use it");
-    }
-    Q_UNREACHABLE();
-}
-
 QString leftAloneLine(const CleaningRefusal &refusal)
 {
-    const QString reason = reasonText(refusal.reason);
+    const QString reason = tr(refusalText(refusal.reason).told);
     return refusal.path.isEmpty() ? reason
                                   : tr("%1: %2").arg(QString::fromUtf8(refusal.path), reason);
 }

@@ -1,0 +1,37 @@
+#include "slices/cleaning/RefusalText.h"
+
+RefusalText refusalText(RefusalReason reason)
+{
+    switch (reason) {
+    case RefusalReason::UnknownExclusions:
+        return {"nobody knows which paths are excluded, so nothing was cleaned",
+                "nobody knows what is excluded"};
+    case RefusalReason::UnparsableExclusion:
+        return {"this excluded path cannot be read, so nothing was cleaned",
+                "excluded, but not a path that can be read"};
+    case RefusalReason::UnresolvedExclusion:
+        return {"something excluded inside it cannot be found any more",
+                "something excluded inside cannot be found"};
+    case RefusalReason::OutsideGrant:
+        return {"it is not in your home folder", "not in the granted folder"};
+    case RefusalReason::GrantedFolder:
+        return {"it is your home folder itself", "the granted folder itself"};
+    case RefusalReason::Link:
+        return {"it is a link", "a link, or reached through one"};
+    case RefusalReason::NotAFolder:
+        return {"it is not a folder", "not a folder"};
+    case RefusalReason::NotAFile:
+        return {"it is not a plain file", "not a plain file"};
+    case RefusalReason::OtherFileSystem:
+        return {"it is on another disk", "on another file system"};
+    case RefusalReason::Unreadable:
+        return {"it could not be read", "cannot be read"};
+    case RefusalReason::PartlyListed:
+        return {"it could not be read to the end", "cannot be read to its end"};
+    case RefusalReason::Changed:
+        return {"it was changed meanwhile", "changed meanwhile"};
+    case RefusalReason::InUse:
+        return {"a program has begun to use it", "used by a program"};
+    }
+    Q_UNREACHABLE();
+}

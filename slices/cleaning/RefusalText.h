@@ -1,0 +1,12 @@
+#pragma once
+
+#include "slices/cleaning/CleaningPlan.h"
+
+/// Why a location was left alone, in words.
+struct RefusalText
+{
+    const char *told;   ///< to the user, after the location; still to be translated
+    const char *logged; ///< shorter, for whoever knows the program
+};
+
+RefusalText refusalText(RefusalReason reason);
