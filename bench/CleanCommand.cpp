@@ -75,9 +75,9 @@ bool cleanOne(const QString &path, const ExcludedPaths &excluded)
 {
     const QFileInfo found(path);
     const QByteArray real = QFile::encodeName(found.absoluteFilePath());
-    const auto mode = found.isDir() && !found.isSymLink() ? CleaningMode::ContentsOfFolders
-                                                          : CleaningMode::TheVeryFiles;
-    const auto kind = mode == CleaningMode::TheVeryFiles ? FileUrlKind::File : FileUrlKind::Folder;
+    const auto content =
+        found.isDir() && !found.isSymLink() ? SliceContent::Folders : SliceContent::Files;
+    const auto kind = content == SliceContent::Files ? FileUrlKind::File : FileUrlKind::Folder;
     const FileUrl url = FileUrl::fromPath(real, kind);
     const SurroundingFolder access(url.path().first(qMax(1, url.path().lastIndexOf('/'))));
     const auto place = access.anchoredPath(url);
@@ -87,7 +87,7 @@ bool cleanOne(const QString &path, const ExcludedPaths &excluded)
     timer.start();
     const CleaningReport report = performCleaning(
         hostSystemCalls(),
-        makeCleaningPlan(hostSystemCalls(), access, {{path, {url}, mode}}, excluded), {});
+        makeCleaningPlan(hostSystemCalls(), access, {{path, {url}, content}}, excluded), {});
     const double seconds = double(timer.nsecsElapsed()) / 1e9;
 
     complain(report);

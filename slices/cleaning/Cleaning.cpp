@@ -75,7 +75,7 @@ CleaningReport CleaningRun::run()
 {
     const auto &locations = m_plan.locations();
     for (std::size_t i = 0; i < locations.size() && !m_stop.stop_requested(); ++i) {
-        if (locations[i].mode == CleaningMode::TheVeryFiles)
+        if (locations[i].content == SliceContent::Files)
             logFiles(i);
         clean(locations[i]);
     }
@@ -86,7 +86,7 @@ void CleaningRun::clean(const CleaningLocation &location)
 {
     if (m_inUse && m_inUse(location, location.url).contains(location.url))
         refuse(location, RefusalReason::InUse, 0);
-    else if (location.mode == CleaningMode::ContentsOfFolders)
+    else if (location.content == SliceContent::Folders)
         emptyFolder(location);
     else
         removeFile(location);
@@ -231,7 +231,7 @@ void CleaningRun::logFiles(std::size_t first)
 {
     const auto &locations = m_plan.locations();
     const auto isOfSameSlice = [&](const CleaningLocation &other) {
-        return other.slice == locations[first].slice && other.mode == locations[first].mode;
+        return other.slice == locations[first].slice && other.content == locations[first].content;
     };
     if (locations[first].isTouched || (first > 0 && isOfSameSlice(locations[first - 1])))
         return;

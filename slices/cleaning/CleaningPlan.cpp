@@ -101,11 +101,11 @@ void CleaningPlanner::planSlice(const SliceToClean &slice)
         // Of the very files all are judged as soon as one is touched: none may slip through
         // because it was listed beside another.
         const bool isTouched =
-            slice.mode == CleaningMode::TheVeryFiles ? isAnyTouched : excluded.touches(url);
+            slice.content == SliceContent::Files ? isAnyTouched : excluded.touches(url);
         planLocation({slice.name,
                       url,
                       {},
-                      slice.mode,
+                      slice.content,
                       {},
                       isTouched,
                       slice.readOnlyFolders,
@@ -151,7 +151,7 @@ bool CleaningPlanner::isExcludedByPath(const CleaningLocation &location) const
     const ExcludedPaths &excluded = m_plan.m_excluded;
     const QByteArray path = location.url.path();
     const ExclusionMatch byPath = excluded.matchByPath(path + '/');
-    if (location.mode == CleaningMode::ContentsOfFolders)
+    if (location.content == SliceContent::Folders)
         return byPath == ExclusionMatch::Whole;
     // A file goes or stays as one: what holds something excluded stays too.
     const QByteArray text = location.url.isFolder() ? path + '/' : path;
@@ -179,7 +179,7 @@ CleaningPlanner::examine(CleaningLocation &location) const
 {
     QByteArrayList names = location.path.relativePath.split('/');
     const QByteArray fileName =
-        location.mode == CleaningMode::TheVeryFiles ? names.takeLast() : QByteArray();
+        location.content == SliceContent::Files ? names.takeLast() : QByteArray();
     FileDescriptor held;
     int folder = location.path.anchor->get();
     auto identity = m_calls.identityOf(folder);

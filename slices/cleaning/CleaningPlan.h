@@ -3,17 +3,12 @@
 #include "platform/files/FileAccess.h"
 #include "platform/system/SystemCalls.h"
 #include "slices/exclusions/ExcludedPaths.h"
+#include "slices/record/SliceCatalogue.h"
 #include "slices/sizing/ReadOnlyFolders.h"
 
 #include <QList>
 #include <optional>
 #include <vector>
-
-/// What a slice's places stand for.
-enum class CleaningMode {
-    ContentsOfFolders, ///< all that the folders hold; the folders themselves stay
-    TheVeryFiles,      ///< the files themselves
-};
 
 /// What of a slice's places may go.
 enum class RemovalScope {
@@ -31,7 +26,7 @@ struct SliceToClean
 {
     QString name;
     FileUrls fileURLs;
-    CleaningMode mode = CleaningMode::ContentsOfFolders;
+    SliceContent content = SliceContent::Folders;
     ReadOnlyFolders readOnlyFolders = ReadOnlyFolders::Stay; ///< inside the places, not themselves
     RemovalScope whatGoes = RemovalScope::Everything;
     FileUrls kept = {}; ///< in use inside the places; need not be there
@@ -72,7 +67,7 @@ struct CleaningLocation
     QString slice;
     FileUrl url;
     AnchoredPath path;
-    CleaningMode mode = CleaningMode::ContentsOfFolders;
+    SliceContent content = SliceContent::Folders;
     FileIdentity identity; ///< what was there when the plan was made; anything else is left alone
     /// Whether an exclusion touches the place (for the very files: any of their slice), so that
     /// each item below is judged by its path.

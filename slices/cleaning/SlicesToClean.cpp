@@ -5,11 +5,10 @@
 
 namespace {
 
-CleaningMode modeOf(const QString &slice)
+SliceContent contentOf(const QString &slice)
 {
     const std::optional<SliceKind> kind = sliceKindNamed(slice);
-    const bool areFiles = kind && sliceCatalogue()[indexOf(*kind)].content == SliceContent::Files;
-    return areFiles ? CleaningMode::TheVeryFiles : CleaningMode::ContentsOfFolders;
+    return kind ? sliceDescription(*kind).content : SliceContent::Folders;
 }
 
 /// What is in the freedesktop places of single files is written by the programs as plain files; the
@@ -45,7 +44,7 @@ QList<SliceToClean> trashToClean(const QString &name, const FileUrl &location)
         return {folder};
     return {{.name = name,
              .fileURLs = {*book},
-             .mode = CleaningMode::TheVeryFiles,
+             .content = SliceContent::Files,
              .whatGoes = RemovalScope::RegularFiles,
              .onlyWith = location},
             folder};
@@ -56,7 +55,7 @@ SliceToClean placesToClean(const HomeLayout &layout, const Info &record, const F
 {
     return {.name = record.name(),
             .fileURLs = locations,
-            .mode = modeOf(record.name()),
+            .content = contentOf(record.name()),
             .whatGoes = whatGoesOf(layout, record.name()),
             .kept = record.kept(),
             .programPlaces = programPlaces(layout, locations)};

@@ -189,9 +189,8 @@ void TestExcludedNames::areNotFoundBySearches()
 void TestExcludedNames::areLeftByCleanings()
 {
     exclude();
-    const SliceToClean downloads{QStringLiteral("Downloads"),
-                                 {m_fixture->url("Downloads")},
-                                 CleaningMode::ContentsOfFolders};
+    const SliceToClean downloads{
+        QStringLiteral("Downloads"), {m_fixture->url("Downloads")}, SliceContent::Folders};
     const CleaningPlan plan =
         makeCleaningPlan(hostSystemCalls(), m_fixture->access(), {downloads},
                          ExcludedPaths::fromStoredStrings(m_fixture->setting()));

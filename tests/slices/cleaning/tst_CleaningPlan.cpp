@@ -87,7 +87,7 @@ void TestCleaningPlan::plansPlacesInTheirOrder()
     QVERIFY(plan.excludedLocations().isEmpty());
     const CleaningLocation &last = plan.locations().back();
     QCOMPARE(last.slice, QStringLiteral("Browser Data"));
-    QCOMPARE(last.mode, CleaningMode::TheVeryFiles);
+    QCOMPARE(last.content, SliceContent::Files);
     QCOMPARE(last.path.relativePath, QByteArray("Library/Safari/History.plist"));
     QVERIFY(last.identity.inode != 0);
     QVERIFY(!last.isTouched);

@@ -93,7 +93,7 @@ std::set<QByteArray> expectedRest(const RandomHome &made, const CleaningPlan &pl
         const QByteArray place = location.path.relativePath;
         std::erase_if(rest, [&](const QByteArray &path) {
             const bool isOfPlace = path.startsWith(place + '/') ||
-                                   (path == place && location.mode == CleaningMode::TheVeryFiles);
+                                   (path == place && location.content == SliceContent::Files);
             return isOfPlace && !isKept(made, path, *sliceKindNamed(location.slice));
         });
     }

@@ -143,12 +143,12 @@ inline ExcludedPaths excluding(const FileUrls &urls)
 
 inline SliceToClean contentsOf(const FileUrls &folders)
 {
-    return {QStringLiteral("Downloads"), folders, CleaningMode::ContentsOfFolders};
+    return {QStringLiteral("Downloads"), folders, SliceContent::Folders};
 }
 
 inline SliceToClean theFiles(const FileUrls &files)
 {
-    return {QStringLiteral("Browser Data"), files, CleaningMode::TheVeryFiles};
+    return {QStringLiteral("Browser Data"), files, SliceContent::Files};
 }
 
 /// Plans and performs, as the page does.

@@ -25,7 +25,7 @@ inline CleaningPlan planOfEverything(const MadeHome &home, const HomeLayout &lay
 /// What is done to a place, in words.
 inline QByteArray verbOf(const CleaningLocation &location)
 {
-    const bool areFiles = location.mode == CleaningMode::TheVeryFiles;
+    const bool areFiles = location.content == SliceContent::Files;
     const bool goReadOnlyFolders = location.readOnlyFolders == ReadOnlyFolders::Emptied;
     if (areFiles && !goReadOnlyFolders && location.whatGoes != RemovalScope::LoneRecords)
         return location.whatGoes == RemovalScope::RegularFiles ? "remove"
