@@ -1,7 +1,8 @@
 #pragma once
 
 #include "slices/home/FoundPrograms.h"
-#include "slices/home/HomeSurvey.h"
+#include "slices/home/HomeEnvironment.h"
+#include "slices/home/HomePaths.h"
 #include "slices/home/UserDirs.h"
 #include "slices/home/UserFolders.h"
 

@@ -5,11 +5,6 @@
 
 #include <cerrno>
 
-HomeEnvironment HomeEnvironment::ofThisProcess()
-{
-    return {qgetenv("XDG_DATA_HOME"), qgetenv("XDG_CACHE_HOME"), qgetenv("HOME")};
-}
-
 namespace {
 
 HomeKind kindOf(const SystemCalls &calls, const std::optional<AnchoredPath> &home)

@@ -2,21 +2,10 @@
 
 #include "platform/files/FileAccess.h"
 #include "platform/system/SystemCalls.h"
+#include "slices/home/HomeEnvironment.h"
 #include "slices/home/HomeLayout.h"
 
 #include <stop_token>
-
-/// What the environment says about where programs keep things. It may add a trash and a cache, if
-/// they are below the home and look like one; it can change nothing else.
-struct HomeEnvironment
-{
-    QByteArray dataHome;  ///< XDG_DATA_HOME
-    QByteArray cacheHome; ///< XDG_CACHE_HOME
-    /// HOME: another path of the granted home, where it leads there; otherwise nothing.
-    QByteArray home = {};
-
-    static HomeEnvironment ofThisProcess();
-};
 
 /// How the granted home is laid out. The fixed layout has a home that holds a folder "Library"
 /// itself, no link to one, and every home of a system where all homes do; also one that there is no
