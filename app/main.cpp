@@ -1,8 +1,8 @@
 #include "app/AppDelegate.h"
 #include "app/Appearance.h"
 #include "platform/threads/BackgroundThreads.h"
-#include "prefs/tutorial/TutorialView.h"
 #include "prefs/tutorial/WebTutorial.h"
+#include "prefs/tutorial/WebTutorialView.h"
 
 #include <QApplication>
 #include <QTimer>
@@ -21,7 +21,7 @@ AppDelegate::Configuration configurationWith(WebTutorial &tutorial)
 {
     AppDelegate::Configuration configuration;
     configuration.makeTutorialView = [&tutorial](QWidget *parent) -> QWidget * {
-        return tutorial.makeView(parent);
+        return new WebTutorialView(tutorial, parent);
     };
     return configuration;
 }

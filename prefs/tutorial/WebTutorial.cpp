@@ -4,7 +4,6 @@
 #include "app/settings/SettingsKeys.h"
 #include "platform/base/Log.h"
 #include "platform/look/ViewAlpha.h"
-#include "prefs/tutorial/WebTutorialView.h"
 
 #include <QGuiApplication>
 #include <QOpenGLContext>
@@ -86,11 +85,6 @@ void WebTutorial::endProbe(bool isUsable, const char *reason)
     if (!isUsable)
         qCInfo(logVantor, "The tutorial is shown without the web engine: %s.", reason);
     Q_EMIT probed(isUsable);
-}
-
-TutorialView *WebTutorial::makeView(QWidget *parent)
-{
-    return new WebTutorialView(*this, parent);
 }
 
 TutorialEngine *WebTutorial::engine()

@@ -9,8 +9,6 @@
 #include <QProcess>
 #include <chrono>
 
-class TutorialView;
-
 /// Where the parts with the web engine are. Either may be missing.
 struct WebTutorialFiles
 {
@@ -51,9 +49,6 @@ public:
     void probe();
 
     bool isUsable() const { return m_isUsable; }
-
-    /// A view that shows the tutorial with the engine if that is usable now.
-    TutorialView *makeView(QWidget *parent);
 
     /// The engine's view of a page, as TutorialEngine::makeView(); null when it is not usable.
     QWidget *makeWebView(const QUrl &page, std::function<void(bool isShown)> ended,

@@ -61,11 +61,11 @@ bool isPlugin(const QString &path)
 /// Whether a new view shows the tutorial, and not by the engine.
 bool showsRichText(WebTutorial &tutorial)
 {
-    const std::unique_ptr<TutorialView> view(tutorial.makeView(nullptr));
-    view->load(kPage);
-    const auto *text = view->findChild<TextTutorialView *>();
+    WebTutorialView view(tutorial);
+    view.load(kPage);
+    const auto *text = view.findChild<TextTutorialView *>();
     return text && text->plainText().startsWith(QStringLiteral("How Vantor works")) &&
-           !qobject_cast<WebTutorialView *>(view.get())->isWeb();
+           !view.isWeb();
 }
 
 } // namespace

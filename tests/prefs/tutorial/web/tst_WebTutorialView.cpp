@@ -6,6 +6,7 @@
 #include "prefs/exclusions/InterfaceClasses.h"
 #include "prefs/tutorial/DemoWindowController.h"
 #include "prefs/tutorial/TextTutorialView.h"
+#include "prefs/tutorial/WebTutorial.h"
 #include "tests/prefs/tutorial/WebTestMain.h"
 #include "tests/support/page/StillStyle.h"
 #include "tests/support/run/LogRecorder.h"
@@ -93,7 +94,7 @@ void TestWebTutorialView::cleanup()
 
 WebTutorialView &TestWebTutorialView::load(const QUrl &page, QStyle *style)
 {
-    m_view = qobject_cast<WebTutorialView *>(m_tutorial->makeView(m_host.get()));
+    m_view = new WebTutorialView(*m_tutorial, m_host.get());
     QSignalSpy loaded(m_view, &WebTutorialView::loaded);
     m_view->resize(680, 500);
     m_view->show();
@@ -111,7 +112,7 @@ void TestWebTutorialView::present()
     m_loader = std::make_unique<InterfaceLoader>();
     registerPrefsClasses(*m_loader);
     m_loader->registerClass(QStringLiteral("TutorialView"), [this](QWidget *parent) -> QWidget * {
-        return m_tutorial->makeView(parent);
+        return new WebTutorialView(*m_tutorial, parent);
     });
     m_demo = std::make_unique<DemoWindowController>(*m_loader, *m_defaults);
     m_demo->window();
