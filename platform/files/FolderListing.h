@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/system/DirectoryEntries.h"
+#include "platform/system/SystemCalls.h"
 
 #include <functional>
 #include <span>

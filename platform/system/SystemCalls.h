@@ -1,8 +1,8 @@
 #pragma once
 
 #include "platform/system/FileDescriptor.h"
+#include "platform/system/FileStatus.h"
 
-#include <QByteArray>
 #include <QByteArrayList>
 #include <cstdint>
 #include <span>
@@ -10,36 +10,6 @@
 
 /// A call's value, or the errno with which it failed.
 template <typename T> using SystemResult = tl::expected<T, int>;
-
-enum class FileKind : std::uint8_t { Unknown, Regular, Folder, Link, Other };
-
-/// What one status call brings.
-struct FileStatus
-{
-    FileKind kind = FileKind::Unknown;
-    std::uint16_t permissions = 0; ///< the mode's lower twelve bits
-    std::uint32_t owner = 0;
-    std::uint64_t size = 0; ///< bytes, as the directory listing shows it
-    std::uint64_t inode = 0;
-    std::uint64_t device = 0;
-    bool isImmutable = false; ///< by attribute: it can be neither changed nor removed
-    bool isAppendOnly = false;
-    bool isMountRoot = false;
-};
-
-/// What tells one folder or file from every other, also from one put in its place under its name:
-/// an inode number alone is reused at once.
-struct FileIdentity
-{
-    QByteArray handle; ///< the file system's own handle, with its type; empty where it gives none
-    std::uint64_t fileSystem = 0;
-    std::uint64_t device = 0; ///< valid within one boot
-    std::uint64_t inode = 0;
-    std::int64_t birthSeconds = 0; ///< 0 where the file system keeps no birth time
-    std::uint32_t birthNanoseconds = 0;
-
-    friend bool operator==(const FileIdentity &, const FileIdentity &) = default;
-};
 
 /// The user as whom this process touches files.
 struct ActingUser
