@@ -5,6 +5,16 @@
 
 enum class FileKind : std::uint8_t { Unknown, Regular, Folder, Link, Other };
 
+/// Which file something is, whatever its names, for as long as it is there: once it is gone, the
+/// number is soon another's. See FileIdentity.
+struct InodeId
+{
+    std::uint64_t device = 0; ///< valid within one boot
+    std::uint64_t inode = 0;
+
+    friend bool operator==(const InodeId &, const InodeId &) = default;
+};
+
 /// What one status call brings.
 struct FileStatus
 {
@@ -17,6 +27,8 @@ struct FileStatus
     bool isImmutable = false; ///< by attribute: it can be neither changed nor removed
     bool isAppendOnly = false;
     bool isMountRoot = false;
+
+    InodeId inodeId() const { return {device, inode}; }
 };
 
 /// What tells one folder or file from every other, also from one put in its place under its name:
@@ -29,6 +41,8 @@ struct FileIdentity
     std::uint64_t inode = 0;
     std::int64_t birthSeconds = 0; ///< 0 where the file system keeps no birth time
     std::uint32_t birthNanoseconds = 0;
+
+    InodeId inodeId() const { return {device, inode}; }
 
     friend bool operator==(const FileIdentity &, const FileIdentity &) = default;
 };

@@ -213,7 +213,7 @@ SystemResult<FileDescriptor> WalkWorker::climb(const WalkLevel &from, const Walk
     const auto status = m_calls.statusOf(below);
     if (!status)
         return tl::unexpected(status.error());
-    if (status->inode != to.status().inode || status->device != to.status().device)
+    if (status->inodeId() != to.status().inodeId())
         return tl::unexpected(ESTALE);
     return held;
 }

@@ -229,7 +229,7 @@ bool CleaningPlanner::isExcluded(const FileIdentity &identity) const
 {
     const auto &all = m_plan.m_excludedIdentities;
     return std::any_of(all.begin(), all.end(), [&](const FileIdentity &excluded) {
-        return excluded.device == identity.device && excluded.inode == identity.inode;
+        return excluded.inodeId() == identity.inodeId();
     });
 }
 

@@ -85,7 +85,7 @@ bool RemovalSteps::mayMakeWritable(const EntryRef &ref, const FileStatus &status
             return false;
     }
     const auto found = m_calls.status(ref.folder, ref.name);
-    return found && found->device == status.device && found->inode == status.inode;
+    return found && found->inodeId() == status.inodeId();
 }
 
 void RemovalSteps::giveBack(int folder, std::optional<std::uint16_t> formerRights) const
@@ -110,7 +110,7 @@ SystemResult<FileDescriptor> RemovalSteps::back(int folder, std::uint64_t inode)
     const auto status = m_calls.statusOf(parent->get());
     if (!status)
         return tl::unexpected(status.error());
-    if (status->device != m_protection.device() || status->inode != inode)
+    if (status->inodeId() != InodeId{m_protection.device(), inode})
         return tl::unexpected(ESTALE);
     return parent;
 }

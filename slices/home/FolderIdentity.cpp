@@ -4,7 +4,7 @@
 
 FolderIdentity FolderIdentity::at(const HomeProbe &reader, const QByteArray &path)
 {
-    return {path, reader.identitiesOnTheWay(path), reader.identityOf(path)};
+    return {path, reader.idsOnTheWay(path), reader.idOf(path)};
 }
 
 bool FolderIdentity::isAtOrIn(const FolderIdentity &other) const

@@ -6,9 +6,9 @@
 /// names, where upper and lower case are the same or a folder is shown in two places. A value.
 struct FolderIdentity
 {
-    QByteArray path;                      ///< relative to the home; nothing need be there
-    std::vector<HomeProbe::Identity> way; ///< of every folder on the way that is there, and itself
-    std::optional<HomeProbe::Identity> itself;
+    QByteArray path;          ///< relative to the home; nothing need be there
+    std::vector<InodeId> way; ///< of every folder on the way that is there, and itself
+    std::optional<InodeId> itself;
 
     static FolderIdentity at(const HomeProbe &reader, const QByteArray &path);
 

@@ -49,23 +49,23 @@ bool HomeProbe::hasFolder(const QByteArray &path) const
     return open(path).has_value();
 }
 
-std::optional<HomeProbe::Identity> HomeProbe::identityOf(const QByteArray &path) const
+std::optional<InodeId> HomeProbe::idOf(const QByteArray &path) const
 {
     const auto folder = open(path);
     const auto status = folder ? m_calls.statusOf(folder->get()) : tl::unexpected(folder.error());
-    return status ? std::optional(Identity{status->device, status->inode}) : std::nullopt;
+    return status ? std::optional(status->inodeId()) : std::nullopt;
 }
 
-std::vector<HomeProbe::Identity> HomeProbe::identitiesOnTheWay(const QByteArray &path) const
+std::vector<InodeId> HomeProbe::idsOnTheWay(const QByteArray &path) const
 {
-    std::vector<Identity> found;
+    std::vector<InodeId> found;
     QByteArray folder;
     for (const QByteArray &name : path.split('/')) {
         folder = joined(folder, name);
-        const auto identity = identityOf(folder);
-        if (!identity)
+        const auto id = idOf(folder);
+        if (!id)
             break;
-        found.push_back(*identity);
+        found.push_back(*id);
     }
     return found;
 }

@@ -18,20 +18,11 @@ public:
     HomeProbe(const SystemCalls &calls, std::shared_ptr<const FileDescriptor> home,
               std::stop_token stop = {});
 
-    /// What a folder is, whatever its name.
-    struct Identity
-    {
-        std::uint64_t device = 0;
-        std::uint64_t inode = 0;
-
-        friend bool operator==(const Identity &, const Identity &) = default;
-    };
-
     bool hasFolder(const QByteArray &path) const;
     /// Nothing where there is no folder.
-    std::optional<Identity> identityOf(const QByteArray &path) const;
+    std::optional<InodeId> idOf(const QByteArray &path) const;
     /// Of the folder at the path and of all around it below the home, those that are there.
-    std::vector<Identity> identitiesOnTheWay(const QByteArray &path) const;
+    std::vector<InodeId> idsOnTheWay(const QByteArray &path) const;
     /// The folders that the pattern matches, sorted. A component "*" matches every name of one
     /// folder that is there; a component "@name" is the folder of that name or, where that is a
     /// link, the folder beside it to which the link leads.
