@@ -13,25 +13,6 @@ constexpr std::size_t kFewestOpenLevels = 2;
 
 } // namespace
 
-bool DirectoryVisitor::shouldEnter(const WalkedFolder &, const char *)
-{
-    return true;
-}
-
-EntryDetail DirectoryVisitor::entered(const WalkedFolder &, int)
-{
-    return EntryDetail::Status;
-}
-
-void DirectoryVisitor::failed(const WalkedFolder &, const char *, int)
-{
-}
-
-void DirectoryVisitor::statusFailed(const WalkedFolder &folder, const char *name, int error)
-{
-    failed(folder, name, error);
-}
-
 unsigned usefulWalkThreads()
 {
     return std::clamp(std::thread::hardware_concurrency(), 1U, kMostThreads);

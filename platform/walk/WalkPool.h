@@ -7,6 +7,7 @@
 #include <functional>
 #include <mutex>
 #include <optional>
+#include <stop_token>
 #include <thread>
 
 /// Where the threads of one walk meet: who has too much hands work over, who has none waits for

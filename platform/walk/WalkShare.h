@@ -1,8 +1,10 @@
 #pragma once
 
-#include "platform/walk/DirectoryWalker.h"
+#include "platform/system/FileDescriptor.h"
+#include "platform/walk/DirectoryVisitor.h"
 
 #include <memory>
+#include <string_view>
 #include <vector>
 
 /// The names of subfolders that wait to be entered, back to back in one block of memory.

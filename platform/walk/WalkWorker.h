@@ -1,6 +1,8 @@
 #pragma once
 
 #include "platform/system/DirectoryEntries.h"
+#include "platform/system/SystemCalls.h"
+#include "platform/walk/WalkOptions.h"
 #include "platform/walk/WalkPool.h"
 
 #include <span>
