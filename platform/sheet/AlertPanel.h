@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/sheet/Alert.h"
+#include "platform/sheet/AlertContent.h"
 
 #include <QScrollArea>
 
