@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/openpanel/OpenPanel.h"
+#include "platform/openpanel/OpenPanelOptions.h"
 
 #include <QFileDialog>
 #include <QSet>
