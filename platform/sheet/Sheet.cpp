@@ -8,8 +8,6 @@
 
 namespace {
 
-constexpr char kDropProperty[] = "sheetDrop";
-
 /// The sheets of one window, one up and the others waiting; a child of the window.
 class SheetQueue final : public QObject
 {
@@ -65,6 +63,11 @@ void SheetQueue::showNext()
     Waiting next = std::move(m_waiting.front());
     m_waiting.pop_front();
     m_completion = std::move(next.completion);
+    if (!next.cancel)
+        next.cancel = [this, panel = next.panel] {
+            if (panel)
+                end(*panel, kSheetCancelled);
+        };
     m_overlay = new SheetOverlay(m_host, *next.panel, std::move(next.cancel));
     connect(next.panel, &QObject::destroyed, this, &SheetQueue::drop);
     m_overlay->slideIn();
@@ -156,16 +159,6 @@ QWidget *sheetPanel(const QWidget &host)
 {
     const SheetQueue *const queue = queueOf(host);
     return queue ? queue->panel() : nullptr;
-}
-
-void setSheetDrop(QWidget &host, int points)
-{
-    host.setProperty(kDropProperty, points);
-}
-
-int sheetDrop(const QWidget &host)
-{
-    return host.property(kDropProperty).toInt();
 }
 
 #include "Sheet.moc"

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/sheet/SheetDrop.h"
+
 #include <QWidget>
 #include <functional>
 
@@ -40,8 +42,3 @@ bool hasSheet(const QWidget &host);
 
 /// The panel that is up over this window; none while there is none.
 QWidget *sheetPanel(const QWidget &host);
-
-/// How many points below the host's top edge its sheets come out: for windows that draw a title
-/// band of their own. 0 unless set.
-void setSheetDrop(QWidget &host, int points);
-int sheetDrop(const QWidget &host);

@@ -1,6 +1,7 @@
 #include "platform/sheet/SheetOverlay.h"
 
 #include "platform/look/ViewAlpha.h"
+#include "platform/sheet/SheetDrop.h"
 
 #include <QKeyEvent>
 #include <QPainter>
@@ -47,7 +48,7 @@ bool takesTab(const QWidget &widget)
 
 } // namespace
 
-SheetOverlay::SheetOverlay(QWidget &host, QWidget &panel, SheetCancel cancel)
+SheetOverlay::SheetOverlay(QWidget &host, QWidget &panel, std::function<void()> cancel)
     : QWidget(&host),
       m_host(host),
       m_panel(&panel),
@@ -125,7 +126,8 @@ bool SheetOverlay::slide(double from, double to)
     const auto duration = animationDuration(m_host, kSlide);
     if (duration.count() <= 0 || !m_host.isVisible())
         return false;
-    m_slide = new SheetSlide(*this, from, to, duration);
+    const auto paint = [this](QPainter &painter, double shown) { paintBackdrop(painter, shown); };
+    m_slide = new SheetSlide({*this, *m_frame, paint}, {from, to, duration});
     connect(m_slide, &SheetSlide::finished, this, &SheetOverlay::endSlide);
     return true;
 }
@@ -219,17 +221,9 @@ void SheetOverlay::keyPressEvent(QKeyEvent *event)
     if (m_isSlidingOut)
         return;
     if (event->key() == Qt::Key_Escape)
-        cancel();
+        m_cancel();
     else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
         pressDefaultButton();
-}
-
-void SheetOverlay::cancel()
-{
-    if (m_cancel)
-        m_cancel();
-    else if (m_panel)
-        endSheet(*m_panel, kSheetCancelled);
 }
 
 void SheetOverlay::pressDefaultButton()

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "platform/sheet/Sheet.h"
 #include "platform/sheet/SheetFrame.h"
 #include "platform/sheet/SheetGuard.h"
 #include "platform/sheet/SheetSlide.h"
 
 #include <QPointer>
 #include <QWidget>
+#include <functional>
 
 /// One sheet while it is up: covers the host window, dims it, holds the panel and takes all input.
 /// The door to it is Sheet.h. Main thread only.
@@ -15,8 +15,8 @@ class SheetOverlay final : public QWidget
     Q_OBJECT
 
 public:
-    /// The host is a window.
-    SheetOverlay(QWidget &host, QWidget &panel, SheetCancel cancel);
+    /// The host is a window. Escape calls `cancel`.
+    SheetOverlay(QWidget &host, QWidget &panel, std::function<void()> cancel);
     ~SheetOverlay() override;
 
     /// Null when the panel died.
@@ -55,7 +55,6 @@ private:
     bool slide(double from, double to);
     void dropSlide();
     void endSlide();
-    void cancel();
     void pressDefaultButton();
 
     QWidget &m_host;
@@ -65,7 +64,7 @@ private:
     QPointer<QWidget> m_wantedFocus; ///< which the panel loses when it is adopted
     bool m_hadOwnSize;
     QSize m_wantedSize;
-    SheetCancel m_cancel;
+    std::function<void()> m_cancel;
     SheetFrame *m_frame;
     SheetGuard *m_guard;
     QPointer<SheetSlide> m_slide;

@@ -1,7 +1,5 @@
 #include "platform/sheet/SheetSlide.h"
 
-#include "platform/sheet/SheetOverlay.h"
-
 #include <QGraphicsEffect>
 #include <QPainter>
 #include <QTimer>
@@ -28,19 +26,19 @@ QPixmap pictureWithout(QWidget &window, QWidget &child)
 
 } // namespace
 
-SheetSlide::SheetSlide(SheetOverlay &overlay, double from, double to,
-                       std::chrono::milliseconds duration)
-    : QWidget(&overlay), m_overlay(overlay)
+SheetSlide::SheetSlide(SlidingSheet sheet, const SheetMovement &movement)
+    : QWidget(&sheet.overlay), m_sheet(std::move(sheet))
 {
     setAttribute(Qt::WA_OpaquePaintEvent);
-    setGeometry(overlay.rect());
-    m_behind = pictureWithout(*overlay.window(), overlay);
-    if (from > 0)
+    setGeometry(m_sheet.overlay.rect());
+    m_behind = pictureWithout(*window(), m_sheet.overlay);
+    if (movement.from > 0)
         takeSheetPicture();
-    m_animation.setStartValue(from);
-    m_animation.setEndValue(to);
-    m_animation.setDuration(static_cast<int>(duration.count()));
-    m_animation.setEasingCurve(from < to ? QEasingCurve::OutCubic : QEasingCurve::InCubic);
+    m_animation.setStartValue(movement.from);
+    m_animation.setEndValue(movement.to);
+    m_animation.setDuration(static_cast<int>(movement.duration.count()));
+    m_animation.setEasingCurve(movement.from < movement.to ? QEasingCurve::OutCubic
+                                                           : QEasingCurve::InCubic);
     connect(&m_animation, &QVariantAnimation::valueChanged, this, qOverload<>(&QWidget::update));
     connect(&m_animation, &QVariantAnimation::finished, this, &SheetSlide::finished);
     show();
@@ -50,17 +48,17 @@ SheetSlide::SheetSlide(SheetOverlay &overlay, double from, double to,
 
 void SheetSlide::start()
 {
-    if (m_sheet.isNull())
+    if (m_picture.isNull())
         takeSheetPicture();
     m_animation.start();
 }
 
 void SheetSlide::takeSheetPicture()
 {
-    m_sheet = QPixmap(m_overlay.frame().size() * devicePixelRatioF());
-    m_sheet.setDevicePixelRatio(devicePixelRatioF());
-    m_sheet.fill(Qt::transparent);
-    m_overlay.frame().render(&m_sheet, {}, {}, QWidget::DrawChildren);
+    m_picture = QPixmap(m_sheet.frame.size() * devicePixelRatioF());
+    m_picture.setDevicePixelRatio(devicePixelRatioF());
+    m_picture.fill(Qt::transparent);
+    m_sheet.frame.render(&m_picture, {}, {}, QWidget::DrawChildren);
 }
 
 void SheetSlide::paintEvent(QPaintEvent *)
@@ -69,8 +67,8 @@ void SheetSlide::paintEvent(QPaintEvent *)
     painter.setCompositionMode(QPainter::CompositionMode_Source);
     painter.drawPixmap(0, 0, m_behind);
     painter.setCompositionMode(QPainter::CompositionMode_SourceAtop);
-    m_overlay.paintBackdrop(painter, shown());
-    const QWidget &frame = m_overlay.frame();
+    m_sheet.paintBackdrop(painter, shown());
+    const QWidget &frame = m_sheet.frame;
     painter.setClipRect(rect().adjusted(0, frame.y(), 0, 0));
-    painter.drawPixmap(QPointF(frame.x(), frame.y() - (1 - shown()) * frame.height()), m_sheet);
+    painter.drawPixmap(QPointF(frame.x(), frame.y() - (1 - shown()) * frame.height()), m_picture);
 }

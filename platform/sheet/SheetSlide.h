@@ -4,8 +4,24 @@
 #include <QVariantAnimation>
 #include <QWidget>
 #include <chrono>
+#include <functional>
 
-class SheetOverlay;
+/// What a slide shows.
+struct SlidingSheet
+{
+    QWidget &overlay; ///< covers the window
+    QWidget &frame;   ///< moves in the overlay, with the panel
+    /// Dims the window behind, as much as `shown` of the sheet (0 to 1) is out.
+    std::function<void(QPainter &, double shown)> paintBackdrop;
+};
+
+/// From one share of a sheet being out to another, 0 to 1.
+struct SheetMovement
+{
+    double from;
+    double to;
+    std::chrono::milliseconds duration;
+};
 
 /// Lies over a sheet while it moves and shows the movement in pictures taken at its start: neither
 /// the window nor the panel is painted again for every frame. Swallows the mouse. Main thread only.
@@ -14,9 +30,8 @@ class SheetSlide final : public QWidget
     Q_OBJECT
 
 public:
-    /// Covers the overlay at once and moves the sheet from one share of it being out to another (0
-    /// to 1).
-    SheetSlide(SheetOverlay &overlay, double from, double to, std::chrono::milliseconds duration);
+    /// Covers the overlay, which owns it, at once.
+    SheetSlide(SlidingSheet sheet, const SheetMovement &movement);
 
     double shown() const { return m_animation.currentValue().toDouble(); }
 
@@ -31,8 +46,8 @@ private:
     void start();
     void takeSheetPicture();
 
-    SheetOverlay &m_overlay;
-    QPixmap m_behind; ///< the window without the sheet
-    QPixmap m_sheet;
+    SlidingSheet m_sheet;
+    QPixmap m_behind;  ///< the window without the sheet
+    QPixmap m_picture; ///< of the sheet
     QVariantAnimation m_animation{this};
 };
