@@ -103,9 +103,3 @@ bool ExcludedPaths::touches(const FileUrl &location) const
     return std::any_of(m_urls.begin(), m_urls.end(),
                        [&](const FileUrl &excluded) { return excluded.path().contains(path); });
 }
-
-bool ExcludedPaths::spares(const FileUrl &candidate) const
-{
-    return matchByText(textOf(candidate)) != ExclusionMatch::None ||
-           matchByPath(slashed(candidate.path())) != ExclusionMatch::None;
-}

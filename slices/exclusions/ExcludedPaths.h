@@ -70,9 +70,6 @@ public:
     /// `path` is the candidate's raw path, with a trailing slash whatever it is.
     ExclusionMatch matchByPath(const QByteArray &path) const { return m_paths.match(path); }
 
-    /// Whether any of both rules keeps the candidate.
-    bool spares(const FileUrl &candidate) const;
-
 private:
     FileUrls m_urls;
     QStringList m_unparsable;
