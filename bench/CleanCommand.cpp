@@ -1,5 +1,5 @@
 #include "bench/Commands.h"
-#include "platform/system/ProcessMemory.h"
+#include "bench/ProcessMemory.h"
 #include "slices/cleaning/Cleaning.h"
 #include "slices/sizing/FolderSizing.h"
 

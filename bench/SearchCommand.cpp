@@ -1,7 +1,7 @@
 #include "bench/Commands.h"
+#include "bench/ProcessMemory.h"
 #include "largefiles/search/LargeFileSearch.h"
 #include "platform/base/ByteCount.h"
-#include "platform/system/ProcessMemory.h"
 #include "slices/home/HomeSurvey.h"
 
 #include <QElapsedTimer>

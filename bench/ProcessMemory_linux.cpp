@@ -1,4 +1,4 @@
-#include "platform/system/ProcessMemory.h"
+#include "bench/ProcessMemory.h"
 
 #include <QFile>
 
