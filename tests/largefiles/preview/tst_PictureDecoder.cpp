@@ -1,5 +1,5 @@
 #include "largefiles/preview/Thumbnail.h"
-#include "tests/support/disk/OpenAccess.h"
+#include "tests/support/disk/FolderAccess.h"
 #include "tests/support/disk/ScratchFolder.h"
 #include "tests/support/run/GuiTestMain.h"
 
@@ -44,7 +44,7 @@ class PictureDecoderTest final : public QObject
 
 private:
     ScratchFolder m_folder;
-    OpenAccess m_access{m_folder.path()};
+    FolderAccess m_access{m_folder.path()};
 
     FileUrl write(const QByteArray &name, const QByteArray &bytes) const
     {

@@ -2,7 +2,7 @@
 #include "largefiles/preview/PreviewCard.h"
 #include "largefiles/preview/PreviewPanel.h"
 #include "largefiles/sheet/QuickLookTableView.h"
-#include "tests/support/disk/OpenAccess.h"
+#include "tests/support/disk/FolderAccess.h"
 #include "tests/support/disk/ScratchFolder.h"
 #include "tests/support/run/GuiTestMain.h"
 
@@ -87,7 +87,7 @@ public:
     void press(int key) { QTest::keyClick(window.focusWidget(), Qt::Key(key)); }
 
     ScratchFolder folder;
-    OpenAccess access;
+    FolderAccess access;
     QWidget window;
     QStringListModel model;
     QuickLookTableView table;

@@ -1,6 +1,6 @@
 #include "largefiles/preview/Thumbnail.h"
 #include "largefiles/preview/ThumbnailCache.h"
-#include "tests/support/disk/OpenAccess.h"
+#include "tests/support/disk/FolderAccess.h"
 #include "tests/support/disk/ScratchFolder.h"
 #include "tests/support/run/GuiTestMain.h"
 
@@ -49,7 +49,7 @@ class ThumbnailTest final : public QObject
 
 private:
     ScratchFolder m_folder;
-    OpenAccess m_access{m_folder.path()};
+    FolderAccess m_access{m_folder.path()};
     FileReading m_reading{hostSystemCalls(), m_access};
 
     FileUrl write(const QByteArray &name, const QByteArray &bytes) const

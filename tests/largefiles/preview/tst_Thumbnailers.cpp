@@ -1,6 +1,6 @@
 #include "largefiles/preview/Thumbnail.h"
 #include "largefiles/preview/Thumbnailers.h"
-#include "tests/support/disk/OpenAccess.h"
+#include "tests/support/disk/FolderAccess.h"
 #include "tests/support/disk/ScratchFolder.h"
 #include "tests/support/run/GuiTestMain.h"
 
@@ -217,8 +217,8 @@ private Q_SLOTS:
         QVERIFY(file.open(QIODevice::ReadWrite));
         QVERIFY(file.setFileTime(QDateTime::currentDateTime().addDays(-1),
                                  QFileDevice::FileModificationTime));
-        const OpenAccess access{m_folder->path()};
-        const FileReading reading{hostSystemCalls(), const_cast<OpenAccess &>(access)};
+        const FolderAccess access{m_folder->path()};
+        const FileReading reading{hostSystemCalls(), const_cast<FolderAccess &>(access)};
         for (int time = 0; time < 2; ++time) {
             const QImage image = imageWithPreviewOfFileAtPath(reading, film(), {{100, 100}, 1},
                                                               ThumbnailMode::Plain);

@@ -1,38 +1,22 @@
 #pragma once
 
 #include "largefiles/search/LargeFileSearch.h"
+#include "tests/support/disk/FolderAccess.h"
 #include "tests/support/disk/MadeTree.h"
-#include "tests/support/run/BackgroundThreadsAwaited.h"
 
 #include <algorithm>
 #include <atomic>
 
 inline constexpr qint64 kLarge = kSmallestLargeFile;
 
-/// The grant of a made tree as home; counts how it is used, from any thread.
-class HomeAccess final : public FileAccess
+/// The grant of a made tree as home.
+class HomeAccess final : public FolderAccess
 {
 public:
-    explicit HomeAccess(const MadeTree &home) : m_home(home) {}
-    ~HomeAccess() override { awaitBackgroundThreads(); }
-
-    int starts() const { return m_starts; }
-    int stops() const { return m_stops; }
-
-    void startAccessing() override { ++m_starts; }
-    void stopAccessing() override { ++m_stops; }
-    std::optional<AnchoredPath> anchoredPath(const FileUrl &url) const override
+    explicit HomeAccess(const MadeTree &home)
+        : FolderAccess(home.path(), home.descriptor(), Answers::WhileAccessed)
     {
-        const QByteArray home = m_home.path() + '/';
-        if (!url.path().startsWith(home) || m_starts <= m_stops)
-            return std::nullopt;
-        return AnchoredPath{m_home.descriptor(), url.path().mid(home.size())};
     }
-
-private:
-    const MadeTree &m_home;
-    std::atomic<int> m_starts = 0;
-    std::atomic<int> m_stops = 0;
 };
 
 inline FileUrl homeUrl(const MadeTree &home)

@@ -6,7 +6,7 @@
 #include "largefiles/sheet/TextButton.h"
 #include "platform/desktop/InterfaceLoader.h"
 #include "platform/desktop/Workspace.h"
-#include "tests/support/disk/OpenAccess.h"
+#include "tests/support/disk/FolderAccess.h"
 #include "tests/support/disk/ScratchFolder.h"
 #include "tests/support/page/SheetHost.h"
 #include "tests/support/run/GuiTestMain.h"
@@ -76,7 +76,7 @@ struct Sheet
                                                     {"Movies/disk.iso", 200'000'000},
                                                     {"Movies/log.txt", 150'000'000}};
     ScratchFolder folder;
-    OpenAccess access;
+    FolderAccess access;
     InterfaceLoader loader;
     UserDefaults defaults;
     QuietWorkspace workspace;

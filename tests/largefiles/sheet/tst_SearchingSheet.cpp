@@ -6,7 +6,7 @@
 #include "platform/desktop/InterfaceLoader.h"
 #include "platform/desktop/Workspace.h"
 #include "tests/largefiles/search/Gate.h"
-#include "tests/support/disk/OpenAccess.h"
+#include "tests/support/disk/FolderAccess.h"
 #include "tests/support/disk/ScratchFolder.h"
 #include "tests/support/page/SheetHost.h"
 #include "tests/support/run/GuiTestMain.h"
@@ -51,7 +51,7 @@ struct HeldSheet
 
     Gate gate{"scan.tiff", "locked"};
     ScratchFolder folder;
-    OpenAccess access;
+    FolderAccess access;
     InterfaceLoader loader;
     UserDefaults defaults;
     Workspace workspace;

@@ -1,7 +1,7 @@
 #include "platform/files/ExistingPlaces.h"
 
 #include "tests/slices/kit/HomeKit.h"
-#include "tests/support/disk/OpenAccess.h"
+#include "tests/support/disk/FolderAccess.h"
 #include "tests/support/run/TestMain.h"
 
 #include <QTest>
@@ -20,7 +20,7 @@ void TestExistingPlaces::findsWhatIsThere()
     const MadeHome home({"Movies/old/", "notes.txt"});
     home.link("link", "nowhere");
     home.link("away", "Movies");
-    OpenAccess access(home.path());
+    FolderAccess access(home.path());
     const auto url = [&home](const QByteArray &path) {
         return home.url().appending(path, FileUrlKind::File);
     };
@@ -34,7 +34,7 @@ void TestExistingPlaces::findsWhatIsThere()
 void TestExistingPlaces::endsEarlyWhenStopped()
 {
     const MadeHome home({"notes.txt"});
-    OpenAccess access(home.path());
+    FolderAccess access(home.path());
     std::stop_source stop;
     stop.request_stop();
     QVERIFY(existingPlaces(hostSystemCalls(), access,

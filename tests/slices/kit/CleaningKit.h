@@ -1,6 +1,7 @@
 #pragma once
 
 #include "slices/cleaning/Cleaning.h"
+#include "tests/support/disk/FolderAccess.h"
 #include "tests/support/run/LogRecorder.h"
 
 #include <QByteArrayList>
@@ -92,41 +93,7 @@ inline std::size_t openDescriptors()
     return static_cast<std::size_t>(std::distance(begin(all), end(all)));
 }
 
-/// Stands for the granted home folder.
-class GrantedFolder final : public FileAccess
-{
-public:
-    explicit GrantedFolder(const QByteArray &path) : m_path(path)
-    {
-        auto opened = hostSystemCalls().openRoot(path.constData());
-        if (opened)
-            m_anchor = std::make_shared<const FileDescriptor>(std::move(*opened));
-    }
-
-    void startAccessing() override {}
-    void stopAccessing() override {}
-    std::optional<AnchoredPath> anchoredPath(const FileUrl &url) const override
-    {
-        if (url.path() == m_path)
-            return AnchoredPath{m_anchor, {}};
-        if (!url.path().startsWith(m_path + '/'))
-            return std::nullopt;
-        return AnchoredPath{m_anchor, url.path().sliced(m_path.size() + 1)};
-    }
-
-    FileUrl folder(const QByteArray &relative) const
-    {
-        return FileUrl::fromPath(m_path + '/' + relative, FileUrlKind::Folder);
-    }
-    FileUrl file(const QByteArray &relative) const
-    {
-        return FileUrl::fromPath(m_path + '/' + relative, FileUrlKind::File);
-    }
-
-private:
-    QByteArray m_path;
-    std::shared_ptr<const FileDescriptor> m_anchor;
-};
+using GrantedFolder = FolderAccess;
 
 inline QString stored(const FileUrl &url)
 {

@@ -8,7 +8,7 @@
 #include "tests/support/page/FirefoxProfiles.h"
 #include "tests/support/page/PageFixture.h"
 #include "tests/support/run/GuiTestMain.h"
-#include "tests/support/run/LooseThreadsAwaited.h"
+#include "tests/support/run/BackgroundThreadsAwaited.h"
 
 #include <QFile>
 #include <unistd.h>
@@ -90,7 +90,7 @@ inline void CleaningFlowTest::end()
     m_disk.answer();
     m_flow.reset();
     m_home.reset();
-    awaitLooseThreads();
+    awaitBackgroundThreads();
     QCOMPARE(ResourceManager::accessCount(), 0);
     m_selection.reset();
     m_fixture.reset();

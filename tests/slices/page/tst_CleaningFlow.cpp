@@ -185,7 +185,7 @@ void TestCleaningFlow::givesUpWhereverItIs()
     QTRY_VERIFY(m_flow->isIdle() || !m_asked.isEmpty());
     if (!m_asked.isEmpty())
         answer(kGoOnButton);
-    awaitLooseThreads();
+    awaitBackgroundThreads();
     QCoreApplication::processEvents();
     QVERIFY(m_asked.isEmpty());
     QVERIFY(m_flow->isIdle());

@@ -6,7 +6,7 @@
 #include "tests/support/page/FirefoxProfiles.h"
 #include "tests/support/page/PageFixture.h"
 #include "tests/support/run/GuiTestMain.h"
-#include "tests/support/run/LooseThreadsAwaited.h"
+#include "tests/support/run/BackgroundThreadsAwaited.h"
 
 #include <QSignalSpy>
 #include <unistd.h>
@@ -70,7 +70,7 @@ void TestHomeWatch::cleanup()
 {
     m_disk.answer();
     m_watch.reset();
-    awaitLooseThreads();
+    awaitBackgroundThreads();
     QCOMPARE(ResourceManager::accessCount(), 0);
     m_selection.reset();
     m_fixture.reset();
@@ -151,7 +151,7 @@ void TestHomeWatch::answersNothingOnceItIsStopped()
     QTRY_VERIFY(m_disk.waiting() > 0);
     m_watch->stop();
     m_disk.answer();
-    awaitLooseThreads();
+    awaitBackgroundThreads();
     QCoreApplication::processEvents();
     QCOMPARE(found.size(), 0);
     QVERIFY(!m_watch->isKnown());

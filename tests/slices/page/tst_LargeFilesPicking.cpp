@@ -7,7 +7,7 @@
 #include "tests/support/page/PageFixture.h"
 #include "tests/support/page/SheetDriver.h"
 #include "tests/support/run/GuiTestMain.h"
-#include "tests/support/run/LooseThreadsAwaited.h"
+#include "tests/support/run/BackgroundThreadsAwaited.h"
 
 #include <QFile>
 #include <QSignalSpy>
@@ -88,7 +88,7 @@ void TestLargeFilesPicking::cleanup()
     m_picking.reset();
     m_window.reset();
     m_home.reset();
-    awaitLooseThreads();
+    awaitBackgroundThreads();
     QCOMPARE(ResourceManager::accessCount(), 0);
     m_selection.reset();
     m_fixture.reset();

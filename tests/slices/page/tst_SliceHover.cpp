@@ -10,7 +10,7 @@
 #include "tests/support/page/FirefoxProfiles.h"
 #include "tests/support/page/PageFixture.h"
 #include "tests/support/run/GuiTestMain.h"
-#include "tests/support/run/LooseThreadsAwaited.h"
+#include "tests/support/run/BackgroundThreadsAwaited.h"
 #include "widgets/ImageButton.h"
 
 #include <QLabel>
@@ -44,7 +44,7 @@ private:
     /// Whatever the disk was asked has been answered.
     void settle()
     {
-        awaitLooseThreads();
+        awaitBackgroundThreads();
         QCoreApplication::processEvents();
     }
 
@@ -91,7 +91,7 @@ void TestSliceHover::cleanup()
     m_hover.reset();
     m_window.reset();
     m_home.reset();
-    awaitLooseThreads();
+    awaitBackgroundThreads();
     QCOMPARE(ResourceManager::accessCount(), 0);
     m_selection.reset();
     m_fixture.reset();

@@ -1,6 +1,7 @@
 #include "slices/sizing/FolderSizing.h"
-#include "tests/slices/sizing/CountedAccess.h"
+#include "tests/support/disk/FolderAccess.h"
 #include "tests/support/disk/ForwardingSystemCalls.h"
+#include "tests/support/disk/MadeTree.h"
 #include "tests/support/run/TestMain.h"
 
 #include <QByteArrayList>
@@ -243,13 +244,13 @@ void TestFolderSizing::judgesPlacesOfAllKinds()
     tree.makeLink("dangling", "nowhere");
     tree.makeLink("loop", "loop");
 
-    CountedAccess access(tree);
+    FolderAccess access(tree.path(), FolderAccess::Answers::WhileAccessed);
     const LogLines log;
     const FileUrl url = FileUrl::fromPath(tree.path(place), FileUrlKind::File);
     QTEST(sizeForFolderAtPath(hostSystemCalls(), access, url), "bytes");
     QTEST(log.lines(), "logged");
-    QCOMPARE(access.starts, 1);
-    QCOMPARE(access.stops, 1);
+    QCOMPARE(access.starts(), 1);
+    QCOMPARE(access.stops(), 1);
     QVERIFY(measured(tree, place).isComplete);
 }
 
@@ -290,11 +291,11 @@ void TestFolderSizing::leavesOutWhatIsKept()
 void TestFolderSizing::finds0OutsideTheGrant()
 {
     const MadeTree tree;
-    CountedAccess access(tree);
+    FolderAccess access(tree.path(), FolderAccess::Answers::WhileAccessed);
     const FileUrl elsewhere = FileUrl::fromPath("/usr", FileUrlKind::Folder);
     QCOMPARE(sizeForFolderAtPath(hostSystemCalls(), access, elsewhere), 0);
-    QCOMPARE(access.starts, 1);
-    QCOMPARE(access.stops, 1);
+    QCOMPARE(access.starts(), 1);
+    QCOMPARE(access.stops(), 1);
 }
 
 VANTOR_TEST_MAIN(TestFolderSizing)

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "platform/files/FileAccess.h"
+#include "platform/system/SystemCalls.h"
+#include "tests/support/run/BackgroundThreadsAwaited.h"
+
+#include <atomic>
+
+/// Stands for the granted home: the right to work in one folder, without a grant. Counts how it is
+/// used; any thread. Waits at its end for the threads that it is lent to.
+class FolderAccess : public FileAccess
+{
+public:
+    /// When it says where something is.
+    enum class Answers { Always, WhileAccessed };
+
+    explicit FolderAccess(const QByteArray &folder, Answers answers = Answers::Always)
+        : m_folder(folder), m_answers(answers)
+    {
+        if (auto opened = hostSystemCalls().openRoot(folder.constData()))
+            m_anchor = std::make_shared<const FileDescriptor>(std::move(*opened));
+    }
+    /// Of a folder that is open, whatever rights this process has.
+    FolderAccess(const QByteArray &folder, std::shared_ptr<const FileDescriptor> anchor,
+                 Answers answers)
+        : m_folder(folder), m_anchor(std::move(anchor)), m_answers(answers)
+    {
+    }
+    ~FolderAccess() override { awaitBackgroundThreads(); }
+
+    int starts() const { return m_starts; }
+    int stops() const { return m_stops; }
+    /// How many times it is held at present.
+    int count() const { return m_starts - m_stops; }
+
+    void startAccessing() override { ++m_starts; }
+    void stopAccessing() override { ++m_stops; }
+    std::optional<AnchoredPath> anchoredPath(const FileUrl &url) const override
+    {
+        if (m_answers == Answers::WhileAccessed && m_starts <= m_stops)
+            return std::nullopt;
+        if (url.path() == m_folder)
+            return AnchoredPath{m_anchor, {}};
+        if (!url.path().startsWith(m_folder + '/'))
+            return std::nullopt;
+        return AnchoredPath{m_anchor, url.path().sliced(m_folder.size() + 1)};
+    }
+
+    /// URLs of what lies in the folder.
+    FileUrl folder(const QByteArray &relative) const
+    {
+        return FileUrl::fromPath(m_folder + '/' + relative, FileUrlKind::Folder);
+    }
+    FileUrl file(const QByteArray &relative) const
+    {
+        return FileUrl::fromPath(m_folder + '/' + relative, FileUrlKind::File);
+    }
+
+private:
+    QByteArray m_folder;
+    std::shared_ptr<const FileDescriptor> m_anchor;
+    Answers m_answers;
+    std::atomic<int> m_starts = 0;
+    std::atomic<int> m_stops = 0;
+};
