@@ -1,6 +1,6 @@
 #pragma once
 
-#include "chart/WeakReference.h"
+#include "platform/base/WeakReference.h"
 
 #include <QColor>
 #include <QString>

@@ -1,4 +1,4 @@
-#include "chart/WeakReference.h"
+#include "platform/base/WeakReference.h"
 #include "tests/support/run/TestMain.h"
 
 #include <memory>
