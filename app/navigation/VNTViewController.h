@@ -3,7 +3,7 @@
 #include "app/navigation/BFViewController.h"
 #include "app/navigation/VNTViewControllerDelegate.h"
 #include "app/navigation/ViewController.h"
-#include "platform/base/WeakDelegate.h"
+#include "platform/base/WeakReference.h"
 
 #include <QVariant>
 
@@ -30,7 +30,7 @@ public:
     void setData(const QVariant &data) { m_data = data; }
 
     VNTViewControllerDelegate *delegate() const { return m_delegate.get(); }
-    void setDelegate(const WeakDelegate<VNTViewControllerDelegate> &delegate)
+    void setDelegate(const WeakReference<VNTViewControllerDelegate> &delegate)
     {
         m_delegate = delegate;
     }
@@ -49,5 +49,5 @@ private:
 
     const InterfaceLoader &m_loader;
     QVariant m_data;
-    WeakDelegate<VNTViewControllerDelegate> m_delegate;
+    WeakReference<VNTViewControllerDelegate> m_delegate;
 };

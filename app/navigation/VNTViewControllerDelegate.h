@@ -1,11 +1,13 @@
 #pragma once
 
+#include "platform/base/WeakReference.h"
+
 #include <QVariant>
 
 class VNTViewController;
 
 /// Moves the wizard on when a page asks for it.
-class VNTViewControllerDelegate
+class VNTViewControllerDelegate : public WeaklyReferable
 {
 public:
     virtual ~VNTViewControllerDelegate() = default;

@@ -2,7 +2,7 @@
 
 #include "largefiles/preview/PreviewContent.h"
 #include "largefiles/preview/PreviewPanelProtocols.h"
-#include "platform/base/WeakDelegate.h"
+#include "platform/base/WeakReference.h"
 #include "platform/threads/BackgroundQueue.h"
 
 #include <QPointer>
@@ -23,11 +23,11 @@ class PreviewPanel final : public QWidget
 public:
     PreviewPanel(FileReading reading, QWidget *parent);
 
-    void setDataSource(WeakDelegate<PreviewPanelDataSource> source)
+    void setDataSource(WeakReference<PreviewPanelDataSource> source)
     {
         m_dataSource = std::move(source);
     }
-    void setDelegate(WeakDelegate<PreviewPanelDelegate> delegate)
+    void setDelegate(WeakReference<PreviewPanelDelegate> delegate)
     {
         m_delegate = std::move(delegate);
     }
@@ -73,8 +73,8 @@ private:
     void take(const File &file, const PreviewContent &content);
 
     FileReading m_reading;
-    WeakDelegate<PreviewPanelDataSource> m_dataSource;
-    WeakDelegate<PreviewPanelDelegate> m_delegate;
+    WeakReference<PreviewPanelDataSource> m_dataSource;
+    WeakReference<PreviewPanelDelegate> m_delegate;
     PreviewCard *m_card;
     QPointer<QWidget> m_formerFocus;
     int m_count = 0;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "largefiles/search/File.h"
+#include "platform/base/WeakReference.h"
 
 #include <optional>
 
@@ -8,7 +9,7 @@ class PreviewPanel;
 class QEvent;
 
 /// Says what a preview panel shows.
-class PreviewPanelDataSource
+class PreviewPanelDataSource : public WeaklyReferable
 {
 public:
     virtual ~PreviewPanelDataSource() = default;
@@ -19,7 +20,7 @@ public:
 };
 
 /// Gets the events that the panel has no use for.
-class PreviewPanelDelegate
+class PreviewPanelDelegate : public WeaklyReferable
 {
 public:
     virtual ~PreviewPanelDelegate() = default;

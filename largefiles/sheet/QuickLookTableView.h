@@ -1,7 +1,7 @@
 #pragma once
 
 #include "largefiles/sheet/QuickLookTableViewDelegate.h"
-#include "platform/base/WeakDelegate.h"
+#include "platform/base/WeakReference.h"
 
 #include <QMenu>
 #include <QPointer>
@@ -18,7 +18,7 @@ public:
     explicit QuickLookTableView(QWidget *parent = nullptr);
 
     QuickLookTableViewDelegate *qlDelegate() const { return m_qlDelegate.get(); }
-    void setQlDelegate(WeakDelegate<QuickLookTableViewDelegate> delegate)
+    void setQlDelegate(WeakReference<QuickLookTableViewDelegate> delegate)
     {
         m_qlDelegate = std::move(delegate);
     }
@@ -58,7 +58,7 @@ protected:
 private:
     void setUpLook();
 
-    WeakDelegate<QuickLookTableViewDelegate> m_qlDelegate;
+    WeakReference<QuickLookTableViewDelegate> m_qlDelegate;
     QPointer<QMenu> m_menu;
     QString m_emptyText;
 };

@@ -1,9 +1,11 @@
 #pragma once
 
+#include "platform/base/WeakReference.h"
+
 class QuickLookTableView;
 
 /// Whom a table tells that its rows should be previewed.
-class QuickLookTableViewDelegate
+class QuickLookTableViewDelegate : public WeaklyReferable
 {
 public:
     virtual ~QuickLookTableViewDelegate() = default;

@@ -10,6 +10,19 @@ struct Thing final : WeaklyReferable
 {
 };
 
+class Protocol : public WeaklyReferable
+{
+public:
+    virtual ~Protocol() = default;
+    virtual int answer() const = 0;
+};
+
+class Delegate final : public QObject, public Protocol
+{
+public:
+    int answer() const override { return 42; }
+};
+
 } // namespace
 
 class TestWeakReference final : public QObject
@@ -20,6 +33,9 @@ private Q_SLOTS:
     void readsNullAfterTheObjectIsGone();
     void readsNullWithoutObject();
     void belongsToOneObjectNotToItsCopies();
+    void reachesTheDelegate();
+    void emptiesItselfWhenTheDelegateDies();
+    void takesOnlyObjectsOfTheProtocol();
 };
 
 void TestWeakReference::readsNullAfterTheObjectIsGone()
@@ -35,6 +51,7 @@ void TestWeakReference::readsNullWithoutObject()
 {
     QVERIFY(!WeakReference<Thing>().get());
     QVERIFY(!WeakReference<Thing>(nullptr).get());
+    QVERIFY(!WeakReference<Protocol>(static_cast<Delegate *>(nullptr)).get());
 }
 
 void TestWeakReference::belongsToOneObjectNotToItsCopies()
@@ -45,6 +62,28 @@ void TestWeakReference::belongsToOneObjectNotToItsCopies()
     thing.reset();
     QVERIFY(!reference.get());
     QVERIFY(!copy.lifetime().expired());
+}
+
+void TestWeakReference::reachesTheDelegate()
+{
+    Delegate delegate;
+    const WeakReference<Protocol> weak = &delegate;
+    QCOMPARE(weak.get()->answer(), 42);
+}
+
+void TestWeakReference::emptiesItselfWhenTheDelegateDies()
+{
+    auto delegate = std::make_unique<Delegate>();
+    const WeakReference<Protocol> weak = delegate.get();
+    delegate.reset();
+    QVERIFY(!weak.get());
+}
+
+void TestWeakReference::takesOnlyObjectsOfTheProtocol()
+{
+    QVERIFY((std::is_constructible_v<WeakReference<Protocol>, Delegate *>));
+    QVERIFY((!std::is_constructible_v<WeakReference<Protocol>, QObject *>));
+    QVERIFY((!std::is_constructible_v<WeakReference<Protocol>, Thing *>));
 }
 
 VANTOR_TEST_MAIN(TestWeakReference)
