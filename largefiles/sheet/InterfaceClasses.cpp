@@ -4,12 +4,10 @@
 #include "largefiles/sheet/TextButton.h"
 #include "platform/desktop/InterfaceLoader.h"
 #include "widgets/RoundedFrame.h"
-#include "widgets/StyledLabel.h"
 
 void registerLargeFilesClasses(InterfaceLoader &loader)
 {
     loader.registerClass<QuickLookTableView>();
     loader.registerClass<RoundedFrame>();
-    loader.registerClass<StyledLabel>();
     loader.registerClass<TextButton>();
 }

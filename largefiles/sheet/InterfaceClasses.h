@@ -2,5 +2,6 @@
 
 class InterfaceLoader;
 
-/// Tells the loader the widget classes of this folder that interface descriptions name.
+/// Tells the loader the widget classes that the interface description of this folder names, but for
+/// those of widgets/.
 void registerLargeFilesClasses(InterfaceLoader &loader);

@@ -5,17 +5,13 @@
 #include "prefs/exclusions/ExcludedFilesView.h"
 #include "prefs/tutorial/TutorialView.h"
 #include "prefs/window/ColorWindow.h"
-#include "widgets/ColorView.h"
 #include "widgets/RoundedFrame.h"
-#include "widgets/StyledLabel.h"
 
 void registerPrefsClasses(InterfaceLoader &loader)
 {
-    loader.registerClass<ColorView>();
     loader.registerClass<ColorWindow>();
     loader.registerClass<ExcludedFilesView>();
     loader.registerClass<RoundedFrame>();
-    loader.registerClass<StyledLabel>();
     loader.registerClass(QStringLiteral("PanelButton"), [](QWidget *parent) -> QWidget * {
         return new PanelButton({}, PanelButtonLook::Plain, parent);
     });

@@ -10,6 +10,7 @@
 #include "tests/support/disk/ScratchFolder.h"
 #include "tests/support/page/SheetHost.h"
 #include "tests/support/run/GuiTestMain.h"
+#include "widgets/InterfaceClasses.h"
 
 #include <QAccessible>
 #include <QAction>
@@ -38,6 +39,7 @@ struct Sheet
                               HomeLayout::withLibrary(
                                   FileUrl::fromPath(folder.path(), FileUrlKind::Folder))})
     {
+        registerWidgetClasses(loader);
         registerLargeFilesClasses(loader);
         folder.makeFolder("Movies");
         host.window.resize(860, 680);

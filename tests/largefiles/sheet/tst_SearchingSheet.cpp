@@ -10,6 +10,7 @@
 #include "tests/support/disk/ScratchFolder.h"
 #include "tests/support/page/SheetHost.h"
 #include "tests/support/run/GuiTestMain.h"
+#include "widgets/InterfaceClasses.h"
 
 #include <QLabel>
 #include <QTextDocumentFragment>
@@ -27,6 +28,7 @@ struct HeldSheet
                               HomeLayout::withLibrary(
                                   FileUrl::fromPath(folder.path(), FileUrlKind::Folder))})
     {
+        registerWidgetClasses(loader);
         registerLargeFilesClasses(loader);
         for (const char *name : {"Movies", "Movies/locked", "Pictures"})
             folder.makeFolder(name);

@@ -8,6 +8,7 @@
 #include "prefs/exclusions/InterfaceClasses.h"
 #include "prefs/exclusions/PreferencesWindowController.h"
 #include "tests/prefs/exclusions/ScratchAccess.h"
+#include "widgets/InterfaceClasses.h"
 
 #include <QAbstractButton>
 #include <QSignalSpy>
@@ -19,6 +20,7 @@ class PreferencesFixture final
 public:
     PreferencesFixture() : m_access(made(folder))
     {
+        registerWidgetClasses(m_loader);
         registerPrefsClasses(m_loader);
         reopenSettings();
     }

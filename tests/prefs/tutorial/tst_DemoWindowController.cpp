@@ -10,6 +10,7 @@
 #include "tests/support/run/GuiTestMain.h"
 #include "tests/support/run/LogRecorder.h"
 #include "widgets/ColorView.h"
+#include "widgets/InterfaceClasses.h"
 
 #include <QCheckBox>
 #include <QSignalSpy>
@@ -52,6 +53,7 @@ void TestDemoWindowController::init()
     m_folder = std::make_unique<QTemporaryDir>();
     m_defaults = std::make_unique<UserDefaults>(m_folder->path(), hostSystemCalls());
     m_loader = std::make_unique<InterfaceLoader>();
+    registerWidgetClasses(*m_loader);
     registerPrefsClasses(*m_loader);
     m_host = std::make_unique<QWidget>();
     m_host->resize(860, 680);

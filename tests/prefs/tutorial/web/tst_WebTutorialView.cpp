@@ -11,6 +11,7 @@
 #include "tests/support/page/StillStyle.h"
 #include "tests/support/run/LogRecorder.h"
 #include "tests/support/run/RecordingServer.h"
+#include "widgets/InterfaceClasses.h"
 
 #include <QAbstractButton>
 #include <QAccessible>
@@ -110,6 +111,7 @@ void TestWebTutorialView::present()
 {
     m_defaults = std::make_unique<UserDefaults>(m_folder->path(), hostSystemCalls());
     m_loader = std::make_unique<InterfaceLoader>();
+    registerWidgetClasses(*m_loader);
     registerPrefsClasses(*m_loader);
     m_loader->registerClass(QStringLiteral("TutorialView"), [this](QWidget *parent) -> QWidget * {
         return new WebTutorialView(*m_tutorial, parent);

@@ -1,0 +1,6 @@
+#pragma once
+
+class InterfaceLoader;
+
+/// Tells the loader the widget classes of this folder that interface descriptions name.
+void registerWidgetClasses(InterfaceLoader &loader);
