@@ -2,7 +2,6 @@
 
 #include <QFontMetricsF>
 #include <QPainter>
-#include <QTextLayout>
 #include <cmath>
 
 namespace {
@@ -14,7 +13,7 @@ public:
     explicit Line(const AttributedText &text)
     {
         m_layout.setText(text.string());
-        m_layout.setFormats(formatsOf(text));
+        m_layout.setFormats(text.formats());
         QTextOption option;
         option.setWrapMode(QTextOption::NoWrap);
         m_layout.setTextOption(option);
@@ -29,22 +28,6 @@ public:
     void draw(QPainter &painter, QPointF topLeft) const { m_layout.draw(&painter, topLeft); }
 
 private:
-    static QList<QTextLayout::FormatRange> formatsOf(const AttributedText &text)
-    {
-        QList<QTextLayout::FormatRange> formats;
-        int start = 0;
-        for (const TextRun &run : text.runs()) {
-            QTextLayout::FormatRange range;
-            range.start = start;
-            range.length = static_cast<int>(run.text.size());
-            range.format.setFont(run.font);
-            range.format.setForeground(run.color);
-            formats.append(range);
-            start += range.length;
-        }
-        return formats;
-    }
-
     QTextLayout m_layout;
     QTextLine m_line;
 };
@@ -73,6 +56,22 @@ QString AttributedText::string() const
     for (const TextRun &run : m_runs)
         string += run.text;
     return string;
+}
+
+QList<QTextLayout::FormatRange> AttributedText::formats() const
+{
+    QList<QTextLayout::FormatRange> formats;
+    int start = 0;
+    for (const TextRun &run : m_runs) {
+        QTextLayout::FormatRange range;
+        range.start = start;
+        range.length = static_cast<int>(run.text.size());
+        range.format.setFont(run.font);
+        range.format.setForeground(run.color);
+        formats.append(range);
+        start += range.length;
+    }
+    return formats;
 }
 
 const TextRun *AttributedText::firstRun() const

@@ -6,6 +6,7 @@
 #include <QRectF>
 #include <QSizeF>
 #include <QString>
+#include <QTextLayout>
 
 class QPainter;
 
@@ -33,6 +34,8 @@ public:
 
     /// The text without its styles.
     QString string() const;
+    /// The styles, for a layout of that text.
+    QList<QTextLayout::FormatRange> formats() const;
 
     /// The style of the first character, as a run; null where there is no character. Its
     /// alignment is that of the whole line.

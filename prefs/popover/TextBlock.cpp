@@ -12,22 +12,6 @@ QTextOption wrapping()
     return option;
 }
 
-QList<QTextLayout::FormatRange> formatsOf(const AttributedText &text)
-{
-    QList<QTextLayout::FormatRange> formats;
-    int start = 0;
-    for (const TextRun &run : text.runs()) {
-        QTextLayout::FormatRange range;
-        range.start = start;
-        range.length = static_cast<int>(run.text.size());
-        range.format.setFont(run.font);
-        range.format.setForeground(run.color);
-        formats.append(range);
-        start += range.length;
-    }
-    return formats;
-}
-
 /// A layout knows one kind of line end.
 QString withLineSeparators(QString string)
 {
@@ -41,7 +25,7 @@ TextBlock::TextBlock(const AttributedText &text, double maxWidth)
     if (!text.firstRun())
         return;
     m_layout.setText(withLineSeparators(text.string()));
-    m_layout.setFormats(formatsOf(text));
+    m_layout.setFormats(text.formats());
     m_layout.setTextOption(wrapping());
     m_layout.beginLayout();
     for (QTextLine line = m_layout.createLine(); line.isValid(); line = m_layout.createLine()) {
