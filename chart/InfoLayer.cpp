@@ -2,6 +2,8 @@
 
 #include "platform/look/Images.h"
 #include "slices/record/Info.h"
+#include "slices/record/SizeText.h"
+#include "slices/record/SliceCatalogue.h"
 
 #include <QFontMetricsF>
 #include <QPainter>
@@ -174,7 +176,7 @@ void InfoLayer::contentChanged()
 
 std::optional<WeightedText> InfoLayer::attributedSizeString(const QString &text)
 {
-    if (text.size() <= kUnitLength || text == u"Empty" || text == u"Click to select")
+    if (text.size() <= kUnitLength || text == kEmptySize || text == kClickToSelect)
         return std::nullopt;
     return WeightedText{{text.chopped(kUnitLength), Typeface::Regular},
                         {text.last(kUnitLength), Typeface::Medium}};

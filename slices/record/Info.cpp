@@ -1,14 +1,9 @@
 #include "slices/record/Info.h"
 
 #include "platform/base/ByteCount.h"
+#include "slices/record/SizeText.h"
 
 #include <QDebug>
-
-namespace {
-
-constexpr QLatin1String kEmptyText("Empty");
-
-} // namespace
 
 void FileSizeChangedNotification::post()
 {
@@ -129,7 +124,7 @@ bool Info::storeFirstMeasure(const Places &places, qint64 bytes)
     // A text that was set, or places that were changed meanwhile, are newer than this measure.
     if (m_fileSizeString || m_places != places)
         return false;
-    m_fileSizeString = bytes == 0 ? QString(kEmptyText) : stringFromByteCount(bytes);
+    m_fileSizeString = bytes == 0 ? QString::fromUtf16(kEmptySize) : stringFromByteCount(bytes);
     m_fileSize = bytes;
     return true;
 }
