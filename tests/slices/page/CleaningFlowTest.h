@@ -162,6 +162,7 @@ inline QString CleaningFlowTest::storedHistory() const
 /// Another program writes the settings, and this one finds out.
 inline void CleaningFlowTest::forgetTheExclusions()
 {
+    QVERIFY(m_fixture->defaults().synchronize()); // nothing of its own is under way
     UserDefaults others(QFile::decodeName(m_fixture->folder().path("settings")), hostSystemCalls());
     others.setStrings(VNTExcludedPathsString, {});
     QVERIFY(others.synchronize());

@@ -26,6 +26,8 @@ private Q_SLOTS:
     void endsWithoutAUsableGrantOrAConsent();
     void givesUpWhereverItIs_data();
     void givesUpWhereverItIs();
+    void looksAtTheExclusionsAgainAtTheConsent();
+    void cleansOnceTheGrantHasBeenLookedAtForTheConsent();
     void asksAgainWhenTheChoiceIsAnother();
     void asksAgainWhenThePageCameBackUnderTheQuestion();
     void takesAConsentForOneLookAtTheGrant();
@@ -121,9 +123,11 @@ void TestCleaningFlow::asksOnceHoweverOftenItIsStarted()
     m_held.takeFirst()();
     m_flow->start(); // while it looks for programs
     QVERIFY(reach(State::Asking));
+    exclude({QStringLiteral("nonsense")});
     m_flow->start();
-    QVERIFY(m_held.isEmpty());
+    QVERIFY(m_held.isEmpty() && m_told.isEmpty());
     QCOMPARE(m_asked.size(), 1);
+    exclude({});
     answer(kCancelButton);
     m_flow->start(); // anew
     QCOMPARE(m_held.size(), 1);
@@ -158,17 +162,23 @@ void TestCleaningFlow::givesUpWhereverItIs_data()
 {
     using Cause = std::function<void(TestCleaningFlow &)>;
     QTest::addColumn<State>("where");
+    QTest::addColumn<int>("visit");
     QTest::addColumn<Cause>("cause");
     const Cause leave = [](TestCleaningFlow &test) { test.m_flow->leave(); };
     const Cause switchOff = [](TestCleaningFlow &test) {
         test.record(SliceKind::BrowserData).setIsOn(false);
     };
     const Cause hide = [](TestCleaningFlow &test) { test.m_isPageReady = false; };
-    for (const State state :
-         {State::CheckingGrant, State::LookingForPrograms, State::Measuring, State::Asking}) {
-        QTest::addRow("left in state %d", int(state)) << state << leave;
-        QTest::addRow("nothing chosen any more in state %d", int(state)) << state << switchOff;
-        QTest::addRow("no page any more in state %d", int(state)) << state << hide;
+    const auto add = [](State state, int visit, const char *name, const Cause &cause) {
+        QTest::addRow("%s, state %d, visit %d", name, int(state), visit) << state << visit << cause;
+    };
+    for (const auto &[state, visit] :
+         {std::pair(State::CheckingGrant, 1), std::pair(State::LookingForPrograms, 1),
+          std::pair(State::Measuring, 1), std::pair(State::Asking, 1),
+          std::pair(State::CheckingGrant, 2)}) {
+        add(state, visit, "left", leave);
+        add(state, visit, "nothing chosen any more", switchOff);
+        add(state, visit, "no page any more", hide);
     }
 }
 
@@ -176,21 +186,48 @@ void TestCleaningFlow::givesUpWhereverItIs_data()
 void TestCleaningFlow::givesUpWhereverItIs()
 {
     QFETCH(State, where);
+    QFETCH(int, visit);
     QFETCH(std::function<void(TestCleaningFlow &)>, cause);
-    connect(m_flow.get(), &CleaningFlow::stateChanged, this, [this, where, cause](State state) {
-        if (state == where && m_states.count(where) == 1)
-            cause(*this);
-    });
+    connect(m_flow.get(), &CleaningFlow::stateChanged, this,
+            [this, where, visit, cause](State state) {
+                if (state == where && m_states.count(where) == visit)
+                    cause(*this);
+            });
     m_flow->start();
     QTRY_VERIFY(m_flow->isIdle() || !m_asked.isEmpty());
-    if (!m_asked.isEmpty())
+    if (!m_asked.isEmpty()) {
+        QVERIFY(where == State::Asking || visit == 2); // nobody is asked in vain
         answer(kGoOnButton);
+    }
     awaitBackgroundThreads();
     QCoreApplication::processEvents();
     QVERIFY(m_asked.isEmpty());
     QVERIFY(m_flow->isIdle());
     QCOMPARE(m_states.last(), State::Idle);
     QVERIFY(!m_states.contains(State::Cleaning) && isHistoryThere());
+}
+
+void TestCleaningFlow::looksAtTheExclusionsAgainAtTheConsent()
+{
+    m_flow->start();
+    QVERIFY(reach(State::Asking));
+    m_holdsGrant = true;
+    exclude({QStringLiteral("nonsense")});
+    answer(kGoOnButton);
+    QCOMPARE(m_told.value(0).messageText, QStringLiteral("An excluded path cannot be read."));
+    QVERIFY(m_flow->isIdle() && m_held.isEmpty());
+}
+
+void TestCleaningFlow::cleansOnceTheGrantHasBeenLookedAtForTheConsent()
+{
+    m_flow->start();
+    QVERIFY(reach(State::Asking));
+    m_holdsGrant = true;
+    answer(kGoOnButton);
+    QCOMPARE(m_flow->state(), State::CheckingGrant);
+    m_held.takeFirst()();
+    QVERIFY(m_flow->isCleaning());
+    QTRY_COMPARE(m_freed, QList<qint64>{4500});
 }
 
 void TestCleaningFlow::asksAgainWhenTheChoiceIsAnother()
