@@ -119,6 +119,7 @@ void TestFreeSpaceCleaning::removesWhatWasConfirmed()
     QCOMPARE(m_delegate.moves[0].data, QVariant(qint64{1234}));
     QVERIFY(!m_fixture->exists(".Trash/keep") && !m_fixture->exists(".Trash/other"));
     QVERIFY(m_fixture->exists(".Trash"));
+    QCOMPARE(m_page->startButton()->detailText().text(), QString()); // it goes out as it is
 }
 
 void TestFreeSpaceCleaning::keepsWhatIsExcludedAfterTheConsent()
