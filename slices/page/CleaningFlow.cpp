@@ -31,15 +31,21 @@ CleaningFlow::CleaningFlow(Services services, QObject *parent)
 
 void CleaningFlow::handle(CleaningEvent event)
 {
-    const std::optional<CleaningState> next = nextState(m_state, event);
-    if (!next)
-        return; // comes too late, or too early
-    const CleaningState before = std::exchange(m_state, *next);
-    Q_EMIT stateChanged(m_state, before);
-    act();
+    for (std::optional<CleaningEvent> next = event; next;)
+        next = goOn(*next);
 }
 
-void CleaningFlow::act()
+std::optional<CleaningEvent> CleaningFlow::goOn(CleaningEvent event)
+{
+    const std::optional<CleaningState> next = nextState(m_state, event);
+    if (!next)
+        return std::nullopt; // comes too late, or too early
+    const CleaningState before = std::exchange(m_state, *next);
+    Q_EMIT stateChanged(m_state, before);
+    return act();
+}
+
+std::optional<CleaningEvent> CleaningFlow::act()
 {
     switch (m_state) {
     case CleaningState::Idle:
@@ -48,11 +54,9 @@ void CleaningFlow::act()
         checkGrant();
         break;
     case CleaningState::LookingForPrograms:
-        lookForPrograms();
-        break;
+        return lookForPrograms();
     case CleaningState::Measuring:
-        measure();
-        break;
+        return measure();
     case CleaningState::Asking:
         ask();
         break;
@@ -60,6 +64,7 @@ void CleaningFlow::act()
         clean();
         break;
     }
+    return std::nullopt;
 }
 
 bool CleaningFlow::isReady() const
@@ -85,7 +90,7 @@ bool CleaningFlow::exclusionsAllowCleaning()
     UserDefaults &defaults = m_services.defaults;
     const ExcludedPaths excluded = m_services.selection.excludedPaths();
     if (defaults.exclusionsAreKnown()) {
-        const QStringList unparsable = excluded.unparsable();
+        const QStringList &unparsable = excluded.unparsable();
         if (!unparsable.isEmpty())
             m_services.tell({.style = AlertStyle::Warning,
                              .messageText = tr("An excluded path cannot be read."),
@@ -128,16 +133,16 @@ void CleaningFlow::grantIsUsable(const std::optional<SliceSelection::Choice> &co
 }
 
 /// The confirmation names what stays because of the programs that run now, and the size without it.
-void CleaningFlow::lookForPrograms()
+std::optional<CleaningEvent> CleaningFlow::lookForPrograms()
 {
     if (m_services.home.layout().programs().empty())
-        handle(CleaningEvent::ProgramsFound);
-    else
-        m_services.home.lookForPrograms([this] { handle(CleaningEvent::ProgramsFound); });
+        return CleaningEvent::ProgramsFound;
+    m_services.home.lookForPrograms([this] { handle(CleaningEvent::ProgramsFound); });
+    return std::nullopt;
 }
 
 /// Again until all that it names are measured: their places may have changed meanwhile.
-void CleaningFlow::measure()
+std::optional<CleaningEvent> CleaningFlow::measure()
 {
     SliceSelection::Records named;
     for (const auto &record : m_services.selection.chosen()) {
@@ -146,11 +151,11 @@ void CleaningFlow::measure()
             named.push_back(record);
     }
     if (!isReady())
-        handle(CleaningEvent::NotReady);
-    else if (named.empty())
-        handle(CleaningEvent::AllMeasured);
-    else
-        m_services.home.measure(named, [this] { handle(CleaningEvent::Measured); });
+        return CleaningEvent::NotReady;
+    if (named.empty())
+        return CleaningEvent::AllMeasured;
+    m_services.home.measure(named, [this] { handle(CleaningEvent::Measured); });
+    return std::nullopt;
 }
 
 void CleaningFlow::ask()

@@ -59,14 +59,17 @@ Q_SIGNALS:
 
 private:
     void handle(CleaningEvent event);
-    void act();
+    /// These answer the event that comes of it at once; nothing where it has to be awaited.
+    std::optional<CleaningEvent> goOn(CleaningEvent event);
+    std::optional<CleaningEvent> act();
+    std::optional<CleaningEvent> lookForPrograms();
+    std::optional<CleaningEvent> measure();
+
     bool isReady() const;
     bool mayClean();
     bool exclusionsAllowCleaning();
     void checkGrant();
     void grantIsUsable(const std::optional<SliceSelection::Choice> &consent);
-    void lookForPrograms();
-    void measure();
     void ask();
     void takeAnswer(const SliceSelection::Choice &asked, int button);
     void clean();

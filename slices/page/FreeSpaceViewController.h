@@ -94,7 +94,10 @@ private:
         OwingTutorial, ///< shown; the tutorial's time came while something was asked
     };
 
-    bool isShown() const { return m_presence >= Presence::Shown; }
+    bool isShown() const
+    {
+        return m_presence == Presence::Shown || m_presence == Presence::OwingTutorial;
+    }
     void makeParts();
     void showTutorialUnlessDeclined();
     void homeWasFound();
