@@ -17,7 +17,7 @@ double SliceGeometry::sweep() const
     return std::clamp(end - start, 0.0, kFullTurn);
 }
 
-QPainterPath SliceGeometry::path() const
+QPainterPath SliceGeometry::createArcPath() const
 {
     QPainterPath path;
     path.setFillRule(Qt::WindingFill);

@@ -18,7 +18,7 @@ struct SliceGeometry
     double sweep() const;
 
     /// The closed outline: from the centre along the arc and back. Non-zero winding.
-    QPainterPath path() const;
+    QPainterPath createArcPath() const;
 
     /// The point at `distance` from the centre in the middle of the arc, its coordinates cut
     /// toward zero to whole numbers, so that a label stays sharp.

@@ -91,7 +91,7 @@ void SliceLayer::removeAllAnimations()
 void SliceLayer::setGeometry(const SliceGeometry &geometry)
 {
     m_geometry = geometry;
-    m_path = geometry.path();
+    m_path = geometry.createArcPath();
     if (m_gradientLayer)
         m_gradientLayer->fit(m_path);
 }

@@ -202,7 +202,7 @@ void TestSliceLayer::fitsShapeAndGradientToItsGeometry()
     GradientLayer &gradient = layer.madeGradientLayer();
     QCOMPARE(gradient.frame(), QRectF(100, 100, 50, 50));
     layer.setGeometry({{100, 100}, 50, pi / 2, pi});
-    QCOMPARE(layer.path(), layer.geometry().path());
+    QCOMPARE(layer.path(), layer.geometry().createArcPath());
     QCOMPARE(gradient.frame(), QRectF(50, 100, 50, 50));
     QCOMPARE(gradient.mask(), layer.path().translated(-50, -100));
 }
