@@ -91,7 +91,7 @@ SearchJob::SearchJob(const SystemCalls &calls, FileAccess &access, LargeFileList
 
 SearchJob::~SearchJob() = default;
 
-void SearchJob::start(const FileUrls &folders, const QStringList &excludedPaths)
+void SearchJob::beginSearch(const FileUrls &folders, const QStringList &excludedPaths)
 {
     m_unreadable.clear();
     m_run = std::make_shared<Run>(*this, m_list.fileURLs());

@@ -39,7 +39,7 @@ public:
 
     /// Begins a search of these folders (see searchURLs()); `excludedPaths` are the texts stored
     /// under VNTExcludedPathsString. Returns at once.
-    void start(const FileUrls &folders, const QStringList &excludedPaths);
+    void beginSearch(const FileUrls &folders, const QStringList &excludedPaths);
     /// Returns at once; the file work ends at its next entry.
     void stop();
 

@@ -130,7 +130,7 @@ void LargeFilesWindowController::refreshData()
     m_status.begin();
     showStatus();
     m_array.refreshSizes();
-    m_search.start(m_searchURLs, m_services.defaults.strings(VNTExcludedPathsString));
+    m_search.beginSearch(m_searchURLs, m_services.defaults.strings(VNTExcludedPathsString));
 }
 
 void LargeFilesWindowController::deleteData()

@@ -24,7 +24,10 @@ struct Sheet
     {
     }
 
-    void start(const QStringList &excluded = {}) { job.start(searchURLs(homeUrl(home)), excluded); }
+    void start(const QStringList &excluded = {})
+    {
+        job.beginSearch(searchURLs(homeUrl(home)), excluded);
+    }
     bool awaitFinished() { return !finished.isEmpty() || finished.wait(); }
     bool searchToTheEnd(const QStringList &excluded = {})
     {
@@ -301,8 +304,8 @@ void TestSearchJob::waitsForItsThreadsAtTheEnd()
     LargeFileList list;
     for (int round = 0; round < 50; ++round) {
         SearchJob job(hostSystemCalls(), access, list);
-        job.start(searchURLs(homeUrl(home)), {});
-        job.start(searchURLs(homeUrl(home)), {});
+        job.beginSearch(searchURLs(homeUrl(home)), {});
+        job.beginSearch(searchURLs(homeUrl(home)), {});
     }
     QCOMPARE(access.starts(), access.stops());
 }
