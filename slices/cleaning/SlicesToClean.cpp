@@ -5,10 +5,9 @@
 
 namespace {
 
-SliceContent contentOf(const QString &slice)
+SliceContent contentOf(const Info &record)
 {
-    const std::optional<SliceKind> kind = sliceKindNamed(slice);
-    return kind ? sliceDescription(*kind).content : SliceContent::Folders;
+    return infoIsFilesNotFolders(record) ? SliceContent::Files : SliceContent::Folders;
 }
 
 /// What is in the freedesktop places of single files is written by the programs as plain files; the
@@ -55,7 +54,7 @@ SliceToClean placesToClean(const HomeLayout &layout, const Info &record, const F
 {
     return {.name = record.name(),
             .fileURLs = locations,
-            .content = contentOf(record.name()),
+             .content = contentOf(record),
             .whatGoes = whatGoesOf(layout, record.name()),
             .kept = record.kept(),
             .programPlaces = programPlaces(layout, locations)};

@@ -1,5 +1,7 @@
 #include "slices/record/SliceCatalogue.h"
 
+#include "slices/record/Info.h"
+
 #include <algorithm>
 
 namespace {
@@ -121,6 +123,12 @@ std::optional<FileUrls> sliceLocations(SliceKind kind, const FileUrl &home)
             urls.append(home.appending(path, urlKind));
     }
     return urls;
+}
+
+bool infoIsFilesNotFolders(const Info &record)
+{
+    const std::optional<SliceKind> kind = sliceKindNamed(record.name());
+    return kind && kSlices[indexOf(*kind)].content == SliceContent::Files;
 }
 
 std::optional<SliceKind> sliceKindNamed(const QString &name)

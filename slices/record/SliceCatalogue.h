@@ -8,6 +8,8 @@
 #include <cstdint>
 #include <optional>
 
+class Info;
+
 /// The kinds of content in their fixed order; everywhere else a slice is known by this index.
 enum class SliceKind : std::uint8_t {
     Trash,
@@ -80,6 +82,10 @@ constexpr int indexOf(SliceKind kind)
 {
     return static_cast<int>(kind);
 }
+
+/// Whether the record's locations are the very files that a cleaning removes. Those of a record
+/// that is none of the catalogue's are folders, of which the contents go.
+bool infoIsFilesNotFolders(const Info &record);
 
 /// The place of a name in the catalogue; nothing for a name that is no slice's.
 std::optional<SliceKind> sliceKindNamed(const QString &name);

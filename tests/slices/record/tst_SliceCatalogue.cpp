@@ -1,4 +1,6 @@
 #include "slices/record/SliceCatalogue.h"
+
+#include "slices/record/Info.h"
 #include "tests/support/run/TestMain.h"
 
 #include <QSet>
@@ -33,6 +35,8 @@ private Q_SLOTS:
     void leavesLargeFilesToTheUser();
     void namesEveryLocationBelowTheHome();
     void givesFoldersAndFilesTheirForm();
+    void tellsFilesFromFoldersByTheRecord_data();
+    void tellsFilesFromFoldersByTheRecord();
     void findsSlicesByName();
 };
 
@@ -152,6 +156,28 @@ void TestSliceCatalogue::givesFoldersAndFilesTheirForm()
     QCOMPARE(browser.size(), 5);
     QCOMPARE(browser[2], QByteArray("file:///home/anna/Library/Application%20Support/Google/Chrome/"
                                     "Default/Web%20Data"));
+}
+
+void TestSliceCatalogue::tellsFilesFromFoldersByTheRecord_data()
+{
+    QTest::addColumn<bool>("areFiles");
+    QTest::newRow("Trash") << false;
+    QTest::newRow("Large Files") << true;
+    QTest::newRow("Cache") << false;
+    QTest::newRow("App Logs") << false;
+    QTest::newRow("Old iOS") << false;
+    QTest::newRow("Downloads") << false;
+    QTest::newRow("Mail Downloads") << false;
+    QTest::newRow("Browser Data") << true;
+    QTest::newRow("no slice of ours") << false;
+    QTest::newRow("browser data") << false;
+}
+
+void TestSliceCatalogue::tellsFilesFromFoldersByTheRecord()
+{
+    const auto record =
+        Info::infoWithName(QString::fromLatin1(QTest::currentDataTag()), std::nullopt);
+    QTEST(infoIsFilesNotFolders(*record), "areFiles");
 }
 
 void TestSliceCatalogue::findsSlicesByName()
