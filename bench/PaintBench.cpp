@@ -139,7 +139,7 @@ public:
         measure("moving, gradients", kAmidst);
         m_time += MediaTime(1);
         m_chart.updateTimerFired();
-        m_chart.focusSlice(0);
+        m_chart.interaction().focusSlice(0);
         measure("settled, focus ring", 0);
     }
 

@@ -1,24 +1,23 @@
 #include "chart/PieChart.h"
 
 #include "chart/PieChartAccessible.h"
+#include "chart/SliceReload.h"
 #include "platform/base/Log.h"
-#include "platform/look/ViewAlpha.h"
 
-#include <algorithm>
+#include <QPointer>
 
 namespace {
 
-constexpr std::chrono::milliseconds kFrame{1000 / 60};
+constexpr double kFullTurn = 2 * std::numbers::pi;
 
 } // namespace
 
-PieChart::PieChart(QWidget *parent) : BackgroundView(parent)
+PieChart::PieChart(QWidget *parent)
+    : PieView(parent), m_interaction(*this, [this](int index) {
+          return delegate() != nullptr && delegate()->canSelectSliceAtIndex(*this, index);
+      })
 {
-    setBackgroundColor(Qt::transparent);
-    m_updateTimer.setObjectName(QStringLiteral("updateTimer"));
-    m_updateTimer.setTimerType(Qt::PreciseTimer);
-    m_updateTimer.setInterval(kFrame);
-    connect(&m_updateTimer, &QTimer::timeout, this, &PieChart::updateTimerFired);
+    connectParts();
     installPieChartAccessibility();
 }
 
@@ -34,64 +33,32 @@ PieChart::PieChart(const QRect &frame, QPointF center, double radius, QWidget *p
     setPieRadius(radius);
 }
 
-PieChart::~PieChart() = default;
-
-void PieChart::setDataSource(PieChartDataSource *dataSource)
+void PieChart::connectParts()
 {
-    m_dataSource = dataSource;
+    connect(&m_animation, &PieAnimation::started, &m_interaction,
+            &PieInteraction::destoryTrackingArea);
+    connect(&m_animation, &PieAnimation::finished, this, &PieChart::standStill);
+    connect(&m_interaction, &PieInteraction::selected, this, [this](int index) {
+        if (delegate())
+            delegate()->didSelectSliceAtIndex(*this, index);
+    });
+    connect(&m_interaction, &PieInteraction::hovered, this, [this](int index) {
+        if (delegate())
+            delegate()->didHoverOverSliceAtIndex(*this, index);
+    });
+    connect(&m_interaction, &PieInteraction::focusMoved, this,
+            [this](int index) { announceFocusedSlice(*this, index); });
 }
 
 void PieChart::setDelegate(PieChartDelegate *delegate)
 {
     m_delegate = delegate;
-    updateFocusPolicy();
+    m_interaction.updateFocusPolicy();
 }
 
-void PieChart::setPieRadius(double radius)
+void PieChart::standStill()
 {
-    m_pieRadius = radius;
-    refreshSliceLayers(LayerState::Presentation);
-}
-
-void PieChart::setInfoRadius(double radius)
-{
-    m_infoRadius = radius;
-    refreshSliceLayers(LayerState::Presentation);
-}
-
-void PieChart::setCenter(QPointF center)
-{
-    m_center = center;
-    refreshSliceLayers(LayerState::Presentation);
-}
-
-void PieChart::commitAnimations()
-{
-    const MediaTime now = m_clock();
-    const auto wanted = std::chrono::ceil<std::chrono::milliseconds>(MediaTime(m_animationSpeed));
-    const MediaTime duration = animationDuration(*this, wanted);
-    for (const auto &layer : m_sliceLayers)
-        layer->beginAnimations(now, duration);
-    refreshSliceLayers(LayerState::Presentation);
-    if (duration <= MediaTime::zero())
-        updateTimerFired();
-}
-
-void PieChart::animationDidStart(const ArcAnimation &animation)
-{
-    destoryTrackingArea();
-    if (!m_updateTimer.isActive())
-        m_updateTimer.start();
-    m_runningAnimations.push_back(&animation);
-}
-
-void PieChart::animationDidStop(const ArcAnimation &animation, Completion completion)
-{
-    std::erase(m_runningAnimations, &animation);
-    if (!m_runningAnimations.empty() || completion == Completion::Interrupted)
-        return;
-    m_updateTimer.stop();
-    installTrackingArea();
+    m_interaction.installTrackingArea();
     if (!m_didLoad) {
         qCDebug(logChart, "here");
         refreshSliceLayers(LayerState::Model);
@@ -102,60 +69,118 @@ void PieChart::animationDidStop(const ArcAnimation &animation, Completion comple
     Q_EMIT animationFinished();
 }
 
-void PieChart::updateTimerFired()
+void PieChart::reloadData()
 {
-    const MediaTime now = m_clock();
-    for (const auto &layer : m_sliceLayers)
-        layer->advance(now);
-    refreshSliceLayers(LayerState::Presentation);
-    // A copy: whoever hears of the last one's end may reload.
-    for (const auto &layer : SliceLayers(m_sliceLayers))
-        layer->finishAnimations(now);
+    if (!dataSource())
+        return;
+    const SliceReading reading = m_source.read();
+    const bool isNothing = reading.values.empty() || reading.sum <= 0;
+    if (isNothing && !sliceLayers().empty())
+        collapse();
+    else
+        layOut(reading);
+    m_animation.commit();
+    m_interaction.updateFocusPolicy();
+    announceSliceState(*this, m_interaction.focusedSlice());
 }
 
-void PieChart::refreshSliceLayer(SliceLayer &layer, LayerState state)
+void PieChart::collapse()
 {
-    const auto presentation =
-        state == LayerState::Presentation ? layer.presentationLayer() : nullptr;
-    const SliceLayer &source = presentation ? *presentation : layer;
-    const SliceGeometry geometry{plane().fromWidget(center()), pieRadius(), source.startAngle(),
-                                 source.endAngle()};
-    qCDebug(logChart, "%lf", geometry.end);
-    if (geometry != layer.geometry())
-        layer.setGeometry(geometry);
-    layer.infoLayer()->setPosition(geometry.labelPoint(infoRadius()));
-}
-
-void PieChart::refreshSliceLayers(LayerState state)
-{
-    // One rectangle for all: with many small ones the painter's clipping costs more than it saves.
-    QRectF changed;
-    for (const auto &layer : m_sliceLayers) {
-        const QRectF before = extentOf(*layer);
-        const SliceGeometry geometry = layer->geometry();
-        const QPoint position = layer->infoLayer()->position();
-        refreshSliceLayer(*layer, state);
-        if (layer->geometry() != geometry || layer->infoLayer()->position() != position)
-            changed |= before | extentOf(*layer);
+    const Arc nothing{m_startPieAngle, m_startPieAngle};
+    for (const auto &layer : sliceLayers()) {
+        updateInfoForLayer(*layer, nullptr);
+        m_animation.prepare(*layer, nothing, nothing);
     }
-    if (!changed.isNull())
-        update(changed.toAlignedRect());
 }
 
-void PieChart::updateLayer(const SliceLayer &layer)
+void PieChart::layOut(const SliceReading &reading)
 {
-    update(extentOf(layer).toAlignedRect());
+    SliceReload reload(ownSliceLayers(), reading.values, [this] { return createSliceLayer(); });
+    double offset = 0;
+    for (std::size_t i = 0; i < reading.values.size(); ++i) {
+        const double endOffset = offset + reading.share(i) * kFullTurn;
+        SliceLayer &layer = reload.layerForSlice(i);
+        layer.setIndex(static_cast<int>(i));
+        layer.setValue(reading.values[i]);
+        layer.setPercentage(reading.share(i));
+        setLooks(layer);
+        const Arc arc{m_startPieAngle + offset, m_startPieAngle + endOffset};
+        m_animation.prepare(
+            layer, reload.isFreshStart() ? Arc{m_startPieAngle, m_startPieAngle} : arc, arc);
+        updateInfoForLayer(layer, reading.infos[i]);
+        offset = endOffset;
+    }
+    removeSlices(reload.spare());
+    if (m_didLoad)
+        reloadGradients();
 }
 
-QRectF PieChart::labelExtent(const InfoLayer &label) const
+void PieChart::setLooks(SliceLayer &layer)
 {
-    return plane().toWidget(label.bounds().translated(label.position()));
+    if (m_didLoad)
+        return;
+    layer.setFillColor(m_source.color(layer.index()));
+    if (layer.gradientLayer())
+        layer.gradientLayer()->setColors(std::nullopt);
+    updateLayer(layer);
 }
 
-QRectF PieChart::extentOf(const SliceLayer &layer) const
+void PieChart::removeSlices(const SliceLayers &layers)
 {
-    constexpr double kSmoothEdge = 1;
-    const QRectF shape = plane().toWidget(layer.path().boundingRect());
-    return (shape | labelExtent(*layer.infoLayer()))
-        .adjusted(-kSmoothEdge, -kSmoothEdge, kSmoothEdge, kSmoothEdge);
+    for (const auto &layer : layers) {
+        updateLayer(*layer);
+        layer->setFillColor(backgroundColor());
+        layer->infoLayer()->setHidden(true);
+        layer->removeAllAnimations();
+        std::erase(ownSliceLayers(), layer);
+    }
+}
+
+std::shared_ptr<SliceLayer> PieChart::createSliceLayer()
+{
+    auto slice = std::make_shared<SliceLayer>();
+    auto label = std::make_unique<InfoLayer>(
+        [chart = QPointer<PieChart>(this), weakSlice = std::weak_ptr<SliceLayer>(slice)] {
+            if (const auto changed = weakSlice.lock(); chart && changed) {
+                chart->updateLayer(*changed);
+                announceSliceName(*chart, changed->index());
+            }
+        },
+        m_sizeQueue);
+    const QPointF middle = plane().fromWidget(center());
+    label->setPosition({static_cast<int>(middle.x() + infoRadius()), static_cast<int>(middle.y())});
+    slice->setInfoLayer(std::move(label));
+    return slice;
+}
+
+void PieChart::updateInfoForLayer(SliceLayer &layer, std::shared_ptr<Info> info)
+{
+    layer.infoLayer()->setInfo(std::move(info));
+}
+
+void PieChart::reloadGradients()
+{
+    for (const auto &layer : sliceLayers()) {
+        const GradientLayer::Colors colors = m_source.gradient(layer->index());
+        GradientLayer &gradient = layer->madeGradientLayer();
+        if (gradient.colors() == colors)
+            continue;
+        gradient.setColors(colors);
+        updateLayer(*layer);
+    }
+}
+
+void PieChart::animateOut()
+{
+    m_interaction.destoryTrackingArea();
+    setDrawShadow(false);
+    for (const auto &layer : sliceLayers()) {
+        layer->setFillColor(m_source.givenColor(layer->index()));
+        if (layer->gradientLayer())
+            layer->gradientLayer()->setColors(std::nullopt);
+        updateLayer(*layer);
+        m_animation.prepare(*layer, {layer->startAngle(), layer->endAngle()},
+                            {m_startPieAngle, m_startPieAngle});
+    }
+    m_animation.commit();
 }

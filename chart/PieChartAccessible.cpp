@@ -59,7 +59,10 @@ public:
 private:
     PieChart *chart() const { return livingChart(m_object); }
     const SliceLayer *layer() const { return chart() ? chart()->layerOfSlice(m_index) : nullptr; }
-    bool canPress() const { return chart() != nullptr && chart()->canSelectSlice(m_index); }
+    bool canPress() const
+    {
+        return chart() != nullptr && chart()->interaction().canSelectSlice(m_index);
+    }
 
     QPointer<QObject> m_object;
     int m_index;
@@ -121,7 +124,7 @@ QAccessible::State SliceAccessible::state() const
         return state;
     state.invisible = !chart()->isVisible();
     state.focusable = canPress();
-    state.focused = chart()->hasFocus() && chart()->focusedSlice() == m_index;
+    state.focused = chart()->hasFocus() && chart()->interaction().focusedSlice() == m_index;
     const auto info = layer()->infoLayer()->info();
     // A slice with a name is switched on and off; one with a picture alone is a link.
     state.checkable = canPress() && info && !info->name().isEmpty();
@@ -139,9 +142,9 @@ void SliceAccessible::doAction(const QString &actionName)
     if (!canPress())
         return;
     if (actionName == pressAction())
-        chart()->selectSlice(m_index);
+        chart()->interaction().selectSlice(m_index);
     else if (actionName == setFocusAction())
-        chart()->focusSlice(m_index);
+        chart()->interaction().focusSlice(m_index);
 }
 
 ChartAccessible::~ChartAccessible()
@@ -188,8 +191,8 @@ int ChartAccessible::indexOfChild(const QAccessibleInterface *child) const
 
 QAccessibleInterface *ChartAccessible::focusChild() const
 {
-    if (chart() && chart()->hasFocus() && chart()->focusedSlice() != -1)
-        return slice(chart()->focusedSlice());
+    if (chart() && chart()->hasFocus() && chart()->interaction().focusedSlice() != -1)
+        return slice(chart()->interaction().focusedSlice());
     return QAccessibleWidget::focusChild();
 }
 

@@ -132,7 +132,7 @@ void TestPieChart::loadsWhenTheFirstAnimationHasRunToItsEnd()
     QVERIFY(held.chart.didLoad());
     QVERIFY(held.layer(0).gradientLayer());
     QVERIFY(held.layer(1).gradientLayer());
-    QVERIFY(held.chart.hasTrackingArea());
+    QVERIFY(held.chart.interaction().hasTrackingArea());
     QCOMPARE(finished.count(), 1);
 }
 
@@ -183,12 +183,12 @@ void TestPieChart::showsItsStateAtOnceWithoutDuration()
     held.chart.reloadData();
     QVERIFY(!held.chart.isAnimating());
     QVERIFY(held.chart.didLoad());
-    QVERIFY(held.chart.hasTrackingArea());
+    QVERIFY(held.chart.interaction().hasTrackingArea());
     QCOMPARE(held.layer(1).geometry().end, 2.5 * pi);
     QCOMPARE(finished.count(), 1);
     held.chart.animateOut();
     QCOMPARE(held.layer(1).geometry().sweep(), 0.0);
-    QVERIFY(held.chart.hasTrackingArea());
+    QVERIFY(held.chart.interaction().hasTrackingArea());
 }
 
 void TestPieChart::foldsToTheStartAngle()
@@ -196,7 +196,7 @@ void TestPieChart::foldsToTheStartAngle()
     HeldChart held({1, 1});
     held.settle();
     held.chart.animateOut();
-    QVERIFY(!held.chart.hasTrackingArea());
+    QVERIFY(!held.chart.interaction().hasTrackingArea());
     QCOMPARE(held.layer(1).geometry().end, 2.5 * pi);
     held.pass(0.3);
     QVERIFY(held.layer(1).geometry().end < 2 * pi);

@@ -159,7 +159,7 @@ void TestPieChartAccessible::movesTheFocus()
 {
     slice(2)->actionInterface()->doAction(QAccessibleActionInterface::setFocusAction());
     QVERIFY(m_held->chart.hasFocus());
-    QCOMPARE(m_held->chart.focusedSlice(), 2);
+    QCOMPARE(m_held->chart.interaction().focusedSlice(), 2);
     QVERIFY(stateOf(2).focused && !stateOf(0).focused);
     QCOMPARE(list()->focusChild(), slice(2));
 }

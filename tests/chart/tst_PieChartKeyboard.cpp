@@ -54,7 +54,7 @@ void TestPieChartKeyboard::showsItsRingWhenReachedByKeyboardAlone()
     QCOMPARE(held.picture(), without);
     held.chart.clearFocus();
     held.chart.setFocus(Qt::TabFocusReason);
-    QCOMPARE(held.chart.focusedSlice(), 0);
+    QCOMPARE(held.chart.interaction().focusedSlice(), 0);
     const QImage with = held.picture();
     QVERIFY(with != without);
     // Along the inside of the first slice's edge, up from the centre, and nowhere else.
@@ -77,7 +77,7 @@ void TestPieChartKeyboard::movesTheRingWithTheArrows()
                                              {Qt::Key_Left, 0}, {Qt::Key_Left, 0}};
     for (const auto &[key, slice] : moves) {
         QTest::keyClick(&held.chart, key);
-        QCOMPARE(held.chart.focusedSlice(), slice);
+        QCOMPARE(held.chart.interaction().focusedSlice(), slice);
     }
 }
 
@@ -89,9 +89,9 @@ void TestPieChartKeyboard::goesToTheEndsWithHomeAndEnd()
     held.settle();
     showWithFocus(held, Qt::TabFocusReason);
     QTest::keyClick(&held.chart, Qt::Key_End);
-    QCOMPARE(held.chart.focusedSlice(), 2);
+    QCOMPARE(held.chart.interaction().focusedSlice(), 2);
     QTest::keyClick(&held.chart, Qt::Key_Home);
-    QCOMPARE(held.chart.focusedSlice(), 0);
+    QCOMPARE(held.chart.interaction().focusedSlice(), 0);
 }
 
 void TestPieChartKeyboard::skipsSlicesThatCannotBeChosen()
@@ -101,12 +101,12 @@ void TestPieChartKeyboard::skipsSlicesThatCannotBeChosen()
     held.chart.reloadData();
     held.settle();
     showWithFocus(held, Qt::TabFocusReason);
-    QCOMPARE(held.chart.focusedSlice(), 1);
+    QCOMPARE(held.chart.interaction().focusedSlice(), 1);
     QTest::keyClick(&held.chart, Qt::Key_Right);
     QTest::keyClick(&held.chart, Qt::Key_Right);
-    QCOMPARE(held.chart.focusedSlice(), 3);
+    QCOMPARE(held.chart.interaction().focusedSlice(), 3);
     QTest::keyClick(&held.chart, Qt::Key_Right);
-    QCOMPARE(held.chart.focusedSlice(), 3);
+    QCOMPARE(held.chart.interaction().focusedSlice(), 3);
 }
 
 void TestPieChartKeyboard::choosesWithSpaceAndReturn()
@@ -159,9 +159,9 @@ void TestPieChartKeyboard::goesOnFromAClickedSlice()
     held.settle();
     showWithFocus(held, Qt::MouseFocusReason);
     QTest::mouseClick(&held.chart, Qt::LeftButton, {}, {250, 200});
-    QCOMPARE(held.chart.focusedSlice(), 2);
+    QCOMPARE(held.chart.interaction().focusedSlice(), 2);
     QTest::keyClick(&held.chart, Qt::Key_Up);
-    QCOMPARE(held.chart.focusedSlice(), 3);
+    QCOMPARE(held.chart.interaction().focusedSlice(), 3);
 }
 
 void TestPieChartKeyboard::forgetsASliceThatIsGone()
@@ -174,7 +174,7 @@ void TestPieChartKeyboard::forgetsASliceThatIsGone()
     QTest::keyClick(&held.chart, Qt::Key_End);
     held.page.setValues({1, 1});
     held.chart.reloadData();
-    QCOMPARE(held.chart.focusedSlice(), -1);
+    QCOMPARE(held.chart.interaction().focusedSlice(), -1);
     held.picture();
 }
 

@@ -184,7 +184,7 @@ void TestPieChartPointer::tellsNobodyWithoutDelegate()
 void TestPieChartPointer::tracksThePointerOnlyWhileItStandsStill()
 {
     HeldChart held;
-    QVERIFY(!held.chart.hasTrackingArea());
+    QVERIFY(!held.chart.interaction().hasTrackingArea());
     held.page.setValues({1, 1});
     held.chart.reloadData();
     movePointer(held.chart, kUpLeft);
@@ -193,12 +193,12 @@ void TestPieChartPointer::tracksThePointerOnlyWhileItStandsStill()
     QCOMPARE(held.page.hovered, QList<int>());
     QVERIFY(!held.chart.hasMouseTracking());
     held.pass(0.05);
-    QVERIFY(held.chart.hasTrackingArea());
+    QVERIFY(held.chart.interaction().hasTrackingArea());
     QVERIFY(held.chart.hasMouseTracking());
     movePointer(held.chart, kUpLeft);
     QCOMPARE(held.page.hovered, QList<int>{0});
     held.chart.reloadData();
-    QVERIFY(!held.chart.hasTrackingArea());
+    QVERIFY(!held.chart.interaction().hasTrackingArea());
     movePointer(held.chart, kUpLeft);
     QCOMPARE(held.page.hovered, QList<int>{0});
 }
@@ -278,9 +278,9 @@ void TestPieChartPointer::stopsTrackingWhenTold()
 {
     HeldChart held({1, 1});
     held.settle();
-    held.chart.destoryTrackingArea();
-    held.chart.destoryTrackingArea();
-    QVERIFY(!held.chart.hasTrackingArea());
+    held.chart.interaction().destoryTrackingArea();
+    held.chart.interaction().destoryTrackingArea();
+    QVERIFY(!held.chart.interaction().hasTrackingArea());
     movePointer(held.chart, kUpLeft);
     QCOMPARE(held.page.hovered, QList<int>());
 }

@@ -44,7 +44,7 @@ void TestPieChartProperties::hasItsDefaults()
     QCOMPARE(chart.startPieAngle(), 1.5707963267948966);
     QCOMPARE(chart.animationSpeed(), 0.75);
     QVERIFY(!chart.didLoad());
-    QVERIFY(!chart.hasTrackingArea());
+    QVERIFY(!chart.interaction().hasTrackingArea());
     QVERIFY(!chart.isAnimating());
     QVERIFY(chart.sliceLayers().empty());
     QCOMPARE(chart.backgroundColor().alpha(), 0);
@@ -132,7 +132,7 @@ void TestPieChartProperties::picksColorsOfItsOwn()
     QFETCH(int, index);
     QFETCH(double, hue);
     QFETCH(double, saturation);
-    const QColor color = PieChart::defaultColor(index);
+    const QColor color = SliceSource::defaultColor(index);
     QVERIFY(std::abs(color.hsvHueF() - hue) < 1e-3);
     QVERIFY(std::abs(color.hsvSaturationF() - saturation) < 1e-3);
     QVERIFY(std::abs(color.valueF() - 0.91) < 1e-3);
@@ -147,8 +147,8 @@ void TestPieChartProperties::usesItsOwnColorsWhereThereAreNone()
     chart.setDataSource(&page);
     chart.reloadData();
     const SliceLayer &layer = *chart.sliceLayers()[1];
-    QCOMPARE(*layer.fillColor(), PieChart::defaultColor(1));
-    QCOMPARE(layer.brush(), QBrush(PieChart::defaultColor(1)));
+    QCOMPARE(*layer.fillColor(), SliceSource::defaultColor(1));
+    QCOMPARE(layer.brush(), QBrush(SliceSource::defaultColor(1)));
 }
 
 void TestPieChartProperties::givesTheSecondColorOfTheGradient()

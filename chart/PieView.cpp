@@ -1,0 +1,162 @@
+#include "chart/PieView.h"
+
+#include "chart/SlicePainting.h"
+#include "platform/base/Log.h"
+
+#include <QPaintEvent>
+#include <QPainter>
+#include <array>
+#include <utility>
+
+namespace {
+
+struct Ring
+{
+    QColor color;
+    double width = 0;
+};
+/// The focus ring, inside the slice's edge: a light band with a dark rim, so that it is seen on any
+/// colour and before any ground. Painted from the widest to the narrowest.
+constexpr std::array kFocusRings{Ring{QColor(0, 0, 0, 90), 6}, Ring{QColor(255, 255, 255), 5},
+                                 Ring{QColor(0, 0, 0, 140), 1.5}};
+
+} // namespace
+
+PieView::PieView(QWidget *parent) : BackgroundView(parent)
+{
+    setBackgroundColor(Qt::transparent);
+}
+
+void PieView::setPieRadius(double radius)
+{
+    m_pieRadius = radius;
+    refreshSliceLayers(LayerState::Presentation);
+}
+
+void PieView::setInfoRadius(double radius)
+{
+    m_infoRadius = radius;
+    refreshSliceLayers(LayerState::Presentation);
+}
+
+void PieView::setCenter(QPointF center)
+{
+    m_center = center;
+    refreshSliceLayers(LayerState::Presentation);
+}
+
+SliceLayer *PieView::layerOfSlice(int index) const
+{
+    const auto place = std::ranges::find_if(
+        m_sliceLayers, [index](const auto &layer) { return layer->index() == index; });
+    return place != m_sliceLayers.end() ? place->get() : nullptr;
+}
+
+QRect PieView::sliceRect(int index) const
+{
+    const SliceLayer *layer = layerOfSlice(index);
+    return layer ? extentOf(*layer).toAlignedRect() : QRect();
+}
+
+int PieView::getCurrentSelectedOnLocation(QPointF location) const
+{
+    const QPointF point = plane().fromWidget(location);
+    int index = -1;
+    for (const auto &layer : m_sliceLayers) {
+        if (layer->path().contains(point))
+            index = layer->index();
+    }
+    return index;
+}
+
+void PieView::refreshSliceLayer(SliceLayer &layer, LayerState state)
+{
+    const auto presentation =
+        state == LayerState::Presentation ? layer.presentationLayer() : nullptr;
+    const SliceLayer &source = presentation ? *presentation : layer;
+    const SliceGeometry geometry{plane().fromWidget(center()), pieRadius(), source.startAngle(),
+                                 source.endAngle()};
+    qCDebug(logChart, "%lf", geometry.end);
+    if (geometry != layer.geometry())
+        layer.setGeometry(geometry);
+    layer.infoLayer()->setPosition(geometry.labelPoint(infoRadius()));
+}
+
+void PieView::refreshSliceLayers(LayerState state)
+{
+    // One rectangle for all: with many small ones the painter's clipping costs more than it saves.
+    QRectF changed;
+    for (const auto &layer : m_sliceLayers) {
+        const QRectF before = extentOf(*layer);
+        const SliceGeometry geometry = layer->geometry();
+        const QPoint position = layer->infoLayer()->position();
+        refreshSliceLayer(*layer, state);
+        if (layer->geometry() != geometry || layer->infoLayer()->position() != position)
+            changed |= before | extentOf(*layer);
+    }
+    if (!changed.isNull())
+        update(changed.toAlignedRect());
+}
+
+void PieView::updateLayer(const SliceLayer &layer)
+{
+    update(extentOf(layer).toAlignedRect());
+}
+
+QRectF PieView::labelExtent(const InfoLayer &label) const
+{
+    return plane().toWidget(label.bounds().translated(label.position()));
+}
+
+QRectF PieView::extentOf(const SliceLayer &layer) const
+{
+    constexpr double kSmoothEdge = 1;
+    const QRectF shape = plane().toWidget(layer.path().boundingRect());
+    return (shape | labelExtent(*layer.infoLayer()))
+        .adjusted(-kSmoothEdge, -kSmoothEdge, kSmoothEdge, kSmoothEdge);
+}
+
+void PieView::setRingedSlice(int index)
+{
+    if (std::exchange(m_ringedSlice, index) != index)
+        update();
+}
+
+void PieView::resizeEvent(QResizeEvent *event)
+{
+    BackgroundView::resizeEvent(event);
+    refreshSliceLayers(LayerState::Presentation);
+}
+
+void PieView::paintEvent(QPaintEvent *event)
+{
+    BackgroundView::paintEvent(event);
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.save();
+    painter.setTransform(plane().transform(), true);
+    paintSlices(painter, m_sliceLayers, plane().fromWidget(QRectF(event->rect())));
+    paintFocusRing(painter);
+    painter.restore();
+    paintLabels(painter, event->rect());
+}
+
+void PieView::paintLabels(QPainter &painter, const QRect &exposed) const
+{
+    // After all slices: a label may be wider than its own.
+    for (const auto &layer : m_sliceLayers) {
+        InfoLayer &label = *layer->infoLayer();
+        if (labelExtent(label).intersects(exposed))
+            label.paint(painter, plane().toWidget(label.position()), layer->infoOpacity());
+    }
+}
+
+void PieView::paintFocusRing(QPainter &painter) const
+{
+    const SliceLayer *layer = layerOfSlice(m_ringedSlice);
+    if (!layer)
+        return;
+    painter.setClipPath(layer->path(), Qt::IntersectClip);
+    for (const Ring &ring : kFocusRings)
+        painter.strokePath(layer->path(), QPen(ring.color, 2 * ring.width));
+}

@@ -1,0 +1,85 @@
+#pragma once
+
+#include "chart/ChartPlane.h"
+#include "chart/SliceLayer.h"
+#include "widgets/BackgroundView.h"
+
+#include <algorithm>
+#include <optional>
+
+/// Which angles of a slice its shape is made from: where it is heading, or where it is on screen.
+enum class LayerState { Model, Presentation };
+
+/// Shows slices around a centre: it owns them, gives them their shape, paints them with their
+/// labels, and says which of them lies at a point. What they stand for, why they move and what the
+/// user does with them is the business of others.
+///
+/// Points, such as center(), are in the widget's own coordinates, as everywhere in Qt. Lengths are
+/// in points. Center, pie radius and label radius follow the widget's size until they are set.
+///
+/// Made to be derived from. Main thread only.
+class PieView : public BackgroundView
+{
+    Q_OBJECT
+    Q_PROPERTY(double pieRadius READ pieRadius WRITE setPieRadius)
+    Q_PROPERTY(double infoRadius READ infoRadius WRITE setInfoRadius)
+
+public:
+    explicit PieView(QWidget *parent = nullptr);
+
+    /// Outer radius of every slice; at first half of the widget's smaller side.
+    double pieRadius() const { return m_pieRadius.value_or(halfSide()); }
+    void setPieRadius(double radius);
+
+    /// How far from the centre the labels sit; at first a quarter of the widget's smaller side.
+    double infoRadius() const { return m_infoRadius.value_or(halfSide() / 2); }
+    void setInfoRadius(double radius);
+
+    /// At first the middle of the widget.
+    QPointF center() const override { return m_center.value_or(QRectF(rect()).center()); }
+    void setCenter(QPointF center) override;
+
+    /// The plane that the slices are laid out in.
+    ChartPlane plane() const { return ChartPlane(height()); }
+
+    /// The slices, lowest first. Each knows its index; after a reload with fewer slices that is not
+    /// always its place in this list.
+    const SliceLayers &sliceLayers() const { return m_sliceLayers; }
+
+    /// The layer of one slice; null if there is no such slice.
+    SliceLayer *layerOfSlice(int index) const;
+    /// What it covers, label included, in the widget.
+    QRect sliceRect(int index) const;
+    /// The index of the slice whose painted shape contains the point, the topmost if several do;
+    /// -1 for none.
+    int getCurrentSelectedOnLocation(QPointF location) const;
+
+    /// Gives every slice the shape, and its label the place, that its angles ask for.
+    void refreshSliceLayers(LayerState state);
+    /// Paints a slice anew whose looks have changed.
+    void updateLayer(const SliceLayer &layer);
+
+    /// Puts the focus ring on a slice, on none for -1.
+    void setRingedSlice(int index);
+
+protected:
+    /// For whoever puts slices in and takes them out.
+    SliceLayers &ownSliceLayers() { return m_sliceLayers; }
+
+    void resizeEvent(QResizeEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    double halfSide() const { return static_cast<double>(std::min(width(), height())) / 2; }
+    void refreshSliceLayer(SliceLayer &layer, LayerState state);
+    QRectF labelExtent(const InfoLayer &label) const;
+    QRectF extentOf(const SliceLayer &layer) const;
+    void paintLabels(QPainter &painter, const QRect &exposed) const;
+    void paintFocusRing(QPainter &painter) const;
+
+    std::optional<QPointF> m_center;
+    std::optional<double> m_pieRadius;
+    std::optional<double> m_infoRadius;
+    SliceLayers m_sliceLayers;
+    int m_ringedSlice = -1;
+};
