@@ -1,10 +1,6 @@
 #include "tests/chart/FakeSlices.h"
 #include "tests/support/run/GuiTestMain.h"
 
-#include <cmath>
-
-using std::numbers::pi;
-
 namespace {
 
 /// Answers nothing but what it must.
@@ -30,8 +26,6 @@ private Q_SLOTS:
     void followsItsSizeUntilItIsTold();
     void hearsItsPropertiesFromAnInterfaceDescription();
     void refitsItsSlicesWhenItsSizeChanges();
-    void picksColorsOfItsOwn_data();
-    void picksColorsOfItsOwn();
     void usesItsOwnColorsWhereThereAreNone();
     void givesTheSecondColorOfTheGradient();
 };
@@ -113,30 +107,6 @@ void TestPieChartProperties::refitsItsSlicesWhenItsSizeChanges()
     // In the widget's coordinates: twenty points from its top.
     held.chart.setCenter({100, 20});
     QCOMPARE(held.layer(0).geometry().center, QPointF(100, 180));
-}
-
-void TestPieChartProperties::picksColorsOfItsOwn_data()
-{
-    QTest::addColumn<int>("index");
-    QTest::addColumn<double>("hue");
-    QTest::addColumn<double>("saturation");
-    QTest::newRow("0") << 0 << 0.02 << 0.3;
-    QTest::newRow("7") << 7 << 0.02 << 1.0;
-    QTest::newRow("9") << 9 << 0.07 << 0.4;
-    QTest::newRow("159") << 159 << 0.97 << 1.0;
-    QTest::newRow("160") << 160 << 0.02 << 0.3;
-}
-
-void TestPieChartProperties::picksColorsOfItsOwn()
-{
-    QFETCH(int, index);
-    QFETCH(double, hue);
-    QFETCH(double, saturation);
-    const QColor color = SliceSource::defaultColor(index);
-    QVERIFY(std::abs(color.hsvHueF() - hue) < 1e-3);
-    QVERIFY(std::abs(color.hsvSaturationF() - saturation) < 1e-3);
-    QVERIFY(std::abs(color.valueF() - 0.91) < 1e-3);
-    QCOMPARE(color.alpha(), 255);
 }
 
 void TestPieChartProperties::usesItsOwnColorsWhereThereAreNone()
