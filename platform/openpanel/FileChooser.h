@@ -1,20 +1,20 @@
 #pragma once
 
 #include "platform/openpanel/OpenPanelOptions.h"
+#include "platform/openpanel/DialogParts.h"
 
 #include <QFileDialog>
 #include <QSet>
 
 class ChooserItems;
 class FileIcons;
-class QLineEdit;
-class QListView;
-class QToolButton;
-class QTreeView;
 
 /// The toolkit's own file dialog as part of a panel: without buttons of its own, menus, or any
 /// command that changes a file. It only says what is chosen; whether that may be is the panel's to
 /// judge. Main thread only.
+///
+/// To be that it takes the dialog apart. Where the toolkit makes its dialog in another way, so that
+/// a part cannot be found, the dialog is left as it is and chosen from just the same.
 ///
 /// Keys in the list: Enter chooses, Right goes into a folder, Left and Backspace go to its parent,
 /// Ctrl+H shows hidden items.
@@ -25,7 +25,8 @@ class FileChooser final : public QFileDialog
 public:
     /// Starts in that folder, which is there. The icons are read by a thread of the dialog's: they
     /// must outlive it.
-    FileChooser(const OpenPanel &panel, const QString &start, FileIcons &icons, QWidget *parent);
+    FileChooser(const OpenPanel &panel, const QString &start, FileIcons &icons,
+                const DialogPartNames &partNames, QWidget *parent);
 
     /// The absolute path that is chosen right now: what was typed, else the selected item, else the
     /// folder itself.
@@ -61,13 +62,9 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    void findParts();
-    void hideSpareParts();
-    void setUpBar();
-    void setUpPlaces();
-    void setUpList();
-    void setUpButtons();
-    void followChoice();
+    void addHiddenItemsKey();
+    void followParts();
+    void followWholeDialog();
     void followReading();
     void clearChoice();
     bool pressListKey(int key);
@@ -76,11 +73,8 @@ private:
     void toggleHidden();
 
     ChooserItems *m_items;
-    QSet<QString> m_unread; ///< folders that are being read
-    QSet<QString> m_read;   ///< are read once
-    QTreeView *m_list = nullptr;
-    QListView *m_places = nullptr;
-    QLineEdit *m_name = nullptr;
-    QToolButton *m_toParent = nullptr;
-    bool m_isTyped = false; ///< the name was typed, and nothing else selected since
+    QSet<QString> m_unread;             ///< folders that are being read
+    QSet<QString> m_read;               ///< are read once
+    std::optional<DialogParts> m_parts; ///< nothing of a dialog that is left as it is
+    bool m_isTyped = false;             ///< the name was typed, and nothing else selected since
 };

@@ -47,8 +47,10 @@ private:
 
 } // namespace
 
-OpenPanelView::OpenPanelView(OpenPanel panel, const ChooserQuestions &questions)
+OpenPanelView::OpenPanelView(OpenPanel panel, const ChooserQuestions &questions,
+                             const DialogPartNames &partNames)
     : m_panel(std::move(panel)),
+      m_partNames(partNames),
       m_chooserPlace(new QWidget(this)),
       m_icons(std::make_shared<FileIcons>())
 {
@@ -159,8 +161,9 @@ void OpenPanelView::offerPlaces()
 void OpenPanelView::addChooser(const QString &start)
 {
     const SharedSettingsAside aside;
-    m_chooser = new FileChooser(m_panel, start, *m_icons, m_chooserPlace);
-    m_chooser->layout()->setContentsMargins(0, 0, PanelButton::kRing, 0);
+    m_chooser = new FileChooser(m_panel, start, *m_icons, m_partNames, m_chooserPlace);
+    if (QLayout *const layout = m_chooser->layout())
+        layout->setContentsMargins(0, 0, PanelButton::kRing, 0);
     m_chooserPlace->layout()->addWidget(m_chooser);
     connect(m_chooser, &FileChooser::chosen, this, &OpenPanelView::choose);
     connect(m_chooser, &FileChooser::cancelled, this, &OpenPanelView::cancel);

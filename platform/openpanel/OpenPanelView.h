@@ -23,7 +23,8 @@ class OpenPanelView final : public QWidget
     Q_OBJECT
 
 public:
-    explicit OpenPanelView(OpenPanel panel, const ChooserQuestions &questions = {});
+    explicit OpenPanelView(OpenPanel panel, const ChooserQuestions &questions = {},
+                           const DialogPartNames &partNames = {});
     ~OpenPanelView() override;
 
     QSize sizeHint() const override;
@@ -47,6 +48,7 @@ private:
     QString objection(const QFileInfo &item) const;
 
     OpenPanel m_panel;
+    DialogPartNames m_partNames;
     QByteArray m_path;
     QList<QUrl> m_places;      ///< in order
     QList<QUrl> m_placesThere; ///< as they answered
