@@ -2,7 +2,6 @@
 
 #include "app/settings/SettingsKeys.h"
 #include "app/settings/UserDefaults.h"
-#include "largefiles/preview/PreviewPanel.h"
 #include "largefiles/search/LargeFileSearch.h"
 #include "largefiles/sheet/FileTableCellView.h"
 #include "largefiles/sheet/TextButton.h"
@@ -34,6 +33,16 @@ TextRun withText(TextRun style, const QString &text)
     return style;
 }
 
+/// Of several, the one that the user came to last; -1 for none.
+int selectedRow(const QuickLookTableView &table)
+{
+    const QList<int> rows = table.selectedRows();
+    const int current = table.currentIndex().row();
+    if (rows.isEmpty() || rows.contains(current))
+        return rows.isEmpty() ? -1 : current;
+    return rows.constLast();
+}
+
 } // namespace
 
 LargeFilesWindowController::LargeFilesWindowController(const InterfaceLoader &loader,
@@ -45,8 +54,12 @@ LargeFilesWindowController::LargeFilesWindowController(const InterfaceLoader &lo
       m_array([this](const FileUrls &files, LargeFileList::Answer answer) {
           m_freshSizes.read(files, std::move(answer));
       }),
-      m_search(m_services.calls, m_services.access, m_array)
+      m_search(m_services.calls, m_services.access, m_array),
+      m_picture({m_services.calls, m_services.access}, m_icons, m_services.home.home()),
+      m_preview({m_services.calls, m_services.access}, m_array)
 {
+    connect(&m_picture, &SelectionPicture::shown, this,
+            &LargeFilesWindowController::thumbnailShown);
     connectSearch();
 }
 
@@ -55,8 +68,8 @@ LargeFilesWindowController::~LargeFilesWindowController() = default;
 void LargeFilesWindowController::windowDidLoad()
 {
     QWidget &interface = *window();
-    m_imageView = outlet<QLabel>(interface, "imageView");
-    m_placeLabel = outlet<QLabel>(interface, "placeLabel");
+    m_picture.setLabels(*outlet<QLabel>(interface, "imageView"),
+                        *outlet<QLabel>(interface, "placeLabel"));
     m_statusLabel = outlet<QLabel>(interface, "statusLabel");
     connectTable();
     connectButtons();
@@ -72,7 +85,7 @@ void LargeFilesWindowController::connectTable()
     m_cellView = new FileTableCellView(m_icons, m_tableView);
     m_tableView->setItemDelegate(m_cellView);
     m_tableView->setModel(&m_array);
-    m_tableView->setQlDelegate(this);
+    m_preview.setTable(*m_tableView, *window());
     makeMenu();
     connect(m_cellView, &FileTableCellView::addButtonPressed, this,
             &LargeFilesWindowController::addButtonPressed);
@@ -81,7 +94,10 @@ void LargeFilesWindowController::connectTable()
     connect(m_tableView, &QuickLookTableView::selectionDidChange, this,
             &LargeFilesWindowController::tableViewSelectionDidChange);
     for (const auto change : {&LargeFileList::rowsInserted, &LargeFileList::rowsRemoved})
-        connect(&m_array, change, this, &LargeFilesWindowController::showHint);
+        connect(&m_array, change, this, [this] {
+            if (!m_tableView->selectionModel()->hasSelection())
+                m_picture.setHint(hint());
+        });
 }
 
 void LargeFilesWindowController::makeMenu()
@@ -170,6 +186,24 @@ void LargeFilesWindowController::showStatus()
     m_tableView->setEmptyText(m_status.emptyText());
 }
 
+void LargeFilesWindowController::tableViewSelectionDidChange()
+{
+    const int row = selectedRow(*m_tableView);
+    if (row < 0)
+        m_picture.showNothing(hint());
+    else
+        m_picture.showFile(m_array.fileAt(row));
+    m_preview.selectionDidChange();
+}
+
+/// What there is to do while no file is selected.
+QString LargeFilesWindowController::hint() const
+{
+    return m_array.rowCount() > 0 ? tr("Click a size to pick the file.\n\n"
+                                       "Select a file and press the space bar to look inside.")
+                                  : QString();
+}
+
 void LargeFilesWindowController::addButtonPressed(int row)
 {
     m_array.toggle(row);
@@ -189,8 +223,7 @@ void LargeFilesWindowController::dismissPanel(QAbstractButton *sender)
     if (sender == m_cancelButton)
         m_array.dropPicks();
     m_search.stop(); // the next opening searches anew
-    if (m_previewPanel)
-        m_previewPanel->orderOut();
+    m_preview.close();
     reloadLabels();
     endSheet(*window(), sender == m_cancelButton ? kSheetCancelled : kSheetAccepted);
 }

@@ -1,20 +1,17 @@
 #pragma once
 
 #include "app/navigation/WindowController.h"
-#include "largefiles/preview/PreviewPanelProtocols.h"
-#include "largefiles/preview/Thumbnail.h"
 #include "largefiles/search/CurrentSizeReader.h"
 #include "largefiles/search/LargeFileList.h"
 #include "largefiles/search/SearchJob.h"
 #include "largefiles/sheet/FileIconNames.h"
 #include "largefiles/sheet/QuickLookTableView.h"
 #include "largefiles/sheet/SearchStatus.h"
-#include "platform/threads/BackgroundQueue.h"
+#include "largefiles/sheet/SelectionPicture.h"
+#include "largefiles/sheet/SelectionPreview.h"
 
 class FileTableCellView;
 class QAbstractButton;
-class QLabel;
-class QMenu;
 class TextButton;
 class UserDefaults;
 class Workspace;
@@ -26,10 +23,7 @@ class Workspace;
 /// To show it: refreshData(), then presentSheet(host, *window(), completion, [this] { cancel(); }).
 /// The outcome is what selectedURLs() says in the completion. Made once and shown again. Main
 /// thread only; all file work is done beside it.
-class LargeFilesWindowController final : public WindowController,
-                                         public QuickLookTableViewDelegate,
-                                         public PreviewPanelDataSource,
-                                         public PreviewPanelDelegate
+class LargeFilesWindowController final : public WindowController
 {
     Q_OBJECT
 
@@ -66,22 +60,11 @@ public:
     const SearchJob &search() const { return m_search; }
     QuickLookTableView *tableView() const { return m_tableView; }
     FileTableCellView *cellView() const { return m_cellView; }
-    QLabel *imageView() const { return m_imageView; }
+    QLabel *imageView() const { return m_picture.label(); }
     TextButton *addButton() const { return m_addButton; }
     TextButton *cancelButton() const { return m_cancelButton; }
     /// Null until it was first asked for.
-    PreviewPanel *previewPanel() const { return m_previewPanel; }
-
-    /// The sheet fills a preview panel whenever there is one.
-    bool acceptsPreviewPanelControl(PreviewPanel &) const { return true; }
-    /// The panel shows the selected files, and hands its keys on, from now until the end.
-    void beginPreviewPanelControl(PreviewPanel &panel);
-    void endPreviewPanelControl(PreviewPanel &panel);
-
-    bool didPressSpacebarForTableView(QuickLookTableView &table) override;
-    int numberOfPreviewItemsInPreviewPanel(PreviewPanel &panel) override;
-    std::optional<File> previewItemAtIndex(PreviewPanel &panel, int index) override;
-    bool handleEvent(PreviewPanel &panel, QEvent &event) override;
+    PreviewPanel *previewPanel() const { return m_preview.panel(); }
 
 public Q_SLOTS:
     /// A row's size button: picks the file, or drops it.
@@ -110,9 +93,7 @@ private:
     void showStatus();
     void toggleSelectedRows();
     void tableViewSelectionDidChange();
-    void showThumbnailOfRow(int row);
-    void showHint();
-    int selectedRow() const;
+    QString hint() const;
 
     Services m_services;
     const FileUrls m_searchURLs;
@@ -121,14 +102,12 @@ private:
     SearchJob m_search;
     SearchStatus m_status;
     FileIconNames m_icons;
-    BackgroundQueue<OwnersEnd::Abandon, Queueing::LatestOnly> m_thumbnails;
+    SelectionPicture m_picture;
+    SelectionPreview m_preview;
     QuickLookTableView *m_tableView = nullptr;
     FileTableCellView *m_cellView = nullptr;
-    QLabel *m_imageView = nullptr;
-    QLabel *m_placeLabel = nullptr;
     QLabel *m_statusLabel = nullptr;
     TextButton *m_addButton = nullptr;
     TextButton *m_cancelButton = nullptr;
     QMenu *m_menu = nullptr;
-    PreviewPanel *m_previewPanel = nullptr;
 };

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/openpanel/OpenPanelOptions.h"
 #include "platform/openpanel/DialogParts.h"
+#include "platform/openpanel/OpenPanelOptions.h"
 
 #include <QFileDialog>
 #include <QSet>
