@@ -29,7 +29,7 @@ void PieAnimation::commit()
     const auto wanted = std::chrono::ceil<std::chrono::milliseconds>(MediaTime(m_speed));
     const MediaTime duration = animationDuration(m_view, wanted);
     for (const auto &layer : m_view.sliceLayers())
-        layer->beginAnimations(now, duration);
+        layer->arc().beginAnimations(now, duration);
     m_view.refreshSliceLayers(LayerState::Presentation);
     if (duration <= MediaTime::zero())
         updateTimerFired();
@@ -39,11 +39,11 @@ void PieAnimation::updateTimerFired()
 {
     const MediaTime now = m_clock();
     for (const auto &layer : m_view.sliceLayers())
-        layer->advance(now);
+        layer->arc().advance(now);
     m_view.refreshSliceLayers(LayerState::Presentation);
     // A copy: whoever hears of the last one's end may put in other slices.
     for (const auto &layer : SliceLayers(m_view.sliceLayers()))
-        layer->finishAnimations(now);
+        layer->arc().finishAnimations(now);
 }
 
 void PieAnimation::animationDidStart(const ArcAnimation &animation)

@@ -131,7 +131,7 @@ void PieChart::removeSlices(const SliceLayers &layers)
         updateLayer(*layer);
         layer->setFillColor(backgroundColor());
         layer->infoLayer()->setHidden(true);
-        layer->removeAllAnimations();
+        layer->arc().removeAllAnimations();
         std::erase(ownSliceLayers(), layer);
     }
 }

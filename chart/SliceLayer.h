@@ -1,22 +1,18 @@
 #pragma once
 
-#include "chart/ArcAnimation.h"
 #include "chart/GradientLayer.h"
 #include "chart/InfoLayer.h"
+#include "chart/SliceArc.h"
 #include "chart/SliceGeometry.h"
 
 #include <QColor>
 #include <QPainterPath>
 #include <QPointF>
-#include <array>
 #include <memory>
 #include <optional>
 #include <vector>
 
 class QDebug;
-
-/// The two angles of a slice, each of which can be animated.
-enum class ArcKey { StartAngle, EndAngle };
 
 /// One slice of a pie: its share, its arc, its colours and its label.
 ///
@@ -30,7 +26,6 @@ public:
     /// A presentation copy: angles and looks of another slice, but neither value nor label.
     SliceLayer(const SliceLayer &layer);
     SliceLayer &operator=(const SliceLayer &) = delete;
-    ~SliceLayer() = default;
 
     /// Which slice of the data source this is.
     int index() const { return m_index; }
@@ -44,31 +39,21 @@ public:
     void setPercentage(double percentage) { m_percentage = percentage; }
 
     /// Model angles, in radians.
-    double startAngle() const { return angle(ArcKey::StartAngle); }
-    double endAngle() const { return angle(ArcKey::EndAngle); }
-    double angle(ArcKey key) const { return m_angles[slot(key)]; }
-    /// Without animation; a running one goes on.
-    void setAngle(ArcKey key, double radians);
+    double startAngle() const { return m_arc.angle(ArcKey::StartAngle); }
+    double endAngle() const { return m_arc.angle(ArcKey::EndAngle); }
+
+    const SliceArc &arc() const { return m_arc; }
+    SliceArc &arc() { return m_arc; }
 
     /// The slice as it is on screen; null for one that never was.
     std::unique_ptr<SliceLayer> presentationLayer() const;
 
-    /// Sets the model angle and prepares its animation: from what is on screen, or from `fromValue`
-    /// if nothing is. A running animation of the same angle is interrupted. The new one begins with
-    /// beginAnimations().
+    /// Prepares the animation of an angle (see SliceArc).
     void createArcAnimationForKey(ArcKey key, double fromValue, double toValue,
-                                  ArcAnimationDelegate &delegate);
-    /// The animation of an angle; null if there is none.
-    const ArcAnimation *animationForKey(ArcKey key) const { return m_animations[slot(key)].get(); }
-
-    /// Puts the slice on screen and begins the animations that were prepared.
-    void beginAnimations(MediaTime now, MediaTime duration);
-    /// Moves what is on screen to the given time.
-    void advance(MediaTime now);
-    /// Ends the animations that are over.
-    void finishAnimations(MediaTime now);
-    /// Interrupts the animations; the model angles stay.
-    void removeAllAnimations();
+                                  ArcAnimationDelegate &delegate)
+    {
+        m_arc.createAnimationForKey(key, fromValue, toValue, delegate);
+    }
 
     const SliceGeometry &geometry() const { return m_geometry; }
     /// Shape and gradient follow.
@@ -102,14 +87,10 @@ public:
     bool isOpaque() const { return brush().isOpaque(); }
 
 private:
-    static constexpr std::size_t slot(ArcKey key) { return static_cast<std::size_t>(key); }
-
     int m_index = 0;
     double m_value = 0;
     double m_percentage = 0;
-    std::array<double, 2> m_angles{};
-    std::optional<std::array<double, 2>> m_presentedAngles;
-    std::array<std::unique_ptr<ArcAnimation>, 2> m_animations;
+    SliceArc m_arc;
     SliceGeometry m_geometry;
     QPainterPath m_path;
     std::optional<QColor> m_fillColor = QColor(Qt::black);

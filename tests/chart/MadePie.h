@@ -17,8 +17,8 @@ public:
             const auto layer = std::make_shared<SliceLayer>();
             layer->setInfoLayer(std::make_unique<InfoLayer>());
             layer->setIndex(i);
-            layer->setAngle(ArcKey::StartAngle, pi / 2 + 2 * pi * i / count);
-            layer->setAngle(ArcKey::EndAngle, pi / 2 + 2 * pi * (i + 1) / count);
+            layer->arc().setAngle(ArcKey::StartAngle, pi / 2 + 2 * pi * i / count);
+            layer->arc().setAngle(ArcKey::EndAngle, pi / 2 + 2 * pi * (i + 1) / count);
             ownSliceLayers().push_back(layer);
         }
         refreshSliceLayers(LayerState::Model);

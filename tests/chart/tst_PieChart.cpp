@@ -88,7 +88,7 @@ void TestPieChart::startsWhereItIsTold()
     held.page.setValues({1, 3});
     held.chart.setStartPieAngle(0.25);
     held.chart.reloadData();
-    QCOMPARE(held.layer(0).animationForKey(ArcKey::StartAngle)->fromValue(), 0.25);
+    QCOMPARE(held.layer(0).arc().animationForKey(ArcKey::StartAngle)->fromValue(), 0.25);
     QCOMPARE(held.layer(0).endAngle(), 0.25 + pi / 2);
     QCOMPARE(held.layer(1).endAngle(), 0.25 + 2 * pi);
 }
@@ -276,7 +276,7 @@ void TestPieChart::endsWithItsOwnerInTheMiddleOfAnAnimation()
     }
     // Whoever still holds a slice, and tells its label something, does no harm.
     layers[0]->infoLayer()->setInfo(nullptr);
-    QVERIFY(layers[0]->animationForKey(ArcKey::EndAngle));
+    QVERIFY(layers[0]->arc().animationForKey(ArcKey::EndAngle));
 }
 
 VANTOR_GUI_TEST_MAIN(TestPieChart)

@@ -63,7 +63,7 @@ void TestPieChartReload::reusesAllSlicesForAsManyValues()
     held.page.setValues({2, 1, 1});
     held.chart.reloadData();
     QCOMPARE(held.chart.sliceLayers(), before);
-    QCOMPARE(held.layer(0).animationForKey(ArcKey::EndAngle)->fromValue(), pi);
+    QCOMPARE(held.layer(0).arc().animationForKey(ArcKey::EndAngle)->fromValue(), pi);
     QCOMPARE(held.layer(0).endAngle(), 1.5 * pi);
     QCOMPARE(held.layer(0).geometry().end, pi);
     held.settle();
@@ -86,7 +86,7 @@ void TestPieChartReload::movesAndReusesTheFirstOfThree()
     QCOMPARE(before[1]->endAngle(), 2.5 * pi);
     QCOMPARE(*before[2]->fillColor(), QColor(1, 2, 3));
     QVERIFY(before[2]->infoLayer()->isHidden());
-    QVERIFY(!before[2]->animationForKey(ArcKey::EndAngle));
+    QVERIFY(!before[2]->arc().animationForKey(ArcKey::EndAngle));
     held.settle();
     QVERIFY(!held.chart.isAnimating());
 }

@@ -56,31 +56,31 @@ void TestSliceLayer::animatesFromTheGivenValueWhenNeverShown()
 {
     SliceLayer layer;
     layer.createArcAnimationForKey(ArcKey::EndAngle, pi / 2, 2.0, m_listener);
-    QCOMPARE(layer.animationForKey(ArcKey::EndAngle)->fromValue(), pi / 2);
-    QCOMPARE(layer.animationForKey(ArcKey::EndAngle)->toValue(), 2.0);
+    QCOMPARE(layer.arc().animationForKey(ArcKey::EndAngle)->fromValue(), pi / 2);
+    QCOMPARE(layer.arc().animationForKey(ArcKey::EndAngle)->toValue(), 2.0);
     QCOMPARE(layer.endAngle(), 2.0);
-    QVERIFY(!layer.animationForKey(ArcKey::StartAngle));
+    QVERIFY(!layer.arc().animationForKey(ArcKey::StartAngle));
 }
 
 void TestSliceLayer::animatesFromWhatIsOnScreenWhenShown()
 {
     SliceLayer layer;
-    layer.setAngle(ArcKey::EndAngle, 1.0);
-    layer.beginAnimations(kBegin, kDuration);
+    layer.arc().setAngle(ArcKey::EndAngle, 1.0);
+    layer.arc().beginAnimations(kBegin, kDuration);
     layer.createArcAnimationForKey(ArcKey::EndAngle, pi / 2, 2.0, m_listener);
-    QCOMPARE(layer.animationForKey(ArcKey::EndAngle)->fromValue(), 1.0);
+    QCOMPARE(layer.arc().animationForKey(ArcKey::EndAngle)->fromValue(), 1.0);
 }
 
 void TestSliceLayer::setsTheModelAtOnceAndTheScreenByAndBy()
 {
     SliceLayer layer;
     layer.createArcAnimationForKey(ArcKey::StartAngle, 0, 2, m_listener);
-    layer.beginAnimations(kBegin, kDuration);
+    layer.arc().beginAnimations(kBegin, kDuration);
     QCOMPARE(layer.startAngle(), 2.0);
     QCOMPARE(layer.presentationLayer()->startAngle(), 0.0);
-    layer.advance(kBegin + kDuration / 2);
+    layer.arc().advance(kBegin + kDuration / 2);
     QVERIFY(std::abs(layer.presentationLayer()->startAngle() - 2 * 0.8024) < 1e-3);
-    layer.advance(kBegin + kDuration);
+    layer.arc().advance(kBegin + kDuration);
     QCOMPARE(layer.presentationLayer()->startAngle(), 2.0);
 }
 
@@ -89,13 +89,13 @@ void TestSliceLayer::continuesFromTheScreenWhenInterrupted()
     Listener listener;
     SliceLayer layer;
     layer.createArcAnimationForKey(ArcKey::StartAngle, 0, 2, listener);
-    layer.beginAnimations(kBegin, kDuration);
-    layer.advance(kBegin + kDuration / 4);
+    layer.arc().beginAnimations(kBegin, kDuration);
+    layer.arc().advance(kBegin + kDuration / 4);
     const double shown = layer.presentationLayer()->startAngle();
     layer.createArcAnimationForKey(ArcKey::StartAngle, 5, 1, listener);
     QCOMPARE(listener.interrupted, 1);
-    QCOMPARE(layer.animationForKey(ArcKey::StartAngle)->fromValue(), shown);
-    layer.beginAnimations(kBegin + kDuration / 2, kDuration);
+    QCOMPARE(layer.arc().animationForKey(ArcKey::StartAngle)->fromValue(), shown);
+    layer.arc().beginAnimations(kBegin + kDuration / 2, kDuration);
     QCOMPARE(layer.presentationLayer()->startAngle(), shown);
     QCOMPARE(listener.started, 2);
 }
@@ -106,10 +106,10 @@ void TestSliceLayer::interruptsOnlyTheAnimationOfTheSameAngle()
     SliceLayer layer;
     layer.createArcAnimationForKey(ArcKey::StartAngle, 0, 2, listener);
     layer.createArcAnimationForKey(ArcKey::EndAngle, 0, 3, listener);
-    layer.beginAnimations(kBegin, kDuration);
+    layer.arc().beginAnimations(kBegin, kDuration);
     layer.createArcAnimationForKey(ArcKey::EndAngle, 0, 4, listener);
     QCOMPARE(listener.interrupted, 1);
-    QCOMPARE(layer.animationForKey(ArcKey::StartAngle)->toValue(), 2.0);
+    QCOMPARE(layer.arc().animationForKey(ArcKey::StartAngle)->toValue(), 2.0);
 }
 
 void TestSliceLayer::finishesAnimationsThatAreOver()
@@ -117,13 +117,13 @@ void TestSliceLayer::finishesAnimationsThatAreOver()
     Listener listener;
     SliceLayer layer;
     layer.createArcAnimationForKey(ArcKey::StartAngle, 0, 2, listener);
-    layer.beginAnimations(kBegin, kDuration);
-    layer.finishAnimations(kBegin + kDuration / 2);
+    layer.arc().beginAnimations(kBegin, kDuration);
+    layer.arc().finishAnimations(kBegin + kDuration / 2);
     QCOMPARE(listener.finished, 0);
-    layer.finishAnimations(kBegin + kDuration);
+    layer.arc().finishAnimations(kBegin + kDuration);
     QCOMPARE(listener.finished, 1);
-    QVERIFY(!layer.animationForKey(ArcKey::StartAngle));
-    layer.finishAnimations(kBegin + kDuration);
+    QVERIFY(!layer.arc().animationForKey(ArcKey::StartAngle));
+    layer.arc().finishAnimations(kBegin + kDuration);
     QCOMPARE(listener.finished, 1);
 }
 
@@ -133,8 +133,8 @@ void TestSliceLayer::keepsTheModelWhenAnimationsAreRemoved()
     SliceLayer layer;
     layer.createArcAnimationForKey(ArcKey::StartAngle, 0, 2, listener);
     layer.createArcAnimationForKey(ArcKey::EndAngle, 0, 3, listener);
-    layer.beginAnimations(kBegin, kDuration);
-    layer.removeAllAnimations();
+    layer.arc().beginAnimations(kBegin, kDuration);
+    layer.arc().removeAllAnimations();
     QCOMPARE(listener.interrupted, 2);
     QCOMPARE(layer.startAngle(), 2.0);
     QCOMPARE(layer.endAngle(), 3.0);
@@ -143,8 +143,8 @@ void TestSliceLayer::keepsTheModelWhenAnimationsAreRemoved()
 void TestSliceLayer::showsAnAngleThatIsSetWithoutAnimation()
 {
     SliceLayer layer;
-    layer.beginAnimations(kBegin, kDuration);
-    layer.setAngle(ArcKey::EndAngle, 1.5);
+    layer.arc().beginAnimations(kBegin, kDuration);
+    layer.arc().setAngle(ArcKey::EndAngle, 1.5);
     QCOMPARE(layer.presentationLayer()->endAngle(), 1.5);
 }
 
@@ -153,8 +153,8 @@ void TestSliceLayer::printsItself()
     SliceLayer layer;
     layer.setValue(5);
     layer.setPercentage(0.25);
-    layer.setAngle(ArcKey::StartAngle, pi / 2);
-    layer.setAngle(ArcKey::EndAngle, pi);
+    layer.arc().setAngle(ArcKey::StartAngle, pi / 2);
+    layer.arc().setAngle(ArcKey::EndAngle, pi);
     QString text;
     QDebug(&text) << layer;
     QCOMPARE(text.trimmed(),
@@ -165,9 +165,9 @@ void TestSliceLayer::hasNoPresentationBeforeItIsShown()
 {
     SliceLayer layer;
     QVERIFY(!layer.presentationLayer());
-    layer.advance(kBegin);
+    layer.arc().advance(kBegin);
     QVERIFY(!layer.presentationLayer());
-    layer.beginAnimations(kBegin, kDuration);
+    layer.arc().beginAnimations(kBegin, kDuration);
     QVERIFY(layer.presentationLayer());
 }
 
@@ -176,8 +176,8 @@ void TestSliceLayer::copiesAnglesAndLooksForPresentation()
     SliceLayer layer;
     layer.setValue(5);
     layer.setPercentage(0.25);
-    layer.setAngle(ArcKey::StartAngle, 1);
-    layer.setAngle(ArcKey::EndAngle, 2);
+    layer.arc().setAngle(ArcKey::StartAngle, 1);
+    layer.arc().setAngle(ArcKey::EndAngle, 2);
     layer.setGeometry({{10, 10}, 5, 1, 2});
     layer.setFillColor(QColor(Qt::red));
     layer.setInfoLayer(std::make_unique<InfoLayer>());
@@ -248,7 +248,7 @@ void TestSliceLayer::showsItsLabelAccordingToItsWidth()
     QFETCH(double, shown);
     QFETCH(double, goal);
     SliceLayer layer;
-    layer.setAngle(ArcKey::EndAngle, goal);
+    layer.arc().setAngle(ArcKey::EndAngle, goal);
     layer.setGeometry({{0, 0}, 10, 0, shown});
     QTEST(layer.infoOpacity(), "opacity");
 }
