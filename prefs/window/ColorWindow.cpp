@@ -1,9 +1,7 @@
 #include "prefs/window/ColorWindow.h"
 
 #include "platform/desktop/Compositing.h"
-#include "platform/desktop/WindowShadow.h"
 #include "platform/look/Fonts.h"
-#include "platform/look/SoftShadow.h"
 #include "platform/sheet/Sheet.h"
 #include "prefs/window/ColorWindowFrameView.h"
 #include "prefs/window/ColorWindowGeometry.h"
@@ -14,7 +12,6 @@
 #include <QLabel>
 #include <QMenuBar>
 #include <QMouseEvent>
-#include <QPainter>
 #include <QShortcut>
 
 namespace {
@@ -23,11 +20,6 @@ constexpr int kSheetDrop = 30;
 constexpr int kTitleSize = 13;
 constexpr float kTitleGrey = 0.35F;
 
-constexpr SoftShadow kShadow{24, 5, 0.20};
-constexpr int kShadowDrop = 6; // the light comes from above
-constexpr QMargins kShadowMargins(kShadow.reach, kShadow.reach - kShadowDrop, kShadow.reach,
-                                  kShadow.reach + kShadowDrop);
-
 /// The desktop may still minimise it and lists it among its windows.
 constexpr Qt::WindowFlags kBorderless =
     Qt::Window | Qt::FramelessWindowHint | Qt::WindowSystemMenuHint | Qt::WindowMinimizeButtonHint;
@@ -35,10 +27,7 @@ constexpr Qt::WindowFlags kBorderless =
 } // namespace
 
 ColorWindow::ColorWindow(QWidget *parent, Qt::WindowFlags)
-    : QWidget(parent, kBorderless),
-      m_drag(*this),
-      m_isBlended(isCompositing()),
-      m_hasShadow(canAnnounceShadow())
+    : QWidget(parent, kBorderless), m_drag(*this), m_isBlended(isCompositing()), m_shadow(*this)
 {
     setAttribute(Qt::WA_TranslucentBackground, m_isBlended);
     setWindowTitle(QStringLiteral("Vantor"));
@@ -181,50 +170,18 @@ QSize ColorWindow::sizeHint() const
     return content.expandedTo({0, 0}) + frame.toSize();
 }
 
-void ColorWindow::mainWindowChanged()
-{
-    for (WindowButton *button : {m_closeButton, m_minimizeButton, m_menuButton})
-        if (button)
-            button->update();
-}
-
-/// All sizes that were set until now are the frame's; from now on they are the window's, with the
-/// shadow around the frame.
-void ColorWindow::makeRoomForShadow()
-{
-    const QSize minimum = minimumSize();
-    const QSize maximum = maximumSize();
-    const QSize frame = size();
-    const QSize room = frame.grownBy(kShadowMargins) - frame;
-    setContentsMargins(kShadowMargins);
-    setMinimumSize(minimum.isNull() ? minimum : minimum + room);
-    setMaximumSize((maximum + room).boundedTo({QWIDGETSIZE_MAX, QWIDGETSIZE_MAX}));
-    resize(frame + room);
-}
-
-/// A window that fills the screen has none.
-QMargins ColorWindow::shadowNow() const
-{
-    return m_hasShadow && !isMaximized() && !isFullScreen() ? kShadowMargins : QMargins();
-}
-
 void ColorWindow::paintEvent(QPaintEvent *)
 {
-    const QMargins margins = shadowNow();
-    if (margins.isNull())
-        return;
-    QPainter painter(this);
-    paintSoftShadow(painter, contentsRect().translated(0, kShadowDrop), kShadow);
+    m_shadow.paint();
 }
 
 void ColorWindow::showEvent(QShowEvent *event)
 {
-    if (m_hasShadow && !m_wasShown)
-        makeRoomForShadow();
+    if (m_shadow.isWanted() && !m_wasShown)
+        m_shadow.makeRoom();
     QWidget::showEvent(event);
     layOut();
-    if (m_hasShadow)
-        announceShadow(*this, shadowNow());
+    m_shadow.announce();
     m_wasShown = true;
 }
 
@@ -232,17 +189,20 @@ void ColorWindow::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
     layOut();
-    if (m_hasShadow && m_wasShown)
-        announceShadow(*this, shadowNow());
+    if (m_wasShown)
+        m_shadow.announce();
 }
 
 void ColorWindow::changeEvent(QEvent *event)
 {
     QWidget::changeEvent(event);
-    if (event->type() == QEvent::ActivationChange)
-        mainWindowChanged();
+    if (event->type() == QEvent::ActivationChange) {
+        for (WindowButton *button : {m_closeButton, m_minimizeButton, m_menuButton})
+            if (button)
+                button->update();
+    }
     if (event->type() == QEvent::WindowStateChange) {
-        setContentsMargins(m_wasShown ? shadowNow() : QMargins());
+        setContentsMargins(m_wasShown ? m_shadow.margins() : QMargins());
         layOut();
     }
 }

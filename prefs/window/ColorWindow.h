@@ -1,5 +1,6 @@
 #pragma once
 
+#include "prefs/window/ColorWindowShadow.h"
 #include "prefs/window/WindowDrag.h"
 
 #include <QPointer>
@@ -60,7 +61,7 @@ public:
     /// Whether it draws a soft shadow around its frame; unless set, as the desktop allows. Its
     /// sizes are the frame's until it is shown, then the shadow's room comes on top. Before it is
     /// shown.
-    void setHasShadow(bool hasShadow) { m_hasShadow = hasShadow; }
+    void setHasShadow(bool hasShadow) { m_shadow.setIsWanted(hasShadow); }
 
     QSize sizeHint() const override;
 
@@ -80,10 +81,7 @@ private:
     void addGrips();
     void layOut();
     void updateShape();
-    void mainWindowChanged();
     void showMenu();
-    void makeRoomForShadow();
-    QMargins shadowNow() const;
 
     ColorWindowFrameView *m_frameView = nullptr;
     QPointer<QWidget> m_childContentView;
@@ -97,5 +95,5 @@ private:
     bool m_canMove = true;
     bool m_wasShown = false;
     const bool m_isBlended;
-    bool m_hasShadow;
+    ColorWindowShadow m_shadow;
 };
