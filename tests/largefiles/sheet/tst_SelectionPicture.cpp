@@ -47,6 +47,7 @@ private Q_SLOTS:
     void namesTheFolderFromTheHomeOn_data();
     void namesTheFolderFromTheHomeOn();
     void showsAHintInsteadOfAPicture();
+    void leavesNoPictureWithoutAHint();
     void changesTheHint();
 };
 
@@ -91,6 +92,14 @@ void TestSelectionPicture::showsAHintInsteadOfAPicture()
     QCOMPARE(made.label.accessibleName(), QString()); // the text speaks
     QCOMPARE(made.place.text(), QString());
     QCOMPARE(shown.count(), 1);
+}
+
+void TestSelectionPicture::leavesNoPictureWithoutAHint()
+{
+    ShownPicture made;
+    made.picture.showFile(made.film());
+    made.picture.showNothing({});
+    QVERIFY(made.label.pixmap().isNull());
 }
 
 void TestSelectionPicture::changesTheHint()
