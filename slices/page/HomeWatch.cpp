@@ -85,7 +85,7 @@ void HomeWatch::lookForPrograms(std::function<void()> then)
 }
 
 /// Each time anew: programs come and go.
-LatestJob::Work HomeWatch::programLook(std::function<void()> then)
+BackgroundTask<OwnersEnd::Abandon> HomeWatch::programLook(std::function<void()> then)
 {
     return [this, &calls = m_services.calls, &access = m_services.access, layout = layout(),
             then = std::move(then)](const std::stop_token &) {
@@ -109,9 +109,11 @@ void HomeWatch::takePrograms(const ProgramsInUse &inUse)
 
 void HomeWatch::measure(SliceSelection::Records records, std::function<void()> then)
 {
-    m_looking.run([records = std::move(records), then = std::move(then)](const std::stop_token &) {
-        for (const auto &record : records)
-            record->fileSizeString();
-        return then;
-    });
+    // The records go back with the reply: their last references must not end on the other thread.
+    m_looking.run(
+        [records = std::move(records), then = std::move(then)](const std::stop_token &) mutable {
+            for (const auto &record : records)
+                record->fileSizeString();
+            return [records = std::move(records), then = std::move(then)] { then(); };
+        });
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/threads/LatestJob.h"
+#include "platform/threads/BackgroundQueue.h"
 #include "slices/page/SliceSelection.h"
 #include "slices/record/Info.h"
 
@@ -46,7 +46,7 @@ public:
     /// Looks for the programs that run now, takes that over, and goes on.
     void lookForPrograms(std::function<void()> then);
     /// The same as work for a thread of the caller's.
-    LatestJob::Work programLook(std::function<void()> then);
+    BackgroundTask<OwnersEnd::Abandon> programLook(std::function<void()> then);
 
     /// Goes on when each of these records has a size.
     void measure(SliceSelection::Records records, std::function<void()> then);
@@ -79,5 +79,5 @@ private:
     std::shared_ptr<FileSizeChangedNotification> m_sizeChanged;
     Findings m_findings;
     std::stop_source m_measuring; ///< stops the measures of the present records
-    LatestJob m_looking;
+    BackgroundQueue<OwnersEnd::Abandon, Queueing::LatestOnly> m_looking;
 };

@@ -79,8 +79,8 @@ FileUrls SliceHover::placesOf(int index) const
 }
 
 /// Work for another thread: which of the places are there.
-LatestJob::Work SliceHover::lookForPlaces(const FileUrls &places,
-                                          std::function<void(const FileUrls &)> then) const
+BackgroundTask<OwnersEnd::Abandon>
+SliceHover::lookForPlaces(const FileUrls &places, std::function<void(const FileUrls &)> then) const
 {
     return [&calls = m_services.calls, &access = m_services.access, places,
             then = std::move(then)](const std::stop_token &stop) {
@@ -96,7 +96,7 @@ void SliceHover::showInfo()
     if (m_services.home.layout().programs().empty())
         explain(index);
     else
-        m_describing.ask(m_services.home.programLook([this, index] {
+        m_describing.run(m_services.home.programLook([this, index] {
             if (m_buttons.currentHoverIndex() == index)
                 explain(index);
         }));
@@ -120,7 +120,7 @@ void SliceHover::showInFinder()
     if (index == indexOf(SliceKind::Trash))
         showTrash();
     else
-        m_reveal.ask(lookForPlaces(placesOf(index), [this](const FileUrls &places) {
+        m_reveal.run(lookForPlaces(placesOf(index), [this](const FileUrls &places) {
             m_services.workspace.activateFileViewerSelectingUrls(places);
         }));
 }
@@ -134,7 +134,7 @@ void SliceHover::showTrash()
         m_services.workspace.openUrl(trash);
         return;
     }
-    m_reveal.ask(lookForPlaces({trash}, [this, trash](const FileUrls &places) {
+    m_reveal.run(lookForPlaces({trash}, [this, trash](const FileUrls &places) {
         if (places.isEmpty())
             m_services.tell({.messageText = tr("The Trash is empty.")});
         else

@@ -1,8 +1,7 @@
 #pragma once
 
 #include "platform/files/FileUrl.h"
-#include "platform/threads/LatestJob.h"
-#include "platform/threads/LatestTask.h"
+#include "platform/threads/BackgroundQueue.h"
 
 class FileAccess;
 class HomeWatch;
@@ -56,12 +55,14 @@ private:
     void explain(int index);
     void showTrash();
     FileUrls placesOf(int index) const;
-    LatestJob::Work lookForPlaces(const FileUrls &places,
-                                  std::function<void(const FileUrls &)> then) const;
+    BackgroundTask<OwnersEnd::Abandon>
+    lookForPlaces(const FileUrls &places, std::function<void(const FileUrls &)> then) const;
+
+    using Looks = BackgroundQueue<OwnersEnd::Abandon, Queueing::LatestOnly>;
 
     Services m_services;
     SliceHoverButtons &m_buttons;
-    LatestJob m_offering;    ///< looks for what there is to be shown of the slice
-    LatestTask m_reveal;     ///< looks for what is to be shown in the file manager
-    LatestTask m_describing; ///< looks for the programs that a description names
+    Looks m_offering;                       ///< for what there is to be shown of the slice
+    Looks m_reveal{kThreadForEachTask};     ///< for what is to be shown in the file manager
+    Looks m_describing{kThreadForEachTask}; ///< for the programs that a description names
 };
