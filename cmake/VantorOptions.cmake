@@ -26,3 +26,6 @@ find_program(CCACHE ccache)
 if(CCACHE)
     set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
 endif()
+
+# Sources of one system are called after it: X_linux.cpp.
+string(TOLOWER ${CMAKE_SYSTEM_NAME} VANTOR_SYSTEM)
