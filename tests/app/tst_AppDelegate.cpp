@@ -19,6 +19,33 @@
 #include <semaphore>
 #include <thread>
 
+namespace {
+
+/// What had been logged when the first window came up.
+class LinesAtFirstWindow final : public QObject
+{
+public:
+    LinesAtFirstWindow() { qApp->installEventFilter(this); }
+    QStringList lines() const { return m_lines; }
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() == QEvent::Show && watched->isWidgetType() && !m_isSeen) {
+            m_isSeen = true;
+            m_lines = m_log.lines();
+        }
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    LogRecorder m_log;
+    QStringList m_lines;
+    bool m_isSeen = false;
+};
+
+} // namespace
+
 /// The start of the program, with a server of the test's own in place of the maker's pages.
 class TestAppDelegate final : public QObject
 {
@@ -29,6 +56,7 @@ private Q_SLOTS:
     void cleanup();
 
     void reportsTheFirstLaunchAndTheLaunch();
+    void reportsBeforeItShowsTheWindow();
     void worksWithTheCallsItIsGiven();
     void reportsLaterLaunchesOnce();
     void startsWithoutNetwork();
@@ -104,6 +132,13 @@ void TestAppDelegate::reportsTheFirstLaunchAndTheLaunch()
     QVERIFY(log.lines().contains(QStringLiteral("Here")));
     QVERIFY(m_application->defaults().boolean(VNTHasLaunchedBeforeString));
     QTRY_COMPARE(pathsAsked(), QStringList({QStringLiteral("/first"), QStringLiteral("/launch")}));
+}
+
+void TestAppDelegate::reportsBeforeItShowsTheWindow()
+{
+    const LinesAtFirstWindow atWindow;
+    start();
+    QCOMPARE(atWindow.lines(), QStringList{QStringLiteral("Here")});
 }
 
 /// Nothing of the machine reaches a run that has calls of its own.

@@ -70,6 +70,7 @@ private Q_SLOTS:
     void handsDataOverBetweenAppearing();
     void movesOnOnceHoweverOftenStartIsPressed();
     void ignoresBackWhereThereIsNoPredecessor();
+    void hearsNoPageButTheOneThatIsShown();
     void goesBackThroughTheMenu();
     void startsOverWhenTheHomeFolderIsReset();
     void leavesTheShownPageAtAReset();
@@ -232,6 +233,20 @@ void TestMainWindowController::ignoresBackWhereThereIsNoPredecessor()
     m_controller->willGoForward(m_controller->folderSelectPage(), false, {});
     m_controller->goBack();
     QCOMPARE(m_controller->currentViewController(), &m_controller->diskInfoPage());
+}
+
+void TestMainWindowController::hearsNoPageButTheOneThatIsShown()
+{
+    m_fixture->grantHome();
+    makeController();
+    for (VNTViewController *page : m_controller->viewControllers()) {
+        if (page == m_controller->currentViewController())
+            continue;
+        m_controller->willGoForward(*page, true, {});
+        m_controller->willGoForward(*page, false, {});
+        QCOMPARE(m_controller->navigationController().viewControllers().size(), 1);
+        QCOMPARE(m_controller->currentViewController(), &m_controller->diskInfoPage());
+    }
 }
 
 void TestMainWindowController::goesBackThroughTheMenu()

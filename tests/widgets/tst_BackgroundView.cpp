@@ -1,5 +1,6 @@
 #include "platform/look/Images.h"
 #include "platform/look/ViewAlpha.h"
+#include "tests/support/page/RunningFade.h"
 #include "tests/support/run/GuiTestMain.h"
 #include "widgets/BackgroundView.h"
 
@@ -106,9 +107,11 @@ void TestBackgroundView::fadesTheShadowInAndOut()
     view.setDrawShadow(true);
     QVERIFY(view.drawShadow());
     QVERIFY(alphaValue(*view.shadowView()) < 0.5); // not at once
+    QVERIFY(isFading(*view.shadowView(), 1, std::chrono::seconds(1)));
     QTRY_COMPARE(alphaValue(*view.shadowView()), 1.0);
     view.setDrawShadow(false);
     QVERIFY(alphaValue(*view.shadowView()) > 0.5);
+    QVERIFY(isFading(*view.shadowView(), 0, std::chrono::seconds(1)));
     QTRY_COMPARE(alphaValue(*view.shadowView()), 0.0);
 }
 

@@ -2,8 +2,10 @@
 
 #include "platform/look/ViewAlpha.h"
 #include "tests/app/navigation/RecordingPage.h"
+#include "tests/support/page/RunningFade.h"
 #include "tests/support/run/GuiTestMain.h"
 #include "tests/support/run/LogRecorder.h"
+#include "tests/support/run/SeenAfter.h"
 
 #include <QElapsedTimer>
 #include <QVariantAnimation>
@@ -15,6 +17,7 @@ class TestNavigationFades final : public QObject
 
 private Q_SLOTS:
     void tellsBeforeAtOnceAndAfterThePause();
+    void pausesForThreeQuartersOfASecond();
     void fadesOutThenShowsTheGroundThenFadesIn();
     void leavesThePageThatWentInvisible();
     void staysInvisibleWhenShownWithoutAnimation();
@@ -53,6 +56,20 @@ void TestNavigationFades::tellsBeforeAtOnceAndAfterThePause()
     QCOMPARE(wizard.calls, before + Calls({QStringLiteral("delegate didShow YES"),
                                            QStringLiteral("B didAppear YES"),
                                            QStringLiteral("A didDisappear YES")}));
+}
+
+void TestNavigationFades::pausesForThreeQuartersOfASecond()
+{
+    using namespace std::chrono_literals;
+    Wizard wizard;
+    bool fadesIn = false;
+    wizard.b.onDidAppear = [&] { fadesIn = isFading(*wizard.b.view(), 1, 250ms); };
+    wizard.navigation.pushViewController(&wizard.b, Animated::Yes);
+    QVERIFY(isFading(*wizard.a.view(), 0, 250ms));
+    const auto hasCome = [&] { return hasAppeared(wizard, "B"); };
+    QVERIFY(!seenAfter(700ms, hasCome));
+    QVERIFY(seenAfter(100ms, hasCome));
+    QVERIFY(fadesIn);
 }
 
 void TestNavigationFades::fadesOutThenShowsTheGroundThenFadesIn()

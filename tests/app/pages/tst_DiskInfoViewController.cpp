@@ -4,6 +4,7 @@
 #include "slices/record/Info.h"
 #include "tests/support/page/PageFixture.h"
 #include "tests/support/page/RecordingPageDelegate.h"
+#include "tests/support/page/RunningFade.h"
 #include "tests/support/run/GuiTestMain.h"
 #include "widgets/StartButton.h"
 #include "widgets/TextField.h"
@@ -19,6 +20,7 @@ private Q_SLOTS:
     void cleanup();
 
     void hidesAllButThePieUntilItAppears();
+    void fadesAllButThePieInWithinASecond();
     void splitsTheDiskIntoFreeAndUsed();
     void answersOtherIndexesAsUsed();
     void givesSlicesNoLabels();
@@ -28,6 +30,8 @@ private Q_SLOTS:
     void leadsOnByTheKeyboardAtOnce();
     void movesOnWithoutData();
     void foldsThePieWhenItDisappears();
+    void growsThePieAnewAtEachAppearance();
+    void asksForNoSecondMoveOnItsWayOut();
 
 private:
     void appear();
@@ -69,6 +73,15 @@ void TestDiskInfoViewController::hidesAllButThePieUntilItAppears()
     appear();
     QCOMPARE(alphaValue(*m_page->startButton()), 1.0);
     QTRY_COMPARE(alphaValue(*m_page->labelController().freeLabel()), 1.0);
+}
+
+void TestDiskInfoViewController::fadesAllButThePieInWithinASecond()
+{
+    appear();
+    const LabelController &labels = m_page->labelController();
+    for (const QWidget *label : {labels.freeLabel(), labels.usedLabel(), labels.totalLabel()})
+        QVERIFY(isFading(*label, 1, std::chrono::seconds(1)));
+    QCOMPARE(alphaValue(*m_page->pieChart()), 1.0);
 }
 
 void TestDiskInfoViewController::splitsTheDiskIntoFreeAndUsed()
@@ -152,6 +165,26 @@ void TestDiskInfoViewController::foldsThePieWhenItDisappears()
     m_page->viewWillDisappear(true);
     QVERIFY(!m_page->pieChart()->drawShadow());
     QVERIFY(m_page->pieChart()->isAnimating());
+}
+
+/// Flat until it has grown, as at the first time.
+void TestDiskInfoViewController::growsThePieAnewAtEachAppearance()
+{
+    appear();
+    QTRY_VERIFY(m_page->pieChart()->didLoad());
+    m_page->viewWillDisappear(true);
+    appear();
+    QVERIFY(!m_page->pieChart()->didLoad());
+    QTRY_VERIFY(m_page->pieChart()->didLoad());
+}
+
+void TestDiskInfoViewController::asksForNoSecondMoveOnItsWayOut()
+{
+    appear();
+    m_page->viewWillDisappear(true);
+    QTest::mouseClick(m_page->startButton(), Qt::LeftButton);
+    QCOMPARE(m_delegate.moves.size(), 0);
+    QVERIFY(!m_page->startButton()->isEnabled());
 }
 
 VANTOR_GUI_TEST_MAIN(TestDiskInfoViewController)

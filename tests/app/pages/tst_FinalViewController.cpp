@@ -1,12 +1,15 @@
 #include "app/pages/FinalViewController.h"
 #include "app/pings/StatsUpdater.h"
 #include "app/settings/SettingsKeys.h"
+#include "chart/ChartPlane.h"
 #include "chart/PieChart.h"
 #include "platform/look/ViewAlpha.h"
 #include "platform/sheet/Sheet.h"
 #include "slices/record/Info.h"
 #include "tests/support/page/PageFixture.h"
 #include "tests/support/page/RecordingPageDelegate.h"
+#include "tests/support/page/RunningFade.h"
+#include "tests/support/page/SheetDriver.h"
 #include "tests/support/run/GuiTestMain.h"
 #include "widgets/StartButton.h"
 #include "widgets/TextField.h"
@@ -46,10 +49,15 @@ private Q_SLOTS:
     void reportsEachCleaning();
     void drawsAFanOfThreeLinks();
     void opensOnePageForEachLink();
+    void opensTheLinkThatIsClicked();
     void showsTheAddressWhenNoBrowserStarts();
     void keepsTheButtonDisabledWhileItAppears();
     void leadsBackByTheKeyboardAtOnce();
     void goesBackToScanAgain();
+    void readsTheSizesAnewAtEachAppearance();
+    void drawsNoShadow();
+    void foldsThePieWhenItDisappears();
+    void asksForNoSecondMoveOnItsWayOut();
 
 private:
     void appear(const QVariant &freed);
@@ -58,19 +66,21 @@ private:
     std::unique_ptr<FinalViewController> m_page;
     RecordingStats m_stats;
     RecordingPageDelegate m_delegate;
+    VolumeSizes m_volume;
 };
 
 void TestFinalViewController::init()
 {
     m_stats.pings.clear();
     m_delegate.moves.clear();
+    m_volume = {1000, 250};
     m_fixture = std::make_unique<PageFixture>();
     m_page = std::make_unique<FinalViewController>(
         m_fixture->loader(),
         FinalViewController::Services{
             m_fixture->defaults(), m_stats, kAddresses,
             [this](const QUrl &url) { return m_fixture->workspace().openUrl(url); },
-            PageFixture::madeVolume()});
+            [this] { return m_volume; }});
     m_page->setDelegate(&m_delegate);
     m_page->view()->show();
 }
@@ -125,6 +135,7 @@ void TestFinalViewController::fadesTheSizeInOnTheFirstVisitAlone()
 {
     appear(qint64{1});
     QVERIFY(alphaValue(*m_page->sizeLabel()) < 0.5);
+    QVERIFY(isFading(*m_page->sizeLabel(), 1, std::chrono::seconds(3)));
     QTRY_COMPARE(alphaValue(*m_page->sizeLabel()), 1.0);
     appear(qint64{2});
     QCOMPARE(alphaValue(*m_page->sizeLabel()), 1.0);
@@ -165,11 +176,30 @@ void TestFinalViewController::opensOnePageForEachLink()
                  {QUrl(kAddresses.facebook), QUrl(kAddresses.twitter), QUrl(kAddresses.homePage)}));
 }
 
+/// The whole way from the pointer: each slice where it lies, the invisible ones at the pie's ends
+/// too.
+void TestFinalViewController::opensTheLinkThatIsClicked()
+{
+    appear(qint64{0});
+    PieChart &chart = *m_page->pieChart();
+    QSignalSpy settled(&chart, &PieChart::animationFinished);
+    QVERIFY(settled.wait());
+    const ChartPlane plane(chart.height());
+    for (int i = 0; i < 5; ++i) {
+        const QPointF middle = plane.toWidget(chart.layerOfSlice(i)->infoLayer()->position());
+        QTest::mouseClick(&chart, Qt::LeftButton, {}, middle.toPoint());
+    }
+    QCOMPARE(m_fixture->workspace().opened,
+             QList<QUrl>(
+                 {QUrl(kAddresses.facebook), QUrl(kAddresses.twitter), QUrl(kAddresses.homePage)}));
+}
+
 void TestFinalViewController::showsTheAddressWhenNoBrowserStarts()
 {
     m_fixture->workspace().works = false;
     m_page->didSelectSliceAtIndex(*m_page->pieChart(), 3);
     QVERIFY(hasSheet(*m_page->view()));
+    QVERIFY(sheetText(*m_page->view()).contains(kAddresses.homePage));
 }
 
 void TestFinalViewController::keepsTheButtonDisabledWhileItAppears()
@@ -192,6 +222,45 @@ void TestFinalViewController::goesBackToScanAgain()
     QTest::mouseClick(m_page->scanAgainButton(), Qt::LeftButton);
     QCOMPARE(m_delegate.moves.size(), 1);
     QVERIFY(!m_delegate.moves[0].isForward);
+}
+
+void TestFinalViewController::readsTheSizesAnewAtEachAppearance()
+{
+    const auto *freeLabel = m_page->view()->findChild<TextField *>(QStringLiteral("freeLabel"));
+    QVERIFY(freeLabel);
+    m_page->viewWillAppear(true);
+    QCOMPARE(freeLabel->text(), QStringLiteral("250 bytes"));
+    m_volume = {1000, 900};
+    m_page->viewWillAppear(true);
+    QCOMPARE(freeLabel->text(), QStringLiteral("900 bytes"));
+}
+
+void TestFinalViewController::drawsNoShadow()
+{
+    m_page->pieChart()->setDrawShadow(true);
+    appear(qint64{0});
+    QVERIFY(!m_page->pieChart()->drawShadow());
+}
+
+void TestFinalViewController::foldsThePieWhenItDisappears()
+{
+    appear(qint64{0});
+    PieChart &chart = *m_page->pieChart();
+    QSignalSpy settled(&chart, &PieChart::animationFinished);
+    QVERIFY(settled.wait());
+    m_page->viewWillDisappear(true);
+    QVERIFY(chart.isAnimating());
+    for (const auto &layer : chart.sliceLayers())
+        QCOMPARE(layer->endAngle(), chart.startPieAngle());
+}
+
+void TestFinalViewController::asksForNoSecondMoveOnItsWayOut()
+{
+    appear(qint64{0});
+    m_page->viewWillDisappear(true);
+    QTest::mouseClick(m_page->scanAgainButton(), Qt::LeftButton);
+    QCOMPARE(m_delegate.moves.size(), 0);
+    QVERIFY(!m_page->scanAgainButton()->isEnabled());
 }
 
 VANTOR_GUI_TEST_MAIN(TestFinalViewController)
