@@ -3,12 +3,19 @@
 #include "tests/chart/SlowFolder.h"
 #include "tests/support/run/GuiTestMain.h"
 
+#include <QFontMetricsF>
 #include <QImage>
 #include <QPainter>
+#include <cmath>
 
 namespace {
 
 const auto kPicture = QStringLiteral("shadow"); // any drawing of the resources
+
+double widthIn(Typeface face, int points, const QString &text)
+{
+    return QFontMetricsF(interfaceFont(face, points)).horizontalAdvance(text);
+}
 
 std::shared_ptr<Info> infoWithText(const QString &name, const QString &text)
 {
@@ -54,6 +61,7 @@ private Q_SLOTS:
     void splitsSizeTextsIntoNumberAndUnit();
     void showsWhatTheRecordSays();
     void placesItsPartsAroundTheMiddle();
+    void setsItsTextsInTheirFonts();
     void centresTheIconOfARecordWithoutName();
     void showsNoTextForARecordWithoutName();
     void isEmptyWithoutRecord();
@@ -139,6 +147,21 @@ void TestInfoLayer::placesItsPartsAroundTheMiddle()
     QVERIFY(layer.sizeFrame().bottom() < -20 && layer.sizeFrame().bottom() > -30);
     QCOMPARE(layer.sizeFrame().center().x(), 0.0);
     QVERIFY(layer.bounds().contains(layer.sizeFrame()));
+}
+
+/// The frames are as wide as the letters that are painted in them.
+void TestInfoLayer::setsItsTextsInTheirFonts()
+{
+    InfoLayer layer;
+    const QString name = QStringLiteral("Application Caches and more");
+    layer.setInfo(infoWithText(name, QStringLiteral("1234567890.24 GB")));
+    letSizesArrive();
+    QCOMPARE(layer.nameFrame().width(), std::ceil(widthIn(Typeface::Light, 16, name)));
+    QCOMPARE(layer.sizeFrame().width(),
+             std::ceil(widthIn(Typeface::Regular, 15, QStringLiteral("1234567890.24")) +
+                       widthIn(Typeface::Medium, 15, QStringLiteral(" GB"))));
+    QCOMPARE(layer.sizeFrame().height(),
+             QFontMetricsF(interfaceFont(Typeface::Regular, 15)).height());
 }
 
 void TestInfoLayer::centresTheIconOfARecordWithoutName()

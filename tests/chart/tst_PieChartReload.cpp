@@ -31,6 +31,29 @@ public:
     QStringList lines;
 };
 
+/// Writes down what a reload asks before it lays anything out.
+class AskedSlices final : public PieChartDataSource
+{
+public:
+    int numberOfSlicesInPieChart(PieChart &) override
+    {
+        asked << QStringLiteral("count");
+        return 2;
+    }
+    std::shared_ptr<Info> infoForSliceAtIndex(PieChart &, int index) override
+    {
+        asked << QStringLiteral("info %1").arg(index);
+        return nullptr;
+    }
+    double valueForSliceAtIndex(PieChart &, int index) override
+    {
+        asked << QStringLiteral("value %1").arg(index);
+        return 1;
+    }
+
+    QStringList asked;
+};
+
 } // namespace
 
 /// How a pie that is shown becomes another one.
@@ -49,6 +72,7 @@ private Q_SLOTS:
     void showsZeroWidthSlicesOfANewPie();
     void takesUnsoundValuesForNothing();
     void answersForTheSliceThatIsSeen();
+    void asksSliceBySliceForRecordAndValue();
     void asksForNoSliceThatThereIsNot();
     void recolorsWithoutMovingAnything();
     void hidesTheLabelsOfRemovedSlices();
@@ -207,6 +231,18 @@ void TestPieChartReload::answersForTheSliceThatIsSeen()
     QCOMPARE(held.layer(0).brush(), QBrush(Qt::blue));
     QCOMPARE(held.chart.getCurrentSelectedOnLocation({195, 50}), 0); // left of the top
     QCOMPARE(held.chart.getCurrentSelectedOnLocation({205, 50}), 1);
+}
+
+/// A page may make the record with the first question and reckon its value with the second.
+void TestPieChartReload::asksSliceBySliceForRecordAndValue()
+{
+    AskedSlices page;
+    PieChart chart(QRect(0, 0, 400, 300));
+    chart.setDataSource(&page);
+    chart.reloadData();
+    QCOMPARE(page.asked, QStringList({QStringLiteral("count"), QStringLiteral("info 0"),
+                                      QStringLiteral("value 0"), QStringLiteral("info 1"),
+                                      QStringLiteral("value 1")}));
 }
 
 void TestPieChartReload::asksForNoSliceThatThereIsNot()

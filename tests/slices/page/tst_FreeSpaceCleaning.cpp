@@ -1,15 +1,20 @@
 #include "app/grant/ResourceManager.h"
 #include "app/settings/ExcludedFilesChangedNotification.h"
 #include "app/settings/SettingsKeys.h"
+#include "chart/PieChart.h"
+#include "platform/look/Images.h"
+#include "platform/look/ViewAlpha.h"
 #include "slices/page/FreeSpaceViewController.h"
 #include "tests/support/disk/WatchedSystemCalls.h"
 #include "tests/support/page/PageFixture.h"
 #include "tests/support/page/RecordingPageDelegate.h"
+#include "tests/support/page/RunningFade.h"
 #include "tests/support/page/SheetDriver.h"
 #include "tests/support/run/GuiTestMain.h"
 #include "widgets/StartButton.h"
 #include "widgets/TextField.h"
 
+#include <QLabel>
 #include <QSemaphore>
 
 /// What may happen between the user's consent and the first removal: the slices are still being
@@ -23,6 +28,8 @@ private Q_SLOTS:
     void cleanup();
 
     void removesWhatWasConfirmed();
+    void asksAsBeforeAGreatDanger();
+    void showsOnlyTheButtonWhileItCleans();
     void keepsWhatIsExcludedAfterTheConsent();
     void removesNothingOnceTheExclusionsAreUnknown();
     void removesNothingOnceThePageIsLeft();
@@ -120,6 +127,45 @@ void TestFreeSpaceCleaning::removesWhatWasConfirmed()
     QVERIFY(!m_fixture->exists(".Trash/keep") && !m_fixture->exists(".Trash/other"));
     QVERIFY(m_fixture->exists(".Trash"));
     QCOMPARE(m_page->startButton()->detailText().text(), QString()); // it goes out as it is
+}
+
+void TestFreeSpaceCleaning::asksAsBeforeAGreatDanger()
+{
+    m_page->next();
+    QTRY_VERIFY(sheetButton(*m_page->view(), QStringLiteral("Delete Files")));
+    QImage symbol;
+    for (const QLabel *label : sheetPanel(*m_page->view())->findChildren<QLabel *>()) {
+        if (!label->pixmap(Qt::ReturnByValue).isNull())
+            symbol = label->pixmap(Qt::ReturnByValue).toImage();
+    }
+    QCOMPARE(symbol, imageNamed(QStringLiteral("alertCritical"), symbol.devicePixelRatio(),
+                                symbol.deviceIndependentSize().toSize())
+                         .toImage());
+}
+
+void TestFreeSpaceCleaning::showsOnlyTheButtonWhileItCleans()
+{
+    QVERIFY(consent());
+    StartButton &button = *m_page->startButton();
+    QCOMPARE(button.detailText().text(), QString());
+    QVERIFY(!button.isEnabled());
+    QCOMPARE(alphaValue(button), 1.0);
+    QVERIFY(!m_page->pieChart()->drawShadow());
+    for (const auto &layer : m_page->pieChart()->sliceLayers())
+        QCOMPARE(layer->endAngle(), m_page->pieChart()->startPieAngle()); // it folds
+    for (const char *name : {"legendImageView", "freeLabel", "usedLabel", "totalLabel"}) {
+        const auto *subview = m_page->view()->findChild<QWidget *>(QLatin1String(name));
+        QVERIFY(subview && isFading(*subview, 0, std::chrono::milliseconds(250)));
+    }
+    QCOMPARE(alphaValue(*m_page->pieChart()), 1.0);
+    QVERIFY(!isFading(*m_page->pieChart(), 0, std::chrono::milliseconds(250)));
+    letMeasuresEnd();
+    QTRY_COMPARE(m_delegate.moves.size(), 1);
+    m_page->viewWillDisappear(true);
+    m_page->viewWillAppear(true); // the user scans again
+    for (const QWidget *subview :
+         m_page->view()->findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly))
+        QCOMPARE(alphaValue(*subview), 1.0);
 }
 
 void TestFreeSpaceCleaning::keepsWhatIsExcludedAfterTheConsent()

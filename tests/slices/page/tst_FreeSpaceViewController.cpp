@@ -266,13 +266,19 @@ void TestFreeSpaceViewController::placesTheHoverButtons()
 void TestFreeSpaceViewController::offersToRevealOldUpdatesWhenThereAreAny()
 {
     appear();
+    for (const auto &record : m_page->selection().records())
+        QTRY_COMPARE(record->isMeasured(), record->fileURLs().has_value());
     m_disk.takeAskedHere();
     const QWidget &reveal = *m_page->hover().buttons().showInFinderButton();
+    m_disk.hang();
     hover(SliceKind::OldIos);
     QVERIFY(m_page->hover().buttons().infoButton()->isVisible());
+    QTRY_COMPARE(m_disk.waiting(), 1); // the look has begun
+    m_disk.answer();
     QTRY_COMPARE(ResourceManager::accessCount(), 0); // the disk has been looked at
-    QCoreApplication::processEvents();
-    QVERIFY(!reveal.isVisible());
+    // Nothing tells that there is no more to come; an answer would be here at once.
+    constexpr int kLongEnough = 300;
+    QVERIFY(!QTest::qWaitFor([&] { return reveal.isVisible(); }, kLongEnough));
     m_page->didHoverOverSliceAtIndex(*m_page->pieChart(), -1);
     m_fixture->makeFolder("Library/iTunes/iPod Software Updates");
     hover(SliceKind::OldIos);

@@ -22,6 +22,21 @@ public:
     SystemResult<QByteArrayList> programNames() const override { return QByteArrayList{"browser"}; }
 };
 
+/// Counts who works with the granted folder.
+class CountingAccess final : public FileAccess
+{
+public:
+    void startAccessing() override { ++started; }
+    void stopAccessing() override { ++stopped; }
+    std::optional<AnchoredPath> anchoredPath(const FileUrl &) const override
+    {
+        return std::nullopt;
+    }
+
+    int started = 0;
+    int stopped = 0;
+};
+
 } // namespace
 
 class TestSliceSelection final : public QObject
@@ -49,6 +64,7 @@ private Q_SLOTS:
     void dropsPickedLargeFilesWhenTheExclusionsChange();
     void addsUpWhatIsOn();
     void balancesItsAccess();
+    void comparesWithinTheAccess();
 
 private:
     QList<bool> states() const;
@@ -276,6 +292,16 @@ void TestSliceSelection::balancesItsAccess()
     m_selection->containsExcludedFile(m_selection->record(SliceKind::Cache).fileURLs());
     m_selection->applyExclusions();
     QCOMPARE(ResourceManager::accessCount(), 0);
+}
+
+void TestSliceSelection::comparesWithinTheAccess()
+{
+    CountingAccess access;
+    const SliceSelection selection(m_fixture->defaults(), access);
+    for (const auto &record : m_selection->records())
+        selection.containsExcludedFile(record->fileURLs());
+    QCOMPARE(access.started, 8);
+    QCOMPARE(access.stopped, 8);
 }
 
 VANTOR_GUI_TEST_MAIN(TestSliceSelection)

@@ -29,6 +29,19 @@ private:
     const std::uint64_t m_size;
 };
 
+/// A file system on which every file is locked by an attribute.
+class LockedCalls final : public ForwardingSystemCalls
+{
+public:
+    SystemResult<FileStatus> status(int parent, const char *name) const override
+    {
+        auto status = ForwardingSystemCalls::status(parent, name);
+        if (status)
+            status->isImmutable = true;
+        return status;
+    }
+};
+
 FolderSize measured(const MadeTree &tree, const QByteArray &place, unsigned threads = 0)
 {
     return measureFolder(hostSystemCalls(), {tree.descriptor(), place}, {}, threads);
@@ -81,6 +94,7 @@ private Q_SLOTS:
 
     void judgesPlacesOfAllKinds_data();
     void judgesPlacesOfAllKinds();
+    void logsWhetherItMayBeRemovedBeforeWhetherItIsUnlocked();
     void refusesLinksOnTheWay();
     void leavesOutWhatIsKept();
     void finds0OutsideTheGrant();
@@ -252,6 +266,17 @@ void TestFolderSizing::judgesPlacesOfAllKinds()
     QCOMPARE(access.starts(), 1);
     QCOMPARE(access.stops(), 1);
     QVERIFY(measured(tree, place).isComplete);
+}
+
+void TestFolderSizing::logsWhetherItMayBeRemovedBeforeWhetherItIsUnlocked()
+{
+    const MadeTree tree;
+    tree.makeFile("file", 5);
+    CountedAccess access(tree);
+    const LogLines log;
+    const FileUrl url = FileUrl::fromPath(tree.path("file"), FileUrlKind::File);
+    QCOMPARE(sizeForFolderAtPath(LockedCalls(), access, url), 0);
+    QCOMPARE(log.lines(), QByteArrayList{"1 : 0"});
 }
 
 void TestFolderSizing::refusesLinksOnTheWay()
