@@ -45,6 +45,7 @@ private Q_SLOTS:
     void showsWhatWasFreed();
     void addsEachCleaningToTheTotal();
     void leavesTheTotalWhenNothingWasFreed();
+    void takesATotalBelowNothingForNothing();
     void fadesTheSizeInOnTheFirstVisitAlone();
     void reportsEachCleaning();
     void drawsAFanOfThreeLinks();
@@ -129,6 +130,14 @@ void TestFinalViewController::leavesTheTotalWhenNothingWasFreed()
     m_fixture->defaults().setInteger(VNTTotalCleanedSize, 42);
     appear(qint64{0});
     QCOMPARE(m_fixture->defaults().integer(VNTTotalCleanedSize), 42);
+}
+
+/// As in settings that were edited by hand.
+void TestFinalViewController::takesATotalBelowNothingForNothing()
+{
+    m_fixture->defaults().setInteger(VNTTotalCleanedSize, -42);
+    appear(qint64{1000});
+    QCOMPARE(m_fixture->defaults().integer(VNTTotalCleanedSize), 1000);
 }
 
 void TestFinalViewController::fadesTheSizeInOnTheFirstVisitAlone()

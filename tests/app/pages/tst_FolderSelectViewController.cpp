@@ -244,6 +244,7 @@ void TestFolderSelectViewController::tellsWhenTheFolderCannotBeGranted()
     choose(m_fixture->home());
     QTRY_VERIFY(hasSheet(*m_page->view())); // the message
     QVERIFY(sheetText(*m_page->view()).contains(QStringLiteral("anna")));
+    QVERIFY(sheetText(*m_page->view()).contains(QStringLiteral("Input/output error")));
     QVERIFY(!hasGrant());
     QVERIFY(pressSheetButton(*m_page->view(), QStringLiteral("OK")));
 }

@@ -6,6 +6,7 @@
 #include "platform/sheet/Sheet.h"
 #include "prefs/popover/MessageField.h"
 #include "prefs/popover/Popover.h"
+#include "prefs/tutorial/DemoWindowController.h"
 #include "slices/page/FreeSpaceViewController.h"
 #include "slices/page/SliceHoverButtons.h"
 #include "tests/support/page/PageFixture.h"
@@ -15,10 +16,14 @@
 #include "tests/support/run/GuiTestMain.h"
 #include "tests/support/run/LogRecorder.h"
 #include "tests/support/run/SeenAfter.h"
+#include "widgets/ImageButton.h"
 #include "widgets/StartButton.h"
 #include "widgets/TextField.h"
 
+#include <QElapsedTimer>
+#include <QSignalSpy>
 #include <QThreadPool>
+#include <QTimer>
 
 using namespace std::chrono_literals;
 
@@ -38,7 +43,11 @@ private Q_SLOTS:
     void drawsTheShadowOfThePie();
     void readsTheSizesAnewAtEachAppearance();
     void writesTheTotalToTheLog();
-    void showsTheTutorialASecondAfterItHasComeIn();
+    void showsTheTutorialAfterASecond();
+    void showsTheTutorialBeforeLong();
+    void showsNoTutorialThatWasDeclined();
+    void showsNoTutorialOnceItHasLeftTheWindow();
+    void staysAwayWhenItIsLeftBeforeItHasComeIn();
     void explainsInANarrowPopoverBelowTheButton();
 
 private:
@@ -144,7 +153,7 @@ void TestFreeSpaceAppearance::writesTheTotalToTheLog()
     QCOMPARE(log.lines(), QStringList{QStringLiteral("4321")});
 }
 
-void TestFreeSpaceAppearance::showsTheTutorialASecondAfterItHasComeIn()
+void TestFreeSpaceAppearance::showsTheTutorialBeforeLong()
 {
     m_fixture->defaults().setBoolean(VNTHideDemoWindowString, false);
     appear();
@@ -154,16 +163,62 @@ void TestFreeSpaceAppearance::showsTheTutorialASecondAfterItHasComeIn()
     QVERIFY(pressSheetButton(*m_page->view(), QStringLiteral("OK")));
 }
 
+void TestFreeSpaceAppearance::showsNoTutorialThatWasDeclined()
+{
+    appear();
+    QVERIFY(!seenAfter(1100ms, [this] { return hasSheet(*m_page->view()); }));
+}
+
 void TestFreeSpaceAppearance::explainsInANarrowPopoverBelowTheButton()
 {
     appear();
     m_page->didHoverOverSliceAtIndex(*m_page->pieChart(), indexOf(SliceKind::Cache));
-    m_page->showInfo();
+    const auto *buttons = m_page->pieChart()->findChild<SliceHoverButtons *>();
+    QTest::mouseClick(buttons->infoButton(), Qt::LeftButton);
     const auto *popover = m_page->view()->window()->findChild<Popover *>();
     QVERIFY(popover);
     QCOMPARE(popover->placement().edge, Qt::BottomEdge);
     const double width = popover->findChild<MessageField *>()->textSize().width();
     QVERIFY2(width > 150 && width <= 200, qPrintable(QString::number(width)));
+}
+
+void TestFreeSpaceAppearance::showsTheTutorialAfterASecond()
+{
+    m_fixture->defaults().setBoolean(VNTHideDemoWindowString, false);
+    appear();
+    QElapsedTimer sinceAppearance;
+    sinceAppearance.start();
+    QTRY_VERIFY(hasSheet(*m_page->view()));
+    QVERIFY(sinceAppearance.elapsed() >= 900);
+    QCOMPARE(sheetPanel(*m_page->view()), m_page->demoWindowController().window());
+    QVERIFY(pressSheetButton(*m_page->view(), QStringLiteral("OK")));
+}
+
+void TestFreeSpaceAppearance::showsNoTutorialOnceItHasLeftTheWindow()
+{
+    m_fixture->defaults().setBoolean(VNTHideDemoWindowString, false);
+    appear();
+    QTimer later; // started after the page's own, it fires after it
+    later.setSingleShot(true);
+    QSignalSpy fired(&later, &QTimer::timeout);
+    later.start(std::chrono::seconds(1));
+    m_page->viewWillDisappear(true);
+    m_page->view()->hide();
+    QVERIFY(fired.wait());
+    QVERIFY(!hasSheet(*m_page->view()));
+}
+
+/// The way back is open while the page fades in; the end of the fade comes all the same.
+void TestFreeSpaceAppearance::staysAwayWhenItIsLeftBeforeItHasComeIn()
+{
+    m_page->viewWillAppear(true);
+    m_page->viewWillDisappear(true);
+    m_page->viewDidAppear(true);
+    QVERIFY(!m_page->startButton()->isEnabled());
+    m_page->next();
+    QVERIFY(!hasSheet(*m_page->view()));
+    appear();
+    QVERIFY(m_page->startButton()->isEnabled());
 }
 
 VANTOR_GUI_TEST_MAIN(TestFreeSpaceAppearance)

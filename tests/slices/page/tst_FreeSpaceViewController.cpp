@@ -10,7 +10,6 @@
 #include "platform/look/ViewAlpha.h"
 #include "platform/sheet/Alert.h"
 #include "prefs/popover/Popover.h"
-#include "prefs/tutorial/DemoWindowController.h"
 #include "slices/page/SliceHoverButtons.h"
 #include "tests/support/disk/SlowDisk.h"
 #include "tests/support/page/PageFixture.h"
@@ -21,9 +20,19 @@
 #include "widgets/StartButton.h"
 #include "widgets/TextField.h"
 
-#include <QElapsedTimer>
 #include <QSignalSpy>
 #include <QTimer>
+
+namespace {
+
+/// An answer that shows something is there as soon as its look is over.
+bool comesUp(const QWidget &button)
+{
+    constexpr int kLongEnough = 300;
+    return QTest::qWaitFor([&] { return button.isVisible(); }, kLongEnough);
+}
+
+} // namespace
 
 class TestFreeSpaceViewController final : public QObject
 {
@@ -49,9 +58,6 @@ private Q_SLOTS:
     void offersNothingOfASliceThatThePointerHasLeft();
     void explainsAndRevealsTheHoveredSlice();
     void storesTheSelectionWhenItDisappears();
-    void showsTheTutorialAfterASecond();
-    void showsNoTutorialOnceItHasLeftTheWindow();
-    void staysAwayWhenItIsLeftBeforeItHasComeIn();
     void asksForNoCleaningOnItsWayOut();
 
 private:
@@ -276,9 +282,7 @@ void TestFreeSpaceViewController::offersToRevealOldUpdatesWhenThereAreAny()
     QTRY_COMPARE(m_disk.waiting(), 1); // the look has begun
     m_disk.answer();
     QTRY_COMPARE(ResourceManager::accessCount(), 0); // the disk has been looked at
-    // Nothing tells that there is no more to come; an answer would be here at once.
-    constexpr int kLongEnough = 300;
-    QVERIFY(!QTest::qWaitFor([&] { return reveal.isVisible(); }, kLongEnough));
+    QVERIFY(!comesUp(reveal));
     m_page->didHoverOverSliceAtIndex(*m_page->pieChart(), -1);
     m_fixture->makeFolder("Library/iTunes/iPod Software Updates");
     hover(SliceKind::OldIos);
@@ -301,8 +305,7 @@ void TestFreeSpaceViewController::offersNothingOfASliceThatThePointerHasLeft()
     hover(SliceKind::Cache);
     m_disk.answer();
     QTRY_COMPARE(ResourceManager::accessCount(), 0); // the look is over
-    QCoreApplication::processEvents();
-    QVERIFY(!reveal.isVisible());
+    QVERIFY(!comesUp(reveal));
     hover(SliceKind::OldIos);
     QTRY_VERIFY(reveal.isVisible());
 }
@@ -341,32 +344,6 @@ void TestFreeSpaceViewController::storesTheSelectionWhenItDisappears()
              QList<bool>({true, false, true, true, true, false, false, false}));
 }
 
-void TestFreeSpaceViewController::showsTheTutorialAfterASecond()
-{
-    m_fixture->defaults().setBoolean(VNTHideDemoWindowString, false);
-    appear();
-    QElapsedTimer sinceAppearance;
-    sinceAppearance.start();
-    QTRY_VERIFY(hasSheet(*m_page->view()));
-    QVERIFY(sinceAppearance.elapsed() >= 900);
-    QCOMPARE(sheetPanel(*m_page->view()), m_page->demoWindowController().window());
-    QVERIFY(pressSheetButton(*m_page->view(), QStringLiteral("OK")));
-}
-
-void TestFreeSpaceViewController::showsNoTutorialOnceItHasLeftTheWindow()
-{
-    m_fixture->defaults().setBoolean(VNTHideDemoWindowString, false);
-    appear();
-    QTimer later; // started after the page's own, it fires after it
-    later.setSingleShot(true);
-    QSignalSpy fired(&later, &QTimer::timeout);
-    later.start(std::chrono::seconds(1));
-    m_page->viewWillDisappear(true);
-    m_page->view()->hide();
-    QVERIFY(fired.wait());
-    QVERIFY(!hasSheet(*m_page->view()));
-}
-
 void TestFreeSpaceViewController::asksForNoCleaningOnItsWayOut()
 {
     appear();
@@ -374,19 +351,6 @@ void TestFreeSpaceViewController::asksForNoCleaningOnItsWayOut()
     QVERIFY(!m_page->startButton()->isEnabled());
     m_page->next();
     QVERIFY(!hasSheet(*m_page->view()));
-}
-
-/// The way back is open while the page fades in; the end of the fade comes all the same.
-void TestFreeSpaceViewController::staysAwayWhenItIsLeftBeforeItHasComeIn()
-{
-    m_page->viewWillAppear(true);
-    m_page->viewWillDisappear(true);
-    m_page->viewDidAppear(true);
-    QVERIFY(!m_page->startButton()->isEnabled());
-    m_page->next();
-    QVERIFY(!hasSheet(*m_page->view()));
-    appear();
-    QVERIFY(m_page->startButton()->isEnabled());
 }
 
 VANTOR_GUI_TEST_MAIN(TestFreeSpaceViewController)
