@@ -70,6 +70,7 @@ private Q_SLOTS:
     void dropsALateAnswerForAnotherRecord();
     void survivesAnAnswerThatComesAfterItsEnd();
     void asksOnceForARecordThatIsBeingMeasured();
+    void holdsNoFurtherThreadForARecordThatIsBeingMeasured();
     void showsTheTextThatWasSetWhileItWasMeasured();
     void neverCutsItsTextOff();
     void tellsWhenItLooksDifferentByItself();
@@ -264,6 +265,23 @@ void TestInfoLayer::asksOnceForARecordThatIsBeingMeasured()
     QTRY_COMPARE(layer.sizeString(), QStringLiteral("1.24 GB"));
     letSizesArrive();
     QCOMPARE(folder.measured.load(), 1);
+}
+
+/// Who asks holds the record; the record itself would measure only once, but keep all of them
+/// waiting.
+void TestInfoLayer::holdsNoFurtherThreadForARecordThatIsBeingMeasured()
+{
+    SlowFolder folder;
+    InfoLayer layer;
+    const auto info = folder.info(QStringLiteral("Cache"));
+    layer.setInfo(info);
+    folder.awaitStart();
+    const auto holders = info.use_count();
+    for (int i = 0; i < 5; ++i)
+        layer.setInfo(info);
+    QCOMPARE(info.use_count(), holders);
+    folder.allow();
+    QTRY_COMPARE(layer.sizeString(), QStringLiteral("1.24 GB"));
 }
 
 void TestInfoLayer::showsTheTextThatWasSetWhileItWasMeasured()

@@ -45,6 +45,7 @@ private Q_SLOTS:
     void copiesAnglesAndLooksForPresentation();
     void fitsShapeAndGradientToItsGeometry();
     void isFilledByItsGradientOnlyWhereThatHasColors();
+    void goesFromItsFirstColourToItsSecondUpThePlane();
     void showsItsLabelAccordingToItsWidth_data();
     void showsItsLabelAccordingToItsWidth();
 
@@ -226,6 +227,19 @@ void TestSliceLayer::isFilledByItsGradientOnlyWhereThatHasColors()
     layer.setFillColor(std::nullopt);
     QCOMPARE(layer.brush().style(), Qt::NoBrush);
     QVERIFY(!layer.isOpaque());
+}
+
+void TestSliceLayer::goesFromItsFirstColourToItsSecondUpThePlane()
+{
+    SliceLayer layer;
+    layer.setGeometry({{100, 100}, 50, 0, pi / 2});
+    layer.madeGradientLayer().setColors(GradientLayer::Colors{Qt::blue, Qt::green});
+    const QBrush brush = layer.brush();
+    const auto *gradient = static_cast<const QLinearGradient *>(brush.gradient());
+    QVERIFY(gradient);
+    QCOMPARE(gradient->start(), QPointF(100, 100));
+    QCOMPARE(gradient->finalStop(), QPointF(100, 150));
+    QCOMPARE(gradient->stops(), (QGradientStops{{0, Qt::blue}, {1, Qt::green}}));
 }
 
 void TestSliceLayer::showsItsLabelAccordingToItsWidth_data()
