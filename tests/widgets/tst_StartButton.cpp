@@ -283,6 +283,8 @@ void TestStartButton::triggersBySpaceAndReturn()
     QTest::keyRelease(&scene.button, key);
     QTRY_COMPARE(scene.triggered.count(), 1);
     QVERIFY(scene.looksNormal());
+    QApplication::sendEvent(&scene.button, &again); // of a key that is still held
+    QVERIFY(!scene.button.isDown());
 }
 
 void TestStartButton::showsTheFocusThatCameByKeyboard()

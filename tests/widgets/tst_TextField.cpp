@@ -139,6 +139,14 @@ void TestTextField::looksTheSameWhenDisabled()
     field.setEnabled(false);
     QCOMPARE(field.textColor(), QColor(Qt::black));
     QCOMPARE(inkBetween(enabled, grabbed(field)), QRectF(0, 0, 0, 0));
+
+    TextField plain; // in the colours of its window
+    QPalette colors;
+    colors.setColor(QPalette::Active, QPalette::WindowText, Qt::black);
+    colors.setColor(QPalette::Disabled, QPalette::WindowText, Qt::lightGray);
+    plain.setPalette(colors);
+    plain.setEnabled(false);
+    QCOMPARE(plain.textColor(), QColor(Qt::black));
 }
 
 void TestTextField::paintsAnewWithItsText()
