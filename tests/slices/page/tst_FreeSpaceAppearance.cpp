@@ -22,7 +22,6 @@
 
 #include <QElapsedTimer>
 #include <QSignalSpy>
-#include <QThreadPool>
 #include <QTimer>
 
 using namespace std::chrono_literals;
@@ -80,7 +79,7 @@ void TestFreeSpaceAppearance::init()
 void TestFreeSpaceAppearance::cleanup()
 {
     m_page.reset(); // stops what it measures
-    QVERIFY(QThreadPool::globalInstance()->waitForDone());
+    awaitBackgroundThreads();
     m_fixture.reset();
 }
 

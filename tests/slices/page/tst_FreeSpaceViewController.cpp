@@ -21,7 +21,6 @@
 #include "widgets/TextField.h"
 
 #include <QSignalSpy>
-#include <QTimer>
 
 namespace {
 
