@@ -1,91 +1,19 @@
-#include "app/settings/UserDefaults.h"
-#include "largefiles/preview/PreviewPanel.h"
-#include "largefiles/sheet/FileTableCellView.h"
-#include "largefiles/sheet/InterfaceClasses.h"
-#include "largefiles/sheet/LargeFilesWindowController.h"
-#include "largefiles/sheet/TextButton.h"
-#include "platform/desktop/InterfaceLoader.h"
-#include "platform/desktop/Workspace.h"
-#include "tests/support/disk/FolderAccess.h"
-#include "tests/support/disk/ScratchFolder.h"
-#include "tests/support/page/SheetHost.h"
+#include "platform/look/Fonts.h"
+#include "tests/largefiles/sheet/OpenedSheet.h"
 #include "tests/support/run/GuiTestMain.h"
-#include "widgets/InterfaceClasses.h"
 
 #include <QAccessible>
 #include <QAction>
 #include <QContextMenuEvent>
 #include <QLabel>
-#include <QSignalSpy>
 
 namespace {
 
-class QuietWorkspace final : public Workspace
+/// The style of a title whose text comes later.
+TextRun titleIn(int size, const QColor &colour)
 {
-public:
-    bool openUrl(const QUrl &) override { return false; }
-    void activateFileViewerSelectingUrls(const FileUrls &urls) override { revealed << urls; }
-
-    QList<FileUrls> revealed;
-};
-
-/// The sheet over a window, with three files found.
-struct Sheet
-{
-    Sheet()
-        : access(folder.path()),
-          defaults(QFile::decodeName(folder.path("settings")), hostSystemCalls()),
-          controller(loader, {defaults, hostSystemCalls(), access, workspace,
-                              HomeLayout::withLibrary(
-                                  FileUrl::fromPath(folder.path(), FileUrlKind::Folder))})
-    {
-        registerWidgetClasses(loader);
-        registerLargeFilesClasses(loader);
-        folder.makeFolder("Movies");
-        host.window.resize(860, 680);
-        for (const auto &[name, size] : files)
-            folder.makeFile(name, size);
-        controller.refreshData();
-        QSignalSpy finished(const_cast<SearchJob *>(&controller.search()), &SearchJob::finished);
-        finished.wait();
-        presentSheet(
-            host.window, *controller.window(), [this](int) { isDone = true; },
-            [this] { controller.cancel(); });
-        if (!QTest::qWaitFor([this] { return controller.tableView()->hasFocus(); }))
-            qFatal("no focus");
-    }
-
-    QPoint buttonOf(int row) const
-    {
-        const QuickLookTableView &table = *controller.tableView();
-        return FileTableCellView::addButtonRect(table.visualRect(table.model()->index(row, 0)))
-            .center();
-    }
-    void pressButtonOf(int row) const
-    {
-        QTest::mouseClick(controller.tableView()->viewport(), Qt::LeftButton, {}, buttonOf(row));
-    }
-    QImage pictureOfButton(int row) const
-    {
-        const QuickLookTableView &table = *controller.tableView();
-        return table.viewport()
-            ->grab(FileTableCellView::addButtonRect(table.visualRect(table.model()->index(row, 0))))
-            .toImage();
-    }
-    QString addTitle() const { return controller.addButton()->attributedTitle().string(); }
-
-    const QList<std::pair<QByteArray, off_t>> files{{"Movies/summer.mkv", 300'000'000},
-                                                    {"Movies/disk.iso", 200'000'000},
-                                                    {"Movies/log.txt", 150'000'000}};
-    ScratchFolder folder;
-    FolderAccess access;
-    InterfaceLoader loader;
-    UserDefaults defaults;
-    QuietWorkspace workspace;
-    SheetHost host;
-    LargeFilesWindowController controller;
-    bool isDone = false;
-};
+    return {{}, interfaceFont(Typeface::Light, size), colour, Qt::AlignHCenter};
+}
 
 } // namespace
 
@@ -96,7 +24,7 @@ class LargeFilesWindowControllerTest final : public QObject
 private Q_SLOTS:
     void theSheetListsWhatTheSearchFinds()
     {
-        const Sheet sheet;
+        const OpenedSheet sheet;
         QCOMPARE(sheet.controller.tableView()->model()->rowCount(), 3);
         QCOMPARE(sheet.addTitle(), QStringLiteral("Add Zero KB"));
         QCOMPARE(sheet.controller.cancelButton()->attributedTitle().firstRun()->color,
@@ -105,9 +33,39 @@ private Q_SLOTS:
         QCOMPARE(status->text(), QStringLiteral("3 files over 100 MB"));
     }
 
+    void itsTitlesAreInTheirColoursAndSizes()
+    {
+        const OpenedSheet sheet;
+        const QColor blue(0, 122, 255);
+        const QColor green(65, 204, 89);
+        const LargeFilesWindowController &controller = sheet.controller;
+        const FileTableCellView &row = *controller.cellView();
+        QCOMPARE(row.unaddedAttributes(), titleIn(15, blue));
+        QCOMPARE(row.addedAttributes(), titleIn(15, Qt::white));
+        TextRun cancel = titleIn(18, blue);
+        cancel.text = QStringLiteral("Cancel");
+        QCOMPARE(controller.cancelButton()->attributedTitle(), AttributedText{cancel});
+        TextRun add = titleIn(18, green);
+        add.text = QStringLiteral("Add Zero KB");
+        QCOMPARE(controller.addButton()->attributedTitle(), AttributedText{add});
+    }
+
+    void whatIsExcludedIsNotListed()
+    {
+        OpenedSheet sheet;
+        sheet.controller.deleteData();
+        sheet.defaults.setStrings(VNTExcludedPathsString, {QStringLiteral("disk.iso")});
+        QSignalSpy finished(&sheet.controller.search(), &SearchJob::finished);
+        sheet.controller.refreshData();
+        QVERIFY(finished.wait());
+        QCOMPARE(sheet.controller.array().rowCount(), 2);
+        QCOMPARE(sheet.controller.array().fileAt(0).name(), QStringLiteral("summer.mkv"));
+        QCOMPARE(sheet.controller.array().fileAt(1).name(), QStringLiteral("log.txt"));
+    }
+
     void aSizeButtonPicksItsRowAndLeavesTheSelection()
     {
-        Sheet sheet;
+        OpenedSheet sheet;
         sheet.pressButtonOf(1);
         QCOMPARE(sheet.controller.selectedURLs().size(), 1);
         QCOMPARE(sheet.controller.selectedURLs().first().lastPathComponent(),
@@ -123,7 +81,7 @@ private Q_SLOTS:
 
     void aHeldButtonLooksPressedAndMayBeLeft()
     {
-        Sheet sheet;
+        OpenedSheet sheet;
         QWidget *const view = sheet.controller.tableView()->viewport();
         const QImage before = view->grab().toImage();
         QTest::mousePress(view, Qt::LeftButton, {}, sheet.buttonOf(0));
@@ -135,7 +93,7 @@ private Q_SLOTS:
 
     void aVanishedFileCountsNothing()
     {
-        Sheet sheet;
+        OpenedSheet sheet;
         QVERIFY(QFile::remove(QFile::decodeName(sheet.folder.path("Movies/disk.iso"))));
         sheet.pressButtonOf(1);
         QCOMPARE(sheet.controller.selectedURLs().size(), 1);
@@ -144,7 +102,7 @@ private Q_SLOTS:
 
     void cancelMakesEveryButtonBlueAgain()
     {
-        Sheet sheet;
+        OpenedSheet sheet;
         QList<QImage> blue;
         for (const int row : {0, 1, 2}) {
             blue.append(sheet.pictureOfButton(row));
@@ -159,34 +117,31 @@ private Q_SLOTS:
 
     void thePreviewLeavesTheSheetItsKeys()
     {
-        Sheet sheet;
+        OpenedSheet sheet;
         const QuickLookTableView &table = *sheet.controller.tableView();
-        const auto press = [&](Qt::Key key) {
-            QTest::keyClick(sheet.host.window.windowHandle(), key);
-        };
-        press(Qt::Key_Down);
-        press(Qt::Key_Space);
+        sheet.press(Qt::Key_Down);
+        sheet.press(Qt::Key_Space);
         QVERIFY(sheet.controller.previewPanel()->isVisible());
-        press(Qt::Key_Down);
+        sheet.press(Qt::Key_Down);
         QCOMPARE(table.selectedRows(), QList<int>{1});
-        press(Qt::Key_Return);
+        sheet.press(Qt::Key_Return);
         QVERIFY(sheet.controller.array().fileAt(1).isAdded());
         QVERIFY(sheet.controller.previewPanel()->isVisible());
-        press(Qt::Key_Escape);
+        sheet.press(Qt::Key_Escape);
         QVERIFY(!sheet.controller.previewPanel()->isVisible());
         sheet.controller.previewPanel()->reloadData(); // which is no longer the sheet's to fill
         QCOMPARE(sheet.controller.previewPanel()->currentPreviewItemIndex(), -1);
         QVERIFY(table.hasFocus());
         QVERIFY(!sheet.isDone);
         QCOMPARE(sheet.controller.selectedURLs().size(), 1);
-        press(Qt::Key_Escape);
+        sheet.press(Qt::Key_Escape);
         QTRY_VERIFY(sheet.isDone);
         QVERIFY(sheet.controller.selectedURLs().isEmpty());
     }
 
     void cancelDropsThreePicks()
     {
-        Sheet sheet;
+        OpenedSheet sheet;
         for (const int row : {0, 1, 2})
             sheet.pressButtonOf(row);
         QTRY_COMPARE(sheet.addTitle(), QStringLiteral("Add 650 MB"));
@@ -200,7 +155,7 @@ private Q_SLOTS:
 
     void addKeepsThePicks()
     {
-        Sheet sheet;
+        OpenedSheet sheet;
         sheet.pressButtonOf(2);
         QTest::mouseClick(sheet.controller.addButton(), Qt::LeftButton);
         QTRY_VERIFY(sheet.isDone);
@@ -212,7 +167,7 @@ private Q_SLOTS:
 
     void enterPicksTheSelectedRows()
     {
-        Sheet sheet;
+        OpenedSheet sheet;
         sheet.pressButtonOf(0);
         sheet.controller.tableView()->selectAll();
         QTest::keyClick(sheet.controller.tableView(), Qt::Key_Return);
@@ -224,7 +179,7 @@ private Q_SLOTS:
 
     void manyRowsArePickedAtOnce()
     {
-        Sheet sheet;
+        OpenedSheet sheet;
         LargeFileList &array = sheet.controller.array();
         for (int i = 0; i < 1000; ++i)
             array.insert(File(FileUrl::fromPath(
@@ -240,7 +195,7 @@ private Q_SLOTS:
 
     void theSelectedFileIsShownAndNothingWithoutOne()
     {
-        Sheet sheet;
+        OpenedSheet sheet;
         QSignalSpy shown(&sheet.controller, &LargeFilesWindowController::thumbnailShown);
         sheet.controller.tableView()->selectRow(0);
         QVERIFY(shown.wait());
@@ -260,7 +215,7 @@ private Q_SLOTS:
 
     void theMenuIsThatOfTheRowUnderThePointer()
     {
-        Sheet sheet;
+        OpenedSheet sheet;
         QuickLookTableView &table = *sheet.controller.tableView();
         table.selectRow(0);
         QTest::mouseClick(table.viewport(), Qt::RightButton, {}, QPoint(40, 60));
@@ -277,7 +232,7 @@ private Q_SLOTS:
 
     void theFirstArrowKeyTakesTheFirstRow()
     {
-        const Sheet sheet; // whose list was full before it got the focus
+        const OpenedSheet sheet; // whose list was full before it got the focus
         for (int row = 0; row < 2; ++row) {
             QTest::keyClick(sheet.controller.tableView(), Qt::Key_Down);
             QCOMPARE(sheet.controller.tableView()->selectedRows(), QList<int>{row});
@@ -286,7 +241,7 @@ private Q_SLOTS:
 
     void tabGoesFromTheListToCancelToAdd()
     {
-        const Sheet sheet;
+        const OpenedSheet sheet;
         const QList<QWidget *> order{sheet.controller.tableView(), sheet.controller.cancelButton(),
                                      sheet.controller.addButton()};
         for (int step = 1; step <= 6; ++step) {
@@ -301,7 +256,7 @@ private Q_SLOTS:
 
     void aRowSaysNameAndSizeAndWhetherItIsPicked()
     {
-        Sheet sheet;
+        OpenedSheet sheet;
         QAccessibleInterface *const table =
             QAccessible::queryAccessibleInterface(sheet.controller.tableView());
         QVERIFY(table && table->tableInterface());
