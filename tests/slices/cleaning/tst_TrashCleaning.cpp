@@ -60,8 +60,17 @@ struct Trash
             return 0;
         };
         // The log comes the same way, before.
-        const QByteArray text = runInChild(ChildUser::Nobody, work).errorText;
+        const QByteArray text = runAsOwner(work);
         return text.sliced(text.lastIndexOf('\n') + 1);
+    }
+
+    /// What the work says. A process that does not come to its end fails the test.
+    static QByteArray runAsOwner(const std::function<int()> &work)
+    {
+        const ChildOutcome outcome = runInChild(ChildUser::Nobody, work);
+        if (outcome.exitCode != 0)
+            QTest::qFail(outcome.errorText.constData(), __FILE__, __LINE__);
+        return outcome.errorText;
     }
 
 private:
@@ -86,11 +95,14 @@ private:
     }
 };
 
-/// Something happens right before one folder is listed by a cleaning, which may fail by it.
-class ListingCalls final : public ForwardingSystemCalls
+/// Watches one folder: something happens right before it is listed, which may fail by it, and
+/// whoever changes its rights is ended. To look at the rights afterwards would not do: they are
+/// given back.
+class WatchedFolder final : public ForwardingSystemCalls
 {
 public:
-    ListingCalls(const QByteArray &folder, std::function<int()> before)
+    explicit WatchedFolder(
+        const QByteArray &folder, std::function<int()> before = [] { return 0; })
         : m_before(std::move(before))
     {
         const auto opened = ForwardingSystemCalls::openRoot(folder.constData());
@@ -99,14 +111,26 @@ public:
 
     SystemResult<std::size_t> readEntries(int folder, std::span<char> buffer) const override
     {
-        const auto status = ForwardingSystemCalls::statusOf(folder);
-        const int error = status && status->inode == m_inode ? m_before() : 0;
+        const int error = isWatched(folder) ? m_before() : 0;
         if (error != 0)
             return tl::unexpected(error);
         return ForwardingSystemCalls::readEntries(folder, buffer);
     }
 
+    SystemResult<void> setPermissions(int folder, std::uint16_t permissions) const override
+    {
+        if (isWatched(folder))
+            qFatal("tried to change the rights");
+        return ForwardingSystemCalls::setPermissions(folder, permissions);
+    }
+
 private:
+    bool isWatched(int folder) const
+    {
+        const auto status = ForwardingSystemCalls::statusOf(folder);
+        return status && status->inode == m_inode;
+    }
+
     std::function<int()> m_before;
     std::uint64_t m_inode = 0;
 };
@@ -181,7 +205,8 @@ void TestTrashCleaning::leavesTheRightsOfWhatIsKept()
     trash.readOnlyFolder(kTrash + "files/album");
     trash.readOnlyFolder(kTrash + "files/other");
     const FileUrl kept = trash.access.file(kTrash + "files/album/inside");
-    trash.clean(SliceKind::Trash, excluding({kept}));
+    const WatchedFolder calls(trash.tree.path(kTrash + "files/album"));
+    trash.clean(SliceKind::Trash, excluding({kept}), calls);
     QVERIFY(trash.has(kTrash + "files/album/inside"));
     QCOMPARE(trash.modeOf(kTrash + "files/album"), 0555U);
     QVERIFY(!trash.has(kTrash + "files/other"));
@@ -191,7 +216,7 @@ void TestTrashCleaning::leavesTheRightsOfWhatCannotBeListed()
 {
     const Trash trash;
     trash.readOnlyFolder(kTrash + "files/album");
-    const ListingCalls calls(trash.tree.path(kTrash + "files/album"), [] { return EIO; });
+    const WatchedFolder calls(trash.tree.path(kTrash + "files/album"), [] { return EIO; });
     trash.clean(SliceKind::Trash, {}, calls);
     QVERIFY(trash.has(kTrash + "files/album/inside"));
     QCOMPARE(trash.modeOf(kTrash + "files/album"), 0555U);
@@ -202,14 +227,14 @@ void TestTrashCleaning::leavesTheRightsOfWhatWasPutBack()
     const Trash trash;
     const QByteArray album = kTrash + "files/album";
     trash.readOnlyFolder(album);
-    const ListingCalls calls(trash.tree.path(album), [&] {
+    const WatchedFolder calls(trash.tree.path(album), [&] {
         ::rename(trash.tree.path(album).constData(), trash.tree.path(album + "2").constData());
         return 0;
     });
     const HomeLayout layout = surveyHome(hostSystemCalls(), trash.access, trash.home, {});
     const auto record =
         Info::infoWithName(QStringLiteral("Trash"), layout.locations(SliceKind::Trash));
-    runInChild(ChildUser::Nobody, [&] {
+    Trash::runAsOwner([&] {
         ::clean(trash.access, slicesToClean(layout, {record}), {}, calls);
         return 0;
     });
