@@ -27,6 +27,7 @@ class TestBrowserCleaning final : public QObject
 private Q_SLOTS:
     void removesNoFolderPutInThePlaceOfABrowsersFile();
     void keepsTheJournalsOfADatabaseThatStays();
+    void keepsTheJournalsOfADatabaseThatCannotBeLookedAt();
 };
 
 void TestBrowserCleaning::removesNoFolderPutInThePlaceOfABrowsersFile()
@@ -54,6 +55,24 @@ void TestBrowserCleaning::keepsTheJournalsOfADatabaseThatStays()
     const std::set<QByteArray> left = tree(home.path(profile.chopped(1)));
     QCOMPARE(left, std::set<QByteArray>(
                        {"Cookies", "Cookies-journal", "History", "History-wal", "History-shm"}));
+}
+
+void TestBrowserCleaning::keepsTheJournalsOfADatabaseThatCannotBeLookedAt()
+{
+    class Unreadable final : public HookedCalls
+    {
+    public:
+        std::optional<int> before(const char *call, int, const char *name) const override
+        {
+            const bool isIt = qstrcmp(call, "status") == 0 && qstrcmp(name, "Cookies") == 0;
+            return isIt ? std::optional(EIO) : std::nullopt;
+        }
+    };
+    const QByteArray profile = ".config/chromium/Default/";
+    const MadeHome home({profile + "Cookies", profile + "Cookies-journal", profile + "History"});
+    cleanBrowserData(home, home.survey(), {}, Unreadable());
+    QCOMPARE(tree(home.path(profile.chopped(1))),
+             std::set<QByteArray>({"Cookies", "Cookies-journal"}));
 }
 
 VANTOR_TEST_MAIN(TestBrowserCleaning)

@@ -289,13 +289,18 @@ void TestCleaning::stopsBeforeTheNextItem()
         explicit Stopping(std::stop_source &source) : m_source(source) {}
         std::optional<int> before(const char *call, int, const char *) const override
         {
+            m_hasGoneOn =
+                m_hasGoneOn || (m_source.stop_requested() && QByteArrayView(call) == "openFolder");
             if (QByteArrayView(call) == "removeFile")
                 m_source.request_stop();
             return {};
         }
+        /// Whether another folder was opened after the stop.
+        bool hasGoneOn() const { return m_hasGoneOn; }
 
     private:
         std::stop_source &m_source;
+        mutable bool m_hasGoneOn = false;
     };
     for (const char *name : {"folder/a", "folder/b", "folder/c"})
         makeFile(downloads(name));
@@ -306,6 +311,7 @@ void TestCleaning::stopsBeforeTheNextItem()
         calls, *m_home, {contentsOf({m_home->folder("Downloads"), m_home->folder(".Trash")})}, {});
     const CleaningReport report = performCleaning(calls, plan, source.get_token());
     QVERIFY(report.wasStopped);
+    QVERIFY(!calls.hasGoneOn());
     QCOMPARE(report.removedItems, std::uint64_t(1));
     QCOMPARE(tree(downloads()).size(), std::size_t(3));
     QVERIFY(exists(m_path + "/.Trash/d"));

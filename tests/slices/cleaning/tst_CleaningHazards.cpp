@@ -134,9 +134,16 @@ void TestCleaningHazards::refusesAPlaceThatIsAMount()
     const CleaningGround scratch;
     makeFile(scratch / "home/Downloads/a");
     makeFile(scratch / "outside/precious");
+    makeFolder(scratch / "outside/inside");
     const QByteArray wrong = inChild(ChildUser::Same, [&]() -> QByteArray {
         if (!enterMountNamespace() || !bindMount(scratch / "outside", scratch / "home/Downloads"))
             return "cannot mount";
+        const GrantedFolder granted(scratch / "home");
+        const FileUrls places{granted.folder("Downloads"), granted.folder("Downloads/inside")};
+        if (!makeCleaningPlan(hostSystemCalls(), granted, {contentsOf(places)}, {})
+                 .locations()
+                 .empty())
+            return "planned it";
         const CleaningReport report = cleanDownloads(scratch / "home");
         if (reported(report, scratch / "home/Downloads") != EXDEV ||
             report.refusals.first().reason != RefusalReason::OtherFileSystem)

@@ -19,6 +19,7 @@ private Q_SLOTS:
     void refusesTheGrantedFolderItself();
     void refusesLinksAtAndAboveAPlace();
     void refusesAFileWhereAFolderIsDue();
+    void refusesAFolderWhereAPlainFileIsDue();
     void refusesWhatItCannotExamine();
 
     void plansNothingWhenAnExclusionCannotBeRead();
@@ -144,6 +145,14 @@ void TestCleaningPlan::refusesAFileWhereAFolderIsDue()
 {
     QVERIFY(refusesOnly(plannedFolder("Downloads/other"), RefusalReason::NotAFolder, ENOTDIR));
     QVERIFY(refusesOnly(plannedFolder("Downloads/other/x"), RefusalReason::NotAFolder, ENOTDIR));
+}
+
+void TestCleaningPlan::refusesAFolderWhereAPlainFileIsDue()
+{
+    SliceToClean slice = theFiles({m_home->file("Downloads/Keep")});
+    QCOMPARE(planned({slice}).locations().size(), std::size_t(1)); // it may be a package
+    slice.whatGoes = RemovalScope::RegularFiles;
+    QVERIFY(refusesOnly(planned({slice}), RefusalReason::NotAFile, 0));
 }
 
 void TestCleaningPlan::refusesWhatItCannotExamine()

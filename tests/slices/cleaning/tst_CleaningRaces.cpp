@@ -13,6 +13,7 @@ private Q_SLOTS:
     void keepsTheWayToWhatWasMovedAway();
     void removesNothingAsWhatItWasNotListedAs_data();
     void removesNothingAsWhatItWasNotListedAs();
+    void removesNoFolderThatHasJustTakenAFilesPlace();
 
 private:
     using Action = std::function<void(const QByteArray &scratch)>;
@@ -174,6 +175,26 @@ void TestCleaningRaces::removesNothingAsWhatItWasNotListedAs()
     QCOMPARE(report.failures.isEmpty() ? report.refusals.first().path
                                        : report.failures.first().path,
              place);
+}
+
+/// The file was still there when its identity was looked at.
+void TestCleaningRaces::removesNoFolderThatHasJustTakenAFilesPlace()
+{
+    const CleaningGround scratch;
+    const QByteArray place = scratch / "home/profile/cookies";
+    makeFile(place);
+    const GrantedFolder granted(scratch / "home");
+    SliceToClean slice = theFiles({granted.file("profile/cookies")});
+    slice.whatGoes = RemovalScope::RegularFiles;
+    const CleaningPlan plan = makeCleaningPlan(hostSystemCalls(), granted, {slice}, {});
+    const Swapper calls("status", "cookies", [&] {
+        move(place, scratch / "aside");
+        makeFile(place + "/letter");
+    });
+    const CleaningReport report = performCleaning(calls, plan, {});
+    QVERIFY(exists(place + "/letter"));
+    QCOMPARE(report.refusals.size(), 1);
+    QCOMPARE(report.refusals.first().reason, RefusalReason::NotAFile);
 }
 
 VANTOR_TEST_MAIN(TestCleaningRaces)

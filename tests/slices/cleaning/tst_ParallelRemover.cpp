@@ -62,13 +62,15 @@ private Q_SLOTS:
     void worksAloneInMemory();
     void stopsBeforeTheNextItem();
     void endsWhereThereIsNothing();
+    void triesNoFolderThatSomethingStaysIn();
 
 private:
-    CleaningReport cleanWith(const SystemCalls &calls, std::stop_token stop = {}) const
+    CleaningReport cleanWith(const SystemCalls &calls, std::stop_token stop = {},
+                             const FileUrls &excluded = {}) const
     {
         const LogRecorder silenced;
-        const CleaningPlan plan =
-            makeCleaningPlan(calls, *m_home, {contentsOf({m_home->folder("Downloads")})}, {});
+        const CleaningPlan plan = makeCleaningPlan(
+            calls, *m_home, {contentsOf({m_home->folder("Downloads")})}, excluding(excluded));
         return performCleaning(calls, plan, std::move(stop));
     }
     int makeMany(int folders, int files) const
@@ -153,6 +155,30 @@ void TestParallelRemover::endsWhereThereIsNothing()
     QCOMPARE(cleanWith(calls).removedItems, std::uint64_t(0));
     makeFolder(m_downloads + "/empty");
     QCOMPARE(cleanWith(calls).removedItems, std::uint64_t(1));
+}
+
+void TestParallelRemover::triesNoFolderThatSomethingStaysIn()
+{
+    class Locked final : public OnDisk
+    {
+    public:
+        std::optional<int> before(const char *call, int, const char *name) const override
+        {
+            return qstrcmp(call, "removeFile") == 0 && qstrcmp(name, "locked") == 0
+                       ? std::optional(EBUSY)
+                       : std::nullopt;
+        }
+    };
+    for (const char *name : {"way/further/kept", "way/gone", "around/locked", "around/gone"})
+        makeFile(m_downloads + '/' + name);
+    const CleaningReport report =
+        cleanWith(Locked(), {}, {m_home->file("Downloads/way/further/kept")});
+    QCOMPARE(tree(m_downloads), std::set<QByteArray>({"way", "way/further", "way/further/kept",
+                                                      "around", "around/locked"}));
+    // The folders around are no failures of their own.
+    QCOMPARE(report.failures.size(), 1);
+    QCOMPARE(report.failures.first().path, m_downloads + "/around/locked");
+    QVERIFY(report.refusals.isEmpty());
 }
 
 VANTOR_TEST_MAIN(TestParallelRemover)

@@ -17,6 +17,7 @@ private Q_SLOTS:
     void plansAndSearchesWhatTheUserNames_data();
     void plansAndSearchesWhatTheUserNames();
     void takesTheTrashAndTheCacheOfTheEnvironment();
+    void keepsWhatARecordKeeps();
     void plansTheFixedPlacesBesideALibrary_data();
     void plansTheFixedPlacesBesideALibrary();
 };
@@ -222,6 +223,18 @@ void TestSlicesToClean::takesTheTrashAndTheCacheOfTheEnvironment()
                              "Trash: empty of lone records data/Trash/info/",
                              "Cache: empty .cache/", "Cache: empty var/cache/"}));
     QVERIFY(plan.refusals().isEmpty());
+}
+
+void TestSlicesToClean::keepsWhatARecordKeeps()
+{
+    const MadeHome home({".cache/mozilla/x", ".cache/y"});
+    const HomeLayout layout = home.survey();
+    const FileUrls kept{home.access().folder(".cache/mozilla")};
+    const auto record = Info::infoWithName(QStringLiteral("Cache"), std::nullopt);
+    record->setPlaces(*layout.locations(SliceKind::Cache), kept);
+    const QList<SliceToClean> slices = slicesToClean(layout, {record});
+    QCOMPARE(slices.size(), 1);
+    QCOMPARE(slices.first().kept, kept);
 }
 
 void TestSlicesToClean::plansTheFixedPlacesBesideALibrary_data()
