@@ -228,6 +228,10 @@ void TestPreferencesWindowController::tellsObserversBeforeItReturns()
     seen.clear();
     m_controller->saveURLs();
     QCOMPARE(seen, QStringList{m_fixture->stored("Movies")});
+    // What they are told of has been written by then.
+    m_controller->addPaths({m_fixture->folder.path("notes.txt")});
+    QCOMPARE(seen, (QStringList{m_fixture->stored("Movies"),
+                                m_fixture->stored("notes.txt", FileUrlKind::File)}));
 }
 
 VANTOR_GUI_TEST_MAIN(TestPreferencesWindowController)
