@@ -16,7 +16,7 @@ private Q_SLOTS:
     void showsAShortTextInOneLine();
     void wrapsALongTextAtTheWidth();
     void isEmptyWithoutAString();
-    void usesTheControlColoursUnlessTold();
+    void usesTheControlColoursAndFontUnlessTold();
     void usesTheColoursAndTheFontOfTheCaller();
     void showsATextWithItsOwnAttributes();
     void isReadByAScreenReader();
@@ -91,11 +91,13 @@ void TestMessagePopover::isEmptyWithoutAString()
     QVERIFY(popover->isVisible());
 }
 
-void TestMessagePopover::usesTheControlColoursUnlessTold()
+void TestMessagePopover::usesTheControlColoursAndFontUnlessTold()
 {
     const Popover *popover =
         MessagePopover::showRelativeToRect(QRect(), *m_window, Qt::BottomEdge, kLongText, 200);
     QCOMPARE(popover->content().backgroundColour(), m_window->palette().color(QPalette::Base));
+    const AttributedText text{{kLongText, interfaceFont(Typeface::Light, 13), Qt::black}};
+    QCOMPARE(fieldOf(*popover).textSize(), TextBlock(text, 200).size());
     const QImage image = pictureOf(*popover);
     int darkest = 255;
     for (int y = 0; y < image.height(); ++y)
