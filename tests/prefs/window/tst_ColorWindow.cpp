@@ -42,6 +42,22 @@ constexpr auto kDescription = R"(<ui version="4.0">
  </customwidgets>
 </ui>)";
 
+/// Counts how often widgets are painted.
+class Paints final : public QObject
+{
+public:
+    int of(const QObject *widget) const { return m_counts.value(widget); }
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() == QEvent::Paint)
+            ++m_counts[watched];
+        return false;
+    }
+
+private:
+    QHash<const QObject *, int> m_counts;
+};
+
 /// Where the upper edge of a sheet comes to rest.
 int topOfSheet(QWidget &host)
 {
@@ -143,8 +159,14 @@ void TestColorWindow::changesNothingForTheSameContent()
 {
     const auto window = shown();
     QWidget *content = window->contentView();
+    auto *field = new QLabel(content);
+    field->setFocusPolicy(Qt::StrongFocus);
+    field->show();
+    field->setFocus();
+    QVERIFY(field->hasFocus());
     const QObjectList before = window->frameView()->children();
     window->setContentView(content);
+    QVERIFY(field->hasFocus()); // not even taken out and put in again
     QCOMPARE(window->frameView()->children(), before);
     QCOMPARE(window->contentView(), content);
 }
@@ -266,10 +288,17 @@ void TestColorWindow::redrawsItsButtonsWhenItIsNoLongerMain()
     QTest::mouseMove(window.get(), {300, 300});
     QTRY_VERIFY(!window->closeButton()->underMouse());
     const QImage before = window->minimizeButton()->grab().toImage();
+    Paints paints;
+    for (QWidget *button : {window->closeButton(), window->minimizeButton(), window->menuButton()})
+        button->installEventFilter(&paints);
+    window->menuButton()->show();
+    QTRY_COMPARE(paints.of(window->menuButton()), 1);
     QWidget other;
     other.setGeometry(0, 0, 50, 50);
     other.show();
     QVERIFY(QTest::qWaitForWindowActive(&other));
+    for (QWidget *button : {window->closeButton(), window->minimizeButton(), window->menuButton()})
+        QTRY_VERIFY(paints.of(button) > (button == window->menuButton() ? 1 : 0));
     QVERIFY(window->minimizeButton()->grab().toImage() != before);
 }
 

@@ -53,6 +53,13 @@ void TestColorWindowShadow::leavesTheFrameItsSize()
     plain.setContentView(page);
     plain.resize(600, 400);
     plain.show();
+    // A window that may be resized, too, grows by the room for the shadow.
+    ColorWindow free;
+    free.setHasShadow(true);
+    free.setContentView(new QWidget(&free));
+    free.resize(600, 400);
+    free.show();
+    QCOMPARE(free.frameView()->size(), QSize(600, 400));
     QCOMPARE(m_page->geometry(), page->geometry());
     QCOMPARE(m_window->closeButton()->geometry(), plain.closeButton()->geometry());
     QCOMPARE(m_window->menuButton()->geometry(), plain.menuButton()->geometry());
