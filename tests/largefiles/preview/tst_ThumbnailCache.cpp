@@ -86,6 +86,18 @@ private Q_SLOTS:
         QVERIFY(!cachedThumbnail(kFile, kModified.addMSecs(100), 128).isNull());
     }
 
+    void aPictureThatNamesAnotherFileIsNotTaken()
+    {
+        cacheThumbnail(kFile, kModified, pictureOf({128, 128}), 128);
+        const QString path = cached(QStringLiteral("normal"));
+        for (const char *uri : {"file:///home/u/Movies/another.mkv", ""}) {
+            QImage picture(path);
+            picture.setText(QStringLiteral("Thumb::URI"), QLatin1String(uri));
+            QVERIFY(picture.save(path));
+            QVERIFY(cachedThumbnail(kFile, kModified, 128).isNull());
+        }
+    }
+
     void theNextLargerSizeComesFirst()
     {
         cacheThumbnail(kFile, kModified, pictureOf({100, 100}), 128);

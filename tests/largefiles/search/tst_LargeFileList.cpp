@@ -212,12 +212,14 @@ void TestLargeFileList::takesVanishedFilesOut()
     fill(list, {"a5", "b4", "c3", "d2", "e1"});
     list.toggle(1);
     const QSignalSpy removed(&list, &QAbstractItemModel::rowsRemoved);
+    const QSignalSpy total(&list, &LargeFileList::sizeStringChanged);
     FileUrls urls;
     for (const QByteArray &name : gone)
         urls.append(fileOf(name, 0).fileURL());
     list.remove(urls);
     QTEST(namesOf(list), "left");
     QTEST(int(removed.size()), "runs");
+    QCOMPARE(total.size(), gone.contains("b") ? 1 : 0);
     QCOMPARE(list.selectedURLs().size(), gone.contains("b") ? 0 : 1);
     QCOMPARE(list.sizeString(),
              gone.contains("b") ? QStringLiteral("Zero KB") : QStringLiteral("4 bytes"));

@@ -63,6 +63,7 @@ private Q_SLOTS:
     void findsNamesOfAnyBytes();
     void findsFilesDeeperThanAnyPath();
     void holdsOneAccess();
+    void isNotCompleteWhenItWasStopped();
     void reportsFoldersOutsideTheGrant();
     void countsTheItemsLookedAt();
 };
@@ -307,6 +308,24 @@ void TestLargeFileSearch::holdsOneAccess()
     QCOMPARE(record.files.size(), 1);
     QCOMPARE(access.starts(), 1);
     QCOMPARE(access.stops(), 1);
+}
+
+void TestLargeFileSearch::isNotCompleteWhenItWasStopped()
+{
+    const MadeTree home;
+    make(home, {"Movies/", "Movies/a"});
+    HomeAccess access(home);
+    SearchRecord record(home);
+    std::stop_source stop;
+    const LargeFileQuery query{searchURLs(homeUrl(home)), {}, {}};
+    QVERIFY(
+        searchLargeFiles(hostSystemCalls(), access, query, record, stop.get_token()).isComplete);
+    stop.request_stop();
+    const SearchOutcome outcome =
+        searchLargeFiles(hostSystemCalls(), access, query, record, stop.get_token());
+    QVERIFY(!outcome.isComplete);
+    QCOMPARE(outcome.items, 0);
+    QCOMPARE(record.files.size(), 1);
 }
 
 void TestLargeFileSearch::reportsFoldersOutsideTheGrant()
