@@ -222,6 +222,8 @@ void TestFileToView::looksAtPaths_data()
         << QByteArray("dangling") << present << FileUrlKind::File << unknown;
     QTest::addRow("no UTF-8") << QByteArray("\xff\xfe.mov") << present << FileUrlKind::File
                               << QStringLiteral("video-x-generic");
+    QTest::addRow("behind a link in a circle")
+        << QByteArray("circle/a") << FileFacts::Presence::Unknown << FileUrlKind::File << unknown;
     QTest::addRow("two lines") << QByteArray("two\nlines") << present << FileUrlKind::Folder
                                << unknown;
 }
@@ -230,6 +232,7 @@ void TestFileToView::looksAtPaths()
 {
     m_folder->makeLink("link", m_folder->path("Movies"));
     m_folder->makeLink("dangling", "nowhere");
+    m_folder->makeLink("circle", "circle");
     m_folder->makeFile("\xff\xfe.mov");
     m_folder->makeFolder("two\nlines");
     QFETCH(QByteArray, name);

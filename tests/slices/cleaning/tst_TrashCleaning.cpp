@@ -3,6 +3,7 @@
 #include "slices/sizing/FolderSizing.h"
 #include "tests/slices/kit/FailingRemoval.h"
 #include "tests/slices/kit/HomeKit.h"
+#include "tests/slices/kit/WatchedFolder.h"
 #include "tests/support/disk/ForwardingSystemCalls.h"
 #include "tests/support/disk/MadeTree.h"
 #include "tests/support/run/ChildProcess.h"
@@ -95,46 +96,6 @@ private:
     }
 };
 
-/// Watches one folder: something happens right before it is listed, which may fail by it, and
-/// whoever changes its rights is ended. To look at the rights afterwards would not do: they are
-/// given back.
-class WatchedFolder final : public ForwardingSystemCalls
-{
-public:
-    explicit WatchedFolder(
-        const QByteArray &folder, std::function<int()> before = [] { return 0; })
-        : m_before(std::move(before))
-    {
-        const auto opened = ForwardingSystemCalls::openRoot(folder.constData());
-        m_inode = ForwardingSystemCalls::statusOf(opened->get())->inode;
-    }
-
-    SystemResult<std::size_t> readEntries(int folder, std::span<char> buffer) const override
-    {
-        const int error = isWatched(folder) ? m_before() : 0;
-        if (error != 0)
-            return tl::unexpected(error);
-        return ForwardingSystemCalls::readEntries(folder, buffer);
-    }
-
-    SystemResult<void> setPermissions(int folder, std::uint16_t permissions) const override
-    {
-        if (isWatched(folder))
-            qFatal("tried to change the rights");
-        return ForwardingSystemCalls::setPermissions(folder, permissions);
-    }
-
-private:
-    bool isWatched(int folder) const
-    {
-        const auto status = ForwardingSystemCalls::statusOf(folder);
-        return status && status->inode == m_inode;
-    }
-
-    std::function<int()> m_before;
-    std::uint64_t m_inode = 0;
-};
-
 } // namespace
 
 /// What is special about emptying a freedesktop trash.
@@ -202,13 +163,19 @@ void TestTrashCleaning::leavesThoseOfOthers()
 void TestTrashCleaning::leavesTheRightsOfWhatIsKept()
 {
     const Trash trash;
-    trash.readOnlyFolder(kTrash + "files/album");
+    const QByteArray album = kTrash + "files/album";
+    trash.readOnlyFolder(album);
+    trash.tree.setMode(album, 0755);
+    trash.readOnlyFolder(album + "/deep");
+    trash.tree.setMode(album, 0555);
     trash.readOnlyFolder(kTrash + "files/other");
-    const FileUrl kept = trash.access.file(kTrash + "files/album/inside");
-    const WatchedFolder calls(trash.tree.path(kTrash + "files/album"));
-    trash.clean(SliceKind::Trash, excluding({kept}), calls);
-    QVERIFY(trash.has(kTrash + "files/album/inside"));
-    QCOMPARE(trash.modeOf(kTrash + "files/album"), 0555U);
+    for (const char *name : {"/deep/inside", "/inside"}) {
+        const FileUrl kept = trash.access.file(album + name);
+        const WatchedFolder calls(trash.tree.path(album));
+        trash.clean(SliceKind::Trash, excluding({kept}), calls);
+        QVERIFY(trash.has(album + name));
+        QCOMPARE(trash.modeOf(album), 0555U);
+    }
     QVERIFY(!trash.has(kTrash + "files/other"));
 }
 
