@@ -16,6 +16,8 @@ private Q_SLOTS:
     void followsLinksInsideTheHome();
     void looksAtNothingOutsideTheHome();
     void knowsAnotherPathThatLeadsToTheHome();
+    void seesHiddenFoldersOnTheWay_data();
+    void seesHiddenFoldersOnTheWay();
 
 private:
     const MadeHome m_home;
@@ -129,6 +131,23 @@ void TestHomePaths::knowsAnotherPathThatLeadsToTheHome()
     for (const QByteArray &other : {m_home.path(), m_home.outside(""), m_home.outside("gone"),
                                     QByteArray("alias"), QByteArray()})
         QCOMPARE(leading(other), QByteArrayList{m_home.path()});
+}
+
+void TestHomePaths::seesHiddenFoldersOnTheWay_data()
+{
+    QTest::addColumn<QByteArray>("path");
+    QTest::addColumn<bool>("isHidden");
+    QTest::newRow("plain") << QByteArray("a/b") << false;
+    QTest::newRow("first") << QByteArray(".a/b") << true;
+    QTest::newRow("further down") << QByteArray("a/.b/c") << true;
+    QTest::newRow("last") << QByteArray("a/.b") << true;
+    QTest::newRow("a dot within a name") << QByteArray("a.b/c.d") << false;
+}
+
+void TestHomePaths::seesHiddenFoldersOnTheWay()
+{
+    QFETCH(QByteArray, path);
+    QTEST(hasHiddenComponent(path), "isHidden");
 }
 
 VANTOR_TEST_MAIN(TestHomePaths)
