@@ -175,6 +175,8 @@ void TestProgramsInUse::looksForMailProgramsInTheProcessList()
     m_machine->programs = QByteArrayList{"claws-mail"};
     QCOMPARE(home.relative(found(home).without(folders)), QByteArrayList{".sylpheed-2.0/mimetmp/"});
     QCOMPARE(found(home).programs(folders), QStringList{QStringLiteral("Claws Mail")});
+    m_machine->programs = tl::unexpected(EACCES); // then any of them may run
+    QCOMPARE(found(home).without(folders), FileUrls());
 }
 
 void TestProgramsInUse::leavesOutTheFilesOfTheOneProfileAlone()
