@@ -26,6 +26,7 @@ private Q_SLOTS:
     void blocksTheMenuBarsOwnKey();
     void keepsItsOwnMnemonics();
     void takesAKeyThatIsAShortcutBehindIt();
+    void leavesTheShortcutsOfItsActions();
     void leavesTheShortcutsOfOtherWindows();
     void isCancelledByEscape();
     void asksThePanelHowToCancel();
@@ -210,6 +211,20 @@ void TestSheetInput::takesAKeyThatIsAShortcutBehindIt()
     press(host.window, Qt::Key_Space);
     QCOMPARE(plain.size(), 1);
     QVERIFY(previewed.isEmpty());
+}
+
+/// An action may be held by nobody: what counts is who shows it.
+void TestSheetInput::leavesTheShortcutsOfItsActions()
+{
+    SheetHost host;
+    SheetPanel sheet;
+    QAction action;
+    action.setShortcut(QKeySequence(QStringLiteral("Ctrl+J")));
+    sheet.panel.addAction(&action);
+    const QSignalSpy triggered(&action, &QAction::triggered);
+    presentSheet(host.window, sheet.panel);
+    press(host.window, Qt::Key_J, Qt::ControlModifier);
+    QCOMPARE(triggered.size(), 1);
 }
 
 void TestSheetInput::leavesTheShortcutsOfOtherWindows()

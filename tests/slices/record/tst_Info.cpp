@@ -46,6 +46,7 @@ private Q_SLOTS:
     void isMeasuredByTwoReadersAtOnce();
     void staysUnmeasuredWhenTheMeasureIsStopped();
     void dropsAMeasureOfPlacesThatWereChangedMeanwhile();
+    void keepsATextThatWasSetMeanwhile();
     void dropsAnOldMeasureOfNewPlaces();
     void measuresItsPlacesWithoutWhatIsKept();
     void dropsAMeasureOfWhatIsKeptMeanwhile();
@@ -253,6 +254,18 @@ void TestInfo::dropsAMeasureOfPlacesThatWereChangedMeanwhile()
     info = slice(FileUrls{kCaches});
     QCOMPARE(info->fileSizeString(), QStringLiteral("chosen"));
     QCOMPARE(info->fileSize(), 34'000'000);
+}
+
+void TestInfo::keepsATextThatWasSetMeanwhile()
+{
+    std::shared_ptr<Info> info;
+    m_services.measure = [&](const FileUrl &url, const FileUrls &) {
+        info->setFileSizeString(QStringLiteral("set"));
+        return bytesOf(url);
+    };
+    info = slice(FileUrls{kCaches});
+    QCOMPARE(info->fileSizeString(), QStringLiteral("set"));
+    QCOMPARE(info->fileSize(), 0);
 }
 
 void TestInfo::dropsAnOldMeasureOfNewPlaces()
