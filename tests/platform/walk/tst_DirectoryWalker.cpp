@@ -253,21 +253,26 @@ void TestDirectoryWalker::tellsOfFailuresAndGoesOn_data()
 {
     QTest::addColumn<int>("failing");
     QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<int>("error");
     QTest::addColumn<QByteArrayList>("told");
     QTest::addRow("status of an entry")
-        << int(WatchedCall::Status) << QByteArray("bad") << QByteArrayList{"folder/bad: 5"};
-    QTest::addRow("opening a folder")
-        << int(WatchedCall::OpenFolder) << QByteArray("folder") << QByteArrayList{"folder: 5"};
+        << int(WatchedCall::Status) << QByteArray("bad") << EIO << QByteArrayList{"folder/bad: 5"};
+    QTest::addRow("opening a folder") << int(WatchedCall::OpenFolder) << QByteArray("folder") << EIO
+                                      << QByteArrayList{"folder: 5"};
+    QTest::addRow("opening a folder of others")
+        << int(WatchedCall::OpenFolder) << QByteArray("folder") << EACCES
+        << QByteArrayList{"folder: 13"};
     QTest::addRow("status of a folder")
-        << int(WatchedCall::StatusOf) << QByteArray() << QByteArrayList{"folder: 5"};
+        << int(WatchedCall::StatusOf) << QByteArray() << EIO << QByteArrayList{"folder: 5"};
     QTest::addRow("listing a folder")
-        << int(WatchedCall::ReadEntries) << QByteArray() << QByteArrayList{"folder: 5"};
+        << int(WatchedCall::ReadEntries) << QByteArray() << EIO << QByteArrayList{"folder: 5"};
 }
 
 void TestDirectoryWalker::tellsOfFailuresAndGoesOn()
 {
     QFETCH(int, failing);
     QFETCH(QByteArray, name);
+    QFETCH(int, error);
     const MadeTree tree;
     tree.makeFolder("folder");
     tree.makeFile("folder/bad");
@@ -277,7 +282,7 @@ void TestDirectoryWalker::tellsOfFailuresAndGoesOn()
     const WatchedSystemCalls calls([&](int, WatchedCall call, const char *of) {
         if (call == WatchedCall::OpenFolder)
             isInFolder = qstrcmp(of, "folder") == 0;
-        return isInFolder && int(call) == failing && name == of ? EIO : 0;
+        return isInFolder && int(call) == failing && name == of ? error : 0;
     });
     RecordedWalk walk(tree);
     walk.calls = &calls;
