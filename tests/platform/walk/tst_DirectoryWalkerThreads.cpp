@@ -84,6 +84,7 @@ private Q_SLOTS:
     void stopAtOnce_data();
     void stopAtOnce();
     void doNotBeginOnceStopped();
+    void areAtLeastOneAndAtMostFour();
 };
 
 void TestDirectoryWalkerThreads::findWhatOneFinds_data()
@@ -205,6 +206,12 @@ void TestDirectoryWalkerThreads::doNotBeginOnceStopped()
     RecordedWalk walk(tree, 2);
     walk.stop.request_stop();
     QCOMPARE(walk.run().found, QByteArrayList());
+}
+
+void TestDirectoryWalkerThreads::areAtLeastOneAndAtMostFour()
+{
+    QVERIFY(usefulWalkThreads() >= 1);
+    QVERIFY(usefulWalkThreads() <= 4);
 }
 
 VANTOR_TEST_MAIN(TestDirectoryWalkerThreads)
