@@ -278,6 +278,11 @@ void TestResourceManager::asksTheFileSystemNothingForWhatACheckHasFound()
 /// The folder that was found for the one must never serve the other.
 void TestResourceManager::looksUpAnotherGrantThanTheOneThatWasChecked()
 {
+    QVERIFY(!ResourceManager::checkStoredGrant());
+    m_stored = grantOf("annabel");
+    QCOMPARE(ResourceManager::homeFolder().path(), m_scratch->path("annabel"));
+    m_stored = grantOf("anna");
+    beginRun();
     QVERIFY(!ResourceManager::check(grantOf("annabel")));
     QCOMPARE(ResourceManager::homeFolder().path(), m_scratch->path("anna"));
     const AccessScope scope(ResourceManager::access());

@@ -234,6 +234,7 @@ void TestUserDefaults::aFailedSaveIsToldAndTriedAgainWithTheNextChange()
     QVERIFY(failures.wait());
     QVERIFY(failures.first().first().toString().contains(QString::fromLocal8Bit(strerror(ENOSPC))));
     QCOMPARE(defaults->boolean(kKey), true);
+    QVERIFY(defaults->exclusionsAreKnown()); // nobody else has changed them
 
     calls.setHook({});
     defaults->setInteger(QStringLiteral("other"), 1);

@@ -30,6 +30,7 @@ private Q_SLOTS:
     void everythingIsSyncedBeforeItIsRenamed();
     void everyFailedCallLeavesTheOldOrTheNew_data();
     void everyFailedCallLeavesTheOldOrTheNew();
+    void aCallThatWasInterruptedIsMadeAgain();
     void everyKillLeavesTheOldOrTheNew_data();
     void everyKillLeavesTheOldOrTheNew();
     void everyKillOfTheFirstWriteLeavesNothingOrTheNew();
@@ -85,6 +86,22 @@ void TestDurableFileFaults::everyFailedCallLeavesTheOldOrTheNew()
         QVERIFY(file.write("afterwards", Replace::OnlyWhatIsKnown));
         QCOMPARE(folder.file().read(Generation::Current).bytes, "afterwards");
         QCOMPARE(folder.entries().size(), 2);
+    }
+}
+
+void TestDurableFileFaults::aCallThatWasInterruptedIsMadeAgain()
+{
+    for (const char *interrupted : {"write", "read"}) {
+        const DurableFileFolder folder;
+        folder.fill();
+        int count = 0;
+        const ForwardingSystemCalls calls([&](int, std::string_view name) {
+            return name == interrupted && count++ == 0 ? EINTR : 0;
+        });
+        QVERIFY(folder.file(calls).write(kNew, Replace::Anything));
+        QVERIFY(count > 1);
+        QCOMPARE(folder.file().read(Generation::Current).bytes, kNew);
+        QCOMPARE(folder.file().read(Generation::Previous).bytes, kOld);
     }
 }
 
