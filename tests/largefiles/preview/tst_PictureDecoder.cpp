@@ -161,6 +161,19 @@ private Q_SLOTS:
         QVERIFY(arguments.open(QIODevice::ReadOnly));
         QCOMPARE(arguments.readAll(), QByteArray("512 512 0\n"));
     }
+
+    void noProcessIsStartedForWhatIsNoPicture()
+    {
+        const QString mark = QFile::decodeName(m_folder.path("started"));
+        FileReading reading{hostSystemCalls(), m_access};
+        reading.decoder.program = program("touch " + QFile::encodeName(mark));
+        const AccessScope scope(m_access);
+        const FileUrl film = write("film.mkv", "\x1a\x45\xdf\xa3 and so on");
+        QVERIFY(GuardedFile::open(reading, film, {})->picture(0, kRoom).image.isNull());
+        QVERIFY(!QFile::exists(mark));
+        GuardedFile::open(reading, photograph(), {})->picture(0, kRoom);
+        QVERIFY(QFile::exists(mark));
+    }
 };
 
 VANTOR_GUI_TEST_MAIN(PictureDecoderTest)

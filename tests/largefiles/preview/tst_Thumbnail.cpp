@@ -1,6 +1,7 @@
 #include "largefiles/preview/Thumbnail.h"
 #include "largefiles/preview/ThumbnailCache.h"
 #include "tests/support/disk/FolderAccess.h"
+#include "tests/support/disk/ForwardingSystemCalls.h"
 #include "tests/support/disk/ScratchFolder.h"
 #include "tests/support/run/GuiTestMain.h"
 
@@ -137,7 +138,16 @@ private Q_SLOTS:
     void aPipeIsNotOpened()
     {
         QCOMPARE(::mkfifo(m_folder.path("pipe.png").constData(), 0600), 0);
-        QVERIFY(isIcon(FileUrl::fromPath(m_folder.path("pipe.png"), FileUrlKind::File)));
+        const FileUrl pipe = FileUrl::fromPath(m_folder.path("pipe.png"), FileUrlKind::File);
+        QVERIFY(isIcon(pipe));
+        int opened = 0;
+        const ForwardingSystemCalls calls([&opened](int, std::string_view name) {
+            opened += name == "openFile" ? 1 : 0;
+            return 0;
+        });
+        const AccessScope scope(m_access);
+        QVERIFY(!GuardedFile::open({calls, m_access}, pipe, {}));
+        QCOMPARE(opened, 0);
     }
 
     void aLinkIsNotFollowed()

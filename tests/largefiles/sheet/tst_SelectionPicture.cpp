@@ -1,7 +1,7 @@
 #include "largefiles/sheet/SelectionPicture.h"
 
 #include "largefiles/sheet/FileIconNames.h"
-#include "tests/support/disk/OpenAccess.h"
+#include "tests/support/disk/FolderAccess.h"
 #include "tests/support/disk/ScratchFolder.h"
 #include "tests/support/run/GuiTestMain.h"
 
@@ -28,7 +28,7 @@ struct ShownPicture
     }
 
     ScratchFolder folder;
-    OpenAccess access{folder.path()};
+    FolderAccess access{folder.path()};
     FileIconNames icons;
     QLabel label;
     QLabel place;

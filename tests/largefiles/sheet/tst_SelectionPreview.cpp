@@ -3,7 +3,7 @@
 #include "largefiles/preview/PreviewPanel.h"
 #include "largefiles/search/LargeFileList.h"
 #include "largefiles/sheet/QuickLookTableView.h"
-#include "tests/support/disk/OpenAccess.h"
+#include "tests/support/disk/FolderAccess.h"
 #include "tests/support/disk/ScratchFolder.h"
 #include "tests/support/run/GuiTestMain.h"
 
@@ -35,7 +35,7 @@ struct PreviewedTable
     bool isShown() const { return preview.panel() && preview.panel()->isVisible(); }
 
     ScratchFolder folder;
-    OpenAccess access{folder.path()};
+    FolderAccess access{folder.path()};
     LargeFileList files;
     QWidget window;
     QuickLookTableView table{&window};
