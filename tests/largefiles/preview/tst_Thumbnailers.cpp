@@ -185,6 +185,15 @@ private Q_SLOTS:
         QCOMPARE(pictureBy(command, std::chrono::seconds(20)).size(), QSize(128, 64));
     }
 
+    void aPictureOfVeryManyPixelsIsNotRead()
+    {
+        QImage picture(5760, 5760, QImage::Format_Mono); // light as a file
+        picture.fill(0);
+        QVERIFY(picture.save(path("picture"), "PNG"));
+        const QString command = program("cp \"$F/picture\" \"$2\"");
+        QVERIFY(pictureBy(command, std::chrono::seconds(20)).isNull());
+    }
+
     void whatTakesTooLongIsEndedWithItsChildren()
     {
         const QString command =
