@@ -9,7 +9,7 @@
 #include "app/settings/UserDefaults.h"
 #include "platform/desktop/InterfaceLoader.h"
 #include "platform/desktop/Workspace.h"
-#include "platform/system/SystemCalls.h"
+#include "platform/system/HostSystemCalls.h"
 
 #include <QObject>
 #include <functional>

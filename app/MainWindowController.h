@@ -13,6 +13,7 @@
 class ColorWindow;
 class DiskInfoViewController;
 class ExcludedFilesChangedNotification;
+class SystemCalls;
 
 /// Owns the window and the wizard's four pages, and moves between them: pages know no other page,
 /// they ask this to go forward or back. Made once at launch and lives as long as the program. Main

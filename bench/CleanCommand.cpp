@@ -1,5 +1,7 @@
 #include "bench/Commands.h"
 #include "bench/ProcessMemory.h"
+#include "platform/system/HostSystemCalls.h"
+#include "platform/system/SystemCalls.h"
 #include "slices/cleaning/Cleaning.h"
 #include "slices/sizing/FolderSizing.h"
 

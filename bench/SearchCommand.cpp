@@ -2,6 +2,8 @@
 #include "bench/ProcessMemory.h"
 #include "largefiles/search/LargeFileSearch.h"
 #include "platform/base/ByteCount.h"
+#include "platform/system/HostSystemCalls.h"
+#include "platform/system/SystemCalls.h"
 #include "slices/home/HomeSurvey.h"
 
 #include <QElapsedTimer>

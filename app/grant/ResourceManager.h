@@ -2,6 +2,7 @@
 
 #include "platform/files/FileAccess.h"
 #include "platform/files/FolderGrant.h"
+#include "platform/system/HostSystemCalls.h"
 
 #include <functional>
 #include <memory>

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "app/navigation/VNTViewController.h"
-#include "platform/system/SystemCalls.h"
 #include "platform/threads/BackgroundQueue.h"
 
 #include <QTimer>
@@ -10,6 +9,7 @@
 
 class ImageButton;
 class ImageView;
+class SystemCalls;
 class UserDefaults;
 
 /// The first page: asks for the home folder, checks the choice, stores the grant when the folder's

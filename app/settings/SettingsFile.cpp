@@ -2,6 +2,7 @@
 
 #include "app/settings/SettingValues.h"
 #include "app/settings/SettingsKeys.h"
+#include "platform/system/SystemCalls.h"
 
 #include <QDir>
 #include <QFileInfo>

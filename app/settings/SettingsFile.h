@@ -1,9 +1,12 @@
 #pragma once
 
 #include "platform/files/DurableFile.h"
+#include "platform/system/SystemResult.h"
 
 #include <QJsonObject>
 #include <QString>
+
+class SystemCalls;
 
 /// What the settings' file holds.
 struct SettingsContent

@@ -7,6 +7,8 @@
 #include <QStringList>
 #include <tl/expected.hpp>
 
+class SystemCalls;
+
 /// The settings: typed values under text keys, kept in one small file of a folder.
 ///
 /// Owned by the start-up, used by the pages; main thread only. It reads the file once, when it is

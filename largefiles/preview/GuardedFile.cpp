@@ -1,6 +1,7 @@
 #include "largefiles/preview/GuardedFile.h"
 
 #include "platform/files/AnchoredFolder.h"
+#include "platform/system/SystemCalls.h"
 
 #include <QDateTime>
 #include <QMimeDatabase>

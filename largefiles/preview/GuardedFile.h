@@ -3,13 +3,14 @@
 #include "largefiles/preview/PictureDecoder.h"
 #include "platform/files/FileAccess.h"
 #include "platform/files/FileUrl.h"
-#include "platform/system/SystemCalls.h"
 
 #include <QDeadlineTimer>
 #include <QFile>
 #include <chrono>
 #include <memory>
 #include <stop_token>
+
+class SystemCalls;
 
 /// What reads files for previews: the system's calls and the right to work in the granted folder,
 /// which both outlive whoever holds this, and what decodes them.

@@ -2,8 +2,9 @@
 
 #include "platform/files/FileAccess.h"
 #include "platform/files/FileUrl.h"
-#include "platform/system/SystemCalls.h"
 #include "platform/threads/BackgroundQueue.h"
+
+class SystemCalls;
 
 /// Reads the present sizes of listed files on one thread of its own, however many questions there
 /// are: a disk that hangs holds up no more than that. Main thread only.

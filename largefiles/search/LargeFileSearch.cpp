@@ -4,6 +4,7 @@
 #include "platform/base/Log.h"
 #include "platform/files/AnchoredFolder.h"
 #include "platform/files/Packages.h"
+#include "platform/system/SystemCalls.h"
 #include "platform/walk/DirectoryWalker.h"
 
 #include <algorithm>

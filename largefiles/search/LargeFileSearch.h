@@ -2,12 +2,13 @@
 
 #include "largefiles/search/File.h"
 #include "platform/files/FileAccess.h"
-#include "platform/system/SystemCalls.h"
 #include "slices/home/HomeLayout.h"
 
 #include <QStringList>
 #include <functional>
 #include <stop_token>
+
+class SystemCalls;
 
 /// In bytes: more than 100 MB.
 inline constexpr qint64 kSmallestLargeFile = 100'000'001;

@@ -1,6 +1,7 @@
 #include "largefiles/search/ListedFiles.h"
 
 #include "platform/files/AnchoredFolder.h"
+#include "platform/system/SystemCalls.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -2,9 +2,10 @@
 
 #include "platform/files/FileAccess.h"
 #include "platform/files/FileUrl.h"
-#include "platform/system/SystemCalls.h"
 
 #include <stop_token>
+
+class SystemCalls;
 
 // Questions about files that were found a while ago. Any thread but the main one; each holds one
 // access of its own, and follows no link.

@@ -9,6 +9,7 @@
 #include <memory>
 
 class LargeFileList;
+class SystemCalls;
 struct SearchEnd;
 
 /// What a search came to.

@@ -12,6 +12,9 @@
 
 class FileTableCellView;
 class QAbstractButton;
+
+class SystemCalls;
+
 class TextButton;
 class UserDefaults;
 class Workspace;

@@ -1,5 +1,7 @@
 #include "platform/files/AnchoredFolder.h"
 
+#include "platform/system/SystemCalls.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <climits>

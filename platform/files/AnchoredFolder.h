@@ -1,7 +1,11 @@
 #pragma once
 
 #include "platform/files/FileAccess.h"
-#include "platform/system/SystemCalls.h"
+#include "platform/system/Descent.h"
+#include "platform/system/FileStatus.h"
+#include "platform/system/SystemResult.h"
+
+class SystemCalls;
 
 /// An entry of a folder below an anchor.
 struct AnchoredEntry

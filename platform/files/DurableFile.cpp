@@ -1,6 +1,7 @@
 #include "platform/files/DurableFile.h"
 
 #include "platform/system/DirectoryEntries.h"
+#include "platform/system/SystemCalls.h"
 
 #include <QDateTime>
 #include <array>

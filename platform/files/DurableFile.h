@@ -1,9 +1,12 @@
 #pragma once
 
-#include "platform/system/SystemCalls.h"
+#include "platform/system/FileDescriptor.h"
+#include "platform/system/SystemResult.h"
 
 #include <QByteArray>
 #include <optional>
+
+class SystemCalls;
 
 /// Which of the two contents that are kept.
 enum class Generation { Current, Previous };

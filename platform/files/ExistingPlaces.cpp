@@ -1,6 +1,7 @@
 #include "platform/files/ExistingPlaces.h"
 
 #include "platform/files/AnchoredFolder.h"
+#include "platform/system/SystemCalls.h"
 
 namespace {
 

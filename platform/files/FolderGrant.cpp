@@ -1,5 +1,7 @@
 #include "platform/files/FolderGrant.h"
 
+#include "platform/system/SystemCalls.h"
+
 #include <QCryptographicHash>
 #include <QDataStream>
 #include <QIODevice>

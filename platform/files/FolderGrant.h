@@ -1,9 +1,12 @@
 #pragma once
 
 #include "platform/files/FileUrl.h"
-#include "platform/system/SystemCalls.h"
+#include "platform/system/FileDescriptor.h"
+#include "platform/system/SystemResult.h"
 
 #include <memory>
+
+class SystemCalls;
 
 /// Why a grant does not lead to its folder.
 enum class GrantFailure {

@@ -1,5 +1,7 @@
 #include "platform/files/FolderListing.h"
 
+#include "platform/system/SystemCalls.h"
+
 #include <algorithm>
 #include <cstring>
 

@@ -1,11 +1,14 @@
 #pragma once
 
 #include "platform/system/DirectoryEntries.h"
-#include "platform/system/SystemCalls.h"
+#include "platform/system/FileStatus.h"
+#include "platform/system/SystemResult.h"
 
 #include <functional>
 #include <span>
 #include <vector>
+
+class SystemCalls;
 
 /// How many bytes of records are read at a time.
 inline constexpr std::size_t kListingSpace = std::size_t{64} * 1024;

@@ -1,30 +1,14 @@
 #pragma once
 
+#include "platform/system/ActingUser.h"
+#include "platform/system/Descent.h"
 #include "platform/system/FileDescriptor.h"
 #include "platform/system/FileStatus.h"
+#include "platform/system/SystemResult.h"
 
 #include <QByteArrayList>
 #include <cstdint>
 #include <span>
-#include <tl/expected.hpp>
-
-/// A call's value, or the errno with which it failed.
-template <typename T> using SystemResult = tl::expected<T, int>;
-
-/// The user as whom this process touches files.
-struct ActingUser
-{
-    std::uint32_t user = 0;
-    bool ownsEverything = false; ///< may act as the owner of any file, as the administrator may
-};
-
-/// Who may be entered on the way down.
-enum class Descent {
-    /// Folders only, beneath the start, no link in any component, no other file system, no mount.
-    Strict,
-    /// The same, but mounts may be crossed: for the way to a folder that the user named.
-    AcrossMounts,
-};
 
 /// Every system call by which the engines and the settings writer touch the file system, or look
 /// at who else does, behind one interface, so that tests can fail, watch or interleave each of
@@ -90,6 +74,3 @@ public:
     virtual SystemResult<void> sync(int descriptor) const = 0;
     virtual SystemResult<void> rename(int parent, const char *from, const char *to) const = 0;
 };
-
-/// The calls of the system that Vantor runs on; lives as long as the process.
-const SystemCalls &hostSystemCalls();

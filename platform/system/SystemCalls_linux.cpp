@@ -1,4 +1,5 @@
 #include "platform/system/DirectoryEntries.h"
+#include "platform/system/HostSystemCalls.h"
 #include "platform/system/ProcessList.h"
 #include "platform/system/SystemCalls.h"
 

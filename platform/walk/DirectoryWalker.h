@@ -1,11 +1,14 @@
 #pragma once
 
-#include "platform/system/SystemCalls.h"
+#include "platform/system/FileDescriptor.h"
+#include "platform/system/FileStatus.h"
 #include "platform/walk/DirectoryVisitor.h"
 #include "platform/walk/WalkOptions.h"
 
 #include <span>
 #include <stop_token>
+
+class SystemCalls;
 
 /// The number of threads from which walking gains: one for each processor, four at most.
 unsigned usefulWalkThreads();

@@ -1,5 +1,7 @@
 #include "platform/walk/WalkWorker.h"
 
+#include "platform/system/SystemCalls.h"
+
 #include <algorithm>
 #include <cerrno>
 

@@ -1,11 +1,14 @@
 #pragma once
 
 #include "platform/system/DirectoryEntries.h"
-#include "platform/system/SystemCalls.h"
+#include "platform/system/FileDescriptor.h"
+#include "platform/system/SystemResult.h"
 #include "platform/walk/WalkOptions.h"
 #include "platform/walk/WalkPool.h"
 
 #include <span>
+
+class SystemCalls;
 
 /// One thread of a walk. Goes down folder by folder with a stack of its own on the heap, on which
 /// lie the folder at hand and those above it in which others still wait to be entered; it hands

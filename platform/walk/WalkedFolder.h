@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/system/SystemCalls.h"
+#include "platform/system/FileStatus.h"
 
 #include <QByteArray>
 #include <atomic>

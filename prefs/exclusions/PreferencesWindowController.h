@@ -6,6 +6,7 @@
 class ExcludedFilesChangedNotification;
 class ExcludedFilesView;
 class QAbstractButton;
+class SystemCalls;
 class UserDefaults;
 
 /// The preferences: one list, the files and folders that cleaning must never touch. Every change is

@@ -4,6 +4,7 @@
 #include "app/settings/SettingsKeys.h"
 #include "platform/base/Log.h"
 #include "platform/look/ViewAlpha.h"
+#include "platform/system/HostSystemCalls.h"
 
 #include <QGuiApplication>
 #include <QOpenGLContext>

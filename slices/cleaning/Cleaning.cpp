@@ -2,6 +2,7 @@
 
 #include "platform/base/Log.h"
 #include "platform/files/AnchoredFolder.h"
+#include "platform/system/SystemCalls.h"
 #include "slices/cleaning/DependentItems.h"
 #include "slices/cleaning/ParallelRemover.h"
 

@@ -5,6 +5,8 @@
 #include <functional>
 #include <stop_token>
 
+class SystemCalls;
+
 /// What is in use at and inside a place, which is the location or lies in it. Asked right before
 /// the place's turn, on the thread that cleans.
 using InUseCheck = std::function<FileUrls(const CleaningLocation &, const FileUrl &place)>;

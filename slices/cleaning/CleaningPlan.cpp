@@ -1,6 +1,7 @@
 #include "slices/cleaning/CleaningPlan.h"
 
 #include "platform/files/AnchoredFolder.h"
+#include "platform/system/SystemCalls.h"
 #include "slices/exclusions/ResolvedExclusions.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/files/FileAccess.h"
-#include "platform/system/SystemCalls.h"
+#include "platform/system/FileStatus.h"
 #include "slices/exclusions/ExcludedPaths.h"
 #include "slices/record/SliceCatalogue.h"
 #include "slices/sizing/ReadOnlyFolders.h"
@@ -9,6 +9,8 @@
 #include <QList>
 #include <optional>
 #include <vector>
+
+class SystemCalls;
 
 /// What of a slice's places may go.
 enum class RemovalScope {

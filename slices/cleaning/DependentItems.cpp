@@ -1,6 +1,7 @@
 #include "slices/cleaning/DependentItems.h"
 
 #include "platform/files/AnchoredFolder.h"
+#include "platform/system/SystemCalls.h"
 #include "slices/home/FoundPrograms.h"
 
 #include <cerrno>

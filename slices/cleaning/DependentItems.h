@@ -3,6 +3,8 @@
 #include "platform/files/FileAccess.h"
 #include "platform/files/FolderListing.h"
 
+class SystemCalls;
+
 /// What a cleaning leaves because something else that stays would be lost without it. The other was
 /// dealt with before: where it is still there it was kept, refused or could not be removed, and
 /// that has been told. In doubt it is there.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/system/FileStatus.h"
 #include "slices/cleaning/CleaningPlan.h"
 
 /// What is kept inside one location while it is cleaned. Three rules, each enough by itself: the

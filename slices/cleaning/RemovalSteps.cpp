@@ -1,5 +1,7 @@
 #include "slices/cleaning/RemovalSteps.h"
 
+#include "platform/system/SystemCalls.h"
+
 #include <cerrno>
 
 RefusalReason refusalReason(int error)

@@ -1,10 +1,15 @@
 #pragma once
 
 #include "platform/files/FolderListing.h"
+#include "platform/system/FileDescriptor.h"
+#include "platform/system/FileStatus.h"
+#include "platform/system/SystemResult.h"
 #include "slices/cleaning/CleaningReportBuilder.h"
 #include "slices/cleaning/Protection.h"
 
 #include <optional>
+
+class SystemCalls;
 
 /// What happens to the entries of a folder that is being emptied.
 enum class EntryPolicy {

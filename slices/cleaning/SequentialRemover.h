@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/system/FileDescriptor.h"
 #include "slices/cleaning/RemovalSteps.h"
 
 #include <stop_token>

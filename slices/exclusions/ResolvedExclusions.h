@@ -1,10 +1,12 @@
 #pragma once
 
 #include "platform/files/FileAccess.h"
-#include "platform/system/SystemCalls.h"
+#include "platform/system/FileStatus.h"
 #include "slices/exclusions/ExcludedPaths.h"
 
 #include <vector>
+
+class SystemCalls;
 
 /// The excluded files and folders as the file system knows them. An exclusion keeps what it leads
 /// to, also where its path goes through a link (a home that was moved, a granted home behind one)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/system/SystemResult.h"
 #include "slices/home/FoundPrograms.h"
 #include "slices/home/HomeEnvironment.h"
 #include "slices/home/HomePaths.h"

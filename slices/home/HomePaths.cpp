@@ -1,5 +1,7 @@
 #include "slices/home/HomePaths.h"
 
+#include "platform/system/SystemCalls.h"
+
 namespace {
 
 /// More than people make. Texts are not to be trusted: each name costs calls to the disk.

@@ -2,6 +2,8 @@
 
 #include "slices/home/HomeProbe.h"
 
+class SystemCalls;
+
 /// What absolute paths mean in a granted home: the home may be reached by several paths, where a
 /// folder around it is a link, and paths lead on through links inside it. Where they lead out,
 /// nothing is looked at: it may be a disk that does not answer. One thread.

@@ -2,9 +2,13 @@
 
 #include "platform/files/FileAccess.h"
 #include "platform/files/FolderListing.h"
+#include "platform/system/FileStatus.h"
+#include "platform/system/SystemResult.h"
 
 #include <QByteArrayList>
 #include <stop_token>
+
+class SystemCalls;
 
 /// Looks into a granted home, to find out which of the places that programs use are there. Goes
 /// down from the home's descriptor, never through a link and never onto another file system. What

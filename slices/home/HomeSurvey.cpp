@@ -1,5 +1,6 @@
 #include "slices/home/HomeSurvey.h"
 
+#include "platform/system/SystemCalls.h"
 #include "platform/system/SystemHomes.h"
 #include "slices/home/FreedesktopSurvey.h"
 

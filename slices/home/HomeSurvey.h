@@ -1,11 +1,12 @@
 #pragma once
 
 #include "platform/files/FileAccess.h"
-#include "platform/system/SystemCalls.h"
 #include "slices/home/HomeEnvironment.h"
 #include "slices/home/HomeLayout.h"
 
 #include <stop_token>
+
+class SystemCalls;
 
 /// How the granted home is laid out. The fixed layout has a home that holds a folder "Library"
 /// itself, no link to one, and every home of a system where all homes do; also one that there is no

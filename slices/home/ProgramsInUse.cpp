@@ -1,6 +1,7 @@
 #include "slices/home/ProgramsInUse.h"
 
 #include "platform/files/AnchoredFolder.h"
+#include "platform/system/SystemCalls.h"
 #include "slices/home/FolderIdentity.h"
 
 #include <algorithm>

@@ -1,10 +1,11 @@
 #pragma once
 
 #include "platform/files/FileAccess.h"
-#include "platform/system/SystemCalls.h"
 #include "slices/home/HomeLayout.h"
 
 #include <QStringList>
+
+class SystemCalls;
 
 /// The places at and inside these locations that programs of the layout may use, each once. Some
 /// may lie in others, and they need not be there.

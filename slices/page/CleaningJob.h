@@ -11,6 +11,7 @@
 #include <vector>
 
 class Info;
+class SystemCalls;
 
 /// Cleans the chosen slices in the background and tells when it is done. One cleaning at a time.
 /// Owned by the page, used on the main thread. When it is destroyed, a running cleaning stops

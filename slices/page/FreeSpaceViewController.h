@@ -13,13 +13,14 @@
 #include <memory>
 
 class DemoWindowController;
-struct Alert;
 class ExcludedFilesChangedNotification;
 class LargeFilesWindowController;
 class PieChart;
 class StartButton;
+class SystemCalls;
 class UserDefaults;
 class Workspace;
+struct Alert;
 
 /// The page of the slices: shows the eight kinds of content on a pie, measures them in the
 /// background, lets the user switch them on and off, and cleans those that are on. Every visit

@@ -3,6 +3,7 @@
 #include "platform/base/ByteCount.h"
 #include "platform/base/Log.h"
 #include "platform/files/AnchoredFolder.h"
+#include "platform/system/SystemCalls.h"
 #include "platform/walk/DirectoryWalker.h"
 
 #include <algorithm>

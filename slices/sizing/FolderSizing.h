@@ -1,12 +1,13 @@
 #pragma once
 
 #include "platform/files/FileAccess.h"
-#include "platform/system/SystemCalls.h"
 #include "slices/sizing/ReadOnlyFolders.h"
 
 #include <QByteArrayList>
 #include <optional>
 #include <stop_token>
+
+class SystemCalls;
 
 /// How a single item, that is no folder, was judged.
 struct ItemVerdict

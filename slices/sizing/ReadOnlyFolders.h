@@ -1,6 +1,7 @@
 #pragma once
 
-#include "platform/system/SystemCalls.h"
+#include "platform/system/ActingUser.h"
+#include "platform/system/FileStatus.h"
 
 /// What a cleaning does about a folder whose owner took away his own right to change it.
 enum class ReadOnlyFolders {

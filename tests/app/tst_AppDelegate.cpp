@@ -1,10 +1,11 @@
 #include "app/AppDelegate.h"
+#include "platform/system/HostSystemCalls.h"
 
 #include "app/grant/RealHomeDirectory.h"
 #include "app/settings/SettingsKeys.h"
 #include "prefs/exclusions/PreferencesWindowController.h"
 #include "prefs/window/ColorWindow.h"
-#include "tests/support/disk/ForwardingSystemCalls.h"
+#include "tests/support/disk/HookedSystem.h"
 #include "tests/support/disk/ScratchFolder.h"
 #include "tests/support/disk/SlowDisk.h"
 #include "tests/support/page/ResourceManagerReset.h"
@@ -79,7 +80,7 @@ private:
     Addresses m_addresses;
     void grantHome();
 
-    ForwardingSystemCalls m_calls;
+    HookedSystem m_calls;
     bool m_isDiskSlow = false; ///< m_disk's calls in place of those
     SlowDisk m_disk;
     std::unique_ptr<AppDelegate> m_application;

@@ -1,4 +1,5 @@
 #include "app/MainWindowController.h"
+#include "platform/system/HostSystemCalls.h"
 
 #include "app/grant/ResourceManager.h"
 #include "app/pages/DiskInfoViewController.h"

@@ -1,4 +1,5 @@
 #include "app/grant/GrantCheck.h"
+#include "platform/system/HostSystemCalls.h"
 
 #include "tests/support/disk/ScratchFolder.h"
 #include "tests/support/disk/SlowDisk.h"

@@ -1,5 +1,6 @@
 #include "app/grant/ResourceManager.h"
-#include "tests/support/disk/ForwardingSystemCalls.h"
+#include "platform/system/HostSystemCalls.h"
+#include "tests/support/disk/HookedSystem.h"
 #include "tests/support/disk/ScratchFolder.h"
 #include "tests/support/page/ResourceManagerReset.h"
 #include "tests/support/run/ChildProcess.h"
@@ -77,7 +78,7 @@ private:
 
     std::unique_ptr<ScratchFolder> m_scratch;
     StoredGrant m_stored;
-    ForwardingSystemCalls m_calls;
+    HookedSystem m_calls;
 };
 
 void TestResourceManager::init()

@@ -1,9 +1,10 @@
 #include "app/pages/FolderSelectViewController.h"
+#include "platform/system/HostSystemCalls.h"
 
 #include "app/settings/SettingsKeys.h"
 #include "platform/files/FolderGrant.h"
 #include "platform/sheet/Sheet.h"
-#include "tests/support/disk/ForwardingSystemCalls.h"
+#include "tests/support/disk/HookedSystem.h"
 #include "tests/support/disk/SlowDisk.h"
 #include "tests/support/page/PageFixture.h"
 #include "tests/support/page/RecordingPageDelegate.h"
@@ -52,7 +53,7 @@ private:
     std::unique_ptr<PageFixture> m_fixture;
     std::unique_ptr<FolderSelectViewController> m_page;
     SlowDisk m_disk;
-    ForwardingSystemCalls m_calls{{}, m_disk.calls()};
+    HookedSystem m_calls{{}, m_disk.calls()};
     RecordingPageDelegate m_delegate;
 };
 

@@ -3,6 +3,7 @@
 #include "app/pings/PingSender.h"
 #include "app/settings/SettingsKeys.h"
 #include "app/settings/UserDefaults.h"
+#include "platform/system/HostSystemCalls.h"
 #include "tests/support/run/LogRecorder.h"
 #include "tests/support/run/RecordingServer.h"
 #include "tests/support/run/TestMain.h"

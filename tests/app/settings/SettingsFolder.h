@@ -2,6 +2,8 @@
 
 #include "app/settings/SettingsFile.h"
 #include "app/settings/SettingsKeys.h"
+#include "platform/system/HostSystemCalls.h"
+#include "tests/support/disk/OpenedFolder.h"
 #include "tests/support/run/Must.h"
 
 #include <QDir>
@@ -45,9 +47,8 @@ public:
     /// Writes a text with a right checksum, whatever it says.
     void setText(const QByteArray &text) const
     {
-        auto folder = hostSystemCalls().openRoot(QFile::encodeName(m_folder.path()));
-        must(folder.has_value(), "opening the folder");
-        DurableFile durable(hostSystemCalls(), std::move(*folder), "settings.json");
+        DurableFile durable(hostSystemCalls(), openedFolder(QFile::encodeName(m_folder.path())),
+                            "settings.json");
         const bool isWritten = durable.write(text, Replace::Anything).has_value();
         must(isWritten, "writing a file");
     }

@@ -1,5 +1,6 @@
+#include "platform/system/HostSystemCalls.h"
 #include "tests/app/settings/SettingsFolder.h"
-#include "tests/support/disk/ForwardingSystemCalls.h"
+#include "tests/support/disk/HookedSystem.h"
 #include "tests/support/run/Administrator.h"
 #include "tests/support/run/ChildProcess.h"
 #include "tests/support/run/TestMain.h"
@@ -207,7 +208,7 @@ void TestSettingsFile::aBadFileOfAnEarlierRunIsADamage()
 void TestSettingsFile::aFolderThatCannotBeListedIsADamage()
 {
     const SettingsFolder folder;
-    const ForwardingSystemCalls calls(
+    const HookedSystem calls(
         [](int, std::string_view name) { return name == "readEntries" ? EIO : 0; });
     QVERIFY(!folder.settings(calls).load().damage.isEmpty());
 }
@@ -228,7 +229,7 @@ void TestSettingsFile::aFileThatCannotBeReadStays()
     QFETCH(int, error);
     const SettingsFolder folder;
     folder.fill();
-    ForwardingSystemCalls calls([&](int, std::string_view name) {
+    HookedSystem calls([&](int, std::string_view name) {
         return name == std::string_view(call.constData()) ? error : 0;
     });
     SettingsFile file = folder.settings(calls);
@@ -302,7 +303,7 @@ void TestSettingsFile::whatCannotBeSetAsideIsNotOverwritten()
     const SettingsFolder folder;
     folder.fill();
     SettingsFolder::setRaw(folder.file(), "damaged");
-    const ForwardingSystemCalls calls(
+    const HookedSystem calls(
         [](int, std::string_view name) { return name == "rename" ? EROFS : 0; });
     SettingsFile file = folder.settings(calls);
     const SettingsContent content = file.load();
@@ -320,8 +321,7 @@ void TestSettingsFile::aBadTextThatCouldNotBeSetAsideIsNoPreviousOne()
     const QByteArray good = SettingsFolder::raw(folder.previousFile());
     folder.setText("no settings, but a right checksum");
     SettingsFolder::setRaw(folder.previousFile(), good);
-    ForwardingSystemCalls calls(
-        [](int, std::string_view name) { return name == "rename" ? EBUSY : 0; });
+    HookedSystem calls([](int, std::string_view name) { return name == "rename" ? EBUSY : 0; });
     SettingsFile file = folder.settings(calls);
     const SettingsContent content = file.load();
     calls.setHook({});
@@ -333,7 +333,7 @@ void TestSettingsFile::aSaveTellsWhatWentWrong()
 {
     const SettingsFolder folder;
     folder.fill();
-    ForwardingSystemCalls calls;
+    HookedSystem calls;
     SettingsFile file = folder.settings(calls);
     file.load();
     calls.setHook([](int, std::string_view name) { return name == "write" ? ENOSPC : 0; });
@@ -381,7 +381,7 @@ void TestSettingsFile::everyKillOnTheWayOutOfADamageStaysADamage()
         const SettingsFolder folder;
         folder.fill();
         SettingsFolder::setRaw(folder.file(), "damaged");
-        ForwardingSystemCalls calls(ForwardingSystemCalls::killedBefore(number));
+        HookedSystem calls(HookedSystem::killedBefore(number));
         SettingsFile file = folder.settings(calls);
         const SettingsContent content = file.load();
         const bool isSaved = file.save(settingsText(content), kKnown).isWell();

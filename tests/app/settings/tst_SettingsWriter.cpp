@@ -1,6 +1,6 @@
 #include "app/settings/SettingsWriter.h"
 #include "tests/app/settings/SettingsFolder.h"
-#include "tests/support/disk/ForwardingSystemCalls.h"
+#include "tests/support/disk/HookedSystem.h"
 #include "tests/support/run/TestMain.h"
 
 #include <QSemaphore>
@@ -22,7 +22,7 @@ QJsonObject valuesOf(int number)
 class SlowDisk final
 {
 public:
-    ForwardingSystemCalls::Hook hook()
+    HookedSystem::Hook hook()
     {
         return [this](int, std::string_view name) {
             if (name != "write")
@@ -61,7 +61,7 @@ void TestSettingsWriter::postingWaitsForNothing()
 {
     const SettingsFolder folder;
     SlowDisk disk;
-    const ForwardingSystemCalls calls(disk.hook());
+    const HookedSystem calls(disk.hook());
     SettingsWriter writer(folder.settings(calls), [](const SaveOutcome &) {});
     for (int number = 0; number < 1000; ++number)
         writer.post(textOf(number), Replace::OnlyWhatIsKnown);
@@ -76,7 +76,7 @@ void TestSettingsWriter::onlyTheNewestOfThoseThatWaitIsSaved()
 {
     const SettingsFolder folder;
     SlowDisk disk;
-    const ForwardingSystemCalls calls(disk.hook());
+    const HookedSystem calls(disk.hook());
     std::atomic<int> saves = 0;
     SettingsWriter writer(folder.settings(calls), [&](const SaveOutcome &) { ++saves; });
     writer.post(textOf(0), Replace::OnlyWhatIsKnown);
@@ -106,7 +106,7 @@ void TestSettingsWriter::whatWaitsAtTheEndIsSaved()
 void TestSettingsWriter::everySaveIsReported()
 {
     const SettingsFolder folder;
-    ForwardingSystemCalls calls;
+    HookedSystem calls;
     QList<bool> reports;
     SettingsWriter writer(folder.settings(calls),
                           [&](const SaveOutcome &outcome) { reports.append(outcome.isWell()); });
@@ -125,8 +125,7 @@ void TestSettingsWriter::everySaveIsReported()
 void TestSettingsWriter::flushingTriesAFailedSaveAgain()
 {
     const SettingsFolder folder;
-    ForwardingSystemCalls calls(
-        [](int, std::string_view name) { return name == "rename" ? EIO : 0; });
+    HookedSystem calls([](int, std::string_view name) { return name == "rename" ? EIO : 0; });
     SettingsWriter writer(folder.settings(calls), [](const SaveOutcome &) {});
     writer.post(textOf(0), Replace::OnlyWhatIsKnown);
     QVERIFY(!writer.flush().isWell());
@@ -142,7 +141,7 @@ void TestSettingsWriter::flushingTriesAFailedSaveAgain()
 void TestSettingsWriter::flushingWithNothingToSaveIsWell()
 {
     const SettingsFolder folder;
-    const ForwardingSystemCalls calls;
+    const HookedSystem calls;
     SettingsWriter writer(folder.settings(calls), [](const SaveOutcome &) {});
     QVERIFY(writer.flush().isWell());
     QCOMPARE(calls.callCount(), 0);
@@ -152,7 +151,7 @@ void TestSettingsWriter::theLeaveToReplaceLastsUntilASaveWentWell()
 {
     const SettingsFolder folder;
     folder.fill(); // unknown to a writer whose file was never loaded
-    ForwardingSystemCalls calls;
+    HookedSystem calls;
     SettingsWriter writer(folder.settings(calls), [](const SaveOutcome &) {});
     writer.post(textOf(0), Replace::OnlyWhatIsKnown);
     QVERIFY(writer.flush().isConflict);

@@ -1,7 +1,8 @@
 #include "app/settings/SettingValues.h"
 #include "app/settings/UserDefaults.h"
+#include "platform/system/HostSystemCalls.h"
 #include "tests/app/settings/SettingsFolder.h"
-#include "tests/support/disk/ForwardingSystemCalls.h"
+#include "tests/support/disk/HookedSystem.h"
 #include "tests/support/run/TestMain.h"
 
 #include <QSignalSpy>
@@ -226,8 +227,7 @@ void TestUserDefaults::theDefaultFolderIsTheUsersOwn()
 void TestUserDefaults::aFailedSaveIsToldAndTriedAgainWithTheNextChange()
 {
     const SettingsFolder folder;
-    ForwardingSystemCalls calls(
-        [](int, std::string_view name) { return name == "sync" ? ENOSPC : 0; });
+    HookedSystem calls([](int, std::string_view name) { return name == "sync" ? ENOSPC : 0; });
     const auto defaults = defaultsIn(folder, calls);
     QSignalSpy failures(defaults.get(), &UserDefaults::saveFailed);
     defaults->setBoolean(kKey, true);
@@ -245,8 +245,7 @@ void TestUserDefaults::aFailedSaveIsToldAndTriedAgainWithTheNextChange()
 void TestUserDefaults::aFailedSaveIsTriedAgainBySynchronize()
 {
     const SettingsFolder folder;
-    ForwardingSystemCalls calls(
-        [](int, std::string_view name) { return name == "write" ? ENOSPC : 0; });
+    HookedSystem calls([](int, std::string_view name) { return name == "write" ? ENOSPC : 0; });
     const auto defaults = defaultsIn(folder, calls);
     defaults->setBoolean(kKey, true);
     for (int attempt = 0; attempt < 2; ++attempt) {
@@ -295,7 +294,7 @@ void TestUserDefaults::aDamageSurvivesASaveThatFailed()
     const SettingsFolder folder;
     folder.fill();
     SettingsFolder::setRaw(folder.file(), "damaged");
-    const ForwardingSystemCalls full(
+    const HookedSystem full(
         [](int, std::string_view name) { return name == "write" ? ENOSPC : 0; });
     for (int start = 0; start < 2; ++start) {
         const auto defaults = defaultsIn(folder, full);
@@ -323,7 +322,7 @@ void TestUserDefaults::aConfirmationThatCannotBeSavedHoldsForThisRun()
 {
     const SettingsFolder folder;
     SettingsFolder::setRaw(folder.file(), "damaged");
-    const ForwardingSystemCalls full(
+    const HookedSystem full(
         [](int, std::string_view name) { return name == "write" ? ENOSPC : 0; });
     {
         const auto defaults = defaultsIn(folder, full);

@@ -1,4 +1,5 @@
 #include "largefiles/preview/Thumbnail.h"
+#include "platform/system/HostSystemCalls.h"
 #include "tests/support/disk/FolderAccess.h"
 #include "tests/support/disk/ScratchFolder.h"
 #include "tests/support/run/GuiTestMain.h"

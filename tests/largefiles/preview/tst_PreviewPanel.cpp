@@ -2,6 +2,7 @@
 #include "largefiles/preview/PreviewCard.h"
 #include "largefiles/preview/PreviewPanel.h"
 #include "largefiles/sheet/QuickLookTableView.h"
+#include "platform/system/HostSystemCalls.h"
 #include "tests/support/disk/FolderAccess.h"
 #include "tests/support/disk/ScratchFolder.h"
 #include "tests/support/run/GuiTestMain.h"

@@ -1,5 +1,6 @@
 #include "largefiles/preview/Thumbnail.h"
 #include "largefiles/preview/ThumbnailCache.h"
+#include "platform/system/HostSystemCalls.h"
 #include "tests/support/disk/FolderAccess.h"
 #include "tests/support/disk/ForwardingSystemCalls.h"
 #include "tests/support/disk/ScratchFolder.h"

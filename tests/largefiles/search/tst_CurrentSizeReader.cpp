@@ -1,4 +1,5 @@
 #include "largefiles/search/CurrentSizeReader.h"
+#include "platform/system/HostSystemCalls.h"
 #include "tests/largefiles/search/Gate.h"
 #include "tests/largefiles/search/SearchKit.h"
 #include "tests/support/run/BackgroundThreadsAwaited.h"

@@ -1,3 +1,4 @@
+#include "platform/system/HostSystemCalls.h"
 #include "tests/largefiles/search/SearchKit.h"
 #include "tests/support/disk/WatchedSystemCalls.h"
 #include "tests/support/run/LogRecorder.h"

@@ -1,6 +1,7 @@
 #include "largefiles/search/CurrentSizeReader.h"
 #include "largefiles/search/LargeFileList.h"
 #include "largefiles/search/SearchJob.h"
+#include "platform/system/HostSystemCalls.h"
 #include "tests/largefiles/search/Gate.h"
 #include "tests/largefiles/search/SearchKit.h"
 #include "tests/support/disk/WatchedSystemCalls.h"

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "platform/files/DurableFile.h"
+#include "platform/system/HostSystemCalls.h"
+#include "tests/support/disk/OpenedFolder.h"
 #include "tests/support/run/Must.h"
 
 #include <QDir>
@@ -19,9 +21,7 @@ public:
 
     DurableFile file(const SystemCalls &calls = hostSystemCalls()) const
     {
-        auto folder = hostSystemCalls().openRoot(QFile::encodeName(m_folder.path()));
-        must(folder.has_value(), "opening the folder");
-        return DurableFile(calls, std::move(*folder), kName);
+        return DurableFile(calls, openedFolder(QFile::encodeName(m_folder.path())), kName);
     }
 
     QByteArray raw(const char *name = kName) const

@@ -1,4 +1,6 @@
 #include "platform/files/AnchoredFolder.h"
+#include "platform/system/HostSystemCalls.h"
+#include "platform/system/SystemCalls.h"
 #include "tests/support/disk/ForwardingSystemCalls.h"
 #include "tests/support/disk/MadeTree.h"
 #include "tests/support/run/TestMain.h"

@@ -1,3 +1,4 @@
+#include "platform/system/SystemResult.h"
 #include "tests/platform/files/DurableFileFolder.h"
 #include "tests/support/disk/ForwardingSystemCalls.h"
 #include "tests/support/run/TestMain.h"

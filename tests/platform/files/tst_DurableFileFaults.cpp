@@ -1,5 +1,5 @@
 #include "tests/platform/files/DurableFileFolder.h"
-#include "tests/support/disk/ForwardingSystemCalls.h"
+#include "tests/support/disk/HookedSystem.h"
 #include "tests/support/disk/TinyDisk.h"
 #include "tests/support/run/ChildProcess.h"
 #include "tests/support/run/TestMain.h"
@@ -13,7 +13,7 @@ int callsOfOneWrite(Replace replace)
 {
     const DurableFileFolder folder;
     folder.fill();
-    const ForwardingSystemCalls calls;
+    const HookedSystem calls;
     DurableFile file = folder.file(calls);
     (void)file.write(kNew, replace);
     return calls.callCount();
@@ -45,7 +45,7 @@ void TestDurableFileFaults::everythingIsSyncedBeforeItIsRenamed()
     const DurableFileFolder folder;
     folder.fill();
     QByteArrayList names;
-    const ForwardingSystemCalls calls([&](int, std::string_view name) {
+    const HookedSystem calls([&](int, std::string_view name) {
         names.append(QByteArray(name.data(), qsizetype(name.size())));
         return 0;
     });
@@ -69,10 +69,10 @@ void TestDurableFileFaults::everyFailedCallLeavesTheOldOrTheNew()
     for (int number = 1; number <= count; ++number) {
         const DurableFileFolder folder;
         folder.fill();
-        ForwardingSystemCalls calls;
+        HookedSystem calls;
         DurableFile file = folder.file(calls);
         file.read(Generation::Current);
-        calls.setHook(ForwardingSystemCalls::failing(number, error));
+        calls.setHook(HookedSystem::failing(number, error));
         const auto written = file.write(kNew, Replace::OnlyWhatIsKnown);
 
         const DurableContent found = folder.file().read(Generation::Current);
@@ -119,10 +119,10 @@ void TestDurableFileFaults::everyKillLeavesTheOldOrTheNew()
     for (int number = 1; number <= count + 1; ++number) {
         const DurableFileFolder folder;
         folder.fill();
-        ForwardingSystemCalls calls;
+        HookedSystem calls;
         DurableFile file = folder.file(calls);
         file.read(Generation::Current);
-        calls.setHook(ForwardingSystemCalls::killedBefore(number));
+        calls.setHook(HookedSystem::killedBefore(number));
         (void)file.write(kNew, replace);
 
         DurableFile afterwards = folder.file();
@@ -139,11 +139,11 @@ void TestDurableFileFaults::everyKillLeavesTheOldOrTheNew()
 void TestDurableFileFaults::everyKillOfTheFirstWriteLeavesNothingOrTheNew()
 {
     const DurableFileFolder untouched;
-    const ForwardingSystemCalls counting;
+    const HookedSystem counting;
     QVERIFY(untouched.file(counting).write(kNew, Replace::OnlyWhatIsKnown));
     for (int number = 1; number <= counting.callCount(); ++number) {
         const DurableFileFolder folder;
-        const ForwardingSystemCalls calls(ForwardingSystemCalls::killedBefore(number));
+        const HookedSystem calls(HookedSystem::killedBefore(number));
         QVERIFY(!folder.file(calls).write(kNew, Replace::OnlyWhatIsKnown));
         const DurableContent found = folder.file().read(Generation::Current);
         const bool isInPlace = number == counting.callCount();
@@ -158,7 +158,7 @@ void TestDurableFileFaults::everyKillKeepsADamagedFile()
         const DurableFileFolder folder;
         folder.fill();
         folder.setRaw("damaged");
-        const ForwardingSystemCalls calls(ForwardingSystemCalls::killedBefore(number));
+        const HookedSystem calls(HookedSystem::killedBefore(number));
         const bool isWritten = folder.file(calls).write(kNew, Replace::Anything).has_value();
 
         const bool isSetAside = folder.file().hasFilesSetAside().value();
@@ -177,7 +177,7 @@ void TestDurableFileFaults::aFolderThatCannotBeSyncedIsNoFailure()
     for (const int error : {EINVAL, ENOTSUP}) {
         const DurableFileFolder folder;
         folder.fill();
-        const ForwardingSystemCalls calls(ForwardingSystemCalls::failing(count, error));
+        const HookedSystem calls(HookedSystem::failing(count, error));
         QVERIFY(folder.file(calls).write(kNew, Replace::Anything));
         QCOMPARE(folder.file().read(Generation::Current).bytes, kNew);
     }

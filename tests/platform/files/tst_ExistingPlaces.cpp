@@ -1,4 +1,5 @@
 #include "platform/files/ExistingPlaces.h"
+#include "platform/system/HostSystemCalls.h"
 
 #include "tests/slices/kit/HomeKit.h"
 #include "tests/support/disk/FolderAccess.h"

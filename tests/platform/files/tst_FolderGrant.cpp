@@ -1,4 +1,7 @@
 #include "platform/files/FolderGrant.h"
+#include "platform/system/FileStatus.h"
+#include "platform/system/HostSystemCalls.h"
+#include "platform/system/SystemResult.h"
 #include "tests/support/disk/ForwardingSystemCalls.h"
 #include "tests/support/disk/ScratchFolder.h"
 #include "tests/support/run/Administrator.h"

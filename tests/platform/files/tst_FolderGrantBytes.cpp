@@ -1,4 +1,5 @@
 #include "platform/files/FolderGrant.h"
+#include "platform/system/HostSystemCalls.h"
 #include "tests/support/disk/ScratchFolder.h"
 #include "tests/support/run/TestMain.h"
 

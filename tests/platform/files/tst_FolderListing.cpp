@@ -1,4 +1,6 @@
 #include "platform/files/FolderListing.h"
+#include "platform/system/HostSystemCalls.h"
+#include "platform/system/SystemCalls.h"
 
 #include "tests/slices/kit/CleaningKit.h"
 #include "tests/slices/kit/HookedCalls.h"

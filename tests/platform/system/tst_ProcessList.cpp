@@ -1,3 +1,4 @@
+#include "platform/system/HostSystemCalls.h"
 #include "platform/system/SystemCalls.h"
 #include "tests/support/disk/ScratchFolder.h"
 #include "tests/support/run/Must.h"

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/system/HostSystemCalls.h"
 #include "platform/walk/DirectoryWalker.h"
 #include "tests/support/disk/MadeTree.h"
 
@@ -62,7 +63,7 @@ public:
     }
 
     WalkOptions options;
-    const SystemCalls *calls = &hostSystemCalls();
+    std::reference_wrapper<const SystemCalls> calls = hostSystemCalls();
     std::stop_source stop;
 
     std::deque<RecordingVisitor> &visitors() { return m_visitors; }
@@ -73,7 +74,7 @@ public:
         std::vector<DirectoryVisitor *> team;
         for (RecordingVisitor &visitor : m_visitors)
             team.push_back(&visitor);
-        walkDirectory(*calls, m_tree.open(start), options, stop.get_token(), team);
+        walkDirectory(calls, m_tree.open(start), options, stop.get_token(), team);
 
         WalkRecord all;
         for (RecordingVisitor &visitor : m_visitors) {

@@ -1,4 +1,7 @@
+#include "platform/system/FileStatus.h"
+#include "platform/system/SystemResult.h"
 #include "tests/platform/walk/WalkRecord.h"
+#include "tests/support/disk/ForwardingSystemCalls.h"
 #include "tests/support/disk/WatchedSystemCalls.h"
 #include "tests/support/run/TestMain.h"
 
@@ -158,7 +161,7 @@ void TestDirectoryWalker::asksForNoStatusWhereNamesAreEnough()
         return 0;
     });
     RecordedWalk walk(tree);
-    walk.calls = &calls;
+    walk.calls = calls;
     walk.visitor().detailOf = [](const QByteArray &path) {
         return path == "plain/full" ? EntryDetail::Status : EntryDetail::NameAlone;
     };
@@ -187,7 +190,7 @@ void TestDirectoryWalker::asksForEachStatusOnce()
         return 0;
     });
     RecordedWalk walk(tree);
-    walk.calls = &calls;
+    walk.calls = calls;
     walk.run();
     QCOMPARE(byName, kFiles);
     QCOMPARE(byDescriptor, 2); // the start and its one folder
@@ -201,11 +204,11 @@ void TestDirectoryWalker::learnsKindsFromTheStatusWhereTheFolderDoesNotSay()
     tree.makeLink("folder/link", "file");
     const TypelessCalls calls;
     RecordedWalk walk(tree);
-    walk.calls = &calls;
+    walk.calls = calls;
     QCOMPARE(walk.run().found, (QByteArrayList{"folder/file", "folder/link"}));
 
     RecordedWalk namesOnly(tree);
-    namesOnly.calls = &calls;
+    namesOnly.calls = calls;
     namesOnly.visitor().detailOf = [](const QByteArray &) { return EntryDetail::NameAlone; };
     const WalkRecord record = namesOnly.run();
     QCOMPARE(record.found, (QByteArrayList{"folder/file", "folder/link"}));
@@ -241,7 +244,7 @@ void TestDirectoryWalker::toleratesWhatVanishes()
         return 0;
     });
     RecordedWalk walk(tree);
-    walk.calls = &calls;
+    walk.calls = calls;
     const WalkRecord record = walk.run();
     QCOMPARE(record.failed, QByteArrayList());
     QVERIFY(record.found.contains("stays"));
@@ -285,7 +288,7 @@ void TestDirectoryWalker::tellsOfFailuresAndGoesOn()
         return isInFolder && int(call) == failing && name == of ? error : 0;
     });
     RecordedWalk walk(tree);
-    walk.calls = &calls;
+    walk.calls = calls;
     const WalkRecord record = walk.run();
     QTEST(record.failed, "told");
     QVERIFY(record.found.contains("other/good"));
@@ -298,7 +301,7 @@ void TestDirectoryWalker::tellsOfAStartThatCannotBeRead()
     const WatchedSystemCalls calls(
         [](int number, WatchedCall, const char *) { return number == 0 ? EACCES : 0; });
     RecordedWalk walk(tree);
-    walk.calls = &calls;
+    walk.calls = calls;
     const WalkRecord record = walk.run();
     QCOMPARE(record.failed, QByteArrayList{": 13"});
     QCOMPARE(record.found, QByteArrayList());

@@ -1,3 +1,5 @@
+#include "platform/system/HostSystemCalls.h"
+#include "platform/system/SystemCalls.h"
 #include "tests/platform/walk/WalkRecord.h"
 #include "tests/support/disk/ForwardingSystemCalls.h"
 #include "tests/support/disk/OwnMounts.h"
@@ -117,7 +119,7 @@ void TestDirectoryWalkerBorders::staysOutOfSubvolumes()
     const auto volume = hostSystemCalls().status(tree.descriptor()->get(), "volume");
     const SubvolumeCalls calls(volume->inode);
     RecordedWalk walk(tree);
-    walk.calls = &calls;
+    walk.calls = calls;
     const WalkRecord record = walk.run();
     QCOMPARE(record.found, QByteArrayList{"folder/file"});
     QCOMPARE(record.failed, QByteArrayList());

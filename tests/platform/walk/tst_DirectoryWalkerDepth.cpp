@@ -112,7 +112,7 @@ void TestDirectoryWalkerDepth::climbsOnlyToWhatStillWaits()
         return 0;
     });
     RecordedWalk walk(tree);
-    walk.calls = &calls;
+    walk.calls = calls;
     walk.options.openFolders = 4;
     QCOMPARE(walk.run().found.size(), 1);
     QCOMPARE(climbs, 0);
@@ -129,7 +129,7 @@ void TestDirectoryWalkerDepth::goesOnWhenDescriptorsRunOut()
         return call == WatchedCall::OpenFolder && ++opened % kEvery == 0 ? EMFILE : 0;
     });
     RecordedWalk walk(tree);
-    walk.calls = &calls;
+    walk.calls = calls;
     const WalkRecord record = walk.run();
     QCOMPARE(record.failed, QByteArrayList());
     QCOMPARE(record.found.size(), kDepth);
@@ -145,7 +145,7 @@ void TestDirectoryWalkerDepth::tellsWhenThereAreNoDescriptorsAtAll()
         return call == WatchedCall::OpenFolder ? EMFILE : 0;
     });
     RecordedWalk walk(tree);
-    walk.calls = &calls;
+    walk.calls = calls;
     const WalkRecord record = walk.run();
     QCOMPARE(record.failed, (QByteArrayList{"a: 24", "b: 24"}));
     QCOMPARE(record.found, QByteArrayList{"file"});
@@ -171,7 +171,7 @@ void TestDirectoryWalkerDepth::doesNotClimbIntoAForeignFolder()
         return 0;
     });
     RecordedWalk walk(tree);
-    walk.calls = &calls;
+    walk.calls = calls;
     walk.options.openFolders = 2;
     const WalkRecord record = walk.run("start");
     QVERIFY(isMoved);
@@ -201,7 +201,7 @@ void TestDirectoryWalkerDepth::tellsWhenTheWayBackFails()
         return isClimbing && int(call) == failing ? EIO : 0;
     });
     RecordedWalk walk(tree);
-    walk.calls = &calls;
+    walk.calls = calls;
     walk.options.openFolders = 2;
     const WalkRecord record = walk.run();
     QVERIFY(isClimbing);

@@ -1,3 +1,4 @@
+#include "platform/system/FileStatus.h"
 #include "platform/walk/WalkedFolder.h"
 #include "tests/support/run/TestMain.h"
 

@@ -4,6 +4,7 @@
 #include "app/settings/SettingsKeys.h"
 #include "app/settings/UserDefaults.h"
 #include "platform/desktop/InterfaceLoader.h"
+#include "platform/system/HostSystemCalls.h"
 #include "prefs/exclusions/ExcludedFilesView.h"
 #include "prefs/exclusions/InterfaceClasses.h"
 #include "prefs/exclusions/PreferencesWindowController.h"

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/files/FileAccess.h"
-#include "platform/system/SystemCalls.h"
+#include "tests/support/disk/OpenedFolder.h"
 #include "tests/support/disk/ScratchFolder.h"
 #include "tests/support/run/BackgroundThreadsAwaited.h"
 #include "tests/support/run/Must.h"
@@ -15,11 +15,10 @@
 class ScratchAccess final : public FileAccess
 {
 public:
-    explicit ScratchAccess(const ScratchFolder &folder) : m_root(folder.path())
+    explicit ScratchAccess(const ScratchFolder &folder)
+        : m_root(folder.path()),
+          m_descriptor(std::make_shared<const FileDescriptor>(openedFolder(m_root)))
     {
-        auto opened = hostSystemCalls().openRoot(m_root.constData());
-        must(opened.has_value(), "the scratch folder opens");
-        m_descriptor = std::make_shared<FileDescriptor>(std::move(*opened));
     }
 
     ~ScratchAccess() override { awaitBackgroundThreads(); }

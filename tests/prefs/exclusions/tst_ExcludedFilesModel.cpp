@@ -1,3 +1,4 @@
+#include "platform/system/HostSystemCalls.h"
 #include "prefs/exclusions/ExcludedFilesModel.h"
 #include "tests/prefs/exclusions/ScratchAccess.h"
 #include "tests/support/run/TestMain.h"

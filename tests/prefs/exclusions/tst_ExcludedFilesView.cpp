@@ -1,3 +1,4 @@
+#include "platform/system/HostSystemCalls.h"
 #include "prefs/exclusions/ExcludedFilesModel.h"
 #include "prefs/exclusions/ExcludedFilesView.h"
 #include "tests/prefs/exclusions/ScratchAccess.h"

@@ -1,5 +1,6 @@
 #include "largefiles/search/LargeFileSearch.h"
 #include "platform/base/ByteCount.h"
+#include "platform/system/HostSystemCalls.h"
 #include "slices/cleaning/Cleaning.h"
 #include "slices/exclusions/ExcludedPaths.h"
 #include "tests/prefs/exclusions/PreferencesFixture.h"

@@ -2,7 +2,7 @@
 #include "app/settings/UserDefaults.h"
 #include "platform/desktop/InterfaceLoader.h"
 #include "platform/sheet/Sheet.h"
-#include "platform/system/SystemCalls.h"
+#include "platform/system/HostSystemCalls.h"
 #include "prefs/exclusions/InterfaceClasses.h"
 #include "prefs/tutorial/DemoWindowController.h"
 #include "prefs/tutorial/TextTutorialView.h"

@@ -1,8 +1,8 @@
+#include "platform/system/HostSystemCalls.h"
 #include "prefs/tutorial/WebTutorial.h"
 
 #include "app/settings/SettingsFile.h"
 #include "app/settings/SettingsKeys.h"
-#include "platform/system/SystemCalls.h"
 #include "prefs/tutorial/TextTutorialView.h"
 #include "prefs/tutorial/WebTutorialView.h"
 #include "tests/prefs/tutorial/WebTestMain.h"

@@ -1,3 +1,4 @@
+#include "platform/system/HostSystemCalls.h"
 #include "slices/cleaning/SlicesToClean.h"
 #include "slices/record/Info.h"
 #include "tests/slices/kit/FailingRemoval.h"

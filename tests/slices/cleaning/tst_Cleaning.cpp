@@ -1,3 +1,4 @@
+#include "platform/system/HostSystemCalls.h"
 #include "slices/cleaning/Cleaning.h"
 #include "tests/slices/kit/CleaningKit.h"
 #include "tests/slices/kit/HookedCalls.h"

@@ -1,3 +1,5 @@
+#include "platform/system/HostSystemCalls.h"
+#include "platform/system/SystemCalls.h"
 #include "tests/slices/kit/CleaningKit.h"
 #include "tests/slices/kit/HookedCalls.h"
 #include "tests/support/run/TestMain.h"

@@ -1,6 +1,7 @@
+#include "platform/system/HostSystemCalls.h"
 #include "slices/cleaning/Cleaning.h"
 #include "tests/slices/kit/CleaningKit.h"
-#include "tests/support/disk/ForwardingSystemCalls.h"
+#include "tests/support/disk/HookedSystem.h"
 #include "tests/support/run/TestMain.h"
 
 namespace {
@@ -145,7 +146,7 @@ void TestCleaningInUse::tellsNothingOfWhatIsKeptAnyway()
 void TestCleaningInUse::asksNothingOnceItIsStopped()
 {
     std::stop_source stop;
-    const ForwardingSystemCalls calls([&](int, std::string_view name) {
+    const HookedSystem calls([&](int, std::string_view name) {
         if (name == "removeFile")
             stop.request_stop();
         return 0;

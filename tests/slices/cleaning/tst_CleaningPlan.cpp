@@ -1,3 +1,6 @@
+#include "platform/system/FileStatus.h"
+#include "platform/system/HostSystemCalls.h"
+#include "platform/system/SystemResult.h"
 #include "slices/cleaning/CleaningPlan.h"
 #include "tests/slices/kit/CleaningKit.h"
 #include "tests/slices/kit/HookedCalls.h"

@@ -1,3 +1,4 @@
+#include "platform/system/HostSystemCalls.h"
 #include "slices/cleaning/CleaningReportBuilder.h"
 
 #include "tests/slices/kit/CleaningKit.h"

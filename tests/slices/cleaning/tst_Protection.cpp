@@ -1,3 +1,5 @@
+#include "platform/system/FileStatus.h"
+#include "platform/system/HostSystemCalls.h"
 #include "slices/cleaning/Protection.h"
 
 #include "tests/slices/kit/CleaningKit.h"

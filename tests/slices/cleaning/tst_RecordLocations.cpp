@@ -3,7 +3,7 @@
 #include "slices/record/Info.h"
 #include "slices/sizing/FolderSizing.h"
 #include "tests/slices/kit/HomeKit.h"
-#include "tests/support/disk/ForwardingSystemCalls.h"
+#include "tests/support/disk/HookedSystem.h"
 #include "tests/support/run/TestMain.h"
 
 #include <unistd.h>
@@ -52,7 +52,7 @@ private:
                                   m_layout.locations(kind), {measure, nullptr});
     }
 
-    ForwardingSystemCalls m_calls;
+    HookedSystem m_calls;
     std::unique_ptr<MadeHome> m_home;
     HomeLayout m_layout;
     std::shared_ptr<Info> m_cache;

@@ -1,3 +1,5 @@
+#include "platform/system/FileStatus.h"
+#include "platform/system/SystemResult.h"
 #include "slices/cleaning/RemovalSteps.h"
 
 #include "tests/slices/kit/CleaningKit.h"

@@ -1,3 +1,5 @@
+#include "platform/system/HostSystemCalls.h"
+#include "platform/system/SystemResult.h"
 #include "slices/cleaning/SlicesToClean.h"
 #include "slices/record/Info.h"
 #include "slices/sizing/FolderSizing.h"

@@ -1,6 +1,7 @@
+#include "platform/system/HostSystemCalls.h"
 #include "slices/exclusions/ResolvedExclusions.h"
 #include "tests/slices/kit/CleaningKit.h"
-#include "tests/support/disk/ForwardingSystemCalls.h"
+#include "tests/support/disk/HookedSystem.h"
 #include "tests/support/run/TestMain.h"
 
 #include <cerrno>
@@ -116,7 +117,7 @@ void TestResolvedExclusions::isLostWithoutHarmWhereNothingIs()
 
 void TestResolvedExclusions::stopsEverythingWhileItCannotBeLookedAt()
 {
-    const ForwardingSystemCalls closed(
+    const HookedSystem closed(
         [](int, std::string_view name) { return name == "realPath" ? EACCES : 0; });
     QVERIFY(resolved(folder("closed/x"), closed).lost.at(0).isHidden);
     const CleaningPlan plan =

@@ -1,7 +1,8 @@
+#include "platform/system/HostSystemCalls.h"
 #include "slices/home/BrowserProfiles.h"
 
 #include "tests/slices/kit/HomeKit.h"
-#include "tests/support/disk/ForwardingSystemCalls.h"
+#include "tests/support/disk/HookedSystem.h"
 #include "tests/support/run/TestMain.h"
 
 #include <cerrno>
@@ -158,7 +159,7 @@ void TestBrowserProfiles::takesNoFailureForAList()
     QCOMPARE(firefoxes(home), QByteArrayList{"a"});
     QCOMPARE(chromiums(home), QByteArrayList{"School"});
     for (const char *call : {"openFile", "read"}) {
-        const ForwardingSystemCalls failing(
+        const HookedSystem failing(
             [&](int, std::string_view name) { return name == call ? EIO : 0; });
         QCOMPARE(firefoxProfiles(readerOf(home, failing), kFirefox), QByteArrayList());
         QCOMPARE(chromiumProfiles(readerOf(home, failing), kChromium), QByteArrayList());

@@ -1,6 +1,7 @@
+#include "platform/system/HostSystemCalls.h"
 #include "slices/home/HomePaths.h"
 #include "tests/slices/kit/HomeKit.h"
-#include "tests/support/disk/ForwardingSystemCalls.h"
+#include "tests/support/disk/HookedSystem.h"
 #include "tests/support/run/TestMain.h"
 
 /// What absolute paths mean in a home that is reached by two of them.
@@ -100,7 +101,7 @@ void TestHomePaths::followsLinksInsideTheHome()
 void TestHomePaths::looksAtNothingOutsideTheHome()
 {
     QByteArrayList called;
-    const ForwardingSystemCalls calls([&](int, std::string_view name) {
+    const HookedSystem calls([&](int, std::string_view name) {
         called.append(QByteArray(name.data(), static_cast<qsizetype>(name.size())));
         return 0;
     });

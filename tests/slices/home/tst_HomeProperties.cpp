@@ -1,6 +1,9 @@
+#include "platform/system/HostSystemCalls.h"
+#include "platform/system/SystemResult.h"
 #include "slices/sizing/FolderSizing.h"
 #include "tests/slices/kit/PlanKit.h"
 #include "tests/slices/kit/RandomHome.h"
+#include "tests/support/disk/ForwardingSystemCalls.h"
 #include "tests/support/run/TestMain.h"
 
 #include <QFileInfo>

@@ -1,5 +1,6 @@
+#include "platform/system/HostSystemCalls.h"
 #include "tests/slices/kit/HomeKit.h"
-#include "tests/support/disk/ForwardingSystemCalls.h"
+#include "tests/support/disk/HookedSystem.h"
 #include "tests/support/run/TestMain.h"
 
 #include <cerrno>
@@ -78,7 +79,7 @@ void TestHomeSurvey::costsOneCallToTellTheKind()
 {
     const MadeHome home({"Library/Caches/"});
     QByteArrayList calls;
-    const ForwardingSystemCalls watched([&](int, std::string_view name) {
+    const HookedSystem watched([&](int, std::string_view name) {
         calls.append(QByteArray(name.data(), static_cast<qsizetype>(name.size())));
         return 0;
     });
@@ -89,10 +90,9 @@ void TestHomeSurvey::costsOneCallToTellTheKind()
 void TestHomeSurvey::takesNoSilenceForAKind()
 {
     const MadeHome home(kPlainHome);
-    const ForwardingSystemCalls silent(ForwardingSystemCalls::failing(1, EIO));
+    const HookedSystem silent(HookedSystem::failing(1, EIO));
     QCOMPARE(homeKind(silent, home.access(), home.url()), HomeKind::Unknown);
-    const HomeLayout layout =
-        home.survey({}, ForwardingSystemCalls(ForwardingSystemCalls::failing(1, EACCES)));
+    const HomeLayout layout = home.survey({}, HookedSystem(HookedSystem::failing(1, EACCES)));
     QCOMPARE(layout.kind(), HomeKind::Unknown);
     QVERIFY(!layout.locations(SliceKind::Trash));
 }
@@ -110,7 +110,7 @@ void TestHomeSurvey::endsSoonOnceItIsToldTo()
     const MadeHome home(kPlainHome);
     std::stop_source stop;
     int listings = 0;
-    const ForwardingSystemCalls calls([&](int, std::string_view name) {
+    const HookedSystem calls([&](int, std::string_view name) {
         if (name == "readEntries") {
             ++listings;
             stop.request_stop();

@@ -1,7 +1,10 @@
 #pragma once
 
+#include "platform/system/FileDescriptor.h"
+#include "platform/system/HostSystemCalls.h"
 #include "slices/cleaning/Cleaning.h"
 #include "tests/support/disk/FolderAccess.h"
+#include "tests/support/disk/OpenedFolder.h"
 #include "tests/support/run/LogRecorder.h"
 
 #include <QByteArrayList>

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/system/HostSystemCalls.h"
 #include "slices/home/HomeSurvey.h"
 #include "slices/home/ProgramsInUse.h"
 #include "tests/slices/kit/CleaningKit.h"

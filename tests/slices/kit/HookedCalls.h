@@ -1,5 +1,8 @@
 #pragma once
 
+#include "platform/system/Descent.h"
+#include "platform/system/FileStatus.h"
+#include "platform/system/SystemResult.h"
 #include "tests/support/disk/ForwardingSystemCalls.h"
 
 #include <optional>

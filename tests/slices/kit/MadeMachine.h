@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/system/SystemResult.h"
 #include "tests/support/disk/ForwardingSystemCalls.h"
 
 #include <set>

@@ -4,14 +4,14 @@
 #include "slices/cleaning/SlicesToClean.h"
 #include "slices/record/Info.h"
 #include "tests/slices/kit/HomeKit.h"
-#include "tests/support/disk/ForwardingSystemCalls.h"
+#include "tests/support/disk/HookedSystem.h"
 
 /// What the tests of whole plans share: a plan of all slices, and how it reads.
 
 /// The plan of a cleaning of all slices of a home, made in the steps in which the program makes it.
 inline CleaningPlan planOfEverything(const MadeHome &home, const HomeLayout &layout,
                                      const FileUrls &excluded = {},
-                                     const SystemCalls &calls = ForwardingSystemCalls())
+                                     const SystemCalls &calls = HookedSystem())
 {
     std::vector<std::shared_ptr<Info>> records;
     for (const SliceDescription &slice : sliceCatalogue())

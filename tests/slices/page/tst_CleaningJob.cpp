@@ -1,3 +1,4 @@
+#include "platform/system/HostSystemCalls.h"
 #include "slices/page/CleaningJob.h"
 
 #include "app/grant/ResourceManager.h"
@@ -5,7 +6,7 @@
 #include "slices/record/Info.h"
 #include "slices/record/SliceCatalogue.h"
 #include "slices/sizing/FolderSizing.h"
-#include "tests/support/disk/ForwardingSystemCalls.h"
+#include "tests/support/disk/HookedSystem.h"
 #include "tests/support/page/PageFixture.h"
 #include "tests/support/run/GuiTestMain.h"
 
@@ -25,7 +26,7 @@ const CleaningJob::Exclusions kNothingExcluded = [] { return ExcludedPaths(); };
 class Gate final
 {
 public:
-    ForwardingSystemCalls::Hook hook()
+    HookedSystem::Hook hook()
     {
         return [this](int, std::string_view name) {
             if (name == "removeFile") {
@@ -76,7 +77,7 @@ private:
     void makeTrash(int files);
 
     std::unique_ptr<PageFixture> m_fixture;
-    ForwardingSystemCalls m_calls;
+    HookedSystem m_calls;
 };
 
 void TestCleaningJob::init()

@@ -1,4 +1,5 @@
 #include "app/grant/ResourceManager.h"
+#include "platform/system/SystemResult.h"
 #include "slices/exclusions/ExcludedPaths.h"
 #include "slices/home/HomeSurvey.h"
 #include "slices/page/CleaningJob.h"

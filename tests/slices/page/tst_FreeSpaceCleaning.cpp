@@ -4,6 +4,7 @@
 #include "chart/PieChart.h"
 #include "platform/look/Images.h"
 #include "platform/look/ViewAlpha.h"
+#include "platform/system/HostSystemCalls.h"
 #include "slices/page/FreeSpaceViewController.h"
 #include "tests/support/disk/WatchedSystemCalls.h"
 #include "tests/support/page/PageFixture.h"

@@ -4,6 +4,7 @@
 #include "chart/PieChart.h"
 #include "largefiles/sheet/LargeFilesWindowController.h"
 #include "largefiles/sheet/TextButton.h"
+#include "platform/system/HostSystemCalls.h"
 #include "slices/page/FreeSpaceViewController.h"
 #include "tests/support/page/PageFixture.h"
 #include "tests/support/page/RecordingPageDelegate.h"

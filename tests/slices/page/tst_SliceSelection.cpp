@@ -1,3 +1,5 @@
+#include "platform/system/HostSystemCalls.h"
+#include "platform/system/SystemResult.h"
 #include "slices/page/SliceSelection.h"
 
 #include "app/grant/ResourceManager.h"

@@ -1,3 +1,6 @@
+#include "platform/system/FileStatus.h"
+#include "platform/system/HostSystemCalls.h"
+#include "platform/system/SystemResult.h"
 #include "slices/sizing/FolderSizing.h"
 #include "tests/support/disk/FolderAccess.h"
 #include "tests/support/disk/ForwardingSystemCalls.h"

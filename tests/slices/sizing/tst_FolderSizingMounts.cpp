@@ -1,3 +1,4 @@
+#include "platform/system/HostSystemCalls.h"
 #include "slices/sizing/FolderSizing.h"
 #include "tests/slices/kit/CleaningKit.h"
 #include "tests/support/disk/ForwardingSystemCalls.h"

@@ -1,3 +1,4 @@
+#include "platform/system/HostSystemCalls.h"
 #include "slices/sizing/FolderSizing.h"
 #include "tests/support/disk/MadeTree.h"
 #include "tests/support/run/Administrator.h"

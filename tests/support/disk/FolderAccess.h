@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/files/FileAccess.h"
-#include "platform/system/SystemCalls.h"
+#include "tests/support/disk/OpenedFolder.h"
 #include "tests/support/run/BackgroundThreadsAwaited.h"
 
 #include <atomic>
@@ -15,10 +15,10 @@ public:
     enum class Answers { Always, WhileAccessed };
 
     explicit FolderAccess(const QByteArray &folder, Answers answers = Answers::Always)
-        : m_folder(folder), m_answers(answers)
+        : m_folder(folder),
+          m_anchor(std::make_shared<const FileDescriptor>(openedFolder(folder))),
+          m_answers(answers)
     {
-        if (auto opened = hostSystemCalls().openRoot(folder.constData()))
-            m_anchor = std::make_shared<const FileDescriptor>(std::move(*opened));
     }
     /// Of a folder that is open, whatever rights this process has.
     FolderAccess(const QByteArray &folder, std::shared_ptr<const FileDescriptor> anchor,

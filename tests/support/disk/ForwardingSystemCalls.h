@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/system/FileDescriptor.h"
+#include "platform/system/HostSystemCalls.h"
 #include "platform/system/SystemCalls.h"
 
 #include <atomic>

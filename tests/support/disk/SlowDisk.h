@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/support/disk/ForwardingSystemCalls.h"
+#include "tests/support/disk/HookedSystem.h"
 
 #include <QStringList>
 #include <condition_variable>
@@ -40,5 +40,5 @@ private:
     QString m_hangsAt; ///< all calls, when empty
     int m_waiting = 0;
     QStringList m_askedHere;
-    ForwardingSystemCalls m_calls{[this](int, std::string_view name) { return hear(name); }};
+    HookedSystem m_calls{[this](int, std::string_view name) { return hear(name); }};
 };

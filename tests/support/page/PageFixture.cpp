@@ -3,6 +3,8 @@
 #include "app/InterfaceClasses.h"
 #include "app/settings/SettingsKeys.h"
 #include "platform/files/FolderGrant.h"
+#include "platform/system/HostSystemCalls.h"
+#include "platform/system/SystemResult.h"
 #include "tests/support/page/ResourceManagerReset.h"
 
 #include <QFile>

@@ -9,6 +9,8 @@
 
 #include <memory>
 
+class SystemCalls;
+
 /// A workspace that opens nothing and remembers what it was asked for.
 class RecordingWorkspace final : public Workspace
 {

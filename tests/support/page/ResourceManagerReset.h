@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/grant/ResourceManager.h"
+#include "platform/system/HostSystemCalls.h"
 
 /// Begins another run of the program as far as the granted home folder goes. The program itself
 /// has no such thing: what a run began with stays in force. Waits for background threads; no other

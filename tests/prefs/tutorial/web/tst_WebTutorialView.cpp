@@ -1,3 +1,4 @@
+#include "platform/system/HostSystemCalls.h"
 #include "prefs/tutorial/WebTutorialView.h"
 
 #include "app/settings/UserDefaults.h"

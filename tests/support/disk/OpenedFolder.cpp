@@ -1,0 +1,12 @@
+#include "tests/support/disk/OpenedFolder.h"
+
+#include "platform/system/HostSystemCalls.h"
+#include "platform/system/SystemCalls.h"
+
+FileDescriptor openedFolder(const QByteArray &path)
+{
+    auto opened = hostSystemCalls().openRoot(path.constData());
+    if (!opened)
+        qFatal("%s cannot be opened: errno %d", path.constData(), opened.error());
+    return std::move(*opened);
+}
