@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# What ./run and ./test share: finds and installs what is missing on Debian, then builds a preset.
+# What ./run, ./test and the scripts share: finds and installs what is missing on Debian, then builds a preset.
 # Sourced from the repository's top folder, with set -euo pipefail in force.
 
 # Debian's packages, by what they are for.
@@ -15,6 +15,8 @@ declare -A PACKAGES=(
     [showing]="xvfb xauth openbox"
     # The tests' own file systems and attributes; keys that come from outside the program.
     [testing]="e2fsprogs xdotool"
+    # What judges a change before it is sent.
+    [checking]="clang-format clang-tidy git"
 )
 
 LOG_FOLDER=build/logs
@@ -91,6 +93,7 @@ This is not Debian, so nothing is installed for you. Vantor needs:
   the static OpenType files of the Inter typeface (their folder goes into VANTOR_FONT_DIR)
   without a desktop: Xvfb and xvfb-run, xauth, openbox
   for the tests: e2fsprogs, xdotool
+  to check a change: clang-format, clang-tidy (14 or later), git
 NEEDS
     local tool
     for tool in c++ cmake ninja; do
@@ -98,7 +101,7 @@ NEEDS
     done
 }
 
-# install_needs PURPOSE...: building, running, showing, testing.
+# install_needs PURPOSE...: building, running, showing, testing, checking.
 install_needs() {
     local purpose packages=()
     for purpose in "$@"; do
