@@ -14,14 +14,43 @@ function(vantor_room)
     list(FILTER sources EXCLUDE REGEX "_[a-z0-9]+\\.cpp$")
     add_library(${name} STATIC ${sources} ${of_this_system})
     target_link_libraries(${name} PUBLIC vantor_options ${ARG_LINKS})
+    set_target_properties(${name} PROPERTIES VANTOR_CORE ${ARG_CORE})
 endfunction()
 
-# vantor_tests(LINKS ... [GUI] [ONLY tst_A tst_B ...]): every tst_*.cpp of this folder becomes one
-# test of that name, but for those that an earlier call with ONLY has named.
+# What is built for a run of some tests only: each target stands for the ctest label of its name.
+add_custom_target(fast-tests)
+add_custom_target(engine-tests)
+
+# vantor_test_labels(VARIABLE folder [SLOW] [GUI]): "fast" but for SLOW tests, and "engine" for tests
+# of a CORE room without widgets, which are run under the sanitizers.
+function(vantor_test_labels variable folder)
+    cmake_parse_arguments(ARG "GUI;SLOW" "" "" ${ARGN})
+    string(REPLACE "/" "_" room "vantor_${folder}")
+    set(labels)
+    if(NOT ARG_SLOW)
+        list(APPEND labels fast)
+    endif()
+    if(TARGET ${room} AND NOT ARG_GUI)
+        get_target_property(is_core ${room} VANTOR_CORE)
+        if(is_core)
+            list(APPEND labels engine)
+        endif()
+    endif()
+    set(${variable} "${labels}" PARENT_SCOPE)
+endfunction()
+
+# vantor_tests(LINKS ... [GUI] [SLOW] [ONLY tst_A tst_B ...]): every tst_*.cpp of this folder becomes
+# one test of that name, but for those that an earlier call with ONLY has named. SLOW tests drive the
+# whole program or the web engine; ./test --fast leaves them out.
 # A test never sees the user's own bus, display or settings; tests/support makes it a home of its own.
 function(vantor_tests)
-    cmake_parse_arguments(ARG "GUI" "" "LINKS;ONLY" ${ARGN})
+    cmake_parse_arguments(ARG "GUI;SLOW" "" "LINKS;ONLY" ${ARGN})
     file(RELATIVE_PATH folder ${PROJECT_SOURCE_DIR}/tests ${CMAKE_CURRENT_SOURCE_DIR})
+    vantor_test_labels(labels ${folder} ${ARGN})
+    set(support vantor_test_support)
+    if(ARG_GUI)
+        set(support vantor_test_support_gui)
+    endif()
     file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/tst_*.cpp)
     foreach(source ${sources})
         get_filename_component(name ${source} NAME_WE)
@@ -30,10 +59,12 @@ function(vantor_tests)
         endif()
         add_executable(${name} ${source})
         set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
-        target_link_libraries(${name} PRIVATE vantor_options ${ARG_LINKS} Qt6::Test
-            $<IF:$<BOOL:${ARG_GUI}>,vantor_test_support_gui,vantor_test_support>)
+        target_link_libraries(${name} PRIVATE vantor_options ${ARG_LINKS} Qt6::Test ${support})
         add_test(NAME ${folder}/${name} COMMAND ${name})
-        set_tests_properties(${folder}/${name} PROPERTIES TIMEOUT 240 ENVIRONMENT
+        set_tests_properties(${folder}/${name} PROPERTIES LABELS "${labels}" TIMEOUT 240 ENVIRONMENT
             "QT_QPA_PLATFORM=offscreen;DBUS_SESSION_BUS_ADDRESS=disabled:;LANG=C.UTF-8;LC_ALL=C.UTF-8;QTWEBENGINE_DISABLE_SANDBOX=1;TSAN_OPTIONS=die_after_fork=0:suppressions='${PROJECT_SOURCE_DIR}/tests/support/tsan.supp';LSAN_OPTIONS=print_suppressions=0:suppressions='${PROJECT_SOURCE_DIR}/tests/support/lsan.supp'")
+        foreach(label ${labels})
+            add_dependencies(${label}-tests ${name})
+        endforeach()
     endforeach()
 endfunction()
