@@ -3,6 +3,7 @@ set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_AUTOMOC ON)
+set(CMAKE_GLOBAL_AUTOGEN_TARGET ON) # "autogen": what moc makes, and nothing else
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR})
 
@@ -22,9 +23,21 @@ if(VANTOR_SANITIZE)
     target_link_options(vantor_options INTERFACE "$<${sanitized}:-fsanitize=${VANTOR_SANITIZE}>")
 endif()
 
+# It links in less than half the time of the system's usual one.
+include(CheckLinkerFlag)
+check_linker_flag(CXX -fuse-ld=gold VANTOR_HAS_GOLD)
+if(VANTOR_HAS_GOLD)
+    target_link_options(vantor_options INTERFACE -fuse-ld=gold)
+endif()
+
+# What it must overlook to keep what was compiled with precompiled headers.
 find_program(CCACHE ccache)
 if(CCACHE)
-    set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env
+        CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime ${CCACHE})
+    if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+        add_compile_options(-fpch-preprocess)
+    endif()
 endif()
 
 # Sources of one system are called after it: X_linux.cpp.

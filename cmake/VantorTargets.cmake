@@ -1,10 +1,11 @@
-# vantor_room([CORE] LINKS ...): all sources of this folder become one static library of the house,
+# vantor_room([CORE] LINKS ... [NO_WIDGETS]): all sources of this folder become one static library of the house,
 # called after the folder: platform/system is vantor_platform_system. It may include only what it
-# links; tests/lint holds it to that. CORE: Qt Core at most, no widget.
+# links; tests/lint holds it to that. CORE: Qt Core at most, no widget. NO_WIDGETS: no engine, but
+# links no widgets either.
 # A source called X_linux.cpp belongs to it where the system is called so (CMAKE_SYSTEM_NAME in small
 # letters); to bring it to another system means to add such files.
 function(vantor_room)
-    cmake_parse_arguments(ARG "CORE" "" "LINKS" ${ARGN})
+    cmake_parse_arguments(ARG "CORE;NO_WIDGETS" "" "LINKS" ${ARGN})
     file(RELATIVE_PATH folder ${PROJECT_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR})
     string(REPLACE "/" "_" name "vantor_${folder}")
     file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp ${CMAKE_CURRENT_SOURCE_DIR}/*.h)
@@ -15,6 +16,11 @@ function(vantor_room)
     add_library(${name} STATIC ${sources} ${of_this_system})
     target_link_libraries(${name} PUBLIC vantor_options ${ARG_LINKS})
     set_target_properties(${name} PROPERTIES VANTOR_CORE ${ARG_CORE})
+    if(ARG_CORE OR ARG_NO_WIDGETS)
+        vantor_precompile(${name} core)
+    else()
+        vantor_precompile(${name} widgets)
+    endif()
 endfunction()
 
 # What is built for a run of some tests only: each target stands for the ctest label of its name.
@@ -48,8 +54,10 @@ function(vantor_tests)
     file(RELATIVE_PATH folder ${PROJECT_SOURCE_DIR}/tests ${CMAKE_CURRENT_SOURCE_DIR})
     vantor_test_labels(labels ${folder} ${ARGN})
     set(support vantor_test_support)
+    set(headers core_tests)
     if(ARG_GUI)
         set(support vantor_test_support_gui)
+        set(headers widget_tests)
     endif()
     file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/tst_*.cpp)
     foreach(source ${sources})
@@ -60,6 +68,7 @@ function(vantor_tests)
         add_executable(${name} ${source})
         set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
         target_link_libraries(${name} PRIVATE vantor_options ${ARG_LINKS} Qt6::Test ${support})
+        vantor_precompile(${name} ${headers})
         add_test(NAME ${folder}/${name} COMMAND ${name})
         set_tests_properties(${folder}/${name} PROPERTIES LABELS "${labels}" TIMEOUT 240 ENVIRONMENT
             "QT_QPA_PLATFORM=offscreen;DBUS_SESSION_BUS_ADDRESS=disabled:;LANG=C.UTF-8;LC_ALL=C.UTF-8;QTWEBENGINE_DISABLE_SANDBOX=1;TSAN_OPTIONS=die_after_fork=0:suppressions='${PROJECT_SOURCE_DIR}/tests/support/tsan.supp';LSAN_OPTIONS=print_suppressions=0:suppressions='${PROJECT_SOURCE_DIR}/tests/support/lsan.supp'")
