@@ -9,6 +9,7 @@
 #include "largefiles/sheet/TextButton.h"
 #include "platform/desktop/InterfaceLoader.h"
 #include "platform/desktop/Workspace.h"
+#include "platform/system/HostSystemCalls.h"
 #include "tests/support/disk/FolderAccess.h"
 #include "tests/support/disk/ScratchFolder.h"
 #include "tests/support/page/SheetHost.h"

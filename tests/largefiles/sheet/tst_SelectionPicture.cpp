@@ -1,4 +1,5 @@
 #include "largefiles/sheet/SelectionPicture.h"
+#include "platform/system/HostSystemCalls.h"
 
 #include "largefiles/sheet/FileIconNames.h"
 #include "tests/support/disk/FolderAccess.h"

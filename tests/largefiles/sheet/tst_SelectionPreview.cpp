@@ -1,4 +1,5 @@
 #include "largefiles/sheet/SelectionPreview.h"
+#include "platform/system/HostSystemCalls.h"
 
 #include "largefiles/preview/PreviewPanel.h"
 #include "largefiles/search/LargeFileList.h"

@@ -1,3 +1,4 @@
+#include "platform/system/HostSystemCalls.h"
 #include "tests/slices/kit/CleaningKit.h"
 #include "tests/support/disk/MountNamespace.h"
 #include "tests/support/run/Administrator.h"

@@ -1,3 +1,4 @@
+#include "platform/system/HostSystemCalls.h"
 #include "tests/slices/kit/Interlopers.h"
 #include "tests/support/run/TestMain.h"
 

@@ -2,13 +2,14 @@
 
 #include "app/grant/ResourceManager.h"
 #include "app/settings/SettingsKeys.h"
+#include "platform/system/HostSystemCalls.h"
 #include "slices/page/CleaningFlow.h"
 #include "slices/page/HomeWatch.h"
 #include "tests/support/disk/SlowDisk.h"
 #include "tests/support/page/FirefoxProfiles.h"
 #include "tests/support/page/PageFixture.h"
-#include "tests/support/run/GuiTestMain.h"
 #include "tests/support/run/BackgroundThreadsAwaited.h"
+#include "tests/support/run/GuiTestMain.h"
 
 #include <QFile>
 #include <unistd.h>

@@ -4,6 +4,7 @@
 #include "chart/PieChart.h"
 #include "platform/look/ViewAlpha.h"
 #include "platform/sheet/Sheet.h"
+#include "platform/system/HostSystemCalls.h"
 #include "prefs/popover/MessageField.h"
 #include "prefs/popover/Popover.h"
 #include "prefs/tutorial/DemoWindowController.h"

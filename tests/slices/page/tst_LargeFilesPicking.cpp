@@ -1,3 +1,4 @@
+#include "platform/system/HostSystemCalls.h"
 #include "slices/page/LargeFilesPicking.h"
 
 #include "app/grant/ResourceManager.h"
@@ -6,8 +7,8 @@
 #include "slices/page/HomeWatch.h"
 #include "tests/support/page/PageFixture.h"
 #include "tests/support/page/SheetDriver.h"
-#include "tests/support/run/GuiTestMain.h"
 #include "tests/support/run/BackgroundThreadsAwaited.h"
+#include "tests/support/run/GuiTestMain.h"
 
 #include <QFile>
 #include <QSignalSpy>
