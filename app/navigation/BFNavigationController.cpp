@@ -4,6 +4,7 @@
 #include "app/navigation/BFViewController.h"
 #include "app/navigation/NavigationView.h"
 #include "platform/base/Log.h"
+#include "platform/look/Pace.h"
 #include "platform/look/ViewAlpha.h"
 
 #include <QTimer>
@@ -129,7 +130,7 @@ void BFNavigationController::fade(ViewController *from, ViewController *to)
     to->view()->setGeometry(view()->rect());
     setAlphaValue(*to->view(), 0);
     animateAlphaValue(*from->view(), 0);
-    QTimer::singleShot(kPause, Qt::PreciseTimer, this,
+    QTimer::singleShot(paced(kPause), Qt::PreciseTimer, this,
                        [this, outgoing = QPointer(from), incoming = QPointer(to)] {
                            if (incoming)
                                finishFade(outgoing, incoming);

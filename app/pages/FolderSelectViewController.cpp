@@ -6,6 +6,7 @@
 #include "platform/desktop/InterfaceLoader.h"
 #include "platform/files/FileUrl.h"
 #include "platform/files/FolderGrant.h"
+#include "platform/look/Pace.h"
 #include "platform/openpanel/OpenPanel.h"
 #include "platform/sheet/Alert.h"
 #include "widgets/ImageButton.h"
@@ -35,7 +36,7 @@ FolderSelectViewController::FolderSelectViewController(const InterfaceLoader &lo
 {
     m_forwardTimer.setSingleShot(true);
     m_forwardTimer.setTimerType(Qt::PreciseTimer); // a coarse one may fire before its time
-    m_forwardTimer.setInterval(kPauseBeforeNextPage);
+    m_forwardTimer.setInterval(paced(kPauseBeforeNextPage));
     connect(&m_forwardTimer, &QTimer::timeout, this,
             &FolderSelectViewController::goForwardIfGranted);
 }

@@ -1,5 +1,7 @@
 #include "platform/look/ViewAlpha.h"
 
+#include "platform/look/Pace.h"
+
 #include "platform/look/AlphaVeil.h"
 
 #include <QEvent>
@@ -202,7 +204,7 @@ std::chrono::milliseconds animationDuration(const QWidget &widget,
 {
     const bool isAnimated =
         widget.style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, &widget) > 0;
-    return isAnimated ? duration : std::chrono::milliseconds::zero();
+    return isAnimated ? paced(duration) : std::chrono::milliseconds::zero();
 }
 
 #include "ViewAlpha.moc"

@@ -8,6 +8,7 @@
 #include "platform/base/ByteCount.h"
 #include "platform/base/Log.h"
 #include "platform/desktop/InterfaceLoader.h"
+#include "platform/look/Pace.h"
 #include "platform/look/ViewAlpha.h"
 #include "platform/sheet/Sheet.h"
 #include "prefs/tutorial/DemoWindowController.h"
@@ -124,7 +125,7 @@ void FreeSpaceViewController::viewDidAppear(bool)
         return; // left again before it had come in
     m_presence = Presence::Shown;
     setEnabledWithFocus(*m_startButton, *view(), m_home.isKnown());
-    QTimer::singleShot(kPauseBeforeTutorial, this,
+    QTimer::singleShot(paced(kPauseBeforeTutorial), this,
                        &FreeSpaceViewController::showTutorialUnlessDeclined);
 }
 

@@ -3,6 +3,7 @@
 #include "app/grant/ResourceManager.h"
 #include "app/pages/DiskInfoViewController.h"
 #include "app/settings/SettingsKeys.h"
+#include "platform/look/Pace.h"
 #include "tests/support/page/ResourceManagerReset.h"
 #include "tests/support/run/BackgroundThreadsAwaited.h"
 
@@ -20,9 +21,21 @@ void addKindsOfHomes()
         QTest::newRow("freedesktop") << HomeKind::Freedesktop;
 }
 
-void JourneyFixture::start(Tutorial tutorial)
+JourneyFixture::JourneyFixture(HomeKind kind)
+    : m_home(m_place, 1, kind), m_workspace(std::make_shared<RecordingWorkspace>())
+{
+}
+
+JourneyFixture::~JourneyFixture()
 {
     quit();
+    setPace(1);
+}
+
+void JourneyFixture::start(Tutorial tutorial, Pace pace)
+{
+    quit();
+    setPace(pace == Pace::User ? 1 : 0);
     ResourceManagerReset::beginRun();
     AppDelegate::Configuration configuration;
     configuration.calls = m_calls;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/AppDelegate.h"
-#include "tests/support/disk/ForwardingSystemCalls.h"
+#include "tests/support/disk/HookedSystem.h"
 #include "tests/support/page/Journey.h"
 #include "tests/support/page/PageFixture.h"
 #include "tests/support/page/SampleHome.h"
@@ -21,15 +21,15 @@ public:
     /// Whether the user has declined the tutorial before the program starts.
     enum class Tutorial { Declined, Shown };
 
-    explicit JourneyFixture(HomeKind kind = HomeKind::Library)
-        : m_home(m_place, 1, kind), m_workspace(std::make_shared<RecordingWorkspace>())
-    {
-    }
-    ~JourneyFixture() { quit(); }
+    /// At a user's pace, or as fast as the program can: nothing fades then, and no page waits.
+    enum class Pace { User, Hasty };
+
+    explicit JourneyFixture(HomeKind kind = HomeKind::Library);
+    ~JourneyFixture();
     JourneyFixture(const JourneyFixture &) = delete;
     JourneyFixture &operator=(const JourneyFixture &) = delete;
 
-    void start(Tutorial tutorial = Tutorial::Declined);
+    void start(Tutorial tutorial = Tutorial::Declined, Pace pace = Pace::Hasty);
     /// Ends the program and waits for what it still does.
     void quit();
 
@@ -52,7 +52,7 @@ public:
 private:
     ScratchFolder m_place;
     SampleHome m_home;
-    ForwardingSystemCalls m_calls;
+    HookedSystem m_calls;
     std::shared_ptr<RecordingWorkspace> m_workspace;
     std::unique_ptr<AppDelegate> m_application;
     std::unique_ptr<Journey> m_journey;

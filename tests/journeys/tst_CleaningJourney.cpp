@@ -77,6 +77,7 @@ void TestCleaningJourney::exclude(const QByteArray &relativePath)
 
 void TestCleaningJourney::grantsMeasuresCleansAndShows()
 {
+    m_fixture->start(JourneyFixture::Tutorial::Declined, JourneyFixture::Pace::User);
     QVERIFY(m_fixture->reachSlices());
     qint64 expected = 0;
     for (int slice = 0; slice < kSliceCount; ++slice) {
