@@ -95,7 +95,7 @@ void TestDurableFileFaults::aCallThatWasInterruptedIsMadeAgain()
         const DurableFileFolder folder;
         folder.fill();
         int count = 0;
-        const ForwardingSystemCalls calls([&](int, std::string_view name) {
+        const HookedSystem calls([&](int, std::string_view name) {
             return name == interrupted && count++ == 0 ? EINTR : 0;
         });
         QVERIFY(folder.file(calls).write(kNew, Replace::Anything));

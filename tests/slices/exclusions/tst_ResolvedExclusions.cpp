@@ -129,7 +129,7 @@ void TestResolvedExclusions::stopsEverythingWhileItCannotBeLookedAt()
     QCOMPARE(plan.refusals().first().error, EACCES);
     // The way there may be open, and only the item itself hidden.
     makeFile(*m_scratch / "outside/x");
-    const ForwardingSystemCalls hidden(
+    const HookedSystem hidden(
         [](int, std::string_view name) { return name == "identity" ? EACCES : 0; });
     QVERIFY(resolved(folder("outside/x"), hidden).lost.at(0).isHidden);
 }

@@ -275,7 +275,7 @@ void TestFolderSizing::logsWhetherItMayBeRemovedBeforeWhetherItIsUnlocked()
 {
     const MadeTree tree;
     tree.makeFile("file", 5);
-    CountedAccess access(tree);
+    FolderAccess access(tree.path(), FolderAccess::Answers::WhileAccessed);
     const LogLines log;
     const FileUrl url = FileUrl::fromPath(tree.path("file"), FileUrlKind::File);
     QCOMPARE(sizeForFolderAtPath(LockedCalls(), access, url), 0);

@@ -18,7 +18,7 @@ public:
     using Hook = std::function<int(int number, std::string_view name)>;
 
     explicit HookedSystem(Hook hook = {}, const SystemCalls &next = hostSystemCalls());
-    /// Waits for loose threads that may be calling.
+    /// Waits for background threads that may be calling.
     ~HookedSystem();
 
     /// Stands for the calls wherever they are asked for.
