@@ -1,6 +1,7 @@
 #include "app/InterfaceClasses.h"
 
 #include "chart/PieChart.h"
+#include "chart/PieChartAccessible.h"
 #include "largefiles/sheet/InterfaceClasses.h"
 #include "platform/desktop/InterfaceLoader.h"
 #include "prefs/exclusions/InterfaceClasses.h"
@@ -12,4 +13,5 @@ void registerInterfaceClasses(InterfaceLoader &loader)
     registerLargeFilesClasses(loader);
     registerPrefsClasses(loader);
     loader.registerClass<PieChart>();
+    installPieChartAccessibility();
 }

@@ -1,6 +1,6 @@
 #include "chart/PieChart.h"
 
-#include "chart/PieChartAccessible.h"
+#include "chart/SliceAnnouncements.h"
 #include "chart/SliceReload.h"
 #include "platform/base/Log.h"
 
@@ -18,7 +18,6 @@ PieChart::PieChart(QWidget *parent)
       })
 {
     connectParts();
-    installPieChartAccessibility();
 }
 
 PieChart::PieChart(const QRect &frame, QWidget *parent) : PieChart(parent)

@@ -202,15 +202,6 @@ QAccessibleInterface *madeInterface(const QString &, QObject *object)
     return chart ? new ChartAccessible(*chart) : nullptr;
 }
 
-void announce(PieChart &chart, int index, QAccessible::Event type)
-{
-    if (!QAccessible::isActive() || index < 0)
-        return;
-    QAccessibleEvent event(&chart, type);
-    event.setChild(index);
-    QAccessible::updateAccessibility(&event);
-}
-
 } // namespace
 
 void installPieChartAccessibility()
@@ -219,25 +210,4 @@ void installPieChartAccessibility()
         QAccessible::installFactory(madeInterface);
         return true;
     }();
-}
-
-void announceFocusedSlice(PieChart &chart, int index)
-{
-    announce(chart, index, QAccessible::Focus);
-}
-
-void announceSliceName(PieChart &chart, int index)
-{
-    announce(chart, index, QAccessible::NameChanged);
-}
-
-void announceSliceState(PieChart &chart, int index)
-{
-    if (!QAccessible::isActive() || index < 0)
-        return;
-    QAccessible::State changed;
-    changed.checked = true;
-    QAccessibleStateChangeEvent event(&chart, changed);
-    event.setChild(index);
-    QAccessible::updateAccessibility(&event);
 }

@@ -2,6 +2,7 @@
 #include "platform/desktop/InterfaceLoader.h"
 #include "tests/support/run/GuiTestMain.h"
 
+#include <QAccessible>
 #include <QDir>
 #include <QLabel>
 
@@ -19,6 +20,7 @@ private Q_SLOTS:
     void holdTheirOutlets();
     void showTheirTextsWhole_data() { load_data(); }
     void showTheirTextsWhole();
+    void showThePieToAssistiveTechnology();
 
 private:
     InterfaceLoader m_loader;

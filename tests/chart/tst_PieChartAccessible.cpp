@@ -1,3 +1,4 @@
+#include "chart/PieChartAccessible.h"
 #include "tests/chart/FakeSlices.h"
 #include "tests/support/run/GuiTestMain.h"
 
@@ -26,6 +27,7 @@ class TestPieChartAccessible final : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase() { installPieChartAccessibility(); }
     void init();
     void cleanup();
 
