@@ -1,6 +1,6 @@
 #pragma once
 
-#include "chart/ArcAnimation.h"
+#include "chart/slice/ArcAnimation.h"
 
 #include <QObject>
 #include <QTimer>

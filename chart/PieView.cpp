@@ -1,6 +1,6 @@
 #include "chart/PieView.h"
 
-#include "chart/SlicePainting.h"
+#include "chart/slice/SlicePainting.h"
 #include "platform/base/Log.h"
 
 #include <QPaintEvent>

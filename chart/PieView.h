@@ -1,7 +1,7 @@
 #pragma once
 
-#include "chart/ChartPlane.h"
-#include "chart/SliceLayer.h"
+#include "chart/slice/ChartPlane.h"
+#include "chart/slice/SliceLayer.h"
 #include "widgets/BackgroundView.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "chart/GradientLayer.h"
 #include "chart/PieChartDataSource.h"
+#include "chart/slice/GradientLayer.h"
 
 #include <vector>
 

@@ -113,5 +113,14 @@ void TestInterfaceDescriptions::showTheirTextsWhole()
     }
 }
 
+void TestInterfaceDescriptions::showThePieToAssistiveTechnology()
+{
+    const LoadedInterface page = m_loader.load(QStringLiteral("FreeSpaceViewController"));
+    QVERIFY(page);
+    auto *pie = (*page)->findChild<QWidget *>(QStringLiteral("pieChart"));
+    QVERIFY(pie);
+    QCOMPARE(QAccessible::queryAccessibleInterface(pie)->role(), QAccessible::List);
+}
+
 VANTOR_GUI_TEST_MAIN(TestInterfaceDescriptions)
 #include "tst_InterfaceDescriptions.moc"

@@ -1,4 +1,4 @@
-#include "chart/ArcAnimation.h"
+#include "chart/slice/ArcAnimation.h"
 #include "tests/support/run/TestMain.h"
 
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "chart/InfoLayer.h"
+#include "chart/slice/InfoLayer.h"
 
 #include "platform/look/Images.h"
 #include "slices/record/Info.h"

@@ -1,4 +1,4 @@
-#include "chart/SliceLayer.h"
+#include "chart/slice/SliceLayer.h"
 
 #include <QDebug>
 #include <QtMath>

@@ -1,4 +1,4 @@
-#include "chart/GradientLayer.h"
+#include "chart/slice/GradientLayer.h"
 
 #include <QLinearGradient>
 

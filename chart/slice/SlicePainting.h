@@ -1,6 +1,6 @@
 #pragma once
 
-#include "chart/SliceLayer.h"
+#include "chart/slice/SliceLayer.h"
 
 class QPainter;
 

@@ -1,4 +1,4 @@
-#include "chart/SliceArc.h"
+#include "chart/slice/SliceArc.h"
 
 #include "tests/support/run/GuiTestMain.h"
 

@@ -1,4 +1,4 @@
-#include "chart/SlicePainting.h"
+#include "chart/slice/SlicePainting.h"
 
 #include <QPainter>
 #include <algorithm>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "chart/GradientLayer.h"
-#include "chart/InfoLayer.h"
-#include "chart/SliceArc.h"
-#include "chart/SliceGeometry.h"
+#include "chart/slice/GradientLayer.h"
+#include "chart/slice/InfoLayer.h"
+#include "chart/slice/SliceArc.h"
+#include "chart/slice/SliceGeometry.h"
 
 #include <QColor>
 #include <QPainterPath>

@@ -1,4 +1,4 @@
-#include "chart/SliceLayer.h"
+#include "chart/slice/SliceLayer.h"
 #include "tests/support/run/GuiTestMain.h"
 
 #include <cmath>

@@ -1,5 +1,5 @@
-#include "chart/ChartPlane.h"
-#include "chart/SliceGeometry.h"
+#include "chart/slice/ChartPlane.h"
+#include "chart/slice/SliceGeometry.h"
 #include "tests/support/run/TestMain.h"
 
 #include <cmath>

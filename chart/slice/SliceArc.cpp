@@ -1,4 +1,4 @@
-#include "chart/SliceArc.h"
+#include "chart/slice/SliceArc.h"
 
 #include <utility>
 

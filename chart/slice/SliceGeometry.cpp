@@ -1,4 +1,4 @@
-#include "chart/SliceGeometry.h"
+#include "chart/slice/SliceGeometry.h"
 
 #include <QtMath>
 #include <cmath>

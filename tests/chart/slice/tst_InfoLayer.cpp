@@ -1,4 +1,4 @@
-#include "chart/InfoLayer.h"
+#include "chart/slice/InfoLayer.h"
 #include "slices/record/Info.h"
 #include "tests/chart/SlowFolder.h"
 #include "tests/support/run/GuiTestMain.h"
