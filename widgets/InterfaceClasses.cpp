@@ -5,6 +5,7 @@
 #include "widgets/ImageButton.h"
 #include "widgets/ImageView.h"
 #include "widgets/LegendView.h"
+#include "widgets/RoundedFrame.h"
 #include "widgets/StartButton.h"
 #include "widgets/StyledLabel.h"
 #include "widgets/TextField.h"
@@ -15,6 +16,7 @@ void registerWidgetClasses(InterfaceLoader &loader)
     loader.registerClass<ImageButton>();
     loader.registerClass<ImageView>();
     loader.registerClass<LegendView>();
+    loader.registerClass<RoundedFrame>();
     loader.registerClass<StartButton>();
     loader.registerClass<StyledLabel>();
     loader.registerClass<TextField>();

@@ -5,13 +5,11 @@
 #include "prefs/exclusions/ExcludedFilesView.h"
 #include "prefs/tutorial/TutorialView.h"
 #include "prefs/window/ColorWindow.h"
-#include "widgets/RoundedFrame.h"
 
 void registerPrefsClasses(InterfaceLoader &loader)
 {
     loader.registerClass<ColorWindow>();
     loader.registerClass<ExcludedFilesView>();
-    loader.registerClass<RoundedFrame>();
     loader.registerClass(QStringLiteral("PanelButton"), [](QWidget *parent) -> QWidget * {
         return new PanelButton({}, PanelButtonLook::Plain, parent);
     });
