@@ -166,9 +166,8 @@ QList<SourceRule> sourceRules(const House &house)
          },
          codeMatching(R"(\bQSKIP\b)")},
         {"module-prefixed include",
-         "it compiles without linking the module, so it hides that the "
-         "storey may not use it",
-         isCpp, codeMatching(R"(^\s*#\s*include\s*<Qt\w+/)")},
+         "it compiles without linking the module, so it hides that the room may not use it", isCpp,
+         codeMatching(R"(^\s*#\s*include\s*<Qt\w+/)")},
         {"include beyond Qt Core", "the engines know no widget, no picture and no settings",
          isEngine, includesBeyondCore},
         {"thread of its own",
