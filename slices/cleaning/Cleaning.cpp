@@ -56,7 +56,7 @@ private:
     std::vector<FolderListing> takeOutOfPrograms(const CleaningLocation &location,
                                                  FolderListing &listing) const;
     void removeUnlessInUse(const Emptying &emptying, FolderListing entry);
-    void keepInUse(const Emptying &emptying, const FileUrl &place);
+    void keepInUse(const Emptying &emptying, const FileUrl &location);
     void removeFile(const CleaningLocation &location);
     bool isAsPlanned(const CleaningLocation &location, const SystemResult<FileIdentity> &found);
     void refuse(const CleaningLocation &location, RefusalReason reason, int error);
@@ -138,9 +138,9 @@ std::vector<FolderListing> CleaningRun::takeOutOfPrograms(const CleaningLocation
 {
     const QByteArray inside = location.url.path() + '/';
     std::set<QByteArray> names;
-    for (const FileUrl &place : m_plan.programPlaces()) {
-        if (place.path().startsWith(inside))
-            names.insert(place.path().sliced(inside.size()).split('/').constFirst());
+    for (const FileUrl &used : m_plan.programLocations()) {
+        if (used.path().startsWith(inside))
+            names.insert(used.path().sliced(inside.size()).split('/').constFirst());
     }
     if (names.empty() || !m_inUse)
         return {};
@@ -153,22 +153,22 @@ void CleaningRun::removeUnlessInUse(const Emptying &emptying, FolderListing entr
         return;
     const CleaningLocation &location = emptying.location;
     const FileUrl url = location.url.appending(entry.name(entry.at(0)), urlKind(entry.at(0).kind));
-    for (const FileUrl &place : m_inUse(location, url))
-        keepInUse(emptying, place);
+    for (const FileUrl &used : m_inUse(location, url))
+        keepInUse(emptying, used);
     remove(emptying, std::move(entry));
 }
 
 /// What is kept already has been told of.
-void CleaningRun::keepInUse(const Emptying &emptying, const FileUrl &place)
+void CleaningRun::keepInUse(const Emptying &emptying, const FileUrl &location)
 {
     const auto &[anchor, relativePath] = emptying.location.path;
-    if (emptying.protection.match(place.path(), FileKind::Folder) == ExclusionMatch::Whole)
+    if (emptying.protection.match(location.path(), FileKind::Folder) == ExclusionMatch::Whole)
         return;
-    emptying.protection.keep(place);
-    const QByteArray inside = place.path().sliced(emptying.location.url.path().size());
+    emptying.protection.keep(location);
+    const QByteArray inside = location.path().sliced(emptying.location.url.path().size());
     const auto found = statusAnchored(m_calls, {anchor, relativePath + inside});
     if (found || found.error() != ENOENT)
-        m_builder.refused(place.path(), RefusalReason::InUse, 0);
+        m_builder.refused(location.path(), RefusalReason::InUse, 0);
 }
 
 void CleaningRun::removeFile(const CleaningLocation &location)

@@ -9,7 +9,7 @@ class SystemCalls;
 
 /// What is in use at and inside a place, which is the location or lies in it. Asked right before
 /// the place's turn, on the thread that cleans.
-using InUseCheck = std::function<FileUrls(const CleaningLocation &, const FileUrl &place)>;
+using InUseCheck = std::function<FileUrls(const CleaningLocation &, const FileUrl &entry)>;
 
 /// Removes for good what the plan says and nothing else: never through a link, never on another
 /// file system, never anything excluded, and nothing of a folder that could not be listed wholly.

@@ -93,7 +93,7 @@ void CleaningPlanner::takeKept()
 
 void CleaningPlanner::planSlice(const SliceToClean &slice)
 {
-    m_plan.m_programPlaces += slice.programPlaces;
+    m_plan.m_programLocations += slice.programLocations;
     const ExcludedPaths &excluded = m_plan.m_excluded;
     const bool isAnyTouched =
         std::any_of(slice.fileURLs.begin(), slice.fileURLs.end(),

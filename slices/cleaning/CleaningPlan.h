@@ -33,7 +33,7 @@ struct SliceToClean
     RemovalScope whatGoes = RemovalScope::Everything;
     FileUrls kept = {}; ///< in use inside the places; need not be there
     /// At and inside the places: what programs may begin to use while the cleaning is under way.
-    FileUrls programPlaces = {};
+    FileUrls programLocations = {};
     /// Where this place is not cleaned the slice stays too; it may be another slice's.
     std::optional<FileUrl> onlyWith = {};
 };
@@ -94,7 +94,7 @@ public:
     const std::vector<FileIdentity> &excludedIdentities() const { return m_excludedIdentities; }
 
     /// What programs may begin to use, at and inside the locations; need not be there.
-    const FileUrls &programPlaces() const { return m_programPlaces; }
+    const FileUrls &programLocations() const { return m_programLocations; }
 
 private:
     friend class CleaningPlanner;
@@ -104,7 +104,7 @@ private:
     FileUrls m_excludedLocations;
     ExcludedPaths m_excluded;
     std::vector<FileIdentity> m_excludedIdentities;
-    FileUrls m_programPlaces;
+    FileUrls m_programLocations;
 };
 
 /// Plans the cleaning of the chosen slices, in their order. What a slice keeps is kept like an

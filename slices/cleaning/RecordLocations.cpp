@@ -6,10 +6,10 @@
 
 namespace {
 
-void place(Info &record, const FileUrls &places, const FileUrls &kept)
+void setLocations(Info &record, const FileUrls &locations, const FileUrls &kept)
 {
-    if (record.fileURLs() != places || record.kept() != kept)
-        record.setPlaces(places, kept);
+    if (record.fileURLs() != locations || record.kept() != kept)
+        record.setLocations(locations, kept);
 }
 
 /// Those that the other list has not.
@@ -22,55 +22,56 @@ FileUrls missing(const FileUrls &urls, const FileUrls &other)
 
 } // namespace
 
-void placeRecords(const std::vector<std::shared_ptr<Info>> &records, const HomeLayout &layout,
-                  const ProgramsInUse &inUse)
+void setRecordLocations(const std::vector<std::shared_ptr<Info>> &records, const HomeLayout &layout,
+                        const ProgramsInUse &inUse)
 {
     for (const auto &record : records) {
         const std::optional<SliceKind> kind = sliceKindNamed(record->name());
         const auto locations = kind ? layout.locations(*kind) : std::nullopt;
-        if (!locations || programPlaces(layout, *locations).isEmpty())
+        if (!locations || programLocations(layout, *locations).isEmpty())
             continue;
-        const FileUrls places = inUse.without(*locations);
-        place(*record, places, inUse.keptInside(places));
+        const FileUrls rest = inUse.without(*locations);
+        setLocations(*record, rest, inUse.keptInside(rest));
     }
 }
 
-FileUrls takeAwayPlacesInUse(const std::vector<std::shared_ptr<Info>> &records,
-                             const ProgramsInUse &inUse)
+FileUrls takeAwayLocationsInUse(const std::vector<std::shared_ptr<Info>> &records,
+                                const ProgramsInUse &inUse)
 {
     FileUrls takenAway;
     for (const auto &record : records) {
         const FileUrls before = record->fileURLs().value_or(FileUrls());
-        const FileUrls places = inUse.without(before);
+        const FileUrls rest = inUse.without(before);
         const FileUrls keptBefore = record->kept();
-        const FileUrls newlyKept = missing(inUse.keptInside(places), keptBefore);
-        if (places == before && newlyKept.isEmpty())
+        const FileUrls newlyKept = missing(inUse.keptInside(rest), keptBefore);
+        if (rest == before && newlyKept.isEmpty())
             continue;
-        takenAway += missing(before, places) + newlyKept;
-        place(*record, places, keptBefore + newlyKept);
+        takenAway += missing(before, rest) + newlyKept;
+        setLocations(*record, rest, keptBefore + newlyKept);
         record->fileSizeString();
     }
     return takenAway;
 }
 
-ProgramPlaceSizes
-measureProgramPlaces(const std::vector<std::shared_ptr<Info>> &records, const HomeLayout &layout,
-                     const std::function<qint64(const FileUrl &, const FileUrls &kept)> &sizeOf)
+ProgramLocationSizes
+measureProgramLocations(const std::vector<std::shared_ptr<Info>> &records, const HomeLayout &layout,
+                        const std::function<qint64(const FileUrl &, const FileUrls &kept)> &sizeOf)
 {
-    ProgramPlaceSizes sizes;
+    ProgramLocationSizes sizes;
     for (const auto &record : records) {
         const FileUrls kept = record->kept();
-        const FileUrls places = programPlaces(layout, record->fileURLs().value_or(FileUrls()));
-        for (const FileUrl &place : missing(places, kept))
-            sizes.push_back({record, place, sizeOf(place, kept)});
+        const FileUrls locations =
+            programLocations(layout, record->fileURLs().value_or(FileUrls()));
+        for (const FileUrl &location : missing(locations, kept))
+            sizes.push_back({record, location, sizeOf(location, kept)});
     }
     return sizes;
 }
 
-void takeAwaySizes(const ProgramPlaceSizes &sizes, const QByteArrayList &stayed)
+void takeAwaySizes(const ProgramLocationSizes &sizes, const QByteArrayList &stayed)
 {
-    for (const auto &[record, place, bytes] : sizes) {
-        if (stayed.contains(place.path()))
+    for (const auto &[record, location, bytes] : sizes) {
+        if (stayed.contains(location.path()))
             record->setFileSize(std::max<qint64>(0, record->fileSize() - bytes));
     }
 }

@@ -9,30 +9,30 @@ class Info;
 
 /// Gives each record of a slice with programs the layout's locations without those in use. What is
 /// new to a record is not measured yet. Any thread.
-void placeRecords(const std::vector<std::shared_ptr<Info>> &records, const HomeLayout &layout,
-                  const ProgramsInUse &inUse);
+void setRecordLocations(const std::vector<std::shared_ptr<Info>> &records, const HomeLayout &layout,
+                        const ProgramsInUse &inUse);
 
 /// Takes the places in use, and those inside places, away from the records; none is given back, for
 /// nobody has confirmed it. Measures what that changes, on the calling thread: not for the main
 /// one. What was taken away.
-FileUrls takeAwayPlacesInUse(const std::vector<std::shared_ptr<Info>> &records,
-                             const ProgramsInUse &inUse);
+FileUrls takeAwayLocationsInUse(const std::vector<std::shared_ptr<Info>> &records,
+                                const ProgramsInUse &inUse);
 
 /// What of a record's size a place makes that a program may begin to use.
-struct ProgramPlaceSize
+struct ProgramLocationSize
 {
     std::shared_ptr<Info> record;
-    FileUrl place;
+    FileUrl location;
     qint64 bytes = 0;
 };
-using ProgramPlaceSizes = std::vector<ProgramPlaceSize>;
+using ProgramLocationSizes = std::vector<ProgramLocationSize>;
 
 /// Measures those places of the records before a cleaning: once a program uses one, it writes
 /// there. `sizeOf` is asked on the calling thread, with what the record keeps anyway.
-ProgramPlaceSizes
-measureProgramPlaces(const std::vector<std::shared_ptr<Info>> &records, const HomeLayout &layout,
-                     const std::function<qint64(const FileUrl &, const FileUrls &kept)> &sizeOf);
+ProgramLocationSizes
+measureProgramLocations(const std::vector<std::shared_ptr<Info>> &records, const HomeLayout &layout,
+                        const std::function<qint64(const FileUrl &, const FileUrls &kept)> &sizeOf);
 
 /// Takes the places at these paths, none in another, off the sizes of their records: they were
 /// measured, but then stayed.
-void takeAwaySizes(const ProgramPlaceSizes &sizes, const QByteArrayList &stayed);
+void takeAwaySizes(const ProgramLocationSizes &sizes, const QByteArrayList &stayed);

@@ -50,14 +50,15 @@ QList<SliceToClean> trashToClean(const QString &name, const FileUrl &location)
 }
 
 /// All of a slice but the trash.
-SliceToClean placesToClean(const HomeLayout &layout, const Info &record, const FileUrls &locations)
+SliceToClean locationsToClean(const HomeLayout &layout, const Info &record,
+                              const FileUrls &locations)
 {
     return {.name = record.name(),
             .fileURLs = locations,
-             .content = contentOf(record),
+            .content = contentOf(record),
             .whatGoes = whatGoesOf(layout, record.name()),
             .kept = record.kept(),
-            .programPlaces = programPlaces(layout, locations)};
+            .programLocations = programLocations(layout, locations)};
 }
 
 } // namespace
@@ -72,7 +73,7 @@ QList<SliceToClean> slicesToClean(const HomeLayout &layout,
             for (const FileUrl &location : locations)
                 slices += trashToClean(record->name(), location);
         } else {
-            slices.append(placesToClean(layout, *record, locations));
+            slices.append(locationsToClean(layout, *record, locations));
         }
     }
     return slices;

@@ -9,9 +9,9 @@ void FreedesktopSurvey::addMailDownloads()
         const char *folder = program.attachments;
         if (!m_reader.hasFolder(folder) || !add(SliceKind::MailDownloads, folder))
             continue;
-        m_places.programs.push_back({QString::fromLatin1(program.name),
-                                     {ProgramLock::Style::ProcessName, program.process},
-                                     {folderUrl(folder)}});
+        m_findings.programs.push_back({QString::fromLatin1(program.name),
+                                       {ProgramLock::Style::ProcessName, program.process},
+                                       {folderUrl(folder)}});
     }
 }
 
@@ -19,7 +19,7 @@ void FreedesktopSurvey::addMailDownloads()
 void FreedesktopSurvey::findBrowserData()
 {
     m_found = findPrograms(m_reader);
-    FileUrls &all = m_places.locations[indexOf(SliceKind::BrowserData)];
+    FileUrls &all = m_findings.locations[indexOf(SliceKind::BrowserData)];
     for (const FoundProgram &found : m_found) {
         for (const QByteArray &profile : found.profiles)
             m_known.push_back(FolderIdentity::at(m_reader, profile));
@@ -32,32 +32,32 @@ void FreedesktopSurvey::findBrowserData()
 void FreedesktopSurvey::addPrograms()
 {
     for (const FoundProgram &found : m_found) {
-        const FileUrls places = placesOf(found);
-        if (!places.isEmpty())
-            m_places.programs.push_back({found.program, found.lock, places});
+        const FileUrls locations = locationsOf(found);
+        if (!locations.isEmpty())
+            m_findings.programs.push_back({found.program, found.lock, locations});
     }
 }
 
-FileUrls FreedesktopSurvey::placesOf(const FoundProgram &found) const
+FileUrls FreedesktopSurvey::locationsOf(const FoundProgram &found) const
 {
-    FileUrls places;
+    FileUrls locations;
     for (const QByteArray &path : found.files)
-        places.append(m_home.appending(path, FileUrlKind::File));
+        locations.append(m_home.appending(path, FileUrlKind::File));
     for (const QByteArray &cache : found.caches)
-        places += cachePlaces(cache);
-    return places;
+        locations += cacheLocations(cache);
+    return locations;
 }
 
 /// One that a program has for itself is a location, or none of ours.
-FileUrls FreedesktopSurvey::cachePlaces(const QByteArray &cache) const
+FileUrls FreedesktopSurvey::cacheLocations(const QByteArray &cache) const
 {
-    FileUrls places;
+    FileUrls locations;
     if (cache.contains('/')) {
-        if (m_places.locations[indexOf(SliceKind::Cache)].contains(folderUrl(cache)))
-            places.append(folderUrl(cache));
-        return places;
+        if (m_findings.locations[indexOf(SliceKind::Cache)].contains(folderUrl(cache)))
+            locations.append(folderUrl(cache));
+        return locations;
     }
     for (const QByteArray &home : m_cacheHomes)
-        places.append(folderUrl(home + '/' + cache));
-    return places;
+        locations.append(folderUrl(home + '/' + cache));
+    return locations;
 }

@@ -63,10 +63,10 @@ FreedesktopSurvey::FreedesktopSurvey(const HomeProbe &reader, const HomePaths &p
 {
 }
 
-HomeLayout::Places FreedesktopSurvey::places()
+HomeLayout::Findings FreedesktopSurvey::findings()
 {
     readUserDirs();
-    m_places.trashFolder = folderUrl(QByteArray(kHomeTrash) + "/files");
+    m_findings.trashFolder = folderUrl(QByteArray(kHomeTrash) + "/files");
     addTrash(kHomeTrash);
     for (const char *pattern : {".var/app/*/data/Trash", "snap/*/common/.local/share/Trash",
                                 "snap/*/@current/.local/share/Trash"}) {
@@ -92,7 +92,7 @@ HomeLayout::Places FreedesktopSurvey::places()
     }
     addPrograms();
     addSearchFolders();
-    return std::move(m_places);
+    return std::move(m_findings);
 }
 
 void FreedesktopSurvey::readUserDirs()
@@ -117,8 +117,8 @@ void FreedesktopSurvey::readUserDirs()
 /// Where programs keep what is theirs, downloads are kept from being taken for it.
 void FreedesktopSurvey::addNamedDownloads(const QByteArray &path)
 {
-    const QByteArrayList places = m_paths.followed(path);
-    const bool isHidden = std::any_of(places.begin(), places.end(), hasHiddenComponent);
+    const QByteArrayList paths = m_paths.followed(path);
+    const bool isHidden = std::any_of(paths.begin(), paths.end(), hasHiddenComponent);
     (isHidden ? m_userFolders : m_downloads).add(path);
 }
 
@@ -126,11 +126,11 @@ void FreedesktopSurvey::addNamedDownloads(const QByteArray &path)
 /// lead to something tomorrow.
 SystemResult<QByteArray> FreedesktopSurvey::userDirsText() const
 {
-    const QByteArrayList places = m_paths.followed(m_home.path() + '/' + kUserDirsFile);
-    if (places.isEmpty())
+    const QByteArrayList paths = m_paths.followed(m_home.path() + '/' + kUserDirsFile);
+    if (paths.isEmpty())
         return tl::unexpected(ENOTDIR);
-    const auto text = m_reader.contentOf(places.constLast(), kLargestUserDirsFile);
-    const bool isALink = places.size() > 1;
+    const auto text = m_reader.contentOf(paths.constLast(), kLargestUserDirsFile);
+    const bool isALink = paths.size() > 1;
     return text || !isALink ? text : tl::unexpected(ELOOP);
 }
 
@@ -201,7 +201,7 @@ void FreedesktopSurvey::addTrashOfEnvironment()
     if (isTheUsers(trash))
         return;
     addTrash(trash);
-    m_places.trashFolder = folderUrl(trash + "/files");
+    m_findings.trashFolder = folderUrl(trash + "/files");
 }
 
 /// A cache is emptied whole, and one that a program has for itself may hold mail or maps: the place
@@ -244,7 +244,7 @@ void FreedesktopSurvey::addSearchFolders()
         folders.push_back(wanted);
     }
     for (const FolderIdentity &folder : folders)
-        m_places.searchFolders.append(folderUrl(folder.path));
+        m_findings.searchFolders.append(folderUrl(folder.path));
 }
 
 /// The folder that the file names, if it is one for a user's own files.
@@ -260,7 +260,7 @@ bool FreedesktopSurvey::add(SliceKind kind, const QByteArray &path)
     if (touchesKnown(path) || m_userFolders.isAtOrAroundOne(path))
         return false;
     m_known.push_back(FolderIdentity::at(m_reader, path));
-    m_places.locations[indexOf(kind)].append(folderUrl(path));
+    m_findings.locations[indexOf(kind)].append(folderUrl(path));
     return true;
 }
 

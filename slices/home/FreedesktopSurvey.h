@@ -17,7 +17,7 @@ public:
     FreedesktopSurvey(const HomeProbe &reader, const HomePaths &paths, FileUrl home,
                       HomeEnvironment environment);
 
-    HomeLayout::Places places();
+    HomeLayout::Findings findings();
 
 private:
     void readUserDirs();
@@ -31,8 +31,8 @@ private:
     void addMailDownloads();
     void findBrowserData();
     void addPrograms();
-    FileUrls placesOf(const FoundProgram &found) const;
-    FileUrls cachePlaces(const QByteArray &cache) const;
+    FileUrls locationsOf(const FoundProgram &found) const;
+    FileUrls cacheLocations(const QByteArray &cache) const;
     void addTrashOfEnvironment();
     void addCacheOfEnvironment();
     bool isCacheOfAllPrograms(const QByteArray &path) const;
@@ -58,5 +58,5 @@ private:
     std::vector<FolderIdentity> m_known; ///< the locations, and the profiles of browsers
     std::vector<FoundProgram> m_found;
     QByteArrayList m_cacheHomes; ///< the locations that hold the caches of all programs, by name
-    HomeLayout::Places m_places;
+    HomeLayout::Findings m_findings;
 };

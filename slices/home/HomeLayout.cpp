@@ -21,12 +21,12 @@ HomeLayout HomeLayout::withLibrary(const FileUrl &home)
     return layout;
 }
 
-HomeLayout HomeLayout::freedesktop(const FileUrl &home, Places places)
+HomeLayout HomeLayout::freedesktop(const FileUrl &home, Findings findings)
 {
     HomeLayout layout;
     layout.m_kind = HomeKind::Freedesktop;
     layout.m_home = home;
-    layout.m_places = std::move(places);
+    layout.m_findings = std::move(findings);
     return layout;
 }
 
@@ -36,15 +36,15 @@ std::optional<FileUrls> HomeLayout::locations(SliceKind kind) const
         return sliceLocations(kind, m_home);
     if (m_kind == HomeKind::Unknown || kind == SliceKind::LargeFiles)
         return std::nullopt;
-    return m_places.locations[indexOf(kind)];
+    return m_findings.locations[indexOf(kind)];
 }
 
 QString HomeLayout::nameOfDownloads() const
 {
-    const FileUrls places = locations(SliceKind::Downloads).value_or(FileUrls());
-    if (m_kind != HomeKind::Freedesktop || places.isEmpty())
+    const FileUrls downloads = locations(SliceKind::Downloads).value_or(FileUrls());
+    if (m_kind != HomeKind::Freedesktop || downloads.isEmpty())
         return {};
-    const QByteArray path = places.constFirst().path().sliced(m_home.path().size() + 1);
+    const QByteArray path = downloads.constFirst().path().sliced(m_home.path().size() + 1);
     return path == "Downloads" ? QString() : QString::fromUtf8(path);
 }
 
@@ -61,11 +61,11 @@ QString HomeLayout::details(SliceKind kind) const
 FileUrl HomeLayout::trashFolder() const
 {
     return m_kind == HomeKind::Library ? locations(SliceKind::Trash)->constLast()
-                                       : m_places.trashFolder;
+                                       : m_findings.trashFolder;
 }
 
 bool HomeLayout::isInTrash(const FileUrl &location) const
 {
     return m_kind == HomeKind::Freedesktop &&
-           m_places.locations[indexOf(SliceKind::Trash)].contains(location);
+           m_findings.locations[indexOf(SliceKind::Trash)].contains(location);
 }

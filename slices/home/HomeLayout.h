@@ -35,7 +35,7 @@ struct ProgramFiles
 {
     QString program; ///< for people
     ProgramLock lock;
-    FileUrls places;
+    FileUrls locations;
 
     friend bool operator==(const ProgramFiles &, const ProgramFiles &) = default;
 };
@@ -46,7 +46,7 @@ class HomeLayout final
 {
 public:
     /// What was found in a freedesktop home.
-    struct Places
+    struct Findings
     {
         std::array<FileUrls, kSliceCount> locations; ///< in the catalogue's order
         FileUrls searchFolders;
@@ -58,7 +58,7 @@ public:
     HomeLayout() = default;
     /// The fixed layout; nothing is looked at.
     static HomeLayout withLibrary(const FileUrl &home);
-    static HomeLayout freedesktop(const FileUrl &home, Places places);
+    static HomeLayout freedesktop(const FileUrl &home, Findings findings);
 
     HomeKind kind() const { return m_kind; }
     const FileUrl &home() const { return m_home; }
@@ -73,17 +73,17 @@ public:
     QString nameOfDownloads() const;
     /// The folders in which large files are looked for, none inside another. Empty for the fixed
     /// layout, whose folders the search knows.
-    const FileUrls &searchFolders() const { return m_places.searchFolders; }
+    const FileUrls &searchFolders() const { return m_findings.searchFolders; }
     /// The folder that shows what is in the trash; invalid while nobody knows.
     FileUrl trashFolder() const;
     /// Whether this is a folder of the trash, where what the user threw away is removed though a
     /// folder of it was made read-only.
     bool isInTrash(const FileUrl &location) const;
     /// Those whose places are left out while they run.
-    const std::vector<ProgramFiles> &programs() const { return m_places.programs; }
+    const std::vector<ProgramFiles> &programs() const { return m_findings.programs; }
 
 private:
     HomeKind m_kind = HomeKind::Unknown;
     FileUrl m_home;
-    Places m_places;
+    Findings m_findings;
 };

@@ -37,6 +37,7 @@ HomeLayout surveyHome(const SystemCalls &calls, const FileAccess &access, const 
         return HomeLayout::withLibrary(home);
     const HomeProbe reader(calls, place->anchor, stop);
     const HomePaths paths(reader, HomePaths::leadingTo(calls, home.path(), environment.home));
-    HomeLayout::Places places = FreedesktopSurvey(reader, paths, home, environment).places();
-    return stop.stop_requested() ? HomeLayout() : HomeLayout::freedesktop(home, std::move(places));
+    HomeLayout::Findings findings = FreedesktopSurvey(reader, paths, home, environment).findings();
+    return stop.stop_requested() ? HomeLayout()
+                                 : HomeLayout::freedesktop(home, std::move(findings));
 }

@@ -115,71 +115,71 @@ private:
     std::optional<SystemResult<QByteArrayList>> m_names;
 };
 
-bool isAtOrInsideOne(const FileUrl &place, const FileUrls &locations)
+bool isAtOrInsideOne(const FileUrl &url, const FileUrls &locations)
 {
     return std::any_of(locations.begin(), locations.end(), [&](const FileUrl &location) {
-        return isAtOrInside(place.path(), location.path());
+        return isAtOrInside(url.path(), location.path());
     });
 }
 
-/// Those of the places that are one of the locations or lie inside one.
-FileUrls among(const FileUrls &places, const FileUrls &locations)
+/// Those of the candidates that are one of the locations or lie inside one.
+FileUrls among(const FileUrls &candidates, const FileUrls &locations)
 {
     FileUrls found;
-    std::copy_if(places.begin(), places.end(), std::back_inserter(found),
-                 [&](const FileUrl &place) { return isAtOrInsideOne(place, locations); });
+    std::copy_if(candidates.begin(), candidates.end(), std::back_inserter(found),
+                 [&](const FileUrl &url) { return isAtOrInsideOne(url, locations); });
     return found;
 }
 
-bool isInsideOne(const FileUrl &place, const FileUrls &places)
+bool isInsideOne(const FileUrl &location, const FileUrls &locations)
 {
-    return std::any_of(places.begin(), places.end(), [&](const FileUrl &around) {
-        return place != around && isAtOrInside(place.path(), around.path());
+    return std::any_of(locations.begin(), locations.end(), [&](const FileUrl &around) {
+        return location != around && isAtOrInside(location.path(), around.path());
     });
 }
 
 /// Several profiles of a program have one cache, and programs of one maker a common one.
-FileUrls outermost(const FileUrls &places)
+FileUrls outermost(const FileUrls &locations)
 {
     FileUrls found;
-    for (const FileUrl &place : places) {
-        if (!found.contains(place) && !isInsideOne(place, places))
-            found.append(place);
+    for (const FileUrl &location : locations) {
+        if (!found.contains(location) && !isInsideOne(location, locations))
+            found.append(location);
     }
     return found;
 }
 
 /// In doubt something is.
-bool isThere(const SystemCalls &calls, const FileAccess &access, const FileUrl &place)
+bool isThere(const SystemCalls &calls, const FileAccess &access, const FileUrl &location)
 {
-    const auto path = access.anchoredPath(place);
+    const auto path = access.anchoredPath(location);
     const auto status = path ? statusAnchored(calls, *path) : tl::unexpected(ENOENT);
     return status || status.error() != ENOENT;
 }
 
 } // namespace
 
-FileUrls programPlaces(const HomeLayout &layout, const FileUrls &locations)
+FileUrls programLocations(const HomeLayout &layout, const FileUrls &locations)
 {
     FileUrls found;
     for (const ProgramFiles &program : layout.programs()) {
-        for (const FileUrl &place : among(program.places, locations)) {
-            if (!found.contains(place))
-                found.append(place);
+        for (const FileUrl &location : among(program.locations, locations)) {
+            if (!found.contains(location))
+                found.append(location);
         }
     }
     return found;
 }
 
-FileUrls placesInUse(const SystemCalls &calls, const AnchoredPath &anchor, const HomeLayout &layout,
-                     const FileUrl &location)
+FileUrls locationsInUse(const SystemCalls &calls, const AnchoredPath &anchor,
+                        const HomeLayout &layout, const FileUrl &location)
 {
     Inquiry inquiry(calls, anchor);
     FileUrls found;
     for (const ProgramFiles &program : layout.programs()) {
-        const FileUrls places = among(program.places, {location});
-        if (!places.isEmpty() && inquiry.isRunning(program.lock))
-            found += places;
+        const FileUrls locations = among(program.locations, {location});
+        if (!locations.isEmpty() && inquiry.isRunning(program.lock))
+            found += locations;
     }
     return outermost(found);
 }
@@ -194,9 +194,9 @@ ProgramsInUse ProgramsInUse::find(const SystemCalls &calls, const FileAccess &ac
     Inquiry inquiry(calls, *home);
     for (const ProgramFiles &program : layout.programs()) {
         ProgramFiles running = program;
-        running.places.removeIf(
-            [&](const FileUrl &place) { return !isThere(calls, access, place); });
-        if (!running.places.isEmpty() && inquiry.isRunning(program.lock))
+        running.locations.removeIf(
+            [&](const FileUrl &location) { return !isThere(calls, access, location); });
+        if (!running.locations.isEmpty() && inquiry.isRunning(program.lock))
             found.m_programs.append(running);
     }
     return found;
@@ -207,7 +207,7 @@ FileUrls ProgramsInUse::without(const FileUrls &locations) const
     FileUrls rest = locations;
     rest.removeIf([this](const FileUrl &location) {
         return std::any_of(m_programs.begin(), m_programs.end(), [&](const ProgramFiles &program) {
-            return program.places.contains(location);
+            return program.locations.contains(location);
         });
     });
     return rest;
@@ -217,8 +217,8 @@ FileUrls ProgramsInUse::keptInside(const FileUrls &locations) const
 {
     FileUrls kept;
     for (const ProgramFiles &program : m_programs)
-        kept += among(program.places, locations);
-    kept.removeIf([&](const FileUrl &place) { return locations.contains(place); });
+        kept += among(program.locations, locations);
+    kept.removeIf([&](const FileUrl &location) { return locations.contains(location); });
     return outermost(kept);
 }
 
@@ -226,7 +226,7 @@ QStringList ProgramsInUse::programs(const FileUrls &locations) const
 {
     QStringList names;
     for (const ProgramFiles &program : m_programs) {
-        if (!among(program.places, locations).isEmpty())
+        if (!among(program.locations, locations).isEmpty())
             names.append(program.program);
     }
     names.removeDuplicates();

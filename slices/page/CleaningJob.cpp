@@ -27,17 +27,18 @@ CleaningReport cleanDisk(const SystemCalls &calls, FileAccess &access, const Rec
                          const std::stop_token &stop)
 {
     const AccessScope scope(access);
-    const FileUrls inUse = takeAwayPlacesInUse(chosen, ProgramsInUse::find(calls, access, layout));
+    const FileUrls inUse =
+        takeAwayLocationsInUse(chosen, ProgramsInUse::find(calls, access, layout));
     const auto sizeOf = [&](const FileUrl &url, const FileUrls &kept) {
-        const auto place = access.anchoredPath(url);
+        const auto location = access.anchoredPath(url);
         const SizingRules rules{.kept = pathsInside(url, kept)};
-        return place ? measureFolder(calls, *place, stop, 0, rules).bytes : 0;
+        return location ? measureFolder(calls, *location, stop, 0, rules).bytes : 0;
     };
-    const ProgramPlaceSizes sizes = measureProgramPlaces(chosen, layout, sizeOf);
+    const ProgramLocationSizes sizes = measureProgramLocations(chosen, layout, sizeOf);
     const CleaningPlan plan =
         makeCleaningPlan(calls, access, slicesToClean(layout, chosen), excluded, inUse);
-    const auto inUseNow = [&](const CleaningLocation &location, const FileUrl &place) {
-        return placesInUse(calls, location.path, layout, place);
+    const auto inUseNow = [&](const CleaningLocation &location, const FileUrl &entry) {
+        return locationsInUse(calls, location.path, layout, entry);
     };
     CleaningReport report = performCleaning(calls, plan, stop, inUseNow);
     takeAwaySizes(sizes, foundInUse(report, plan));
@@ -110,10 +111,10 @@ void CleaningJob::remove()
 void CleaningJob::restore(const Records &chosen, const Confirmed &confirmed)
 {
     for (std::size_t i = 0; i < chosen.size(); ++i) {
-        const auto &[places, kept] = confirmed[i];
-        if (chosen[i]->fileURLs().value_or(FileUrls()) == places && chosen[i]->kept() == kept)
+        const auto &[locations, kept] = confirmed[i];
+        if (chosen[i]->fileURLs().value_or(FileUrls()) == locations && chosen[i]->kept() == kept)
             continue;
-        chosen[i]->setPlaces(places, kept);
+        chosen[i]->setLocations(locations, kept);
         chosen[i]->fileSizeString();
     }
 }

@@ -103,7 +103,7 @@ void HomeWatch::takePrograms(const ProgramsInUse &inUse)
     if (!m_services.mayChange() || inUse == m_findings.inUse)
         return;
     m_findings.inUse = inUse;
-    placeRecords(m_selection.records(), layout(), inUse);
+    setRecordLocations(m_selection.records(), layout(), inUse);
     Q_EMIT programsChanged();
 }
 

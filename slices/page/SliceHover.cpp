@@ -1,7 +1,7 @@
 #include "slices/page/SliceHover.h"
 
 #include "platform/desktop/Workspace.h"
-#include "platform/files/ExistingPlaces.h"
+#include "platform/files/ExistingLocations.h"
 #include "platform/sheet/Alert.h"
 #include "prefs/popover/MessagePopover.h"
 #include "slices/page/CleaningText.h"
@@ -63,28 +63,31 @@ void SliceHover::offerReveal(int index)
         break;
     case RevealPolicy::WhenThere:
         if (m_services.home.layout().kind() == HomeKind::Library)
-            m_offering.run(lookForPlaces(placesOf(index), [offer](const FileUrls &places) {
-                if (!places.isEmpty())
+            m_offering.run(lookForLocations(locationsOf(index), [offer](const FileUrls &locations) {
+                if (!locations.isEmpty())
                     offer();
             }));
-        else if (!placesOf(index).isEmpty())
+        else if (!locationsOf(index).isEmpty())
             offer(); // of a home that was looked at, all places are there
         break;
     }
 }
 
-FileUrls SliceHover::placesOf(int index) const
+FileUrls SliceHover::locationsOf(int index) const
 {
     return m_services.selection.records().at(index)->fileURLs().value_or(FileUrls());
 }
 
 /// Work for another thread: which of the places are there.
 BackgroundTask<OwnersEnd::Abandon>
-SliceHover::lookForPlaces(const FileUrls &places, std::function<void(const FileUrls &)> then) const
+SliceHover::lookForLocations(const FileUrls &locations,
+                             std::function<void(const FileUrls &)> then) const
 {
-    return [&calls = m_services.calls, &access = m_services.access, places,
+    return [&calls = m_services.calls, &access = m_services.access, locations,
             then = std::move(then)](const std::stop_token &stop) {
-        return [then, existing = existingPlaces(calls, access, places, stop)] { then(existing); };
+        return [then, existing = existingLocations(calls, access, locations, stop)] {
+            then(existing);
+        };
     };
 }
 
@@ -120,8 +123,8 @@ void SliceHover::showInFinder()
     if (index == indexOf(SliceKind::Trash))
         showTrash();
     else
-        m_reveal.run(lookForPlaces(placesOf(index), [this](const FileUrls &places) {
-            m_services.workspace.activateFileViewerSelectingUrls(places);
+        m_reveal.run(lookForLocations(locationsOf(index), [this](const FileUrls &locations) {
+            m_services.workspace.activateFileViewerSelectingUrls(locations);
         }));
 }
 
@@ -134,8 +137,8 @@ void SliceHover::showTrash()
         m_services.workspace.openUrl(trash);
         return;
     }
-    m_reveal.run(lookForPlaces({trash}, [this, trash](const FileUrls &places) {
-        if (places.isEmpty())
+    m_reveal.run(lookForLocations({trash}, [this, trash](const FileUrls &locations) {
+        if (locations.isEmpty())
             m_services.tell({.messageText = tr("The Trash is empty.")});
         else
             m_services.workspace.openUrl(trash);

@@ -54,9 +54,9 @@ private:
     void offerReveal(int index);
     void explain(int index);
     void showTrash();
-    FileUrls placesOf(int index) const;
+    FileUrls locationsOf(int index) const;
     BackgroundTask<OwnersEnd::Abandon>
-    lookForPlaces(const FileUrls &places, std::function<void(const FileUrls &)> then) const;
+    lookForLocations(const FileUrls &locations, std::function<void(const FileUrls &)> then) const;
 
     using Looks = BackgroundQueue<OwnersEnd::Abandon, Queueing::LatestOnly>;
 

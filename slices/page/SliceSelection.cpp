@@ -18,8 +18,8 @@ std::shared_ptr<Info> madeRecord(const SliceDescription &slice, const HomeLayout
         const std::optional<FileUrls> locations = layout.locations(slice.kind);
         auto record = Info::infoWithName(name, locations, services);
         if (locations) {
-            const FileUrls places = inUse.without(*locations);
-            record->setPlaces(places, inUse.keptInside(places));
+            const FileUrls rest = inUse.without(*locations);
+            record->setLocations(rest, inUse.keptInside(rest));
         }
         return record;
     }

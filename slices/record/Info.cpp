@@ -25,26 +25,26 @@ Info::Info(const QString &name, std::optional<FileUrls> fileURLs, std::optional<
       m_fileSizeString(std::move(fileSize))
 {
     if (fileURLs)
-        m_places = Places{*std::move(fileURLs), {}};
+        m_locations = Locations{*std::move(fileURLs), {}};
 }
 
 std::optional<FileUrls> Info::fileURLs() const
 {
     const std::scoped_lock lock(m_mutex);
-    return m_places ? std::optional(m_places->urls) : std::nullopt;
+    return m_locations ? std::optional(m_locations->urls) : std::nullopt;
 }
 
 void Info::setFileURLs(const FileUrls &fileURLs)
 {
-    const Places places{fileURLs, {}};
+    const Locations locations{fileURLs, {}};
     {
         const std::scoped_lock lock(m_mutex);
-        m_places = places;
+        m_locations = locations;
     }
-    const std::optional<qint64> bytes = measured(places);
+    const std::optional<qint64> bytes = measured(locations);
     {
         const std::scoped_lock lock(m_mutex);
-        if (!bytes || m_places != places)
+        if (!bytes || m_locations != locations)
             return; // whoever set newer places measures those
         m_fileSize = *bytes;
     }
@@ -55,7 +55,7 @@ void Info::setFileURLs(const FileUrls &fileURLs, qint64 measuredBytes)
 {
     {
         const std::scoped_lock lock(m_mutex);
-        m_places = Places{fileURLs, {}};
+        m_locations = Locations{fileURLs, {}};
         m_fileSize = measuredBytes;
     }
     postSizeChanged();
@@ -64,13 +64,13 @@ void Info::setFileURLs(const FileUrls &fileURLs, qint64 measuredBytes)
 FileUrls Info::kept() const
 {
     const std::scoped_lock lock(m_mutex);
-    return m_places ? m_places->kept : FileUrls();
+    return m_locations ? m_locations->kept : FileUrls();
 }
 
-void Info::setPlaces(const FileUrls &fileURLs, const FileUrls &kept)
+void Info::setLocations(const FileUrls &fileURLs, const FileUrls &kept)
 {
     const std::scoped_lock lock(m_mutex);
-    m_places = Places{fileURLs, kept};
+    m_locations = Locations{fileURLs, kept};
     m_fileSizeString.reset();
     m_fileSize = 0;
 }
@@ -92,7 +92,7 @@ void Info::setFileSize(qint64 bytes)
 
 std::optional<QString> Info::fileSizeString()
 {
-    if (placesToMeasure())
+    if (locationsToMeasure())
         measureOnce();
     const std::scoped_lock lock(m_mutex);
     return m_fileSizeString;
@@ -103,26 +103,26 @@ void Info::measureOnce()
     // A second reader waits for the first one's walk instead of walking again beside it, so that a
     // cleaning that asks begins only when nobody measures any more.
     const std::scoped_lock measuring(m_measuring);
-    while (const std::optional<Places> places = placesToMeasure()) {
-        const std::optional<qint64> bytes = measured(*places);
+    while (const std::optional<Locations> locations = locationsToMeasure()) {
+        const std::optional<qint64> bytes = measured(*locations);
         if (!bytes)
             return;
-        if (storeFirstMeasure(*places, *bytes))
+        if (storeFirstMeasure(*locations, *bytes))
             postSizeChanged();
     }
 }
 
-std::optional<Info::Places> Info::placesToMeasure() const
+std::optional<Info::Locations> Info::locationsToMeasure() const
 {
     const std::scoped_lock lock(m_mutex);
-    return m_fileSizeString ? std::nullopt : m_places;
+    return m_fileSizeString ? std::nullopt : m_locations;
 }
 
-bool Info::storeFirstMeasure(const Places &places, qint64 bytes)
+bool Info::storeFirstMeasure(const Locations &locations, qint64 bytes)
 {
     const std::scoped_lock lock(m_mutex);
     // A text that was set, or places that were changed meanwhile, are newer than this measure.
-    if (m_fileSizeString || m_places != places)
+    if (m_fileSizeString || m_locations != locations)
         return false;
     m_fileSizeString = bytes == 0 ? QString::fromUtf16(kEmptySize) : stringFromByteCount(bytes);
     m_fileSize = bytes;
@@ -138,7 +138,7 @@ void Info::postSizeChanged() const
 bool Info::isMeasured() const
 {
     const std::scoped_lock lock(m_mutex);
-    return m_places && m_fileSizeString;
+    return m_locations && m_fileSizeString;
 }
 
 void Info::setFileSizeString(std::optional<QString> text)
@@ -147,16 +147,16 @@ void Info::setFileSizeString(std::optional<QString> text)
     m_fileSizeString = std::move(text);
 }
 
-std::optional<qint64> Info::measured(const Places &places) const
+std::optional<qint64> Info::measured(const Locations &locations) const
 {
     qint64 bytes = 0;
     if (!m_services.measure)
         return bytes;
-    for (const FileUrl &url : places.urls) {
-        const std::optional<qint64> place = m_services.measure(url, places.kept);
-        if (!place)
+    for (const FileUrl &url : locations.urls) {
+        const std::optional<qint64> size = m_services.measure(url, locations.kept);
+        if (!size)
             return std::nullopt;
-        bytes = sumOfByteCounts(bytes, *place);
+        bytes = sumOfByteCounts(bytes, *size);
     }
     return bytes;
 }

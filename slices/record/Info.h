@@ -30,7 +30,7 @@ public:
     /// Measures one place without what is kept of all places, in bytes; called on the thread that
     /// asks for the size text. Nothing when it was stopped: a part of the size is no size.
     using Measure =
-        std::function<std::optional<qint64>(const FileUrl &place, const FileUrls &kept)>;
+        std::function<std::optional<qint64>(const FileUrl &location, const FileUrls &kept)>;
 
     /// What a record uses to find its size and to tell of it. A record without places needs none.
     struct Services
@@ -64,7 +64,7 @@ public:
     FileUrls kept() const;
     /// Sets the places together with what is kept inside them, and forgets the size text: who asks
     /// for it next measures.
-    void setPlaces(const FileUrls &fileURLs, const FileUrls &kept);
+    void setLocations(const FileUrls &fileURLs, const FileUrls &kept);
 
     /// Bytes below all places; 0 until measured.
     qint64 fileSize() const;
@@ -83,18 +83,18 @@ public:
     void setIsOn(bool isOn) { m_isOn = isOn; }
 
 private:
-    struct Places
+    struct Locations
     {
         FileUrls urls;
         FileUrls kept;
 
-        friend bool operator==(const Places &, const Places &) = default;
+        friend bool operator==(const Locations &, const Locations &) = default;
     };
 
-    std::optional<qint64> measured(const Places &places) const;
+    std::optional<qint64> measured(const Locations &locations) const;
     void measureOnce();
-    std::optional<Places> placesToMeasure() const;
-    bool storeFirstMeasure(const Places &places, qint64 bytes);
+    std::optional<Locations> locationsToMeasure() const;
+    bool storeFirstMeasure(const Locations &locations, qint64 bytes);
     void postSizeChanged() const;
 
     QString m_name;
@@ -104,7 +104,7 @@ private:
 
     std::mutex m_measuring;     ///< held while the places are walked for the size text
     mutable std::mutex m_mutex; ///< guards what the measuring threads share with the main thread
-    std::optional<Places> m_places;
+    std::optional<Locations> m_locations;
     std::optional<QString> m_fileSizeString;
     qint64 m_fileSize = 0;
 };

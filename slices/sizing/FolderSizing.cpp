@@ -130,9 +130,9 @@ bool leadsToNoItem(const SystemCalls &calls, int folder, const char *link)
     return !behind || *behind == FileKind::Folder;
 }
 
-FolderSize sizeOfItem(const SystemCalls &calls, const AnchoredPath &place)
+FolderSize sizeOfItem(const SystemCalls &calls, const AnchoredPath &location)
 {
-    const AnchoredEntry entry = anchoredEntry(place);
+    const AnchoredEntry entry = anchoredEntry(location);
     const auto folder = openAnchored(calls, entry.folder, Descent::Strict);
     if (!folder)
         return nothingBecauseOf(folder.error());
@@ -158,9 +158,9 @@ FolderSize sizeOfItem(const SystemCalls &calls, const AnchoredPath &place)
 
 } // namespace
 
-QByteArrayList pathsInside(const FileUrl &place, const FileUrls &urls)
+QByteArrayList pathsInside(const FileUrl &location, const FileUrls &urls)
 {
-    const QByteArray prefix = place.path() + '/';
+    const QByteArray prefix = location.path() + '/';
     QByteArrayList paths;
     for (const FileUrl &url : urls) {
         if (url.path().startsWith(prefix))
@@ -169,26 +169,26 @@ QByteArrayList pathsInside(const FileUrl &place, const FileUrls &urls)
     return paths;
 }
 
-FolderSize measureFolder(const SystemCalls &calls, const AnchoredPath &place,
+FolderSize measureFolder(const SystemCalls &calls, const AnchoredPath &location,
                          const std::stop_token &stop, unsigned threads, const SizingRules &rules)
 {
-    auto folder = openOnVolume(calls, place);
+    auto folder = openOnVolume(calls, location);
     if (stop.stop_requested())
         return nothingBecauseOf(ECANCELED);
     if (folder)
         return sizeOfFolder(calls, std::move(*folder), stop, threads, rules);
     const bool isNoFolder = folder.error() == ENOTDIR || folder.error() == ELOOP;
-    return isNoFolder ? sizeOfItem(calls, place) : nothingBecauseOf(folder.error());
+    return isNoFolder ? sizeOfItem(calls, location) : nothingBecauseOf(folder.error());
 }
 
 qint64 sizeForFolderAtPath(const SystemCalls &calls, FileAccess &access, const FileUrl &url,
                            const std::stop_token &stop, const SizingRules &rules)
 {
     const AccessScope scope(access);
-    const auto place = access.anchoredPath(url);
-    if (!place)
+    const auto location = access.anchoredPath(url);
+    if (!location)
         return 0;
-    const FolderSize size = measureFolder(calls, *place, stop, 0, rules);
+    const FolderSize size = measureFolder(calls, *location, stop, 0, rules);
     if (size.item)
         qCInfo(logVantor, "%d : %d", size.item->isDeletable, size.item->isNotImmutable);
     return size.bytes;

@@ -36,7 +36,7 @@ struct SizingRules
 };
 
 /// Those of the URLs that lie inside the place, by their raw paths relative to it.
-QByteArrayList pathsInside(const FileUrl &place, const FileUrls &urls);
+QByteArrayList pathsInside(const FileUrl &location, const FileUrls &urls);
 
 /// Measures what this process could delete at a place: the sum of the sizes of everything beneath
 /// a folder that is no folder itself, is not hidden nor beneath a hidden folder (the place itself
@@ -50,7 +50,7 @@ QByteArrayList pathsInside(const FileUrl &place, const FileUrls &urls);
 ///
 /// Any thread but the main one; blocks until done or stopped. Uses up to `threads` threads, as
 /// many as pay for 0.
-FolderSize measureFolder(const SystemCalls &calls, const AnchoredPath &place,
+FolderSize measureFolder(const SystemCalls &calls, const AnchoredPath &location,
                          const std::stop_token &stop, unsigned threads = 0,
                          const SizingRules &rules = {});
 

@@ -58,7 +58,7 @@ qint64 bytesPresent(const SampleHome &home)
 QList<QByteArray> excludedIn(const SampleHome &home)
 {
     return {SampleHome::kKeep, "Documents/Thesis.odt",
-            home.placesOf(indexOf(SliceKind::Cache)).constFirst() + "/no text \xff\xfe",
+            home.locationsOf(indexOf(SliceKind::Cache)).constFirst() + "/no text \xff\xfe",
             "Pictures/2014"};
 }
 

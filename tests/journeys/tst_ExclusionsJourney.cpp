@@ -130,7 +130,7 @@ void TestExclusionsJourney::keepsWhatIsDroppedAndForgetsWhatIsRemoved()
 {
     const SampleHome &home = m_fixture->home();
     const QByteArray oddName =
-        home.placesOf(indexOf(SliceKind::Cache)).constFirst() + "/no text \xff\xfe";
+        home.locationsOf(indexOf(SliceKind::Cache)).constFirst() + "/no text \xff\xfe";
     QVERIFY(m_preferences->open());
     QVERIFY(!m_preferences->drop({"/etc/fstab"}));
     QVERIFY(m_preferences->drop({home.path("Downloads/unpacked"), home.path("Downloads/Keep"),

@@ -154,7 +154,7 @@ void TestWindowsJourney::showsASliceInTheFileManager()
 {
     const SampleHome &home = m_fixture->home();
     FileUrls updates;
-    for (const QByteArray &place : home.placesOf(indexOf(SliceKind::OldIos)))
+    for (const QByteArray &place : home.locationsOf(indexOf(SliceKind::OldIos)))
         updates.append(home.url(place));
     m_fixture->start();
     QVERIFY(m_fixture->reachSlices());
@@ -168,7 +168,7 @@ void TestWindowsJourney::showsASliceInTheFileManager()
     };
     QVERIFY(press(SliceKind::Trash));
     QTRY_COMPARE(m_fixture->workspace().opened.size(), 1);
-    const QByteArray trash = home.placesOf(indexOf(SliceKind::Trash)).constFirst();
+    const QByteArray trash = home.locationsOf(indexOf(SliceKind::Trash)).constFirst();
     QCOMPARE(m_fixture->workspace().opened.value(0).path(QUrl::FullyDecoded),
              QString::fromUtf8(home.path(trash) + '/'));
     QVERIFY(press(SliceKind::OldIos));

@@ -7,9 +7,9 @@
 namespace {
 
 /// What the file system says of a place, hidden items left out.
-qint64 bytesOnDisk(const QByteArray &place)
+qint64 bytesOnDisk(const QByteArray &location)
 {
-    const std::filesystem::path start(place.toStdString());
+    const std::filesystem::path start(location.toStdString());
     if (!std::filesystem::is_directory(start))
         return static_cast<qint64>(std::filesystem::file_size(start));
     qint64 bytes = 0;
@@ -76,8 +76,8 @@ void TestSampleHome::knowsWhatMeasuringShows()
     QFETCH(int, slice);
     const SampleHome &home = kind == HomeKind::Library ? m_home : m_freedesktop;
     qint64 bytes = 0;
-    for (const QByteArray &place : home.placesOf(slice))
-        bytes += bytesOnDisk(home.path(place));
+    for (const QByteArray &location : home.locationsOf(slice))
+        bytes += bytesOnDisk(home.path(location));
     QCOMPARE(home.bytesShownFor(slice), bytes);
     constexpr int kLargeFiles = 1;
     QCOMPARE(bytes == 0, slice == kLargeFiles);

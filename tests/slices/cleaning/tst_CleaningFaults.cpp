@@ -159,8 +159,8 @@ void TestCleaningFaults::leavesAPartlyListedFolderWholly()
         for (int i = 0; i < 5; ++i)
             makeFile(folder + '/' + QByteArray::number(i));
         const GrantedFolder granted(scratch / "home");
-        const FileUrl place = granted.folder("Downloads" + inner);
-        const CleaningReport report = clean(granted, {contentsOf({place})}, {}, BrokenListing());
+        const FileUrl location = granted.folder("Downloads" + inner);
+        const CleaningReport report = clean(granted, {contentsOf({location})}, {}, BrokenListing());
         QCOMPARE(tree(folder).size(), std::size_t(5));
         QCOMPARE(report.refusals.size(), 1);
         QCOMPARE(report.refusals.first().path, folder);

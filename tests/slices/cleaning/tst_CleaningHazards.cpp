@@ -140,8 +140,8 @@ void TestCleaningHazards::refusesAPlaceThatIsAMount()
         if (!enterMountNamespace() || !bindMount(scratch / "outside", scratch / "home/Downloads"))
             return "cannot mount";
         const GrantedFolder granted(scratch / "home");
-        const FileUrls places{granted.folder("Downloads"), granted.folder("Downloads/inside")};
-        if (!makeCleaningPlan(hostSystemCalls(), granted, {contentsOf(places)}, {})
+        const FileUrls locations{granted.folder("Downloads"), granted.folder("Downloads/inside")};
+        if (!makeCleaningPlan(hostSystemCalls(), granted, {contentsOf(locations)}, {})
                  .locations()
                  .empty())
             return "planned it";

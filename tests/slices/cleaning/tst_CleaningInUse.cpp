@@ -31,31 +31,31 @@ private Q_SLOTS:
     void asksNothingOnceItIsStopped();
 
 private:
-    CleaningReport clean(const QByteArrayList &programPlaces, const FileUrls &excluded = {},
+    CleaningReport clean(const QByteArrayList &programLocations, const FileUrls &excluded = {},
                          const SystemCalls &calls = hostSystemCalls(),
                          const std::stop_token &stop = {})
     {
         SliceToClean slice = contentsOf({m_home->folder("caches")});
-        for (const QByteArray &place : programPlaces)
-            slice.programPlaces.append(m_home->folder(place));
+        for (const QByteArray &location : programLocations)
+            slice.programLocations.append(m_home->folder(location));
         const auto plan = makeCleaningPlan(calls, *m_home, {slice}, excluding(excluded));
         return performCleaning(calls, plan, stop,
-                               [this](const CleaningLocation &, const FileUrl &place) {
-                                   m_asked.append(place.path().sliced(m_path.size() + 1));
-                                   return m_inUse ? m_inUse(place) : FileUrls();
+                               [this](const CleaningLocation &, const FileUrl &entry) {
+                                   m_asked.append(entry.path().sliced(m_path.size() + 1));
+                                   return m_inUse ? m_inUse(entry) : FileUrls();
                                });
     }
     void useAlways(const QByteArray &inUse)
     {
-        m_inUse = [url = m_home->folder(inUse)](const FileUrl &place) {
-            return url.path().startsWith(place.path()) ? FileUrls{url} : FileUrls();
+        m_inUse = [url = m_home->folder(inUse)](const FileUrl &entry) {
+            return url.path().startsWith(entry.path()) ? FileUrls{url} : FileUrls();
         };
     }
 
     std::unique_ptr<CleaningGround> m_scratch;
     QByteArray m_path;
     std::unique_ptr<GrantedFolder> m_home;
-    std::function<FileUrls(const FileUrl &place)> m_inUse;
+    std::function<FileUrls(const FileUrl &entry)> m_inUse;
     QByteArrayList m_asked;
 };
 
@@ -130,7 +130,7 @@ void TestCleaningInUse::removesTheWayToWhatIsNotInUse()
 
 void TestCleaningInUse::keepsALocationThatIsInUse()
 {
-    m_inUse = [](const FileUrl &place) { return FileUrls{place}; };
+    m_inUse = [](const FileUrl &entry) { return FileUrls{entry}; };
     const std::set<QByteArray> before = tree(m_path);
     QCOMPARE(clean({"caches"}).refusals.value(0).path, m_path + "/caches");
     QCOMPARE(tree(m_path), before);

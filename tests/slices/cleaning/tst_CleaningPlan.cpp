@@ -51,7 +51,7 @@ private:
     {
         return planned({contentsOf({m_home->folder(relative)})}, excluded);
     }
-    static FileUrls places(const CleaningPlan &plan)
+    static FileUrls locations(const CleaningPlan &plan)
     {
         FileUrls urls;
         for (const CleaningLocation &location : plan.locations())
@@ -86,7 +86,7 @@ void TestCleaningPlan::plansPlacesInTheirOrder()
     const FileUrls folders{m_home->folder("Library/Caches"), m_home->folder("Downloads")};
     const FileUrls files{m_home->file("Library/Safari/History.plist")};
     const CleaningPlan plan = planned({contentsOf(folders), theFiles(files)});
-    QCOMPARE(places(plan), folders + files);
+    QCOMPARE(locations(plan), folders + files);
     QVERIFY(plan.refusals().isEmpty());
     QVERIFY(plan.excludedLocations().isEmpty());
     const CleaningLocation &last = plan.locations().back();
@@ -188,7 +188,7 @@ void TestCleaningPlan::refusesAPlaceWhoseExclusionIsGone()
     const FileUrls folders{m_home->folder("Downloads"), m_home->folder("Library/Caches")};
     const CleaningPlan plan =
         planned({contentsOf(folders)}, {m_home->folder("Downloads/Deep/Gone")});
-    QCOMPARE(places(plan), FileUrls{folders[1]});
+    QCOMPARE(locations(plan), FileUrls{folders[1]});
     QCOMPARE(plan.refusals().size(), 1);
     QCOMPARE(plan.refusals().first().path, folders[0].path());
     QCOMPARE(plan.refusals().first().reason, RefusalReason::UnresolvedExclusion);
@@ -367,7 +367,7 @@ void TestCleaningPlan::sparesFilesThatShareTheirIdentityWithAnExclusion()
     std::filesystem::create_hard_link(native(m_path + "/Downloads/Keep/film"),
                                       native(m_path + "/Downloads/twin"));
     const FileUrl twin = m_home->file("Downloads/twin");
-    QCOMPARE(places(planned({theFiles({twin})})), FileUrls{twin});
+    QCOMPARE(locations(planned({theFiles({twin})})), FileUrls{twin});
     QVERIFY(planned({theFiles({twin})}, {m_home->file("Downloads/Keep/film")}).locations().empty());
 }
 
@@ -379,7 +379,7 @@ void TestCleaningPlan::judgesAllFilesOfASliceAsSoonAsOneIsTouched()
     const FileUrls files{m_home->file("Downloads/b"), m_home->file("Downloads/ab"),
                          m_home->file("Downloads/a")};
     const CleaningPlan plan = planned({theFiles(files)}, {m_home->file("Downloads/a")});
-    QCOMPARE(places(plan), FileUrls{files[0]});
+    QCOMPARE(locations(plan), FileUrls{files[0]});
     QCOMPARE(plan.excludedLocations(), FileUrls({files[1], files[2]}));
 }
 

@@ -106,7 +106,7 @@ void TestCleaningReportBuilder::logsWhatIsLocked()
 
 void TestCleaningReportBuilder::logsWhatThePlanRefuses_data()
 {
-    QTest::addColumn<QByteArray>("place");
+    QTest::addColumn<QByteArray>("location");
     QTest::addColumn<QString>("excluded");
     QTest::addColumn<QString>("line");
     const QString nothing;
@@ -128,7 +128,7 @@ void TestCleaningReportBuilder::logsWhatThePlanRefuses_data()
 
 void TestCleaningReportBuilder::logsWhatThePlanRefuses()
 {
-    QFETCH(QByteArray, place);
+    QFETCH(QByteArray, location);
     QFETCH(QString, excluded);
     QFETCH(QString, line);
     makeFile(downloads("a"));
@@ -139,7 +139,7 @@ void TestCleaningReportBuilder::logsWhatThePlanRefuses()
     if (!excluded.isEmpty())
         exclusions.append(excluded.contains(u'%') ? excluded.arg(home) : excluded);
     const LogRecorder log;
-    clean(*m_home, {contentsOf({m_home->folder(place)})},
+    clean(*m_home, {contentsOf({m_home->folder(location)})},
           ExcludedPaths::fromStoredStrings(exclusions));
     const QString what = line.contains(u"%1") ? line.arg(home) : line;
     QCOMPARE(log.lines(), QStringList(QStringLiteral("File might be locked: ") + what));

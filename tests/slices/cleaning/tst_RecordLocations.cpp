@@ -36,9 +36,9 @@ private:
         const SizingRules rules{.kept = pathsInside(url, kept)};
         return measureFolder(m_calls, *m_home->access().anchoredPath(url), {}, 1, rules).bytes;
     }
-    ProgramPlaceSizes measured() const
+    ProgramLocationSizes measured() const
     {
-        return measureProgramPlaces(
+        return measureProgramLocations(
             {m_cache, m_browserData}, m_layout,
             [this](const FileUrl &url, const FileUrls &kept) { return sizeOf(url, kept); });
     }
@@ -70,7 +70,7 @@ void TestRecordLocations::init()
     m_layout = m_home->survey();
     m_cache = record(SliceKind::Cache);
     m_browserData = record(SliceKind::BrowserData);
-    placeRecords({m_cache, m_browserData}, m_layout, {});
+    setRecordLocations({m_cache, m_browserData}, m_layout, {});
     m_cache->fileSizeString();
     m_browserData->fileSizeString();
     QCOMPARE(m_cache->fileSize(), 21);
@@ -81,7 +81,7 @@ void TestRecordLocations::init()
 void TestRecordLocations::givesTheRecordsWhatIsNotInUse()
 {
     firefoxRuns();
-    placeRecords({m_cache, m_browserData}, m_layout, inUse());
+    setRecordLocations({m_cache, m_browserData}, m_layout, inUse());
     QCOMPARE(m_home->relative(*m_cache->fileURLs()), QByteArrayList{".cache/"});
     QCOMPARE(m_home->relative(m_cache->kept()), QByteArrayList{".cache/mozilla/"});
     QVERIFY(!m_cache->isMeasured()); // whoever needs the size asks for it
@@ -94,9 +94,9 @@ void TestRecordLocations::givesTheRecordsWhatIsNotInUse()
 void TestRecordLocations::givesThemBackWhatIsNoLongerInUse()
 {
     firefoxRuns();
-    placeRecords({m_cache, m_browserData}, m_layout, inUse());
+    setRecordLocations({m_cache, m_browserData}, m_layout, inUse());
     firefoxEnds();
-    placeRecords({m_cache, m_browserData}, m_layout, inUse());
+    setRecordLocations({m_cache, m_browserData}, m_layout, inUse());
     QVERIFY(m_cache->kept().isEmpty());
     QCOMPARE(m_cache->fileSizeString(), QStringLiteral("21 bytes"));
     QCOMPARE(m_browserData->fileSizeString(), QStringLiteral("300 bytes"));
@@ -104,12 +104,12 @@ void TestRecordLocations::givesThemBackWhatIsNoLongerInUse()
 
 void TestRecordLocations::measuresOnlyWhatHasChanged()
 {
-    placeRecords({m_cache, m_browserData}, m_layout, inUse());
+    setRecordLocations({m_cache, m_browserData}, m_layout, inUse());
     QVERIFY(m_cache->isMeasured());
     firefoxRuns();
-    placeRecords({m_cache}, m_layout, inUse());
+    setRecordLocations({m_cache}, m_layout, inUse());
     m_cache->fileSizeString();
-    placeRecords({m_cache}, m_layout, inUse());
+    setRecordLocations({m_cache}, m_layout, inUse());
     m_cache->fileSizeString();
     QCOMPARE(m_measures, 1);
 }
@@ -117,22 +117,22 @@ void TestRecordLocations::measuresOnlyWhatHasChanged()
 void TestRecordLocations::takesAwayWhatIsNewlyInUse()
 {
     firefoxRuns();
-    const FileUrls takenAway = takeAwayPlacesInUse({m_cache, m_browserData}, inUse());
+    const FileUrls takenAway = takeAwayLocationsInUse({m_cache, m_browserData}, inUse());
     QCOMPARE(m_home->relative(takenAway),
              QByteArrayList({".cache/mozilla/", ".mozilla/firefox/a/cookies.sqlite"}));
     QCOMPARE(m_home->relative(m_cache->kept()), QByteArrayList{".cache/mozilla/"});
     QCOMPARE(m_cache->fileSize(), 1);
     QCOMPARE(m_browserData->fileSize(), 0);
-    QCOMPARE(takeAwayPlacesInUse({m_cache, m_browserData}, inUse()), FileUrls());
+    QCOMPARE(takeAwayLocationsInUse({m_cache, m_browserData}, inUse()), FileUrls());
 }
 
 void TestRecordLocations::givesNothingBackOfWhatWasConfirmed()
 {
     firefoxRuns();
-    placeRecords({m_cache, m_browserData}, m_layout, inUse());
+    setRecordLocations({m_cache, m_browserData}, m_layout, inUse());
     m_cache->fileSizeString();
     firefoxEnds();
-    QCOMPARE(takeAwayPlacesInUse({m_cache, m_browserData}, inUse()), FileUrls());
+    QCOMPARE(takeAwayLocationsInUse({m_cache, m_browserData}, inUse()), FileUrls());
     QCOMPARE(m_home->relative(m_cache->kept()), QByteArrayList{".cache/mozilla/"});
     QCOMPARE(m_cache->fileSize(), 1);
     QCOMPARE(m_browserData->fileURLs(), FileUrls());
@@ -140,7 +140,7 @@ void TestRecordLocations::givesNothingBackOfWhatWasConfirmed()
 
 void TestRecordLocations::takesOffWhatWasMeasuredOfThePlacesThatStayed()
 {
-    const ProgramPlaceSizes sizes = measured();
+    const ProgramLocationSizes sizes = measured();
     m_home->make(".cache/mozilla/firefox/a/new", QByteArray(4000, 'x'));
     takeAwaySizes(sizes, {m_home->path(".cache/mozilla"), m_home->path(".cache/other")});
     QCOMPARE(m_cache->fileSize(), 1);
@@ -154,7 +154,7 @@ void TestRecordLocations::takesOffWhatWasMeasuredOfThePlacesThatStayed()
 void TestRecordLocations::takesOffNothingOfWhatWasKeptAnyway()
 {
     firefoxRuns();
-    takeAwayPlacesInUse({m_cache, m_browserData}, inUse());
+    takeAwayLocationsInUse({m_cache, m_browserData}, inUse());
     takeAwaySizes(measured(), {m_home->path(".cache/mozilla")});
     QCOMPARE(m_cache->fileSize(), 1);
 }

@@ -1,4 +1,4 @@
-#include "tests/slices/kit/EveryPlace.h"
+#include "tests/slices/kit/EveryLocation.h"
 #include "tests/slices/kit/PlanKit.h"
 #include "tests/support/run/TestMain.h"
 
@@ -215,7 +215,7 @@ void TestSlicesToClean::takesTheTrashAndTheCacheOfTheEnvironment()
     const MadeHome home({"data/Trash/files/x", "data/Trash/info/x.trashinfo",
                          "data/Trash/directorysizes", "data/keep", "var/cache/x", "var/keep",
                          ".cache/x", ".local/share/Trash/files/x"});
-    const CleaningPlan plan = planOfEverything(home, home.survey(environmentOfEveryPlace(home)));
+    const CleaningPlan plan = planOfEverything(home, home.survey(environmentOfEveryLocation(home)));
     QCOMPARE(linesOf(home, plan),
              QByteArrayList({"Trash: empty, read-only folders too, .local/share/Trash/files/",
                              "Trash: remove data/Trash/directorysizes",
@@ -231,7 +231,7 @@ void TestSlicesToClean::keepsWhatARecordKeeps()
     const HomeLayout layout = home.survey();
     const FileUrls kept{home.access().folder(".cache/mozilla")};
     const auto record = Info::infoWithName(QStringLiteral("Cache"), std::nullopt);
-    record->setPlaces(*layout.locations(SliceKind::Cache), kept);
+    record->setLocations(*layout.locations(SliceKind::Cache), kept);
     const QList<SliceToClean> slices = slicesToClean(layout, {record});
     QCOMPARE(slices.size(), 1);
     QCOMPARE(slices.first().kept, kept);
@@ -301,7 +301,7 @@ void TestSlicesToClean::plansTheFixedPlacesBesideALibrary()
     makeAll(home, {"Get/x", "data/Trash/files/x", "data/Trash/info/x", "var/cache/x"});
     makeAll(home, paths);
     home.nameUserDirs("XDG_DOWNLOAD_DIR=\"$HOME/Get\"\n");
-    const HomeLayout layout = home.survey(environmentOfEveryPlace(home));
+    const HomeLayout layout = home.survey(environmentOfEveryLocation(home));
     const CleaningPlan plan = planOfEverything(home, layout);
     QTEST(linesOf(home, plan), "plan");
     QTEST(refusalsOf(home, plan), "refusals");

@@ -81,15 +81,15 @@ private:
                        const std::stop_token &stop) const
     {
         const HomeLayout layout = surveyHome(calls, access, home, {});
-        const FileUrls places = *layout.locations(kind);
+        const FileUrls locations = *layout.locations(kind);
         qint64 shown = 0;
-        for (const FileUrl &place : places) {
+        for (const FileUrl &location : locations) {
             const auto rule =
-                layout.isInTrash(place) ? ReadOnlyFolders::Emptied : ReadOnlyFolders::Stay;
-            shown += measureFolder(calls, *access.anchoredPath(place), {}, 1, {rule}).bytes;
+                layout.isInTrash(location) ? ReadOnlyFolders::Emptied : ReadOnlyFolders::Stay;
+            shown += measureFolder(calls, *access.anchoredPath(location), {}, 1, {rule}).bytes;
         }
         const auto record =
-            Info::infoWithName(QString::fromUtf16(sliceCatalogue()[indexOf(kind)].name), places);
+            Info::infoWithName(QString::fromUtf16(sliceCatalogue()[indexOf(kind)].name), locations);
         const CleaningReport report = performCleaning(
             calls, makeCleaningPlan(calls, access, slicesToClean(layout, {record}), excluded),
             stop);

@@ -85,7 +85,7 @@ void TestExcludedPaths::keepsWhatItCannotReadApart()
 
 void TestExcludedPaths::findsASliceExcludedOnlyWhenAllItsPlacesAre_data()
 {
-    QTest::addColumn<QByteArrayList>("places");
+    QTest::addColumn<QByteArrayList>("locations");
     QTest::addColumn<QByteArrayList>("excluded");
     QTest::addColumn<bool>("isExcluded");
     const QByteArrayList three{"/h/i/iPad/", "/h/i/iPod/", "/h/i/iPhone/"};
@@ -103,11 +103,11 @@ void TestExcludedPaths::findsASliceExcludedOnlyWhenAllItsPlacesAre_data()
 
 void TestExcludedPaths::findsASliceExcludedOnlyWhenAllItsPlacesAre()
 {
-    QFETCH(QByteArrayList, places);
+    QFETCH(QByteArrayList, locations);
     QFETCH(QByteArrayList, excluded);
     QFETCH(bool, isExcluded);
     const LogRecorder log;
-    QCOMPARE(excludedPaths(excluded).containsExcludedFile(urlsOf(places)), isExcluded);
+    QCOMPARE(excludedPaths(excluded).containsExcludedFile(urlsOf(locations)), isExcluded);
 }
 
 void TestExcludedPaths::logsEachMatchOfASlice()
@@ -122,7 +122,7 @@ void TestExcludedPaths::logsEachMatchOfASlice()
 
 void TestExcludedPaths::touchesPlacesThatHoldAnExclusion_data()
 {
-    QTest::addColumn<QByteArray>("place");
+    QTest::addColumn<QByteArray>("location");
     QTest::addColumn<QByteArrayList>("excluded");
     QTest::addColumn<bool>("isTouched");
     QTest::addRow("none") << QByteArray("/h/a/") << QByteArrayList() << false;
@@ -136,10 +136,10 @@ void TestExcludedPaths::touchesPlacesThatHoldAnExclusion_data()
 
 void TestExcludedPaths::touchesPlacesThatHoldAnExclusion()
 {
-    QFETCH(QByteArray, place);
+    QFETCH(QByteArray, location);
     QFETCH(QByteArrayList, excluded);
     QFETCH(bool, isTouched);
-    QCOMPARE(excludedPaths(excluded).touches(urlOf(place)), isTouched);
+    QCOMPARE(excludedPaths(excluded).touches(urlOf(location)), isTouched);
 }
 
 void TestExcludedPaths::judgesByText_data()

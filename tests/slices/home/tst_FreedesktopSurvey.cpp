@@ -193,7 +193,7 @@ void TestFreedesktopSurvey::protectsTheUsersFoldersWhateverTheirNames()
     home.nameUserDirs(lines);
     const HomeLayout layout = home.survey({{}, home.path("var/cache")});
     QByteArrayList expected{".cache/", "var/cache/", "Downloads/"};
-    expected.removeIf([&](const QByteArray &place) { return lost.contains(place); });
+    expected.removeIf([&](const QByteArray &location) { return lost.contains(location); });
     QCOMPARE(home.relative(*layout.locations(SliceKind::Cache) +
                            *layout.locations(SliceKind::Downloads)),
              expected);

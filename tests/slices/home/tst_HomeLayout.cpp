@@ -54,9 +54,10 @@ void TestHomeLayout::describesAllSlicesWithoutGaps()
 void TestHomeLayout::namesDownloadsThatAreCalledOtherwise()
 {
     const auto home = FileUrl::fromPath("/home/anna", FileUrlKind::Folder);
-    HomeLayout::Places places;
-    places.locations[indexOf(SliceKind::Downloads)] = {home.appending("Get", FileUrlKind::Folder)};
-    const HomeLayout layout = HomeLayout::freedesktop(home, places);
+    HomeLayout::Findings findings;
+    findings.locations[indexOf(SliceKind::Downloads)] = {
+        home.appending("Get", FileUrlKind::Folder)};
+    const HomeLayout layout = HomeLayout::freedesktop(home, findings);
     QCOMPARE(layout.nameOfDownloads(), QStringLiteral("Get"));
     QVERIFY(layout.details(SliceKind::Downloads)
                 .endsWith(QStringLiteral("all files from there. It is called “Get”.")));

@@ -95,9 +95,9 @@ std::set<QByteArray> expectedRest(const RandomHome &made, const CleaningPlan &pl
     for (const CleaningLocation &location : plan.locations()) {
         const QByteArray place = location.path.relativePath;
         std::erase_if(rest, [&](const QByteArray &path) {
-            const bool isOfPlace = path.startsWith(place + '/') ||
-                                   (path == place && location.content == SliceContent::Files);
-            return isOfPlace && !isKept(made, path, *sliceKindNamed(location.slice));
+            const bool isOfLocation = path.startsWith(place + '/') ||
+                                      (path == place && location.content == SliceContent::Files);
+            return isOfLocation && !isKept(made, path, *sliceKindNamed(location.slice));
         });
     }
     for (const QByteArray &path : before) {
@@ -183,7 +183,7 @@ qint64 counted(const MadeHome &home, const QByteArrayList &places)
 const QByteArray kITunes = ".wine/drive_c/users/anna/AppData/Roaming/Apple Computer/iTunes/";
 
 /// The places are named here anew, by hand.
-const std::map<SliceKind, QByteArrayList> kPlacesByHand{
+const std::map<SliceKind, QByteArrayList> kLocationsByHand{
     {SliceKind::Trash,
      {".local/share/Trash/files", ".local/share/Trash/info", ".local/share/Trash/expunged"}},
     {SliceKind::Cache, {".cache", ".var/app/org.a.A/cache"}},
@@ -199,7 +199,7 @@ const std::map<SliceKind, QByteArrayList> kPlacesByHand{
 };
 
 /// Something in all of them, and beside them what must not count.
-void fillPlacesByHand(const MadeHome &home)
+void fillLocationsByHand(const MadeHome &home)
 {
     const QByteArrayList files{
         ".local/share/Trash/files/folder/deep/er/a",
@@ -276,9 +276,9 @@ void TestHomeProperties::removesWhatIsPlannedAndNothingElse()
 void TestHomeProperties::showsWhatAnIndependentCountFinds()
 {
     MadeHome home(kPlainHome);
-    fillPlacesByHand(home);
+    fillLocationsByHand(home);
     const HomeLayout layout = home.survey();
-    for (const auto &[kind, places] : kPlacesByHand) {
+    for (const auto &[kind, places] : kLocationsByHand) {
         const qint64 bytes = shown(home, layout, kind);
         QVERIFY(bytes > 0);
         QCOMPARE(bytes, counted(home, places));

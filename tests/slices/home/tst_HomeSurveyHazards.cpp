@@ -1,7 +1,7 @@
 #include "platform/system/FileStatus.h"
 #include "platform/system/HostSystemCalls.h"
 #include "platform/system/SystemResult.h"
-#include "tests/slices/kit/EveryPlace.h"
+#include "tests/slices/kit/EveryLocation.h"
 #include "tests/slices/kit/PlanKit.h"
 #include "tests/support/disk/ForwardingSystemCalls.h"
 #include "tests/support/disk/OwnMounts.h"
@@ -85,7 +85,7 @@ QByteArrayList lostBesides(const QByteArray &link)
     return {};
 }
 
-/// What makeEveryPlace() put there.
+/// What makeEveryLocation() put there.
 std::set<QByteArray> itemsIn(const Found &found)
 {
     std::set<QByteArray> items;
@@ -122,10 +122,10 @@ private Q_SLOTS:
 void TestHomeSurveyHazards::findsEveryPlaceWithoutALink()
 {
     const MadeHome home;
-    makeEveryPlace(home);
-    QCOMPARE(locationsOf(home, home.survey(environmentOfEveryPlace(home))), kEveryPlace);
+    makeEveryLocation(home);
+    QCOMPARE(locationsOf(home, home.survey(environmentOfEveryLocation(home))), kEveryLocation);
     // No slice was forgotten; large files are picked.
-    QCOMPARE(int(kEveryPlace.size()), kSliceCount - 1);
+    QCOMPARE(int(kEveryLocation.size()), kSliceCount - 1);
 }
 
 /// Every place and every folder on the way to it, each led out of the home and to elsewhere in it.
@@ -134,7 +134,7 @@ void TestHomeSurveyHazards::followsNoLink_data()
     QTest::addColumn<QByteArray>("link");
     QTest::addColumn<QByteArray>("target"); ///< from the home
     std::set<QByteArray> links;
-    for (const QByteArray &place : pathsOf(kEveryPlace)) {
+    for (const QByteArray &place : pathsOf(kEveryLocation)) {
         for (qsizetype end = place.indexOf('/'); end >= 0; end = place.indexOf('/', end + 1))
             links.insert(place.first(end));
         if (!place.endsWith('/'))
@@ -155,14 +155,14 @@ void TestHomeSurveyHazards::followsNoLink()
     QFETCH(const QByteArray, target);
     const LogRecorder silence;
     const MadeHome home;
-    makeEveryPlace(home);
+    makeEveryLocation(home);
     const QByteArray moved = home.path(target);
     std::filesystem::rename(native(home.path(link)), native(moved));
     home.link(link, QByteArray("../").repeated(link.count('/')) + target);
     QVERIFY(std::filesystem::exists(native(home.path(link))));
-    const HomeLayout layout = home.survey(environmentOfEveryPlace(home));
+    const HomeLayout layout = home.survey(environmentOfEveryLocation(home));
     const Found found = locationsOf(home, layout);
-    QCOMPARE(pathsOf(found), pathsOf(kEveryPlace, [&](const QByteArray &path) {
+    QCOMPARE(pathsOf(found), pathsOf(kEveryLocation, [&](const QByteArray &path) {
                  return !isAtOrIn(path, link) && !isAtOrInOne(path, lostBesides(link));
              }));
 

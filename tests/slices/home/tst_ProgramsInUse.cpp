@@ -6,7 +6,7 @@
 
 namespace {
 
-FileUrls places(const HomeLayout &layout, SliceKind kind)
+FileUrls locations(const HomeLayout &layout, SliceKind kind)
 {
     return *layout.locations(kind);
 }
@@ -53,7 +53,7 @@ private:
     }
     bool isFirefoxInUse(const MadeHome &home) const
     {
-        const FileUrls files = places(home.survey(), SliceKind::BrowserData);
+        const FileUrls files = locations(home.survey(), SliceKind::BrowserData);
         return found(home).without(files).isEmpty();
     }
 
@@ -87,7 +87,7 @@ void TestProgramsInUse::judgesTheLinkOfAChromium()
     const MadeHome home({".config/vivaldi/Default/History"});
     if (!link.isEmpty())
         home.link(".config/vivaldi/SingletonLock", link);
-    const FileUrls files = places(home.survey(), SliceKind::BrowserData);
+    const FileUrls files = locations(home.survey(), SliceKind::BrowserData);
     QCOMPARE(found(home).without(files), isInUse ? FileUrls() : files);
     QCOMPARE(found(home).programs(files),
              isInUse ? QStringList{QStringLiteral("Vivaldi")} : QStringList());
@@ -97,7 +97,7 @@ void TestProgramsInUse::believesNoNumberOutOfASandbox()
 {
     const MadeHome home({".var/app/com.brave.Browser/config/BraveSoftware/Brave-Browser/Default/"
                          "Cookies"});
-    const FileUrls files = places(home.survey(), SliceKind::BrowserData);
+    const FileUrls files = locations(home.survey(), SliceKind::BrowserData);
     QCOMPARE(found(home).without(files), files);
     home.link(".var/app/com.brave.Browser/config/BraveSoftware/Brave-Browser/SingletonLock",
               "desk-78");
@@ -170,7 +170,7 @@ void TestProgramsInUse::noticesAFirefoxThatIsBeingStarted()
 void TestProgramsInUse::looksForMailProgramsInTheProcessList()
 {
     const MadeHome home({".claws-mail/mimetmp/", ".sylpheed-2.0/mimetmp/"});
-    const FileUrls folders = places(home.survey(), SliceKind::MailDownloads);
+    const FileUrls folders = locations(home.survey(), SliceKind::MailDownloads);
     QCOMPARE(found(home).without(folders), folders);
     m_machine->programs = QByteArrayList{"claws-mail"};
     QCOMPARE(home.relative(found(home).without(folders)), QByteArrayList{".sylpheed-2.0/mimetmp/"});
@@ -187,9 +187,9 @@ void TestProgramsInUse::leavesOutTheFilesOfTheOneProfileAlone()
     home.link(".mozilla/firefox/b/lock", "127.0.1.1:+77");
     const HomeLayout layout = home.survey();
     QCOMPARE(
-        home.relative(found(home).without(places(layout, SliceKind::BrowserData))),
+        home.relative(found(home).without(locations(layout, SliceKind::BrowserData))),
         QByteArrayList({".config/chromium/Default/History", ".mozilla/firefox/a/cookies.sqlite"}));
-    QVERIFY(found(home).programs(places(layout, SliceKind::Cache)).isEmpty());
+    QVERIFY(found(home).programs(locations(layout, SliceKind::Cache)).isEmpty());
 }
 
 void TestProgramsInUse::leavesOutTheCacheOfASandboxedBrowser()
@@ -200,7 +200,7 @@ void TestProgramsInUse::leavesOutTheCacheOfASandboxedBrowser()
                          ".var/app/com.brave.Browser/cache/a",
                          "snap/firefox/common/.mozilla/firefox/a/cookies.sqlite",
                          "snap/firefox/common/.cache/a"});
-    const FileUrls caches = places(home.survey(), SliceKind::Cache);
+    const FileUrls caches = locations(home.survey(), SliceKind::Cache);
     QCOMPARE(caches.size(), 4);
     QCOMPARE(found(home).without(caches), caches);
     home.link(".var/app/com.brave.Browser/config/BraveSoftware/Brave-Browser/SingletonLock",
@@ -217,7 +217,7 @@ void TestProgramsInUse::keepsTheCachesInsideThatOfTheUser()
     const MadeHome home({".cache/mozilla/x", ".cache/BraveSoftware/Brave-Browser/x",
                          ".mozilla/firefox/a/x", ".mozilla/firefox/b/x",
                          ".config/BraveSoftware/Brave-Browser/Default/History"});
-    const FileUrls caches = places(home.survey(), SliceKind::Cache);
+    const FileUrls caches = locations(home.survey(), SliceKind::Cache);
     QVERIFY(found(home).keptInside(caches).isEmpty());
     QVERIFY(found(home).programs(caches).isEmpty());
     for (const char *profile : {"a", "b"})
@@ -234,12 +234,12 @@ void TestProgramsInUse::noticesABrowserWithoutAnyFiles()
 {
     const MadeHome home({".cache/chromium/x", ".config/chromium/", ".cache/google-chrome-beta/x",
                          ".config/google-chrome-beta/Default/Cookies", ".cache/opera/x"});
-    const FileUrls caches = places(home.survey(), SliceKind::Cache);
+    const FileUrls caches = locations(home.survey(), SliceKind::Cache);
     home.link(".config/chromium/SingletonLock", "desk-77");
     home.link(".config/google-chrome-beta/SingletonLock", "desk-77");
     QCOMPARE(home.relative(found(home).keptInside(caches)),
              QByteArrayList({".cache/chromium/", ".cache/google-chrome-beta/"}));
-    QVERIFY(places(home.survey(), SliceKind::BrowserData).isEmpty());
+    QVERIFY(locations(home.survey(), SliceKind::BrowserData).isEmpty());
 }
 
 void TestProgramsInUse::keepsTheCachesInsideThatOfTheEnvironment_data()
@@ -262,7 +262,7 @@ void TestProgramsInUse::keepsTheCachesInsideThatOfTheEnvironment()
     m_machine->programs = QByteArrayList{"geary"};
     const HomeLayout layout = home.survey({.dataHome = {}, .cacheHome = home.path("var/cache")});
     const auto inUse = ProgramsInUse::find(*m_machine, home.access(), layout);
-    QByteArrayList found = home.relative(inUse.keptInside(places(layout, SliceKind::Cache)));
+    QByteArrayList found = home.relative(inUse.keptInside(locations(layout, SliceKind::Cache)));
     std::sort(found.begin(), found.end());
     QCOMPARE(found, kept);
 }
@@ -275,7 +275,7 @@ void TestProgramsInUse::keepsTheCacheOfAProgramThatWasNeverRunBefore()
     home.make(".cache/mozilla/x");
     m_machine->programs = QByteArrayList{"firefox"};
     const auto inUse = ProgramsInUse::find(*m_machine, home.access(), layout);
-    const FileUrls caches = places(layout, SliceKind::Cache);
+    const FileUrls caches = locations(layout, SliceKind::Cache);
     QCOMPARE(home.relative(inUse.keptInside(caches)), QByteArrayList{".cache/mozilla/"});
     QCOMPARE(home.relative(inUse.without(caches)), QByteArrayList{".cache/"});
 }
@@ -287,19 +287,19 @@ void TestProgramsInUse::keepsAFolderOnlyOnce()
     home.link(".config/BraveSoftware/Brave-Browser/SingletonLock", "desk-77");
     m_machine->programs = QByteArrayList{"brave"};
     const HomeLayout layout = home.survey();
-    const FileUrl cache = places(layout, SliceKind::Cache).constFirst();
+    const FileUrl cache = locations(layout, SliceKind::Cache).constFirst();
     QCOMPARE(home.relative(found(home).keptInside({cache})),
              QByteArrayList{".cache/BraveSoftware/"});
-    QCOMPARE(
-        home.relative(placesInUse(*m_machine, *home.access().anchoredPath(cache), layout, cache)),
-        QByteArrayList{".cache/BraveSoftware/"});
+    QCOMPARE(home.relative(
+                 locationsInUse(*m_machine, *home.access().anchoredPath(cache), layout, cache)),
+             QByteArrayList{".cache/BraveSoftware/"});
 }
 
 void TestProgramsInUse::namesNothingThatIsNotThere()
 {
     const MadeHome home({".cache/other/x"});
     m_machine->programs = QByteArrayList{"chrome"};
-    const FileUrls caches = places(home.survey(), SliceKind::Cache);
+    const FileUrls caches = locations(home.survey(), SliceKind::Cache);
     QVERIFY(found(home).keptInside(caches).isEmpty());
     QVERIFY(found(home).programs(caches).isEmpty());
 }
@@ -308,7 +308,7 @@ void TestProgramsInUse::keepsTheCachesOfMailPrograms()
 {
     const MadeHome home({".cache/thunderbird/x", ".thunderbird/a/x", ".cache/evolution/x",
                          ".var/app/org.gnome.Evolution/cache/x", ".cache/geary/x"});
-    const FileUrls caches = places(home.survey(), SliceKind::Cache);
+    const FileUrls caches = locations(home.survey(), SliceKind::Cache);
     home.link(".thunderbird/a/lock", "127.0.1.1:+77");
     m_machine->programs = QByteArrayList{"evolution-sourc"}; // its service alone
     QCOMPARE(home.relative(found(home).keptInside(caches)),
@@ -320,7 +320,7 @@ void TestProgramsInUse::keepsTheCacheOfABrowserWhoseLockIsElsewhere()
 {
     const MadeHome home({".cache/mozilla/x", "elsewhere/firefox/a/cookies.sqlite"});
     home.link(".mozilla", "elsewhere");
-    const FileUrls caches = places(home.survey(), SliceKind::Cache);
+    const FileUrls caches = locations(home.survey(), SliceKind::Cache);
     QVERIFY(found(home).keptInside(caches).isEmpty());
     m_machine->programs = QByteArrayList{"firefox-esr"};
     QCOMPARE(home.relative(found(home).keptInside(caches)), QByteArrayList{".cache/mozilla/"});
@@ -335,7 +335,7 @@ void TestProgramsInUse::tellsWhatIsInUseAtThisMoment()
     const auto inUse = [&](const QByteArray &path, FileUrlKind kind) {
         const FileUrl url = home.url().appending(path, kind);
         return home.relative(
-            placesInUse(*m_machine, *home.access().anchoredPath(url), layout, url));
+            locationsInUse(*m_machine, *home.access().anchoredPath(url), layout, url));
     };
     QVERIFY(inUse(".cache", FileUrlKind::Folder).isEmpty());
     for (const char *profile : {"a", "b"})
@@ -352,7 +352,7 @@ void TestProgramsInUse::namesEachProgramOnce()
     home.nameFirefoxProfiles({"a", "b"});
     home.link(".mozilla/firefox/a/lock", "127.0.1.1:+77");
     home.link(".mozilla/firefox/b/lock", "127.0.1.1:+77");
-    QCOMPARE(found(home).programs(places(home.survey(), SliceKind::BrowserData)),
+    QCOMPARE(found(home).programs(locations(home.survey(), SliceKind::BrowserData)),
              QStringList{QStringLiteral("Firefox")});
 }
 
@@ -382,7 +382,7 @@ void TestProgramsInUse::findsNoneWithALibrary()
 {
     const MadeHome home({"Library/Safari/History.plist"});
     m_machine->programs = QByteArrayList{"claws-mail"};
-    const FileUrls files = places(home.survey(), SliceKind::BrowserData);
+    const FileUrls files = locations(home.survey(), SliceKind::BrowserData);
     QCOMPARE(found(home).without(files), files);
 }
 

@@ -17,7 +17,7 @@ inline CleaningPlan planOfEverything(const MadeHome &home, const HomeLayout &lay
     for (const SliceDescription &slice : sliceCatalogue())
         records.push_back(
             Info::infoWithName(QString::fromUtf16(slice.name), layout.locations(slice.kind)));
-    placeRecords(records, layout, ProgramsInUse::find(calls, home.access(), layout));
+    setRecordLocations(records, layout, ProgramsInUse::find(calls, home.access(), layout));
     return makeCleaningPlan(calls, home.access(), slicesToClean(layout, records),
                             excluding(excluded));
 }
@@ -62,11 +62,11 @@ inline QByteArrayList refusalsOf(const MadeHome &home, const CleaningPlan &plan)
 }
 
 /// A line for each place, all with the same start.
-inline QByteArrayList each(const QByteArray &start, const QByteArrayList &places)
+inline QByteArrayList each(const QByteArray &start, const QByteArrayList &locations)
 {
     QByteArrayList lines;
-    for (const QByteArray &place : places)
-        lines.append(start + place);
+    for (const QByteArray &location : locations)
+        lines.append(start + location);
     return lines;
 }
 

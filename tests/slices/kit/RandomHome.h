@@ -138,7 +138,7 @@ private:
             return oneOf(kNames);
         }
     }
-    QByteArray anyPlace()
+    QByteArray anyLocation()
     {
         const QByteArrayList ends{home.path(), home.path() + "/..", "/", "/etc", ""};
         if (below(3) == 0)
@@ -170,9 +170,10 @@ private:
         tryTo([&] { home.make("letter at the top"); });
         QByteArray lines;
         for (int i = 0; i < 3; ++i)
-            lines += oneOf(kVariables) + "=\"" + anyPlace().replace(home.path(), "$HOME") + "\"\n";
+            lines +=
+                oneOf(kVariables) + "=\"" + anyLocation().replace(home.path(), "$HOME") + "\"\n";
         tryTo([&] { home.nameUserDirs(lines); });
-        environment = {anyPlace(), anyPlace()};
+        environment = {anyLocation(), anyLocation()};
     }
 
     /// As far as its traces tell, it is this very process. Behind a link its traces are not found.

@@ -75,7 +75,7 @@ inline QByteArrayList inUse(const MadeHome &home, const MadeMachine &machine)
     const FileUrls rest = found.without(all);
     FileUrls kept = found.keptInside(all);
     std::copy_if(all.begin(), all.end(), std::back_inserter(kept),
-                 [&](const FileUrl &place) { return !rest.contains(place); });
+                 [&](const FileUrl &location) { return !rest.contains(location); });
     QByteArrayList paths = home.relative(kept);
     std::sort(paths.begin(), paths.end());
     return paths;

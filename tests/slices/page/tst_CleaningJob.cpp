@@ -267,7 +267,7 @@ void TestCleaningJob::cleansWhatItWasStartedWith()
     CleaningJob job(m_calls, ResourceManager::access());
     QSignalSpy finished(&job, &CleaningJob::finished);
     job.start({trash}, [&] {
-        trash->setPlaces({m_fixture->homeUrl().appending("Documents", FileUrlKind::Folder)}, {});
+        trash->setLocations({m_fixture->homeUrl().appending("Documents", FileUrlKind::Folder)}, {});
         return kNothingExcluded();
     });
     QVERIFY(finished.wait());

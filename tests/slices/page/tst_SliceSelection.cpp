@@ -205,11 +205,11 @@ void TestSliceSelection::rebuildWithOneOfTwoInUse()
     m_fixture->makeFile("idle", 1);
     const FileUrl busy = m_fixture->homeUrl().appending("busy", FileUrlKind::File);
     const FileUrl idle = m_fixture->homeUrl().appending("idle", FileUrlKind::File);
-    HomeLayout::Places places;
-    places.locations[indexOf(SliceKind::BrowserData)] = {busy, idle};
-    places.programs = {
+    HomeLayout::Findings findings;
+    findings.locations[indexOf(SliceKind::BrowserData)] = {busy, idle};
+    findings.programs = {
         {QStringLiteral("Browser"), {ProgramLock::Style::ProcessName, "browser"}, {busy}}};
-    const auto layout = HomeLayout::freedesktop(m_fixture->homeUrl(), places);
+    const auto layout = HomeLayout::freedesktop(m_fixture->homeUrl(), findings);
     const AccessScope scope(ResourceManager::access());
     const RunningBrowser calls;
     m_selection->rebuild(layout, {}, ProgramsInUse::find(calls, ResourceManager::access(), layout));

@@ -120,15 +120,15 @@ void TestInfo::sumsUpItsPlaces()
 
 void TestInfo::saysEmptyForNothing_data()
 {
-    QTest::addColumn<bool>("hasPlace");
+    QTest::addColumn<bool>("hasLocation");
     QTest::addRow("no such place") << true;
     QTest::addRow("no place at all") << false;
 }
 
 void TestInfo::saysEmptyForNothing()
 {
-    QFETCH(bool, hasPlace);
-    const auto info = slice(hasPlace ? FileUrls{kGone} : FileUrls());
+    QFETCH(bool, hasLocation);
+    const auto info = slice(hasLocation ? FileUrls{kGone} : FileUrls());
     QCOMPARE(info->fileSizeString(), QStringLiteral("Empty"));
     QCOMPARE(info->fileSize(), 0);
     QVERIFY(m_posts->wait());
@@ -148,8 +148,9 @@ void TestInfo::hasNoTextWithoutPlaces()
 void TestInfo::keepsAPresetText()
 {
     const QString preset = QStringLiteral("Click to select");
-    for (const std::optional<FileUrls> &places : {std::optional<FileUrls>(), {FileUrls{kCaches}}}) {
-        Info info(QStringLiteral("Large Files"), places, std::nullopt, preset, m_services);
+    for (const std::optional<FileUrls> &locations :
+         {std::optional<FileUrls>(), {FileUrls{kCaches}}}) {
+        Info info(QStringLiteral("Large Files"), locations, std::nullopt, preset, m_services);
         QCOMPARE(info.fileSizeString(), preset);
         QCOMPARE(info.fileSize(), 0);
     }
@@ -292,7 +293,7 @@ void TestInfo::measuresItsPlacesWithoutWhatIsKept()
     const auto info = slice(FileUrls{kCaches});
     QCOMPARE(info->kept(), FileUrls());
     QCOMPARE(info->fileSizeString(), QStringLiteral("1.2 GB"));
-    info->setPlaces({kCaches, kLogs}, {kept});
+    info->setLocations({kCaches, kLogs}, {kept});
     QVERIFY(!info->isMeasured());
     QCOMPARE(info->fileURLs(), FileUrls({kCaches, kLogs}));
     QCOMPARE(info->kept(), FileUrls{kept});
@@ -308,7 +309,7 @@ void TestInfo::dropsAMeasureOfWhatIsKeptMeanwhile()
     std::shared_ptr<Info> info;
     m_services.measure = [&](const FileUrl &url, const FileUrls &without) {
         if (without.isEmpty()) // while all is being measured, a program begins to use a part
-            info->setPlaces({kCaches}, {kLogs});
+            info->setLocations({kCaches}, {kLogs});
         return bytesOf(url) - without.size();
     };
     info = slice(FileUrls{kCaches});

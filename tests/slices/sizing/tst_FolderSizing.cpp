@@ -45,9 +45,9 @@ public:
     }
 };
 
-FolderSize measured(const MadeTree &tree, const QByteArray &place, unsigned threads = 0)
+FolderSize measured(const MadeTree &tree, const QByteArray &location, unsigned threads = 0)
 {
-    return measureFolder(hostSystemCalls(), {tree.descriptor(), place}, {}, threads);
+    return measureFolder(hostSystemCalls(), {tree.descriptor(), location}, {}, threads);
 }
 
 QByteArrayList *s_logLines = nullptr;
@@ -226,7 +226,7 @@ void TestFolderSizing::isIncompleteWhenStopped()
 
 void TestFolderSizing::judgesPlacesOfAllKinds_data()
 {
-    QTest::addColumn<QByteArray>("place");
+    QTest::addColumn<QByteArray>("location");
     QTest::addColumn<qint64>("bytes");
     QTest::addColumn<QByteArrayList>("logged");
     const QByteArrayList verdict{"1 : 1"};
@@ -248,7 +248,7 @@ void TestFolderSizing::judgesPlacesOfAllKinds_data()
 
 void TestFolderSizing::judgesPlacesOfAllKinds()
 {
-    QFETCH(QByteArray, place);
+    QFETCH(QByteArray, location);
     const MadeTree tree;
     tree.makeFolder("folder");
     tree.makeFile("folder/file", 5);
@@ -263,12 +263,12 @@ void TestFolderSizing::judgesPlacesOfAllKinds()
 
     FolderAccess access(tree.path(), FolderAccess::Answers::WhileAccessed);
     const LogLines log;
-    const FileUrl url = FileUrl::fromPath(tree.path(place), FileUrlKind::File);
+    const FileUrl url = FileUrl::fromPath(tree.path(location), FileUrlKind::File);
     QTEST(sizeForFolderAtPath(hostSystemCalls(), access, url), "bytes");
     QTEST(log.lines(), "logged");
     QCOMPARE(access.starts(), 1);
     QCOMPARE(access.stops(), 1);
-    QVERIFY(measured(tree, place).isComplete);
+    QVERIFY(measured(tree, location).isComplete);
 }
 
 void TestFolderSizing::logsWhetherItMayBeRemovedBeforeWhetherItIsUnlocked()

@@ -18,9 +18,9 @@ public:
     bool isInMemory(int) const override { return true; }
 };
 
-FolderSize measured(const AnchoredPath &place)
+FolderSize measured(const AnchoredPath &location)
 {
-    return measureFolder(hostSystemCalls(), place, {}, 1);
+    return measureFolder(hostSystemCalls(), location, {}, 1);
 }
 
 /// "promised B" when the place measures B bytes; a place whose figure is not final says so.
@@ -47,11 +47,11 @@ qint64 bytesIn(const MadeTree &tree, const QByteArrayList &files)
 /// "promised B, freed B": what a slice's place in the granted folder measures, and what of the
 /// files named a cleaning of it then takes away.
 QByteArray promisedAndFreed(const MadeTree &tree, const QByteArray &granted,
-                            const QByteArray &place, const QByteArrayList &files)
+                            const QByteArray &location, const QByteArrayList &files)
 {
     const LogRecorder silenced;
     const GrantedFolder home(tree.path(granted));
-    const FileUrl url = home.folder(place);
+    const FileUrl url = home.folder(location);
     const QByteArray promised = promise(measured(*home.anchoredPath(url)));
     const qint64 before = bytesIn(tree, files);
     clean(home, {contentsOf({url})}, {}, OneThreadCalls());
@@ -121,7 +121,7 @@ void TestFolderSizingMounts::promisesNothingOfAPlaceThatIsAMount()
 
 void TestFolderSizingMounts::promisesNothingOfAPlaceBeyondAMount_data()
 {
-    QTest::addColumn<QByteArray>("place");
+    QTest::addColumn<QByteArray>("location");
     QTest::addRow("folder") << QByteArray("Library/Caches");
     QTest::addRow("file") << QByteArray("Library/Caches/file");
     QTest::addRow("nothing") << QByteArray("Library/Logs");
@@ -129,7 +129,7 @@ void TestFolderSizingMounts::promisesNothingOfAPlaceBeyondAMount_data()
 
 void TestFolderSizingMounts::promisesNothingOfAPlaceBeyondAMount()
 {
-    QFETCH(QByteArray, place);
+    QFETCH(QByteArray, location);
     MadeTree tree;
     tree.makeFolder("home");
     tree.makeFolder("home/Library");
@@ -137,7 +137,7 @@ void TestFolderSizingMounts::promisesNothingOfAPlaceBeyondAMount()
         mounts.mountMemory("home/Library");
         tree.makeFolder("home/Library/Caches");
         tree.makeFile("home/Library/Caches/file", 10);
-        return promisedAndFreed(tree, "home", place, {"home/Library/Caches/file"});
+        return promisedAndFreed(tree, "home", location, {"home/Library/Caches/file"});
     });
     QCOMPARE(words, QByteArray("promised 0, freed 0"));
 }

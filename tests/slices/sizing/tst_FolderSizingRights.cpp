@@ -12,9 +12,9 @@ namespace {
 constexpr unsigned kRoot = 0;
 
 /// With one thread: a child of a process that has several is to start none.
-FolderSize measured(const MadeTree &tree, const QByteArray &place)
+FolderSize measured(const MadeTree &tree, const QByteArray &location)
 {
-    return measureFolder(hostSystemCalls(), {tree.descriptor(), place}, {}, 1);
+    return measureFolder(hostSystemCalls(), {tree.descriptor(), location}, {}, 1);
 }
 
 /// "bytes", "bytes, incomplete", or "bytes (deletable : not immutable)".
@@ -29,11 +29,11 @@ QByteArray textOf(const FolderSize &size)
 }
 
 /// What a user finds, or what went wrong with him.
-QByteArray measuredBy(ChildUser user, const MadeTree &tree, const QByteArray &place)
+QByteArray measuredBy(ChildUser user, const MadeTree &tree, const QByteArray &location)
 {
     return runInChild(user,
                       [&] {
-                          std::fputs(textOf(measured(tree, place)).constData(), stderr);
+                          std::fputs(textOf(measured(tree, location)).constData(), stderr);
                           return 0;
                       })
         .errorText;

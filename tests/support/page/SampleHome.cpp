@@ -161,10 +161,10 @@ bool hasHiddenName(const QByteArray &relativePath)
     return ('/' + relativePath).contains("/.");
 }
 
-QList<QByteArray> libraryPlaces(int slice)
+QList<QByteArray> libraryLocations(int slice)
 {
     static const QByteArray chrome = "Library/Application Support/Google/Chrome/Default/";
-    static const QList<QByteArray> places[SampleHome::kSlices] = {
+    static const QList<QByteArray> locations[SampleHome::kSlices] = {
         {".Trash"},
         {},
         {"Library/Caches"},
@@ -176,17 +176,17 @@ QList<QByteArray> libraryPlaces(int slice)
         {chrome + "Cookies", chrome + "History", chrome + "Web Data",
          "Library/Safari/History.plist", "Library/Safari/WebpageIcons.db"},
     };
-    return places[slice];
+    return locations[slice];
 }
 
-QList<QByteArray> freedesktopPlaces(int slice)
+QList<QByteArray> freedesktopLocations(int slice)
 {
     static const QByteArray sandbox = ".var/app/org.example.Editor/";
     static const QByteArray updates =
         ".wine/drive_c/users/anna/AppData/Roaming/Apple Computer/iTunes/";
     static const QByteArray chromium = ".config/chromium/Default/";
     static const QByteArray firefox = ".mozilla/firefox/ab12.default/";
-    static const QList<QByteArray> places[SampleHome::kSlices] = {
+    static const QList<QByteArray> locations[SampleHome::kSlices] = {
         {".local/share/Trash/files", ".local/share/Trash/info", ".local/share/Trash/expunged",
          sandbox + "data/Trash/files", sandbox + "data/Trash/info",
          "snap/player/common/.local/share/Trash/files"},
@@ -200,7 +200,7 @@ QList<QByteArray> freedesktopPlaces(int slice)
         {chromium + "Cookies", chromium + "Cookies-journal", chromium + "History",
          chromium + "Web Data", firefox + "cookies.sqlite", firefox + "formhistory.sqlite"},
     };
-    return places[slice];
+    return locations[slice];
 }
 
 } // namespace
@@ -227,23 +227,23 @@ QByteArray SampleHome::path(const QByteArray &relativePath) const
     return relativePath.isEmpty() ? home : home + '/' + relativePath;
 }
 
-QList<QByteArray> SampleHome::placesOf(int slice) const
+QList<QByteArray> SampleHome::locationsOf(int slice) const
 {
-    return m_kind == HomeKind::Library ? libraryPlaces(slice) : freedesktopPlaces(slice);
+    return m_kind == HomeKind::Library ? libraryLocations(slice) : freedesktopLocations(slice);
 }
 
 qint64 SampleHome::bytesShownFor(int slice) const
 {
     qint64 bytes = 0;
-    for (const QByteArray &place : placesOf(slice))
-        bytes += bytesShownAt(place);
+    for (const QByteArray &location : locationsOf(slice))
+        bytes += bytesShownAt(location);
     return bytes;
 }
 
 qint64 SampleHome::bytesShownAt(const QByteArray &relativePath) const
 {
-    const Item place = m_items.value(relativePath);
-    qint64 bytes = place.isFolder ? 0 : place.size;
+    const Item asked = m_items.value(relativePath);
+    qint64 bytes = asked.isFolder ? 0 : asked.size;
     for (auto item = m_items.begin(); item != m_items.end(); ++item) {
         if (isBelow(item.key(), relativePath) && !item->isFolder &&
             !hasHiddenName(item.key().mid(relativePath.size() + 1)))
@@ -255,10 +255,10 @@ qint64 SampleHome::bytesShownAt(const QByteArray &relativePath) const
 QList<QByteArray> SampleHome::pathsCleanedWith(int slice) const
 {
     QList<QByteArray> cleaned;
-    const QList<QByteArray> places = placesOf(slice);
+    const QList<QByteArray> locations = locationsOf(slice);
     for (auto item = m_items.begin(); item != m_items.end(); ++item) {
-        const bool isCleaned = std::ranges::any_of(places, [&](const QByteArray &place) {
-            return isBelow(item.key(), place) || (item.key() == place && !item->isFolder);
+        const bool isCleaned = std::ranges::any_of(locations, [&](const QByteArray &location) {
+            return isBelow(item.key(), location) || (item.key() == location && !item->isFolder);
         });
         const bool isBookOfTrash = slice == 0 && item.key() == kFolderSizes;
         if (isCleaned || isBookOfTrash)
@@ -317,7 +317,7 @@ void SampleHome::makeSmallFiles(int scale)
             file(folder + "entry " + QByteArray::number(j), (j + 1) * kKilo + i);
     }
     for (int i = 0; i < kFilesPerFolder * scale; ++i)
-        file(placesOf(3).first() + "/Daily/day " + QByteArray::number(i) + ".log", 800 + i);
+        file(locationsOf(3).first() + "/Daily/day " + QByteArray::number(i) + ".log", 800 + i);
 }
 
 void SampleHome::makeBystanders()
@@ -340,7 +340,7 @@ void SampleHome::makeLinks()
 {
     link("Downloads/movies", "../Movies");
     link("Downloads/thesis.odt", "../Documents/Thesis.odt");
-    link(placesOf(0).first() + "/nowhere", "not there");
+    link(locationsOf(0).first() + "/nowhere", "not there");
     link(caches() + "/shortcut to documents", path("Documents"));
 }
 

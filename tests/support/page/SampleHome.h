@@ -30,7 +30,7 @@ public:
     QByteArray path(const QByteArray &relativePath = {}) const;
 
     /// The folders and files that a slice stands for; none for "Large Files".
-    QList<QByteArray> placesOf(int slice) const;
+    QList<QByteArray> locationsOf(int slice) const;
 
     /// What measuring shows: all that is no folder and not hidden below the places, links with
     /// their own size.
@@ -57,7 +57,7 @@ private:
         qint64 size = 0;
     };
 
-    QByteArray caches() const { return placesOf(2).first(); }
+    QByteArray caches() const { return locationsOf(2).first(); }
     void makeSlices();
     void makeSmallFiles(int scale);
     void makeBystanders();

@@ -1,4 +1,4 @@
-#include "platform/files/ExistingPlaces.h"
+#include "platform/files/ExistingLocations.h"
 
 #include "platform/files/AnchoredFolder.h"
 #include "platform/system/SystemCalls.h"
@@ -7,22 +7,22 @@ namespace {
 
 bool exists(const SystemCalls &calls, const FileAccess &access, const FileUrl &url)
 {
-    const std::optional<AnchoredPath> place = access.anchoredPath(url);
-    if (!place)
+    const std::optional<AnchoredPath> location = access.anchoredPath(url);
+    if (!location)
         return false;
-    const auto [around, name] = anchoredEntry(*place);
+    const auto [around, name] = anchoredEntry(*location);
     const auto folder = openAnchored(calls, around, Descent::Strict);
     return folder && calls.status(folder->get(), name.constData());
 }
 
 } // namespace
 
-FileUrls existingPlaces(const SystemCalls &calls, FileAccess &access, const FileUrls &places,
-                        const std::stop_token &stop)
+FileUrls existingLocations(const SystemCalls &calls, FileAccess &access, const FileUrls &locations,
+                           const std::stop_token &stop)
 {
     const AccessScope scope(access);
     FileUrls existing;
-    for (const FileUrl &url : places) {
+    for (const FileUrl &url : locations) {
         if (!stop.stop_requested() && exists(calls, access, url))
             existing.append(url);
     }

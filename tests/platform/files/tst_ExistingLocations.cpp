@@ -1,4 +1,4 @@
-#include "platform/files/ExistingPlaces.h"
+#include "platform/files/ExistingLocations.h"
 #include "platform/system/HostSystemCalls.h"
 
 #include "tests/slices/kit/HomeKit.h"
@@ -7,7 +7,7 @@
 
 #include <QTest>
 
-class TestExistingPlaces final : public QObject
+class TestExistingLocations final : public QObject
 {
     Q_OBJECT
 
@@ -16,7 +16,7 @@ private Q_SLOTS:
     void endsEarlyWhenStopped();
 };
 
-void TestExistingPlaces::findsWhatIsThere()
+void TestExistingLocations::findsWhatIsThere()
 {
     const MadeHome home({"Movies/old/", "notes.txt"});
     home.link("link", "nowhere");
@@ -27,21 +27,22 @@ void TestExistingPlaces::findsWhatIsThere()
     };
     const FileUrls places{url("Movies/old"), url("missing"), url("notes.txt"),  url("link"),
                           url("away/old"),   url("a/b/c"),   url("../outside"), FileUrl()};
-    QCOMPARE(existingPlaces(hostSystemCalls(), access, places, {}),
+    QCOMPARE(existingLocations(hostSystemCalls(), access, places, {}),
              FileUrls({url("Movies/old"), url("notes.txt"), url("link")}));
     QCOMPARE(access.count(), 0);
 }
 
-void TestExistingPlaces::endsEarlyWhenStopped()
+void TestExistingLocations::endsEarlyWhenStopped()
 {
     const MadeHome home({"notes.txt"});
     FolderAccess access(home.path());
     std::stop_source stop;
     stop.request_stop();
-    QVERIFY(existingPlaces(hostSystemCalls(), access,
-                           {home.url().appending("notes.txt", FileUrlKind::File)}, stop.get_token())
+    QVERIFY(existingLocations(hostSystemCalls(), access,
+                              {home.url().appending("notes.txt", FileUrlKind::File)},
+                              stop.get_token())
                 .isEmpty());
 }
 
-VANTOR_TEST_MAIN(TestExistingPlaces)
-#include "tst_ExistingPlaces.moc"
+VANTOR_TEST_MAIN(TestExistingLocations)
+#include "tst_ExistingLocations.moc"

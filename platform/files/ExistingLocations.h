@@ -9,5 +9,5 @@ class SystemCalls;
 /// Those of these places that are there, in order, links included; none below the granted folder is
 /// looked for through a link. Waits for the disk: not for the main thread. Ends early, with what it
 /// has, once `stop` says so.
-FileUrls existingPlaces(const SystemCalls &calls, FileAccess &access, const FileUrls &places,
-                        const std::stop_token &stop);
+FileUrls existingLocations(const SystemCalls &calls, FileAccess &access, const FileUrls &locations,
+                           const std::stop_token &stop);

@@ -76,7 +76,7 @@ inline const QByteArray kITunesOfAnna =
     ".wine/drive_c/users/anna/AppData/Roaming/Apple Computer/iTunes/";
 
 /// In the order of a survey. "data" and "var/cache" are what the environment names.
-inline const Found kEveryPlace{
+inline const Found kEveryLocation{
     {SliceKind::Trash,
      {
          ".local/share/Trash/files/",
@@ -140,9 +140,9 @@ inline void makeBrowsers(const MadeHome &home, Journals journals)
 }
 
 /// Something in every place, and beside them what must never go.
-inline void makeEveryPlace(const MadeHome &home)
+inline void makeEveryLocation(const MadeHome &home)
 {
-    for (const auto &[kind, paths] : kEveryPlace) {
+    for (const auto &[kind, paths] : kEveryLocation) {
         for (const QByteArray &path : paths)
             home.make(path.endsWith('/') ? path + "item" : path);
     }
@@ -151,7 +151,7 @@ inline void makeEveryPlace(const MadeHome &home)
     home.make("Documents/thesis.odt");
 }
 
-inline HomeEnvironment environmentOfEveryPlace(const MadeHome &home)
+inline HomeEnvironment environmentOfEveryLocation(const MadeHome &home)
 {
     return {home.path("data"), home.path("var/cache")};
 }
