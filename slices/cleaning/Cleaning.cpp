@@ -108,8 +108,8 @@ void CleaningRun::emptyFolder(const CleaningLocation &location)
     auto listing = steps.list(folder->get(), m_space);
     if (!listing)
         return refuse(location, RefusalReason::PartlyListed, listing.error());
-    if (location.whatGoes == RemovalScope::LoneRecords)
-        passOverRecordsInNeed(m_calls, location.path, *listing);
+    if (location.whatGoes == RemovalScope::LoneTrashInfo)
+        passOverTrashInfoInNeed(m_calls, location.path, *listing);
     if (!protection.isTouched())
         logContents(location, *listing);
     const Emptying emptying{location, folder->get(), order, protection, steps};

@@ -20,7 +20,7 @@ enum class RemovalScope {
     RegularFiles,
     /// Of a trash's folder "info": the record "X.trashinfo", which says where X came from, stays
     /// for as long as X is in the folder "files" beside it.
-    LoneRecords,
+    LoneTrashInfo,
 };
 
 /// A slice as the user chose it.

@@ -15,8 +15,8 @@ bool journalStillNeeded(const SystemCalls &calls, int folder, const QByteArray &
     return found || found.error() != ENOENT;
 }
 
-void passOverRecordsInNeed(const SystemCalls &calls, const AnchoredPath &info,
-                           FolderListing &listing)
+void passOverTrashInfoInNeed(const SystemCalls &calls, const AnchoredPath &info,
+                             FolderListing &listing)
 {
     constexpr QByteArrayView kEnding(".trashinfo");
     const AnchoredPath trash = anchoredEntry(info).folder;

@@ -15,5 +15,5 @@ bool journalStillNeeded(const SystemCalls &calls, int folder, const QByteArray &
 
 /// Forgets, of a trash's folder "info", the records of what is still in the folder "files" beside
 /// it: nobody could put that back without its record.
-void passOverRecordsInNeed(const SystemCalls &calls, const AnchoredPath &info,
-                           FolderListing &listing);
+void passOverTrashInfoInNeed(const SystemCalls &calls, const AnchoredPath &info,
+                             FolderListing &listing);

@@ -32,12 +32,12 @@ std::optional<FileUrl> folderSizeBook(const FileUrl &location)
 /// One folder of the trash, for each has a rule of its own.
 QList<SliceToClean> trashToClean(const QString &name, const FileUrl &location)
 {
-    const bool holdsRecords = location.path().endsWith("/info");
+    const bool holdsTrashInfo = location.path().endsWith("/info");
     const SliceToClean folder{.name = name,
                               .fileURLs = {location},
                               .readOnlyFolders = ReadOnlyFolders::Emptied,
-                              .whatGoes = holdsRecords ? RemovalScope::LoneRecords
-                                                       : RemovalScope::Everything};
+                              .whatGoes = holdsTrashInfo ? RemovalScope::LoneTrashInfo
+                                                         : RemovalScope::Everything};
     const std::optional<FileUrl> book = folderSizeBook(location);
     if (!book)
         return {folder};

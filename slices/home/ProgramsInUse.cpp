@@ -41,20 +41,20 @@ Answer judgedHostLink(const SystemCalls &calls, const QByteArray &text, Style st
 }
 
 /// What the file with the record lock says. A lock that cannot be told is held.
-enum class RecordLock { NoFile, Free, Held };
+enum class FileLock { NoFile, Free, Held };
 
 /// "address:+process". The plus says that the program had the record lock, which the system takes
 /// back when it ends: where the lock is free, a crash left the link, and the number, which may be
 /// that of a sandbox, is any other process's. Without the plus the program had no such lock, for
 /// want of a file system that gives one; such a home may be in use from another machine.
-Answer judgedAddressLink(const SystemCalls &calls, const QByteArray &text, RecordLock lock)
+Answer judgedAddressLink(const SystemCalls &calls, const QByteArray &text, FileLock lock)
 {
     const qsizetype mark = text.lastIndexOf(":+");
     bool isNumber = false;
     const qint64 process = mark < 0 ? 0 : text.sliced(mark + 2).toLongLong(&isNumber);
     if (!isNumber || process <= 0)
         return Answer::Running;
-    return answerFor(lock == RecordLock::NoFile && calls.isRunning(process));
+    return answerFor(lock == FileLock::NoFile && calls.isRunning(process));
 }
 
 Answer askHostLink(const SystemCalls &calls, int folder, Style style)
@@ -63,20 +63,20 @@ Answer askHostLink(const SystemCalls &calls, int folder, Style style)
     return text ? judgedHostLink(calls, *text, style) : answerTo(text.error());
 }
 
-RecordLock recordLock(const SystemCalls &calls, int folder)
+FileLock fileLock(const SystemCalls &calls, int folder)
 {
     const auto file = calls.openFile(folder, ".parentlock");
     if (!file)
-        return file.error() == ENOENT ? RecordLock::NoFile : RecordLock::Held;
-    return calls.isLocked(file->get()).value_or(true) ? RecordLock::Held : RecordLock::Free;
+        return file.error() == ENOENT ? FileLock::NoFile : FileLock::Held;
+    return calls.isLocked(file->get()).value_or(true) ? FileLock::Held : FileLock::Free;
 }
 
 Answer askParentLock(const SystemCalls &calls, int folder)
 {
     // The link first: a program that is being started makes it when it has the lock.
     const auto text = calls.readLink(folder, "lock");
-    const RecordLock lock = recordLock(calls, folder);
-    if (lock == RecordLock::Held)
+    const FileLock lock = fileLock(calls, folder);
+    if (lock == FileLock::Held)
         return Answer::Running;
     return text ? judgedAddressLink(calls, *text, lock) : answerTo(text.error());
 }

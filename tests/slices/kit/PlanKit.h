@@ -27,12 +27,12 @@ inline QByteArray verbOf(const CleaningLocation &location)
 {
     const bool areFiles = location.content == SliceContent::Files;
     const bool goReadOnlyFolders = location.readOnlyFolders == ReadOnlyFolders::Emptied;
-    if (areFiles && !goReadOnlyFolders && location.whatGoes != RemovalScope::LoneRecords)
+    if (areFiles && !goReadOnlyFolders && location.whatGoes != RemovalScope::LoneTrashInfo)
         return location.whatGoes == RemovalScope::RegularFiles ? "remove"
                                                                : "remove, whatever it is,";
     if (!areFiles && location.whatGoes == RemovalScope::Everything)
         return goReadOnlyFolders ? "empty, read-only folders too," : "empty";
-    if (!areFiles && goReadOnlyFolders && location.whatGoes == RemovalScope::LoneRecords)
+    if (!areFiles && goReadOnlyFolders && location.whatGoes == RemovalScope::LoneTrashInfo)
         return "empty of lone records";
     return "DO NOBODY KNOWS WHAT TO";
 }
