@@ -55,7 +55,7 @@ public:
 
     /// The bytes that a link holds.
     virtual SystemResult<QByteArray> readLink(int parent, const char *name) const = 0;
-    /// Whether another process holds a record lock on any part of an open file.
+    /// Whether another process holds a file lock on any part of an open file.
     virtual SystemResult<bool> isLocked(int file) const = 0;
     /// Whether there is a process of this number, whoever's it is.
     virtual bool isRunning(std::int64_t process) const = 0;

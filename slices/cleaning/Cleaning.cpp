@@ -32,7 +32,7 @@ struct Emptying
     const RemovalSteps &steps;
 };
 
-/// Takes a plan place by place.
+/// Takes a plan location by location.
 class CleaningRun final
 {
 public:
@@ -131,7 +131,7 @@ void CleaningRun::remove(const Emptying &emptying, FolderListing entries) const
             .removeListed(held, std::move(entries));
 }
 
-/// The entries at, or on the way to, the places of programs, each by itself. They wait until all
+/// The entries at, or on the way to, the locations of programs, each by itself. They wait until all
 /// else is gone, so that they can be asked about right before they go.
 std::vector<FolderListing> CleaningRun::takeOutOfPrograms(const CleaningLocation &location,
                                                           FolderListing &listing) const

@@ -160,7 +160,7 @@ bool CleaningPlanner::isExcludedByPath(const CleaningLocation &location) const
            (location.isTouched && excluded.matchByText(text) != ExclusionMatch::None);
 }
 
-/// Finds the place below the granted folder; refuses it where it is not.
+/// Finds the location below the granted folder; refuses it where it is not.
 bool CleaningPlanner::anchor(CleaningLocation &location)
 {
     const auto anchored = m_access.anchoredPath(location.url);
@@ -173,7 +173,7 @@ bool CleaningPlanner::anchor(CleaningLocation &location)
     return location.path.anchor != nullptr;
 }
 
-/// Goes the whole way to the place, folder by folder, and notes what is there. Yes when it, or a
+/// Goes the whole way to the location, folder by folder, and notes what is there. Yes when it, or a
 /// folder around it, is an excluded one under whatever name.
 tl::expected<bool, CleaningPlanner::Obstacle>
 CleaningPlanner::examine(CleaningLocation &location) const

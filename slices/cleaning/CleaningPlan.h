@@ -12,7 +12,7 @@
 
 class SystemCalls;
 
-/// What of a slice's places may go.
+/// What of a slice's locations may go.
 enum class RemovalScope {
     Everything,
     /// Of the very files: whatever else bears such a name stays, and a database's journal for as
@@ -29,12 +29,13 @@ struct SliceToClean
     QString name;
     FileUrls fileURLs;
     SliceContent content = SliceContent::Folders;
-    ReadOnlyFolders readOnlyFolders = ReadOnlyFolders::Stay; ///< inside the places, not themselves
+    /// For folders inside the locations, not for the locations themselves.
+    ReadOnlyFolders readOnlyFolders = ReadOnlyFolders::Stay;
     RemovalScope whatGoes = RemovalScope::Everything;
-    FileUrls kept = {}; ///< in use inside the places; need not be there
-    /// At and inside the places: what programs may begin to use while the cleaning is under way.
+    FileUrls kept = {}; ///< in use inside the locations; need not be there
+    /// At and inside the locations: what programs may begin to use while the cleaning is under way.
     FileUrls programLocations = {};
-    /// Where this place is not cleaned the slice stays too; it may be another slice's.
+    /// Where this location is not cleaned the slice stays too; it may be another slice's.
     std::optional<FileUrl> onlyWith = {};
 };
 
@@ -42,7 +43,7 @@ struct SliceToClean
 enum class RefusalReason {
     UnknownExclusions,   ///< nobody knows what is excluded: nothing at all is cleaned
     UnparsableExclusion, ///< a stored exclusion cannot be read: nothing at all is cleaned
-    UnresolvedExclusion, ///< an exclusion inside the place cannot be identified, or is gone
+    UnresolvedExclusion, ///< an exclusion inside the location cannot be identified, or is gone
     OutsideGrant,        ///< not in the granted folder
     GrantedFolder,       ///< the granted folder itself
     Link,                ///< a link, or reached through one
@@ -63,7 +64,7 @@ struct CleaningRefusal
     int error = 0; ///< errno, 0 where no call failed
 };
 
-/// One place of a plan: a folder to be emptied, or a file to be removed.
+/// One location of a plan: a folder to be emptied, or a file to be removed.
 struct CleaningLocation
 {
     QString slice;
@@ -71,21 +72,21 @@ struct CleaningLocation
     AnchoredPath path;
     SliceContent content = SliceContent::Folders;
     FileIdentity identity; ///< what was there when the plan was made; anything else is left alone
-    /// Whether an exclusion touches the place (for the very files: any of their slice), so that
+    /// Whether an exclusion touches the location (for the very files: any of their slice), so that
     /// each item below is judged by its path.
     bool isTouched = false;
     ReadOnlyFolders readOnlyFolders = ReadOnlyFolders::Stay;
     RemovalScope whatGoes = RemovalScope::Everything;
 };
 
-/// Exactly what a cleaning may remove: places in order, and what is kept inside them. Made by
+/// Exactly what a cleaning may remove: locations in order, and what is kept inside them. Made by
 /// makeCleaningPlan() alone. A value that holds the granted folder open; any thread.
 class CleaningPlan final
 {
 public:
     const std::vector<CleaningLocation> &locations() const { return m_locations; }
     const QList<CleaningRefusal> &refusals() const { return m_refusals; }
-    /// Places left alone because they are excluded themselves or lie inside an exclusion.
+    /// Locations left alone because they are excluded themselves or lie inside an exclusion.
     const FileUrls &excludedLocations() const { return m_excludedLocations; }
 
     /// What is kept: the exclusions, and what is in use.
@@ -109,11 +110,11 @@ private:
 
 /// Plans the cleaning of the chosen slices, in their order. What a slice keeps is kept like an
 /// exclusion. Fails closed: an exclusion that cannot be read stops everything, one that cannot be
-/// found stops the place around it, and a place that is not a plain folder or file of the granted
-/// folder's own file system is refused. A place that does not exist is simply not in the plan, nor
-/// is what goes only with another place that is not. What is in use the plan just refuses, after
-/// all else. Touches the file system, so not for the main thread; the caller holds the access, from
-/// here until the cleaning is done.
+/// found stops the location around it, and a location that is not a plain folder or file of the
+/// granted folder's own file system is refused. A location that does not exist is simply not in the
+/// plan, nor is what goes only with another location that is not. What is in use the plan just
+/// refuses, after all else. Touches the file system, so not for the main thread; the caller holds
+/// the access, from here until the cleaning is done.
 CleaningPlan makeCleaningPlan(const SystemCalls &calls, const FileAccess &access,
                               const QList<SliceToClean> &slices, const ExcludedPaths &excluded,
                               const FileUrls &inUse = {});

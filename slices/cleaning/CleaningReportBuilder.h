@@ -13,14 +13,14 @@ public:
     /// Writes at once what the plan refused.
     explicit CleaningReportBuilder(const QList<CleaningRefusal> &planned);
 
-    /// The items directly in question at a place, before the first is removed; of very many only
+    /// The items directly in question at a location, before the first is removed; of very many only
     /// the first.
     void logCandidates(const FileUrls &candidates, std::size_t total);
     bool logsCandidates() const { return m_isLogging && m_announced < kMaxRemovalLines; }
 
     /// Counts one of them, which is about to be removed with all that it holds. Whether it gets a
-    /// line of its own, by logRemoval(): a place may hold a million items, and a log that fills the
-    /// disk is no help to a program that frees it.
+    /// line of its own, by logRemoval(): a location may hold a million items, and a log that fills
+    /// the disk is no help to a program that frees it.
     bool announce()
     {
         return m_announced.fetch_add(1, std::memory_order_relaxed) < kMaxRemovalLines &&

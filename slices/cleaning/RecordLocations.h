@@ -12,13 +12,13 @@ class Info;
 void setRecordLocations(const std::vector<std::shared_ptr<Info>> &records, const HomeLayout &layout,
                         const ProgramsInUse &inUse);
 
-/// Takes the places in use, and those inside places, away from the records; none is given back, for
-/// nobody has confirmed it. Measures what that changes, on the calling thread: not for the main
-/// one. What was taken away.
+/// Takes the locations in use, and those inside locations, away from the records; none is given
+/// back, for nobody has confirmed it. Measures what that changes, on the calling thread: not for
+/// the main one. What was taken away.
 FileUrls takeAwayLocationsInUse(const std::vector<std::shared_ptr<Info>> &records,
                                 const ProgramsInUse &inUse);
 
-/// What of a record's size a place makes that a program may begin to use.
+/// What of a record's size a location makes that a program may begin to use.
 struct ProgramLocationSize
 {
     std::shared_ptr<Info> record;
@@ -27,12 +27,12 @@ struct ProgramLocationSize
 };
 using ProgramLocationSizes = std::vector<ProgramLocationSize>;
 
-/// Measures those places of the records before a cleaning: once a program uses one, it writes
+/// Measures those locations of the records before a cleaning: once a program uses one, it writes
 /// there. `sizeOf` is asked on the calling thread, with what the record keeps anyway.
 ProgramLocationSizes
 measureProgramLocations(const std::vector<std::shared_ptr<Info>> &records, const HomeLayout &layout,
                         const std::function<qint64(const FileUrl &, const FileUrls &kept)> &sizeOf);
 
-/// Takes the places at these paths, none in another, off the sizes of their records: they were
+/// Takes the locations at these paths, none in another, off the sizes of their records: they were
 /// measured, but then stayed.
 void takeAwaySizes(const ProgramLocationSizes &sizes, const QByteArrayList &stayed);

@@ -10,8 +10,8 @@ SliceContent contentOf(const Info &record)
     return infoIsFilesNotFolders(record) ? SliceContent::Files : SliceContent::Folders;
 }
 
-/// What is in the freedesktop places of single files is written by the programs as plain files; the
-/// fixed layout says nothing of the kind, and large files may be packages.
+/// What is in the freedesktop locations of single files is written by the programs as plain files;
+/// the fixed layout says nothing of the kind, and large files may be packages.
 RemovalScope whatGoesOf(const HomeLayout &layout, const QString &slice)
 {
     const bool isBrowserData = sliceKindNamed(slice) == SliceKind::BrowserData;

@@ -49,11 +49,11 @@ public:
     const QStringList &unparsable() const { return m_unparsable; }
     bool isEmpty() const { return m_urls.isEmpty() && m_unparsable.isEmpty(); }
 
-    /// Whether each of these places is excluded by its very path, no parent or prefix counts; no
-    /// for no places. Writes a log line for each match. The caller holds the access.
+    /// Whether each of these locations is excluded by its very path, no parent or prefix counts; no
+    /// for no locations. Writes a log line for each match. The caller holds the access.
     bool containsExcludedFile(const FileUrls &urls) const;
 
-    /// Whether some excluded path contains this place's path anywhere within: such a place is
+    /// Whether some excluded path contains this location's path anywhere within: such a location is
     /// cleaned item by item.
     bool touches(const FileUrl &location) const;
 

@@ -204,9 +204,9 @@ void FreedesktopSurvey::addTrashOfEnvironment()
     m_findings.trashFolder = folderUrl(trash + "/files");
 }
 
-/// A cache is emptied whole, and one that a program has for itself may hold mail or maps: the place
-/// must look like one for all programs, must not lie where the user keeps his things, and must not
-/// hold any of those.
+/// A cache is emptied whole, and one that a program has for itself may hold mail or maps: the
+/// location must look like one for all programs, must not lie where the user keeps his things, and
+/// must not hold any of those.
 void FreedesktopSurvey::addCacheOfEnvironment()
 {
     const auto cache = m_paths.below(m_environment.cacheHome);
@@ -264,7 +264,7 @@ bool FreedesktopSurvey::add(SliceKind kind, const QByteArray &path)
     return true;
 }
 
-/// Whether the place is one of the locations, or lies in or around one.
+/// Whether the path is one of the locations, or lies in or around one.
 bool FreedesktopSurvey::touchesKnown(const QByteArray &path) const
 {
     const FolderIdentity folder = FolderIdentity::at(m_reader, path);
@@ -273,7 +273,7 @@ bool FreedesktopSurvey::touchesKnown(const QByteArray &path) const
     });
 }
 
-/// Whether the place holds something of the user's, or is held by it.
+/// Whether the folder at the path holds something of the user's, or lies in it.
 bool FreedesktopSurvey::isTheUsers(const QByteArray &path) const
 {
     return m_userFolders.isAtOrAroundOne(path) || m_userFolders.isAtOrInOne(path) ||

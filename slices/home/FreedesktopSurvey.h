@@ -7,9 +7,9 @@
 #include "slices/home/UserDirs.h"
 #include "slices/home/UserFolders.h"
 
-/// Finds the places of one freedesktop home. What has a fixed name comes first; what the user's own
-/// files and the environment name may then only add what lies neither in nor around anything that
-/// is known already. One thread.
+/// Finds the locations of one freedesktop home. What has a fixed name comes first; what the user's
+/// own files and the environment name may then only add what lies neither in nor around anything
+/// that is known already. One thread.
 class FreedesktopSurvey final
 {
 public:

@@ -17,7 +17,7 @@ struct ProgramLock
         HostLink,
         /// The same, made in a sandbox, whose process numbers mean nothing outside.
         SandboxedHostLink,
-        /// A file ".parentlock" with a record lock on it, and a link "lock" to "address:+process".
+        /// A file ".parentlock" with a file lock on it, and a link "lock" to "address:+process".
         ParentLock,
         /// Nothing in the home; the process list alone tells.
         ProcessName,
@@ -30,7 +30,7 @@ struct ProgramLock
     friend bool operator==(const ProgramLock &, const ProgramLock &) = default;
 };
 
-/// Places that belong to one program, and how to see whether it is using them.
+/// Locations that belong to one program, and how to see whether it is using them.
 struct ProgramFiles
 {
     QString program; ///< for people
@@ -40,8 +40,8 @@ struct ProgramFiles
     friend bool operator==(const ProgramFiles &, const ProgramFiles &) = default;
 };
 
-/// What is where in one home. A value, made when the home is looked at: a place that appears later
-/// is not in it. Says nothing of what runs at present; see ProgramsInUse.
+/// What is where in one home. A value, made when the home is looked at: a location that appears
+/// later is not in it. Says nothing of what runs at present; see ProgramsInUse.
 class HomeLayout final
 {
 public:
@@ -54,7 +54,7 @@ public:
         std::vector<ProgramFiles> programs;
     };
 
-    /// Of a home that nobody has looked at: no slice has a place.
+    /// Of a home that nobody has looked at: no slice has a location.
     HomeLayout() = default;
     /// The fixed layout; nothing is looked at.
     static HomeLayout withLibrary(const FileUrl &home);
@@ -79,7 +79,7 @@ public:
     /// Whether this is a folder of the trash, where what the user threw away is removed though a
     /// folder of it was made read-only.
     bool isInTrash(const FileUrl &location) const;
-    /// Those whose places are left out while they run.
+    /// Those whose locations are left out while they run.
     const std::vector<ProgramFiles> &programs() const { return m_findings.programs; }
 
 private:

@@ -22,7 +22,7 @@ public:
     /// below the home, or that goes through "..". Compares bytes and looks at no disk.
     std::optional<QByteArray> below(const QByteArray &path) const;
 
-    /// Every place below the home for which the path stands: first as it is written, then past one
+    /// Every path below the home for which this one stands: first as it is written, then past one
     /// link after another; none of them need be there. Ends at a link that leads out of the home,
     /// and after many; empty where the path never enters the home, or is absurdly deep.
     QByteArrayList followed(const QByteArray &path) const;

@@ -10,7 +10,7 @@
 
 class SystemCalls;
 
-/// Looks into a granted home, to find out which of the places that programs use are there. Goes
+/// Looks into a granted home, to find out which of the locations that programs use are there. Goes
 /// down from the home's descriptor, never through a link and never onto another file system. What
 /// it cannot read is not there, unless said otherwise. Paths are raw and relative to the home. One
 /// thread at a time, not the main one.

@@ -19,6 +19,6 @@ HomeKind homeKind(const SystemCalls &calls, const FileAccess &access, const File
 /// folders: not for the main thread. The caller holds the access.
 ///
 /// Whatever is found lies strictly below the home, with no link on the way, and no location lies in
-/// another. Unknown, with no place at all, where homeKind() is, and when it was told to stop.
+/// another. Unknown, with no location at all, where homeKind() is, and when it was told to stop.
 HomeLayout surveyHome(const SystemCalls &calls, const FileAccess &access, const FileUrl &home,
                       const HomeEnvironment &environment, const std::stop_token &stop = {});

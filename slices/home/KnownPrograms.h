@@ -40,7 +40,7 @@ struct ProgramChannel
 };
 
 /// All that is known of one browser or mail program that has something to lose while it runs. The
-/// places in a home follow from it, as do the sentences that name programs.
+/// locations in a home follow from it, as do the sentences that name programs.
 struct KnownProgram
 {
     template <typename Value> using UpTo = std::array<Value, 4>; ///< what is unused is null

@@ -40,10 +40,10 @@ Answer judgedHostLink(const SystemCalls &calls, const QByteArray &text, Style st
     return answerFor(calls.isRunning(process));
 }
 
-/// What the file with the record lock says. A lock that cannot be told is held.
+/// What the file with the file lock says. A lock that cannot be told is held.
 enum class FileLock { NoFile, Free, Held };
 
-/// "address:+process". The plus says that the program had the record lock, which the system takes
+/// "address:+process". The plus says that the program had the file lock, which the system takes
 /// back when it ends: where the lock is free, a crash left the link, and the number, which may be
 /// that of a sandbox, is any other process's. Without the plus the program had no such lock, for
 /// want of a file system that gives one; such a home may be in use from another machine.

@@ -7,17 +7,17 @@
 
 class SystemCalls;
 
-/// The places at and inside these locations that programs of the layout may use, each once. Some
+/// The locations at and inside these locations that programs of the layout may use, each once. Some
 /// may lie in others, and they need not be there.
 FileUrls programLocations(const HomeLayout &layout, const FileUrls &locations);
 
-/// The places at and inside this location whose programs run at this very moment, as their locks
+/// The locations at and inside this location whose programs run at this very moment, as their locks
 /// tell below the home, which `anchor` holds open, and the process list. None lies in another, and
 /// they need not be there. Not for the main thread.
 FileUrls locationsInUse(const SystemCalls &calls, const AnchoredPath &anchor,
                         const HomeLayout &layout, const FileUrl &location);
 
-/// The programs of a layout that were running when they were looked for, and the places that are
+/// The programs of a layout that were running when they were looked for, and the locations that are
 /// therefore left out, those that were there: a browser writes its cookies back when it ends, and
 /// breaks when they vanish under it. In doubt a program runs. A value.
 class ProgramsInUse final

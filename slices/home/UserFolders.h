@@ -11,15 +11,14 @@ public:
     /// Both must outlive it.
     UserFolders(const HomeProbe &reader, const HomePaths &paths);
 
-    /// Adds a folder by its absolute path, with every place below the home for which that stands.
-    /// It may be missing.
+    /// Adds a folder by its absolute path, with every path below the home for which that stands. It
+    /// may be missing.
     void add(const QByteArray &path);
 
-    /// Whether the place, by its path relative to the home, is one of the folders, or lies around
-    /// one.
-    bool isAtOrAroundOne(const QByteArray &place) const;
-    /// Whether the place is one of the folders, or lies in one.
-    bool isAtOrInOne(const QByteArray &place) const;
+    /// Whether the path, relative to the home, is one of the folders, or lies around one.
+    bool isAtOrAroundOne(const QByteArray &path) const;
+    /// Whether the path is one of the folders, or lies in one.
+    bool isAtOrInOne(const QByteArray &path) const;
 
 private:
     const HomeProbe &m_reader;

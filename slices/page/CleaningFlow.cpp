@@ -141,7 +141,7 @@ std::optional<CleaningEvent> CleaningFlow::lookForPrograms()
     return std::nullopt;
 }
 
-/// Again until all that it names are measured: their places may have changed meanwhile.
+/// Again until all that it names are measured: their locations may have changed meanwhile.
 std::optional<CleaningEvent> CleaningFlow::measure()
 {
     SliceSelection::Records named;

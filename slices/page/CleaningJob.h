@@ -32,9 +32,9 @@ public:
 
     /// Cleans the chosen slices, what they stand for at this moment. Those that are still being
     /// measured are waited for first, so that what was freed is what was there. Of a layout with
-    /// programs, the places of those that were started meanwhile are left alone, and taken from the
-    /// records; whoever starts while the cleaning is under way keeps the places whose turn has not
-    /// come yet, and those are taken off the sizes.
+    /// programs, the locations of those that were started meanwhile are left alone, and taken from
+    /// the records; whoever starts while the cleaning is under way keeps the locations whose turn
+    /// has not come yet, and those are taken off the sizes.
     void start(Records chosen, Exclusions exclusions, HomeLayout layout = {});
 
     /// Nothing is removed from now on. The cleaning's end is still told.
@@ -48,7 +48,7 @@ Q_SIGNALS:
     void finished(const CleaningReport &report);
 
 private:
-    /// The places of each record, and what is kept inside them.
+    /// The locations of each record, and what is kept inside them.
     using Confirmed = std::vector<std::pair<FileUrls, FileUrls>>;
 
     static void restore(const Records &chosen, const Confirmed &confirmed);

@@ -21,7 +21,7 @@ enum class CleaningEvent {
     GrantUnusable, ///< the user knows why
     ConsentStands, ///< the grant is usable, and what would be cleaned is just what was confirmed
     ProgramsFound,
-    Measured,    ///< what had no size; its places may have changed meanwhile
+    Measured,    ///< what had no size; its locations may have changed meanwhile
     AllMeasured, ///< nothing is left without a size
     Confirmed,   ///< by the user, and something may be cleaned still
     Declined,    ///< by the user

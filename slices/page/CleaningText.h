@@ -30,7 +30,7 @@ QString confirmationText(const std::vector<std::shared_ptr<Info>> &records,
 /// What a slice's description adds while programs keep something of it; empty without any.
 QString inUseText(const QStringList &programs);
 
-/// Which of the chosen places a cleaning left alone as a whole, and why, for people; empty when
+/// Which of the chosen locations a cleaning left alone as a whole, and why, for people; empty when
 /// there is none. Single files that could not be removed are not told of.
 QString leftAloneText(const CleaningReport &report);
 

@@ -25,7 +25,7 @@ QStringList HomeWatch::programsInUse(SliceKind kind) const
 }
 
 /// One status call tells a home with a Library. Any other is looked at beside the main thread, and
-/// until that is done the slices have no places. Nor have those of a home that does not answer,
+/// until that is done the slices have no locations. Nor have those of a home that does not answer,
 /// until the next look.
 void HomeWatch::look()
 {
@@ -73,7 +73,7 @@ Info::Measure HomeWatch::measureFunction() const
 void HomeWatch::takeFindings(const Findings &findings)
 {
     place(findings);
-    // What was excluded meanwhile was heard by slices without places.
+    // What was excluded meanwhile was heard by slices without locations.
     m_selection.applyExclusions();
     m_selection.updateSelectedSlicesUserDefaults();
     Q_EMIT found();

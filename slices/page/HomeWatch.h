@@ -8,7 +8,7 @@
 #include <stop_token>
 
 /// Looks at the home folder, keeps what it found there (where everything is, and which programs
-/// run) and gives the records of the selection their places and the means to measure them.
+/// run) and gives the records of the selection their locations and the means to measure them.
 ///
 /// Long looks are made beside the main thread. Their answers come from the event loop, and only
 /// until stop() or until something newer was asked for. When this is destroyed, all measures stop.
@@ -37,7 +37,7 @@ public:
     /// The programs that keep something of this slice because they are in use.
     QStringList programsInUse(SliceKind kind) const;
 
-    /// Makes new records, nothing measured yet. They have their places at once in a home with a
+    /// Makes new records, nothing measured yet. They have their locations at once in a home with a
     /// Library, and once found() comes in any other.
     void look();
     /// Nothing that was asked for is answered any more. Measures go on.
@@ -54,9 +54,9 @@ public:
     void stopMeasuring() { m_measuring.request_stop(); }
 
 Q_SIGNALS:
-    /// A home without Library was looked at: the records are new ones, with places.
+    /// A home without Library was looked at: the records are new ones, with locations.
     void found();
-    /// Programs were started or have ended: some records have other places.
+    /// Programs were started or have ended: some records have other locations.
     void programsChanged();
     /// A record was measured.
     void sizeChanged();

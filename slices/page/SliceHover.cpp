@@ -68,7 +68,7 @@ void SliceHover::offerReveal(int index)
                     offer();
             }));
         else if (!locationsOf(index).isEmpty())
-            offer(); // of a home that was looked at, all places are there
+            offer(); // of a home that was looked at, all locations are there
         break;
     }
 }
@@ -78,7 +78,7 @@ FileUrls SliceHover::locationsOf(int index) const
     return m_services.selection.records().at(index)->fileURLs().value_or(FileUrls());
 }
 
-/// Work for another thread: which of the places are there.
+/// Work for another thread: which of the locations are there.
 BackgroundTask<OwnersEnd::Abandon>
 SliceHover::lookForLocations(const FileUrls &locations,
                              std::function<void(const FileUrls &)> then) const

@@ -12,8 +12,8 @@ class SystemCalls;
 class Workspace;
 struct Alert;
 
-/// What is offered for the slice under the pointer: its description, and to show its places in the
-/// file manager. The disk is asked beside the main thread, and an answer for a slice that the
+/// What is offered for the slice under the pointer: its description, and to show its locations in
+/// the file manager. The disk is asked beside the main thread, and an answer for a slice that the
 /// pointer has left shows nothing. Owned by the page; main thread only.
 class SliceHover final : public QObject
 {
@@ -47,7 +47,7 @@ public:
 public Q_SLOTS:
     /// Explains the slice under the pointer.
     void showInfo();
-    /// Shows the places of the slice under the pointer in the file manager.
+    /// Shows the locations of the slice under the pointer in the file manager.
     void showInFinder();
 
 private:

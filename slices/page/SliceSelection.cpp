@@ -75,7 +75,7 @@ SliceSelection::Toggle SliceSelection::toggle(int index)
 }
 
 /// Judged by all that the home has of it: what a program uses at present is none of the record's
-/// places, but not excluded for that.
+/// locations, but not excluded for that.
 bool SliceSelection::isExcluded(const Info &record) const
 {
     const std::optional<SliceKind> kind = sliceKindNamed(record.name());

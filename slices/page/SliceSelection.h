@@ -18,7 +18,7 @@ class SliceSelection final
 public:
     enum class Toggle {
         Switched, ///< the slice is now what it was not
-        Excluded, ///< all of its places, also those in use, are excluded: it is off, and stays so
+        Excluded, ///< stays off: all of its locations, also those in use, are excluded
     };
 
     /// Both must outlive it. Empty until rebuild().
@@ -30,21 +30,21 @@ public:
     const Records &records() const { return m_records; }
     Info &record(SliceKind kind) { return *m_records.at(indexOf(kind)); }
 
-    /// Makes eight new records, nothing measured yet, and restores the stored selection. Places in
-    /// use are left out.
+    /// Makes eight new records, nothing measured yet, and restores the stored selection. Locations
+    /// in use are left out.
     void rebuild(const HomeLayout &layout, const Info::Services &services,
                  const ProgramsInUse &inUse = {});
 
     /// Stores which slices are on. Large files are never stored as on: they are picked anew.
     void updateSelectedSlicesUserDefaults() const;
 
-    /// Switches a slice with fixed places on or off, unless the exclusions forbid it.
+    /// Switches a slice with fixed locations on or off, unless the exclusions forbid it.
     Toggle toggle(int index);
 
     /// Switches off what the exclusions forbid now. True when picked large files were dropped.
     bool applyExclusions();
 
-    /// Whether each of these places is excluded by its very path; no for no places.
+    /// Whether each of these locations is excluded by its very path; no for no locations.
     bool containsExcludedFile(const std::optional<FileUrls> &fileURLs) const;
 
     bool somethingIsSelected() const;

@@ -45,7 +45,7 @@ void Info::setFileURLs(const FileUrls &fileURLs)
     {
         const std::scoped_lock lock(m_mutex);
         if (!bytes || m_locations != locations)
-            return; // whoever set newer places measures those
+            return; // whoever set newer locations measures those
         m_fileSize = *bytes;
     }
     postSizeChanged();
@@ -121,7 +121,7 @@ std::optional<Info::Locations> Info::locationsToMeasure() const
 bool Info::storeFirstMeasure(const Locations &locations, qint64 bytes)
 {
     const std::scoped_lock lock(m_mutex);
-    // A text that was set, or places that were changed meanwhile, are newer than this measure.
+    // A text that was set, or locations that were changed meanwhile, are newer than this measure.
     if (m_fileSizeString || m_locations != locations)
         return false;
     m_fileSizeString = bytes == 0 ? QString::fromUtf16(kEmptySize) : stringFromByteCount(bytes);

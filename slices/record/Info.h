@@ -21,18 +21,19 @@ Q_SIGNALS:
     void posted();
 };
 
-/// One slice: a kind of content, the places that it stands for, its icon and what is known of its
-/// size. Shared between the page that makes it and the chart that shows it. The size may be asked
-/// for and set from any thread, all else belongs to the main thread.
+/// One slice: a kind of content, the locations that it stands for, its icon and what is known of
+/// its size. Shared between the page that makes it and the chart that shows it. The size may be
+/// asked for and set from any thread, all else belongs to the main thread.
 class Info final
 {
 public:
-    /// Measures one place without what is kept of all places, in bytes; called on the thread that
-    /// asks for the size text. Nothing when it was stopped: a part of the size is no size.
+    /// Measures one location without what is kept of all locations, in bytes; called on the thread
+    /// that asks for the size text. Nothing when it was stopped: a part of the size is no size.
     using Measure =
         std::function<std::optional<qint64>(const FileUrl &location, const FileUrls &kept)>;
 
-    /// What a record uses to find its size and to tell of it. A record without places needs none.
+    /// What a record uses to find its size and to tell of it. A record without locations needs
+    /// none.
     struct Services
     {
         Measure measure;
@@ -54,29 +55,30 @@ public:
     void setImage(const QString &image) { m_image = image; }
 
     std::optional<FileUrls> fileURLs() const;
-    /// Measures the new places, which may take long, and sets the size, unless still newer places
-    /// were set meanwhile. The size text is the caller's to change.
+    /// Measures the new locations, which may take long, and sets the size, unless still newer
+    /// locations were set meanwhile. The size text is the caller's to change.
     void setFileURLs(const FileUrls &fileURLs);
-    /// The same for places whose size was just measured elsewhere; returns at once.
+    /// The same for locations whose size was just measured elsewhere; returns at once.
     void setFileURLs(const FileUrls &fileURLs, qint64 measuredBytes);
 
-    /// Folders inside the places that stay, with all that they hold, because a program uses them.
+    /// Folders inside the locations that stay, with all that they hold, because a program uses
+    /// them.
     FileUrls kept() const;
-    /// Sets the places together with what is kept inside them, and forgets the size text: who asks
-    /// for it next measures.
+    /// Sets the locations together with what is kept inside them, and forgets the size text: who
+    /// asks for it next measures.
     void setLocations(const FileUrls &fileURLs, const FileUrls &kept);
 
-    /// Bytes below all places; 0 until measured.
+    /// Bytes below all locations; 0 until measured.
     qint64 fileSize() const;
     /// Posts the notification, also when the size stays the same.
     void setFileSize(qint64 bytes);
 
     /// The text shown for the size. Measures on first use, which may take long: not for the main
-    /// thread. "Empty" for no bytes; nothing while there are no places and no preset text, or when
-    /// the measuring was stopped.
+    /// thread. "Empty" for no bytes; nothing while there are no locations and no preset text, or
+    /// when the measuring was stopped.
     std::optional<QString> fileSizeString();
     void setFileSizeString(std::optional<QString> text);
-    /// Whether there are places and their size text stands.
+    /// Whether there are locations and their size text stands.
     bool isMeasured() const;
 
     bool isOn() const { return m_isOn; }
@@ -102,7 +104,7 @@ private:
     bool m_isOn = true;
     Services m_services;
 
-    std::mutex m_measuring;     ///< held while the places are walked for the size text
+    std::mutex m_measuring;     ///< held while the locations are walked for the size text
     mutable std::mutex m_mutex; ///< guards what the measuring threads share with the main thread
     std::optional<Locations> m_locations;
     std::optional<QString> m_fileSizeString;

@@ -75,7 +75,7 @@ const std::array<SliceDescription, kSliceCount> &sliceCatalogue();
 const SliceDescription &sliceDescription(SliceKind kind);
 
 /// Where the slice's content lies below the home folder; nothing where the user chooses the files.
-/// Whether a place exists is not looked at.
+/// Whether a location exists is not looked at.
 std::optional<FileUrls> sliceLocations(SliceKind kind, const FileUrl &home);
 
 constexpr int indexOf(SliceKind kind)
@@ -87,5 +87,5 @@ constexpr int indexOf(SliceKind kind)
 /// that is none of the catalogue's are folders, of which the contents go.
 bool infoIsFilesNotFolders(const Info &record);
 
-/// The place of a name in the catalogue; nothing for a name that is no slice's.
+/// The kind of the slice with this name; nothing for a name that is no slice's.
 std::optional<SliceKind> sliceKindNamed(const QString &name);

@@ -81,7 +81,7 @@ private:
         });
     }
 
-    /// Whether a cleaning will make it so. The place itself keeps its rights.
+    /// Whether a cleaning will make it so. The location itself keeps its rights.
     bool willAllowRemoval(const WalkedFolder &folder) const
     {
         return m_rules.readOnlyFolders == ReadOnlyFolders::Emptied && folder.parent() &&

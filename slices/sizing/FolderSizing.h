@@ -25,28 +25,28 @@ struct FolderSize
     std::optional<ItemVerdict> item; ///< of a single item; nothing for a folder
 };
 
-/// What a measure of a place heeds besides the rights of what lies there.
+/// What a measure of a location heeds besides the rights of what lies there.
 struct SizingRules
 {
     /// A folder inside that is the user's own and read-only counts as the cleaning will treat it.
     ReadOnlyFolders readOnlyFolders = ReadOnlyFolders::Stay;
-    /// What a cleaning will keep inside, by raw paths relative to the place: neither counts it nor
-    /// what lies below.
+    /// What a cleaning will keep inside, by raw paths relative to the location: neither counts it
+    /// nor what lies below.
     QByteArrayList kept = {};
 };
 
-/// Those of the URLs that lie inside the place, by their raw paths relative to it.
+/// Those of the URLs that lie inside the location, by their raw paths relative to it.
 QByteArrayList pathsInside(const FileUrl &location, const FileUrls &urls);
 
-/// Measures what this process could delete at a place: the sum of the sizes of everything beneath
-/// a folder that is no folder itself, is not hidden nor beneath a hidden folder (the place itself
-/// may be hidden), may be removed from the folder that holds it, and is neither immutable nor
-/// append-only. Links count with their own size. Mount points are not entered.
+/// Measures what this process could delete at a location: the sum of the sizes of everything
+/// beneath a folder that is no folder itself, is not hidden nor beneath a hidden folder (the
+/// location itself may be hidden), may be removed from the folder that holds it, and is neither
+/// immutable nor append-only. Links count with their own size. Mount points are not entered.
 ///
-/// A place that is no folder is judged alike and counts its own size. Nothing there, a dangling
+/// A location that is no folder is judged alike and counts its own size. Nothing there, a dangling
 /// link, and a link to a folder count 0. Unreadable folders are passed over. A mount between the
-/// anchor and the place, or the place itself being one, makes it 0 too: a cleaning refuses such a
-/// place. The anchor alone may be a mount.
+/// anchor and the location, or the location itself being one, makes it 0 too: a cleaning refuses
+/// such a location. The anchor alone may be a mount.
 ///
 /// Any thread but the main one; blocks until done or stopped. Uses up to `threads` threads, as
 /// many as pay for 0.

@@ -12,7 +12,7 @@ using Medium = CleaningGround::Medium;
 
 Q_DECLARE_METATYPE(CleaningGround::Medium)
 
-/// What a cleaning does about places that programs may use.
+/// What a cleaning does about locations that programs may use.
 class TestCleaningInUse final : public QObject
 {
     Q_OBJECT

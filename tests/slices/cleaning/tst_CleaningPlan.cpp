@@ -101,7 +101,7 @@ void TestCleaningPlan::leavesOutWhatDoesNotExist()
 {
     const FileUrls folders{m_home->folder("Library/Logs"), m_home->folder("No/Such/Place")};
     const FileUrls files{m_home->file("Library/Safari/absent"), m_home->file("No/absent")};
-    // Not even an exclusion inside one makes a missing place worth a word.
+    // Not even an exclusion inside one makes a missing location worth a word.
     const CleaningPlan plan =
         planned({contentsOf(folders), theFiles(files)}, {m_home->file("Library/Logs/kept")});
     QVERIFY(plan.locations().empty());
@@ -273,7 +273,7 @@ void TestCleaningPlan::knowsAnExcludedFolderUnderItsNewName()
 
 void TestCleaningPlan::knowsAnExclusionByAnotherRoad()
 {
-    // As a mount of the home folder would: the same folder below a path that holds the place's.
+    // As a mount of the home folder would: the same folder below a path that holds the location's.
     class Alias final : public FileAccess
     {
     public:

@@ -8,7 +8,7 @@
 
 #include <unistd.h>
 
-/// What the records know of the places that programs use.
+/// What the records know of the locations that programs use.
 class TestRecordLocations final : public QObject
 {
     Q_OBJECT

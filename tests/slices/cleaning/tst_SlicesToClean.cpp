@@ -292,7 +292,7 @@ void TestSlicesToClean::plansTheFixedPlacesBesideALibrary_data()
                                                 "Library/Safari/WebpageIcons.db"});
 }
 
-/// Whatever lies in the freedesktop places, and whatever is said of them.
+/// Whatever lies in the freedesktop locations, and whatever is said of them.
 void TestSlicesToClean::plansTheFixedPlacesBesideALibrary()
 {
     QFETCH(const QByteArrayList, paths);

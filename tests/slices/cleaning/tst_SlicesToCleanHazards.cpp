@@ -49,7 +49,7 @@ void TestSlicesToCleanHazards::isLedNowhereByTheUsersFile_data()
     QTest::addColumn<QByteArrayList>("lost");
     const auto row = [](const char *name, const QByteArray &value,
                         const QByteArrayList &lost = {}) { QTest::newRow(name) << value << lost; };
-    // A place in the home that may not be emptied: nothing else stands in for it.
+    // A location in the home that may not be emptied: nothing else stands in for it.
     const auto refused = [&row](const char *name, const QByteArray &value) {
         row(name, value, {"Downloads"});
     };

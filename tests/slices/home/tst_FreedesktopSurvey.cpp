@@ -168,7 +168,7 @@ void TestFreedesktopSurvey::emptiesNoDownloadsWhenReadingFails()
 void TestFreedesktopSurvey::protectsTheUsersFoldersWhateverTheirNames_data()
 {
     QTest::addColumn<QByteArray>("lines");
-    QTest::addColumn<QByteArrayList>("lost"); ///< of the places that are found otherwise
+    QTest::addColumn<QByteArrayList>("lost"); ///< of the locations that are found otherwise
     QTest::newRow("none") << QByteArray() << QByteArrayList();
     QTest::newRow("a name of one's own")
         << QByteArray("XDG_PROJECTS_DIR=\"$HOME/Downloads/Jobs\"\n")

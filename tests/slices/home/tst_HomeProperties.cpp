@@ -122,7 +122,7 @@ QByteArray difference(const std::set<QByteArray> &found, const std::set<QByteArr
     return all.join(", ");
 }
 
-/// What is wrong with a plan's places; nothing when all is well.
+/// What is wrong with a plan's locations; nothing when all is well.
 QByteArray flawIn(const MadeHome &home, const CleaningPlan &plan)
 {
     std::set<QByteArray> places;
@@ -182,7 +182,7 @@ qint64 counted(const MadeHome &home, const QByteArrayList &places)
 
 const QByteArray kITunes = ".wine/drive_c/users/anna/AppData/Roaming/Apple Computer/iTunes/";
 
-/// The places are named here anew, by hand.
+/// The locations are named here anew, by hand.
 const std::map<SliceKind, QByteArrayList> kLocationsByHand{
     {SliceKind::Trash,
      {".local/share/Trash/files", ".local/share/Trash/info", ".local/share/Trash/expunged"}},

@@ -128,7 +128,8 @@ void TestHomeSurveyHazards::findsEveryPlaceWithoutALink()
     QCOMPARE(int(kEveryLocation.size()), kSliceCount - 1);
 }
 
-/// Every place and every folder on the way to it, each led out of the home and to elsewhere in it.
+/// Every location and every folder on the way to it, each led out of the home and to elsewhere in
+/// it.
 void TestHomeSurveyHazards::followsNoLink_data()
 {
     QTest::addColumn<QByteArray>("link");

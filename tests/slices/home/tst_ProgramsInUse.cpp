@@ -121,7 +121,7 @@ void TestProgramsInUse::judgesTheLocksOfAFirefox_data()
     QTest::newRow("its file lost") << QByteArray("127.0.1.1:+77") << false << false << true;
     QTest::newRow("left by a crash, its file lost")
         << QByteArray("127.0.1.1:+78") << false << false << false;
-    QTest::newRow("without a record lock") << QByteArray("10.0.0.9:78") << true << false << true;
+    QTest::newRow("without a file lock") << QByteArray("10.0.0.9:78") << true << false << true;
     QTest::newRow("nonsense") << QByteArray("?") << true << false << true;
     QTest::newRow("no number") << QByteArray("127.0.1.1:+") << false << false << true;
     QTest::newRow("no number, its file free") << QByteArray("127.0.1.1:+") << true << false << true;

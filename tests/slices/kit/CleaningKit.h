@@ -16,7 +16,7 @@
 #include <string>
 #include <sys/stat.h>
 
-/// What the tests of cleaning share: places to clean, trees, and what is left of them.
+/// What the tests of cleaning share: locations to clean, trees, and what is left of them.
 
 /// A folder of the test's own, gone with it. In memory where that is fast enough to try thousands
 /// of trees; nothing is ever cleaned outside one.

@@ -2,8 +2,8 @@
 
 #include "tests/slices/kit/HomeKit.h"
 
-/// Every place of a freedesktop home that is cleaned, named here anew and by hand, and a home that
-/// has something in all of them. A star of a place's pattern stands for one name here.
+/// Every location of a freedesktop home that is cleaned, named here anew and by hand, and a home
+/// that has something in all of them. A star of a location's pattern stands for one name here.
 
 /// Where a browser of the Chromium family keeps a profile's databases.
 inline const QByteArrayList kChromiumProfiles{
@@ -139,7 +139,7 @@ inline void makeBrowsers(const MadeHome &home, Journals journals)
         listProfiles(home, profile.chopped(3), {"ab"});
 }
 
-/// Something in every place, and beside them what must never go.
+/// Something in every location, and beside them what must never go.
 inline void makeEveryLocation(const MadeHome &home)
 {
     for (const auto &[kind, paths] : kEveryLocation) {

@@ -22,7 +22,7 @@ inline CleaningPlan planOfEverything(const MadeHome &home, const HomeLayout &lay
                             excluding(excluded));
 }
 
-/// What is done to a place, in words.
+/// What is done to a location, in words.
 inline QByteArray verbOf(const CleaningLocation &location)
 {
     const bool areFiles = location.content == SliceContent::Files;
@@ -61,7 +61,7 @@ inline QByteArrayList refusalsOf(const MadeHome &home, const CleaningPlan &plan)
     return lines;
 }
 
-/// A line for each place, all with the same start.
+/// A line for each location, all with the same start.
 inline QByteArrayList each(const QByteArray &start, const QByteArrayList &locations)
 {
     QByteArrayList lines;

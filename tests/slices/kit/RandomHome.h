@@ -30,7 +30,7 @@ inline const QByteArrayList kFolders{
     "data/Trash/files",
     "data/Trash/info",
     "var/cache",
-    // One place in another, or around one.
+    // One location in another, or around one.
     ".local/share/xorg/logs",
     ".cache/cache",
     ".cache/data/Trash/files",

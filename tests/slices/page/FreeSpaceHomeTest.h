@@ -142,7 +142,7 @@ inline void FreeSpaceHomeTest::appear()
 }
 
 /// As far as its traces tell, Firefox is this very process: the link alone, as where the file with
-/// the record lock was lost.
+/// the file lock was lost.
 inline void FreeSpaceHomeTest::firefoxStarts()
 {
     m_fixture->folder().makeLink("anna/.mozilla/firefox/x.default/lock",

@@ -1,6 +1,6 @@
 #include "tests/slices/page/FreeSpaceHomeTest.h"
 
-/// The page of the slices in a freedesktop home, whose places have to be found first.
+/// The page of the slices in a freedesktop home, whose locations have to be found first.
 class TestFreeSpaceHome final : public FreeSpaceHomeTest
 {
     Q_OBJECT

@@ -13,7 +13,7 @@ const FileUrl kCaches = FileUrl::fromPath("/home/anna/Library/Caches", FileUrlKi
 const FileUrl kLogs = FileUrl::fromPath("/home/anna/Library/Logs", FileUrlKind::Folder);
 const FileUrl kGone = FileUrl::fromPath("/home/anna/gone", FileUrlKind::Folder);
 
-/// What the places hold.
+/// What the locations hold.
 qint64 bytesOf(const FileUrl &url)
 {
     if (url == kCaches)
@@ -224,7 +224,7 @@ void TestInfo::isMeasuredByTwoReadersAtOnce()
     QCOMPARE(first, QStringLiteral("1.23 GB"));
     QCOMPARE(second, QStringLiteral("1.23 GB"));
     QCOMPARE(info->fileSize(), 1'234'000'000);
-    QCOMPARE(m_measures, 2); // each place once
+    QCOMPARE(m_measures, 2); // each location once
 }
 
 void TestInfo::staysUnmeasuredWhenTheMeasureIsStopped()
@@ -298,7 +298,7 @@ void TestInfo::measuresItsPlacesWithoutWhatIsKept()
     QCOMPARE(info->fileURLs(), FileUrls({kCaches, kLogs}));
     QCOMPARE(info->kept(), FileUrls{kept});
     QCOMPARE(info->fileSizeString(), QStringLiteral("1.23 GB"));
-    QCOMPARE(info->fileSize(), 1'232'000'000); // asked for each of both places
+    QCOMPARE(info->fileSize(), 1'232'000'000); // asked for each of both locations
     info->setFileURLs({kCaches});
     QCOMPARE(info->kept(), FileUrls());
     QCOMPARE(info->fileSize(), 1'200'000'000);

@@ -23,7 +23,7 @@ FolderSize measured(const AnchoredPath &location)
     return measureFolder(hostSystemCalls(), location, {}, 1);
 }
 
-/// "promised B" when the place measures B bytes; a place whose figure is not final says so.
+/// "promised B" when the location measures B bytes; a location whose figure is not final says so.
 QByteArray promise(const FolderSize &size)
 {
     const QByteArray text = "promised " + QByteArray::number(size.bytes);
@@ -44,7 +44,7 @@ qint64 bytesIn(const MadeTree &tree, const QByteArrayList &files)
     return bytes;
 }
 
-/// "promised B, freed B": what a slice's place in the granted folder measures, and what of the
+/// "promised B, freed B": what a slice's location in the granted folder measures, and what of the
 /// files named a cleaning of it then takes away.
 QByteArray promisedAndFreed(const MadeTree &tree, const QByteArray &granted,
                             const QByteArray &location, const QByteArrayList &files)

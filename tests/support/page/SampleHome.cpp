@@ -105,7 +105,7 @@ constexpr MadeFile kFreedesktopFiles[] = {
     {".mozilla/firefox/ab12.default/formhistory.sqlite", 200 * kKilo},
 };
 
-/// What nobody chose: beside the places, named like them, or found by the search alone.
+/// What nobody chose: beside the locations, named like them, or found by the search alone.
 constexpr MadeFile kBystanders[] = {
     {".profile", 800},
     {".config/editor/settings", 2 * kKilo},

@@ -32,16 +32,16 @@ public:
     /// The folders and files that a slice stands for; none for "Large Files".
     QList<QByteArray> locationsOf(int slice) const;
 
-    /// What measuring shows: all that is no folder and not hidden below the places, links with
+    /// What measuring shows: all that is no folder and not hidden below the locations, links with
     /// their own size.
     qint64 bytesShownFor(int slice) const;
-    /// The same for one place.
+    /// The same for one location.
     qint64 bytesShownAt(const QByteArray &relativePath) const;
 
     /// All that was made, sorted.
     QList<QByteArray> paths() const { return m_items.keys(); }
     /// What cleaning the slice takes when nothing is excluded, sorted: hidden items too, but never
-    /// the places themselves unless they are files.
+    /// the locations themselves unless they are files.
     QList<QByteArray> pathsCleanedWith(int slice) const;
     /// What the search for large files lists, largest first.
     QList<QByteArray> largeFiles() const;
