@@ -6,5 +6,6 @@
 /// fixed. Shown by default.
 Q_DECLARE_LOGGING_CATEGORY(logVantor)
 
-/// What the chart says while it draws, many lines a second. Off unless QT_LOGGING_RULES asks.
+/// What the chart logs while it draws: many lines a second. Off unless QT_LOGGING_RULES turns it
+/// on.
 Q_DECLARE_LOGGING_CATEGORY(logChart)

@@ -2,8 +2,9 @@
 
 #include <memory>
 
-/// Base of what others refer to without owning it: a WeakReference to it reads null from the
-/// moment that it is gone, so nobody has to say goodbye.
+/// Base of objects that others refer to without owning them. A WeakReference to such an object
+/// reads null from the moment that the object is gone, so the object need not tell anyone that it
+/// ends.
 class WeaklyReferable
 {
 public:
@@ -15,7 +16,7 @@ public:
 protected:
     WeaklyReferable() = default;
     ~WeaklyReferable() = default;
-    WeaklyReferable(const WeaklyReferable &) {} // a copy lives its own life
+    WeaklyReferable(const WeaklyReferable &) {} // a copy has a lifetime of its own
 
 private:
     std::shared_ptr<const void> m_lifetime = std::make_shared<char>();
