@@ -7,7 +7,8 @@
 
 #include <optional>
 
-/// Reads descriptions with the program's classes in them, and notices classes that nobody knows.
+/// Reads descriptions with the program's classes in them, and notices classes that are neither the
+/// program's nor the toolkit's.
 class InterfaceLoader::Reader final : public QUiLoader
 {
 public:

@@ -17,7 +17,7 @@ using LoadedInterface = tl::expected<std::unique_ptr<QWidget>, InterfaceError>;
 
 /// Makes windows, pages and sheets from the interface description that bears their class's name
 /// (":/interface/<ClassName>.ui"). The application holds one, tells it the program's own widget
-/// classes, and hands it to whoever loads an interface. Main thread only.
+/// classes, and hands it to the code that loads an interface. Main thread only.
 ///
 /// A description that names a class which is neither the toolkit's nor registered is an error: the
 /// toolkit alone would quietly put the base class in its place.
@@ -51,11 +51,12 @@ private:
     std::unique_ptr<Reader> m_reader;
 };
 
-/// The object of this name and type inside a loaded interface (or its root itself). One that is
-/// missing or of another type is a mistake in the program: it stops with a message that names it.
+/// The object of this name and type inside a loaded interface (or its root itself). An object that
+/// is missing or of another type is a mistake in the program: the program stops with a message that
+/// names the object.
 template <typename Outlet> Outlet *outlet(QWidget &interface, const char *name);
 
-/// As above, for a type known at run time only.
+/// As above, for a type that is known at run time only.
 QObject *outletNamed(QWidget &interface, const char *name, const QMetaObject &type);
 
 template <typename Outlet> Outlet *outlet(QWidget &interface, const char *name)

@@ -20,6 +20,6 @@ public:
     bool openUrl(const FileUrl &url);
 
     /// Selects the files in the file manager; opens their folder where it cannot do that. Does
-    /// nothing for none.
+    /// nothing for an empty list.
     virtual void activateFileViewerSelectingUrls(const FileUrls &urls);
 };

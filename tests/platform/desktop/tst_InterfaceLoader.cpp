@@ -190,7 +190,7 @@ void TestInterfaceLoader::recoversFromABrokenDescription()
     QVERIFY(m_loader->load(QStringLiteral("SomePage")));
 }
 
-/// They are only set aside while the reader looks for plugins of interface designers.
+/// The plugin paths are set aside only while the reader looks for plugins of interface designers.
 void TestInterfaceLoader::leavesThePluginPathsAlone()
 {
     const QStringList before = QCoreApplication::libraryPaths();
