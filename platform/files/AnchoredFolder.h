@@ -24,9 +24,11 @@ AnchoredEntry anchoredEntry(const AnchoredPath &path);
 SystemResult<FileDescriptor> openAnchored(const SystemCalls &calls, const AnchoredPath &path,
                                           Descent descent);
 
-/// The status of what is at an anchored path, itself no link's; no component on the way may be one.
+/// The status of the entry at an anchored path; for a link, the status of the link itself. No
+/// component on the way may be a link.
 SystemResult<FileStatus> statusAnchored(const SystemCalls &calls, const AnchoredPath &path);
 
-/// Opens without crossing mounts, and only on the anchor's own volume, where alone things are
-/// measured, found and cleaned: a sub-volume, which opens like any folder, fails with EXDEV too.
+/// Opens a folder without crossing mounts, and only on the anchor's own volume, because the program
+/// measures, finds and cleans things only there. A sub-volume opens like any folder, but fails with
+/// EXDEV here too.
 SystemResult<FileDescriptor> openOnVolume(const SystemCalls &calls, const AnchoredPath &path);

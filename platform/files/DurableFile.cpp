@@ -153,7 +153,7 @@ SystemResult<QByteArray> DurableFile::readAll(const QByteArray &name) const
     return bytes;
 }
 
-/// Sees to it that nothing is lost when the current generation is renamed over.
+/// Saves the current generation before the new one is renamed over it, so that nothing is lost.
 tl::expected<void, DurableError> DurableFile::clearTheWay(Replace replace)
 {
     const DurableContent current = readNamed(m_name);
@@ -184,8 +184,8 @@ SystemResult<void> DurableFile::putInPlace(const QByteArray &name) const
     return moved;
 }
 
-/// Writes a file that waits to be renamed to `name`. A left-over one of an earlier run goes first:
-/// it may be anything.
+/// Writes a file that waits to be renamed to `name`. A file that an earlier run left behind is
+/// removed first: it may be anything.
 SystemResult<void> DurableFile::writeBeside(const QByteArray &name, const QByteArray &content) const
 {
     const QByteArray unfinished = name + kUnfinished;
@@ -220,7 +220,7 @@ SystemResult<void> DurableFile::writeAll(int file, const QByteArray &bytes) cons
 SystemResult<void> DurableFile::syncFolder() const
 {
     const auto synced = m_calls.sync(m_folder.get());
-    // How file systems say that their folders need no such call.
+    // With these errors file systems say that their folders need no such call.
     if (!synced && (synced.error() == EINVAL || synced.error() == ENOTSUP))
         return {};
     return synced;

@@ -15,8 +15,7 @@ enum class Generation { Current, Previous };
 enum class Replace {
     /// Only what this object has read or written itself, or nothing at all.
     OnlyWhatIsKnown,
-    /// Whatever is there: a good content becomes the previous generation, anything else is set
-    /// aside.
+    /// Everything: a good content becomes the previous generation, anything else is set aside.
     Anything,
 };
 
@@ -30,7 +29,7 @@ struct DurableContent
     int error = 0;    ///< errno of an unreadable one
 };
 
-/// Why a write did not come to its end.
+/// Why a write failed.
 struct DurableError
 {
     int error = 0;           ///< errno; 0 for a conflict
@@ -41,10 +40,10 @@ struct DurableError
 /// disk: at any moment the old content or the new one stands under its name.
 ///
 /// The file ends in a line "#crc32 xxxxxxxx", so every truncation and every flipped bit is noticed.
-/// The content before the last is kept beside it as "<name>.1". It is a copy, not a link: so there
-/// is never a moment without a file of the name, and only what was read back whole becomes a
-/// previous generation. A bad file is renamed to "<name>.bad-<UTC time>" and never deleted. All
-/// work is done below the given folder's descriptor.
+/// The content before the last is kept beside it as "<name>.1". It is a copy, not a link. So there
+/// is never a moment without a file of the name, and only a content that was read back whole
+/// becomes a previous generation. A bad file is renamed to "<name>.bad-<UTC time>" and never
+/// deleted. All work is done below the given folder's descriptor.
 ///
 /// One thread at a time. `calls` must outlive this.
 class DurableFile final
@@ -59,10 +58,10 @@ public:
 
     /// Makes `content` the current generation and the current one the previous. When this returns
     /// without an error, the content is on the disk; when it fails, the old content still stands
-    /// (or the new one, where only its way to the disk could not be confirmed).
+    /// (or the new one, where only the proof is missing that it is on the disk).
     tl::expected<void, DurableError> write(const QByteArray &content, Replace replace);
 
-    /// Renames a generation's file out of the way; the name that it has now.
+    /// Renames a generation's file out of the way and returns its new name.
     SystemResult<QByteArray> setAside(Generation generation);
 
     /// Whether a bad file of this name was ever set aside and is still there.

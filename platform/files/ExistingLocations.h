@@ -6,8 +6,8 @@
 
 class SystemCalls;
 
-/// Those of these locations that are there, in order, links included; none below the granted folder
-/// is looked for through a link. Waits for the disk: not for the main thread. Ends early, with what
-/// it has, once `stop` says so.
+/// Returns those of the given locations that exist, in order, links included. A location below the
+/// granted folder is never looked up through a link. Waits for the disk: not for the main thread.
+/// Ends early, with what it has found, once `stop` says so.
 FileUrls existingLocations(const SystemCalls &calls, FileAccess &access, const FileUrls &locations,
                            const std::stop_token &stop);

@@ -6,8 +6,8 @@
 #include <memory>
 #include <optional>
 
-/// A place below an open folder: all file work starts at the descriptor, so that nothing that
-/// happens to the folder's own path meanwhile can lead the work elsewhere. A value.
+/// A path below an open folder. All file work starts at the folder's descriptor: a change of the
+/// folder's own path in the meantime cannot lead the work elsewhere. A value.
 struct AnchoredPath
 {
     std::shared_ptr<const FileDescriptor> anchor;
@@ -25,11 +25,12 @@ public:
     virtual void startAccessing() = 0;
     virtual void stopAccessing() = 0;
 
-    /// Where the engines find this URL; nothing when it does not lie in the granted folder.
+    /// The path on which the engines find this URL; nothing when the URL does not lie in the
+    /// granted folder.
     virtual std::optional<AnchoredPath> anchoredPath(const FileUrl &url) const = 0;
 };
 
-/// Holds the access for as long as it lives.
+/// Holds the access as long as this object lives.
 class AccessScope final
 {
 public:

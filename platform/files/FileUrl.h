@@ -5,7 +5,7 @@
 #include <QString>
 #include <optional>
 
-/// Whether a URL speaks of a folder: a folder's URL ends in a slash.
+/// Whether a URL means a file or a folder: a folder's URL ends in a slash.
 enum class FileUrlKind { File, Folder };
 
 /// The absolute URL of a file or folder, built from the raw bytes of its path, so that a name of
@@ -42,8 +42,8 @@ public:
     /// The URL of something below this one, by its relative path ("Library/Caches").
     FileUrl appending(const QByteArray &relativePath, FileUrlKind kind) const;
 
-    /// The path for people: decoded as UTF-8, bytes that are none replaced. Never lead back from
-    /// it.
+    /// The path for people: decoded as UTF-8, with invalid bytes replaced. Never make a path from
+    /// it again.
     QString displayPath() const;
 
     friend bool operator==(const FileUrl &, const FileUrl &) = default;
@@ -57,5 +57,6 @@ private:
 
 using FileUrls = QList<FileUrl>;
 
-/// Whether a name in a raw path is "." or "..": its text does not tell where such a path leads.
+/// Whether a name in a raw path is "." or "..". The text of such a path does not tell where it
+/// leads.
 bool hasDotComponent(const QByteArray &path);

@@ -83,14 +83,16 @@ bool hasBirthTime(const FileIdentity &identity)
     return identity.birthSeconds != 0 || identity.birthNanoseconds != 0;
 }
 
-/// Inode numbers are given away again; only these two stay with one folder for good.
+/// The file system uses inode numbers again; only the handle and the birth time belong to one
+/// folder for good.
 bool isTelling(const FileIdentity &identity)
 {
     return !identity.handle.isEmpty() || hasBirthTime(identity);
 }
 
-/// All that both know must be the same, and it must be enough to tell: a system may learn to give
-/// handles or birth times between granting and using, or forget it.
+/// Everything that both identities know must be equal, and it must be enough to distinguish two
+/// folders. A system may begin or cease to give handles or birth times between the making of a
+/// grant and its use.
 bool isSameFolder(const FileIdentity &granted, const FileIdentity &found)
 {
     const bool bothHandles = !granted.handle.isEmpty() && !found.handle.isEmpty();
@@ -103,8 +105,8 @@ bool isSameFolder(const FileIdentity &granted, const FileIdentity &found)
            (!bothHandles || granted.handle == found.handle) && (!bothBirths || sameBirth);
 }
 
-/// For root every permission check is void; so that "sudo" does not clean somebody's home with
-/// root's rights, ownership stands in.
+/// No permission check ever refuses root. So the owner is compared instead, and "sudo" does not
+/// clean another user's home with root's rights.
 bool isForeign(const FileStatus &status)
 {
     return ::geteuid() == 0 && status.owner != 0;
@@ -152,7 +154,7 @@ SystemResult<QByteArray> makeGrant(const SystemCalls &calls, const QByteArray &p
     const auto real = calls.realPath(path.constData());
     if (!real)
         return tl::unexpected(real.error());
-    if (*real == "/") // every home and the system itself: nobody means that
+    if (*real == "/") // every home and the system itself: surely a mistake
         return tl::unexpected(EPERM);
     const auto folder = calls.openRoot(real->constData());
     if (!folder)

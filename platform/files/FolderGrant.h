@@ -21,8 +21,8 @@ enum class GrantFailure {
 /// The reason's name, for logs.
 const char *nameOf(GrantFailure failure);
 
-/// The folder that a grant led to. The descriptor stays on that very folder, whatever happens to
-/// its path later; work below it starts there.
+/// The folder that a grant led to. The descriptor stays on this folder, whatever happens to its
+/// path later; work below the folder starts at the descriptor.
 struct GrantedFolder
 {
     FileUrl url;
@@ -30,17 +30,17 @@ struct GrantedFolder
 };
 
 /// A grant is the user's consent to one folder, in bytes that can be stored: the folder's real
-/// path, and what tells it from any other folder that may later be found there. It is no
-/// permission: the system's own are asked each time.
+/// path, and what distinguishes it from any other folder that may later be at that path. A grant is
+/// not a permission: the system checks its own permissions each time.
 ///
 /// Makes the grant of the folder that the user picked, by an absolute path. Links in the path are
 /// resolved here, once; the grant names the real folder. Errors (errno): those of finding and
-/// opening it; EPERM for "/", and for root on a folder of somebody else's; EOPNOTSUPP where the
-/// file system gives nothing by which a folder made anew could be told from this one.
-/// A few system calls. Any thread. The same folder always gives the same bytes.
+/// opening the folder; EPERM for "/", and for root on a folder of another user; EOPNOTSUPP where
+/// the file system gives nothing that distinguishes this folder from a new one at the same path. A
+/// few system calls. Any thread. The same folder always gives the same bytes.
 SystemResult<QByteArray> makeGrant(const SystemCalls &calls, const QByteArray &path);
 
-/// Opens the folder that the grant names, if it still is that folder: never another one, not even
-/// for damaged bytes. A few system calls. Any thread.
+/// Opens the folder that the grant names, if it is still the same folder. It never opens another
+/// one, not even for damaged bytes. A few system calls. Any thread.
 tl::expected<GrantedFolder, GrantFailure> resolveGrant(const SystemCalls &calls,
                                                        const QByteArray &grant);

@@ -10,7 +10,7 @@
 
 class SystemCalls;
 
-/// How many bytes of records are read at a time.
+/// How many bytes of directory entries are read at a time.
 inline constexpr std::size_t kListingSpace = std::size_t{64} * 1024;
 
 /// All entries of one folder as they were when it was read, in little memory: a folder may hold a
@@ -25,21 +25,21 @@ public:
         FileKind kind : 8;
     };
 
-    /// Reads the folder to its end, or not at all: the errno when the reading breaks off. `space`
-    /// is where the records are read into, used again for every folder.
+    /// Reads the folder to its end; returns the errno, and no listing, when the reading breaks off.
+    /// `space` is the buffer for the raw directory entries; it is used again for every folder.
     static SystemResult<FolderListing> ofFolder(const SystemCalls &calls, int folder,
                                                 std::span<char> space);
     /// A listing of one entry.
     static FolderListing ofEntry(const DirectoryRecord &record);
 
-    /// By inode: on a disk that is near the order in which the entries lie.
+    /// Sorts by inode, because on a disk the entries lie in nearly this order.
     void sortByInode();
 
     using NameTest = std::function<bool(const char *name)>;
 
-    /// Forgets entries by their names.
+    /// Forgets the entries whose names pass the test.
     void removeIf(const NameTest &isUnwanted);
-    /// The same, but answers with them, each a listing of its own.
+    /// Takes the entries out whose names pass the test; returns each as a listing of its own.
     std::vector<FolderListing> takeOut(const NameTest &isWanted);
 
     std::size_t size() const { return m_entries.size(); }

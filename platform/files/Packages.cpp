@@ -78,7 +78,7 @@ bool isPackageName(QByteArrayView name)
 {
     const std::string_view text(name.data(), static_cast<std::size_t>(name.size()));
     const std::size_t dot = text.rfind('.');
-    // A leading dot hides a name, it begins no extension.
+    // A dot at the start hides a name; it does not begin an extension.
     if (dot == std::string_view::npos || dot == 0 || text.size() - dot - 1 > kLongest)
         return false;
     std::array<char, kLongest> extension{};

@@ -13,7 +13,7 @@ inline const QByteArray kOlder = "the oldest content";
 inline const QByteArray kOld = "{\"the\": \"old content\"}";
 inline const QByteArray kNew = "{\"a newer\": \"and longer content\", \"of\": [1, 2, 3]}";
 
-/// A folder of one file, looked at from outside.
+/// The folder of one durable file, as the file system shows it.
 class DurableFileFolder final
 {
 public:
@@ -38,7 +38,7 @@ public:
         must(isWritten, "writing a file");
     }
 
-    /// The folder as two writes leave it: an old generation and a previous one.
+    /// Fills the folder as two writes do: with a current generation and a previous one.
     void fill() const
     {
         static const QByteArrayList left = leftByTwoWrites();

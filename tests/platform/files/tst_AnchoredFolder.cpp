@@ -14,7 +14,7 @@ std::uint64_t inodeOf(const FileDescriptor &folder)
     return hostSystemCalls().statusOf(folder.get())->inode;
 }
 
-/// 0 when the place can be opened.
+/// The errno of opening the folder; 0 when it can be opened.
 int errorOf(const MadeTree &tree, const QByteArray &path)
 {
     const auto opened =
@@ -77,7 +77,8 @@ void TestAnchoredFolder::opensTheFolder()
 
 void TestAnchoredFolder::opensPathsOfAnyLength_data()
 {
-    // So that a slash stands before, at and behind the end of the longest path that is taken.
+    // The lengths put a slash before, at and behind the end of the longest path that the system
+    // takes.
     QTest::addColumn<int>("firstName");
     for (const int length : {7, 8, 9})
         QTest::addRow("%d", length) << length;
@@ -115,7 +116,7 @@ void TestAnchoredFolder::refusesWhatLeadsElsewhere()
 
 void TestAnchoredFolder::staysOnTheAnchorsVolume()
 {
-    // As a sub-volume is: opened like any folder, but with a device number of its own.
+    // Like a sub-volume: it opens like any folder, but has its own device number.
     class SubVolume final : public ForwardingSystemCalls
     {
     public:

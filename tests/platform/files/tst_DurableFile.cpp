@@ -7,7 +7,7 @@
 
 namespace {
 
-/// Moves a few bytes at a time, as the system may.
+/// Reads and writes a few bytes at a time, which the system may do too.
 class StingySystemCalls final : public ForwardingSystemCalls
 {
 public:
@@ -148,8 +148,8 @@ void TestDurableFile::aFileThatIsTooLargeIsDamaged()
 {
     const DurableFileFolder folder;
     folder.fill();
-    QVERIFY(
-        QFile::resize(folder.path(kName), qint64(8) << 30)); // sparse; reading it all would show
+    QVERIFY(QFile::resize(folder.path(kName),
+                          qint64(8) << 30)); // sparse; a full read would show
     QCOMPARE(folder.file().read(Generation::Current).state, DurableState::Damaged);
 }
 
@@ -157,7 +157,7 @@ void TestDurableFile::badFilesAreKeptUnderNamesOfTheirOwn()
 {
     const DurableFileFolder folder;
     QSet<QByteArray> names;
-    for (int i = 0; i < 4; ++i) { // within one second, or nearly so
+    for (int i = 0; i < 4; ++i) { // within about one second
         folder.setRaw("bad " + QByteArray::number(i));
         const auto name = folder.file().setAside(Generation::Current);
         QVERIFY(name);

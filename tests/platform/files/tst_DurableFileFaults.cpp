@@ -21,7 +21,7 @@ int callsOfOneWrite(Replace replace)
 
 } // namespace
 
-/// What a durable file leaves behind when a call of the system fails, or none comes any more.
+/// What a durable file leaves behind when a system call fails, or when no further call is made.
 class TestDurableFileFaults final : public QObject
 {
     Q_OBJECT

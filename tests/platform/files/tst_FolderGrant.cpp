@@ -15,7 +15,7 @@
 
 namespace {
 
-/// The system, but for what the test bends.
+/// The system, except for the calls whose results the test changes.
 class BentCalls final : public ForwardingSystemCalls
 {
 public:
@@ -55,7 +55,7 @@ void forgetBirth(FileIdentity &identity)
     identity.birthNanoseconds = 0;
 }
 
-/// The reason for which the grant does not lead to a folder, "none" when it does.
+/// The reason why the grant does not lead to a folder; "none" when it does.
 QByteArray failureOf(const QByteArray &grant, const SystemCalls &calls = hostSystemCalls())
 {
     const auto folder = resolveGrant(calls, grant);

@@ -8,7 +8,7 @@
 
 namespace {
 
-/// The reason for which the grant does not lead to a folder, "none" when it does.
+/// The reason why the grant does not lead to a folder; "none" when it does.
 QByteArray failureOf(const QByteArray &grant)
 {
     const auto folder = resolveGrant(hostSystemCalls(), grant);

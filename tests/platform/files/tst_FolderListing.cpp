@@ -24,7 +24,7 @@ private Q_SLOTS:
 
 namespace {
 
-/// Read in small pieces, so that a few entries already take several.
+/// Reads in small pieces, so that even a few entries need several.
 SystemResult<FolderListing> listed(const QByteArray &path,
                                    const SystemCalls &calls = hostSystemCalls())
 {
