@@ -15,7 +15,7 @@ AlphaVeil::AlphaVeil(QWidget &target) : QWidget(target.parentWidget()), m_target
 void AlphaVeil::setCover(double cover)
 {
     m_cover = cover;
-    // Under a full cover nothing else need be painted.
+    // Under a full cover Qt need not paint anything.
     setAttribute(Qt::WA_OpaquePaintEvent, cover >= 1);
     update();
 }

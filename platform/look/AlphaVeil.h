@@ -3,8 +3,8 @@
 #include <QPointer>
 #include <QWidget>
 
-/// Lies over its target, as that one's next sibling, in the parent's background colour. Follows the
-/// target wherever it goes, lets all input through, and dies with the target or the parent.
+/// Lies over its target, as the target's next sibling, in the parent's background colour. Follows
+/// the target wherever it goes, lets all input through, and dies with the target or the parent.
 /// Main thread only.
 class AlphaVeil final : public QWidget
 {

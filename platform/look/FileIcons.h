@@ -6,8 +6,8 @@
 /// The drawing of this name (see Images.h) as an icon of 20 points.
 QIcon iconNamed(const QString &name);
 
-/// Icons of the program's own for files and folders: the same on every desktop, and made without a
-/// look into the files. Any thread once made on the main thread.
+/// The program's own icons for files and folders: they are the same on every desktop, and are made
+/// without reading the files. Made on the main thread; any thread may use it from then on.
 class FileIcons final : public QAbstractFileIconProvider
 {
 public:

@@ -18,7 +18,7 @@ bool isDisk(const QString &mimeName)
 
 QString genericIconName(const QByteArray &fileName)
 {
-    // Only the name's ending counts, so that bytes which are no text do no harm.
+    // Only the name's extension counts, so bytes that are no valid text do no harm.
     const QMimeType type =
         QMimeDatabase().mimeTypeForFile(QString::fromUtf8(fileName), QMimeDatabase::MatchExtension);
     return isDisk(type.name()) ? kDiskIcon : type.genericIconName();

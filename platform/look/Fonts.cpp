@@ -9,7 +9,7 @@ namespace {
 /// From this size on the display cuts are used, whose letters stand closer and are drawn finer.
 constexpr int kDisplaySize = 24;
 
-/// The weights are real cuts, none is made bolder or thinner by the painter.
+/// Each weight is a real cut; the painter makes none bolder or thinner.
 QFont::Weight weightOf(Typeface face)
 {
     switch (face) {
@@ -60,8 +60,9 @@ QFont interfaceFont(Typeface face, int size)
         font.setFamilies({family});
     font.setPixelSize(size);
     font.setWeight(weightOf(face));
-    // The desktop's setting may widen every letter to whole dots, which thin type bears badly; this
-    // keeps horizontal strokes sharp and the spacing true, alike on every desktop.
+    // The desktop's setting may widen every letter to whole pixels, which makes thin type look bad.
+    // This setting keeps horizontal strokes sharp and the spacing true, and it looks the same on
+    // every desktop.
     font.setHintingPreference(QFont::PreferVerticalHinting);
     return font;
 }

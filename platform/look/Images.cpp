@@ -37,7 +37,7 @@ bool hasImageNamed(const QString &name)
 
 QSize imageSize(const QString &name)
 {
-    // Asked for with every painting, and reading a drawing takes longer than showing it.
+    // Every painting asks for the size, and reading a drawing takes longer than showing it.
     static QHash<QString, QSize> sizes;
     const auto known = sizes.constFind(name);
     if (known != sizes.constEnd())

@@ -13,5 +13,6 @@ bool hasImageNamed(const QString &name);
 QSize imageSize(const QString &name);
 
 /// The drawing, fitted into `size` points with its proportions kept, for a screen of the given
-/// scale. Null where there is none. Without a size, its own.
+/// scale. Null where there is no drawing of this name. Without a size, the drawing's own size is
+/// used.
 QPixmap imageNamed(const QString &name, qreal scale, QSize size = {});

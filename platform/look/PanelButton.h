@@ -2,7 +2,7 @@
 
 #include <QPushButton>
 
-/// How a panel's button looks; the default one is told from isDefault().
+/// How a panel's button looks; isDefault() tells which button is the default one.
 enum class PanelButtonLook { Plain, Destructive };
 
 /// A push button of the alerts and panels: wide, calm, with a clear ring when it has the focus.
@@ -22,7 +22,7 @@ public:
 
 protected:
     void paintEvent(QPaintEvent *event) override;
-    /// Only the space bar presses the button that has the focus; Enter is the default button's.
+    /// Only the space bar presses the button that has the focus; Enter presses the default button.
     void keyPressEvent(QKeyEvent *event) override;
 
 private:

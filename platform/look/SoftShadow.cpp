@@ -5,13 +5,15 @@
 
 namespace {
 
-/// The part of the picture that is not stretched: the fading and the bend.
+/// The size of the part of the picture that is not stretched: the fading edge and the rounded
+/// corner.
 int cornerOf(const SoftShadow &shadow)
 {
     return shadow.reach + 2 * shadow.radius;
 }
 
-/// Fine layers, each a point wider and together fading like the square of the distance.
+/// Draws thin layers, each a point wider than the one before; together they fade with the square of
+/// the distance.
 QPixmap drawnShadow(const SoftShadow &shadow, qreal scale)
 {
     const QSize size(2 * cornerOf(shadow) + 1, 2 * cornerOf(shadow) + 1);

@@ -11,6 +11,6 @@ struct SoftShadow
     double strength = 0; ///< its opacity right at the body's edge, 0 to 1
 };
 
-/// Paints the shadow of a body, below the body's own area too. Cheap: one small picture is drawn
-/// once for each look and scale, and stretched. Main thread only.
+/// Paints the shadow of a body, also in the area that the body itself covers. Cheap: one small
+/// picture is drawn once for each look and scale, and stretched. Main thread only.
 void paintSoftShadow(QPainter &painter, const QRect &body, const SoftShadow &shadow);

@@ -45,8 +45,9 @@ private:
     double m_alpha = 1;
 };
 
-/// Qt leaves out the ground below an opaque child, even where its parent is faded and the ground
-/// should shine through. A widget with an effect, be it idle, does not count as opaque.
+/// Qt does not paint the background below an opaque child, even where its parent is faded and the
+/// background should shine through. A widget with an effect does not count as opaque, even if the
+/// effect is idle.
 void showGroundBelowChildren(const QWidget &faded)
 {
     const QList<QWidget *> children = faded.findChildren<QWidget *>();
@@ -101,7 +102,7 @@ public:
         m_animation->setEasingCurve(QEasingCurve::InOutSine);
         connect(m_animation, &QVariantAnimation::valueChanged, this,
                 [this](const QVariant &value) { setAlpha(value.toDouble()); });
-        // The last value is a product, which need not be the wanted number to the last bit.
+        // The last value is a product, so it may differ from the wanted number in the last bit.
         connect(m_animation, &QVariantAnimation::finished, this,
                 [this, alpha] { setAlpha(alpha); });
         m_animation->start(QAbstractAnimation::DeleteWhenStopped);

@@ -41,7 +41,7 @@ double WrappedLabel::breakLines(QTextLayout &layout, int width) const
 
 int WrappedLabel::heightForWidth(int width) const
 {
-    // To the layout a new line is one character of the text like any other, unless told.
+    // The layout treats a line feed like any other character; only a line separator breaks a line.
     QTextLayout layout(QString(text()).replace(QLatin1Char('\n'), QChar::LineSeparator), font());
     return qCeil(breakLines(layout, width));
 }

@@ -3,8 +3,8 @@
 #include <QLabel>
 #include <QTextLayout>
 
-/// A label of plain text that shows all of it at any width: a word that is wider than the label (a
-/// path, a name) is broken too. Lines stand a little apart. Main thread only.
+/// A label of plain text that shows all of it at any width: it also breaks a word that is wider
+/// than the label (a path, a name). Lines stand a little apart. Main thread only.
 class WrappedLabel final : public QLabel
 {
     Q_OBJECT

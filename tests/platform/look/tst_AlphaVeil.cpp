@@ -8,7 +8,7 @@
 #include <QSignalSpy>
 #include <QVariantAnimation>
 
-/// An opacity that is made by a veil of the parent's colour, as pages have it.
+/// An opacity that a veil of the parent's colour makes, as on pages.
 class TestAlphaVeil final : public QObject
 {
     Q_OBJECT

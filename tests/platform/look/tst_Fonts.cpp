@@ -9,7 +9,7 @@
 
 namespace {
 
-/// How much ink the letters leave, in whole dots.
+/// How much ink the letters leave, in whole pixels.
 double inkOf(const QFont &font)
 {
     QImage picture(600, 160, QImage::Format_Grayscale8);
@@ -71,7 +71,7 @@ void TestFonts::hasFiveWeightsOfOneFamily_data()
     QTest::addRow("display") << 100;
 }
 
-/// A weight that the painter makes up would have the outline of another.
+/// A weight that the painter imitates would have the outline of another weight.
 void TestFonts::hasFiveWeightsOfOneFamily()
 {
     QFETCH(int, size);
@@ -92,7 +92,7 @@ void TestFonts::hasFiveWeightsOfOneFamily()
 void TestFonts::givesTheSizeInPoints()
 {
     QCOMPARE(QFontInfo(interfaceFont(Typeface::UltraLight, 40)).pixelSize(), 40);
-    // One line is as high in every weight, so a field keeps its place when its weight changes.
+    // A line has the same height in every weight, so a field does not move when its weight changes.
     for (const Typeface face : kFaces)
         QCOMPARE(QFontMetricsF(interfaceFont(face, 40)).height(),
                  QFontMetricsF(interfaceFont(Typeface::UltraLight, 40)).height());

@@ -108,8 +108,8 @@ void TestImages::drawsOnlyWhatTheRendererUnderstands_data()
         QTest::newRow(qPrintable(name)) << name;
 }
 
-/// The renderer passes over filters, masks, clips and styles in silence; text would be set in
-/// whatever font there is.
+/// The renderer ignores filters, masks, clips and styles without a message; it would draw text in
+/// any font that it finds.
 void TestImages::drawsOnlyWhatTheRendererUnderstands()
 {
     QFETCH(QString, name);
@@ -145,7 +145,7 @@ void TestImages::keepsSlicePicturesClearOfTheirNames_data()
         QTest::newRow(name) << QString::fromLatin1(name);
 }
 
-/// A slice's label sets the name five points into the picture's square.
+/// A slice's label puts the name five points into the picture's square.
 void TestImages::keepsSlicePicturesClearOfTheirNames()
 {
     QFETCH(QString, name);
@@ -163,7 +163,7 @@ void TestImages::isSharpAtEveryScale_data()
     QTest::newRow("2") << 2.0 << QSize(400, 400);
 }
 
-/// Drawn in the screen's dots, not stretched: the dots are those of the drawing at that size.
+/// The picture is drawn in the screen's pixels, not stretched: it equals the drawing at that size.
 void TestImages::isSharpAtEveryScale()
 {
     QFETCH(qreal, scale);

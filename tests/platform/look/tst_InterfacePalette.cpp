@@ -16,7 +16,7 @@ double luminance(const QColor &color)
            0.0722 * linear(color.blueF());
 }
 
-/// From 1, the same, to 21, black on white; text is well legible from 4.5 on.
+/// From 1 (the same colour) to 21 (black on white); text is easy to read from 4.5 on.
 double contrast(const QColor &first, const QColor &second)
 {
     const double lighter = std::max(luminance(first), luminance(second));

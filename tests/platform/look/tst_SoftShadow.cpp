@@ -16,7 +16,7 @@ QImage painted(qreal scale = 1)
     return image;
 }
 
-/// How dark it is so many points left of the body's left edge, 0 to 255.
+/// How dark it is at this distance, in points, left of the body's left edge; 0 to 255.
 int darkness(const QImage &image, int distance)
 {
     const qreal scale = image.devicePixelRatio();

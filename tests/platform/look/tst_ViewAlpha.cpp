@@ -23,7 +23,7 @@ public:
     }
 };
 
-/// A black square that holds another; below them lies white.
+/// A black square that holds another one, on a white background.
 struct Scene
 {
     Scene()
@@ -43,7 +43,7 @@ struct Scene
         widget.setPalette(QPalette(color));
     }
 
-    /// Drawn over a colour that nothing has, which shows wherever the ground was left out.
+    /// Draws over a colour that nothing else has; it shows wherever the background was not painted.
     QImage picture()
     {
         QImage image(window.size(), QImage::Format_RGB32);
@@ -59,7 +59,7 @@ struct Scene
     QWidget inner{&outer};
 };
 
-/// White (255) shines through black as far as the opacity lets it.
+/// White (255) shines through black as much as the opacity allows.
 int grayUnder(double opacity)
 {
     return qRound(255 * (1 - opacity));
@@ -101,7 +101,7 @@ private Q_SLOTS:
     void outlivesItsWidget();
 };
 
-/// The stock effect complains of painters when effects are nested.
+/// The stock effect warns about painters when effects are nested.
 void TestViewAlpha::init()
 {
     QTest::failOnWarning(QRegularExpression(QStringLiteral("QPainter")));
@@ -141,7 +141,7 @@ void TestViewAlpha::multipliesWhenNested_data()
     }
 }
 
-/// The inner square is black here and the outer one has no ground of its own.
+/// The inner square is black here, and the outer one has no background of its own.
 void TestViewAlpha::multipliesWhenNested()
 {
     QFETCH(double, outer);
