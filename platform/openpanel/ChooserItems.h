@@ -17,7 +17,7 @@ public:
 
     ChooserItems(Rule shouldEnable, QObject *parent);
 
-    /// Whoever made the rule may be gone from now on.
+    /// Drops the rule: what it refers to may be gone from now on.
     void dropRule() { m_shouldEnable = {}; }
 
     Qt::ItemFlags flags(const QModelIndex &index) const override;

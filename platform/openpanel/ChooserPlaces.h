@@ -4,19 +4,19 @@
 #include <QUrl>
 #include <functional>
 
-/// Where a file chooser is to start: the folder at the raw path `wanted`, or the home folder when
-/// that is empty or no folder. Waits for its disk: not for the main thread.
+/// The folder in which a file chooser starts: the one at the raw path `wanted`, or the home folder
+/// when the path is empty or leads to no folder. Waits for its disk: not for the main thread.
 QString chooserStart(const QByteArray &wanted);
 
-/// The places that it might offer beside its list, the home folder first; whether they are there is
-/// another question. Waits for the home's disk: not for the main thread.
+/// The folders that a chooser might offer beside its list, the home folder first. They need not
+/// exist: see isPlaceThere(). Waits for the home's disk: not for the main thread.
 QList<QUrl> sidePlaces();
 
-/// Whether a place is a folder that is there. Waits for its disk: not for the main thread.
+/// Whether a folder is at this URL. Waits for its disk: not for the main thread.
 bool isPlaceThere(const QUrl &place);
 
-/// What a file chooser asks the disk. Each question is asked on a thread of its own, for which
-/// nobody waits: one place that never answers takes no other away. A value.
+/// The questions that a file chooser asks the disk. Each runs on a thread of its own, and nothing
+/// waits for that thread: a folder that never answers keeps no other folder from the list. A value.
 struct ChooserQuestions
 {
     std::function<QString(const QByteArray &wanted)> start = chooserStart;

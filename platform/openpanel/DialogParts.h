@@ -12,8 +12,8 @@ class QSplitter;
 class QToolButton;
 class QTreeView;
 
-/// What the toolkit calls the parts of its file dialog. No promise of the toolkit's: another
-/// release may call them otherwise. A value.
+/// The names that the toolkit gives to the parts of its file dialog. The toolkit does not promise
+/// them: another release may use other names. A value.
 struct DialogPartNames
 {
     QString list = QStringLiteral("treeView");
@@ -25,8 +25,8 @@ struct DialogPartNames
     QString splitter = QStringLiteral("splitter");
 };
 
-/// The parts of the toolkit's own file dialog, each of which is there; owned by the dialog. Main
-/// thread only.
+/// The parts of the toolkit's own file dialog, with none missing; owned by the dialog. Main thread
+/// only.
 struct DialogParts
 {
     QTreeView *list = nullptr;
@@ -37,14 +37,13 @@ struct DialogParts
     QToolButton *toParent = nullptr;
     QSplitter *splitter = nullptr;
     QGridLayout *grid = nullptr; ///< all of the dialog
-    QHBoxLayout *bar = nullptr;  ///< above the list: the path, and the way back, forth and up
+    QHBoxLayout *bar = nullptr;  ///< above the list: the path, and back, forward and up
 
-    /// Nothing when any of them is missing, which is logged: then the dialog is to be left as it
-    /// is.
+    /// Returns nothing, and logs it, when any part is missing: then the dialog must stay as it is.
     static std::optional<DialogParts> find(const QFileDialog &dialog, const DialogPartNames &names);
 
-    /// Gives the dialog the look of a part of a panel: without menus, without what a panel has no
-    /// use for, and with the way back, forth and up at the left of the path.
+    /// Makes the dialog look like a part of a panel: without menus, without the controls that a
+    /// panel does not need, and with the buttons back, forward and up at the left of the path.
     void arrange(QFileDialog &dialog) const;
 
 private:

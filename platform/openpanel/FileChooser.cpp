@@ -28,8 +28,8 @@ QString typedPath(const QString &typed, const QDir &folder)
     return QDir::cleanPath(folder.absoluteFilePath(typed));
 }
 
-/// The letter may need any key to be held that makes letters, but with one that makes commands it
-/// is none.
+/// The user may hold any key that letters need, such as Shift. With a key that makes commands, the
+/// key is not a letter.
 bool beginsAPath(const QKeyEvent &key)
 {
     constexpr auto kCommands = Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
@@ -40,7 +40,8 @@ bool beginsAPath(const QKeyEvent &key)
 
 } // namespace
 
-/// Told the folder at once, because it would else begin with the program's own, list and watch it.
+/// The dialog gets the folder in its constructor: otherwise it would list and watch the program's
+/// working folder first.
 FileChooser::FileChooser(const OpenPanel &panel, const QString &start, FileIcons &icons,
                          const DialogPartNames &partNames, QWidget *parent)
     : QFileDialog(parent, QString(), start), m_items(new ChooserItems(panel.shouldEnable, this))
@@ -98,8 +99,8 @@ void FileChooser::followParts()
     connect(this, &QFileDialog::directoryEntered, this, &FileChooser::clearChoice);
 }
 
-/// By what the parts are, not by what they are called. The dialog's own buttons go, where there are
-/// any: the panel has some.
+/// Finds the parts by their types, not by their names. Hides the dialog's own buttons, if there are
+/// any, because the panel has its own.
 void FileChooser::followWholeDialog()
 {
     for (QDialogButtonBox *const buttons : findChildren<QDialogButtonBox *>())
@@ -119,7 +120,7 @@ void FileChooser::followReading()
 {
     const auto *const files = qobject_cast<QFileSystemModel *>(m_items->sourceModel());
     if (!files)
-        return; // nobody would tell of the end
+        return; // nothing would tell when it ends
     m_unread.insert(directory().absolutePath());
     connect(this, &QFileDialog::directoryEntered, this, [this](const QString &path) {
         if (const QString folder = QDir::cleanPath(path); !m_read.contains(folder))
@@ -144,7 +145,7 @@ void FileChooser::clearChoice()
 {
     m_isTyped = false;
     if (m_parts) {
-        // Quietly, else the dialog takes the folder's own name for a typed one.
+        // Without signals: otherwise the dialog would take the folder's own name for a typed one.
         const QSignalBlocker quiet(m_parts->name);
         m_parts->name->clear();
         m_parts->name->setPlaceholderText(directory().dirName());
@@ -171,7 +172,7 @@ QString FileChooser::chosenPath() const
         return selectedFiles().value(0, directory().absolutePath());
     if (m_isTyped && !m_parts->name->text().trimmed().isEmpty())
         return typedPath(m_parts->name->text(), directory());
-    // Not by the text of the name: a line of text shows a line break, for one, as a blank.
+    // The text of the name field is no help: it shows a line break, for example, as a blank.
     const QModelIndexList rows = m_parts->list->selectionModel()->selectedRows();
     const QString selected =
         rows.isEmpty() ? QString()
@@ -196,7 +197,7 @@ bool FileChooser::eventFilter(QObject *watched, QEvent *event)
     return QFileDialog::eventFilter(watched, event);
 }
 
-/// Nothing in a list is called so: whoever types it means to write a path.
+/// No name in a list begins like this, so the user wants to type a path.
 bool FileChooser::typeIntoName(QKeyEvent &key)
 {
     m_parts->name->clear();
@@ -228,7 +229,8 @@ bool FileChooser::pressListKey(int key)
     }
 }
 
-/// The list has a current item before anything is selected, and would go on from there.
+/// The list has a current item before anything is selected, and an arrow key would move on from
+/// that item.
 bool FileChooser::selectFirst()
 {
     QTreeView &list = *m_parts->list;

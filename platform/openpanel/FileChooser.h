@@ -10,11 +10,12 @@ class ChooserItems;
 class FileIcons;
 
 /// The toolkit's own file dialog as part of a panel: without buttons of its own, menus, or any
-/// command that changes a file. It only says what is chosen; whether that may be is the panel's to
-/// judge. Main thread only.
+/// command that changes a file. It only tells what is chosen; the panel decides whether that is
+/// allowed. Main thread only.
 ///
-/// To be that it takes the dialog apart. Where the toolkit makes its dialog in another way, so that
-/// a part cannot be found, the dialog is left as it is and chosen from just the same.
+/// For this it rearranges the parts of the dialog. Another release of the toolkit may build its
+/// dialog in another way. When a part cannot be found, the dialog stays as it is, and the user
+/// chooses from it all the same.
 ///
 /// Keys in the list: Enter chooses, Right goes into a folder, Left and Backspace go to its parent,
 /// Ctrl+H shows hidden items.
@@ -23,24 +24,26 @@ class FileChooser final : public QFileDialog
     Q_OBJECT
 
 public:
-    /// Starts in that folder, which is there. The icons are read by a thread of the dialog's: they
-    /// must outlive it.
+    /// Starts in that folder, which must exist. A thread of the dialog reads the icons: they must
+    /// outlive the dialog.
     FileChooser(const OpenPanel &panel, const QString &start, FileIcons &icons,
                 const DialogPartNames &partNames, QWidget *parent);
 
-    /// The absolute path that is chosen right now: what was typed, else the selected item, else the
-    /// folder itself.
+    /// The absolute path that is chosen now: the typed path; without one, the selected item;
+    /// without that, the folder itself.
     QString chosenPath() const;
 
-    /// Beside the list, instead of those before: folders that are there, because their disks are
-    /// asked again on the main thread. The computer stands below them, and alone at first.
+    /// Replaces the folders that stand beside the list. Each must exist and its disk must answer,
+    /// because the dialog asks the disks again on the main thread. The computer stands below them;
+    /// at first it stands alone.
     void offerPlaces(const QList<QUrl> &places);
     void focusList();
 
-    /// Whether a folder is being read, by a thread of the dialog's for which its destructor waits:
-    /// then for as long as the disk does. The end is told by hasRead().
+    /// Whether a thread of the dialog is reading a folder. The dialog's destructor waits for that
+    /// thread, and so for the disk. hasRead() tells when the reading ends.
     bool isReading() const { return !m_unread.isEmpty(); }
-    /// Out of sight, and without anything of its owner's but the icons, until it can be destroyed.
+    /// Hides the chooser until it can be destroyed. From now on it uses nothing of its owner but
+    /// the icons.
     void retire();
 
     /// Shows another folder.
@@ -74,7 +77,7 @@ private:
 
     ChooserItems *m_items;
     QSet<QString> m_unread;             ///< folders that are being read
-    QSet<QString> m_read;               ///< are read once
-    std::optional<DialogParts> m_parts; ///< nothing of a dialog that is left as it is
-    bool m_isTyped = false;             ///< the name was typed, and nothing else selected since
+    QSet<QString> m_read;               ///< folders that were read once
+    std::optional<DialogParts> m_parts; ///< none for a dialog that stays as it is
+    bool m_isTyped = false;             ///< the name was typed, and nothing was selected after that
 };

@@ -8,7 +8,7 @@
 
 void presentOpenPanel(QWidget &host, const OpenPanel &panel, OpenPanelCompletion completion)
 {
-    // The view lives as long as its completion: it goes with it, shown or not.
+    // The completion owns the view: the view ends with it, whether it was shown or not.
     const std::shared_ptr<OpenPanelView> view(new OpenPanelView(panel), DeleteLater());
     presentSheet(host, *view, [view, completion = std::move(completion)](int result) {
         if (result == kSheetAccepted)

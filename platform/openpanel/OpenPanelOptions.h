@@ -12,9 +12,9 @@ struct OpenPanel
     OpenPanelChoice choice = OpenPanelChoice::FilesAndFolders;
     /// Where it starts; the user's home folder when empty or not there.
     QByteArray startFolder;
-    /// Which items may be chosen; all when empty. The others are greyed, and refused when typed.
-    /// Called often on the main thread: no file system in it.
+    /// Tells which items may be chosen; all when empty. The others are greyed, and refused when
+    /// typed. The main thread calls it often: it must not use the file system.
     std::function<bool(const QByteArray &path)> shouldEnable;
     QString prompt;                         ///< one line above the list; none when empty
-    QString title = QStringLiteral("Open"); ///< of the button that chooses
+    QString title = QStringLiteral("Open"); ///< the text of the button that chooses
 };

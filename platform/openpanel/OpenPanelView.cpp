@@ -20,7 +20,7 @@ constexpr int kGap = 14;
 constexpr int kButtonGap = 6;
 constexpr int kPromptSize = 15;
 constexpr int kMessageSize = 13;
-/// A disk that answers sooner needs no excuse.
+/// When the disk answers sooner than this, no text is shown.
 constexpr std::chrono::milliseconds kPauseBeforeWaitingText{500};
 
 /// The toolkit's file dialog reads and writes settings that it shares with all programs, the
@@ -99,8 +99,8 @@ void OpenPanelView::addPrompt(QBoxLayout &column)
             new WrappedLabel(m_panel.prompt, interfaceFont(Typeface::Medium, kPromptSize), this));
 }
 
-/// Stands where the list will, and takes the focus until then: the key that opened the panel would
-/// else cancel it when it is pressed once more.
+/// The text stands where the list will be, and takes the focus until then. Otherwise the key that
+/// opened the panel would cancel it when the user presses the key once more.
 void OpenPanelView::addWaitingText()
 {
     const QString text = QStringLiteral("Looking…");

@@ -14,10 +14,10 @@ class QBoxLayout;
 class QLabel;
 
 /// The panel that lets the user choose a file or folder; ends the sheet that shows it. The list
-/// comes when the disk has said where to start, because the toolkit asks that folder's status, and
-/// that of those above it, on the main thread; until then there is nothing to choose. For the same
-/// reason each place beside the list comes when its own disk has answered, and none is waited for.
-/// Main thread only.
+/// appears when the disk has told in which folder to start, because the toolkit asks for the status
+/// of that folder and of those above it on the main thread. Until then there is nothing to choose.
+/// For the same reason each folder beside the list appears when its own disk has answered; nothing
+/// waits for it. Main thread only.
 class OpenPanelView final : public QWidget
 {
     Q_OBJECT
@@ -51,11 +51,11 @@ private:
     DialogPartNames m_partNames;
     QByteArray m_path;
     QList<QUrl> m_places;      ///< in order
-    QList<QUrl> m_placesThere; ///< as they answered
+    QList<QUrl> m_placesThere; ///< in the order of their answers
     QWidget *m_chooserPlace = nullptr;
-    QLabel *m_waitingText = nullptr; ///< until there is a chooser
+    QLabel *m_waitingText = nullptr; ///< shown until there is a chooser
     std::shared_ptr<FileIcons> m_icons;
-    FileChooser *m_chooser = nullptr; ///< once it is known where to start
+    FileChooser *m_chooser = nullptr; ///< null until it is known where to start
     QLabel *m_message = nullptr;
     PanelButton *m_openButton = nullptr;
     /// A disk that does not answer must hold up neither the panel, nor its end, nor another disk.

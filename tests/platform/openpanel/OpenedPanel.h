@@ -55,14 +55,14 @@ struct OpenedPanel
         QTest::keyClicks(name, text);
     }
 
-    /// Until all that the folder holds is there, and sorted.
+    /// Waits until the list shows all that the folder holds, and is sorted.
     void waitForItems() const
     {
         QTRY_COMPARE(list->model()->rowCount(list->rootIndex()), 3);
         QTRY_COMPARE(item("Movies").row(), 0);
     }
 
-    /// As the window system would: into the window.
+    /// Clicks as the window system does: into the window.
     void click(QWidget &target)
     {
         const QPoint place = target.mapTo(&host.window, target.rect().center());
@@ -90,7 +90,7 @@ struct OpenedPanel
     std::optional<QByteArray> answer;
 };
 
-/// Raw bytes, for whatever follows the home folder's own path.
+/// A path below the home folder, in raw bytes.
 inline QByteArray inHome(const char *relative)
 {
     return QFile::encodeName(QDir::homePath()) + relative;

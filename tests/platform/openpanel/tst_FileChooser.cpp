@@ -14,7 +14,7 @@
 #include <QToolButton>
 #include <QTreeView>
 
-/// The panel of a toolkit whose file dialog is made in another way.
+/// The panel with a toolkit that builds its file dialog in another way.
 class TestFileChooser final : public QObject
 {
     Q_OBJECT
@@ -52,7 +52,7 @@ QString inHome(const char *name)
     return QDir::home().filePath(QLatin1String(name));
 }
 
-/// A panel over a window, whose dialog has one part less, as far as it knows.
+/// A panel over a window; the panel does not find one part of its dialog.
 class LackingPanel final
 {
 public:

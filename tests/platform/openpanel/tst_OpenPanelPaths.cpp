@@ -130,7 +130,8 @@ void TestOpenPanelPaths::refusesTypedPaths()
     QCOMPARE(panel.answer, inHome("/Music"));
 }
 
-/// Its bytes are no text: what is shown or typed in its place would be another name.
+/// The bytes of the name are no valid text: the text that is shown or typed for it would be another
+/// name.
 void TestOpenPanelPaths::refusesANameThatCannotBeWritten()
 {
     const QByteArray odd = inHome("/odd\xff");

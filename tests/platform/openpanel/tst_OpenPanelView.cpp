@@ -17,7 +17,7 @@
 #include <thread>
 #include <unistd.h>
 
-/// The panel of a home whose disk takes its time.
+/// The panel of a home on a slow disk.
 class TestOpenPanelView final : public QObject
 {
     Q_OBJECT
@@ -38,7 +38,7 @@ private Q_SLOTS:
 
 namespace {
 
-/// A folder "dead mount", anywhere, which answers nobody but the main thread when told so.
+/// A folder "dead mount", anywhere; when told so, it answers only the main thread.
 class DeadMount final
 {
 public:
@@ -74,7 +74,7 @@ DeadMount &deadMount()
 
 } // namespace
 
-/// In the place of the C library's, for the toolkit too.
+/// Replaces the C library's function, for the toolkit too.
 extern "C" int statx(int parent, const char *path, int flags, unsigned mask, struct statx *status)
 {
     deadMount().hear(path);
@@ -108,7 +108,7 @@ PanelButton *buttonOf(const OpenPanelView &view, const char *title)
     qFatal("the panel has no button %s", title);
 }
 
-/// Music, Movies and Pictures, of which some may not answer until they are let go on.
+/// Music, Movies and Pictures; some of them may not answer until the test lets them.
 class MadePlaces final
 {
 public:
@@ -243,7 +243,8 @@ void TestOpenPanelView::goesWithoutWaitingForTheDisk()
     QCoreApplication::processEvents();
 }
 
-/// The toolkit's thread hangs in the list's folder, and the toolkit would wait for its thread.
+/// The toolkit's thread hangs while it reads the list's folder, and the toolkit would wait for this
+/// thread.
 void TestOpenPanelView::goesWhileAFolderIsRead()
 {
     QVERIFY(QDir::home().mkpath(QStringLiteral("around/dead mount")));
