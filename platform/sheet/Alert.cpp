@@ -11,7 +11,7 @@ void presentAlert(QWidget &host, const Alert &alert, AlertCompletion completion)
     Alert complete = alert;
     if (complete.buttons.isEmpty())
         complete.buttons = {{QStringLiteral("OK"), AlertButtonRole::Plain}};
-    // The panel lives as long as its completion: it goes with it, shown or not.
+    // The completion owns the panel: the panel ends with it, whether it was shown or not.
     const std::shared_ptr<AlertPanel> panel(new AlertPanel(complete), DeleteLater());
     presentSheet(
         host, *panel,

@@ -21,9 +21,10 @@ using SheetCancel = std::function<void()>;
 /// otherwise, and never more than the host has room for.
 ///
 /// The panel stays its caller's: it is lent to the window while it is up, and given back to its
-/// former parent, hidden. The completion comes from the event loop after endSheet(), when the sheet
-/// is gone and the focus is back where it was, or, of a page that has left meanwhile, with what has
-/// asked for it since; it never comes if the panel or the host dies first.
+/// former parent, hidden. The completion is called from the event loop after endSheet(), when the
+/// sheet is gone and the focus is back where it was. If that page has left in the meantime, the
+/// widget that asked for the focus last has it. The completion is never called if the panel or the
+/// host dies first.
 ///
 /// Escape calls `cancel`, the panel's own rule; without one the sheet ends with kSheetCancelled.
 /// Enter presses the panel's default push button. Meanwhile mouse, Tab, shortcuts and close() do
@@ -33,8 +34,8 @@ using SheetCancel = std::function<void()>;
 bool presentSheet(QWidget &host, QWidget &panel, SheetCompletion completion = {},
                   SheetCancel cancel = {});
 
-/// Ends the sheet that shows this panel, or takes the panel from the queue. Anything else does
-/// nothing.
+/// Ends the sheet that shows this panel, or takes the panel from the queue. For any other panel it
+/// does nothing.
 void endSheet(QWidget &panel, int result = kSheetCancelled);
 
 /// Whether a sheet is up over this window, sliding in and out included.

@@ -44,8 +44,8 @@ bool SheetGuard::mayHaveShortcut(QObject *receiver) const
     return !m_isLocked && placeOfReceiver(receiver) == Place::Inside;
 }
 
-/// A key that means something behind the sheet may mean something else in it, as the space bar on a
-/// button: the sheet gets it as if there were no shortcut.
+/// A key that is a shortcut behind the sheet may mean something else in the sheet, like the space
+/// bar on a button. The sheet gets the key as if there were no shortcut.
 void SheetGuard::giveKeyBack()
 {
     QWidget *const focus = m_host.focusWidget();
@@ -82,8 +82,8 @@ SheetGuard::Place SheetGuard::placeOfReceiver(QObject *receiver) const
     return place;
 }
 
-/// In a window that is not active a widget gets the focus without anybody being told, until the
-/// next one does.
+/// In a window that is not active, a widget gets the focus without any signal. This is noticed only
+/// when the next widget gets it.
 void SheetGuard::noteFocusBehind()
 {
     QWidget *const focus = m_host.focusWidget();

@@ -17,7 +17,8 @@ public:
     /// From now on not even the sheet's own shortcuts work: it is on its way out.
     void lock() { m_isLocked = true; }
 
-    /// What asked for the focus last, and did not get it; null for nothing, and when it is gone.
+    /// The widget that asked for the focus last and did not get it; null if there was none, or when
+    /// it is gone.
     QWidget *refusedFocus() const { return m_refusedFocus; }
 
 protected:
@@ -37,7 +38,7 @@ private:
     QWidget &m_overlay;
     QPointer<QWidget> m_focusInside;
     QPointer<QWidget> m_refusedFocus;
-    std::unique_ptr<QKeyEvent> m_lastKey; ///< which may turn out to be a shortcut
+    std::unique_ptr<QKeyEvent> m_lastKey; ///< it may turn out to be a shortcut
     bool m_isGivingKeyBack = false;
     bool m_isLocked = false;
 };

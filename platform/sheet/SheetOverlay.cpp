@@ -61,7 +61,7 @@ SheetOverlay::SheetOverlay(QWidget &host, QWidget &panel, std::function<void()> 
       m_frame(new SheetFrame(this)),
       m_guard(new SheetGuard(host, *this))
 {
-    setAcceptDrops(true); // and refuses them all, lest they fall through
+    setAcceptDrops(true); // and refuses all drops, or they would fall through
     host.installEventFilter(this);
     adoptPanel();
     layOut();
@@ -119,7 +119,7 @@ void SheetOverlay::dropSlide()
     m_slide = nullptr;
 }
 
-/// Whether there is anything to see of it.
+/// Moves the sheet; false when nothing of the movement could be seen.
 bool SheetOverlay::slide(double from, double to)
 {
     dropSlide();
@@ -142,8 +142,8 @@ void SheetOverlay::endSlide()
         Q_EMIT slidOut();
 }
 
-/// Where it was; where that cannot be, as on a page that has left meanwhile, with what has asked
-/// for it since.
+/// The widget that had the focus before. If it cannot have it, for example on a page that has left
+/// in the meantime, the widget that asked for the focus last.
 QWidget *SheetOverlay::nextFocus() const
 {
     for (QWidget *widget : {m_formerFocus.data(), m_guard->refusedFocus()}) {
@@ -163,7 +163,7 @@ void SheetOverlay::release()
         m_panel->resize(m_wantedSize);
         m_panel->setAttribute(Qt::WA_Resized, m_hadOwnSize);
     }
-    clearFocus(); // else it would go to whatever comes next in the window
+    clearFocus(); // otherwise it would go to the next widget in the window
     hide();
     if (next)
         next->setFocus(Qt::OtherFocusReason);
@@ -244,7 +244,7 @@ void SheetOverlay::paintBackdrop(QPainter &painter, double shown) const
 void SheetOverlay::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
-    // A window with rounded corners is dimmed where it is and not beside.
+    // A window with rounded corners is dimmed inside its corners only.
     if (m_host.testAttribute(Qt::WA_TranslucentBackground))
         painter.setCompositionMode(QPainter::CompositionMode_SourceAtop);
     paintBackdrop(painter, 1);

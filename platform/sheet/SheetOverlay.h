@@ -9,7 +9,7 @@
 #include <functional>
 
 /// One sheet while it is up: covers the host window, dims it, holds the panel and takes all input.
-/// The door to it is Sheet.h. Main thread only.
+/// Others use it through Sheet.h. Main thread only.
 class SheetOverlay final : public QWidget
 {
     Q_OBJECT
@@ -29,8 +29,8 @@ public:
     /// Emits slidOut() at the end; the panel gets no more input.
     void slideOut();
     bool isSlidingOut() const { return m_isSlidingOut; }
-    /// Gives the panel back to its former parent and hides. The focus goes back to where it was or,
-    /// where that cannot be any more, to what behind the sheet has asked for it last.
+    /// Gives the panel back to its former parent and hides. The focus goes back to where it was. If
+    /// that is no longer possible, it goes to the widget behind the sheet that asked for it last.
     void release();
 
     /// Dims the window behind, as much as `shown` of the sheet (0 to 1) is out.
@@ -61,7 +61,7 @@ private:
     QPointer<QWidget> m_panel;
     QPointer<QWidget> m_formerParent;
     QPointer<QWidget> m_formerFocus;
-    QPointer<QWidget> m_wantedFocus; ///< which the panel loses when it is adopted
+    QPointer<QWidget> m_wantedFocus; ///< the panel loses it when the overlay adopts the panel
     bool m_hadOwnSize;
     QSize m_wantedSize;
     std::function<void()> m_cancel;

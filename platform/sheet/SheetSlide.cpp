@@ -42,7 +42,7 @@ SheetSlide::SheetSlide(SlidingSheet sheet, const SheetMovement &movement)
     connect(&m_animation, &QVariantAnimation::valueChanged, this, qOverload<>(&QWidget::update));
     connect(&m_animation, &QVariantAnimation::finished, this, &SheetSlide::finished);
     show();
-    // A panel that came up just now is laid out by the events that wait.
+    // Events that still wait lay out a panel that came up just now.
     QTimer::singleShot(0, this, &SheetSlide::start);
 }
 

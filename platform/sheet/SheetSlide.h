@@ -15,7 +15,7 @@ struct SlidingSheet
     std::function<void(QPainter &, double shown)> paintBackdrop;
 };
 
-/// From one share of a sheet being out to another, 0 to 1.
+/// How far the sheet is out at the start and at the end of the movement, 0 to 1.
 struct SheetMovement
 {
     double from;
@@ -36,7 +36,7 @@ public:
     double shown() const { return m_animation.currentValue().toDouble(); }
 
 Q_SIGNALS:
-    /// The movement is over; whoever hears this deletes the slide.
+    /// The movement is over; the receiver of this signal deletes the slide.
     void finished();
 
 protected:

@@ -76,7 +76,7 @@ QString manyPaths()
     return text;
 }
 
-/// Presents and returns what was pressed; -1 as long as nothing was.
+/// Presents the alert and returns the pressed button; -1 until one is pressed.
 int &presented(SheetHost &host, const Alert &alert)
 {
     static int pressed;
@@ -284,7 +284,7 @@ void TestAlert::readsItselfToAssistiveTools()
              (QStringList{QStringLiteral("Deleting Files"), QStringLiteral("Are you sure?")}));
 }
 
-/// A file may be called anything.
+/// A file may have any name.
 void TestAlert::takesTextsForWhatTheyAre()
 {
     SheetHost host;

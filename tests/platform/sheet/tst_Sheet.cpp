@@ -10,7 +10,7 @@
 #include <QSignalSpy>
 #include <memory>
 
-/// How sheets come, wait and go; what they do with mouse and keyboard stands in tst_SheetInput.
+/// How sheets come, wait and go; tst_SheetInput tests what they do with mouse and keyboard.
 class TestSheet final : public QObject
 {
     Q_OBJECT
@@ -111,7 +111,7 @@ void TestSheet::tellsItsResultWhenItIsGone()
         wasUp = hasSheet(host.window) || sheet.panel.isVisible();
     });
     endSheet(sheet.panel, 7);
-    QVERIFY(results.isEmpty()); // never from inside the call
+    QVERIFY(results.isEmpty()); // never called inside the call
     QTRY_COMPARE(results, QList<int>{7});
     QVERIFY(!wasUp);
 }

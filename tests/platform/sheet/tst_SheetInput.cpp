@@ -39,7 +39,7 @@ private Q_SLOTS:
 
 namespace {
 
-/// As the window system would: into the window, wherever that leads.
+/// Clicks as the window system does: into the window, whichever widget then gets the click.
 void clickAt(QWidget &window, QWidget &target)
 {
     const QPoint place = target.mapTo(&window, target.rect().center());
@@ -100,7 +100,7 @@ void TestSheetInput::keepsInputFromTheWindowItself_data()
     QTest::addRow("key release") << int(QEvent::KeyRelease);
 }
 
-/// What a widget does not take goes on to the one that holds it, up to the window.
+/// An event that a widget does not accept goes on to its parent, up to the window.
 void TestSheetInput::keepsInputFromTheWindowItself()
 {
     QFETCH(int, type);
@@ -213,7 +213,7 @@ void TestSheetInput::takesAKeyThatIsAShortcutBehindIt()
     QVERIFY(previewed.isEmpty());
 }
 
-/// An action may be held by nobody: what counts is who shows it.
+/// An action may have no parent: only the widget that shows it counts.
 void TestSheetInput::leavesTheShortcutsOfItsActions()
 {
     SheetHost host;

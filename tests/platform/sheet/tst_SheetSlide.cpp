@@ -8,7 +8,7 @@
 #include <QSignalSpy>
 #include <QVariantAnimation>
 
-/// How a sheet moves and what is painted meanwhile.
+/// How a sheet moves and what is painted during the movement.
 class TestSheetSlide final : public QObject
 {
     Q_OBJECT
@@ -37,7 +37,7 @@ QColor colorAt(SheetHost &host, QPoint place)
     return host.window.grab().toImage().pixelColor(place);
 }
 
-/// The slide's movement, held at its middle so that no slow machine runs past it.
+/// The slide's movement, paused at its middle, so that even a slow machine cannot miss the middle.
 QVariantAnimation *heldHalfway(const SheetHost &host)
 {
     auto *const movement = slideOf(host)->findChild<QVariantAnimation *>();
