@@ -8,5 +8,5 @@
 struct ActingUser
 {
     std::uint32_t user = 0;
-    bool ownsEverything = false; ///< may act as the owner of any file, as the administrator may
+    bool ownsEverything = false; ///< may act as the owner of any file, like the administrator
 };

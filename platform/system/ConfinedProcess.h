@@ -5,7 +5,7 @@
 #include <chrono>
 #include <stop_token>
 
-/// What a program may use; each of its own processes.
+/// What each process of a program may use.
 struct ProcessLimits
 {
     quint64 memory = 4ULL << 30;    ///< address space, in bytes
@@ -25,9 +25,9 @@ struct ConfinedProcess
     ProcessLimits limits = {};
 };
 
-/// Runs a program that nobody vouches for, with no input or output but what it is given, and with
-/// limits on memory, processor time and what it writes. True when it ended by itself, and well.
-/// Once it takes too long or the token says stop, it is killed. What it has started ends with it,
-/// unless that has left its process group on purpose: the limits hold for that too, but it is not
-/// waited for. Any thread but the main one; blocks.
+/// Runs a program that is not trusted. The program gets only the given input and output, and limits
+/// on memory, processor time and what it writes. True when it ended by itself and successfully.
+/// Once it takes too long or the token says stop, it is killed. The processes that it has started
+/// end with it. One that left its process group on purpose does not: the limits hold for it too,
+/// but nothing waits for it. Any thread but the main one; blocks.
 bool runConfined(const ConfinedProcess &process, const std::stop_token &stop);

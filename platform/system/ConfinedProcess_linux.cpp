@@ -44,8 +44,8 @@ void setUp(QProcess &process, const ConfinedProcess &wanted)
     process.setStandardErrorFile(QProcess::nullDevice());
 }
 
-/// A program from its start until it is reaped: for as long its number is nobody else's, so that it
-/// and its group may be signalled.
+/// A program from its start until it is reaped. Until then no other process gets its number, so it
+/// is safe to signal the program and its group.
 class UnreapedProgram final
 {
 public:
@@ -76,7 +76,7 @@ public:
 
 private:
     const pid_t m_number;
-    const FileDescriptor m_descriptor; ///< none on a system too old
+    const FileDescriptor m_descriptor; ///< none on a system that is too old
 };
 
 } // namespace
@@ -97,7 +97,7 @@ bool runConfined(const ConfinedProcess &wanted, const std::stop_token &stop)
         program.killGroup();
         isKilled = true;
     }
-    program.killGroup(); // what it has left behind, before its number may be another's
+    program.killGroup(); // what it left behind, before another process can get its number
     process.waitForFinished(-1);
     return !isKilled && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
 }

@@ -2,7 +2,7 @@
 
 #include "platform/system/Descent.h"
 
-/// Who may be entered on the way down.
+/// Which folders may be entered on the way down.
 enum class Descent {
     /// Folders only, beneath the start, no link in any component, no other file system, no mount.
     Strict,

@@ -13,14 +13,14 @@ struct DirectoryRecord
     FileKind kind = FileKind::Unknown; ///< Unknown where the file system does not say
 };
 
-/// Walks the records that SystemCalls::readEntries put into a buffer, "." and ".." left out.
-/// A view: the buffer must outlive it.
+/// Walks the directory entries that SystemCalls::readEntries put into a buffer; leaves out "." and
+/// "..". A view: the buffer must outlive it.
 class DirectoryEntries final
 {
 public:
     explicit DirectoryEntries(std::span<const char> filled) : m_rest(filled) {}
 
-    /// The next record into `record`; false at the end.
+    /// Puts the next entry into `record`; false at the end.
     bool next(DirectoryRecord &record);
 
 private:

@@ -2,7 +2,8 @@
 
 #include <utility>
 
-/// Owns one open file descriptor and closes it. Moves, never copies. Any thread, one at a time.
+/// Owns one open file descriptor and closes it. It can be moved, never copied. Any thread, one at a
+/// time.
 class FileDescriptor final
 {
 public:

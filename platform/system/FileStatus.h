@@ -5,8 +5,8 @@
 
 enum class FileKind : std::uint8_t { Unknown, Regular, Folder, Link, Other };
 
-/// Which file something is, whatever its names, for as long as it is there: once it is gone, the
-/// number is soon another's. See FileIdentity.
+/// Identifies a file, whatever its names, as long as it exists. Once it is gone, another file soon
+/// gets its number. See FileIdentity.
 struct InodeId
 {
     std::uint64_t device = 0; ///< valid within one boot
@@ -31,8 +31,8 @@ struct FileStatus
     InodeId inodeId() const { return {device, inode}; }
 };
 
-/// What tells one folder or file from every other, also from one put in its place under its name:
-/// an inode number alone is reused at once.
+/// Distinguishes a folder or file from every other, also from a later one of the same name. An
+/// inode number alone is not enough: the file system uses it again at once.
 struct FileIdentity
 {
     QByteArray handle; ///< the file system's own handle, with its type; empty where it gives none

@@ -4,6 +4,6 @@
 
 class SystemCalls;
 
-/// The calls of the system that Vantor runs on; lives as long as the process. Whoever only hands
-/// them on need not know what they are.
+/// The calls of the system that Vantor runs on; the object lives as long as the process. Code that
+/// only hands them on needs this header alone, not SystemCalls.h.
 const SystemCalls &hostSystemCalls();

@@ -33,7 +33,7 @@ QByteArray nameOf(const fs::path &process)
     return QByteArray::fromStdString(name);
 }
 
-/// Empty where it cannot be read, as that of another user.
+/// Empty where it cannot be read, for example for another user's process.
 QByteArray fileNameOf(const fs::path &process)
 {
     constexpr QByteArrayView kGone(" (deleted)");

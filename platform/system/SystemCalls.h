@@ -10,10 +10,10 @@
 #include <cstdint>
 #include <span>
 
-/// Every system call by which the engines and the settings writer touch the file system, or look
-/// at who else does, behind one interface, so that tests can fail, watch or interleave each of
-/// them. Stateless; any thread.
-/// Names are single components unless said otherwise, without NUL.
+/// Every system call with which the engines and the settings writer use the file system, or find
+/// out which other processes use it. One interface covers them all, so that tests can fail, watch
+/// or interleave each of them. Stateless; any thread. Names are single components unless said
+/// otherwise, without NUL.
 class SystemCalls
 {
 public:
@@ -22,15 +22,15 @@ public:
     /// Opens a folder for reading by its path relative to another open folder ("." reopens it).
     virtual SystemResult<FileDescriptor> openFolder(int parent, const char *relativePath,
                                                     Descent descent) const = 0;
-    /// Opens the folder that holds this one at present, on the same mount. It may be another than
-    /// the one from which the folder was reached: compare before use.
+    /// Opens the folder that holds this one at present, on the same mount. It may not be the folder
+    /// from which this one was reached: compare before use.
     virtual SystemResult<FileDescriptor> openParent(int folder) const = 0;
     /// Opens a folder by its absolute path. No component may be a link.
     virtual SystemResult<FileDescriptor> openRoot(const char *path) const = 0;
     /// The absolute path without any link, "." or "..", of something that is there. Only for what a
     /// user named.
     virtual SystemResult<QByteArray> realPath(const char *path) const = 0;
-    /// Fills the buffer with directory records (see DirectoryEntries); 0 at the end.
+    /// Fills the buffer with raw directory entries (see DirectoryEntries); 0 at the end.
     virtual SystemResult<std::size_t> readEntries(int folder, std::span<char> buffer) const = 0;
 
     /// The entry itself, never what a link leads to.
@@ -39,13 +39,13 @@ public:
     /// What an entry is, or what it leads to if it is a link. Only for what a user named.
     virtual SystemResult<FileKind> kindBehind(int parent, const char *name) const = 0;
     virtual SystemResult<FileIdentity> identityOf(int descriptor) const = 0;
-    /// The identity of an entry, whatever its kind; a link's own.
+    /// The identity of an entry of any kind; for a link, the link's own.
     virtual SystemResult<FileIdentity> identity(int parent, const char *name) const = 0;
     /// Whether this process may add and remove entries of the folder (write and search rights).
     virtual bool mayChangeEntries(int folder) const = 0;
-    /// Whether the folder lives in memory alone, where no disk is waited for.
+    /// Whether the folder lives in memory alone, so that no call waits for a disk.
     virtual bool isInMemory(int folder) const = 0;
-    /// Whose rights decide in a folder with the sticky bit.
+    /// The user whose rights decide in a folder with the sticky bit.
     virtual ActingUser actingUser() const = 0;
 
     virtual SystemResult<void> removeFile(int parent, const char *name) const = 0;
@@ -57,10 +57,11 @@ public:
     virtual SystemResult<QByteArray> readLink(int parent, const char *name) const = 0;
     /// Whether another process holds a file lock on any part of an open file.
     virtual SystemResult<bool> isLocked(int file) const = 0;
-    /// Whether there is a process of this number, whoever's it is.
+    /// Whether there is a process of this number, of any user.
     virtual bool isRunning(std::int64_t process) const = 0;
-    /// The names of the programs that the acting user runs: as the process list shows them, their
-    /// first fifteen bytes, and those of the files that hold them. Looks at every process.
+    /// The names of the programs that the acting user runs. For each there are two: the one in the
+    /// process list, cut to fifteen bytes, and the name of the file that holds the program. Looks
+    /// at every process.
     virtual SystemResult<QByteArrayList> programNames() const = 0;
     /// The name of this machine.
     virtual QByteArray hostName() const = 0;

@@ -132,7 +132,7 @@ FileKind kindFrom(const struct statx &found)
 
 constexpr unsigned kStatusMask = STATX_TYPE | STATX_MODE | STATX_UID | STATX_SIZE | STATX_INO;
 
-/// Some file systems give no handles; their entries are told apart by inode and birth time alone.
+/// Some file systems give no handles; there only inode and birth time distinguish entries.
 QByteArray handleAt(int parent, const char *name, int flags)
 {
     alignas(file_handle) std::array<char, sizeof(file_handle) + MAX_HANDLE_SZ> space{};

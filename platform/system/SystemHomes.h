@@ -1,5 +1,5 @@
 #pragma once
 
-/// Whether every home of this system has a folder "Library" and is laid out accordingly, also one
-/// that lacks the folder.
+/// Whether homes of this system have the layout with a folder "Library". This then holds for every
+/// home, even if it lacks the folder.
 bool homesHaveALibrary();

@@ -17,7 +17,7 @@ constexpr std::chrono::milliseconds kLong = 60s;
 
 } // namespace
 
-/// Programs that nobody vouches for: lines of the shell here. $F is the folder of the test.
+/// Programs that are not trusted: here they are lines of the shell. $F is the folder of the test.
 class ConfinedProcessTest final : public QObject
 {
     Q_OBJECT
@@ -44,7 +44,7 @@ private:
         return process;
     }
 
-    /// The process whose number a program has left behind is gone, or is about to be.
+    /// Whether the process whose number a program left in the file is gone or is just ending.
     bool hasEnded(const QByteArray &numberFile) const
     {
         const pid_t number = read(numberFile).trimmed().toInt();
@@ -100,7 +100,7 @@ private Q_SLOTS:
 
     void memoryIsLimited()
     {
-        // dd holds one block of so many bytes.
+        // dd keeps one block of this many bytes in memory.
         ConfinedProcess process =
             shell("dd if=/dev/zero of=/dev/null bs=200M count=1 && : >\"$F/done\"");
         QVERIFY(runConfined(process, {}));

@@ -71,7 +71,7 @@ public:
         posix_spawn_file_actions_t actions;
         must(::posix_spawn_file_actions_init(&actions) == 0, "what to do with its input");
         must(::posix_spawn_file_actions_adddup2(&actions, m_input[0], STDIN_FILENO) == 0, "input");
-        // By this name it knows what to do where one file holds many programs.
+        // Where one file holds many programs, it tells by this name which one to be.
         std::array<char, 4> name{"cat"};
         std::array<char *, 2> words{name.data(), nullptr};
         must(::posix_spawn(&m_process, path.constData(), &actions, nullptr, words.data(),
@@ -115,7 +115,7 @@ void takeLock(const char *path)
 
 } // namespace
 
-/// Who else is there: processes, and the locks that they hold.
+/// Other processes, and the locks that they hold.
 class TestProcessList final : public QObject
 {
     Q_OBJECT
@@ -155,7 +155,7 @@ void TestProcessList::knowsWhichProgramsRun()
     QVERIFY(!isRunning(name));
 }
 
-/// It may call itself anything, and the process list cuts its name.
+/// A program may give itself any name, and the process list cuts the name.
 void TestProcessList::knowsAProgramByItsFileToo()
 {
     const ScratchFolder place;
