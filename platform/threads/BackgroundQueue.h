@@ -7,28 +7,28 @@
 #include <type_traits>
 #include <utility>
 
-/// What becomes of the tasks that are under way when the owner of their queue ends. They are told
-/// to stop either way, and those that wait are forgotten.
+/// What happens to the tasks under way when the owner of their queue ends. In both cases they are
+/// told to stop, and tasks that wait are forgotten.
 enum class OwnersEnd {
-    /// The destructor waits for them: they may use what their owner has, and change files. The
-    /// queue is its owner's last member, so that they end before what they use.
+    /// The destructor waits for them: they may use their owner's members, and change files. The
+    /// queue is its owner's last member, so that the tasks end before the members that they use.
     Wait,
-    /// Nobody waits for them, so that a disk that never answers holds up no end of the program.
+    /// Nothing waits for them, so a disk that never answers does not keep the program from ending.
     /// They may outlive their owner: they use nothing but their own values and what lives as long
     /// as the program; only their replies use the owner. They change none of the user's files.
     Abandon
 };
 
-/// What becomes of the tasks before a newer one.
+/// What happens to older tasks when a newer one comes.
 enum class Queueing {
     /// Only the latest counts: those that wait are forgotten, those that are under way are told to
     /// stop, and none of them is replied to any more.
     LatestOnly,
-    /// All are done, in the order of their coming.
+    /// All are done, in the order in which they were added.
     All
 };
 
-/// What a task has for its owner. Runs on the thread of the owner; may be empty.
+/// The result of a task, as a function that runs on the owner's thread; may be empty.
 using BackgroundReply = TaskRunner::Reply;
 
 /// Runs on a background thread, and should end soon after its token says so. Returns a reply, or
@@ -54,19 +54,19 @@ private:
     TaskRunner::Task m_run;
 };
 
-/// For a queue that lets no task wait for another: one that hangs holds up no later one.
+/// For a queue in which no task waits for another: a task that hangs does not hold up a later one.
 inline constexpr unsigned kThreadForEachTask = std::numeric_limits<unsigned>::max();
 
-/// Does work beside its owner's thread. Replies come from that thread's event loop, in the order in
-/// which the tasks end; none comes after stop() or the end of the queue, and what it holds on to
-/// still ends on the owner's thread or on the main one. A member of its owner; used on its owner's
-/// thread alone.
+/// Does work beside its owner's thread. That thread's event loop runs the replies, in the order in
+/// which the tasks end. No reply runs after stop() or the end of the queue; what such a reply holds
+/// is still destroyed on the owner's thread or on the main one. A member of its owner; used on its
+/// owner's thread alone.
 template <OwnersEnd kOwnersEnd, Queueing kQueueing> class BackgroundQueue final
 {
 public:
     using Task = BackgroundTask<kOwnersEnd>;
 
-    /// Runs no more than so many tasks at a time.
+    /// Runs at most this many tasks at a time.
     explicit BackgroundQueue(unsigned threads = 1) : m_runner(threads) {}
     ~BackgroundQueue()
     {

@@ -15,7 +15,7 @@ struct BackgroundThread
     std::thread thread;
 };
 
-/// All of them. Shared with each, for one may outlast everything else.
+/// All background threads. Each thread shares it, because a thread may outlast everything else.
 struct BackgroundThreads
 {
     ~BackgroundThreads()
@@ -24,7 +24,7 @@ struct BackgroundThreads
             one.thread.detach();
     }
 
-    /// One cannot join itself: those that have ended wait for the next who comes by.
+    /// A thread cannot join itself: those that have ended wait until another thread joins them.
     void joinEnded()
     {
         threads.remove_if([](BackgroundThread &one) {
@@ -55,7 +55,7 @@ void startBackgroundThread(std::function<void()> work)
     BackgroundThread &added = all->threads.emplace_back();
     added.thread = std::thread([all, &added, work = std::move(work)]() mutable {
         work();
-        work = nullptr; // what it held on to goes before its end is told
+        work = nullptr; // destroys what it held, before its end is told
         {
             const std::scoped_lock ending(all->mutex);
             added.hasEnded = true;

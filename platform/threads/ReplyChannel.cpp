@@ -46,7 +46,7 @@ void ReplyChannel::Sender::post(Message message) const
 
 ReplyChannel::~ReplyChannel()
 {
-    std::deque<Message> dropped; // unlocked: what they hold may do anything when it goes
+    std::deque<Message> dropped; // destroyed unlocked: a destructor may do anything
     const std::scoped_lock lock(m_sender.m_state->mutex);
     m_sender.m_state->channel = nullptr;
     m_sender.m_state->messages.swap(dropped);
@@ -66,6 +66,6 @@ bool ReplyChannel::event(QEvent *event)
     }
     if (!message)
         return QObject::event(event);
-    message(); // which may be the end of the channel
+    message(); // may destroy the channel
     return true;
 }

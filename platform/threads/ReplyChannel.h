@@ -20,8 +20,8 @@ public:
         explicit Sender(ReplyChannel &channel);
 
         /// Runs the message on the channel's thread, later, in the order of the posts. Once the
-        /// channel is gone the message is dropped; what it holds on to then ends on the main
-        /// thread, because the last reference to an object of that thread may be among it.
+        /// channel is gone the message is dropped. What the message holds is then destroyed on the
+        /// main thread, because it may hold the last reference to an object of that thread.
         void post(Message message) const;
 
     private:

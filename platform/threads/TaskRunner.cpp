@@ -44,7 +44,7 @@ void TaskRunner::Shared::serve()
 {
     while (std::optional<Entry> entry = next()) {
         Reply reply = entry->task(entry->stop);
-        // What only the task held on to ends here, and all that the reply holds on to does not.
+        // Destroys here what only the task holds; what the reply holds stays.
         entry->task = nullptr;
         entry->reply(std::move(reply));
     }
@@ -67,7 +67,7 @@ void TaskRunner::add(Task task)
         sender.post([this, stop, made = std::move(made)] {
             --m_unfinished;
             if (!stop.stop_requested() && made)
-                made(); // which may be the end of this
+                made(); // may destroy this
         });
     };
     ++m_unfinished;
@@ -83,7 +83,7 @@ void TaskRunner::stop()
 {
     m_stop.request_stop();
     m_stop = std::stop_source();
-    std::deque<Shared::Entry> forgotten; // ends unlocked: what it holds on to may do anything then
+    std::deque<Shared::Entry> forgotten; // destroyed unlocked: a destructor may do anything
     {
         const std::scoped_lock lock(m_shared->mutex);
         m_shared->waiting.swap(forgotten);

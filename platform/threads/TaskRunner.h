@@ -6,18 +6,19 @@
 #include <memory>
 #include <stop_token>
 
-/// What a BackgroundQueue is made of, whatever its type: runs tasks on background threads, in the
-/// order of their coming, and their replies on its own thread. There are threads only while there
-/// is something to do. A member of its queue; used on that queue's thread alone.
+/// The part of a BackgroundQueue that does not depend on the queue's type. Runs tasks on background
+/// threads, in the order in which they were added, and their replies on its own thread. There are
+/// threads only while there is something to do. A member of its queue; used on that queue's thread
+/// alone.
 class TaskRunner final
 {
 public:
     using Reply = ReplyChannel::Message;
     using Task = std::function<Reply(const std::stop_token &)>;
 
-    /// Runs no more than so many tasks at a time.
+    /// Runs at most this many tasks at a time.
     explicit TaskRunner(unsigned threads);
-    /// Waits for nothing. No reply comes any more.
+    /// Does not wait. No reply runs any more.
     ~TaskRunner();
     TaskRunner(const TaskRunner &) = delete;
     TaskRunner &operator=(const TaskRunner &) = delete;
@@ -29,7 +30,7 @@ public:
     /// Waits until no task is under way and none waits.
     void waitUntilIdle();
 
-    /// How many tasks have neither been forgotten nor been heard of.
+    /// How many tasks are neither forgotten nor finished with their reply.
     qsizetype unfinishedCount() const { return m_unfinished; }
 
 private:

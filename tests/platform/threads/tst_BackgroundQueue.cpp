@@ -15,7 +15,7 @@ template <Queueing kQueueing> using WaitingQueue = BackgroundQueue<OwnersEnd::Wa
 template <Queueing kQueueing>
 using AbandoningQueue = BackgroundQueue<OwnersEnd::Abandon, kQueueing>;
 
-// What may use less is no proof that it may use more: neither kind is taken for the other.
+// A task of one kind cannot be used as a task of the other, because each may use other things.
 static_assert(
     !std::is_convertible_v<BackgroundTask<OwnersEnd::Wait>, BackgroundTask<OwnersEnd::Abandon>>);
 static_assert(
@@ -61,7 +61,7 @@ private Q_SLOTS:
         QVERIFY(worked.load() != std::this_thread::get_id());
     }
 
-    // Latest only: a newer one takes the place of those before it.
+    // Latest only: a newer task replaces those before it.
 
     void aNewerOneStopsTheOneUnderWay()
     {
@@ -135,7 +135,7 @@ private Q_SLOTS:
         queue.run([&](const std::stop_token &) { return [&] { newReplied = true; }; });
         QTRY_VERIFY(newReplied);
         gate.count_down();
-        QTRY_COMPARE(queue.unfinishedCount(), 0); // its end is told with its reply
+        QTRY_COMPARE(queue.unfinishedCount(), 0); // it counts until its reply arrives
         QVERIFY(!oldReplied);
     }
 
@@ -182,7 +182,7 @@ private Q_SLOTS:
         QCOMPARE(most.load(), 1);
     }
 
-    // Replies that nobody waits for any more.
+    // Replies that are no longer wanted.
 
     void aReplyOnItsWayIsDroppedForANewerTask()
     {
@@ -249,7 +249,7 @@ private Q_SLOTS:
             AbandoningQueue<Queueing::All> queue;
             queue.run([&](const std::stop_token &stop) {
                 begun.count_down();
-                gate.wait(); // as a call does to a disk that is dead
+                gate.wait(); // like a call to a dead disk
                 wasStopped = stop.stop_requested();
                 isOver = true;
                 return [&] { isReplied = true; };

@@ -43,7 +43,7 @@ private Q_SLOTS:
 
     void runsAsManyAtOnceAsItHasThreads()
     {
-        // Neither passes before the other has come.
+        // Neither task goes on before the other has arrived.
         std::barrier meeting(2);
         std::latch done(2);
         TaskRunner runner(2);
@@ -142,7 +142,7 @@ private Q_SLOTS:
         QVERIFY(!hasRun);
     }
 
-    /// The last reference to an object of the main thread may be among it.
+    /// The reply may hold the last reference to an object of the main thread.
     void whatADroppedReplyHoldsEndsOnTheMainThread()
     {
         std::atomic<std::thread::id> endedOn;
