@@ -39,8 +39,8 @@ std::optional<WalkShare> WalkPool::take()
     return share;
 }
 
-/// For each thread without work one piece, and one more for each helper, so that it need not wait
-/// for the next until somebody looks up from a long listing.
+/// Wants one piece for each thread without work, and one more for each helper. So a helper need not
+/// wait for its next piece until another thread has finished a long listing.
 void WalkPool::updateWanted()
 {
     const unsigned hands = m_idle + (m_threads - m_started);
@@ -55,6 +55,7 @@ void WalkPool::startHelper()
         m_helpers.emplace_back(m_runHelper, m_started);
         ++m_started;
     } catch (const std::system_error &) {
-        // No more threads are to be had: the giver will find its work again when it has no other.
+        // The system gives no more threads. The thread that gave the work takes it back when it has
+        // no other.
     }
 }

@@ -10,13 +10,14 @@
 #include <stop_token>
 #include <thread>
 
-/// Where the threads of one walk meet: who has too much hands work over, who has none waits for
-/// some. The first thread is the caller's; the others are started when there is work for them, so
-/// that a small folder costs no thread. Any of them may call any function.
+/// Shares work among the threads of one walk: a thread that has too much hands work over, a thread
+/// that has none waits for some. The first thread is the caller's. The others are started when
+/// there is work for them, so that a small folder needs no thread. Each of these threads may call
+/// any function.
 class WalkPool final
 {
 public:
-    /// `runHelper` is called on each further thread, with its number from 1 on; it is to take work
+    /// `runHelper` is called on each further thread, with its number from 1 on; it must take work
     /// until there is none.
     WalkPool(unsigned threads, std::stop_token stop, std::function<void(unsigned)> runHelper);
     /// Waits for the helpers.

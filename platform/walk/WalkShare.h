@@ -15,14 +15,15 @@ public:
     std::size_t count() const { return m_count; }
 
     void add(std::string_view name);
-    /// The name added last, which leaves the list. Valid until the next call that changes it.
+    /// Removes the name that was added last and returns it. Valid until the next call that changes
+    /// the list.
     const char *takeLast();
-    /// Cuts off the first half, rounded up.
+    /// Removes the first half, rounded up, and returns it.
     FolderNames takeFirstHalf();
     void clear();
 
 private:
-    std::vector<char> m_bytes; ///< each name with its NUL; may hold the one taken last at the end
+    std::vector<char> m_bytes; ///< each name with its NUL; may end with the name taken last
     std::size_t m_used = 0;
     std::size_t m_count = 0;
 };
@@ -31,13 +32,13 @@ private:
 struct WalkLevel
 {
     WalkedFolderRef folder;
-    std::shared_ptr<const FileDescriptor> descriptor; ///< null while closed to stay in bounds
+    std::shared_ptr<const FileDescriptor> descriptor; ///< null while it is closed to keep the bound
     EntryDetail detail = EntryDetail::Status;
     FolderNames waiting;
 };
 
-/// Work that one thread hands to another: subfolders of an open folder, or entries read from it
-/// that nobody has looked at yet.
+/// Work that one thread hands to another: subfolders of an open folder, or raw entries of it that
+/// no thread has looked at yet.
 struct WalkShare
 {
     WalkLevel level;

@@ -8,12 +8,12 @@
 namespace {
 
 constexpr std::size_t kBufferBytes = 32'768;
-// A buffer filled further than this was filled as far as another record of any length allows: the
-// folder most likely goes on.
+// When a buffer is filled further than this, a long directory entry no longer fits: the folder most
+// likely has more.
 constexpr std::size_t kFullBufferBytes = kBufferBytes - 512;
 
-/// What is gone, or has become something else under our eyes, is no failure; neither is what lies
-/// on another mount.
+/// An entry that is gone or became something else in the meantime is no failure; neither is one on
+/// another mount.
 bool isTolerated(int error)
 {
     return error == ENOENT || error == ENOTDIR || error == ELOOP || error == EXDEV;
@@ -91,7 +91,8 @@ void WalkWorker::enterNextSubfolder()
     const auto status = m_calls.statusOf(opened->get());
     if (!status)
         return failed(name, status.error());
-    // A subvolume is a file system of its own that no mount point gives away.
+    // A sub-volume is a file system of its own, but it has no mount point by which it could be
+    // noticed.
     if (status->device != top().folder->status().device)
         return;
 
@@ -100,7 +101,7 @@ void WalkWorker::enterNextSubfolder()
     level.descriptor = std::make_shared<const FileDescriptor>(std::move(*opened));
     level.detail = m_visitor.entered(*level.folder, level.descriptor->get());
     if (top().waiting.isEmpty())
-        m_levels.pop_back(); // nobody has to come back to it
+        m_levels.pop_back(); // no thread has to come back to it
     push(std::move(level));
     listTop();
 }
@@ -185,7 +186,8 @@ void WalkWorker::addSubfolder(const char *name)
     ++m_waiting;
 }
 
-/// Goes back to the nearest folder in which something waits. There is one, and it is the next.
+/// Goes back to the nearest folder in which something waits. There is one: the next level of the
+/// stack.
 void WalkWorker::leaveTop()
 {
     const WalkLevel left = std::move(top());
@@ -199,8 +201,8 @@ void WalkWorker::leaveTop()
     m_firstOpen = m_levels.size() - 1;
 }
 
-/// Opens a folder somewhere above an open one. One on the way may have been moved meanwhile: where
-/// the way ends up need not be where it began.
+/// Opens a folder somewhere above an open one. A folder on the way may have been moved in the
+/// meantime, so the way up may end in another folder than the one wanted.
 SystemResult<FileDescriptor> WalkWorker::climb(const WalkLevel &from, const WalkedFolder &to)
 {
     FileDescriptor held;
@@ -220,7 +222,7 @@ SystemResult<FileDescriptor> WalkWorker::climb(const WalkLevel &from, const Walk
     return held;
 }
 
-/// The way back up is lost, and with it all that waits: every level is closed by now.
+/// The way back up is lost, and with it everything that waits, because every level is closed now.
 void WalkWorker::giveUpWaiting(int error)
 {
     for (const WalkLevel &level : m_levels) {
@@ -237,7 +239,7 @@ void WalkWorker::shareRecords(std::span<const char> records)
                  std::vector<char>(records.begin(), records.end())});
 }
 
-/// Gives from the uppermost open level: what hangs there is most likely the largest part.
+/// Gives from the uppermost open level, because the largest part of the work is most likely there.
 void WalkWorker::shareSubfolders()
 {
     const auto isWaiting = [](const WalkLevel &level) { return !level.waiting.isEmpty(); };

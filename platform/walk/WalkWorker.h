@@ -10,19 +10,19 @@
 
 class SystemCalls;
 
-/// One thread of a walk. Goes down folder by folder with a stack of its own on the heap, on which
-/// lie the folder at hand and those above it in which others still wait to be entered; it hands
-/// work to the pool while other threads are idle. The lowest levels stay open; past its bound the
-/// upper ones are closed, and opened again from below when it comes back to them.
+/// One thread of a walk. Goes down folder by folder with its own stack on the heap. On the stack
+/// are the current folder and the folders above it that still have subfolders to enter. It hands
+/// work to the pool while other threads are idle. The lowest levels stay open. Beyond its bound it
+/// closes the upper ones, and opens them again from below when it comes back to them.
 class WalkWorker final
 {
 public:
     WalkWorker(const SystemCalls &calls, const WalkOptions &options, WalkPool &pool,
                DirectoryVisitor &visitor, std::size_t openLevels);
 
-    /// Enters the folder where the walk begins, and walks all that this thread does not give away.
+    /// Enters the folder where the walk starts, and walks all that this thread does not give away.
     void begin(FileDescriptor start);
-    /// Walks what the pool has to give until there is nothing left.
+    /// Takes work from the pool and walks it until there is none left.
     void takeWork();
 
 private:
@@ -57,6 +57,6 @@ private:
 
     std::vector<char> m_buffer;
     std::vector<WalkLevel> m_levels;
-    std::size_t m_firstOpen = 0; ///< the levels above it are closed, this and those below are open
+    std::size_t m_firstOpen = 0; ///< levels above it are closed; it and those below are open
     std::size_t m_waiting = 0;   ///< subfolders that wait, on all levels
 };

@@ -11,7 +11,7 @@
 class WalkedFolderRef;
 
 /// A folder that a walk entered: its name and the chain of folders above it up to where the walk
-/// started, so that the path of anything found can be told when somebody asks. Never changes once
+/// started, so that the path of anything found can be made when it is asked for. Never changes once
 /// made; the chain lives as long as a WalkedFolderRef holds its lower end. Any thread.
 class WalkedFolder final
 {
@@ -20,7 +20,7 @@ public:
     const WalkedFolder *parent() const { return m_parent; }
     /// The raw bytes of the name; empty for the folder where the walk started.
     std::string_view name() const { return m_name; }
-    /// As the folder was found when it was entered.
+    /// The folder's status at the time when it was entered.
     const FileStatus &status() const { return m_status; }
 
     /// The path of an entry of this folder relative to where the walk started; of the folder itself

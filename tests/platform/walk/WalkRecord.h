@@ -9,7 +9,7 @@
 #include <deque>
 #include <functional>
 
-/// What a walk came across, by paths relative to its start, sorted.
+/// What a walk found, by paths relative to its start, sorted.
 struct WalkRecord
 {
     QByteArrayList found;
@@ -23,7 +23,7 @@ inline QByteArrayList sorted(QByteArrayList list)
     return list;
 }
 
-/// Writes down what it is told. Tests set what it shall answer and do.
+/// Records its calls. Tests set what it answers and does.
 class RecordingVisitor final : public DirectoryVisitor
 {
 public:
@@ -53,7 +53,7 @@ public:
     }
 };
 
-/// A walk over a made tree, to be set up and then run.
+/// A walk over a made tree: a test sets it up and then runs it.
 class RecordedWalk final
 {
 public:

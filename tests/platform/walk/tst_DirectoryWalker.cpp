@@ -10,7 +10,7 @@
 
 namespace {
 
-/// A file system that keeps no types in its folders.
+/// A file system that stores no types in its directory entries.
 class TypelessCalls final : public ForwardingSystemCalls
 {
 public:

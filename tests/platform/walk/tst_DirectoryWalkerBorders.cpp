@@ -8,7 +8,8 @@
 
 namespace {
 
-/// A file system on which one folder is a subvolume: a device of its own, but no mount point.
+/// A file system on which one folder is a sub-volume: it has its own device number, but is no mount
+/// point.
 class SubvolumeCalls final : public ForwardingSystemCalls
 {
 public:

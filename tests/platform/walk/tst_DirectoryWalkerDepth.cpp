@@ -10,7 +10,7 @@ namespace {
 constexpr int kLevels = 3000;
 constexpr int kFewerLevels = 300;
 
-/// Lets the process open few files only, for as long as this lives.
+/// Lets the process open only a few files, as long as this object lives.
 class FewDescriptors final
 {
 public:
@@ -32,7 +32,7 @@ private:
     bool m_isSet = false;
 };
 
-/// Only counts: the paths of so deep a tree fill the memory.
+/// Only counts, because the paths of such a deep tree would fill the memory.
 class CountingVisitor final : public DirectoryVisitor
 {
 public:
@@ -43,7 +43,7 @@ public:
     void failed(const WalkedFolder &, const char *, int) override { ++failures; }
 };
 
-/// -1 when anything failed.
+/// The number of files that a walk finds; -1 when anything failed.
 int filesBeneath(const MadeTree &tree, unsigned threads, unsigned openFolders)
 {
     std::vector<CountingVisitor> visitors(threads);
@@ -62,7 +62,7 @@ int filesBeneath(const MadeTree &tree, unsigned threads, unsigned openFolders)
 
 } // namespace
 
-/// How a walk gets down, and back up, with a bounded number of open folders.
+/// How a walk goes down, and back up, with a limited number of open folders.
 class TestDirectoryWalkerDepth final : public QObject
 {
     Q_OBJECT
@@ -91,13 +91,13 @@ void TestDirectoryWalkerDepth::walksThousandsOfLevelsWithFewDescriptors()
 {
     const MadeTree tree;
     tree.makeChain({}, "level", kLevels, "beside");
-    // A second way down, on which it is the chain that waits.
+    // A second way down, in which the chain of folders waits.
     tree.makeChain("beside", "level", kFewerLevels, "z");
     const FewDescriptors few;
     QVERIFY(few.isSet());
     for (const unsigned threads : {1U, 2U, 4U})
         QCOMPARE(filesBeneath(tree, threads, 8), kLevels + kFewerLevels);
-    // Told to hold more than there are, it gives back what it can when it meets the limit.
+    // The walk may hold more descriptors than the system gives: at the limit it closes what it can.
     QCOMPARE(filesBeneath(tree, 1, 1000), kLevels + kFewerLevels);
 }
 
@@ -125,7 +125,7 @@ void TestDirectoryWalkerDepth::goesOnWhenDescriptorsRunOut()
     tree.makeChain({}, "level", kDepth, "beside");
     int opened = 0;
     const WatchedSystemCalls calls([&](int, WatchedCall call, const char *) {
-        constexpr int kEvery = 5; // nobody else gives back any: each try after the first succeeds
+        constexpr int kEvery = 5; // no other thread closes any: each try after the first succeeds
         return call == WatchedCall::OpenFolder && ++opened % kEvery == 0 ? EMFILE : 0;
     });
     RecordedWalk walk(tree);
@@ -160,7 +160,8 @@ void TestDirectoryWalkerDepth::doesNotClimbIntoAForeignFolder()
     tree.makeFolder("elsewhere/beside");
     tree.makeFile("elsewhere/beside/foreign");
 
-    // Whichever folder of the chain the walk is about to leave: its own is not above it any more.
+    // Moves every folder of the chain. So whichever folder the walk is about to leave, its former
+    // parent is no longer above it.
     bool isMoved = false;
     const WatchedSystemCalls calls([&](int, WatchedCall call, const char *) {
         if (call == WatchedCall::OpenParent && !std::exchange(isMoved, true)) {

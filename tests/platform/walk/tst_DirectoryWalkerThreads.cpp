@@ -12,13 +12,13 @@ namespace {
 
 constexpr std::chrono::seconds kPatience{20};
 
-/// Holds each thread where it comes by until all have come.
+/// Holds each thread that arrives until all have arrived.
 class MeetingPoint final
 {
 public:
     explicit MeetingPoint(std::size_t threads) : m_threads(threads) {}
 
-    /// False when the others stay away. Each thread comes with a visitor of its own.
+    /// False when the others do not arrive. Each thread comes with its own visitor.
     bool meet(const RecordingVisitor &visitor)
     {
         std::unique_lock lock(m_mutex);
@@ -35,7 +35,7 @@ private:
     std::set<const RecordingVisitor *> m_present;
 };
 
-/// Folders, files, links and pipes at random; the same ones for the same seed.
+/// Makes random folders, files, links and pipes; the same ones for the same seed.
 void growAtRandom(const MadeTree &tree, unsigned seed)
 {
     std::mt19937 random(seed);
@@ -194,7 +194,7 @@ void TestDirectoryWalkerThreads::stopAtOnce()
         };
     }
     walk.run();
-    // Each other thread may have been on its way to one entry, and to no second.
+    // Each other thread may still report one entry, but not a second one.
     QVERIFY(found >= kEnough);
     QVERIFY(found < kEnough + threads);
 }

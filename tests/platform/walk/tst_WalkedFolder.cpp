@@ -50,7 +50,7 @@ void TestWalkedFolder::letsGoOfALongChain()
     for (int level = 0; level < kLevels; ++level)
         lowest = lowest.child("l", {});
     QCOMPARE(lowest->pathTo("").size(), 2 * kLevels - 1);
-    lowest = {}; // a destructor a level would overflow the stack
+    lowest = {}; // one nested destructor per level would overflow the stack
     QVERIFY(!lowest);
 }
 
