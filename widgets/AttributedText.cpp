@@ -41,7 +41,7 @@ double leftOf(const QRectF &rectangle, double width, Qt::Alignment alignment)
     return rectangle.left();
 }
 
-/// Letters are sharpest when their baseline lies between two rows of dots.
+/// Letters are sharpest when their baseline lies between two rows of pixels.
 double onWholeDots(double y, const QPainter &painter)
 {
     const double scale = painter.device()->devicePixelRatioF();

@@ -10,7 +10,8 @@
 
 class QPainter;
 
-/// A piece of text in one style. An alignment of zero is none of its own.
+/// A piece of text in one style. An alignment of zero means that the run has no alignment of its
+/// own.
 struct TextRun
 {
     QString text;
@@ -21,8 +22,8 @@ struct TextRun
     bool operator==(const TextRun &) const = default;
 };
 
-/// One line of text in several styles, a value: its runs stand one after another on a common
-/// baseline. Measuring and drawing belong to the main thread.
+/// One line of text in several styles: its runs stand one after another on a common baseline. A
+/// value. Measure and draw it on the main thread only.
 class AttributedText final
 {
 public:
@@ -37,15 +38,15 @@ public:
     /// The styles, for a layout of that text.
     QList<QTextLayout::FormatRange> formats() const;
 
-    /// The style of the first character, as a run; null where there is no character. Its
+    /// The run of the first character, for its style; null where there is no character. Its
     /// alignment is that of the whole line.
     const TextRun *firstRun() const;
 
-    /// Room that the line takes, in points.
+    /// The room that the line needs, in points.
     QSizeF size() const;
 
-    /// Draws the line in the middle of the rectangle's height, at its left, centre or right as
-    /// the first run asks. A line wider than the rectangle is drawn smaller, so that it fits.
+    /// Draws the line in the middle of the rectangle's height, at its left, centre or right as the
+    /// first run says. A line that is wider than the rectangle is drawn smaller, so that it fits.
     void draw(QPainter &painter, const QRectF &rectangle) const;
 
     bool operator==(const AttributedText &) const = default;
@@ -54,5 +55,5 @@ private:
     QList<TextRun> m_runs;
 };
 
-/// Height of one line in the font, in points, whatever its letters.
+/// Height of one line in the font, in points; it does not depend on the letters.
 double lineHeight(const QFont &font);

@@ -54,7 +54,7 @@ QWidget *BackgroundView::shadowView()
 
 void BackgroundView::makeShadowView()
 {
-    // Somebody has to own it, so without a parent it waits in here until there is one.
+    // The shadow needs an owner, so without a parent this view owns it until there is a parent.
     m_shadowView = new QLabel(parentWidget() ? parentWidget() : this);
     m_shadowView->setAttribute(Qt::WA_TransparentForMouseEvents);
     m_shadowView->setPixmap(imageNamed(kShadowImage, devicePixelRatioF()));

@@ -7,9 +7,9 @@
 
 class QLabel;
 
-/// The ground that a chart is painted on: one flat colour, and a soft shadow behind it that fades
-/// in and out. The shadow is a widget of its own, below this one in the same parent, which owns it.
-/// Main thread only.
+/// The background on which a chart is painted: one flat colour, and a soft shadow behind it that
+/// fades in and out. The shadow is a separate widget, below this one in the same parent, which owns
+/// it. Main thread only.
 class BackgroundView : public QWidget
 {
     Q_OBJECT
@@ -21,21 +21,21 @@ public:
     explicit BackgroundView(QWidget *parent = nullptr);
     explicit BackgroundView(const QRect &frame, QWidget *parent = nullptr);
 
-    /// An invalid colour, the first one, paints nothing.
+    /// An invalid colour, which is the default, paints nothing.
     QColor backgroundColor() const { return m_backgroundColor; }
     void setBackgroundColor(const QColor &color);
 
-    /// A point that means something to the views made from this one; in this widget's coordinates.
+    /// A point for the use of derived views, in this widget's coordinates.
     virtual QPointF center() const { return m_center; }
     virtual void setCenter(QPointF center);
 
-    /// Whether the shadow is shown, or on its way to be.
+    /// Whether the shadow is shown or is fading in.
     bool drawShadow() const { return m_drawShadow; }
     /// Fades the shadow in or out, over one second.
     void setDrawShadow(bool drawShadow);
 
     /// The picture of the shadow, made on first access and invisible (opacity 0) at first. Without
-    /// a parent to put it in it is made, but never shown.
+    /// a parent the shadow is made, but never shown.
     QWidget *shadowView();
 
 protected:

@@ -3,7 +3,7 @@
 #include <QColor>
 #include <QWidget>
 
-/// A small flat patch of one colour: the mark of a legend's entry. Main thread only.
+/// A small flat patch of one colour: the mark of an entry in a legend. Main thread only.
 class ColorView final : public QWidget
 {
     Q_OBJECT
@@ -13,7 +13,7 @@ public:
     explicit ColorView(QWidget *parent = nullptr);
     explicit ColorView(const QRect &frame, QWidget *parent = nullptr);
 
-    /// Without a colour (an invalid one, as at first) the patch is a nearly opaque white.
+    /// Without a colour (an invalid one, which is the default) the patch is a nearly opaque white.
     QColor color() const { return m_color; }
     void setColor(const QColor &color);
 

@@ -2,8 +2,8 @@
 
 #include <QAbstractButton>
 
-/// A button that is one of the application's drawings, and another one while it is pressed. Without
-/// a border; the focus shows as a thin ring. Main thread only.
+/// A button that shows one of the application's drawings, and another one while it is pressed. It
+/// has no border; a thin ring shows the focus. Main thread only.
 class ImageButton final : public QAbstractButton
 {
     Q_OBJECT
@@ -16,7 +16,8 @@ public:
     QString imageName() const { return m_imageName; }
     void setImageName(const QString &name);
 
-    /// Shown while the button is held down; the image itself where there is none.
+    /// The image that is shown while the button is held down; without one, the image itself is
+    /// shown.
     QString alternateImageName() const { return m_alternateImageName; }
     void setAlternateImageName(const QString &name);
 

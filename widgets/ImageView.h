@@ -2,8 +2,7 @@
 
 #include <QWidget>
 
-/// Shows one of the application's drawings in its middle, sharp on whatever screen it is on.
-/// Main thread only.
+/// Shows one of the application's drawings in its middle, sharp on every screen. Main thread only.
 class ImageView final : public QWidget
 {
     Q_OBJECT
@@ -13,7 +12,7 @@ public:
     explicit ImageView(QWidget *parent = nullptr);
 
     QString imageName() const { return m_imageName; }
-    /// A name without drawing shows nothing.
+    /// A name for which there is no drawing shows nothing.
     void setImageName(const QString &name);
 
     QSize sizeHint() const override;

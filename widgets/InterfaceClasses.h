@@ -2,5 +2,5 @@
 
 class InterfaceLoader;
 
-/// Tells the loader the widget classes of this folder that interface descriptions name.
+/// Registers with the loader the widget classes of this folder that interface descriptions name.
 void registerWidgetClasses(InterfaceLoader &loader);

@@ -29,8 +29,8 @@ VolumeSizes startUpVolumeSizes()
     const std::filesystem::space_info space = std::filesystem::space("/", error);
     if (error)
         return {};
-    // "Available" leaves out the blocks that are kept for the superuser: to everyone else a volume
-    // with only those left is full.
+    // "Available" leaves out the blocks that are kept for the superuser: for everyone else a volume
+    // that has only those left is full.
     return {static_cast<qint64>(space.capacity), static_cast<qint64>(space.available)};
 }
 

@@ -18,8 +18,8 @@ struct VolumeSizes
 /// The sizes of the start-up volume, the file system at "/". Takes one system call.
 VolumeSizes startUpVolumeSizes();
 
-/// Shows the free, used and total size of the start-up volume in three labels of a page, which
-/// owns them and names them here. Main thread only.
+/// Shows the free, used and total size of the start-up volume in three labels of a page. The page
+/// owns the labels and passes them to this controller. Main thread only.
 class LabelController final : public QObject
 {
     Q_OBJECT
@@ -45,11 +45,11 @@ public:
     /// Reads the volume's sizes anew and shows them.
     void reloadData();
 
-    /// Shows the sizes as they are known.
+    /// Shows the sizes that were read last.
     void updateLabels();
 
-    /// The number of a size text large and dark, its unit (the last two characters, whatever they
-    /// are) small and light. A text of fewer than two characters is all unit.
+    /// A size text with its number large and dark, and its unit (always the last two characters)
+    /// small and light. A text of fewer than two characters is only unit.
     static AttributedText attributedSizeString(const QString &text);
 
 private:

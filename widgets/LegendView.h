@@ -2,7 +2,8 @@
 
 #include <QWidget>
 
-/// The key below the slices: what a coloured and what a grey slice mean. Main thread only.
+/// The legend below the slices: it tells what a coloured and what a grey slice mean. Main thread
+/// only.
 class LegendView final : public QWidget
 {
     Q_OBJECT

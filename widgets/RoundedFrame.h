@@ -3,8 +3,8 @@
 #include <QColor>
 #include <QWidget>
 
-/// A container with a thin line around it and round corners. On demand its line shows that what it
-/// holds has the keyboard's focus. Main thread.
+/// A container with a thin line around it and round corners. On demand the line shows that a widget
+/// inside has the keyboard's focus. Main thread only.
 class RoundedFrame final : public QWidget
 {
     Q_OBJECT

@@ -19,7 +19,7 @@ constexpr QColor kTextColor(77, 77, 77);
 constexpr QColor kHoverColor(77, 77, 77, 26);
 constexpr double kRingRadius = 0.42; ///< of the disc's inner ring, as a part of the width
 
-/// Widths of the texts as parts of the disc's: within its inner ring, at their heights.
+/// Widths of the texts as parts of the disc's width: each fits into the inner ring at its height.
 constexpr double kMainWidth = 0.76;
 constexpr double kDetailWidth = 0.64;
 
@@ -31,7 +31,7 @@ QRect lineFrame(const QWidget &button, const QFont &font, double middle)
             static_cast<int>(height)};
 }
 
-/// Keeps a text wider than that part of the button from being drawn over the ring.
+/// Limits a text to that part of the button, so that it is not drawn over the ring.
 void limitWidth(TextField &field, double width)
 {
     const int margin = std::max(0, static_cast<int>((field.width() - width) / 2));
@@ -110,7 +110,8 @@ double StartButton::cornerRadius() const
     return width() * 0.5;
 }
 
-/// In whole points from the middle, so that the outermost dots do not count as the circle.
+/// Measures in whole points from the middle, so that the outermost pixels do not count as the
+/// circle.
 bool StartButton::isInside(const QPointF &position) const
 {
     const double radius = cornerRadius();
@@ -133,7 +134,8 @@ void StartButton::setHovered(bool isHovered)
 
 bool StartButton::event(QEvent *event)
 {
-    // A disabled button would swallow the pointer's events; here they belong to the page.
+    // A disabled button would swallow the pointer's events; in this program they belong to the
+    // page.
     return isEnabled() ? QAbstractButton::event(event) : QWidget::event(event);
 }
 

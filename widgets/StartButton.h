@@ -7,10 +7,10 @@ class TextField;
 /// The round button over the middle of the pie: a disc with a large main text and a small detail
 /// text below it, which its page sets. Starts disabled; the page enables it once it has appeared.
 ///
-/// With the mouse it goes by the circle alone: a press inside shows the pressed disc until the
-/// button is released, and a release inside triggers. The square's corners let clicks through to
-/// what lies below. With the keyboard, Space triggers when released and Return at once.
-/// Main thread only.
+/// For the mouse only the circle counts: a press inside shows the pressed disc until the button is
+/// released, and a release inside triggers. The corners of the square let clicks through to what
+/// lies below. With the keyboard, Space triggers when it is released, Return at once. Main thread
+/// only.
 class StartButton final : public QAbstractButton
 {
     Q_OBJECT

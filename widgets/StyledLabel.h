@@ -2,8 +2,8 @@
 
 #include <QLabel>
 
-/// A label in one of the few type styles that the pages share, so that an interface description
-/// names the style and no font. Main thread only.
+/// A label in one of the few type styles that the pages share. So an interface description names a
+/// style, not a font. Main thread only.
 class StyledLabel final : public QLabel
 {
     Q_OBJECT
@@ -14,7 +14,7 @@ public:
         Title,   ///< the one large line of a page
         Body,    ///< sentences
         Caption, ///< names a figure or a picture
-        Quiet,   ///< what may be overlooked
+        Quiet,   ///< text that may be overlooked
     };
     Q_ENUM(Role)
 

@@ -33,7 +33,7 @@ void TextField::setAttributedText(const AttributedText &text)
 
 QColor TextField::textColor() const
 {
-    // A disabled button's caption is as legible as any.
+    // The caption of a disabled button must be as legible as any other.
     return palette().color(QPalette::Active, QPalette::WindowText);
 }
 

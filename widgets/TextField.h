@@ -4,9 +4,9 @@
 
 #include <QLabel>
 
-/// One line of text without border or background, plain or attributed, painted so that it is
-/// never cut off: a text too wide for the field is drawn smaller. Plain text has the field's font,
-/// its palette's WindowText colour and its alignment. Main thread only.
+/// One line of text without border or background, plain or attributed, painted so that it is never
+/// cut off: a text that is too wide for the field is drawn smaller. Plain text has the field's
+/// font, its palette's WindowText colour and its alignment. Main thread only.
 class TextField : public QLabel
 {
     Q_OBJECT
@@ -15,11 +15,11 @@ class TextField : public QLabel
 public:
     explicit TextField(QWidget *parent = nullptr);
 
-    /// Shows a plain text, in the field's own style whatever was shown before. To be called on
-    /// the field itself, a QLabel's setText() knows nothing of the styles.
+    /// Shows a plain text in the field's own style, whatever was shown before. Call it on the
+    /// field's own type: QLabel::setText() knows nothing of the styles.
     void setText(const QString &text);
 
-    /// What is shown; a plain text is one run in the field's style.
+    /// The text that is shown; a plain text is one run in the field's style.
     AttributedText attributedText() const;
     void setAttributedText(const AttributedText &text);
 
@@ -30,7 +30,7 @@ public:
     QSize minimumSizeHint() const override;
 
 Q_SIGNALS:
-    /// The text was set, be it to the same value.
+    /// The text was set, perhaps to the same value.
     void attributedTextChanged();
 
 protected:

@@ -2,7 +2,8 @@
 
 #include <QScrollBar>
 
-/// A scroll bar that is only its handle: slim, round, pale, darker under the pointer. Main thread.
+/// A scroll bar that shows only its handle: slim, round, pale, darker under the pointer. Main
+/// thread only.
 class ThinScrollBar final : public QScrollBar
 {
     Q_OBJECT

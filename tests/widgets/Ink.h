@@ -3,10 +3,11 @@
 #include <QImage>
 #include <QRectF>
 
-/// The smallest rectangle around all dots that differ between two pictures of a size, in points.
+/// The smallest rectangle around all pixels that differ between two pictures of the same size, in
+/// points.
 inline QRectF inkBetween(const QImage &first, const QImage &second)
 {
-    constexpr int kVisible = 24; // of 255; fainter is the smoothing of edges
+    constexpr int kVisible = 24; // of 255; smaller differences come from smooth edges
     QRect ink;
     for (int y = 0; y < first.height(); ++y) {
         for (int x = 0; x < first.width(); ++x) {
@@ -18,7 +19,7 @@ inline QRectF inkBetween(const QImage &first, const QImage &second)
     return {ink.x() / scale, ink.y() / scale, ink.width() / scale, ink.height() / scale};
 }
 
-/// The largest difference of two pictures of a size in any dot, 0 to 255.
+/// The largest difference in any pixel between two pictures of the same size, 0 to 255.
 inline int largestDifference(const QImage &first, const QImage &second)
 {
     int largest = 0;

@@ -95,7 +95,7 @@ void TestAttributedText::standsOnOneBaseline()
     QCOMPARE(both.bottom(), large.bottom());
     QCOMPARE(both.top(), large.top());
     QVERIFY(both.width() > large.width());
-    // The small letter alone stands on the line as well, not in the middle of the large one.
+    // The small letter by itself stands on the baseline too, not in the middle of the large one.
     const QRectF small =
         inkOf({TextRun{QStringLiteral("H"), interfaceFont(Typeface::Medium, 40), Qt::white},
                run(QStringLiteral("H"), 20)},
@@ -152,7 +152,7 @@ void TestAttributedText::shrinksRatherThanBeingCut()
     const QRectF rectangle(50, 10, width, 80);
     const QRectF ink = inkOf(text, rectangle);
     QVERIFY(rectangle.adjusted(-0.5, 0, 0.5, 0).contains(ink));
-    // The two outermost letters are both there: the line fills its room but for its bearings.
+    // Both outermost letters are drawn: the line fills its room except for the side bearings.
     QVERIFY2(ink.width() > width * 0.9 - 1, qPrintable(QString::number(ink.width())));
     QVERIFY(qAbs(ink.center().y() - rectangle.center().y()) < 6);
 }

@@ -150,7 +150,7 @@ void TestBackgroundView::takesTheShadowAlongToAParent()
     QCOMPARE(shadow->parentWidget(), &parent);
     QCOMPARE(shadow->x(), 250 - shadow->width() / 2);
     view.reset();
-    QVERIFY(shadow); // the parent's now
+    QVERIFY(shadow); // the parent owns it now
 }
 
 void TestBackgroundView::outlivesItsShadow()

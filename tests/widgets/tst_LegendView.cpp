@@ -9,7 +9,7 @@ QImage grabbed(LegendView &view)
     return view.grab().toImage().convertToFormat(QImage::Format_RGB32);
 }
 
-/// First and last column with a dot that is coloured, and with one that is only grey.
+/// First and last column with a coloured pixel, and with a pixel that is only grey.
 struct Columns
 {
     int firstColored = -1;

@@ -13,7 +13,7 @@
 
 namespace {
 
-/// A white page that hears what the button lets through.
+/// A white page that gets the events that the button lets through.
 class Page final : public QWidget
 {
 public:
@@ -50,7 +50,7 @@ struct Scene
         return picture;
     }
 
-    /// The page with nothing but the drawing of that name.
+    /// The page with only the drawing of that name.
     QImage drawing(const QString &name)
     {
         QImage picture = blank();
@@ -154,7 +154,7 @@ void TestStartButton::goesByTheCircle()
     QCOMPARE(scene.page.presses, isInside ? 0 : 1);
     QCOMPARE(scene.triggered.count(), 0);
 
-    // The place of the release alone decides.
+    // Only the position of the release decides.
     scene.release(position);
     QCOMPARE(scene.triggered.count(), isInside ? 1 : 0);
     QCOMPARE(scene.page.releases, isInside ? 0 : 1);

@@ -17,7 +17,7 @@ AttributedText sizeText(const QString &number, const QString &unit)
             TextRun{unit, interfaceFont(Typeface::Thin, 30), QColor(173, 173, 173)}};
 }
 
-/// Rectangle of one line, measured by the word that the captions are made for.
+/// Rectangle of one line, measured with the word for which the captions are made.
 QRect expectedFrame(const StartButton &button, const QFont &font, double middle)
 {
     const double height =
@@ -31,7 +31,7 @@ QImage grabbed(StartButton &button)
     return button.grab().toImage().convertToFormat(QImage::Format_RGB32);
 }
 
-/// Where the captions leave ink on the disc.
+/// The area of the disc in which the captions leave ink.
 QRectF captionInk(StartButton &button, const AttributedText &main, const QString &detail)
 {
     button.mainText().setText(QString());
@@ -86,7 +86,7 @@ void TestStartButtonTexts::standInTheMiddleAndBelowIt()
     button.resize(size, size);
     const QRect main = expectedFrame(button, button.mainText().font(), size * 0.5);
     const QRect detail = expectedFrame(button, button.detailText().font(), size * 0.25 * 3.0);
-    button.grab(); // lets it hear of its size
+    button.grab(); // lets the button get its size
     QCOMPARE(button.mainText().geometry(), main);
     QCOMPARE(button.detailText().geometry(), detail);
     QVERIFY(detail.center().y() > main.center().y());

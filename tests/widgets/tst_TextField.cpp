@@ -156,7 +156,7 @@ void TestTextField::paintsAnewWithItsText()
     field.setAttributedText(sample());
     field.show();
     QVERIFY(QTest::qWaitForWindowExposed(&field));
-    // The same letters in other colours are another picture.
+    // The same letters in other colours make another picture.
     PaintCounter paints;
     field.installEventFilter(&paints);
     field.setAttributedText({TextRun{QStringLiteral("1.23 GB"), field.font(), Qt::darkGray}});

@@ -14,7 +14,7 @@ private Q_SLOTS:
 
 namespace {
 
-/// Where anything was painted on white.
+/// The area in which something was painted on white.
 QRect paintedPart(ThinScrollBar &bar)
 {
     bar.resize(12, 200);
