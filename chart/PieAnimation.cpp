@@ -41,7 +41,7 @@ void PieAnimation::updateTimerFired()
     for (const auto &layer : m_view.sliceLayers())
         layer->arc().advance(now);
     m_view.refreshSliceLayers(LayerState::Presentation);
-    // A copy: whoever hears of the last one's end may put in other slices.
+    // A copy, because a receiver of the signal of the last end may put in other slices.
     for (const auto &layer : SliceLayers(m_view.sliceLayers()))
         layer->arc().finishAnimations(now);
 }

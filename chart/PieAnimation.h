@@ -9,15 +9,15 @@
 class PieView;
 class SliceLayer;
 
-/// From where to where an arc goes, in radians.
+/// The two angles between which an arc lies, in radians.
 struct Arc
 {
     double start;
     double end;
 };
 
-/// Moves the slices of a pie: it begins the animations of their arcs together, takes them through
-/// time frame by frame, and knows when the last one is over.
+/// Moves the slices of a pie: it begins the animations of their arcs together, advances them frame
+/// by frame, and knows when the last one is over.
 ///
 /// Owned by the pie. Main thread only.
 class PieAnimation final : public QObject, private ArcAnimationDelegate
@@ -25,33 +25,34 @@ class PieAnimation final : public QObject, private ArcAnimationDelegate
     Q_OBJECT
 
 public:
-    /// The view must outlive it, and it the use of the view's slices.
+    /// The view must outlive this object. This object must live as long as the view's slices are
+    /// used.
     explicit PieAnimation(PieView &view);
 
-    /// How long an animation takes, in seconds. 0 shows each new state at once, and so does a
-    /// desktop whose user switched animations off.
+    /// How long an animation takes, in seconds. With 0 each new state is shown at once; the same
+    /// happens on a desktop whose user switched animations off.
     double speed() const { return m_speed; }
     void setSpeed(double seconds) { m_speed = seconds; }
 
-    /// Where the time is taken from.
+    /// Sets the clock that tells the time.
     void setClock(MediaClock clock) { m_clock = std::move(clock); }
 
     bool isRunning() const { return !m_running.empty(); }
 
-    /// Prepares the way of a slice's arc to a new state. A slice that is on screen goes from where
-    /// it is seen, another from `from`.
+    /// Prepares the movement of a slice's arc to a new state. A slice that is on screen moves from
+    /// where it is seen, any other from `from`.
     void prepare(SliceLayer &layer, Arc from, Arc to);
-    /// Begins all that is prepared.
+    /// Begins all movements that are prepared.
     void commit();
 
-    /// Moves the running animations to the clock's time, and ends those whose time has come. Runs
-    /// by itself while there are any.
+    /// Moves the running animations to the clock's time, and ends those whose time has come. The
+    /// timer calls it while there are any.
     void updateTimerFired();
 
 Q_SIGNALS:
-    /// One more arc is on its way.
+    /// One more arc has begun to move.
     void started();
-    /// The last running animation ran to its end: the slices stand still.
+    /// The last running animation has reached its end: the slices stand still.
     void finished();
 
 private:

@@ -10,7 +10,7 @@
 
 /// An animated pie. It asks its data source for slices, lays them out counter-clockwise around its
 /// centre, animates every change of their arcs and puts a label on each. Slices are flat until the
-/// first animation has run to its end, and wear two-colour gradients from then on.
+/// first animation has reached its end, and have two-colour gradients from then on.
 ///
 /// Angles are radians, counter-clockwise from three o'clock, as in a textbook.
 ///
@@ -33,7 +33,7 @@ public:
     PieChartDelegate *delegate() const { return m_delegate.get(); }
     void setDelegate(PieChartDelegate *delegate);
 
-    /// Where the first slice begins: at the top, if nobody says otherwise. Used by the next reload.
+    /// Where the first slice begins: at the top unless set. The next reload uses it.
     double startPieAngle() const { return m_startPieAngle; }
     void setStartPieAngle(double radians) { m_startPieAngle = radians; }
 
@@ -41,13 +41,13 @@ public:
     double animationSpeed() const { return m_animation.speed(); }
     void setAnimationSpeed(double seconds) { m_animation.setSpeed(seconds); }
 
-    /// Whether an animation has run to its end, so that slices wear gradients. A page that wants
-    /// its pie to grow in flat again sets it back.
+    /// Whether an animation has reached its end, so that slices have gradients. A page that wants
+    /// its pie to grow in flat again sets it back to false.
     bool didLoad() const { return m_didLoad; }
     void setDidLoad(bool didLoad) { m_didLoad = didLoad; }
 
     /// Reads the data source anew and animates the pie from what is on screen to the new state.
-    /// Without data source nothing happens.
+    /// Does nothing without data source.
     void reloadData();
 
     /// Folds every slice to nothing at the start angle and turns the shadow off.
@@ -61,14 +61,14 @@ public:
 
     bool isAnimating() const { return m_animation.isRunning(); }
     void updateTimerFired() { m_animation.updateTimerFired(); }
-    /// What animations take the time from, for tests that want to hold it.
+    /// Sets the clock of the animations, for tests that want to hold the time.
     void setClock(MediaClock clock) { m_animation.setClock(std::move(clock)); }
 
-    /// Where the pointer and the keyboard are.
+    /// What the pointer and the keyboard do with the slices.
     PieInteraction &interaction() { return m_interaction; }
 
 Q_SIGNALS:
-    /// The last running animation ran to its end: the pie stands still.
+    /// The last running animation has reached its end: the pie stands still.
     void animationFinished();
 
 private:
@@ -83,7 +83,7 @@ private:
     SliceSource m_source{*this};
     WeakReference<PieChartDelegate> m_delegate;
     double m_startPieAngle = std::numbers::pi / 2;
-    std::shared_ptr<SizeQueue> m_sizeQueue = makeSizeQueue(); ///< of all labels
+    std::shared_ptr<SizeQueue> m_sizeQueue = makeSizeQueue(); ///< shared by all labels
     bool m_didLoad = false;
     PieAnimation m_animation{*this};
     PieInteraction m_interaction;

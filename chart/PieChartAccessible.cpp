@@ -12,13 +12,15 @@
 
 namespace {
 
-/// The chart, unless it is being destroyed: Qt asks on until the widget below it is gone too.
+/// The chart, or null while it is being destroyed: Qt goes on asking until its base widget is gone
+/// too.
 PieChart *livingChart(QObject *object)
 {
     return qobject_cast<PieChart *>(object);
 }
 
-/// One slice. Lives as long as its chart's interface and answers for whatever slice has the index.
+/// One slice. Lives as long as its chart's interface and answers for the slice that has the index
+/// at that time.
 class SliceAccessible final : public QAccessibleInterface, public QAccessibleActionInterface
 {
 public:
@@ -89,7 +91,7 @@ private:
     mutable std::vector<QAccessible::Id> m_slices;
 };
 
-/// Name and size as the label has them, or the share where the label has no words.
+/// Name and size from the label, or the share where the label has no words.
 QString labelText(const SliceLayer &layer)
 {
     QStringList words{layer.infoLayer()->nameString(), layer.infoLayer()->sizeString()};
@@ -126,7 +128,7 @@ QAccessible::State SliceAccessible::state() const
     state.focusable = canPress();
     state.focused = chart()->hasFocus() && chart()->interaction().focusedSlice() == m_index;
     const auto info = layer()->infoLayer()->info();
-    // A slice with a name is switched on and off; one with a picture alone is a link.
+    // The user switches a slice with a name on and off; a slice with a picture alone is a link.
     state.checkable = canPress() && info && !info->name().isEmpty();
     state.checked = state.checkable && info->isOn();
     return state;
@@ -155,7 +157,7 @@ ChartAccessible::~ChartAccessible()
 
 QAccessibleInterface *ChartAccessible::slice(int index) const
 {
-    // The registry owns them until it is told to delete them.
+    // The registry owns the interfaces until it is told to delete them.
     while (std::ssize(m_slices) <= index)
         m_slices.push_back(QAccessible::registerAccessibleInterface(
             new SliceAccessible(*chart(), static_cast<int>(m_slices.size()))));

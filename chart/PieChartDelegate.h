@@ -7,8 +7,8 @@
 
 class PieChart;
 
-/// Is told what the user does with the slices of a PieChart. Every operation is optional. Held
-/// weakly by the chart; main thread only.
+/// Hears what the user does with the slices of a PieChart. Every operation is optional. Held weakly
+/// by the chart; main thread only.
 class PieChartDelegate : public WeaklyReferable
 {
 public:
@@ -18,13 +18,13 @@ public:
     /// index of a slice. The chart may be reloaded from here.
     virtual void didSelectSliceAtIndex(PieChart &, int) {}
 
-    /// The pointer (or the keyboard's focus ring) is over the slice, -1 for none of them. Comes
-    /// with every move of the pointer, also when the index is the same as before, and only while
-    /// nothing moves.
+    /// The pointer (or the keyboard's focus ring) is over the slice, -1 for none of them. Called at
+    /// every move of the pointer, even when the index is the same as before, but only while no
+    /// slice moves.
     virtual void didHoverOverSliceAtIndex(PieChart &, int) {}
 
-    /// Whether choosing the slice does something. The chart can be reached with the keyboard when
-    /// that is so for one of its slices, and the focus ring visits these alone. A click is told of
+    /// Whether choosing the slice does something. The keyboard can reach the chart when this is
+    /// true for one of its slices, and the focus ring visits only such slices. A click is reported
     /// in any case.
     virtual bool canSelectSliceAtIndex(PieChart &, int) { return false; }
 

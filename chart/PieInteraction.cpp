@@ -58,17 +58,17 @@ bool PieInteraction::eventFilter(QObject *, QEvent *event)
         m_view.setRingedSlice(-1);
         return false;
     default:
-        // A filter hears also what a disabled widget would not.
+        // An event filter also gets the events that a disabled widget ignores.
         return m_view.isEnabled() && hearInput(*event);
     }
 }
 
-/// Whether the event goes no further.
+/// Handles an event; true when it must go no further.
 bool PieInteraction::hearInput(QEvent &event)
 {
     switch (event.type()) {
     case QEvent::MouseButtonPress:
-    case QEvent::MouseButtonDblClick: // the second of two fast clicks is a click as well
+    case QEvent::MouseButtonDblClick: // the second of two fast clicks counts too
         return press(static_cast<QMouseEvent &>(event));
     case QEvent::MouseMove:
         move(static_cast<QMouseEvent &>(event));
@@ -98,8 +98,9 @@ void PieInteraction::destoryTrackingArea()
 
 void PieInteraction::pointerLeft()
 {
-    // Outside the widget no move is told, so leaving it is the last chance to say so. A popup, such
-    // as one that explains the slice, takes the pointer away for a while only.
+    // No moves are reported outside the widget, so this is the last chance to report that the
+    // pointer left. A popup, such as one that explains the slice, takes the pointer away only for a
+    // while.
     const bool isBorrowed = QApplication::activePopupWidget() != nullptr;
     if (m_hasTrackingArea && !isBorrowed)
         Q_EMIT hovered(-1);
@@ -117,7 +118,7 @@ bool PieInteraction::press(const QMouseEvent &event)
 {
     if (event.button() != Qt::LeftButton)
         return false;
-    // A click that brings the window to the front arrives here as well, and counts.
+    // A click that brings the window to the front arrives here too, and counts.
     const int index = m_view.getCurrentSelectedOnLocation(event.position());
     if (index == -1)
         return true;
@@ -157,7 +158,7 @@ void PieInteraction::focusSlice(int index)
     m_focusedSlice = index;
     m_view.setRingedSlice(index);
     Q_EMIT focusMoved(index);
-    // A slice in the focus ring is looked at as one under the pointer is.
+    // A slice in the focus ring counts as a slice under the pointer.
     if (m_hasTrackingArea)
         Q_EMIT hovered(index);
 }
@@ -166,7 +167,8 @@ void PieInteraction::moveFocus(int key)
 {
     std::vector<FocusStop> stops;
     for (const auto &layer : m_view.sliceLayers()) {
-        // Where it is heading, not where it is: arrows mean the same while the pie moves.
+        // This takes the goal of the slice, not its present position, so that arrows mean the same
+        // while the pie moves.
         SliceGeometry goal = layer->geometry();
         goal.start = layer->startAngle();
         goal.end = layer->endAngle();

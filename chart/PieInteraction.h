@@ -7,12 +7,12 @@ class PieView;
 class QKeyEvent;
 class QMouseEvent;
 
-/// What the user does with the slices of a pie: hears the pointer and the keyboard before the pie
-/// itself does, and tells which slice they mean. It knows where the pointer was seen last and on
+/// What the user does with the slices of a pie: gets the events of pointer and keyboard before the
+/// pie itself does, and tells which slice they mean. It knows where the pointer was last and on
 /// which slice the keyboard's focus is; the pie shows the ring there.
 ///
-/// Where the pointer is, and the focus with it, is told only while there is a tracking area: the
-/// pie puts one in when its slices stand still. Clicks and keys are heard at any time.
+/// It tells where the pointer or the focus is only while there is a tracking area. The pie adds one
+/// when its slices stand still. Clicks and keys work at any time.
 ///
 /// Owned by the pie. Main thread only.
 class PieInteraction final : public QObject
@@ -23,7 +23,7 @@ public:
     /// Whether choosing the slice of that index does something.
     using CanSelect = std::function<bool(int index)>;
 
-    /// The view must outlive it.
+    /// The view must outlive this object.
     PieInteraction(PieView &view, CanSelect canSelect);
 
     bool hasTrackingArea() const { return m_hasTrackingArea; }
@@ -33,10 +33,11 @@ public:
 
     /// The slice that the keyboard acts on, -1 for none.
     int focusedSlice() const { return m_focusedSlice; }
-    /// Takes the keyboard to a slice and shows the focus ring there. It counts as hovering.
+    /// Moves the keyboard's focus to a slice and shows the focus ring there. This counts as
+    /// hovering.
     void focusSlice(int index);
-    /// The keyboard reaches the pie when a slice can be chosen. To be called when that may have
-    /// changed; forgets a focused slice that cannot be chosen any more.
+    /// Lets the keyboard reach the pie when a slice can be chosen. Call it when that may have
+    /// changed; it forgets a focused slice that can no longer be chosen.
     void updateFocusPolicy();
 
     bool canSelectSlice(int index) const;
@@ -65,6 +66,6 @@ private:
     PieView &m_view;
     CanSelect m_canSelect;
     bool m_hasTrackingArea = false;
-    bool m_leftUnseen = false; ///< the pointer left while nobody was to be told
+    bool m_leftUnseen = false; ///< the pointer left without a tracking area
     int m_focusedSlice = -1;
 };

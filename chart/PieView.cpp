@@ -15,8 +15,8 @@ struct Ring
     QColor color;
     double width = 0;
 };
-/// The focus ring, inside the slice's edge: a light band with a dark rim, so that it is seen on any
-/// colour and before any ground. Painted from the widest to the narrowest.
+/// The focus ring, inside the slice's edge: a light band with a dark rim, visible on any colour and
+/// before any background. Painted from the widest to the narrowest.
 constexpr std::array kFocusRings{Ring{QColor(0, 0, 0, 90), 6}, Ring{QColor(255, 255, 255), 5},
                                  Ring{QColor(0, 0, 0, 140), 1.5}};
 
@@ -143,7 +143,7 @@ void PieView::paintEvent(QPaintEvent *event)
 
 void PieView::paintLabels(QPainter &painter, const QRect &exposed) const
 {
-    // After all slices: a label may be wider than its own.
+    // After all slices, because a label may be wider than its slice.
     for (const auto &layer : m_sliceLayers) {
         InfoLayer &label = *layer->infoLayer();
         if (labelExtent(label).intersects(exposed))

@@ -7,12 +7,12 @@
 #include <algorithm>
 #include <optional>
 
-/// Which angles of a slice its shape is made from: where it is heading, or where it is on screen.
+/// The angles from which the shape of a slice is made: those of its goal, or those on screen.
 enum class LayerState { Model, Presentation };
 
 /// Shows slices around a centre: it owns them, gives them their shape, paints them with their
-/// labels, and says which of them lies at a point. What they stand for, why they move and what the
-/// user does with them is the business of others.
+/// labels, and tells which of them lies at a point. Other classes know what the slices mean, why
+/// they move and what the user does with them.
 ///
 /// Points, such as center(), are in the widget's own coordinates, as everywhere in Qt. Lengths are
 /// in points. Center, pie radius and label radius follow the widget's size until they are set.
@@ -27,43 +27,43 @@ class PieView : public BackgroundView
 public:
     explicit PieView(QWidget *parent = nullptr);
 
-    /// Outer radius of every slice; at first half of the widget's smaller side.
+    /// Outer radius of every slice; half of the widget's smaller side unless set.
     double pieRadius() const { return m_pieRadius.value_or(halfSide()); }
     void setPieRadius(double radius);
 
-    /// How far from the centre the labels sit; at first a quarter of the widget's smaller side.
+    /// How far the labels are from the centre; a quarter of the widget's smaller side unless set.
     double infoRadius() const { return m_infoRadius.value_or(halfSide() / 2); }
     void setInfoRadius(double radius);
 
-    /// At first the middle of the widget.
+    /// The middle of the widget unless set.
     QPointF center() const override { return m_center.value_or(QRectF(rect()).center()); }
     void setCenter(QPointF center) override;
 
-    /// The plane that the slices are laid out in.
+    /// The plane in which the slices are laid out.
     ChartPlane plane() const { return ChartPlane(height()); }
 
-    /// The slices, lowest first. Each knows its index; after a reload with fewer slices that is not
-    /// always its place in this list.
+    /// The slices, lowest first. Each knows its index; after a reload with fewer slices the index
+    /// is not always its position in this list.
     const SliceLayers &sliceLayers() const { return m_sliceLayers; }
 
     /// The layer of one slice; null if there is no such slice.
     SliceLayer *layerOfSlice(int index) const;
-    /// What it covers, label included, in the widget.
+    /// The area of a slice, label included, in the widget's coordinates.
     QRect sliceRect(int index) const;
     /// The index of the slice whose painted shape contains the point, the topmost if several do;
     /// -1 for none.
     int getCurrentSelectedOnLocation(QPointF location) const;
 
-    /// Gives every slice the shape, and its label the place, that its angles ask for.
+    /// Sets the shape of every slice, and the position of its label, from its angles.
     void refreshSliceLayers(LayerState state);
-    /// Paints a slice anew whose looks have changed.
+    /// Paints a slice again whose look has changed.
     void updateLayer(const SliceLayer &layer);
 
     /// Puts the focus ring on a slice, on none for -1.
     void setRingedSlice(int index);
 
 protected:
-    /// For whoever puts slices in and takes them out.
+    /// For the derived class, which puts slices in and takes them out.
     SliceLayers &ownSliceLayers() { return m_sliceLayers; }
 
     void resizeEvent(QResizeEvent *event) override;

@@ -4,7 +4,7 @@
 
 namespace {
 
-/// Neighbours that are this close to level, in points, count as level.
+/// A neighbour counts as level when it is at most this far, in points, from level.
 constexpr double kLevel = 1;
 
 } // namespace

@@ -3,14 +3,15 @@
 #include <QPointF>
 #include <vector>
 
-/// Where the keyboard's focus may go: a slice and where its label is.
+/// Where the keyboard's focus may go: a slice and the position of its label.
 struct FocusStop
 {
     int index = -1;
     QPointF place;
 };
 
-/// The next of the stops before or behind `index` in the ring, whichever lies further in the
-/// `direction` (seen in the same plane as the places); `index` itself when both lie the other way
-/// or level. The first stop when `index` is none of them; -1 without stops.
+/// Looks at the stops next to `index` in the ring, before and after it, and returns the one that
+/// lies further in the `direction` (in the same plane as the positions). Returns `index` itself
+/// when both are level or lie in the opposite direction. Returns the first stop when `index` is not
+/// one of the stops, and -1 without stops.
 int neighbourTowards(QPointF direction, int index, const std::vector<FocusStop> &stops);

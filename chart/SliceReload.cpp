@@ -36,8 +36,8 @@ SliceLayer &SliceReload::inserted(std::size_t index)
 SliceLayer &SliceReload::movedToTop(std::size_t index)
 {
     const std::shared_ptr<SliceLayer> layer = m_snapshot[index];
-    // The same slice is looked at again in every round, so unless its value fits, this uses up the
-    // whole difference: at most one slice of a reload is moved for not fitting.
+    // Every round looks at the same slice. So unless its value fits, the loop uses up the whole
+    // difference: a reload moves at most one slice because it does not fit.
     do {
         const auto place = std::ranges::find(m_layers, layer);
         std::rotate(place, std::next(place), m_layers.end());

@@ -5,24 +5,24 @@
 #include <functional>
 #include <vector>
 
-/// Decides which of a pie's slices shows which of the new values, while the pie reloads: slices
-/// that are there are used again where that makes the smaller movement, new ones are put in and
-/// spare ones are left over. Lives for one reload.
+/// Decides, while a pie reloads, which slice shows which of the new values. It uses existing slices
+/// again where that makes the movement smaller, adds new ones, and leaves spare ones over. Lives
+/// for one reload.
 class SliceReload final
 {
 public:
     using Maker = std::function<std::shared_ptr<SliceLayer>()>;
 
-    /// Works on the pie's own list.
+    /// Changes the pie's own list.
     SliceReload(SliceLayers &layers, std::vector<double> values, Maker maker);
 
     /// Whether the pie was empty, so that all slices grow out of the start angle.
     bool isFreshStart() const { return m_snapshot.empty() && !m_values.empty(); }
 
-    /// The slice for a value. To be asked for 0, 1, 2 and so on, once each.
+    /// The slice for a value. Call it for 0, 1, 2 and so on, once each.
     SliceLayer &layerForSlice(std::size_t index);
 
-    /// The old slices that were not used so far.
+    /// The old slices that are not used yet.
     const SliceLayers &spare() const { return m_spare; }
 
 private:
@@ -36,6 +36,6 @@ private:
     Maker m_maker;
     SliceLayers m_snapshot;
     SliceLayers m_spare;
-    /// How many slices are still to be added, less than zero for how many are to go.
+    /// How many slices must still be added; a negative number tells how many must go.
     std::ptrdiff_t m_difference;
 };

@@ -6,7 +6,7 @@ namespace {
 
 constexpr float kDefaultBrightness = 0.91F;
 
-/// Data sources compute with sizes that others told them; a share below nothing is no share.
+/// Data sources compute with sizes that they got from others; a negative value cannot be a share.
 double soundValue(double value)
 {
     return std::isfinite(value) && value > 0 ? value : 0;

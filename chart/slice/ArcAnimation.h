@@ -5,10 +5,10 @@
 
 /// Points in time and lengths of time of animations, in seconds.
 using MediaTime = std::chrono::duration<double>;
-/// Says what time it is, counted from any moment.
+/// Tells the time, counted from any moment.
 using MediaClock = std::function<MediaTime()>;
 
-/// The clock on the wall: steady, never set back.
+/// The real time of a steady clock, which is never set back.
 MediaTime steadyMediaTime();
 
 class ArcAnimation;
@@ -16,7 +16,7 @@ class ArcAnimation;
 /// How an animation came to its end.
 enum class Completion { Finished, Interrupted };
 
-/// Is told when an animation begins and when it is over.
+/// Gets a call when an animation begins and when it is over.
 class ArcAnimationDelegate
 {
 public:
@@ -27,9 +27,9 @@ protected:
     ~ArcAnimationDelegate() = default;
 };
 
-/// The movement of one angle from one value to another: slow at both ends, most of the way early.
-/// It knows no timer: whoever shows it asks for the value at a time, so that a slow machine skips
-/// frames and still ends on time. Its address is its identity.
+/// The movement of one angle from one value to another: slow at both ends, with most of the way
+/// early. It has no timer: the code that shows it asks for the value at a given time, so a slow
+/// machine skips frames and still ends on time. Its address is its identity.
 class ArcAnimation final
 {
 public:
@@ -47,7 +47,8 @@ public:
     /// at once.
     void begin(MediaTime now, MediaTime duration);
 
-    /// Tells the delegate that it is over, if it ever began. It is not to be used afterwards.
+    /// Tells the delegate that the animation is over, if it ever began. Do not use the animation
+    /// afterwards.
     void stop(Completion completion);
 
     /// The start value before the beginning, the end value from the end on.

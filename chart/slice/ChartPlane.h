@@ -4,9 +4,9 @@
 #include <QRectF>
 #include <QTransform>
 
-/// The plane that the pie is laid out in: origin at the widget's bottom left, y growing upwards, so
-/// that angles grow counter-clockwise. The only place that knows how it lies in a widget, whose y
-/// grows downwards. A value.
+/// The plane in which the pie is laid out: the origin is at the widget's bottom left and y grows
+/// upwards, so angles grow counter-clockwise. Only this class knows how the plane lies in a widget,
+/// whose y grows downwards. A value.
 class ChartPlane final
 {
 public:

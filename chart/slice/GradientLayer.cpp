@@ -15,7 +15,7 @@ QBrush GradientLayer::brush() const
     const auto &[primary, secondary] = *m_colors;
     if (primary == secondary)
         return primary.alpha() > 0 ? QBrush(primary) : QBrush();
-    QLinearGradient gradient(m_frame.topLeft(), m_frame.bottomLeft()); // "top" is the lesser y
+    QLinearGradient gradient(m_frame.topLeft(), m_frame.bottomLeft()); // "top" is the smaller y
     gradient.setStops({{0, primary}, {1, secondary}});
     return gradient;
 }

@@ -7,8 +7,8 @@
 #include <array>
 #include <optional>
 
-/// The gradient on a slice: two colours, from the bottom of its frame to the top, seen through a
-/// mask of the slice's shape. In the ChartPlane. A value.
+/// The gradient on a slice: two colours, from the bottom of its frame to the top, masked with the
+/// slice's shape. In the ChartPlane. A value.
 class GradientLayer final
 {
 public:
@@ -26,7 +26,7 @@ public:
     /// The shape, relative to the frame's origin.
     QPainterPath mask() const { return m_path.translated(-m_frame.topLeft()); }
 
-    /// What the masked frame is filled with; none without colours.
+    /// The brush that fills the masked frame; none without colours.
     QBrush brush() const;
 
 private:

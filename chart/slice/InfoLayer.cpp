@@ -65,7 +65,7 @@ double lineHeight(int fontSize)
 
 void drawRuns(QPainter &painter, QPointF baseline, const WeightedText &runs, int fontSize)
 {
-    baseline = baseline.toPoint(); // letters stand on whole pixels
+    baseline = baseline.toPoint(); // letters are sharp on whole pixels
     for (const WeightedRun &run : runs) {
         const QFont font = interfaceFont(run.face, fontSize);
         painter.setFont(font);
@@ -89,7 +89,8 @@ void drawIcon(QPainter &painter, QPointF corner, const QPixmap &icon)
         blackener.setCompositionMode(QPainter::CompositionMode_SourceIn);
         blackener.fillRect(QRect(QPoint(), kImageSize), Qt::black);
     }
-    // Below only: a whole halo would shine through the icons' half transparent parts as dirt.
+    // A shade below the icon only: a halo all around would look like dirt through the half
+    // transparent parts of the icon.
     painter.setOpacity(QColor(0, 0, 0, kIconShade.alpha).alphaF());
     painter.drawPixmap(corner + kIconShade.offset, shade);
     painter.setOpacity(1);
@@ -129,8 +130,8 @@ void InfoLayer::askForSize()
 {
     if (!m_info)
         return;
-    // A reload hands over the same records again. While one of them is still being measured,
-    // measuring it a second time beside the first would cost as much again and tell nothing new.
+    // A reload hands over the same records again. While a record is still being measured, a second
+    // measurement beside the first would take the same effort again and tell nothing new.
     m_askAgain = m_asked == m_info.get();
     if (m_askAgain)
         return;
@@ -168,10 +169,10 @@ void InfoLayer::contentChanged()
         if (m_changed)
             m_changed();
     };
-    tell(); // where it was
+    tell(); // the old area
     m_picture = {};
     m_bounds = neededBounds();
-    tell(); // where it is
+    tell(); // the new area
 }
 
 std::optional<WeightedText> InfoLayer::attributedSizeString(const QString &text)
@@ -244,7 +245,8 @@ void InfoLayer::paint(QPainter &painter, QPointF middle, double opacity)
         m_pictureScale = device.m11();
         m_picture = drawn(m_pictureScale);
     }
-    // On whole pixels of the device, else the picture would be smeared over two.
+    // The picture stands on whole pixels of the device; otherwise each of its pixels would be
+    // smeared over two.
     const QRectF area = bounds();
     const QPointF corner = device.map(middle + QPointF(area.left(), -area.bottom()));
     const QPointF sharp = device.inverted().map(QPointF(corner.toPoint()));

@@ -26,28 +26,29 @@ struct WeightedRun
 };
 using WeightedText = std::vector<WeightedRun>;
 
-/// Measures the sizes that the labels of one pie ask for, no more at a time than there are
-/// processors: each walk takes several threads by itself. A disk that does not answer holds up no
-/// end of the program; who owns the records tells the measures of it to stop.
+/// Measures the sizes that the labels of one pie ask for. It measures at most as many at a time as
+/// there are processors, because each walk uses several threads itself. A disk that does not answer
+/// does not keep the program from ending; the owner of the records tells their measurements to
+/// stop.
 using SizeQueue = BackgroundQueue<OwnersEnd::Abandon, Queueing::All>;
 std::shared_ptr<SizeQueue> makeSizeQueue();
 
 /// The label that rides on a slice: icon, name and size, one below the other around a middle point.
-/// The size text is asked for in the background, because finding it may mean to measure folders; it
-/// is shown when it arrives. Main thread only.
+/// The label asks for the size text in the background, because folders may have to be measured for
+/// it; it shows the text when it arrives. Main thread only.
 class InfoLayer final : public WeaklyReferable
 {
 public:
-    /// `changed` is called on the main thread when the label looks different by itself. Labels of
-    /// one pie share their queue.
+    /// `changed` is called on the main thread when the label changes its look by itself. The labels
+    /// of one pie share their queue.
     explicit InfoLayer(std::function<void()> changed = {},
                        std::shared_ptr<SizeQueue> queue = makeSizeQueue());
     InfoLayer(const InfoLayer &) = delete;
     InfoLayer &operator=(const InfoLayer &) = delete;
 
     const std::shared_ptr<Info> &info() const { return m_info; }
-    /// Shows this record, or nothing. The size of another record is taken away at once; an answer
-    /// that still comes for that one is dropped.
+    /// Shows this record, or nothing. The size of an earlier record disappears at once; an answer
+    /// that still comes for that record is dropped.
     void setInfo(std::shared_ptr<Info> info);
 
     /// The middle point, in the ChartPlane.
@@ -60,7 +61,7 @@ public:
     const QString &imageName() const { return m_content.image; }
     const QString &nameString() const { return m_content.name; }
     const WeightedText &sizeText() const { return m_content.size; }
-    /// The size text without its weights; empty while it is not known.
+    /// The size text without its weights; empty while the size is not known.
     QString sizeString() const;
 
     /// Where the parts are, relative to the middle point, y growing upwards.
@@ -73,8 +74,8 @@ public:
     /// Paints the label with its middle at a point of the painter's (y growing downwards).
     void paint(QPainter &painter, QPointF middle, double opacity);
 
-    /// The size text as it is set: number and unit in two weights. Nothing for texts that are no
-    /// number with a two-letter unit, which are shown plain.
+    /// The size text with its weights: one for the number, one for the unit. Nothing for a text
+    /// that is not a number with a two-letter unit; such a text is shown plain.
     static std::optional<WeightedText> attributedSizeString(const QString &text);
 
 private:
@@ -102,11 +103,11 @@ private:
     bool m_isHidden = false;
     Content m_content;
 
-    /// The record whose size was asked for and did not arrive yet; an address to compare, no more.
+    /// The record whose size was asked for and has not arrived yet; used only to compare addresses.
     const Info *m_asked = nullptr;
     bool m_askAgain = false;
 
     QRectF m_bounds;
-    QPixmap m_picture; ///< all of it, drawn once for a scale
+    QPixmap m_picture; ///< the whole label, drawn once for a scale
     double m_pictureScale = 0;
 };

@@ -9,9 +9,8 @@
 /// The two angles of a slice, each of which can be animated.
 enum class ArcKey { StartAngle, EndAngle };
 
-/// The arc of a slice, in radians. It has two states: the model angles are where it is heading, the
-/// presented ones what is on screen. They differ while an animation runs. Owned by the slice. Main
-/// thread only.
+/// The arc of a slice, in radians. It has two states: the model angles are its goal, the presented
+/// angles are on screen. They differ while an animation runs. Owned by the slice. Main thread only.
 class SliceArc final
 {
 public:
@@ -22,23 +21,23 @@ public:
 
     const Angles &model() const { return m_model; }
     double angle(ArcKey key) const { return m_model[slot(key)]; }
-    /// Without animation; a running one goes on.
+    /// Sets the model angle without animation; a running animation goes on.
     void setAngle(ArcKey key, double radians);
 
-    /// Nothing until it was on screen.
+    /// The angles on screen; nothing before the arc was first shown.
     const std::optional<Angles> &presented() const { return m_presented; }
 
-    /// Sets the model angle and prepares its animation: from what is on screen, or from `fromValue`
-    /// if nothing is. A running animation of the same angle is interrupted. The new one begins with
-    /// beginAnimations().
+    /// Sets the model angle and prepares its animation, which starts from the angle on screen, or
+    /// from `fromValue` if there is none. A running animation of the same angle is interrupted. The
+    /// new one begins with beginAnimations().
     void createAnimationForKey(ArcKey key, double fromValue, double toValue,
                                ArcAnimationDelegate &delegate);
     /// The animation of an angle; null if there is none.
     const ArcAnimation *animationForKey(ArcKey key) const { return m_animations[slot(key)].get(); }
 
-    /// Puts the arc on screen and begins the animations that were prepared.
+    /// Shows the arc and begins the animations that were prepared.
     void beginAnimations(MediaTime now, MediaTime duration);
-    /// Moves what is on screen to the given time.
+    /// Moves the angles on screen to the given time.
     void advance(MediaTime now);
     /// Ends the animations that are over.
     void finishAnimations(MediaTime now);

@@ -12,8 +12,8 @@ constexpr double kFullTurn = 2 * std::numbers::pi;
 
 double SliceGeometry::sweep() const
 {
-    // Rounding may leave the end of an empty slice a hair before its start; taken as an angle that
-    // would be nearly a full turn.
+    // Rounding may put the end of an empty slice slightly before its start; the angle between them
+    // would then be nearly a full turn.
     return std::clamp(end - start, 0.0, kFullTurn);
 }
 
@@ -22,7 +22,7 @@ QPainterPath SliceGeometry::createArcPath() const
     QPainterPath path;
     path.setFillRule(Qt::WindingFill);
     path.moveTo(center);
-    // Qt counts angles against its own y axis, hence the signs in a plane whose y grows upwards.
+    // Qt counts angles against its own y axis. Hence these signs in a plane whose y grows upwards.
     path.arcTo(QRectF(center.x() - radius, center.y() - radius, 2 * radius, 2 * radius),
                -qRadiansToDegrees(start), -qRadiansToDegrees(sweep()));
     path.closeSubpath();

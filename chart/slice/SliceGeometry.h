@@ -5,8 +5,8 @@
 #include <QPointF>
 
 /// Where one slice lies, in the ChartPlane: an arc from `start` to `end`, in radians
-/// counter-clockwise, around `center`. What is painted, what is hit and where the label sits all
-/// come from here. A value.
+/// counter-clockwise, around `center`. Painting, hit test and the position of the label all use it.
+/// A value.
 struct SliceGeometry
 {
     QPointF center;

@@ -16,25 +16,26 @@ class QDebug;
 
 /// One slice of a pie: its share, its arc, its colours and its label.
 ///
-/// It has two states. The model is where it is heading: startAngle() and endAngle(). The
-/// presentation is what is on screen: presentationLayer(). They differ while an animation runs.
-/// The shape follows when the chart sets a geometry made from one of them. Main thread only.
+/// It has two states. The model is its goal: startAngle() and endAngle(). The presentation is what
+/// is on screen: presentationLayer(). They differ while an animation runs. The shape changes when
+/// the chart sets a geometry made from one of them. Main thread only.
 class SliceLayer final
 {
 public:
     SliceLayer() = default;
-    /// A presentation copy: angles and looks of another slice, but neither value nor label.
+    /// A presentation copy: it has the angles and the look of another slice, but neither value nor
+    /// label.
     SliceLayer(const SliceLayer &layer);
     SliceLayer &operator=(const SliceLayer &) = delete;
 
-    /// Which slice of the data source this is.
+    /// The index of this slice in the data source.
     int index() const { return m_index; }
     void setIndex(int index) { m_index = index; }
 
     double value() const { return m_value; }
     void setValue(double value) { m_value = value; }
 
-    /// A fraction, from 0 to 1.
+    /// The slice's share of the pie, from 0 to 1.
     double percentage() const { return m_percentage; }
     void setPercentage(double percentage) { m_percentage = percentage; }
 
@@ -45,7 +46,7 @@ public:
     const SliceArc &arc() const { return m_arc; }
     SliceArc &arc() { return m_arc; }
 
-    /// The slice as it is on screen; null for one that never was.
+    /// The slice as it is on screen; null for a slice that was never shown.
     std::unique_ptr<SliceLayer> presentationLayer() const;
 
     /// Prepares the animation of an angle (see SliceArc).
@@ -56,11 +57,11 @@ public:
     }
 
     const SliceGeometry &geometry() const { return m_geometry; }
-    /// Shape and gradient follow.
+    /// Sets the geometry, and shape and gradient with it.
     void setGeometry(const SliceGeometry &geometry);
     const QPainterPath &path() const { return m_path; }
 
-    /// Nothing is filled without a colour.
+    /// Without a colour nothing is filled.
     const std::optional<QColor> &fillColor() const { return m_fillColor; }
     void setFillColor(const std::optional<QColor> &color) { m_fillColor = color; }
 
@@ -69,8 +70,8 @@ public:
 
     InfoLayer *infoLayer() const { return m_infoLayer.get(); }
     void setInfoLayer(std::unique_ptr<InfoLayer> layer) { m_infoLayer = std::move(layer); }
-    /// 0 while the slice is too narrow to carry its label, so that labels do not pile up where
-    /// slices fold together; 1 on one that stands still.
+    /// 0 while the slice is too narrow for its label, so that labels do not pile up where slices
+    /// fold together; 1 on a slice that stands still.
     double infoOpacity() const;
 
     /// Null until the chart made one.
@@ -81,8 +82,8 @@ public:
     }
     GradientLayer &madeGradientLayer();
 
-    /// What the shape is filled with: the gradient where it has colours, else the fill colour; none
-    /// if there is nothing to be seen. In the ChartPlane.
+    /// The brush that fills the shape: the gradient if it has colours, otherwise the fill colour;
+    /// none if nothing is visible. In the ChartPlane.
     QBrush brush() const;
     bool isOpaque() const { return brush().isOpaque(); }
 

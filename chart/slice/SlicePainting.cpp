@@ -22,7 +22,7 @@ bool isSameAngle(double first, double second)
     return std::abs(std::remainder(first - second, 2 * std::numbers::pi)) < kSameAngle;
 }
 
-/// Whether an opaque one among the others has the same edge.
+/// Whether one of the other slices is opaque and has the same edge.
 bool isShared(const SliceLayer &layer, ArcKey edge, OtherLayers others)
 {
     const SliceGeometry &geometry = layer.geometry();
@@ -39,8 +39,8 @@ QPointF rimPoint(const SliceGeometry &geometry, double angle, double inset)
     return geometry.center + QPointF(std::cos(angle), std::sin(angle)) * (geometry.radius - inset);
 }
 
-/// A line along the edge in the slice's own colours, reaching below the neighbour. It stops short
-/// of the rim, where the neighbour's edge is smooth too.
+/// Paints a line along the edge in the slice's own colours; it reaches below the neighbour. It ends
+/// before the rim, where the neighbour's edge is smooth too.
 void paintUnderlap(QPainter &painter, const SliceLayer &layer, ArcKey edge)
 {
     const SliceGeometry &geometry = layer.geometry();
@@ -50,7 +50,8 @@ void paintUnderlap(QPainter &painter, const SliceLayer &layer, ArcKey edge)
     painter.drawLine(geometry.center, rimPoint(geometry, angle, pixel));
 }
 
-/// A fine light line wherever two slices meet, so that neighbours of one colour stay apart.
+/// Paints a thin light line wherever two slices meet, so that neighbours of the same colour look
+/// separate.
 void paintSeparators(QPainter &painter, const SliceLayers &layers)
 {
     painter.setPen(QPen(kSeparatorColor, kSeparatorWidth, Qt::SolidLine, Qt::FlatCap));
@@ -65,7 +66,7 @@ void paintSeparators(QPainter &painter, const SliceLayers &layers)
 
 void paintSlices(QPainter &painter, const SliceLayers &layers, const QRectF &exposed)
 {
-    OtherLayers over(layers); // those that are painted later
+    OtherLayers over(layers); // the slices that are painted later
     for (const auto &layer : layers) {
         over = over.subspan(1);
         const QBrush brush = layer->brush();

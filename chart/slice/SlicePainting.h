@@ -4,9 +4,9 @@
 
 class QPainter;
 
-/// Paints the shapes of the slices, not their labels, in the given order into the ChartPlane. Those
-/// that do not reach into `exposed` may be left out.
+/// Paints the shapes of the slices, not their labels, in the given order into the ChartPlane. May
+/// leave out slices that do not reach into `exposed`.
 ///
-/// Neighbours meet without a gap: two smooth edges side by side would let the ground shine through
-/// as a light hairline.
+/// Neighbours meet without a gap: otherwise the background would shine through between two smooth
+/// edges as a thin light line.
 void paintSlices(QPainter &painter, const SliceLayers &layers, const QRectF &exposed);

@@ -6,7 +6,7 @@
 #include <QImage>
 #include <QSet>
 
-/// What a test's page knows of one slice.
+/// What a test's page knows about one slice.
 struct FakeSlice
 {
     double value = 1;
@@ -16,7 +16,7 @@ struct FakeSlice
     std::optional<QString> accessibleName;
 };
 
-/// A page's side of the chart: answers from a list and keeps what it was told.
+/// Takes the part of the page: answers the chart from a list and records the chart's calls.
 class FakeSlices final : public PieChartDataSource, public PieChartDelegate
 {
 public:
@@ -72,11 +72,11 @@ private:
     const FakeSlice &at(int index)
     {
         highestIndexAsked = std::max(highestIndexAsked, index);
-        return slices.at(static_cast<std::size_t>(index)); // throws for a slice there is not
+        return slices.at(static_cast<std::size_t>(index)); // throws when there is no such slice
     }
 };
 
-/// A chart of 400 x 300 points with a fake page, and the time in the test's hand.
+/// A chart of 400 x 300 points with a fake page, and with a clock that the test sets.
 class HeldChart final
 {
 public:

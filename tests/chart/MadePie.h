@@ -4,8 +4,8 @@
 
 #include <numbers>
 
-/// A pie of 400 x 300 points without any data source: slices as large as one another, from the top
-/// on, that stand still.
+/// A pie of 400 x 300 points without any data source. Its slices have the same size, begin at the
+/// top and stand still.
 class MadePie final : public PieView
 {
 public:

@@ -7,7 +7,7 @@
 #include <QTest>
 #include <atomic>
 
-/// A folder whose measuring takes until it is allowed to end.
+/// A folder whose measurement goes on until the test lets it end.
 class SlowFolder final
 {
 public:

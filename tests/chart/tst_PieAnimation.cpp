@@ -22,7 +22,7 @@ private Q_SLOTS:
 
 namespace {
 
-/// Two slices and the time in the test's hand.
+/// Two slices, and a clock that the test sets.
 class HeldAnimation final
 {
 public:

@@ -152,7 +152,7 @@ void TestPieChart::goesOnWhenAnAnimationIsInterrupted()
     held.pass(0.001);
     for (std::size_t i = 0; i < 3; ++i)
         QVERIFY(std::abs(held.layer(i).geometry().end - shown[i].end) < 0.05);
-    held.pass(0.5); // the first animation's end is past, and means nothing
+    held.pass(0.5); // the first animation would be over, but it does not count
     QCOMPARE(finished.count(), 0);
     QVERIFY(!held.chart.didLoad());
     held.pass(0.25);
@@ -220,7 +220,7 @@ void TestPieChart::foldsInTheDataSourcesColors()
     held.page.slices[0].color = Qt::green;
     held.chart.animateOut();
     QCOMPARE(held.layer(0).brush(), QBrush(Qt::green));
-    // Without a colour of the data source there is none, not even the chart's own.
+    // Without a colour from the data source there is none, not even the chart's own.
     QVERIFY(!held.layer(1).fillColor());
     QCOMPARE(held.layer(1).brush().style(), Qt::NoBrush);
 }
@@ -274,7 +274,7 @@ void TestPieChart::endsWithItsOwnerInTheMiddleOfAnAnimation()
         held.pass(0.3);
         layers = held.chart.sliceLayers();
     }
-    // Whoever still holds a slice, and tells its label something, does no harm.
+    // A caller that still holds a slice and changes its label does no harm.
     layers[0]->infoLayer()->setInfo(nullptr);
     QVERIFY(layers[0]->arc().animationForKey(ArcKey::EndAngle));
 }

@@ -168,7 +168,8 @@ void TestPieChartAccessible::movesTheFocus()
 
 void TestPieChartAccessible::tellsOfTheFocusAndOfSizesThatArrive()
 {
-    // Off screen nobody listens, and Qt passes nothing on; on a display the test hears it.
+    // Off screen no assistive technology listens, so Qt passes nothing on; on a display the test
+    // gets the event.
     const bool isHeard = QAccessible::isActive();
     m_held->chart.setFocus();
     QTest::keyClick(&m_held->chart, Qt::Key_Home);
@@ -201,7 +202,7 @@ void TestPieChartAccessible::answersNothingWhileTheChartIsDestroyed()
     chart->setDataSource(&page);
     QAccessibleInterface *first = nullptr;
     bool isAsked = false;
-    // Told before the interfaces go, when the chart is but a widget any more.
+    // This runs before the interfaces are destroyed, when the chart is only a widget.
     connect(chart.get(), &QObject::destroyed, this, [&] {
         isAsked = true;
         QVERIFY(!first->isValid());

@@ -144,7 +144,7 @@ void TestPieChartKeyboard::countsTheRingAsHovering()
     held.chart.reloadData();
     showWithFocus(held, Qt::TabFocusReason);
     QTest::keyClick(&held.chart, Qt::Key_Down);
-    QCOMPARE(held.page.hovered, QList<int>()); // it moves: nobody is told
+    QCOMPARE(held.page.hovered, QList<int>()); // it moves: the page gets no call
     held.settle();
     held.page.hovered.clear();
     QTest::keyClick(&held.chart, Qt::Key_Right);

@@ -10,7 +10,7 @@ namespace {
 
 const std::array kColors{QColor(200, 30, 30), QColor(30, 160, 40), QColor(30, 60, 200)};
 
-/// What was repainted of a widget.
+/// The area of a widget that was repainted.
 class PaintedArea final : public QObject
 {
 public:
@@ -117,7 +117,7 @@ void TestPieChartPainting::paintsWhatItHits()
     setColors(held.page);
     held.chart.reloadData();
     held.pass(time);
-    // The disc has some 4400 points of the grid; 30 % of it have grown at the earlier time.
+    // The disc covers about 4400 points of the grid; at the earlier time 30 % of it have grown.
     QVERIFY(comparedPoints(held, scale) > (time < 0.75 ? 1000 : 4000));
 }
 
@@ -164,7 +164,7 @@ void TestPieChartPainting::paintsTheFirstColorBelowAndTheSecondAbove()
     QVERIFY(image.pixelColor(200, 5).blue() > 235);
     QVERIFY(image.pixelColor(200, 294).red() > 235);
     QVERIFY(std::abs(image.pixelColor(200, 150).red() - 127) < 4);
-    QCOMPARE(image.pixelColor(120, 220), image.pixelColor(280, 220)); // from below to above alone
+    QCOMPARE(image.pixelColor(120, 220), image.pixelColor(280, 220)); // only from bottom to top
 }
 
 void TestPieChartPainting::paintsFlatBeforeItHasSettled()
@@ -211,7 +211,7 @@ void TestPieChartPainting::leavesNoSeamBetweenSlices()
     held.chart.render(&image, {}, {}, QWidget::RenderFlags());
     for (int y = 0; y < 300; ++y) {
         for (int x = 0; x < 400; ++x) {
-            // The separating line is white: red that is not matched by blue is the ground.
+            // The separating line is white. A pixel with more red than blue shows the background.
             const QColor seen = image.pixelColor(x, y);
             if (std::hypot(x + 0.5 - 200, y + 0.5 - 150) < 147)
                 QVERIFY(seen.red() - seen.blue() <= 2);
@@ -298,7 +298,7 @@ void TestPieChartPainting::doesNotRepaintWhatStandsStill()
     QVERIFY(QTest::qWaitForWindowExposed(&held.window));
     QCoreApplication::processEvents();
     const PaintedArea painted(held.chart);
-    held.chart.reloadData(); // the same again: an animation from here to here
+    held.chart.reloadData(); // the same again: an animation from a state to the same state
     QVERIFY(held.chart.isAnimating());
     held.pass(0.3);
     QCoreApplication::processEvents();

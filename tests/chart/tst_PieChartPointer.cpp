@@ -9,12 +9,12 @@ using std::numbers::pi;
 
 namespace {
 
-/// Has no wish to know anything.
+/// Overrides none of the calls.
 class DeafDelegate final : public PieChartDelegate
 {
 };
 
-/// A window that hears the clicks its chart does not take.
+/// A window that gets the clicks that its chart does not accept.
 class HearingWindow final : public QWidget
 {
 public:
@@ -124,7 +124,7 @@ void TestPieChartPointer::tellsOfClicksWhileItMoves()
     HeldChart held({1, 1});
     held.pass(0.15);
     QVERIFY(held.chart.isAnimating());
-    // The second slice is on its way down the left side.
+    // The second slice is moving down the left side.
     const SliceGeometry &second = held.layer(1).geometry();
     const double middle = (second.start + second.end) / 2;
     const QPointF at(200 + 100 * std::cos(middle), 150 - 100 * std::sin(middle));
@@ -217,7 +217,7 @@ void TestPieChartPointer::tellsWhereThePointerHovers()
 void TestPieChartPointer::tellsThatThePointerLeft()
 {
     HeldChart held({1, 1});
-    leave(held.chart); // nobody was told of a pointer
+    leave(held.chart); // no pointer was reported before
     QCOMPARE(held.page.hovered, QList<int>());
     held.settle();
     held.page.hovered.clear();

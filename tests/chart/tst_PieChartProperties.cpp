@@ -3,7 +3,7 @@
 
 namespace {
 
-/// Answers nothing but what it must.
+/// Gives only the answers that it must give.
 class PlainSlices final : public PieChartDataSource
 {
 public:

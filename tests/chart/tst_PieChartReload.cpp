@@ -11,7 +11,7 @@ namespace {
 
 QStringList *s_lines = nullptr;
 
-/// Keeps what the chart says while it lives.
+/// Records what the chart logs as long as this object lives.
 class ChartLog final
 {
 public:
@@ -31,7 +31,7 @@ public:
     QStringList lines;
 };
 
-/// Writes down what a reload asks before it lays anything out.
+/// Records what a reload asks before it lays anything out.
 class AskedSlices final : public PieChartDataSource
 {
 public:
@@ -129,7 +129,7 @@ void TestPieChartReload::insertsANewSliceBeforeTwo()
     QCOMPARE(after[0]->value(), 5.0);
     QCOMPARE(after[2]->value(), 3.0);
     QVERIFY(before[0]->infoLayer()->isHidden());
-    // A new slice of a pie that is shown stands where it belongs at once.
+    // A new slice of a pie that is already shown is at its final position at once.
     QCOMPARE(after[0]->geometry().end, after[0]->endAngle());
     QCOMPARE(after[2]->geometry().end, 2.5 * pi);
 }
@@ -157,7 +157,7 @@ void TestPieChartReload::foldsWhenAllValuesAreZero()
     held.chart.reloadData();
     QCOMPARE(held.chart.sliceLayers().size(), std::size_t(2));
     QVERIFY(!held.layer(0).infoLayer()->info());
-    QVERIFY(held.layer(1).geometry().sweep() > 4); // shrinks from where it stands
+    QVERIFY(held.layer(1).geometry().sweep() > 4); // shrinks from its present arc
     held.pass(0.3);
     QVERIFY(held.layer(1).geometry().sweep() < 2);
     held.settle();
@@ -225,7 +225,7 @@ void TestPieChartReload::answersForTheSliceThatIsSeen()
     held.page.slices[1].color = Qt::blue;
     held.chart.reloadData();
     held.settle();
-    // Slice 0 is the upper one in the list now; colour and clicks are its own all the same.
+    // Slice 0 is now the upper one in the list; it still has its own colour and clicks.
     QCOMPARE(held.layer(1).index(), 0);
     QCOMPARE(held.layer(1).brush(), QBrush(Qt::red));
     QCOMPARE(held.layer(0).brush(), QBrush(Qt::blue));
@@ -233,7 +233,7 @@ void TestPieChartReload::answersForTheSliceThatIsSeen()
     QCOMPARE(held.chart.getCurrentSelectedOnLocation({205, 50}), 1);
 }
 
-/// A page may make the record with the first question and reckon its value with the second.
+/// A page may make the record at the first question and compute its value at the second.
 void TestPieChartReload::asksSliceBySliceForRecordAndValue()
 {
     AskedSlices page;

@@ -12,7 +12,7 @@ const int kProcessors = QThread::idealThreadCount();
 
 } // namespace
 
-/// How a pie has the sizes of its slices measured.
+/// How a pie lets the sizes of its slices be measured.
 class TestPieChartSizes final : public QObject
 {
     Q_OBJECT
@@ -57,7 +57,7 @@ void TestPieChartSizes::measuresNoMoreSlicesAtATimeThanThereAreProcessors()
     QCOMPARE(folder.measured.load(), kProcessors + 2);
 }
 
-/// Painting hands spans to the toolkit's own pool and waits for them.
+/// Painting gives parts of its work to the toolkit's own thread pool and waits for them.
 void TestPieChartSizes::leavesTheToolkitsThreadsToThePainting()
 {
     SlowFolder folder;

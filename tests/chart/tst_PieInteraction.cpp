@@ -8,7 +8,7 @@
 
 namespace {
 
-/// Hears what its pie lets through.
+/// Gets the events that its pie lets through.
 class HearingWindow final : public QWidget
 {
 public:
@@ -20,7 +20,7 @@ protected:
     void keyPressEvent(QKeyEvent *event) override { heard << event->type(); }
 };
 
-/// A pie of four slices in a window, and all that is told of it.
+/// A pie of four slices in a window, with a record of its signals.
 class HeldPie final
 {
 public:
@@ -62,7 +62,7 @@ public:
     }
 };
 
-// A point in each of the first two slices, and one in none.
+// A point in each of the first two slices, and one outside of all.
 constexpr QPointF kFirst(150, 100);
 constexpr QPointF kSecond(150, 200);
 constexpr QPointF kOutside(5, 5);
@@ -139,7 +139,7 @@ void TestPieInteraction::tellsOfThePointerWithATrackingAreaAlone()
     QCOMPARE(held.hovered.size(), 4);
 }
 
-/// A move that reached the window could drag it away.
+/// A move that reaches the window could drag the window away.
 void TestPieInteraction::keepsMovesToItself()
 {
     HeldPie held;
@@ -263,7 +263,7 @@ void TestPieInteraction::hoversWithTheFocusWhileItTracks()
 void TestPieInteraction::makesThePieReachableForSlicesThatCanBeChosen()
 {
     HeldPie held;
-    held.selectable = {7}; // none of the pie's
+    held.selectable = {7}; // not a slice of the pie
     held.interaction.updateFocusPolicy();
     QCOMPARE(held.pie.focusPolicy(), Qt::NoFocus);
     held.selectable = {3};

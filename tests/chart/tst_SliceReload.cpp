@@ -5,7 +5,7 @@
 
 namespace {
 
-/// Slices are written as letters: those that were there a, b, c ..., new ones A, B, C ...
+/// Slices are written as letters: old ones are a, b, c ..., new ones are A, B, C ...
 class Story final
 {
 public:

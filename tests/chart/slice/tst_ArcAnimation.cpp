@@ -5,7 +5,8 @@
 
 namespace {
 
-/// Solved in steps, without the toolkit: the time curve of control points (0.25, 0.1), (0.25, 1).
+/// The time curve with the control points (0.25, 0.1) and (0.25, 1), solved in steps, without the
+/// toolkit.
 double eased(double time)
 {
     const auto cubic = [](double first, double second, double t) {

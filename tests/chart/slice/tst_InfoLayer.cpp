@@ -38,7 +38,7 @@ QImage painted(InfoLayer &layer, double scale, QPointF middle, double opacity = 
     return image;
 }
 
-/// Whether a pixel differs from the ground between two heights (points, of the image).
+/// Whether a pixel between two heights (in points of the image) differs from the background.
 bool isPaintedBetween(const QImage &image, int top, int bottom)
 {
     for (int y = top; y < bottom; ++y) {
@@ -140,7 +140,7 @@ void TestInfoLayer::placesItsPartsAroundTheMiddle()
     layer.setInfo(infoWithText(QStringLiteral("Trash"), QStringLiteral("1 GB")));
     letSizesArrive();
     QCOMPARE(layer.imageFrame(), QRectF(-27, -10, 54, 54));
-    QCOMPARE(layer.nameFrame().top(), -25.0); // the lesser y
+    QCOMPARE(layer.nameFrame().top(), -25.0); // the smaller y
     QCOMPARE(layer.nameFrame().bottom(), -5.0);
     QCOMPARE(layer.nameFrame().center().x(), 0.0);
     QVERIFY(layer.nameFrame().width() > 20);
@@ -171,7 +171,7 @@ void TestInfoLayer::centresTheIconOfARecordWithoutName()
     layer.setInfo(infoWithText(QStringLiteral("Trash"), QStringLiteral("1 GB")));
     layer.setInfo(infoWithText({}, QStringLiteral("0")));
     QCOMPARE(layer.imageFrame(), QRectF(-27, -27, 54, 54));
-    QCOMPARE(layer.nameString(), QStringLiteral("Trash")); // left as it was
+    QCOMPARE(layer.nameString(), QStringLiteral("Trash")); // not changed
     layer.setInfo(infoWithText(QStringLiteral("Cache"), QStringLiteral("1 GB")));
     QCOMPARE(layer.imageFrame(), QRectF(-27, -10, 54, 54));
 }
@@ -186,7 +186,7 @@ void TestInfoLayer::showsNoTextForARecordWithoutName()
     letSizesArrive();
     const QImage image = painted(layer, 1, {150, 150});
     QVERIFY(isPaintedBetween(image, 150 - 27, 150 + 27));
-    QVERIFY(!isPaintedBetween(image, 150 + 27 + 2, 300)); // but for its shade
+    QVERIFY(!isPaintedBetween(image, 150 + 27 + 2, 300)); // except its shade
 }
 
 void TestInfoLayer::isEmptyWithoutRecord()
@@ -267,8 +267,7 @@ void TestInfoLayer::asksOnceForARecordThatIsBeingMeasured()
     QCOMPARE(folder.measured.load(), 1);
 }
 
-/// Who asks holds the record; the record itself would measure only once, but keep all of them
-/// waiting.
+/// The asker holds the record. The record itself would measure only once, but let all askers wait.
 void TestInfoLayer::holdsNoFurtherThreadForARecordThatIsBeingMeasured()
 {
     SlowFolder folder;
@@ -345,7 +344,7 @@ void TestInfoLayer::paintsOnWholePixels()
     InfoLayer layer;
     layer.setInfo(infoWithText(QStringLiteral("Trash"), QStringLiteral("1 GB")));
     letSizesArrive();
-    // Wherever the corner falls between two pixels, the letters are the very same.
+    // The letters are the same wherever the corner lies between two pixels.
     const QPointF offset(-layer.bounds().left(), layer.bounds().bottom());
     const QImage there = painted(layer, scale, offset + QPointF(60, 60) / scale);
     const QImage beside = painted(layer, scale, offset + QPointF(60.3, 59.8) / scale);

@@ -7,7 +7,7 @@ namespace {
 constexpr MediaTime kBegin{100};
 constexpr MediaTime kDuration{1};
 
-/// Counts what it is told.
+/// Counts its calls.
 class CountingDelegate final : public ArcAnimationDelegate
 {
 public:
@@ -51,7 +51,7 @@ void TestSliceArc::movesOneAngleAlone()
     CountingDelegate delegate;
     SliceArc arc({1, 2});
     arc.createAnimationForKey(ArcKey::EndAngle, 2, 4, delegate);
-    QCOMPARE(arc.model(), (SliceArc::Angles{1, 4})); // where it is heading
+    QCOMPARE(arc.model(), (SliceArc::Angles{1, 4})); // its goal
     QCOMPARE(delegate.started, 0);
     arc.beginAnimations(kBegin, kDuration);
     QCOMPARE(delegate.started, 1);
