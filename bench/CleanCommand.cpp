@@ -39,7 +39,7 @@ Order readOrder(const QStringList &arguments)
     return order;
 }
 
-/// Grants the folder around the place that is to be cleaned, and nothing else.
+/// Grants the folder around the location to be cleaned, and nothing else.
 class SurroundingFolder final : public FileAccess
 {
 public:

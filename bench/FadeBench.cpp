@@ -37,7 +37,7 @@ constexpr double kNanosecondsPerMillisecond = 1e6;
 constexpr std::size_t kHundred = 100;
 constexpr std::size_t kHighPercentile = 95;
 
-/// As much work as the real one: gradients, smooth edges, a soft shadow, a turn every frame.
+/// As much work as the real pie: gradients, smooth edges, a soft shadow, a turn every frame.
 class Pie final : public QWidget
 {
 public:

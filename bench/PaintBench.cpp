@@ -1,5 +1,5 @@
 // Measures what a frame of the pie costs in software rendering: medians of whole repaints of a
-// window that shows nothing else. On a busy machine look at the processor's time.
+// window that shows nothing else. On a busy machine read the processor time.
 //
 //   vantor-paint-bench [--size points] [--scale factor] [--frames count] [--save folder]
 //
@@ -43,9 +43,10 @@ const std::array kContents{
     Content{"Browser Data", "96 bytes", QColor(62, 173, 228), QColor(18, 164, 236)},
 };
 constexpr QColor kGround(240, 240, 240);
-/// The first one that is off by default; the large files are off as well.
+/// The first slice that is off by default; the large files are off as well.
 constexpr int kFirstOff = 5;
-/// Seconds: where in an animation frames are taken, and from one of them to the next.
+/// In seconds: the time in an animation at which frames are taken, and the time from one to the
+/// next.
 constexpr double kAmidst = 0.2;
 constexpr double kFrameStep = 0.001;
 constexpr double kMillisecond = 1e-3;
@@ -54,7 +55,7 @@ constexpr std::chrono::minutes kPatience(1); // for sizes that are texts
 constexpr QColor kOffPrimary(134, 134, 134);
 constexpr QColor kOffSecondary(110, 110, 110);
 
-/// Eight slices of one size, some of them grey, or of many sizes.
+/// Eight slices of the same size, some of them grey, or of many sizes.
 class Slices final : public PieChartDataSource, public PieChartDelegate
 {
 public:

@@ -2,6 +2,6 @@
 
 #include <QtGlobal>
 
-/// The most memory that this process has held resident so far, in bytes; 0 where the system does
-/// not say.
+/// The largest resident memory that this process has had so far, in bytes; 0 where the system does
+/// not tell.
 qint64 peakResidentBytes();

@@ -2,8 +2,7 @@
 
 #include <QFile>
 
-/// The usage record of the process would be simpler to ask, but it starts with the peak of whatever
-/// program the process was before.
+/// getrusage() would be simpler, but its peak includes the program that the process ran before.
 qint64 peakResidentBytes()
 {
     constexpr qint64 kBytesPerKilobyte = 1024;

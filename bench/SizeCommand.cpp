@@ -13,8 +13,8 @@
 
 namespace {
 
-/// The place at a path whose links have been followed. A folder is its own anchor, for it may be a
-/// mount; anything else is anchored at the folder that holds it.
+/// The location at a path, after its links are followed. A folder is its own anchor, because it may
+/// be a mount; anything else is anchored at the folder that holds it.
 std::optional<AnchoredPath> placeAt(const QString &path)
 {
     const QFileInfo found(QFileInfo(path).canonicalFilePath());

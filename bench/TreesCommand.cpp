@@ -21,7 +21,7 @@ constexpr unsigned kSeed = 7;
 constexpr mode_t kFolderMode = 0755;
 constexpr mode_t kFileMode = 0644;
 
-/// How many of something there may be.
+/// The smallest and the largest count of something.
 struct Span
 {
     std::size_t from;
@@ -87,14 +87,14 @@ private:
     int m_entries = 0;
 };
 
-/// As a browser keeps it: files in 256 folders named by the first byte of a hash.
+/// A cache as a browser keeps it: files in 256 folders, each named after the first byte of a hash.
 void makeHashedCache(TreeMaker &maker, int application)
 {
     for (int i = 0; i < 256; ++i)
         maker.files(maker.folder(application, std::to_string(i)).get(), maker.pick(kHashedFiles));
 }
 
-/// As most programs keep it: folders in folders with few files.
+/// A cache as most programs keep it: nested folders with few files.
 void makeNestedCache(TreeMaker &maker, int application)
 {
     std::vector<FileDescriptor> folders;

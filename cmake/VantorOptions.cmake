@@ -3,7 +3,7 @@ set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_AUTOMOC ON)
-set(CMAKE_GLOBAL_AUTOGEN_TARGET ON) # "autogen": what moc makes, and nothing else
+set(CMAKE_GLOBAL_AUTOGEN_TARGET ON) # "autogen": runs moc, and nothing else
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR})
 
@@ -16,21 +16,21 @@ target_compile_definitions(vantor_options INTERFACE QT_NO_CAST_FROM_ASCII QT_NO_
     QT_NO_KEYWORDS QT_NO_FOREACH QT_DISABLE_DEPRECATED_BEFORE=0x060400)
 target_include_directories(vantor_options INTERFACE ${PROJECT_SOURCE_DIR})
 if(VANTOR_SANITIZE)
-    # A target that hosts foreign code which does not bear them sets VANTOR_UNSANITIZED.
+    # A target with foreign code that does not work under the sanitizers sets VANTOR_UNSANITIZED.
     set(sanitized "$<NOT:$<BOOL:$<TARGET_PROPERTY:VANTOR_UNSANITIZED>>>")
     target_compile_options(vantor_options INTERFACE
         "$<${sanitized}:-fsanitize=${VANTOR_SANITIZE};-fno-omit-frame-pointer;-fno-sanitize-recover=all>")
     target_link_options(vantor_options INTERFACE "$<${sanitized}:-fsanitize=${VANTOR_SANITIZE}>")
 endif()
 
-# It links in less than half the time of the system's usual one.
+# This linker needs less than half the time of the system's default one.
 include(CheckLinkerFlag)
 check_linker_flag(CXX -fuse-ld=gold VANTOR_HAS_GOLD)
 if(VANTOR_HAS_GOLD)
     target_link_options(vantor_options INTERFACE -fuse-ld=gold)
 endif()
 
-# What it must overlook to keep what was compiled with precompiled headers.
+# The differences that ccache must ignore to keep results that used precompiled headers.
 find_program(CCACHE ccache)
 if(CCACHE)
     set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env
@@ -40,5 +40,5 @@ if(CCACHE)
     endif()
 endif()
 
-# Sources of one system are called after it: X_linux.cpp.
+# Sources for one system are named after it: X_linux.cpp.
 string(TOLOWER ${CMAKE_SYSTEM_NAME} VANTOR_SYSTEM)

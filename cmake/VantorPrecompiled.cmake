@@ -1,9 +1,9 @@
-# Headers compiled once for many sources: the toolkit's and the standard library's alone, for ours
-# change. Each source includes all that it uses and compiles without them too; a build with
-# VANTOR_PRECOMPILED=OFF shows it.
+# Headers compiled once for many sources: only those of the toolkit and of the standard library,
+# because ours change. Each source includes all that it uses and compiles without them too; a build
+# with VANTOR_PRECOMPILED=OFF shows it.
 option(VANTOR_PRECOMPILED "Compile the headers of Qt and of the standard library once" ON)
 
-# What most sources include. Whole modules would take longer to load than they spare.
+# The headers that most sources include. Whole modules would take longer to load than they save.
 set(standard_headers <algorithm> <array> <atomic> <chrono> <condition_variable> <functional> <memory>
     <mutex> <optional> <span> <stop_token> <string> <thread> <vector> <tl/expected.hpp>)
 set(core_headers ${standard_headers} <QByteArray> <QDateTime> <QDir> <QFile> <QHash> <QJsonObject>
@@ -11,12 +11,12 @@ set(core_headers ${standard_headers} <QByteArray> <QDateTime> <QDir> <QFile> <QH
 set(widget_headers ${core_headers} <QAbstractButton> <QApplication> <QIcon> <QLabel> <QMouseEvent>
     <QPainter> <QPainterPath> <QPixmap> <QScrollArea> <QVBoxLayout> <QWidget>)
 
-# Qt tells each test its folder, for a search for data that no test of ours makes, and whether it
-# may print values of the network, which none compares; what is compiled for all has to be told the
-# same.
+# Qt defines macros for each test: the test's folder, for a search for data that our tests never
+# make, and whether the test may print values of the network, which ours never compare. Headers that
+# are compiled for all tests need the same macros in all of them.
 set(same_in_all -UQT_TESTCASE_BUILDDIR -UQT_TESTCASE_SOURCEDIR -UQT_NETWORK_LIB)
 
-# Makes a set of headers for vantor_precompile(): a library of nothing else.
+# Makes a set of headers for vantor_precompile(): a library that holds nothing else.
 function(vantor_precompiled_headers set)
     cmake_parse_arguments(ARG "" "" "LINKS;HEADERS" ${ARGN})
     if(NOT VANTOR_PRECOMPILED)

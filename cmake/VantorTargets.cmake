@@ -1,9 +1,9 @@
-# vantor_room([CORE] LINKS ... [NO_WIDGETS]): all sources of this folder become one static library of the house,
-# called after the folder: platform/system is vantor_platform_system. It may include only what it
-# links; tests/lint holds it to that. CORE: Qt Core at most, no widget. NO_WIDGETS: no engine, but
-# links no widgets either.
-# A source called X_linux.cpp belongs to it where the system is called so (CMAKE_SYSTEM_NAME in small
-# letters); to bring it to another system means to add such files.
+# vantor_room([CORE] LINKS ... [NO_WIDGETS]): makes one static library of all sources of this
+# folder, named after the folder: platform/system is vantor_platform_system. It may include only
+# what it links; tests/lint checks this. CORE: Qt Core at most, no widget. NO_WIDGETS: no engine,
+# but it links no widgets either. A source named X_linux.cpp belongs to the library only on the
+# system of that name (CMAKE_SYSTEM_NAME in small letters); to port the room to another system means
+# to add such files.
 function(vantor_room)
     cmake_parse_arguments(ARG "CORE;NO_WIDGETS" "" "LINKS" ${ARGN})
     file(RELATIVE_PATH folder ${PROJECT_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR})
@@ -23,12 +23,12 @@ function(vantor_room)
     endif()
 endfunction()
 
-# What is built for a run of some tests only: each target stands for the ctest label of its name.
+# Targets for a run of only some tests: each builds the tests with the ctest label of its name.
 add_custom_target(fast-tests)
 add_custom_target(engine-tests)
 
-# vantor_test_labels(VARIABLE folder [SLOW] [GUI]): "fast" but for SLOW tests, and "engine" for tests
-# of a CORE room without widgets, which are run under the sanitizers.
+# vantor_test_labels(VARIABLE folder [SLOW] [GUI]): sets "fast" unless the tests are SLOW, and
+# "engine" for tests of a CORE room without widgets, which run under the sanitizers.
 function(vantor_test_labels variable folder)
     cmake_parse_arguments(ARG "GUI;SLOW" "" "" ${ARGN})
     string(REPLACE "/" "_" room "vantor_${folder}")
@@ -45,10 +45,10 @@ function(vantor_test_labels variable folder)
     set(${variable} "${labels}" PARENT_SCOPE)
 endfunction()
 
-# vantor_tests(LINKS ... [GUI] [SLOW] [ONLY tst_A tst_B ...]): every tst_*.cpp of this folder becomes
-# one test of that name, but for those that an earlier call with ONLY has named. SLOW tests drive the
-# whole program or the web engine; ./test --fast leaves them out.
-# A test never sees the user's own bus, display or settings; tests/support makes it a home of its own.
+# vantor_tests(LINKS ... [GUI] [SLOW] [ONLY tst_A tst_B ...]): makes one test of each tst_*.cpp of
+# this folder, named after the file, except those that an earlier call with ONLY has named. SLOW
+# tests drive the whole program or the web engine; ./test --fast leaves them out. A test never sees
+# the user's own bus, display or settings; tests/support makes a separate home for it.
 function(vantor_tests)
     cmake_parse_arguments(ARG "GUI;SLOW" "" "LINKS;ONLY" ${ARGN})
     file(RELATIVE_PATH folder ${PROJECT_SOURCE_DIR}/tests ${CMAKE_CURRENT_SOURCE_DIR})

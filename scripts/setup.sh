@@ -1,21 +1,22 @@
 # shellcheck shell=bash
-# What ./run, ./test and the scripts share: finds and installs what is missing on Debian, then builds a preset.
-# Sourced from the repository's top folder, with set -euo pipefail in force.
+# Functions for ./run, ./test and the scripts: they find and install what is missing on Debian, then
+# build a preset. Source this file from the repository's top folder, with set -euo pipefail in force.
 
-# Debian's packages, by what they are for.
+# Debian's packages, by purpose.
 declare -A PACKAGES=(
     # The compiler, Qt's parts, and what their CMake files look for.
     [building]="g++ cmake ninja-build
         qt6-base-dev qt6-tools-dev qt6-tools-dev-tools qt6-svg-dev qt6-webengine-dev qt6-pdf-dev
         libgl1-mesa-dev libexpected-dev zlib1g-dev libxcb1-dev libxcb-shape0-dev pkg-config fonts-inter"
-    # The kinds of files, the browser's opener, drawing without a graphics card, and desktops that
-    # speak Wayland alone.
+    # The MIME database, the opener of the browser, drawing without a graphics card, and desktops
+    # that have only Wayland.
     [running]="shared-mime-info xdg-utils libegl1 libgl1-mesa-dri qt6-wayland"
     # A display and a window manager where there is no desktop.
     [showing]="xvfb xauth openbox"
-    # The tests' own file systems and attributes; keys that come from outside the program.
+    # Tools for the tests' own file systems and attributes, and for keys that come from outside the
+    # program.
     [testing]="e2fsprogs xdotool"
-    # What judges a change before it is sent.
+    # Tools that check a change before it is sent.
     [checking]="clang-format clang-tidy git"
 )
 
@@ -54,7 +55,7 @@ missing_packages() {
 
 may_ask() { [[ ${CI:-} != true && -t 0 && -t 2 ]]; }
 
-# Prints the words that give a command the right to install, nothing for root.
+# Prints the command prefix that gives the right to install; nothing for root.
 installing_words() {
     ((EUID != 0)) || return 0
     local by_hand="install them as root and start again: apt-get install --no-install-recommends $1"
@@ -83,7 +84,8 @@ install_on_debian() {
         apt-get install -y --no-install-recommends "${missing[@]}"
 }
 
-# Other systems name their packages differently: say what is needed, go on if the tools are there.
+# Other systems name their packages differently: print what is needed, and go on if the tools are
+# there.
 name_the_needs() {
     cat >&2 <<'NEEDS'
 This is not Debian, so nothing is installed for you. Vantor needs:
