@@ -6,12 +6,12 @@
 
 #include <atomic>
 
-/// Stands for the granted home: the right to work in one folder, without a grant. Counts how it is
-/// used; any thread. Waits at its end for the threads that it is lent to.
+/// Stands for the granted home: the right to work in one folder, without a grant. Counts its calls;
+/// any thread. The destructor waits for the background threads that may still use it.
 class FolderAccess : public FileAccess
 {
 public:
-    /// When it says where something is.
+    /// When it tells where something is.
     enum class Answers { Always, WhileAccessed };
 
     explicit FolderAccess(const QByteArray &folder, Answers answers = Answers::Always)
@@ -20,7 +20,7 @@ public:
           m_answers(answers)
     {
     }
-    /// Of a folder that is open, whatever rights this process has.
+    /// Access to a folder that is already open, whatever rights this process has.
     FolderAccess(const QByteArray &folder, std::shared_ptr<const FileDescriptor> anchor,
                  Answers answers)
         : m_folder(folder), m_anchor(std::move(anchor)), m_answers(answers)
@@ -30,7 +30,7 @@ public:
 
     int starts() const { return m_starts; }
     int stops() const { return m_stops; }
-    /// How many times it is held at present.
+    /// How many times it is held now.
     int count() const { return m_starts - m_stops; }
 
     void startAccessing() override { ++m_starts; }

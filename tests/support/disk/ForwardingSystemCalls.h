@@ -8,9 +8,9 @@
 #include <functional>
 #include <string_view>
 
-/// Hands every call on to another SystemCalls, but asks a hook first, which sees the call's number
-/// (from 1) and name, and may fail it by answering an errno. Any thread; the hook is called in the
-/// thread of the call.
+/// Hands every call on to another SystemCalls, but asks a hook first. The hook gets the call's
+/// number (from 1) and name, and may return an errno to fail the call. Any thread; the hook is
+/// called in the thread of the call.
 class ForwardingSystemCalls : public SystemCalls
 {
 public:
@@ -29,7 +29,8 @@ public:
 
     /// Fails one call.
     static Hook failing(int number, int error);
-    /// Fails one call and all that follow: to the file system, the same as a kill before it.
+    /// Fails one call and all that follow. For the file system this is the same as a kill before
+    /// that call.
     static Hook killedBefore(int number);
 
     SystemResult<FileDescriptor> openFolder(int parent, const char *relativePath,
@@ -52,7 +53,7 @@ public:
     SystemResult<QByteArray> readLink(int parent, const char *name) const override;
     SystemResult<bool> isLocked(int file) const override;
     bool isRunning(std::int64_t process) const override;
-    /// None: what a test finds must not depend on what else the machine does.
+    /// Returns none: the result of a test must not depend on what else the machine does.
     SystemResult<QByteArrayList> programNames() const override;
     QByteArray hostName() const override;
     SystemResult<FileDescriptor> openFile(int parent, const char *name) const override;

@@ -8,9 +8,9 @@
 
 class ForwardingSystemCalls;
 
-/// The system with a hook before every call, which sees the call's number (from 1) and name, and
-/// may fail it by answering an errno. For tests that need not override a call: they do not know
-/// what calls there are. Any thread; the hook is called in the thread of the call.
+/// The system with a hook before every call. The hook gets the call's number (from 1) and name, and
+/// may return an errno to fail the call. For tests that override no call: they need not know which
+/// calls there are. Any thread; the hook is called in the thread of the call.
 class HookedSystem final
 {
 public:
@@ -21,7 +21,7 @@ public:
     /// Waits for background threads that may be calling.
     ~HookedSystem();
 
-    /// Stands for the calls wherever they are asked for.
+    /// Lets a test pass this object where SystemCalls are expected.
     operator const SystemCalls &() const;
 
     /// Sets another hook and counts from 1 again. No call may be under way.
@@ -32,7 +32,8 @@ public:
 
     /// Fails one call.
     static Hook failing(int number, int error);
-    /// Fails one call and all that follow: to the file system, the same as a kill before it.
+    /// Fails one call and all that follow. For the file system this is the same as a kill before
+    /// that call.
     static Hook killedBefore(int number);
 
 private:

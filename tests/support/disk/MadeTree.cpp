@@ -43,7 +43,7 @@ void makeFileIn(int parent, const QByteArray &name, qint64 size)
     require(file.isValid() && ::ftruncate(file.get(), size) == 0, "make file", name);
 }
 
-/// Removes all entries of a folder but the folders, and names one of these.
+/// Removes all entries of a folder except its subfolders, and returns the name of one of these.
 QByteArray removeFilesIn(const FileDescriptor &folder)
 {
     QByteArray subfolder;
@@ -58,7 +58,7 @@ QByteArray removeFilesIn(const FileDescriptor &folder)
     return subfolder;
 }
 
-/// With one open folder at a time: such deep trees go beyond the standard library's means.
+/// Keeps one folder open at a time: the standard library cannot remove trees that are so deep.
 void removeBeneath(int top)
 {
     QByteArrayList way;
@@ -96,7 +96,7 @@ void setAttributesOf(const FileDescriptor &file, int attributes)
 MadeTree::MadeTree()
     : m_descriptor(std::make_shared<const FileDescriptor>(openFolder(AT_FDCWD, m_scratch.path())))
 {
-    // What the tests ask for is what they get, whatever the shell's mask.
+    // The tests get exactly the permissions that they ask for, whatever the shell's mask.
     ::umask(0);
     require(::fchmod(m_descriptor->get(), kFolderMode) == 0, "open up", m_scratch.path());
 }

@@ -9,9 +9,9 @@
 /// The attributes that keep a file or folder from being changed.
 enum class Attribute { Immutable, AppendOnly };
 
-/// A tree of files of the test's own: paths of any length, any bytes and any depth, foreign owners
-/// and attributes. Paths are relative to the tree's own folder, which every user may change. Takes
-/// everything away when it goes, whatever the test did to it. A step that fails ends the test.
+/// The test's own tree of files: paths of any length, any bytes and any depth, foreign owners and
+/// attributes. Paths are relative to the tree's own folder, which every user may change. The
+/// destructor removes everything, whatever the test did to it. A step that fails ends the test.
 class MadeTree final
 {
 public:
@@ -22,19 +22,19 @@ public:
 
     /// The tree's own folder, open.
     const std::shared_ptr<const FileDescriptor> &descriptor() const { return m_descriptor; }
-    /// Opens it anew, by its path.
+    /// Opens the tree's folder again, by its path.
     void reopen();
     /// Absolute; for short paths only.
     QByteArray path(const QByteArray &relativePath = {}) const;
 
     void makeFolder(const QByteArray &relativePath) const;
-    /// A file that claims this size, and takes no room.
+    /// Makes a file that has this size but takes no room on the disk.
     void makeFile(const QByteArray &relativePath, qint64 size = 0) const;
     void makeLink(const QByteArray &relativePath, const QByteArray &target) const;
     void makePipe(const QByteArray &relativePath) const;
-    /// Folders within folders, all of the same name, the first one in `relativePath`; with a file
-    /// "file" of 1 byte in a folder of the name `beside` beside each, unless that is empty. Returns
-    /// the path of the last.
+    /// Makes nested folders, all of the same name; the first one is in `relativePath`. Beside each
+    /// it makes a folder of the name `beside` that holds a file "file" of 1 byte, unless `beside`
+    /// is empty. Returns the path of the last folder.
     QByteArray makeChain(const QByteArray &relativePath, const QByteArray &name, int levels,
                          const QByteArray &beside = {}) const;
 
@@ -42,7 +42,7 @@ public:
     void remove(const QByteArray &relativePath) const;
     void setMode(const QByteArray &relativePath, unsigned mode) const;
     void setOwner(const QByteArray &relativePath, unsigned user) const;
-    /// Until the tree goes.
+    /// Sets the attribute until the tree is destroyed.
     void setAttribute(const QByteArray &relativePath, Attribute attribute);
 
     /// Opens a folder of the tree name by name.

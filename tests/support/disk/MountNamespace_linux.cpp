@@ -16,7 +16,8 @@ bool writeTo(const char *path, const QByteArray &text)
     return isWritten;
 }
 
-/// One user and one group, under their own numbers, with an administrator's rights within.
+/// The namespace has one user and one group, with their own numbers, and with an administrator's
+/// rights inside.
 bool enterUserNamespace()
 {
     const QByteArray user = QByteArray::number(::geteuid());

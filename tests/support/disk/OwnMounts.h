@@ -2,13 +2,13 @@
 
 #include "tests/support/disk/MadeTree.h"
 
-/// Mounts of a child process's own, which nobody else sees and which go with it; needs the
-/// administrator's rights. Made in a child only (see runInChild): the process cannot go back.
+/// The mounts of a child process: no other process sees them, and they end with the child. Needs
+/// the administrator's rights. Made in a child only (see runInChild): the process cannot go back.
 class OwnMounts final
 {
 public:
-    /// Leaves the mounts that the process shares with all others. The tree is opened anew, for a
-    /// descriptor shows the mounts among which it was opened.
+    /// Leaves the mounts that the process shares with all others. Opens the tree again, because a
+    /// descriptor shows the mounts that existed when it was opened.
     explicit OwnMounts(MadeTree &tree);
 
     /// Shows `source` at `target` as well, both folders or both files of the tree.

@@ -29,7 +29,7 @@ ScratchFolder::ScratchFolder()
 
 ScratchFolder::~ScratchFolder()
 {
-    std::error_code ignored; // what a test locked away from itself stays behind
+    std::error_code ignored; // what the test made inaccessible to itself stays
     std::filesystem::remove_all(m_path.toStdString(), ignored);
 }
 

@@ -3,9 +3,9 @@
 #include <QByteArray>
 #include <sys/types.h>
 
-/// A folder of the test's own among the temporary files, with a path of raw bytes, removed with
-/// all that it holds when this goes: also names that are no text, which QTemporaryDir leaves. Its
-/// path holds no link. Every user may enter and list it.
+/// The test's own folder among the temporary files, with a path of raw bytes. The destructor
+/// removes it with all that it holds, even names that are no valid text, which QTemporaryDir
+/// leaves. Its path holds no link. Every user may enter and list it.
 class ScratchFolder final
 {
 public:

@@ -7,9 +7,9 @@
 #include <mutex>
 #include <thread>
 
-/// A disk as the main thread must be able to live with: it knows what is asked of it on the thread
-/// that made it, and can be told to answer no other thread for a while. There it answers always, so
-/// that what should not be asked fails a test and does not hang it.
+/// A slow disk, with which the main thread must still work. It records the calls of the thread that
+/// made it, and can be told to answer no other thread for a while. It always answers the thread
+/// that made it, so that a forbidden call fails the test and does not hang it.
 class SlowDisk final
 {
 public:
@@ -20,24 +20,24 @@ public:
 
     const SystemCalls &calls() const { return m_calls; }
 
-    /// From now on calls wait, but for those of this thread: all, or those of one name.
+    /// From now on calls of other threads wait: all, or those of one name.
     void hang(const QString &name = {});
-    /// Those that wait go on. Before what they belong to is destroyed.
+    /// Lets the waiting calls go on. Call it before the objects that they use are destroyed.
     void answer();
-    /// How many wait.
+    /// How many calls wait.
     int waiting() const;
 
-    /// What was asked on this thread since the last call of this, but for single status calls.
+    /// The calls on this thread since this function was last called, without single status calls.
     QStringList takeAskedHere();
 
 private:
     int hear(std::string_view name);
 
     const std::thread::id m_here = std::this_thread::get_id();
-    mutable std::mutex m_mutex; ///< guards the rest but for the calls
+    mutable std::mutex m_mutex; ///< guards all the rest except the calls
     std::condition_variable m_changed;
     bool m_hangs = false;
-    QString m_hangsAt; ///< all calls, when empty
+    QString m_hangsAt; ///< the call that hangs; all when empty
     int m_waiting = 0;
     QStringList m_askedHere;
     HookedSystem m_calls{[this](int, std::string_view name) { return hear(name); }};

@@ -18,11 +18,11 @@ enum class WatchedCall {
     MayChangeEntries
 };
 
-/// The system, with somebody looking on: before each call of a walk or a measure `before` is told
-/// its number, from 0 on, what it is and the name that it is about ("" where there is none). It may
-/// change the files meanwhile, or answer an errno with which the call is to fail. It is called on
-/// whatever thread makes the call. Each listing comes sorted by name, so that a test knows what
-/// comes first on any file system.
+/// The system with an observer: before each call of a walk or a measurement, `before` gets the
+/// call's number, from 0 on, its kind and the name on which it works ("" where there is none).
+/// `before` may change the files, or return an errno with which the call then fails. It runs on the
+/// thread that makes the call. Each listing is sorted by name, so a test knows on any file system
+/// what comes first.
 class WatchedSystemCalls final
 {
 public:
@@ -32,7 +32,7 @@ public:
     /// Waits for background threads that may be calling.
     ~WatchedSystemCalls();
 
-    /// Stands for the calls wherever they are asked for.
+    /// Lets a test pass this object where SystemCalls are expected.
     operator const SystemCalls &() const;
 
     int count() const;

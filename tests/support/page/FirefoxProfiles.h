@@ -4,8 +4,8 @@
 #include <filesystem>
 #include <fstream>
 
-/// The text by which Firefox knows its profiles, of which the paths are relative to the folder that
-/// it lies in.
+/// The text of the file in which Firefox lists its profiles. The profiles' paths are relative to
+/// the folder of that file.
 inline QByteArray firefoxProfilesText(const QByteArrayList &profiles)
 {
     QByteArray text = "[Install4F96D1932A9F858E]\nDefault=" + profiles.value(0) + "\nLocked=1\n\n";
@@ -17,7 +17,7 @@ inline QByteArray firefoxProfilesText(const QByteArrayList &profiles)
     return text + "[General]\nStartWithLastProfile=1\nVersion=2\n";
 }
 
-/// Writes it, with the folders around it.
+/// Writes this file, and makes the folders around it.
 inline void listFirefoxProfiles(const QByteArray &folder, const QByteArrayList &profiles)
 {
     const std::filesystem::path place(folder.toStdString());

@@ -34,7 +34,7 @@ bool standsStill(ViewController &page)
     return !chart || (!chart->isAnimating() && chart->didLoad());
 }
 
-/// The clicks go to the window, as the window system's do, and find their widget by themselves.
+/// Sends the click to the window, as the window system does; the click finds its widget by itself.
 void clickInWindow(QWidget &widget, QPoint position)
 {
     QTest::mouseClick(widget.window()->windowHandle(), Qt::LeftButton, {},
@@ -110,12 +110,12 @@ bool Journey::hoverSlice(SliceKind kind)
 {
     FreeSpaceViewController &page = controller().freeSpacePage();
     const PieChart &chart = *page.pieChart();
-    // The pie does not look at the pointer while it moves itself.
+    // The pie does not look at the pointer while its slices move.
     if (!waitFor([&] { return !chart.isAnimating(); }))
         return false;
     const QPoint position = chart.mapTo(&window(), middleOfSlice(indexOf(kind)));
-    // The hand moves on until the slice answers: a first step may only take the pointer off a
-    // button, or meet with the window system's own word on where the pointer is.
+    // The pointer moves on until the slice reacts. The first step may only take the pointer off a
+    // button, or the window system may report another position of the pointer at the same time.
     int step = 0;
     return waitFor([&] {
         const SliceHoverButtons &buttons = page.hover().buttons();

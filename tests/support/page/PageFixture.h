@@ -11,7 +11,7 @@
 
 class SystemCalls;
 
-/// A workspace that opens nothing and remembers what it was asked for.
+/// A workspace that opens nothing and records what it was asked to open.
 class RecordingWorkspace final : public Workspace
 {
     Q_OBJECT
@@ -26,8 +26,8 @@ public:
     bool works = true; ///< what openUrl() answers
 };
 
-/// A made home folder, empty settings and the interface descriptions: what a page stands on. Begins
-/// another run of the program as far as the home-folder grant goes.
+/// What a page needs: a made home folder, empty settings and the interface descriptions. For the
+/// grant of the home folder it begins another run of the program.
 class PageFixture final
 {
 public:
@@ -38,12 +38,12 @@ public:
     FileUrl homeUrl() const { return FileUrl::fromPath(home(), FileUrlKind::Folder); }
     ScratchFolder &folder() { return m_folder; }
 
-    /// Below the home. Folders on the way are made.
+    /// Makes a file below the home, and the folders on the way.
     QByteArray makeFile(const QByteArray &relativePath, qint64 size);
     QByteArray makeFolder(const QByteArray &relativePath);
     bool exists(const QByteArray &relativePath) const;
 
-    /// Begins yet another run, in which the granted folder is found by these calls.
+    /// Begins one more run, in which these calls find the granted folder.
     void beginRun(const SystemCalls &calls);
 
     /// Stores the grant of the made home, as the first page does.
@@ -53,7 +53,7 @@ public:
     const InterfaceLoader &loader() const { return m_loader; }
     RecordingWorkspace &workspace() { return m_workspace; }
 
-    /// 1000 bytes of which 250 are free.
+    /// A volume of 1000 bytes, of which 250 are free.
     static LabelController::Reader madeVolume();
 
 private:

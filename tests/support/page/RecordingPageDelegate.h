@@ -6,7 +6,7 @@
 #include <QObject>
 #include <QVariant>
 
-/// Stands in for the window: remembers where a page asked to go.
+/// Replaces the window: records where a page asked to go.
 class RecordingPageDelegate final : public QObject, public VNTViewControllerDelegate
 {
 public:

@@ -105,7 +105,8 @@ constexpr MadeFile kFreedesktopFiles[] = {
     {".mozilla/firefox/ab12.default/formhistory.sqlite", 200 * kKilo},
 };
 
-/// What nobody chose: beside the locations, named like them, or found by the search alone.
+/// Files that were not chosen: they lie beside the locations, have similar names, or only the
+/// search finds them.
 constexpr MadeFile kBystanders[] = {
     {".profile", 800},
     {".config/editor/settings", 2 * kKilo},

@@ -6,19 +6,19 @@
 
 #include <QMap>
 
-/// A made-up home folder of either kind, named as the login folder, with content of every kind that
-/// Vantor cleans and of the kinds that it must leave: hidden items, links out of the folders to be
-/// cleaned, names that begin like theirs, names that are no text. Large files take no room on the
-/// disk.
+/// A made home folder of either kind, named as the login folder. It has content of every kind that
+/// Vantor cleans, and of the kinds that it must leave: hidden items, links out of the folders to be
+/// cleaned, names that begin like theirs, names that are no valid text. Large files take no room on
+/// the disk.
 ///
-/// It keeps a record of what it made, so that tests compare with sums and lists that no walker of
-/// the program has touched. Slices go by their index in the catalogue; paths are raw and relative
-/// to the home folder.
+/// It keeps a list of what it made, so that tests compare with sums and lists that do not come from
+/// a walker of the program. A slice is named by its index in the catalogue; paths are raw and
+/// relative to the home folder.
 class SampleHome final
 {
 public:
     static constexpr int kSlices = 8;
-    /// What a user would exclude: it lies in Downloads and holds files and folders.
+    /// A folder that a user would exclude: it lies in Downloads and holds files and folders.
     static constexpr auto kKeep = "Downloads/Keep";
 
     /// `scale` multiplies the number of small files in the caches and logs (about 60 at 1), for
@@ -29,19 +29,19 @@ public:
     FileUrl url(const QByteArray &relativePath = {}, FileUrlKind kind = FileUrlKind::Folder) const;
     QByteArray path(const QByteArray &relativePath = {}) const;
 
-    /// The folders and files that a slice stands for; none for "Large Files".
+    /// The locations of a slice, which are folders and files; none for "Large Files".
     QList<QByteArray> locationsOf(int slice) const;
 
-    /// What measuring shows: all that is no folder and not hidden below the locations, links with
-    /// their own size.
+    /// The size that measuring shows: everything below the locations that is no folder and not
+    /// hidden; links count with their own size.
     qint64 bytesShownFor(int slice) const;
     /// The same for one location.
     qint64 bytesShownAt(const QByteArray &relativePath) const;
 
     /// All that was made, sorted.
     QList<QByteArray> paths() const { return m_items.keys(); }
-    /// What cleaning the slice takes when nothing is excluded, sorted: hidden items too, but never
-    /// the locations themselves unless they are files.
+    /// What cleaning the slice removes when nothing is excluded, sorted: hidden items too, but
+    /// never the locations themselves unless they are files.
     QList<QByteArray> pathsCleanedWith(int slice) const;
     /// What the search for large files lists, largest first.
     QList<QByteArray> largeFiles() const;

@@ -9,7 +9,7 @@
 
 /// What a user reads and presses on the sheet of a window.
 
-/// The texts of the sheet's labels, one a line; empty without sheet.
+/// The texts of the sheet's labels, one per line; empty without sheet.
 inline QString sheetText(const QWidget &window)
 {
     QStringList texts;
@@ -20,7 +20,7 @@ inline QString sheetText(const QWidget &window)
     return texts.join(u'\n');
 }
 
-/// The sheet's button of this title; null when it is not there (yet).
+/// The sheet's button with this title; null when it is not there (yet).
 inline QAbstractButton *sheetButton(const QWidget &window, const QString &title)
 {
     if (const QWidget *panel = sheetPanel(window)) {
@@ -32,7 +32,7 @@ inline QAbstractButton *sheetButton(const QWidget &window, const QString &title)
     return nullptr;
 }
 
-/// Clicks the button and waits for the sheet to be gone.
+/// Clicks the button and waits until the sheet is gone.
 inline bool pressSheetButton(const QWidget &window, const QString &title)
 {
     if (!QTest::qWaitFor([&] { return sheetButton(window, title) != nullptr; }))

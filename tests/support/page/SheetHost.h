@@ -10,7 +10,7 @@
 #include <QPushButton>
 #include <QTest>
 
-/// A window with a menu, a shortcut and two buttons of its own, for sheets to come up over.
+/// A window with a menu, a shortcut and two buttons, over which sheets come up.
 struct SheetHost
 {
     SheetHost()

@@ -3,8 +3,8 @@
 #include <QTest>
 #include <unistd.h>
 
-/// Ends a test whose world only the administrator can set up: files of other users, locked files,
-/// another user as whom to run.
+/// Skips a test that only the administrator can set up: it needs files of other users, locked
+/// files, or to run as another user.
 #define VANTOR_NEEDS_ADMINISTRATOR()                                                               \
     do {                                                                                           \
         if (::geteuid() != 0)                                                                      \

@@ -4,8 +4,8 @@
 
 #include <QtGlobal>
 
-/// In the program nobody waits for background threads, but for its very end. What a test lends to
-/// them goes earlier: whatever it is waits for them before it does.
+/// In the program nothing waits for background threads before the program itself ends. What a test
+/// lends to them ends earlier, so it must wait for them first.
 inline void awaitBackgroundThreads()
 {
     if (!waitForBackgroundThreads(std::chrono::seconds(60)))

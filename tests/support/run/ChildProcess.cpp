@@ -20,7 +20,7 @@ bool dropRights()
     return ::setgroups(0, nullptr) == 0 && ::setgid(kNobody) == 0 && ::setuid(kNobody) == 0;
 }
 
-/// noexcept: an exception must not find its way up into the copy of the test that called.
+/// noexcept: an exception must not reach the caller, which is a copy of the test.
 [[noreturn]] void runAndLeave(ChildUser user, const std::function<int()> &work,
                               int errorPipe) noexcept
 {

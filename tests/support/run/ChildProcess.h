@@ -14,12 +14,12 @@ constexpr unsigned kNobody = 65534; ///< user and group of ChildUser::Nobody
 
 struct ChildOutcome
 {
-    int exitCode = -1; ///< what the work returned; -1 when it did not come to an end
-    int signal = 0;    ///< what ended it, 0 when nothing did
+    int exitCode = -1; ///< what the work returned; -1 when it did not finish
+    int signal = 0;    ///< the signal that ended it; 0 for none
     QByteArray errorText;
 };
 
-/// Runs `work` in a process of its own, as a copy of this one without its other threads, and waits
-/// for it. For what ends the process, and for what root's rights would hide. QVERIFY and the like
-/// do not reach the parent from there: say it with the return value, 0 to 127.
+/// Runs `work` in a separate process, a copy of this one without its other threads, and waits for
+/// it. For work that ends the process, and for faults that root's rights would hide. QVERIFY and
+/// the like do not reach the parent from there: use the return value, 0 to 127.
 ChildOutcome runInChild(ChildUser user, const std::function<int()> &work);

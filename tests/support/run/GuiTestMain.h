@@ -7,7 +7,7 @@
 #include <QStyleFactory>
 #include <QTest>
 
-/// main() of a test of widgets: the style and the fonts of every picture are pinned.
+/// main() of a test of widgets: the style and the fonts of every picture are fixed.
 #define VANTOR_GUI_TEST_MAIN(TestClass)                                                            \
     int main(int argc, char **argv)                                                                \
     {                                                                                              \

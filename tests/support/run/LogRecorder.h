@@ -3,8 +3,8 @@
 #include <QMutex>
 #include <QStringList>
 
-/// Takes down what the program logs, instead of showing it, for as long as this lives. One at a
-/// time; made and asked in the main thread, fed from any.
+/// Records what the program logs, instead of showing it, as long as this object lives. Only one may
+/// live at a time. Make it and ask it on the main thread; any thread may log.
 class LogRecorder final
 {
 public:

@@ -2,7 +2,7 @@
 
 #include <QtGlobal>
 
-/// For the making of a test's world: what does not hold ends the test, in every kind of build.
+/// For the set-up of a test: a condition that does not hold ends the test, in every kind of build.
 inline void must(bool holds, const char *what)
 {
     if (!holds)

@@ -6,8 +6,8 @@
 #include <QStringList>
 #include <QTcpServer>
 
-/// A small web server of the test's own, on a free port of this machine: serves the pages that it
-/// was given and writes down which were asked for, in order. Anything else is "404" with a body.
+/// The test's own small web server, on a free port of this machine. It serves the pages that it was
+/// given and records the requests in order. Any other page is "404" with a body.
 class RecordingServer final : public QObject
 {
     Q_OBJECT
@@ -19,9 +19,10 @@ public:
     QString address(const QString &path) const;
 
     void servePage(const QString &path, const QByteArray &body);
-    /// Answers with the bytes as they are and closes the connection; none at all just closes it.
+    /// Answers with exactly these bytes and closes the connection; without bytes it only closes the
+    /// connection.
     void serveRaw(const QString &path, const QByteArray &answer);
-    /// Takes the request and never answers.
+    /// Accepts the request and never answers.
     void keepWaiting(const QString &path);
 
     /// The paths in the order in which they were asked for.

@@ -4,8 +4,8 @@
 #include <QString>
 #include <QTemporaryDir>
 
-/// A home, settings and cache folders of the test's own, named in the environment for as long as
-/// this lives, so that no test reaches the user's. Made first thing in a test's main().
+/// The test's own folders for home, settings and cache. The environment names them as long as this
+/// object lives, so that no test reaches the user's folders. Made first in a test's main().
 class ScratchEnvironment final
 {
 public:

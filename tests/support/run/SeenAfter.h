@@ -5,9 +5,9 @@
 #include <chrono>
 #include <functional>
 
-/// What is to be seen when so much time has passed. Timers of one thread are answered in the order
-/// in which they are due, so that on however busy a machine that which is due earlier has happened
-/// by then, and that which is due later has not.
+/// Returns what `look` returns when this much time has passed. Timers of one thread run in the
+/// order in which they are due. So, however busy the machine is, everything that is due earlier has
+/// happened by then, and nothing that is due later.
 inline bool seenAfter(std::chrono::milliseconds time, const std::function<bool()> &look)
 {
     bool seen = false;
