@@ -95,7 +95,7 @@ private:
             ++m_found[m_scopes.last().found].functions;
     }
 
-    /// Macros are written in capitals, and a variable has its parentheses inside < > or behind =.
+    /// Macros are written in capitals, and a variable has its parentheses inside < > or after =.
     static bool declaresFunction(QString statement)
     {
         static const QRegularExpression arguments(QStringLiteral("<[^<>]*>"));

@@ -9,7 +9,7 @@ using Graph = QHash<QString, QStringList>;
 
 constexpr QLatin1String kTargetPrefix("vantor_");
 
-/// Targets are called after their folders: vantor_platform_system stands for platform/system.
+/// Targets are named after their folders: vantor_platform_system stands for platform/system.
 QString folderOfTarget(const QString &target)
 {
     return target.sliced(kTargetPrefix.size()).replace(u'_', u'/');
@@ -20,15 +20,15 @@ QString folderOf(const QString &path)
     return path.left(path.lastIndexOf(u'/'));
 }
 
-/// "platform/system/SystemHomes" for its header and for its source on whatever system.
+/// "platform/system/SystemHomes" for its header and for its source on any system.
 QString unitOf(const QString &path)
 {
     static const QRegularExpression ending(QStringLiteral(R"((_[a-z0-9]+)?\.(h|cpp)$)"));
     return QString(path).remove(ending);
 }
 
-/// The path that an include of our own names; empty for any other line. The path is a literal, so
-/// it is read from the line as it was written.
+/// The path in an include of one of our own files; empty for any other line. The path is a literal,
+/// so it is read from the line as written.
 QString includedPath(const SourceText &source, int line)
 {
     static const QRegularExpression include(
@@ -36,7 +36,7 @@ QString includedPath(const SourceText &source, int line)
     return include.match(source.lines[line]).captured(1);
 }
 
-/// Walks a graph depth first and keeps the way by which it came.
+/// Walks a graph depth first and keeps the path to the present node.
 class CircleSearch final
 {
 public:
@@ -124,7 +124,7 @@ QStringList House::includesBeyondLinks(const SourceText &source) const
     QStringList found;
     const Room *room = roomOf(source.path);
     if (!room || source.path.endsWith(QStringLiteral("/main.cpp")))
-        return found; // a program's main is no part of the room beside it
+        return found; // a program's main does not belong to the room beside it
     for (int line = 0; line < source.lines.size(); ++line) {
         const Room *other = roomOf(includedPath(source, line));
         if (other && !mayInclude(room->folder, other->folder))

@@ -19,16 +19,17 @@ struct Room
 class House final
 {
 public:
-    /// What `vantor_room` says in a CMakeLists.txt of that folder; nothing where there is no room.
+    /// The room that `vantor_room` declares in the CMakeLists.txt of that folder; nothing where
+    /// there is no room.
     static std::optional<Room> roomDeclared(const QString &folder, const QString &cmakeText);
 
     explicit House(const QList<Room> &rooms);
 
     const Room *roomOf(const QString &path) const;
-    /// Includes of files of other rooms than those that the file's own room links, directly or
-    /// through others: "path:line: reason".
+    /// Includes of files from rooms that the file's own room links neither directly nor through
+    /// others: "path:line: reason".
     QStringList includesBeyondLinks(const SourceText &source) const;
-    /// The rooms that link one another in a circle, "a -> b -> a" each.
+    /// The rooms that link one another in a circle, each circle as "a -> b -> a".
     QStringList circlesOfRooms() const;
     /// The same for the units of these sources.
     static QStringList circlesOfUnits(const QList<SourceText> &sources);

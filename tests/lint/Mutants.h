@@ -9,19 +9,20 @@ struct Mutant
     QString table; ///< the file of the table
     QString name;
     QString file;       ///< where it is planted, from the top of the repository
-    QString test;       ///< that has to notice it, as ctest calls it; "app/pages/tst_Page"
+    QString test;       ///< that must notice it, by its name in ctest: "app/pages/tst_Page"
     QString equivalent; ///< why no test can notice it
-    QStringList old;    ///< the lines that stand there
+    QStringList old;    ///< the lines that it replaces
     QStringList planted;
     QStringList notUnderstood;
 
-    /// How often its text stands in this one. Indentation does not count, as in scripts/mutants.
+    /// How often the lines to replace occur in this text. Indentation does not count, as in
+    /// scripts/mutants.
     qsizetype occurrencesIn(const QString &text) const;
 };
 
 /// The blocks of a table, in its order.
 QList<Mutant> mutantsOfTable(const QString &path, const QString &text);
-/// What is wrong with a row as it stands, apart from the tree: "table: name: reason".
+/// What is wrong with a row by itself, without a look at the tree: "table: name: reason".
 QStringList faultsOf(const Mutant &mutant);
 /// Names that more than one row has.
 QStringList repeatedNames(const QList<Mutant> &mutants);

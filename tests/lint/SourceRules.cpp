@@ -77,7 +77,7 @@ QList<int> functionsBeyondTheLongest(const SourceText &source)
     return bad;
 }
 
-/// Includes of Qt that Qt Core does not have, and of what keeps settings.
+/// Includes of Qt headers that are not Qt Core's, and of headers that keep settings.
 QList<int> includesBeyondCore(const SourceText &source)
 {
     static const QRegularExpression include(QStringLiteral(R"(^\s*#\s*include\s*<(Q\w+)>)"));
@@ -98,8 +98,8 @@ bool mayRemove(const SourceText &source)
     static const QStringList places{
         QStringLiteral("platform/system/SystemCalls_linux.cpp"), // the calls themselves
         QStringLiteral(
-            "platform/files/DurableFile.cpp"), // what it wrote itself beside its own file
-        QStringLiteral("slices/cleaning/RemovalSteps.cpp"), // what the plan says
+            "platform/files/DurableFile.cpp"), // files that it wrote itself beside its own file
+        QStringLiteral("slices/cleaning/RemovalSteps.cpp"), // the entries of the plan
     };
     return places.contains(source.path);
 }

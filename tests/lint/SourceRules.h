@@ -4,7 +4,7 @@
 
 #include <functional>
 
-/// One rule of the house: what it forbids where, and why.
+/// One rule of the house: what it forbids, where, and why.
 struct SourceRule
 {
     const char *name;
@@ -13,8 +13,8 @@ struct SourceRule
     std::function<QList<int>(const SourceText &)> badLines; ///< from 1
 };
 
-/// What a file does against a rule, one "path:line: reason" each.
+/// The offences of a file against a rule, each as "path:line: reason".
 QStringList offences(const SourceRule &rule, const SourceText &source);
 
-/// The engines are the rooms that are core.
+/// The engines are the rooms that say CORE.
 QList<SourceRule> sourceRules(const House &house);

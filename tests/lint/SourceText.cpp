@@ -4,7 +4,7 @@
 
 namespace {
 
-/// Goes through C++ text once and copies each character to where it belongs.
+/// Reads C++ text once and copies each character to the part to which it belongs.
 class Splitter final
 {
 public:
@@ -91,7 +91,7 @@ qsizetype indentation(const QString &line)
     return count;
 }
 
-/// Whether what stands before the brace declares a function.
+/// Whether the text before the brace declares a function.
 bool endsADeclarator(const QStringList &code, qsizetype brace)
 {
     static const QRegularExpression ended(QStringLiteral("([;{}]|public:|private:|protected:)$"));

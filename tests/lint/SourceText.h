@@ -3,8 +3,8 @@
 #include <QString>
 #include <QStringList>
 
-/// One file of the repository, split into what rules look at. All three have the same lines, so
-/// that a line number means the same in each. A value.
+/// One file of the repository, split into the parts that rules check. All three lists have the same
+/// lines, so a line number means the same in each. A value.
 struct SourceText
 {
     QString path;         ///< from the top of the repository, "chart/PieChart.cpp"
@@ -16,11 +16,11 @@ struct SourceText
     bool isBelow(const char *folder) const;
 };
 
-/// Only C++ is taken apart; of any other file every line counts as code and as comment.
+/// Only C++ is split; in any other file every line counts as code and as comment.
 SourceText sourceText(const QString &path, const QString &text);
 
-/// A function's body as far as layout tells it: an opening brace on a line of its own after a
-/// parameter list, up to the closing one at the same depth of indentation.
+/// A function's body, found by layout alone: from an opening brace on a line of its own after a
+/// parameter list to the closing brace with the same indentation.
 struct FunctionBody
 {
     int line = 0;   ///< of its opening brace, from 1

@@ -2,7 +2,7 @@
 
 #include "tests/lint/House.h"
 
-/// The files of this very repository, as people write them. Read anew on each call.
+/// The files of this repository that people write. Read again at each call.
 QStringList sourcePaths();
 QString sourceFile(const QString &path);
 /// The C++ of the program, without tests and bench.

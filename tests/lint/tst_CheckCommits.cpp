@@ -13,7 +13,7 @@ QString text(const char *latin1)
     return QString::fromLatin1(latin1);
 }
 
-/// What a program answered.
+/// The answer of a program.
 struct Answer
 {
     int exitCode = -1;
@@ -79,7 +79,7 @@ private:
 
 } // namespace
 
-/// The script that holds the messages of commits to their form.
+/// The script that checks the form of commit messages.
 class TestCheckCommits final : public QObject
 {
     Q_OBJECT

@@ -17,7 +17,7 @@ SourceText source(const char *path, const char *content)
     return sourceText(text(path), text(content));
 }
 
-/// A small house: sheet stands on look, look on base; files stand apart.
+/// A small house: sheet links look, look links base; files links nothing.
 House smallHouse()
 {
     return House({{text("p/base"), {}, true},
@@ -159,7 +159,7 @@ void TestHouse::everyFolderOfSourcesIsSmall()
     QVERIFY2(found.isEmpty(), qPrintable(u'\n' + found.join(u'\n')));
 }
 
-/// Who looks for the tests of a room finds them where the room is found.
+/// So the tests of a room are easy to find: their folder has the same name as the room.
 void TestHouse::everyRoomsTestsLieInAFolderOfItsName()
 {
     QStringList found;

@@ -7,7 +7,7 @@
 
 namespace {
 
-/// Fewer say little about a program of this size.
+/// Fewer mutants say little about a program of this size.
 constexpr qsizetype kFewest = 120;
 constexpr auto kTables = "tests/mutants";
 
@@ -139,7 +139,7 @@ void TestMutants::ofTheTablesAreWellFormed()
     QVERIFY2(faults.isEmpty(), qPrintable(faults.join(u'\n')));
 }
 
-/// A row whose text has gone plants nothing and finds nothing.
+/// A row whose text is no longer in the file plants nothing and finds nothing.
 void TestMutants::ofTheTablesFitTheirFiles()
 {
     QStringList stale;

@@ -4,7 +4,7 @@
 
 namespace {
 
-/// The rooms as they are, and one for the samples.
+/// The real rooms, and one more for the samples.
 House house()
 {
     return House(declaredRooms() << Room{QStringLiteral("engine"), {}, true});
@@ -22,7 +22,7 @@ struct Sample
     QByteArray text;
 };
 
-/// Each breaks its rule exactly once.
+/// Each sample breaks its rule exactly once.
 QList<Sample> badSamples()
 {
     return {
