@@ -9,8 +9,8 @@
 QString stringFromByteCount(qint64 bytes);
 
 /// The sum of two byte counts that are not negative; stops at the largest number instead of
-/// turning over.
+/// overflowing.
 qint64 sumOfByteCounts(qint64 a, qint64 b);
 
-/// A size as the file system tells it; stops at the largest number.
+/// A size from the file system as a byte count; stops at the largest number.
 qint64 byteCountOf(std::uint64_t size);

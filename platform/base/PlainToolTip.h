@@ -2,8 +2,9 @@
 
 #include <QString>
 
-/// Text for a tool tip that shows it as it is. A tool tip takes what looks like markup for markup,
-/// and loads the pictures that it names; names of files may look like anything.
+/// Text for a tool tip that must show it unchanged. A tool tip reads a text that looks like markup
+/// as markup, and loads the pictures that the markup names; the name of a file may look like
+/// markup.
 inline QString plainToolTip(const QString &text)
 {
     if (text.isEmpty())

@@ -14,8 +14,8 @@ struct AnchoredEntry
     QByteArray name;
 };
 
-/// The folder around a path, and the path's last name. For the anchor itself, whose own folder is
-/// not ours to open, the name is empty.
+/// The folder around a path, and the path's last name. For the anchor itself the name is empty,
+/// because the folder around the anchor is not ours to open.
 AnchoredEntry anchoredEntry(const AnchoredPath &path);
 
 /// Opens the folder at an anchored path, the anchor itself included; no component may be a link.

@@ -40,10 +40,10 @@ struct DurableError
 /// disk: at any moment the old content or the new one stands under its name.
 ///
 /// The file ends in a line "#crc32 xxxxxxxx", so every truncation and every flipped bit is noticed.
-/// The content before the last is kept beside it as "<name>.1". It is a copy, not a link. So there
-/// is never a moment without a file of the name, and only a content that was read back whole
-/// becomes a previous generation. A bad file is renamed to "<name>.bad-<UTC time>" and never
-/// deleted. All work is done below the given folder's descriptor.
+/// The previous content is kept beside it as "<name>.1". It is a copy, not a link. So there is
+/// never a moment without a file of the name, and only a content that was read back whole becomes a
+/// previous generation. A bad file is renamed to "<name>.bad-<UTC time>" and never deleted. All
+/// work is done below the given folder's descriptor.
 ///
 /// One thread at a time. `calls` must outlive this.
 class DurableFile final

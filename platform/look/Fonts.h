@@ -2,7 +2,7 @@
 
 #include <QFont>
 
-/// The weights of the interface's typeface, named as its designers' tables name them.
+/// The weights of the interface's typeface, with the names that its designers use in their tables.
 enum class Typeface { UltraLight, Thin, Light, Regular, Medium };
 
 /// The interface's font (Inter, from the program's own resources; its display cuts at large sizes)

@@ -62,7 +62,7 @@ void showGroundBelowChildren(const QWidget &faded)
     }
 }
 
-/// What is known of one widget's opacity; a child of the widget.
+/// The state of one widget's opacity; a child of the widget.
 class ViewAlpha final : public QObject
 {
     Q_OBJECT

@@ -78,7 +78,7 @@ private:
     QString m_missing;
 };
 
-/// Where the dialog has the path and the buttons beside it.
+/// The layout in which the dialog has the path and the buttons beside it.
 QLayout *barOf(const QGridLayout *grid)
 {
     QLayoutItem *const item = grid ? grid->itemAtPosition(0, 1) : nullptr;
@@ -141,7 +141,7 @@ void DialogParts::arrangeBar() const
     int columns = 0;
     grid->getItemPosition(grid->indexOf(name), &line, &at, &rows, &columns);
     grid->removeWidget(name);
-    grid->addWidget(name, line, at, 1, -1); // over where the buttons were
+    grid->addWidget(name, line, at, 1, -1); // also where the buttons were
     grid->setColumnStretch(at, 1);
     int place = 0;
     for (QToolButton *const button : {back, forward, toParent}) {

@@ -18,7 +18,7 @@
 namespace {
 
 constexpr int kFontSize = 13;
-/// What a person may type: from the home folder, from the root, or from the folder shown.
+/// The path that a user typed: it may start at the home folder, at the root or at the folder shown.
 QString typedPath(const QString &typed, const QDir &folder)
 {
     if (typed == QLatin1String("~"))
@@ -140,7 +140,8 @@ void FileChooser::retire()
     m_items->dropRule();
 }
 
-/// Then the folder that is shown is the choice, and the empty field says so.
+/// Without a choice the folder that is shown is the choice, and the empty name field shows its
+/// name.
 void FileChooser::clearChoice()
 {
     m_isTyped = false;

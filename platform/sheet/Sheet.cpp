@@ -95,7 +95,7 @@ void SheetQueue::finish(int result)
         showNext();
 }
 
-/// The panel is dying while it is up.
+/// The panel is being destroyed while its sheet is up.
 void SheetQueue::drop()
 {
     m_overlay->forgetPanel();

@@ -16,15 +16,15 @@ inline constexpr int kSheetAccepted = 1;
 using SheetCompletion = std::function<void(int result)>;
 using SheetCancel = std::function<void()>;
 
-/// Shows the panel as a sheet of the host window, or, while another sheet is up there, as soon as
-/// that one has ended. The sheet has the panel's size where it was given one and its size hint
-/// otherwise, and never more than the host has room for.
+/// Shows the panel as a sheet of the host window. While another sheet is up there, the panel waits
+/// until that sheet has ended. The sheet has the panel's size if it was given one, otherwise its
+/// size hint, but never more than the host has room for.
 ///
-/// The panel stays its caller's: it is lent to the window while it is up, and given back to its
-/// former parent, hidden. The completion is called from the event loop after endSheet(), when the
-/// sheet is gone and the focus is back where it was. If that page has left in the meantime, the
-/// widget that asked for the focus last has it. The completion is never called if the panel or the
-/// host dies first.
+/// The caller goes on owning the panel: the window borrows it while it is up, and then gives it
+/// back to its former parent, hidden. The completion is called from the event loop after
+/// endSheet(), when the sheet is gone and the focus is back where it was. If the page that had the
+/// focus has left in the meantime, the widget that asked for the focus last has it. The completion
+/// is never called if the panel or the host dies first.
 ///
 /// Escape calls `cancel`, the panel's own rule; without one the sheet ends with kSheetCancelled.
 /// Enter presses the panel's default push button. Meanwhile mouse, Tab, shortcuts and close() do

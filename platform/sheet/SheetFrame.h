@@ -14,7 +14,8 @@ public:
 
     explicit SheetFrame(QWidget *parent);
 
-    /// The size of a frame around a panel of this size, and the other way about.
+    /// The size of a frame around a panel of this size, and the size of a panel in a frame of this
+    /// size.
     static QSize sizeAround(QSize panel);
     static QSize sizeInside(QSize frame);
 

@@ -69,7 +69,7 @@ SheetGuard::Place SheetGuard::placeOf(const QObject *object) const
     return Place::Elsewhere;
 }
 
-/// An action is where the widgets are that show it.
+/// An action has the place of the widgets that show it.
 SheetGuard::Place SheetGuard::placeOfReceiver(QObject *receiver) const
 {
     Place place = placeOf(receiver);

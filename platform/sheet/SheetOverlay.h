@@ -33,7 +33,8 @@ public:
     /// that is no longer possible, it goes to the widget behind the sheet that asked for it last.
     void release();
 
-    /// Dims the window behind, as much as `shown` of the sheet (0 to 1) is out.
+    /// Dims the window behind. `shown` tells how far the sheet is out, 0 to 1: the further, the
+    /// darker.
     void paintBackdrop(QPainter &painter, double shown) const;
 
 Q_SIGNALS:

@@ -11,7 +11,8 @@ struct SlidingSheet
 {
     QWidget &overlay; ///< covers the window
     QWidget &frame;   ///< moves in the overlay, with the panel
-    /// Dims the window behind, as much as `shown` of the sheet (0 to 1) is out.
+    /// Dims the window behind. `shown` tells how far the sheet is out, 0 to 1: the further, the
+    /// darker.
     std::function<void(QPainter &, double shown)> paintBackdrop;
 };
 

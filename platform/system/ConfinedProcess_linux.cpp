@@ -18,7 +18,7 @@ constexpr int kGlance = 20; // milliseconds between two looks at the program
 /// Runs in the child, between fork and exec.
 void limitItself(const ProcessLimits &limits, int input)
 {
-    ::setpgid(0, 0); // so that it can be ended with what it starts
+    ::setpgid(0, 0); // so that it can be killed with what it starts
     const auto limit = [](auto resource, rlim_t value) {
         const rlimit both{value, value};
         ::setrlimit(resource, &both);
@@ -55,7 +55,7 @@ public:
         Q_ASSERT(number > 0);
     }
 
-    /// Waits for a glance, if need be.
+    /// Waits for kGlance at most.
     bool hasEnded() const
     {
         pollfd end{m_descriptor.get(), POLLIN, 0};

@@ -17,14 +17,14 @@ struct TaskRunner::Shared
         std::stop_token stop;
     };
 
-    /// The next entry; nothing when there is none: then the thread is to end.
+    /// The next entry; nothing when there is none: then the thread must end.
     std::optional<Entry> next();
     void serve();
 
     std::mutex mutex; ///< guards all
     std::condition_variable becameIdle;
     std::deque<Entry> waiting;
-    unsigned threads = 0; ///< that serve
+    unsigned threads = 0; ///< that run tasks
 };
 
 std::optional<TaskRunner::Shared::Entry> TaskRunner::Shared::next()
