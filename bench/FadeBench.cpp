@@ -1,5 +1,5 @@
-// Measures what one frame of a page's fade costs on the main thread, at a given scale, for both ways
-// of drawing an opacity. The pie on the page moves meanwhile, as it does when a page comes in.
+// Measures what one frame of a page's fade costs on the main thread, at a given scale, for both
+// ways of drawing an opacity. The pie on the page moves meanwhile, as it does when a page comes in.
 //     vantor-fade-bench [scale]
 
 #include "platform/look/Fonts.h"

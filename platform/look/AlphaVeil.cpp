@@ -15,7 +15,7 @@ AlphaVeil::AlphaVeil(QWidget &target) : QWidget(target.parentWidget()), m_target
 void AlphaVeil::setCover(double cover)
 {
     m_cover = cover;
-    // Under a full cover Qt need not paint anything.
+    // Under a full cover Qt need not paint what lies below.
     setAttribute(Qt::WA_OpaquePaintEvent, cover >= 1);
     update();
 }

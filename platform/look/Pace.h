@@ -2,9 +2,9 @@
 
 #include <chrono>
 
-/// The factor by which fades, movements and the pauses between pages last longer than intended; 1
-/// unless set. With 0 each is over at the next turn of the event loop. For tests that need not show
-/// them; the whole process has one pace. Main thread only.
+/// Sets the factor for the length of fades, movements and the pauses between pages; 1 unless set.
+/// With 0 each is over at the next turn of the event loop. For tests that need not show them; the
+/// whole process has one pace. Main thread only.
 void setPace(int factor);
 
 /// A duration that is only for the eye, at the pace of this process.

@@ -22,8 +22,8 @@ public:
     /// Opens a folder for reading by its path relative to another open folder ("." reopens it).
     virtual SystemResult<FileDescriptor> openFolder(int parent, const char *relativePath,
                                                     Descent descent) const = 0;
-    /// Opens the folder that holds this one at present, on the same mount. It may not be the folder
-    /// from which this one was reached: compare before use.
+    /// Opens the folder that holds this one at present, on the same mount. It may be another folder
+    /// than the one from which this one was reached: compare before use.
     virtual SystemResult<FileDescriptor> openParent(int folder) const = 0;
     /// Opens a folder by its absolute path. No component may be a link.
     virtual SystemResult<FileDescriptor> openRoot(const char *path) const = 0;
