@@ -66,6 +66,6 @@ private:
     PieView &m_view;
     CanSelect m_canSelect;
     bool m_hasTrackingArea = false;
-    bool m_leftUnseen = false; ///< the pointer left without a tracking area
+    bool m_leftUnseen = false; ///< the pointer left, which was not reported yet
     int m_focusedSlice = -1;
 };
