@@ -1,6 +1,6 @@
 # shellcheck shell=bash
 # Functions for ./run, ./test and the scripts: they find and install what is missing on Debian, then
-# build a preset. Source this file from the repository's top folder, with set -euo pipefail in force.
+# build a preset. Source this file from the top folder, with set -euo pipefail in force.
 
 # Debian's packages, by purpose.
 declare -A PACKAGES=(
