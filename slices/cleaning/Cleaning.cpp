@@ -12,8 +12,8 @@
 
 namespace {
 
-/// While one thread waits for the disk the other works; in memory they would only wait for each
-/// other. More than two gain nothing.
+/// While one thread waits for the disk, the other works. In memory they would only wait for each
+/// other. More than two threads gain nothing.
 constexpr unsigned kThreadsForDisks = 2;
 constexpr std::size_t kMaxCandidatesLogged = 1000;
 
@@ -131,8 +131,8 @@ void CleaningRun::remove(const Emptying &emptying, FolderListing entries) const
             .removeListed(held, std::move(entries));
 }
 
-/// The entries at, or on the way to, the locations of programs, each by itself. They wait until all
-/// else is gone, so that they can be asked about right before they go.
+/// Takes the entries at, or on the way to, the locations of programs out of the listing, each by
+/// itself. They are removed last, so that the programs can be checked right before.
 std::vector<FolderListing> CleaningRun::takeOutOfPrograms(const CleaningLocation &location,
                                                           FolderListing &listing) const
 {
@@ -158,7 +158,7 @@ void CleaningRun::removeUnlessInUse(const Emptying &emptying, FolderListing entr
     remove(emptying, std::move(entry));
 }
 
-/// What is kept already has been told of.
+/// Reports nothing for what was kept before: that has been reported already.
 void CleaningRun::keepInUse(const Emptying &emptying, const FileUrl &location)
 {
     const auto &[anchor, relativePath] = emptying.location.path;
@@ -183,7 +183,8 @@ void CleaningRun::removeFile(const CleaningLocation &location)
     const auto status = m_calls.status(folder->get(), name.constData());
     if (!status)
         return refuse(location, RefusalReason::Unreadable, status.error());
-    // The name may stand for something else again; from here on it is unlinked as what it is.
+    // The name may stand for something else by now. From here on whatever has the name is unlinked
+    // as a file.
     if (location.whatGoes == RemovalScope::RegularFiles && status->kind != FileKind::Regular)
         return refuse(location, RefusalReason::NotAFile, 0);
     if (location.whatGoes == RemovalScope::RegularFiles &&
@@ -227,7 +228,8 @@ void CleaningRun::logContents(const CleaningLocation &location, const FolderList
     m_builder.logCandidates(candidates, listing.size());
 }
 
-/// The files of one slice stand beside each other; all are told of before the first goes.
+/// The files of one slice follow each other in the plan; all are logged before the first is
+/// removed.
 void CleaningRun::logFiles(std::size_t first)
 {
     const auto &locations = m_plan.locations();

@@ -76,7 +76,8 @@ void CleaningPlanner::takeExclusions()
     m_lost = std::move(resolved.lost);
 }
 
-/// Unlike an exclusion, what a program may use and is not there stops nothing.
+/// An exclusion that is missing stops the cleaning around it. A location of a program that is
+/// missing stops nothing.
 void CleaningPlanner::takeKept()
 {
     ExcludedPaths kept;
@@ -99,8 +100,8 @@ void CleaningPlanner::planSlice(const SliceToClean &slice)
         std::any_of(slice.fileURLs.begin(), slice.fileURLs.end(),
                     [&](const FileUrl &url) { return excluded.touches(url); });
     for (const FileUrl &url : slice.fileURLs) {
-        // Of the very files all are judged as soon as one is touched: none may slip through
-        // because it was listed beside another.
+        // As soon as an exclusion touches one file of the slice, all its files are judged: none may
+        // slip through because it was listed beside another.
         const bool isTouched =
             slice.content == SliceContent::Files ? isAnyTouched : excluded.touches(url);
         planLocation({slice.name,
@@ -154,13 +155,14 @@ bool CleaningPlanner::isExcludedByPath(const CleaningLocation &location) const
     const ExclusionMatch byPath = excluded.matchByPath(path + '/');
     if (location.content == SliceContent::Folders)
         return byPath == ExclusionMatch::Whole;
-    // A file goes or stays as one: what holds something excluded stays too.
+    // An item of a slice of files goes or stays as a whole: one that holds something excluded stays
+    // too.
     const QByteArray text = location.url.isFolder() ? path + '/' : path;
     return byPath != ExclusionMatch::None ||
            (location.isTouched && excluded.matchByText(text) != ExclusionMatch::None);
 }
 
-/// Finds the location below the granted folder; refuses it where it is not.
+/// Finds the location below the granted folder, and refuses a location that is not there.
 bool CleaningPlanner::anchor(CleaningLocation &location)
 {
     const auto anchored = m_access.anchoredPath(location.url);
@@ -173,8 +175,8 @@ bool CleaningPlanner::anchor(CleaningLocation &location)
     return location.path.anchor != nullptr;
 }
 
-/// Goes the whole way to the location, folder by folder, and notes what is there. Yes when it, or a
-/// folder around it, is an excluded one under whatever name.
+/// Opens folder by folder on the way to the location, and notes what is there. True when the
+/// location, or a folder around it, is an excluded one, whatever its name.
 tl::expected<bool, CleaningPlanner::Obstacle>
 CleaningPlanner::examine(CleaningLocation &location) const
 {
@@ -234,8 +236,8 @@ bool CleaningPlanner::isExcluded(const FileIdentity &identity) const
     });
 }
 
-/// An exclusion that cannot be found could be anything in the folder that holds it by its path, and
-/// one that cannot be looked at anything at all.
+/// An exclusion that cannot be found could be anything in the folder that holds it by its path. One
+/// that cannot be looked at could be anything at all.
 bool CleaningPlanner::refuseUnresolved(const CleaningLocation &location)
 {
     const QByteArray inside = location.url.path() + '/';

@@ -15,11 +15,11 @@ class SystemCalls;
 /// What of a slice's locations may go.
 enum class RemovalScope {
     Everything,
-    /// Of the very files: whatever else bears such a name stays, and a database's journal for as
+    /// Regular files only: anything else of such a name stays. A database's journal stays for as
     /// long as the database does.
     RegularFiles,
-    /// Of a trash's folder "info": the record "X.trashinfo", which says where X came from, stays
-    /// for as long as X is in the folder "files" beside it.
+    /// In a trash's folder "info": the trash info file "X.trashinfo", which says where X came from,
+    /// stays for as long as X is in the folder "files" beside it.
     LoneTrashInfo,
 };
 
@@ -33,15 +33,15 @@ struct SliceToClean
     ReadOnlyFolders readOnlyFolders = ReadOnlyFolders::Stay;
     RemovalScope whatGoes = RemovalScope::Everything;
     FileUrls kept = {}; ///< in use inside the locations; need not be there
-    /// At and inside the locations: what programs may begin to use while the cleaning is under way.
+    /// What programs may begin to use during the cleaning, at and inside the locations.
     FileUrls programLocations = {};
-    /// Where this location is not cleaned the slice stays too; it may be another slice's.
+    /// When this location is not cleaned, the slice stays too. The location may be another slice's.
     std::optional<FileUrl> onlyWith = {};
 };
 
 /// Why something that was asked for is left alone.
 enum class RefusalReason {
-    UnknownExclusions,   ///< nobody knows what is excluded: nothing at all is cleaned
+    UnknownExclusions,   ///< the exclusions are not known: nothing at all is cleaned
     UnparsableExclusion, ///< a stored exclusion cannot be read: nothing at all is cleaned
     UnresolvedExclusion, ///< an exclusion inside the location cannot be identified, or is gone
     OutsideGrant,        ///< not in the granted folder
@@ -72,15 +72,15 @@ struct CleaningLocation
     AnchoredPath path;
     SliceContent content = SliceContent::Folders;
     FileIdentity identity; ///< what was there when the plan was made; anything else is left alone
-    /// Whether an exclusion touches the location (for the very files: any of their slice), so that
-    /// each item below is judged by its path.
+    /// Whether an exclusion touches the location, so that each item below is judged by its path.
+    /// For single files: whether one touches any file of their slice.
     bool isTouched = false;
     ReadOnlyFolders readOnlyFolders = ReadOnlyFolders::Stay;
     RemovalScope whatGoes = RemovalScope::Everything;
 };
 
-/// Exactly what a cleaning may remove: locations in order, and what is kept inside them. Made by
-/// makeCleaningPlan() alone. A value that holds the granted folder open; any thread.
+/// Exactly what a cleaning may remove: locations in order, and what is kept inside them. Only
+/// makeCleaningPlan() makes one. A value that holds the granted folder open; any thread.
 class CleaningPlan final
 {
 public:
@@ -91,10 +91,10 @@ public:
 
     /// What is kept: the exclusions, and what is in use.
     const ExcludedPaths &excluded() const { return m_excluded; }
-    /// Of all that was found of them: it is kept wherever it turns up and whatever its name.
+    /// Of everything that is kept and was found: it is kept wherever it turns up, under any name.
     const std::vector<FileIdentity> &excludedIdentities() const { return m_excludedIdentities; }
 
-    /// What programs may begin to use, at and inside the locations; need not be there.
+    /// What programs may begin to use, at and inside the locations; it need not exist.
     const FileUrls &programLocations() const { return m_programLocations; }
 
 private:
@@ -109,12 +109,12 @@ private:
 };
 
 /// Plans the cleaning of the chosen slices, in their order. What a slice keeps is kept like an
-/// exclusion. Fails closed: an exclusion that cannot be read stops everything, one that cannot be
-/// found stops the location around it, and a location that is not a plain folder or file of the
-/// granted folder's own file system is refused. A location that does not exist is simply not in the
-/// plan, nor is what goes only with another location that is not. What is in use the plan just
-/// refuses, after all else. Touches the file system, so not for the main thread; the caller holds
-/// the access, from here until the cleaning is done.
+/// exclusion. Fails closed: an exclusion that cannot be read stops everything; an exclusion that
+/// cannot be found stops the location around it; a location that is not a plain folder or file of
+/// the granted folder's own file system is refused. A location that does not exist is simply not in
+/// the plan. A slice that goes only with another location is not in the plan when that location is
+/// not. The plan also lists, after all other refusals, what is in use. Touches the file system, so
+/// not for the main thread; the caller holds the access, from here until the cleaning is done.
 CleaningPlan makeCleaningPlan(const SystemCalls &calls, const FileAccess &access,
                               const QList<SliceToClean> &slices, const ExcludedPaths &excluded,
                               const FileUrls &inUse = {});

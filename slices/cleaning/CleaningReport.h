@@ -11,9 +11,9 @@ struct CleaningFailure
     int error = 0;   ///< errno
 };
 
-/// What a cleaning did. Whatever was planned and still exists is kept by the plan, named in one of
-/// the two lists, lies below a folder named there or belongs to such an item, as its record in the
-/// trash or as its journal; beyond a bound the lists only count.
+/// What a cleaning did. A planned item that still exists has one of these reasons: the plan keeps
+/// it; one of the two lists names it or a folder around it; or it belongs to such an item, as its
+/// trash info file or as its journal. Beyond a bound the lists only count.
 struct CleaningReport
 {
     std::uint64_t removedItems = 0; ///< files, links and folders, those deep inside included

@@ -24,7 +24,7 @@ void logLocked(const CleaningFailure &failure)
            textOf(failure.path, FileUrlKind::File).constData(), errorText(failure.error).c_str());
 }
 
-/// What an exclusion that cannot be read says is no path, and may be any text.
+/// The text of an exclusion that cannot be read is no path, and may be anything.
 QByteArray whatIsRefused(const CleaningRefusal &refusal)
 {
     if (refusal.path.isEmpty())

@@ -5,22 +5,22 @@
 #include <atomic>
 #include <mutex>
 
-/// Keeps the books of one cleaning and writes its log lines: of each kind only so many, and how
-/// many more there were at the end. Its threads share it.
+/// Collects the report of one cleaning and writes its log lines: a limited number of each kind, and
+/// at the end how many more there were. The threads of the cleaning share it.
 class CleaningReportBuilder final
 {
 public:
-    /// Writes at once what the plan refused.
+    /// Logs at once what the plan refused.
     explicit CleaningReportBuilder(const QList<CleaningRefusal> &planned);
 
-    /// The items directly in question at a location, before the first is removed; of very many only
-    /// the first.
+    /// Logs the items directly at a location, before the first is removed; of very many only the
+    /// first ones.
     void logCandidates(const FileUrls &candidates, std::size_t total);
     bool logsCandidates() const { return m_isLogging && m_announced < kMaxRemovalLines; }
 
-    /// Counts one of them, which is about to be removed with all that it holds. Whether it gets a
-    /// line of its own, by logRemoval(): a location may hold a million items, and a log that fills
-    /// the disk is no help to a program that frees it.
+    /// Counts one item that is about to be removed with all that it holds. True when the item gets
+    /// a line of its own, by logRemoval(): a location may hold a million items, and a log that
+    /// fills the disk is no help to a program that frees it.
     bool announce()
     {
         return m_announced.fetch_add(1, std::memory_order_relaxed) < kMaxRemovalLines &&
@@ -32,7 +32,7 @@ public:
     void failed(const QByteArray &path, int error);
     void refused(const QByteArray &path, RefusalReason reason, int error);
 
-    /// Closes the books; call once, when the threads are done.
+    /// Completes the report; call once, when the threads are done.
     CleaningReport finish(bool wasStopped);
 
 private:

@@ -5,15 +5,15 @@
 
 class SystemCalls;
 
-/// What a cleaning leaves because something else that stays would be lost without it. The other was
-/// dealt with before: where it is still there it was kept, refused or could not be removed, and
-/// that has been told. In doubt it is there.
+/// What a cleaning leaves because something else that stays would be lost without it. The cleaning
+/// comes to the other item first. If that still exists, it was kept or refused, or could not be
+/// removed, and the report says so. In doubt the other item exists.
 
 /// Whether a file of this name in an open folder is the journal of a database that is still there:
-/// what a database stands for is lost with its journal.
+/// without its journal a database may lose content.
 bool journalStillNeeded(const SystemCalls &calls, int folder, const QByteArray &name);
 
-/// Forgets, of a trash's folder "info", the records of what is still in the folder "files" beside
-/// it: nobody could put that back without its record.
+/// Takes out of the listing of a trash's folder "info" each trash info file whose item is still in
+/// the folder "files" beside it: without that file the item could not be put back.
 void passOverTrashInfoInNeed(const SystemCalls &calls, const AnchoredPath &info,
                              FolderListing &listing);

@@ -23,7 +23,7 @@ struct ParallelRemover::SharedFolder
     HeldFolder held;
     FolderListing listing;
     std::optional<std::uint16_t> formerRights;
-    std::atomic<std::size_t> openWork = 1; ///< jobs, folders inside, and whoever sets it up
+    std::atomic<std::size_t> openWork = 1; ///< jobs, folders inside, and the thread that sets it up
     std::atomic<bool> stays = false;
 
     EntryRef ref(std::size_t index) const
@@ -114,7 +114,7 @@ void ParallelRemover::Worker::enter(const Job &job)
     m_crew.release(folder);
 }
 
-/// Hands out all stretches of the folder but the first, which this thread takes at once.
+/// Hands out all stretches of the folder except the first, which this thread takes at once.
 void ParallelRemover::Worker::share(const FolderPointer &folder)
 {
     m_crew.add(m_crew.stretchesOf(folder, kStretch));
@@ -138,7 +138,7 @@ void ParallelRemover::removeListed(const HeldFolder &folder, FolderListing listi
         while (helpers.size() + 1 < m_threads)
             helpers.emplace_back([this] { Worker(*this).run(); });
     } catch (const std::system_error &) {
-        // No more threads to be had: those that there are do it all.
+        // The system gives no more threads: those that run do all the work.
     }
     Worker(*this).run();
 }
@@ -181,7 +181,7 @@ void ParallelRemover::add(std::vector<Job> jobs)
     m_changed.notify_all();
 }
 
-/// A job's own new jobs have been added before, so that the count reaches nought only at the end.
+/// A job adds its new jobs before it finishes, so that the count reaches zero only at the end.
 void ParallelRemover::finishJob()
 {
     const std::scoped_lock lock(m_mutex);
@@ -189,7 +189,8 @@ void ParallelRemover::finishJob()
         m_changed.notify_all();
 }
 
-/// Whoever drops the last hold on a folder removes it, and then perhaps the one around it.
+/// The thread that gives up the last hold on a folder removes it, and then perhaps the folder
+/// around it.
 void ParallelRemover::release(FolderPointer folder)
 {
     while (--folder->openWork == 0 && folder->around) {

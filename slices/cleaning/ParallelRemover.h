@@ -7,10 +7,10 @@
 #include <memory>
 #include <mutex>
 
-/// Removes trees with several threads, for disks, which wait more than they work. The folders that
-/// are being emptied are shared out in stretches of entries; whoever finishes the last stretch of a
-/// folder removes it. Only so many folders are shared, and held open, at a time; past that, a
-/// thread empties what it finds by itself.
+/// Removes trees with several threads, for disks, which wait more than they work. The threads share
+/// the entries of a folder in stretches; the thread that finishes the last stretch of a folder
+/// removes the folder. Only a limited number of folders is shared, and held open, at a time. Beyond
+/// that limit a thread empties by itself what it finds.
 class ParallelRemover final
 {
 public:

@@ -7,18 +7,18 @@
 
 class Info;
 
-/// Gives each record of a slice with programs the layout's locations without those in use. What is
-/// new to a record is not measured yet. Any thread.
+/// Gives each record of a slice with programs the layout's locations, without those in use. A
+/// location that is new to a record is not measured yet. Any thread.
 void setRecordLocations(const std::vector<std::shared_ptr<Info>> &records, const HomeLayout &layout,
                         const ProgramsInUse &inUse);
 
-/// Takes the locations in use, and those inside locations, away from the records; none is given
-/// back, for nobody has confirmed it. Measures what that changes, on the calling thread: not for
-/// the main one. What was taken away.
+/// Takes the locations in use, and those inside locations, away from the records. Gives none back,
+/// because the user has not confirmed it. Measures the records that change, on the calling thread:
+/// not for the main thread. Returns what was taken away.
 FileUrls takeAwayLocationsInUse(const std::vector<std::shared_ptr<Info>> &records,
                                 const ProgramsInUse &inUse);
 
-/// What of a record's size a location makes that a program may begin to use.
+/// How much of a record's size lies at a location that a program may begin to use.
 struct ProgramLocationSize
 {
     std::shared_ptr<Info> record;
@@ -28,11 +28,11 @@ struct ProgramLocationSize
 using ProgramLocationSizes = std::vector<ProgramLocationSize>;
 
 /// Measures those locations of the records before a cleaning: once a program uses one, it writes
-/// there. `sizeOf` is asked on the calling thread, with what the record keeps anyway.
+/// there. Calls `sizeOf` on the calling thread, with what the record keeps anyway.
 ProgramLocationSizes
 measureProgramLocations(const std::vector<std::shared_ptr<Info>> &records, const HomeLayout &layout,
                         const std::function<qint64(const FileUrl &, const FileUrls &kept)> &sizeOf);
 
-/// Takes the locations at these paths, none in another, off the sizes of their records: they were
-/// measured, but then stayed.
+/// Subtracts the locations at these paths, none in another, from the sizes of their records: they
+/// were measured, but then stayed.
 void takeAwaySizes(const ProgramLocationSizes &sizes, const QByteArrayList &stayed);

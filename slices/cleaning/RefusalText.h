@@ -6,7 +6,7 @@
 struct RefusalText
 {
     const char *told;   ///< to the user, after the location; still to be translated
-    const char *logged; ///< shorter, for whoever knows the program
+    const char *logged; ///< shorter, for readers who know the program
 };
 
 RefusalText refusalText(RefusalReason reason);

@@ -44,7 +44,7 @@ RemovalSteps::enter(const EntryRef &ref, std::span<char> space) const
     auto opened = m_calls.openFolder(ref.folder, ref.name, Descent::Strict);
     if (!opened)
         return tl::unexpected(refused(ref, refusalReason(opened.error()), opened.error()));
-    // What is asked of the descriptor holds, whatever happens to the name from now on.
+    // The descriptor's answers hold, whatever happens to the name from now on.
     const auto status = m_calls.statusOf(opened->get());
     if (!status)
         return tl::unexpected(refused(ref, RefusalReason::Unreadable, status.error()));
@@ -59,8 +59,8 @@ RemovalSteps::enter(const EntryRef &ref, std::span<char> space) const
     return EnteredFolder{std::move(*opened), status->inode, std::move(*listing), formerRights};
 }
 
-/// By the descriptor: the name may stand for another folder by now. Where it is refused, the
-/// removals inside fail and say so.
+/// Uses the descriptor: the name may stand for another folder by now. Where the system refuses the
+/// change, the removals inside fail and report it.
 std::optional<std::uint16_t> RemovalSteps::makeWritable(const EntryRef &ref, int folder,
                                                         const FileStatus &status,
                                                         const FolderListing &listing) const
@@ -74,8 +74,8 @@ std::optional<std::uint16_t> RemovalSteps::makeWritable(const EntryRef &ref, int
     return changed ? std::optional(status.permissions) : std::nullopt;
 }
 
-/// A folder on the way to what is kept stays, and so do its rights. And one that has left its place
-/// since it was opened was put back by the user: it is none of ours any more.
+/// A folder on the way to something kept stays, and so do its rights. A folder that has left its
+/// place since it was opened was put back by the user, and is no longer part of the cleaning.
 bool RemovalSteps::mayMakeWritable(const EntryRef &ref, const FileStatus &status,
                                    const FolderListing &listing) const
 {

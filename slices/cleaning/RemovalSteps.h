@@ -37,12 +37,12 @@ struct EnteredFolder
     FileDescriptor descriptor;
     std::uint64_t inode = 0;
     FolderListing listing;
-    /// What it had before it was given the right to be emptied; nothing where nothing was changed.
+    /// The rights before the folder was made writable; nothing where nothing was changed.
     std::optional<std::uint16_t> formerRights;
 };
 
 /// The single steps of a removal, and the only place in the program that unlinks. Every step works
-/// on an open folder and one name in it, and reports for itself what it could not do. Shared by the
+/// on an open folder and one name in it, and itself reports what it could not do. Shared by the
 /// threads of a cleaning.
 class RemovalSteps final
 {
@@ -64,10 +64,10 @@ public:
         EntryPolicy inside = EntryPolicy::Removed; ///< for a folder to enter
     };
 
-    /// Deals with an entry as it was listed: removes what is no folder, unless it is kept.
+    /// Handles an entry as it was listed: removes what is no folder, unless it is kept.
     Verdict deal(const EntryRef &ref, const FolderListing::Entry &entry, EntryPolicy policy) const;
 
-    /// Opens a folder that deal() sent us into; Gone or Stays where it cannot be entered. `space`
+    /// Opens a folder that deal() said to enter; Gone or Stays where it cannot be entered. `space`
     /// is the calling thread's own.
     tl::expected<EnteredFolder, EntryOutcome> enter(const EntryRef &ref,
                                                     std::span<char> space) const;
@@ -78,14 +78,15 @@ public:
     /// Opens the folder around an open one, which must have this inode number.
     SystemResult<FileDescriptor> back(int folder, std::uint64_t inode) const;
 
-    /// Gives a folder back the rights that enter() took; before it is removed, for somebody may
-    /// have put it elsewhere meanwhile, and also where something stays in it.
+    /// Gives a folder back the rights that enter() changed: before its removal, because someone may
+    /// have moved it elsewhere meanwhile, and also where something stays in it.
     void giveBack(int folder, std::optional<std::uint16_t> formerRights) const;
 
     /// Removes a folder that should be empty by now.
     EntryOutcome removeFolder(const EntryRef &ref) const;
 
-    /// Reports a folder that was entered but cannot be found back to, with all that is left in it.
+    /// Reports a folder that was entered but to which there is no way back, with all that is left
+    /// in it.
     void abandon(const QByteArray &path, int error) const;
 
 private:
@@ -106,5 +107,5 @@ private:
     EntryOrder m_order;
 };
 
-/// What the errno of opening a folder says that was a folder when it was found.
+/// Why a folder could not be opened, by the errno. It was a folder when it was found.
 RefusalReason refusalReason(int error);

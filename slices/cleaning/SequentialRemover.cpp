@@ -4,7 +4,7 @@ namespace {
 
 using EntryOutcome = RemovalSteps::EntryOutcome;
 
-/// So few that two removers, the standard streams and the anchors fit into 64 descriptors.
+/// Small enough that two removers, the standard streams and the anchors fit into 64 descriptors.
 constexpr std::size_t kOpenLevels = 12;
 
 } // namespace

@@ -14,15 +14,16 @@ struct HeldFolder
 };
 
 /// Removes trees one entry after the other, on one thread. Needs a fixed number of descriptors and
-/// no stack, however deep a tree is: of the folders on the way down it holds the innermost few
-/// open, and finds back to the others by "..", checked by what it remembers of them.
+/// no stack, however deep a tree is: it holds only the innermost few folders on the way down open.
+/// It goes back to the others by "..", and checks them by what it remembers of them.
 class SequentialRemover final
 {
 public:
     SequentialRemover(const RemovalSteps &steps, std::stop_token stop);
 
-    /// Removes what the listing names in the folder, with all that it holds. Whether all is gone.
-    /// Stops before the next entry; the folders on the way down have their own rights again then.
+    /// Removes what the listing names in the folder, with all that it holds. Returns whether all is
+    /// gone. A stop takes effect before the next entry; the folders on the way down then have their
+    /// own rights again.
     bool removeListed(const HeldFolder &folder, FolderListing listing);
 
 private:

@@ -10,8 +10,8 @@ SliceContent contentOf(const Info &record)
     return infoIsFilesNotFolders(record) ? SliceContent::Files : SliceContent::Folders;
 }
 
-/// What is in the freedesktop locations of single files is written by the programs as plain files;
-/// the fixed layout says nothing of the kind, and large files may be packages.
+/// In a freedesktop home, programs write the single files of a slice as plain files. The fixed
+/// layout promises nothing of the kind, and large files may be packages.
 RemovalScope whatGoesOf(const HomeLayout &layout, const QString &slice)
 {
     const bool isBrowserData = sliceKindNamed(slice) == SliceKind::BrowserData;
@@ -29,7 +29,7 @@ std::optional<FileUrl> folderSizeBook(const FileUrl &location)
                              FileUrlKind::File);
 }
 
-/// One folder of the trash, for each has a rule of its own.
+/// One folder of the trash: each has a rule of its own.
 QList<SliceToClean> trashToClean(const QString &name, const FileUrl &location)
 {
     const bool holdsTrashInfo = location.path().endsWith("/info");

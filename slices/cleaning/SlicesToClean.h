@@ -9,8 +9,8 @@ class Info;
 
 /// What a cleaning is asked to do for the chosen slices of a home, in their order: each with the
 /// locations that its record has now and what is kept inside them. In a freedesktop home the
-/// trash's own folders are emptied though they be read-only, and each book of folder sizes that
-/// lies beside them goes before them, unless the folder that it tells of is left alone: it is a
-/// mere aid that file managers write anew, and must never name what is gone.
+/// trash's own folders are emptied even if they are read-only. The file "directorysizes" beside
+/// them goes first, unless the folder whose sizes it lists is left alone: it is a mere aid that
+/// file managers write anew, and must never name what is gone.
 QList<SliceToClean> slicesToClean(const HomeLayout &layout,
                                   const std::vector<std::shared_ptr<Info>> &chosen);
