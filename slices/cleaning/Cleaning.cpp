@@ -183,8 +183,7 @@ void CleaningRun::removeFile(const CleaningLocation &location)
     const auto status = m_calls.status(folder->get(), name.constData());
     if (!status)
         return refuse(location, RefusalReason::Unreadable, status.error());
-    // The name may stand for something else by now. From here on whatever has the name is unlinked
-    // as a file.
+    // The name may stand for something else by now. From here on it is removed as what it is now.
     if (location.whatGoes == RemovalScope::RegularFiles && status->kind != FileKind::Regular)
         return refuse(location, RefusalReason::NotAFile, 0);
     if (location.whatGoes == RemovalScope::RegularFiles &&

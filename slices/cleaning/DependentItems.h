@@ -10,7 +10,7 @@ class SystemCalls;
 /// removed, and the report says so. In doubt the other item exists.
 
 /// Whether a file of this name in an open folder is the journal of a database that is still there:
-/// without its journal a database may lose content.
+/// the content of a database is lost with its journal.
 bool journalStillNeeded(const SystemCalls &calls, int folder, const QByteArray &name);
 
 /// Takes out of the listing of a trash's folder "info" each trash info file whose item is still in

@@ -37,7 +37,8 @@ struct EnteredFolder
     FileDescriptor descriptor;
     std::uint64_t inode = 0;
     FolderListing listing;
-    /// The rights before the folder was made writable; nothing where nothing was changed.
+    /// The rights that the folder had before the cleaning changed them; nothing where nothing was
+    /// changed.
     std::optional<std::uint16_t> formerRights;
 };
 

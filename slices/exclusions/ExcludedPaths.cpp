@@ -6,7 +6,7 @@
 
 namespace {
 
-/// The path as the rules compare it: with a slash at its end, which "/" has already.
+/// The path as the rules compare it: with a slash at its end. "/" has it already.
 QByteArray slashed(const QByteArray &path)
 {
     return path.endsWith('/') ? path : path + '/';
@@ -27,7 +27,7 @@ bool isBefore(const QByteArray &left, const QByteArray &right)
 PrefixSet::PrefixSet(std::vector<QByteArray> texts) : m_all(std::move(texts))
 {
     std::sort(m_all.begin(), m_all.end(), isBefore);
-    // Sorted, all texts that one text begins follow it at once.
+    // In sorted order, all texts that one text begins follow it directly.
     for (const QByteArray &text : m_all) {
         if (m_shortest.empty() || !text.startsWith(m_shortest.back()))
             m_shortest.push_back(text);

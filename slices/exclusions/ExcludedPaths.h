@@ -12,7 +12,8 @@ enum class ExclusionMatch {
     Whole,    ///< it stays with all that it holds
 };
 
-/// A sorted set of byte strings that answers in logarithmic time which of them begin another one.
+/// A sorted set of byte strings. Answers in logarithmic time whether a member begins a text, or a
+/// text begins a member.
 class PrefixSet final
 {
 public:
@@ -39,21 +40,21 @@ public:
     /// Takes the strings stored under VNTExcludedPathsString, in their order.
     static ExcludedPaths fromStoredStrings(const QStringList &strings);
 
-    /// One more, which was found out.
+    /// Adds one more, which was found on the disk.
     void add(const FileUrl &url);
 
     /// Those that could be read, in stored order, duplicates kept.
     const FileUrls &urls() const { return m_urls; }
-    /// Those that could not. While there are any, nobody knows what the user wants kept: whoever
-    /// removes files must not start.
+    /// Those that could not be read. While there are any, it is unknown what the user wants kept:
+    /// nothing may be removed.
     const QStringList &unparsable() const { return m_unparsable; }
     bool isEmpty() const { return m_urls.isEmpty() && m_unparsable.isEmpty(); }
 
-    /// Whether each of these locations is excluded by its very path, no parent or prefix counts; no
-    /// for no locations. Writes a log line for each match. The caller holds the access.
+    /// Whether each of these locations is excluded by exactly its path; no parent or prefix counts.
+    /// False for no locations. Writes a log line for each match. The caller holds the access.
     bool containsExcludedFile(const FileUrls &urls) const;
 
-    /// Whether some excluded path contains this location's path anywhere within: such a location is
+    /// Whether some excluded path contains this location's path anywhere: such a location is
     /// cleaned item by item.
     bool touches(const FileUrl &location) const;
 

@@ -85,12 +85,12 @@ bool Resolver::keep(const FileUrl &url)
     return identity.has_value();
 }
 
-/// Where the exclusion itself is a link outside the granted folder, what it leads to is meant.
+/// An exclusion that is itself a link outside the granted folder means what the link leads to.
 void Resolver::keepTargetOf(const FileUrl &url)
 {
     const auto target = m_calls.realPath(url.path().constData());
     if (!target || *target == url.path())
-        return; // a link to nothing keeps but itself
+        return; // a link to nothing keeps only itself
     const FileUrl real =
         FileUrl::fromPath(*target, url.isFolder() ? FileUrlKind::Folder : FileUrlKind::File);
     m_result.paths.add(real);

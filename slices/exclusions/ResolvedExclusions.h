@@ -18,11 +18,11 @@ struct ResolvedExclusions
     {
         QByteArray path;
         int error = 0; ///< errno
-        /// It may be anything anywhere: something is there, but could not be looked at.
+        /// True when something is there but could not be looked at: it may be anything, anywhere.
         bool isHidden = false;
     };
 
-    /// Those given, and beside each one that leads through links its real path.
+    /// The given exclusions, and for each one that leads through links also its real path.
     ExcludedPaths paths;
     std::vector<FileIdentity> identities;
     std::vector<Lost> lost;

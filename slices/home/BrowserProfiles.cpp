@@ -17,7 +17,7 @@ bool isNumbered(QByteArrayView text, QByteArrayView name)
                        [](char character) { return character >= '0' && character <= '9'; });
 }
 
-/// The folders' names that "Local State" tells: a profile need not have the browser's own for it.
+/// The names of folders in "Local State": a profile need not have a name that the browser gave it.
 QByteArrayList namesInLocalState(const HomeProbe &home, const QByteArray &folder)
 {
     const auto text = home.contentOf(folder + "/Local State", kLargestLocalState);
@@ -39,7 +39,8 @@ struct ListedProfile
     bool isRelative = false;
 };
 
-/// By their sections, of which the program takes the last line of a name too.
+/// The profiles by their sections. Of several lines with one name the last counts, as it does for
+/// the program.
 std::map<QByteArray, ListedProfile> profilesInIni(QByteArray text)
 {
     constexpr QByteArrayView kPath("Path=");

@@ -6,11 +6,11 @@
 
 namespace {
 
-/// Programs to talk with, which call a conversation on the disk a "log": HexChat writes those of
-/// all networks to ".config/hexchat/logs", WeeChat to ".local/share/weechat/logs", Pidgin to
-/// ".purple/logs". Nobody can get them back, so their folders are never taken for App Logs, whether
-/// or not the one program is known to use just such a folder. In lower case; "empathy" is what
-/// Telepathy's user knows, "psi" stands for "psi+" too.
+/// Chat programs, which call a conversation on the disk a "log": HexChat writes those of all
+/// networks to ".config/hexchat/logs", WeeChat to ".local/share/weechat/logs", Pidgin to
+/// ".purple/logs". They cannot be brought back, so such a folder is never taken for App Logs,
+/// whether or not this program is known to use it. In lower case. Users of Telepathy know it as
+/// "empathy"; "psi" stands for "psi+" too.
 constexpr std::array<std::string_view, 54> kPrograms{
     "adium",   "bitchx",       "bitlbee",    "blightmud",   "catgirl",    "chatterino",
     "circe",   "convos",       "coyim",      "dino",        "element",    "empathy",
@@ -28,8 +28,8 @@ bool isPartOfWord(char character)
     return (character >= 'a' && character <= 'z') || (character >= '0' && character <= '9');
 }
 
-/// Where the name of a program stands in the text as a word of its own, or begins or ends one, as
-/// in "quasselclient", "weechat-2" and "io.github.Hexchat".
+/// Whether the name of a program is a word of the text, or begins or ends a word, as in
+/// "quasselclient", "weechat-2" and "io.github.Hexchat".
 bool isNamedIn(const QByteArray &text, std::string_view program)
 {
     const QByteArrayView name(program.data(), static_cast<qsizetype>(program.size()));

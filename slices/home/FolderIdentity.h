@@ -2,19 +2,20 @@
 
 #include "slices/home/HomeProbe.h"
 
-/// A folder of a home, known by its path and by what is there at present: one folder may have two
-/// names, where upper and lower case are the same or a folder is shown in two places. A value.
+/// A folder of a home, identified by its path and by what is there at present: one folder may have
+/// two names, where upper and lower case are the same or where a folder is shown in two places. A
+/// value.
 struct FolderIdentity
 {
-    QByteArray path;          ///< relative to the home; nothing need be there
-    std::vector<InodeId> way; ///< of every folder on the way that is there, and itself
+    QByteArray path;          ///< relative to the home; it need not exist
+    std::vector<InodeId> way; ///< of the folder and of every folder on the way, those that exist
     std::optional<InodeId> itself;
 
     static FolderIdentity at(const HomeProbe &reader, const QByteArray &path);
 
-    /// Whether it is the other folder, or lies in it, by path or by what is there.
+    /// Whether it is the other folder, or lies in it, by its path or by its inodes.
     bool isAtOrIn(const FolderIdentity &other) const;
 };
 
-/// Whether a path is another, or lies below it, by their bytes.
+/// Whether a path is the folder's, or lies below it; compares bytes.
 bool isAtOrInside(const QByteArray &path, const QByteArray &folder);

@@ -50,7 +50,7 @@ QByteArray snapFolder(const SnapEdition &snap)
     return QByteArray("snap/") + snap.name + "/common";
 }
 
-/// What an edition of a program has for itself. Folders end in a slash.
+/// The folders that an edition of a program has for itself. They end in a slash.
 struct Surroundings
 {
     QByteArray home;
@@ -104,7 +104,8 @@ void addChannels(ProfileFolders &folders, const KnownProgram &program)
     }
 }
 
-/// First of the programs whose files are known, and each program's usual edition before others.
+/// The programs whose files are known come first, and each program's usual edition before its
+/// others.
 ProfileFolders profileFolders(ProgramFamily family)
 {
     using Add = void (*)(ProfileFolders &, const KnownProgram &);
@@ -137,7 +138,7 @@ void addChromium(std::vector<FoundProgram> &found, const HomeProbe &home,
     found.push_back(std::move(program));
 }
 
-/// A lock keeps the cache also where it is found in a folder that no list of profiles names.
+/// A lock protects the cache also when no list of profiles names the folder that holds the lock.
 void addFirefox(std::vector<FoundProgram> &found, const HomeProbe &home,
                 const ProfileFolder &folder)
 {
@@ -181,8 +182,8 @@ QByteArrayList sandboxCaches(const KnownProgram &program)
     return caches;
 }
 
-/// Also a program with a lock is known by its processes: its profile may be behind a link, or named
-/// when it was started, or not there yet.
+/// A program with a lock is recognised by its processes too: its profile may be behind a link, may
+/// be named on its command line, or may not exist yet.
 void addByProcesses(std::vector<FoundProgram> &found, const KnownProgram &program)
 {
     const auto add = [&](const auto &processes, const QByteArrayList &caches) {

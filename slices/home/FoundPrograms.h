@@ -3,28 +3,28 @@
 #include "slices/home/HomeLayout.h"
 #include "slices/home/HomeProbe.h"
 
-/// A program that was found in a home, with what is its own there, by paths relative to the home.
+/// A program that was found in a home, with its own files there, as paths relative to the home.
 struct FoundProgram
 {
     QString program;
     ProgramLock lock;
-    QByteArrayList files; ///< what may be removed, and is there
-    /// Its caches, which need not be there: by its name in whatever folder holds the caches of all
-    /// programs, or, with a slash, by the path of a folder that it has for itself.
+    QByteArrayList files; ///< what may be removed, and exists
+    /// Its caches, which need not exist: a name stands for a folder among the caches of all
+    /// programs, a path with a slash for a folder of the program's own.
     QByteArrayList caches;
-    QByteArrayList profiles = {}; ///< all that a profile holds besides is the user's
+    QByteArrayList profiles = {}; ///< everything else in a profile is the user's
 };
 
-/// The browsers and the mail programs of a freedesktop home that have something to lose while they
-/// run.
+/// Finds the browsers and the mail programs of a freedesktop home that would lose something if they
+/// were cleaned while they run.
 ///
 /// Their files are the cookies, the history and the form entries of every profile of the browsers
-/// that are known well: each database before its journals, for a journal without its database is
-/// thrown away by whoever opens it next, while a database without its journal may be broken.
-/// Bookmarks and passwords, and whatever holds them besides, are not among them. Of all other
-/// programs nothing but caches is known, and those that have no lock, or may have it elsewhere,
-/// are known by their processes.
+/// that are known well. Each database comes before its journals: a program that finds a journal
+/// without its database throws the journal away, but a database without its journal may be broken.
+/// Bookmarks and passwords, and files that also hold them, are not among the files. Of all other
+/// programs only caches are known. Programs that have no lock, or may have it elsewhere, are
+/// recognised by their processes.
 std::vector<FoundProgram> findPrograms(const HomeProbe &home);
 
-/// The database to which a journal of this name belongs; empty for what is no journal.
+/// The database to which a journal of this name belongs; empty for a name that is no journal's.
 QByteArray databaseOfJournal(const QByteArray &name);

@@ -1,4 +1,4 @@
-// What of a freedesktop home belongs to programs that may be running.
+// The part of the survey that finds what belongs to programs that may be running.
 
 #include "slices/home/FreedesktopSurvey.h"
 #include "slices/home/KnownPrograms.h"
@@ -15,7 +15,7 @@ void FreedesktopSurvey::addMailDownloads()
     }
 }
 
-/// A profile may have any name, such as "logs": what it holds is no other slice's.
+/// A profile may have any name, such as "logs": its content belongs to no other slice.
 void FreedesktopSurvey::findBrowserData()
 {
     m_found = findPrograms(m_reader);
@@ -28,7 +28,7 @@ void FreedesktopSurvey::findBrowserData()
     }
 }
 
-/// What programs may keep, once all locations are known.
+/// Adds the locations that programs may use, once all locations are known.
 void FreedesktopSurvey::addPrograms()
 {
     for (const FoundProgram &found : m_found) {
@@ -48,7 +48,7 @@ FileUrls FreedesktopSurvey::locationsOf(const FoundProgram &found) const
     return locations;
 }
 
-/// One that a program has for itself is a location, or none of ours.
+/// A cache of the program's own counts only when it is one of the locations.
 FileUrls FreedesktopSurvey::cacheLocations(const QByteArray &cache) const
 {
     FileUrls locations;

@@ -23,7 +23,8 @@ struct NamedFolder
 };
 constexpr NamedFolder kDownloads{"XDG_DOWNLOAD_DIR", "Downloads"};
 
-/// In the order in which large files are looked for. Without a variable a folder has just the name.
+/// In the order in which large files are searched. A folder without a variable has only its plain
+/// name.
 constexpr std::array kSearched{
     NamedFolder{"XDG_DESKTOP_DIR", "Desktop"},
     NamedFolder{"XDG_DOCUMENTS_DIR", "Documents"},
@@ -39,11 +40,11 @@ constexpr NamedFolder kTemplates{"XDG_TEMPLATES_DIR", "Templates"};
 
 constexpr std::array kUpdateFolders{"iPad", "iPod", "iPhone"};
 
-/// Where programs from a store keep what is theirs, downloads too.
+/// Where programs from a store keep their files, downloads too.
 constexpr auto kSandboxes = "snap";
 
-/// Whether these logs are a repository's, such as one of the user's dot files that has its work
-/// tree elsewhere: the record of what was in it before.
+/// Whether these logs are a repository's, such as a repository of the user's dot files with its
+/// work tree elsewhere. They tell what was in it before.
 bool areOfRepository(const HomeProbe &reader, const QByteArray &logs)
 {
     const QByteArray head = logs.first(logs.lastIndexOf('/') + 1) + "HEAD";
@@ -114,7 +115,8 @@ void FreedesktopSurvey::readUserDirs()
         addNamedDownloads(*path);
 }
 
-/// Where programs keep what is theirs, downloads are kept from being taken for it.
+/// Protects the user's downloads in folders where programs keep their own files: they are not taken
+/// for those.
 void FreedesktopSurvey::addNamedDownloads(const QByteArray &path)
 {
     const QByteArrayList paths = m_paths.followed(path);
@@ -122,8 +124,8 @@ void FreedesktopSurvey::addNamedDownloads(const QByteArray &path)
     (isHidden ? m_userFolders : m_downloads).add(path);
 }
 
-/// Many people keep such files in one folder and put links in their places. A link to nothing may
-/// lead to something tomorrow.
+/// Many people keep such files in one folder and put links to them where the files belong. A link
+/// to nothing may lead to something tomorrow.
 SystemResult<QByteArray> FreedesktopSurvey::userDirsText() const
 {
     const QByteArrayList paths = m_paths.followed(m_home.path() + '/' + kUserDirsFile);
@@ -161,7 +163,7 @@ void FreedesktopSurvey::addTrash(const QByteArray &trash)
     }
 }
 
-/// While nobody knows what the user keeps where, the plain name may be that of anything.
+/// While it is unknown where the user keeps what, a folder of the plain name may hold anything.
 void FreedesktopSurvey::addDownloads()
 {
     if (!m_userDirsAreKnown)
@@ -171,8 +173,8 @@ void FreedesktopSurvey::addDownloads()
         add(SliceKind::Downloads, *folder);
 }
 
-/// The folder that the user named. The plain name is for whoever named none below the home; it does
-/// not stand in for one that holds more than downloads.
+/// The folder that the user named. The plain name counts only when the user named no folder below
+/// the home. It does not replace a named folder that holds more than downloads.
 std::optional<QByteArray> FreedesktopSurvey::downloadsFolder() const
 {
     const auto path = m_userDirs.path(kDownloads.variable, m_home.path());
@@ -194,7 +196,7 @@ void FreedesktopSurvey::addTrashOfEnvironment()
     const auto data = m_paths.below(m_environment.dataHome);
     if (!data)
         return;
-    // A folder that just happens to bear the name has no book of what was thrown away.
+    // A folder that only happens to have the name has no folder of trash info files.
     const QByteArray trash = *data + "/Trash";
     if (!m_reader.hasFolder(trash + "/files") || !m_reader.hasFolder(trash + "/info"))
         return;
@@ -204,8 +206,8 @@ void FreedesktopSurvey::addTrashOfEnvironment()
     m_findings.trashFolder = folderUrl(trash + "/files");
 }
 
-/// A cache is emptied whole, and one that a program has for itself may hold mail or maps: the
-/// location must look like one for all programs, must not lie where the user keeps his things, and
+/// A cache is emptied as a whole, and the cache of a single program may hold mail or maps. So the
+/// location must look like a cache of all programs, must not lie where the user keeps files, and
 /// must not hold any of those.
 void FreedesktopSurvey::addCacheOfEnvironment()
 {
@@ -215,8 +217,8 @@ void FreedesktopSurvey::addCacheOfEnvironment()
         m_cacheHomes.append(*cache);
 }
 
-/// It is called just that, and does not lie where some program keeps its own; or the fonts of the
-/// desktop are cached in it, as is done for all programs alike.
+/// Its name is exactly that of the common cache, and it does not lie where a program keeps its own
+/// files; or it holds the desktop's font cache, which all programs share.
 bool FreedesktopSurvey::isCacheOfAllPrograms(const QByteArray &path) const
 {
     const qsizetype slash = path.lastIndexOf('/');
@@ -230,7 +232,7 @@ bool FreedesktopSurvey::isCacheOfAllPrograms(const QByteArray &path) const
     return !isAPrograms && (name == "cache" || name == ".cache");
 }
 
-/// None twice and none inside another, or its files would be listed twice.
+/// Adds no folder twice and none inside another: its files would be listed twice.
 void FreedesktopSurvey::addSearchFolders()
 {
     std::vector<FolderIdentity> folders;

@@ -7,9 +7,9 @@
 #include "slices/home/UserDirs.h"
 #include "slices/home/UserFolders.h"
 
-/// Finds the locations of one freedesktop home. What has a fixed name comes first; what the user's
-/// own files and the environment name may then only add what lies neither in nor around anything
-/// that is known already. One thread.
+/// Finds the locations of one freedesktop home. Locations with a fixed name come first. The user's
+/// own files and the environment may then add only locations that lie neither in nor around a known
+/// one. One thread.
 class FreedesktopSurvey final
 {
 public:
@@ -50,8 +50,8 @@ private:
     const FileUrl m_home;
     const HomeEnvironment m_environment;
     UserDirs m_userDirs;
-    /// Whether the file was read and understood, or there is none. Otherwise nobody knows which
-    /// folder the user keeps what in.
+    /// Whether the file was read and understood, or there is none. Otherwise it is unknown where
+    /// the user keeps what.
     bool m_userDirsAreKnown = false;
     UserFolders m_userFolders;           ///< downloads are not among them
     UserFolders m_downloads;             ///< where they may be

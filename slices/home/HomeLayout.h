@@ -4,9 +4,9 @@
 
 /// The two ways in which a home folder is laid out.
 enum class HomeKind {
-    Unknown,     ///< nobody has looked yet
-    Library,     ///< the programs keep what is theirs in the folder "Library"
-    Freedesktop, ///< in hidden folders, as the freedesktop conventions have it
+    Unknown,     ///< not looked at yet
+    Library,     ///< the programs keep their files in the folder "Library"
+    Freedesktop, ///< they keep them in hidden folders, by the freedesktop conventions
 };
 
 /// How a program shows that it is running, so that its files are in use.
@@ -15,16 +15,17 @@ struct ProgramLock
     enum class Style {
         /// A link "SingletonLock" to "host-process".
         HostLink,
-        /// The same, made in a sandbox, whose process numbers mean nothing outside.
+        /// The same, made in a sandbox. The sandbox's process numbers mean nothing outside.
         SandboxedHostLink,
         /// A file ".parentlock" with a file lock on it, and a link "lock" to "address:+process".
         ParentLock,
-        /// Nothing in the home; the process list alone tells.
+        /// Nothing in the home; only the process list tells.
         ProcessName,
     };
 
     Style style = Style::HostLink;
-    /// The folder that holds the lock, relative to the home; the program's whole name.
+    /// The folder that holds the lock, relative to the home; for ProcessName the program's whole
+    /// name.
     QByteArray place;
 
     friend bool operator==(const ProgramLock &, const ProgramLock &) = default;
@@ -40,8 +41,8 @@ struct ProgramFiles
     friend bool operator==(const ProgramFiles &, const ProgramFiles &) = default;
 };
 
-/// What is where in one home. A value, made when the home is looked at: a location that appears
-/// later is not in it. Says nothing of what runs at present; see ProgramsInUse.
+/// Where everything is in one home. A value, made by a survey: a location that appears later is not
+/// in it. Says nothing about the programs that run at present; see ProgramsInUse.
 class HomeLayout final
 {
 public:
@@ -54,7 +55,7 @@ public:
         std::vector<ProgramFiles> programs;
     };
 
-    /// Of a home that nobody has looked at: no slice has a location.
+    /// The layout of a home that was not looked at yet: no slice has a location.
     HomeLayout() = default;
     /// The fixed layout; nothing is looked at.
     static HomeLayout withLibrary(const FileUrl &home);
@@ -63,8 +64,8 @@ public:
     HomeKind kind() const { return m_kind; }
     const FileUrl &home() const { return m_home; }
 
-    /// Where the slice's content lies; nothing for large files, which the user picks, and while
-    /// nobody knows. Folders are emptied, files are removed.
+    /// Where the slice's content lies; nothing for large files, which the user picks, and while the
+    /// layout is unknown. Folders are emptied, files are removed.
     std::optional<FileUrls> locations(SliceKind kind) const;
     /// The slice's description, which names the programs of this kind of home.
     QString details(SliceKind kind) const;
@@ -74,12 +75,12 @@ public:
     /// The folders in which large files are looked for, none inside another. Empty for the fixed
     /// layout, whose folders the search knows.
     const FileUrls &searchFolders() const { return m_findings.searchFolders; }
-    /// The folder that shows what is in the trash; invalid while nobody knows.
+    /// The folder that shows what is in the trash; invalid while the layout is unknown.
     FileUrl trashFolder() const;
-    /// Whether this is a folder of the trash, where what the user threw away is removed though a
-    /// folder of it was made read-only.
+    /// Whether this is a folder of the trash. What the user threw away is removed there even from
+    /// folders that were made read-only.
     bool isInTrash(const FileUrl &location) const;
-    /// Those whose locations are left out while they run.
+    /// The programs whose locations are left out while they run.
     const std::vector<ProgramFiles> &programs() const { return m_findings.programs; }
 
 private:

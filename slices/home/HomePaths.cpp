@@ -4,7 +4,7 @@
 
 namespace {
 
-/// More than people make. Texts are not to be trusted: each name costs calls to the disk.
+/// More than people make. Such texts cannot be trusted, and each name costs calls to the disk.
 constexpr qsizetype kMostNames = 256;
 constexpr int kMostSteps = 100;
 
@@ -91,7 +91,7 @@ std::optional<QByteArrayList> HomePaths::namesBelow(const QByteArrayList &names)
     return std::nullopt;
 }
 
-/// Also past the first ".."; nothing where there is neither, or where it leads out.
+/// Handles the first ".." too; nothing where there is neither, or where it leads out.
 std::optional<QByteArrayList> HomePaths::pastFirstLink(const QByteArrayList &names) const
 {
     QByteArrayList way;

@@ -4,9 +4,9 @@
 
 class SystemCalls;
 
-/// What absolute paths mean in a granted home: the home may be reached by several paths, where a
-/// folder around it is a link, and paths lead on through links inside it. Where they lead out,
-/// nothing is looked at: it may be a disk that does not answer. One thread.
+/// Tells what absolute paths mean in a granted home. Several paths may lead to the home, when a
+/// folder around it is a link, and paths go on through links inside it. Where a path leads out of
+/// the home, it looks at nothing: that may be a disk that does not answer. One thread.
 class HomePaths final
 {
 public:

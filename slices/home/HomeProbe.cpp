@@ -18,7 +18,7 @@ bool isPlainName(const QByteArray &name)
     return !name.isEmpty() && name != "." && name != ".." && !name.contains('/');
 }
 
-/// An error also for a file that has grown beyond the limit: a part of it may say anything.
+/// An error also for a file that has grown beyond the limit: a part of a file may say anything.
 SystemResult<QByteArray> readToTheEnd(const SystemCalls &calls, int file, std::size_t limit)
 {
     QByteArray content(static_cast<qsizetype>(limit) + 1, Qt::Uninitialized);
@@ -139,7 +139,7 @@ SystemResult<FileStatus> HomeProbe::statusOf(const QByteArray &path) const
     return m_calls.status(folder->get(), name.constData());
 }
 
-/// Also what the file system does not tell the kind of: that comes out when it is opened.
+/// Includes entries of which the file system does not tell the kind: opening them shows it.
 QByteArrayList HomeProbe::foldersIn(const QByteArray &path) const
 {
     QByteArrayList found;

@@ -12,20 +12,21 @@ class SystemCalls;
 
 /// Looks into a granted home, to find out which of the locations that programs use are there. Goes
 /// down from the home's descriptor, never through a link and never onto another file system. What
-/// it cannot read is not there, unless said otherwise. Paths are raw and relative to the home. One
-/// thread at a time, not the main one.
+/// it cannot read counts as missing, unless said otherwise. Paths are raw and relative to the home.
+/// One thread at a time, not the main one.
 class HomeProbe final
 {
 public:
-    /// `home` is the granted folder, open. The calls must outlive the reader. Once the token says
-    /// stop, nothing matches any more: what was found then is good for nothing.
+    /// `home` is the granted folder, open. The calls must outlive the reader. Once a stop is
+    /// requested, nothing matches any more: what was found by then must not be used.
     HomeProbe(const SystemCalls &calls, std::shared_ptr<const FileDescriptor> home,
               std::stop_token stop = {});
 
     bool hasFolder(const QByteArray &path) const;
     /// Nothing where there is no folder.
     std::optional<InodeId> idOf(const QByteArray &path) const;
-    /// Of the folder at the path and of all around it below the home, those that are there.
+    /// The ids of the folder at the path and of all folders around it below the home, those that
+    /// exist.
     std::vector<InodeId> idsOnTheWay(const QByteArray &path) const;
     /// The folders that the pattern matches, sorted. A component "*" matches every name of one
     /// folder that is there; a component "@name" is the folder of that name or, where that is a
@@ -35,8 +36,8 @@ public:
     QByteArrayList filesAmong(const QByteArrayList &paths) const;
     /// Where a link leads, by its own bytes; nothing where there is none.
     std::optional<QByteArray> linkAt(const QByteArray &path) const;
-    /// The bytes of a plain file of no more than `limit` bytes. ENOENT alone says that there is
-    /// none; whatever else is there and cannot be read has another error, a link ELOOP.
+    /// The bytes of a plain file of no more than `limit` bytes. Only ENOENT says that there is
+    /// none. Anything else that cannot be read has another error, a link ELOOP.
     SystemResult<QByteArray> contentOf(const QByteArray &path, std::size_t limit) const;
 
 private:

@@ -25,7 +25,7 @@ HomeKind homeKind(const SystemCalls &calls, const FileAccess &access, const File
     return kindOf(calls, access.anchoredPath(home));
 }
 
-/// The access is asked once: it may be gone, or lead elsewhere, the next time.
+/// Asks the access only once: the next time it may be gone, or may lead elsewhere.
 HomeLayout surveyHome(const SystemCalls &calls, const FileAccess &access, const FileUrl &home,
                       const HomeEnvironment &environment, const std::stop_token &stop)
 {

@@ -8,9 +8,9 @@
 
 class SystemCalls;
 
-/// How the granted home is laid out. The fixed layout has a home that holds a folder "Library"
-/// itself, no link to one, and every home of a system where all homes do; also one that there is no
-/// access to, for then nothing is there at all. Unknown where the home does not answer: neither
+/// How the granted home is laid out. Library for a home that holds a real folder "Library", not a
+/// link to one, and for every home of a system where all homes have one; also for a home without
+/// access, since then nothing is there at all. Unknown when the home does not answer: neither
 /// layout may be taken for the other. Costs one status call; any thread. The caller holds the
 /// access.
 HomeKind homeKind(const SystemCalls &calls, const FileAccess &access, const FileUrl &home);
@@ -18,7 +18,8 @@ HomeKind homeKind(const SystemCalls &calls, const FileAccess &access, const File
 /// Looks at the home and finds where everything is, see HomeLayout. Reads the names of a few dozen
 /// folders: not for the main thread. The caller holds the access.
 ///
-/// Whatever is found lies strictly below the home, with no link on the way, and no location lies in
-/// another. Unknown, with no location at all, where homeKind() is, and when it was told to stop.
+/// Everything found lies strictly below the home, with no link on the way, and no location lies in
+/// another. The layout is unknown, without any location, when homeKind() is unknown and when the
+/// survey was stopped.
 HomeLayout surveyHome(const SystemCalls &calls, const FileAccess &access, const FileUrl &home,
                       const HomeEnvironment &environment, const std::stop_token &stop = {});

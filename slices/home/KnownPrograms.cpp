@@ -36,7 +36,8 @@ constexpr std::array kPrograms{
                                {"Chrome Dev", "google-chrome-unstable"}}},
                  .flatpaks = {{{"com.google.Chrome"}, {"com.google.ChromeDev", kNoProfiles}}},
                  .processes = {"chrome"}},
-    // In a sandbox it goes by the name of the other; outside, its lock tells of it under any.
+    // In a sandbox its process has the other browser's name. Outside, its lock tells that it runs,
+    // under any name.
     KnownProgram{.name = "Chromium",
                  .family = Chromium,
                  .files = Known,
@@ -100,8 +101,8 @@ constexpr std::array kPrograms{
                  .flatpaks = {{{"org.mozilla.Thunderbird"}, {"org.mozilla.thunderbird"}}},
                  .snap = {"thunderbird", ".thunderbird", Unknown},
                  .processes = {"thunderbird", "thunderbird-bin", "thunderbird-esr"}},
-    // Its services run in every session of GNOME, and have the mail and the calendars that are kept
-    // for use without a network open there.
+    // Its services run in every session of GNOME. They hold open the mail and the calendars that
+    // are kept there for use without a network.
     KnownProgram{.name = "Evolution",
                  .cache = "evolution",
                  .flatpaks = {{{"org.gnome.Evolution", kNoProfiles}}},

@@ -9,7 +9,7 @@
 enum class ProgramFamily {
     Chromium, ///< all profiles lie in one folder, under one lock
     Firefox,  ///< each profile has a lock of its own
-    Other,    ///< nothing is known of its profiles; the process list alone tells that it runs
+    Other,    ///< its profiles are unknown; only the process list tells that it runs
 };
 
 /// Whether it is known which files of a program's profiles may be removed.
@@ -32,7 +32,7 @@ struct SnapEdition
     ProfileFiles files = ProfileFiles::Known;
 };
 
-/// An edition of a program that people run beside the usual one. It goes by the same processes.
+/// An edition of a program that people run beside the usual one. Its processes have the same names.
 struct ProgramChannel
 {
     const char *name = nullptr;
@@ -43,19 +43,19 @@ struct ProgramChannel
 /// locations in a home follow from it, as do the sentences that name programs.
 struct KnownProgram
 {
-    template <typename Value> using UpTo = std::array<Value, 4>; ///< what is unused is null
+    template <typename Value> using UpTo = std::array<Value, 4>; ///< unused values are null
 
     const char *name = nullptr; ///< for people
     ProgramFamily family = ProgramFamily::Other;
     ProfileFiles files = ProfileFiles::Unknown;
     const char *homeProfiles = nullptr;   ///< the folder of its profiles, in the home
     const char *configProfiles = nullptr; ///< the same, in the folder of settings
-    const char *cache = nullptr;          ///< the name in whatever folder holds all caches
+    const char *cache = nullptr;          ///< the name in the folder that holds all caches
     UpTo<ProgramChannel> channels{};
     UpTo<FlatpakEdition> flatpaks{};
     SnapEdition snap{};
     UpTo<const char *> processes{}; ///< whole names
-    /// Further names of the processes, which only a sandboxed one has for sure.
+    /// Further names of the processes, which only the sandboxed program has for certain.
     UpTo<const char *> sandboxProcesses{};
 };
 
@@ -67,7 +67,7 @@ struct KnownMailProgram
     const char *attachments; ///< in the home; never a store of mail
 };
 
-/// In the order in which people are told of them. Immutable; any thread.
+/// In the order in which texts name them. Immutable; any thread.
 std::span<const KnownProgram> knownPrograms();
 std::span<const KnownMailProgram> knownMailPrograms();
 

@@ -12,12 +12,12 @@ namespace {
 
 using Style = ProgramLock::Style;
 
-/// The process list cuts the names of processes, though not those of their files.
+/// The process list shortens the names of processes, but not those of their files.
 constexpr qsizetype kLongestProcessName = 15;
 
 enum class Answer { Running, NotRunning };
 
-/// What an error says of a lock: it is not there, or it cannot be told.
+/// What an error says about a lock: it is missing, or its state is unknown.
 Answer answerTo(int error)
 {
     return error == ENOENT ? Answer::NotRunning : Answer::Running;
@@ -28,7 +28,7 @@ Answer answerFor(bool isRunning)
     return isRunning ? Answer::Running : Answer::NotRunning;
 }
 
-/// "host-process": the process means something on that host alone, and in a sandbox nothing.
+/// "host-process": the process number means something only on that host, and nothing in a sandbox.
 Answer judgedHostLink(const SystemCalls &calls, const QByteArray &text, Style style)
 {
     const qsizetype dash = text.lastIndexOf('-');
@@ -40,13 +40,14 @@ Answer judgedHostLink(const SystemCalls &calls, const QByteArray &text, Style st
     return answerFor(calls.isRunning(process));
 }
 
-/// What the file with the file lock says. A lock that cannot be told is held.
+/// What the file with the file lock says. A lock whose state is unknown counts as held.
 enum class FileLock { NoFile, Free, Held };
 
-/// "address:+process". The plus says that the program had the file lock, which the system takes
-/// back when it ends: where the lock is free, a crash left the link, and the number, which may be
-/// that of a sandbox, is any other process's. Without the plus the program had no such lock, for
-/// want of a file system that gives one; such a home may be in use from another machine.
+/// "address:+process". The plus says that the program had the file lock. The system takes the lock
+/// back when the program ends. So if the lock is free, a crash left the link, and its number may
+/// now belong to any other process; it may also be a sandbox's number. Without the plus the program
+/// had no such lock, because the file system gives none. Such a home may be in use from another
+/// machine.
 Answer judgedAddressLink(const SystemCalls &calls, const QByteArray &text, FileLock lock)
 {
     const qsizetype mark = text.lastIndexOf(":+");
@@ -73,7 +74,7 @@ FileLock fileLock(const SystemCalls &calls, int folder)
 
 Answer askParentLock(const SystemCalls &calls, int folder)
 {
-    // The link first: a program that is being started makes it when it has the lock.
+    // Reads the link first: a program that starts takes the lock, and only then makes the link.
     const auto text = calls.readLink(folder, "lock");
     const FileLock lock = fileLock(calls, folder);
     if (lock == FileLock::Held)
@@ -81,7 +82,7 @@ Answer askParentLock(const SystemCalls &calls, int folder)
     return text ? judgedAddressLink(calls, *text, lock) : answerTo(text.error());
 }
 
-/// Asks each program, but for the list of all processes only once.
+/// Asks about each program, but reads the list of all processes only once.
 class Inquiry final
 {
 public:
@@ -138,7 +139,7 @@ bool isInsideOne(const FileUrl &location, const FileUrls &locations)
     });
 }
 
-/// Several profiles of a program have one cache, and programs of one maker a common one.
+/// Several profiles of a program share one cache, and so do programs of one maker.
 FileUrls outermost(const FileUrls &locations)
 {
     FileUrls found;
@@ -149,7 +150,7 @@ FileUrls outermost(const FileUrls &locations)
     return found;
 }
 
-/// In doubt something is.
+/// In doubt it exists.
 bool isThere(const SystemCalls &calls, const FileAccess &access, const FileUrl &location)
 {
     const auto path = access.anchoredPath(location);

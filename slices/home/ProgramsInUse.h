@@ -8,18 +8,18 @@
 class SystemCalls;
 
 /// The locations at and inside these locations that programs of the layout may use, each once. Some
-/// may lie in others, and they need not be there.
+/// may lie in others, and they need not exist.
 FileUrls programLocations(const HomeLayout &layout, const FileUrls &locations);
 
-/// The locations at and inside this location whose programs run at this very moment, as their locks
-/// tell below the home, which `anchor` holds open, and the process list. None lies in another, and
-/// they need not be there. Not for the main thread.
+/// The locations at and inside this location whose programs run at this very moment. Their locks
+/// below the home, which `anchor` holds open, and the process list tell that. None lies in another,
+/// and they need not exist. Not for the main thread.
 FileUrls locationsInUse(const SystemCalls &calls, const AnchoredPath &anchor,
                         const HomeLayout &layout, const FileUrl &location);
 
-/// The programs of a layout that were running when they were looked for, and the locations that are
-/// therefore left out, those that were there: a browser writes its cookies back when it ends, and
-/// breaks when they vanish under it. In doubt a program runs. A value.
+/// The programs of a layout that were running when they were looked for, and those of their
+/// locations that existed. These are left out of a cleaning: a browser writes its cookies back when
+/// it ends, and breaks when they vanish while it runs. In doubt a program runs. A value.
 class ProgramsInUse final
 {
 public:
@@ -32,9 +32,9 @@ public:
 
     /// The locations without those that are left out.
     FileUrls without(const FileUrls &locations) const;
-    /// What stays inside these locations: folders, none in another.
+    /// The folders that stay inside these locations, none in another.
     FileUrls keptInside(const FileUrls &locations) const;
-    /// The names of those that keep some of these locations or something inside, each once.
+    /// The names of the programs that keep some of these locations or something inside, each once.
     QStringList programs(const FileUrls &locations) const;
 
     friend bool operator==(const ProgramsInUse &, const ProgramsInUse &) = default;

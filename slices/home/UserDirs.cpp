@@ -41,7 +41,7 @@ QByteArray takeName(QByteArrayView &rest)
     return isFolderName ? name.toByteArray() : QByteArray();
 }
 
-/// All that stand anywhere in the line.
+/// All names anywhere in the line.
 QByteArrayList namesIn(QByteArrayView line)
 {
     QByteArrayList names;
@@ -53,9 +53,9 @@ QByteArrayList namesIn(QByteArrayView line)
     return names;
 }
 
-/// The path between the quotes, "$HOME" or absolute, its escapes undone; empty for what no reader
-/// takes for a path. Nothing when the quote is not closed, or when a shell would put something else
-/// in the place of what is written.
+/// The path between the quotes, "$HOME" or absolute, its escapes undone; empty when no reader takes
+/// the text for a path. Nothing when the quote is not closed, or when a shell would replace the
+/// text by something else.
 std::optional<QByteArray> takeQuoted(QByteArrayView &rest)
 {
     if (!skip(rest, '"'))

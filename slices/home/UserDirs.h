@@ -23,12 +23,12 @@ public:
     /// this absolute path. Nothing when the file does not name it.
     std::optional<QByteArray> path(const QByteArray &name, const QByteArray &homePath) const;
 
-    /// The paths that the file names for anything but this: where something of the user's may lie,
-    /// also for names that nobody knows.
+    /// The paths that the file gives for all names except this one: files of the user's may lie
+    /// there. Includes names that this program does not know.
     QByteArrayList allBut(const QByteArray &name, const QByteArray &homePath) const;
 
-    /// Whether nobody can tell what the file says about another name than this: a line for it does
-    /// not follow the rules, and a shell or a laxer program may read something out of it.
+    /// Whether it is unclear what the file says about any name except this one: a line for it does
+    /// not follow the rules, and a shell or a less strict program may still read something from it.
     bool isUnclearBut(const QByteArray &name) const;
 
 private:

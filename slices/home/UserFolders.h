@@ -3,8 +3,8 @@
 #include "slices/home/FolderIdentity.h"
 #include "slices/home/HomePaths.h"
 
-/// The folders of a freedesktop home in which the user keeps what nobody may take for something
-/// else, whatever their names and however many links lead to them. One thread.
+/// The folders of a freedesktop home in which the user keeps his own files. Nothing in them may be
+/// taken for something else, whatever their names and however many links lead to them. One thread.
 class UserFolders final
 {
 public:
