@@ -9,10 +9,10 @@
 
 namespace {
 
-/// Of the questions' two buttons, the one that goes on.
+/// The button of the questions that goes on; the other one cancels.
 constexpr int kGoOnButton = 1;
 
-/// Whether nothing was cleaned because nobody knows for sure what is excluded.
+/// Whether nothing was cleaned because the exclusions are not known for certain.
 bool refusedEverything(const CleaningReport &report)
 {
     const RefusalReason first = report.refusals.value(0).reason;
@@ -73,7 +73,7 @@ bool CleaningFlow::isReady() const
            m_services.isPageReady() && m_services.home.isKnown();
 }
 
-/// Tells the user where the exclusions are in the way.
+/// Tells the user when the exclusions do not allow a cleaning.
 bool CleaningFlow::mayClean()
 {
     return isReady() && exclusionsAllowCleaning();
@@ -110,8 +110,8 @@ bool CleaningFlow::exclusionsAllowCleaning()
     return false;
 }
 
-/// The disk of the folder may take its time to answer. The consent goes with the very question that
-/// is asked for it.
+/// The disk of the folder may take time to answer. The consent travels with the question that is
+/// asked for it.
 void CleaningFlow::checkGrant()
 {
     m_services.whenGrantIsUsable(
@@ -119,9 +119,10 @@ void CleaningFlow::checkGrant()
         [this] { handle(CleaningEvent::GrantUnusable); });
 }
 
-/// Looked at again: the page may have been left, or the settings changed, while the sheet was up or
-/// the grant was looked at. And what was confirmed is cleaned or nothing: a slice may have been
-/// switched, a program ended, or an exclusion taken back meanwhile.
+/// Checks everything again: while the sheet was up or the grant was checked, the page may have been
+/// left or the settings may have changed. Cleans exactly what was confirmed, or nothing: meanwhile
+/// a slice may have been switched, a program may have ended, or an exclusion may have been taken
+/// back.
 void CleaningFlow::grantIsUsable(const std::optional<SliceSelection::Choice> &consent)
 {
     if (!isReady())
@@ -141,7 +142,8 @@ std::optional<CleaningEvent> CleaningFlow::lookForPrograms()
     return std::nullopt;
 }
 
-/// Again until all that it names are measured: their locations may have changed meanwhile.
+/// Repeats until all slices that the question names are measured: their locations may have changed
+/// meanwhile.
 std::optional<CleaningEvent> CleaningFlow::measure()
 {
     SliceSelection::Records named;
@@ -182,7 +184,7 @@ void CleaningFlow::takeAnswer(const SliceSelection::Choice &asked, int button)
     } else {
         m_consent = asked;
         handle(CleaningEvent::Confirmed);
-        m_consent.reset(); // an answer that led nowhere is no consent to anything later
+        m_consent.reset(); // an answer that led nowhere is no consent for a later cleaning
     }
 }
 
@@ -196,8 +198,8 @@ void CleaningFlow::clean()
         m_services.home.layout());
 }
 
-/// What is excluded now, and what was when the user confirmed: an exclusion that is taken back
-/// while the cleaning measures is still kept. Nothing while nobody knows.
+/// What is excluded now, and what was excluded when the user confirmed: an exclusion that is taken
+/// back while the cleaning measures still holds. Nothing while the exclusions are not known.
 std::optional<ExcludedPaths> CleaningFlow::exclusionsBeside(const ExcludedPaths &confirmed) const
 {
     if (!m_services.defaults.exclusionsAreKnown())

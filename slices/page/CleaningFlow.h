@@ -9,12 +9,12 @@
 class HomeWatch;
 
 /// Leads from the press of the start button to the result: checks the grant, looks for programs
-/// that run, measures what the question names, asks the user, checks the grant again and cleans.
-/// Where it is, one state says; which event leads where, the table in CleaningStates.h.
+/// that run, measures what the question names, asks the user, checks the grant again and cleans. It
+/// is always in one state; the table in CleaningStates.h says which event leads to which state.
 ///
-/// Nothing is removed but what the user has confirmed, and of that nothing that the user has
-/// excluded until then or meanwhile. When this is destroyed, a running cleaning stops before its
-/// next item. Owned by the page; main thread only.
+/// It removes only what the user has confirmed, and of that nothing that the user excluded before
+/// or during the cleaning. When this is destroyed, a running cleaning stops before its next item.
+/// Owned by the page; main thread only.
 class CleaningFlow final : public QObject
 {
     Q_OBJECT
@@ -29,7 +29,7 @@ public:
         HomeWatch &home;
         SliceSelection &selection;
         GrantQuestion whenGrantIsUsable;
-        /// Whether the page is there to be asked on: shown, and without a sheet of its own.
+        /// Whether a question can be shown on the page: it is visible, and has no sheet of its own.
         std::function<bool()> isPageReady;
         /// Shows a question, or a message that needs no answer.
         std::function<void(const Alert &, AlertCompletion)> ask;
@@ -42,24 +42,24 @@ public:
     bool isIdle() const { return m_state == CleaningState::Idle; }
     bool isCleaning() const { return m_state == CleaningState::Cleaning; }
 
-    /// The start button was pressed. Does nothing while there is nothing to be cleaned, or no state
-    /// to begin from.
+    /// The start button was pressed. Does nothing while there is nothing to clean, or in a state in
+    /// which no cleaning can begin.
     void start();
-    /// The page is left: what is not confirmed yet is asked no more. A cleaning goes on.
+    /// The page is left: a question that is not answered yet is dropped. A cleaning goes on.
     void leave() { handle(CleaningEvent::PageLeft); }
     /// Nothing is removed from now on.
     void requestStop() { m_job.requestStop(); }
 
 Q_SIGNALS:
-    /// Comes before anything is done in the new state.
+    /// Emitted before anything is done in the new state.
     void stateChanged(CleaningState state, CleaningState before);
-    /// The cleaning has ended. `leftAlone` tells people what stayed as a whole, and is empty when
-    /// nothing did.
+    /// The cleaning has ended. `leftAlone` is a text for the user about what stayed as a whole;
+    /// empty when nothing did.
     void finished(qint64 freedBytes, const QString &leftAlone);
 
 private:
     void handle(CleaningEvent event);
-    /// These answer the event that comes of it at once; nothing where it has to be awaited.
+    /// These return the event that follows at once; nothing when it comes later.
     std::optional<CleaningEvent> goOn(CleaningEvent event);
     std::optional<CleaningEvent> act();
     std::optional<CleaningEvent> lookForPrograms();

@@ -11,7 +11,7 @@ namespace {
 
 using Records = CleaningJob::Records;
 
-/// What the plan did not know to be in use.
+/// What was found in use during the cleaning, unknown to the plan.
 QByteArrayList foundInUse(const CleaningReport &report, const CleaningPlan &plan)
 {
     QByteArrayList found;
@@ -82,7 +82,7 @@ void CleaningJob::start(Records chosen, Exclusions exclusions, HomeLayout layout
     m_measures.run([this, records = m_chosen](const std::stop_token &) mutable {
         for (const auto &record : records)
             record->fileSizeString();
-        // With the records: the last reference to one must not end on this thread.
+        // Carries the records back: the last reference to one must not end on this thread.
         return [this, records = std::move(records)] { remove(); };
     });
 }
@@ -107,7 +107,8 @@ void CleaningJob::remove()
     });
 }
 
-/// Whoever changed a record since the cleaning was started changed nothing of what was confirmed.
+/// Gives the records back the locations that were confirmed: changes since the start of the
+/// cleaning do not count.
 void CleaningJob::restore(const Records &chosen, const Confirmed &confirmed)
 {
     for (std::size_t i = 0; i < chosen.size(); ++i) {

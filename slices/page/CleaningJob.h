@@ -15,29 +15,30 @@ class SystemCalls;
 
 /// Cleans the chosen slices in the background and tells when it is done. One cleaning at a time.
 /// Owned by the page, used on the main thread. When it is destroyed, a running cleaning stops
-/// before its next item, and is waited for. Measures are not: they change nothing.
+/// before its next item, and the destructor waits for it. It does not wait for measures: they
+/// change nothing.
 class CleaningJob final : public QObject
 {
     Q_OBJECT
 
 public:
     using Records = std::vector<std::shared_ptr<Info>>;
-    /// What the user has excluded; nothing while nobody knows. Asked on the main thread, right
-    /// before the first removal is planned.
+    /// What the user has excluded; nothing while that is not known. Called on the main thread,
+    /// right before the first removal is planned.
     using Exclusions = std::function<std::optional<ExcludedPaths>()>;
 
     /// Both live as long as the program.
     CleaningJob(const SystemCalls &calls, FileAccess &access, QObject *parent = nullptr);
     ~CleaningJob() override;
 
-    /// Cleans the chosen slices, what they stand for at this moment. Those that are still being
-    /// measured are waited for first, so that what was freed is what was there. Of a layout with
-    /// programs, the locations of those that were started meanwhile are left alone, and taken from
-    /// the records; whoever starts while the cleaning is under way keeps the locations whose turn
-    /// has not come yet, and those are taken off the sizes.
+    /// Cleans the chosen slices, with the locations that they have at this moment. First waits for
+    /// the slices that are still being measured, so that the freed size is the size that was there.
+    /// In a layout with programs, the locations of programs that were started meanwhile are left
+    /// alone, and taken from the records. A program that starts during the cleaning keeps its
+    /// locations that are not cleaned yet; they are subtracted from the sizes.
     void start(Records chosen, Exclusions exclusions, HomeLayout layout = {});
 
-    /// Nothing is removed from now on. The cleaning's end is still told.
+    /// Nothing is removed from now on. The end of the cleaning is still reported.
     void requestStop();
 
     bool isRunning() const { return m_isRunning; }

@@ -19,11 +19,11 @@ enum class CleaningEvent {
     Pressed,       ///< the start button, and something may be cleaned
     GrantUsable,   ///< and what is to be cleaned has to be asked (again)
     GrantUnusable, ///< the user knows why
-    ConsentStands, ///< the grant is usable, and what would be cleaned is just what was confirmed
+    ConsentStands, ///< the grant is usable, and exactly what was confirmed would be cleaned
     ProgramsFound,
-    Measured,    ///< what had no size; its locations may have changed meanwhile
+    Measured,    ///< what had no size has one; its locations may have changed meanwhile
     AllMeasured, ///< nothing is left without a size
-    Confirmed,   ///< by the user, and something may be cleaned still
+    Confirmed,   ///< by the user, and there is still something to clean
     Declined,    ///< by the user
     NotReady,    ///< nothing may be cleaned any more
     PageLeft,
@@ -37,16 +37,16 @@ struct CleaningTransition
     CleaningState next;
 };
 
-/// What is not in the table leads nowhere: a second press, or an answer that comes too late. In
-/// particular nothing but the end of the cleaning leads out of it, and nothing but a consent that
-/// stands leads into it.
+/// An event that is not in the table leads nowhere: a second press, or an answer that comes too
+/// late. In particular only the end of the cleaning leads out of it, and only a consent that stands
+/// leads into it.
 inline constexpr auto kCleaningTransitions = [] {
     using enum CleaningState;
     using enum CleaningEvent;
     return std::to_array<CleaningTransition>({
         {Idle, Pressed, CheckingGrant},
-        // The page was left and came back under its question. Its records are new ones since, so
-        // that the user is asked again.
+        // The page was left and came back under its question. Its records are new ones since then,
+        // so the user is asked again.
         {Idle, Confirmed, CheckingGrant},
 
         {CheckingGrant, GrantUsable, LookingForPrograms},

@@ -26,7 +26,7 @@ QString leftAloneLine(const CleaningRefusal &refusal)
                                   : tr("%1: %2").arg(QString::fromUtf8(refusal.path), reason);
 }
 
-/// The size of a slice of which programs in use keep something; empty for any other.
+/// The size of a slice without what programs in use keep of it; empty for any other slice.
 QString withoutText(const Info &record, const ProgramsOfSlice &programs)
 {
     const std::optional<SliceKind> kind = sliceKindNamed(record.name());
@@ -38,7 +38,7 @@ QString withoutText(const Info &record, const ProgramsOfSlice &programs)
     return text.arg(stringFromByteCount(record.fileSize()), enumerated(names));
 }
 
-/// The folder, where the slice's name does not say which it is.
+/// The folder, when the slice's name does not say which one it is.
 QString downloadsText(const Info &record, const ConfirmationDetails &details)
 {
     const bool areDownloads = sliceKindNamed(record.name()) == SliceKind::Downloads;

@@ -14,16 +14,16 @@ struct CleaningReport;
 /// The programs that keep something of a slice because they are in use.
 using ProgramsOfSlice = std::function<QStringList(SliceKind)>;
 
-/// What a confirmation tells of the slices besides their names.
+/// What a confirmation says about the slices besides their names.
 struct ConfirmationDetails
 {
     ProgramsOfSlice programs;
     QString nameOfDownloads; ///< the folder that is emptied; empty where it has the slice's name
 };
 
-/// What the user is asked before a cleaning: the slices that are on, and the warning. Where a
-/// program in use keeps its files, the slice's size without them, and the folder of Downloads where
-/// it is called otherwise.
+/// The question before a cleaning: the slices that are on, and the warning. When a program in use
+/// keeps its files, also the slice's size without them. When the folder of Downloads has another
+/// name, also that name.
 QString confirmationText(const std::vector<std::shared_ptr<Info>> &records,
                          const ConfirmationDetails &details = {});
 
@@ -31,11 +31,11 @@ QString confirmationText(const std::vector<std::shared_ptr<Info>> &records,
 QString inUseText(const QStringList &programs);
 
 /// Which of the chosen locations a cleaning left alone as a whole, and why, for people; empty when
-/// there is none. Single files that could not be removed are not told of.
+/// there is none. It leaves out single files that could not be removed.
 QString leftAloneText(const CleaningReport &report);
 
 /// Which stored exclusions cannot be read, and what to do about it, for people.
 QString unparsableExclusionsText(const QStringList &stored);
 
-/// Why nobody knows what is excluded, and what is known, for people.
+/// Why the exclusions are not fully known, and which are known, for people.
 QString unknownExclusionsText(const QString &damage, const ExcludedPaths &excluded);

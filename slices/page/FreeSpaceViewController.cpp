@@ -26,8 +26,8 @@ constexpr double kLabelRadius = 155.0;
 constexpr std::chrono::seconds kEntrance{1};
 constexpr std::chrono::seconds kPauseBeforeTutorial{1};
 
-/// A disabled button takes no focus: where it is enabled late, it does so now, unless the user has
-/// put the focus elsewhere on the page meanwhile.
+/// A disabled button takes no focus. A button that is enabled late takes it now, unless the user
+/// has moved the focus elsewhere on the page meanwhile.
 void setEnabledWithFocus(StartButton &button, const QWidget &page, bool isEnabled)
 {
     button.setEnabled(isEnabled);
@@ -147,7 +147,7 @@ void FreeSpaceViewController::showTutorialUnlessDeclined()
         return;
     const bool isAsking = !m_flow.isIdle() && !m_flow.isCleaning();
     m_presence = isAsking ? Presence::OwingTutorial : Presence::Shown;
-    // A page that has left the window meanwhile has none to show a sheet on.
+    // A page that has left the window meanwhile has no window to show a sheet on.
     if (view()->isVisible() && m_flow.isIdle() &&
         !m_services.defaults.boolean(VNTHideDemoWindowString))
         presentSheet(*view(), *demoWindowController().window());
@@ -199,7 +199,7 @@ void FreeSpaceViewController::updateExcludedFiles()
     if (m_selection.records().empty())
         return; // not shown yet
     if (m_flow.isCleaning())
-        return; // heard when it is over; the cleaning reads the list itself
+        return; // handled after the cleaning, which reads the list itself
     m_picking->drop();
     if (m_selection.applyExclusions() && !m_picking->isPicking())
         showMessage({.messageText = tr("Your preferences have been adjusted, please scan for "
@@ -248,7 +248,7 @@ void FreeSpaceViewController::showState(CleaningState state, CleaningState befor
         break;
     case CleaningState::LookingForPrograms:
     case CleaningState::Measuring:
-        break; // looking still
+        break; // still looking
     case CleaningState::Asking:
         m_startButton->detailText().setText(tr("Click to free"));
         break;

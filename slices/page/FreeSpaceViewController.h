@@ -24,8 +24,8 @@ struct Alert;
 
 /// The page of the slices: shows the eight kinds of content on a pie, measures them in the
 /// background, lets the user switch them on and off, and cleans those that are on. Every visit
-/// measures afresh. It has the controls and shows what its parts do: the look at the home, the
-/// cleaning, what is offered under the pointer, and the picking of large files. Owned by the main
+/// measures afresh. It has the controls and shows the work of its parts: the survey of the home,
+/// the cleaning, the offers under the pointer, and the picking of large files. Owned by the main
 /// window's controller; main thread only.
 class FreeSpaceViewController final : public VNTViewController, public PieChartDelegate
 {
@@ -82,7 +82,7 @@ public Q_SLOTS:
     void updateExcludedFiles();
 
 Q_SIGNALS:
-    /// From the confirmation to the hand-over to the next page: no way back meanwhile.
+    /// True from the confirmation until the next page takes over: meanwhile there is no way back.
     void cleaningChanged(bool isCleaning);
     /// A message for the user while this page is in no window.
     void tells(const Alert &alert);
@@ -92,7 +92,7 @@ private:
         Away,   ///< also on its way out
         Coming, ///< on its way in
         Shown,
-        OwingTutorial, ///< shown; the tutorial's time came while something was asked
+        OwingTutorial, ///< shown; the tutorial was due while a question was up
     };
 
     bool isShown() const

@@ -24,9 +24,9 @@ QStringList HomeWatch::programsInUse(SliceKind kind) const
     return m_findings.inUse.programs(layout().locations(kind).value_or(FileUrls()));
 }
 
-/// One status call tells a home with a Library. Any other is looked at beside the main thread, and
-/// until that is done the slices have no locations. Nor have those of a home that does not answer,
-/// until the next look.
+/// One status call recognises a home with a Library. Any other home is surveyed beside the main
+/// thread, and the slices have no locations until that is done. If the home does not answer, they
+/// have none until the next survey.
 void HomeWatch::look()
 {
     const FileUrl home = m_services.homeFolder();
@@ -73,7 +73,7 @@ Info::Measure HomeWatch::measureFunction() const
 void HomeWatch::takeFindings(const Findings &findings)
 {
     place(findings);
-    // What was excluded meanwhile was heard by slices without locations.
+    // Exclusions that were added meanwhile met slices without locations.
     m_selection.applyExclusions();
     m_selection.updateSelectedSlicesUserDefaults();
     Q_EMIT found();
@@ -84,7 +84,7 @@ void HomeWatch::lookForPrograms(std::function<void()> then)
     m_looking.run(programLook(std::move(then)));
 }
 
-/// Each time anew: programs come and go.
+/// Looks each time anew: programs start and end.
 BackgroundTask<OwnersEnd::Abandon> HomeWatch::programLook(std::function<void()> then)
 {
     return [this, &calls = m_services.calls, &access = m_services.access, layout = layout(),

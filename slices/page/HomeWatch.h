@@ -10,9 +10,9 @@
 /// Looks at the home folder, keeps what it found there (where everything is, and which programs
 /// run) and gives the records of the selection their locations and the means to measure them.
 ///
-/// Long looks are made beside the main thread. Their answers come from the event loop, and only
-/// until stop() or until something newer was asked for. When this is destroyed, all measures stop.
-/// Owned by the page; main thread only.
+/// Long surveys run beside the main thread. Their answers come from the event loop, and only until
+/// stop() or until a newer request. When this is destroyed, all measures stop. Owned by the page;
+/// main thread only.
 class HomeWatch final : public QObject
 {
     Q_OBJECT
@@ -24,14 +24,15 @@ public:
         const SystemCalls &calls;
         FileAccess &access;
         std::function<FileUrl()> homeFolder;
-        /// Whether the records may change. What the user has confirmed stands while it is cleaned.
+        /// Whether the records may change. During a cleaning, what the user has confirmed stays as
+        /// it is.
         std::function<bool()> mayChange;
     };
 
     HomeWatch(Services services, SliceSelection &selection, QObject *parent = nullptr);
     ~HomeWatch() override;
 
-    /// Where everything is; of an unknown kind until found() and where the home does not answer.
+    /// Where everything is; of an unknown kind until found(), and while the home does not answer.
     const HomeLayout &layout() const { return m_findings.layout; }
     bool isKnown() const { return layout().kind() != HomeKind::Unknown; }
     /// The programs that keep something of this slice because they are in use.
@@ -40,17 +41,17 @@ public:
     /// Makes new records, nothing measured yet. They have their locations at once in a home with a
     /// Library, and once found() comes in any other.
     void look();
-    /// Nothing that was asked for is answered any more. Measures go on.
+    /// Open requests get no answer any more. Measures go on.
     void stop() { m_looking.stop(); }
 
-    /// Looks for the programs that run now, takes that over, and goes on.
+    /// Looks for the programs that run now, gives the result to the records, and goes on.
     void lookForPrograms(std::function<void()> then);
     /// The same as work for a thread of the caller's.
     BackgroundTask<OwnersEnd::Abandon> programLook(std::function<void()> then);
 
     /// Goes on when each of these records has a size.
     void measure(SliceSelection::Records records, std::function<void()> then);
-    /// The records are measured no further. Only look() starts new measures.
+    /// Stops measuring the records. Only look() starts new measures.
     void stopMeasuring() { m_measuring.request_stop(); }
 
 Q_SIGNALS:

@@ -47,8 +47,8 @@ void LargeFilesPicking::showSheet()
         [&picker] { picker.cancel(); });
 }
 
-/// The sheet has measured what was picked in it, off the main thread, so that the slice has its
-/// files and their size in one step: a cleaning never finds the one without the other.
+/// The sheet has measured what was picked in it, off the main thread, so the slice gets its files
+/// and their size in one step: a cleaning never finds one without the other.
 void LargeFilesPicking::takePickedFiles()
 {
     m_access.reset();

@@ -35,9 +35,10 @@ public:
         HomeWatch &home;
         SliceSelection &selection;
         GrantQuestion whenGrantIsUsable;
-        /// Whether the sheet may come up: nothing else is asked or cleaned meanwhile.
+        /// Whether the sheet may come up: not while another question is up or a cleaning runs.
         std::function<bool()> mayPick;
-        /// Whether the record may change. What the user has confirmed stands while it is cleaned.
+        /// Whether the record may change. During a cleaning, what the user has confirmed stays as
+        /// it is.
         std::function<bool()> mayChange;
     };
 
@@ -49,10 +50,10 @@ public:
     LargeFilesWindowController &windowController();
     bool isPicking() const { return m_access.has_value(); }
 
-    /// Shows the sheet, unless it is up already or may not be picked.
+    /// Shows the sheet, unless it is up already or picking is not allowed now.
     void pick();
-    /// What was found is out of date, and what was picked is dropped. With the sheet up, the search
-    /// begins again before the user's eyes.
+    /// Drops what was picked, because the search's result is out of date. When the sheet is up, the
+    /// search begins again and the user sees it.
     void drop();
 
 Q_SIGNALS:

@@ -48,8 +48,8 @@ void SliceHover::moveTo(int index)
     offerReveal(index);
 }
 
-/// What is there on few machines only is offered when the disk has said that it is there, while the
-/// pointer stays.
+/// A location that only few machines have is offered after the disk has said that it exists, if the
+/// pointer is still there.
 void SliceHover::offerReveal(int index)
 {
     const auto offer = [this, index] {
@@ -68,7 +68,7 @@ void SliceHover::offerReveal(int index)
                     offer();
             }));
         else if (!locationsOf(index).isEmpty())
-            offer(); // of a home that was looked at, all locations are there
+            offer(); // a survey names only locations that exist
         break;
     }
 }
@@ -78,7 +78,7 @@ FileUrls SliceHover::locationsOf(int index) const
     return m_services.selection.records().at(index)->fileURLs().value_or(FileUrls());
 }
 
-/// Work for another thread: which of the locations are there.
+/// Work for another thread: finds which of the locations exist.
 BackgroundTask<OwnersEnd::Abandon>
 SliceHover::lookForLocations(const FileUrls &locations,
                              std::function<void(const FileUrls &)> then) const
@@ -128,8 +128,8 @@ void SliceHover::showInFinder()
         }));
 }
 
-/// A home with a Library always has its trash; any other gets the folder with the first file that
-/// is thrown away.
+/// A home with a Library always has its trash; in any other home the folder is made for the first
+/// file that is thrown away.
 void SliceHover::showTrash()
 {
     const FileUrl trash = m_services.home.layout().trashFolder();

@@ -12,9 +12,9 @@ class SystemCalls;
 class Workspace;
 struct Alert;
 
-/// What is offered for the slice under the pointer: its description, and to show its locations in
-/// the file manager. The disk is asked beside the main thread, and an answer for a slice that the
-/// pointer has left shows nothing. Owned by the page; main thread only.
+/// Offers, for the slice under the pointer, its description and a way to show its locations in the
+/// file manager. Asks the disk beside the main thread. An answer for a slice that the pointer has
+/// left shows nothing. Owned by the page; main thread only.
 class SliceHover final : public QObject
 {
     Q_OBJECT
@@ -36,12 +36,12 @@ public:
 
     SliceHoverButtons &buttons() const { return m_buttons; }
 
-    /// The pointer is over this slice, or over none (SliceHoverButtons::kNoSlice). May be told
-    /// again and again of the same slice.
+    /// The pointer is over this slice, or over none (SliceHoverButtons::kNoSlice). May be called
+    /// repeatedly with the same slice.
     void moveTo(int index);
     /// The pie moves away below the pointer.
     void forget();
-    /// Forgets the slice, and answers nothing any more that was asked for.
+    /// Forgets the slice, and drops the answers to open requests.
     void stop();
 
 public Q_SLOTS:

@@ -38,7 +38,7 @@ QPointF hoverButtonOrigin(const PieChart &chart, double angle)
 {
     const double radius = std::trunc(chart.pieRadius() - kInset);
     const QPointF middle = QRectF(chart.rect()).center();
-    // Reckoned with y upwards, where the origin is the lower left corner; then turned over.
+    // Calculated with y upwards and the origin in the lower left corner, then flipped.
     const double x = (std::cos(angle) - 1) * kOffset + radius * std::cos(angle) + middle.x();
     const double y = (std::sin(angle) - 1) * kOffset + radius * std::sin(angle) + middle.y();
     return {x, chart.height() - y - kButtonSize};

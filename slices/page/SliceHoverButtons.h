@@ -10,7 +10,8 @@ class PieChart;
 enum class RevealOffer { No, Yes };
 
 /// Where a hover button's upper left corner lies on the chart, for the slice that ends at an angle:
-/// just inside the slice's far edge. `angle` as the chart counts: radians, counter-clockwise.
+/// just inside the slice's far edge. `angle` is counted as the chart does: radians,
+/// counter-clockwise.
 QPointF hoverButtonOrigin(const PieChart &chart, double angle);
 
 /// The two small buttons of the slice under the pointer: one explains the slice, one shows it in

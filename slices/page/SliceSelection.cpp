@@ -53,7 +53,7 @@ void SliceSelection::restore()
     const auto count = std::min<std::size_t>(stored.size(), m_records.size());
     for (std::size_t i = 0; i < count; ++i)
         m_records[i]->setIsOn(stored[static_cast<qsizetype>(i)]);
-    // Nothing is picked yet, whatever a settings file edited by hand says.
+    // Nothing is picked yet, even if a settings file that was edited by hand says so.
     record(SliceKind::LargeFiles).setIsOn(false);
 }
 
@@ -74,8 +74,8 @@ SliceSelection::Toggle SliceSelection::toggle(int index)
     return staysOff ? Toggle::Excluded : Toggle::Switched;
 }
 
-/// Judged by all that the home has of it: what a program uses at present is none of the record's
-/// locations, but not excluded for that.
+/// Checks all locations that the home has for the slice: a location that a program uses at present
+/// is missing in the record, but is not excluded for that reason.
 bool SliceSelection::isExcluded(const Info &record) const
 {
     const std::optional<SliceKind> kind = sliceKindNamed(record.name());

@@ -35,7 +35,7 @@ public:
     void rebuild(const HomeLayout &layout, const Info::Services &services,
                  const ProgramsInUse &inUse = {});
 
-    /// Stores which slices are on. Large files are never stored as on: they are picked anew.
+    /// Stores which slices are on. Large files are never stored as on: the user picks them anew.
     void updateSelectedSlicesUserDefaults() const;
 
     /// Switches a slice with fixed locations on or off, unless the exclusions forbid it.
@@ -44,14 +44,14 @@ public:
     /// Switches off what the exclusions forbid now. True when picked large files were dropped.
     bool applyExclusions();
 
-    /// Whether each of these locations is excluded by its very path; no for no locations.
+    /// Whether each of these locations is excluded by exactly its path; false for no locations.
     bool containsExcludedFile(const std::optional<FileUrls> &fileURLs) const;
 
     bool somethingIsSelected() const;
     /// Those that are on, in order.
     Records chosen() const;
 
-    /// One of them, and what of the disk it stands for.
+    /// One chosen slice, with what it stands for on the disk.
     struct ChosenSlice
     {
         std::shared_ptr<Info> record;
@@ -67,7 +67,7 @@ public:
 
         friend bool operator==(const Choice &, const Choice &) = default;
     };
-    /// What would be cleaned now; the same as another choice where just the same would go.
+    /// What would be cleaned now. Equal to another choice when exactly the same would be removed.
     Choice choice() const;
 
     /// Bytes of the slices that are on; one that is not measured yet counts 0.

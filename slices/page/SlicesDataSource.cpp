@@ -23,7 +23,7 @@ int SlicesDataSource::numberOfSlicesInPieChart(PieChart &)
 
 double SlicesDataSource::valueForSliceAtIndex(PieChart &, int)
 {
-    return 1.0; // all slices are alike, their sizes show in the labels alone
+    return 1.0; // all slices are equally wide; only the labels show their sizes
 }
 
 std::shared_ptr<Info> SlicesDataSource::infoForSliceAtIndex(PieChart &, int index)
