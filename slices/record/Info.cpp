@@ -45,7 +45,7 @@ void Info::setFileURLs(const FileUrls &fileURLs)
     {
         const std::scoped_lock lock(m_mutex);
         if (!bytes || m_locations != locations)
-            return; // whoever set newer locations measures those
+            return; // the call that set newer locations measures those
         m_fileSize = *bytes;
     }
     postSizeChanged();
@@ -101,7 +101,7 @@ std::optional<QString> Info::fileSizeString()
 void Info::measureOnce()
 {
     // A second reader waits for the first one's walk instead of walking again beside it, so that a
-    // cleaning that asks begins only when nobody measures any more.
+    // cleaning that asks begins only when no measure runs any more.
     const std::scoped_lock measuring(m_measuring);
     while (const std::optional<Locations> locations = locationsToMeasure()) {
         const std::optional<qint64> bytes = measured(*locations);

@@ -22,18 +22,17 @@ Q_SIGNALS:
 };
 
 /// One slice: a kind of content, the locations that it stands for, its icon and what is known of
-/// its size. Shared between the page that makes it and the chart that shows it. The size may be
-/// asked for and set from any thread, all else belongs to the main thread.
+/// its size. Shared between the page that makes it and the chart that shows it. Any thread may ask
+/// for the size and set it; everything else belongs to the main thread.
 class Info final
 {
 public:
-    /// Measures one location without what is kept of all locations, in bytes; called on the thread
+    /// Measures one location in bytes, without what is kept of all locations. Called on the thread
     /// that asks for the size text. Nothing when it was stopped: a part of the size is no size.
     using Measure =
         std::function<std::optional<qint64>(const FileUrl &location, const FileUrls &kept)>;
 
-    /// What a record uses to find its size and to tell of it. A record without locations needs
-    /// none.
+    /// What a record uses to find its size and to report it. A record without locations needs none.
     struct Services
     {
         Measure measure;
@@ -43,7 +42,7 @@ public:
     static std::shared_ptr<Info> infoWithName(const QString &name, std::optional<FileUrls> fileURLs,
                                               Services services = {});
 
-    /// `image` names a picture of the resources; without one the slice's name does. `fileSize` is a
+    /// `image` names a picture of the resources; the default is the slice's name. `fileSize` is a
     /// preset size text. Nothing is measured here. Without `fileURLs` the user chooses them later.
     Info(const QString &name, std::optional<FileUrls> fileURLs, std::optional<QString> image,
          std::optional<QString> fileSize, Services services = {});
@@ -56,7 +55,7 @@ public:
 
     std::optional<FileUrls> fileURLs() const;
     /// Measures the new locations, which may take long, and sets the size, unless still newer
-    /// locations were set meanwhile. The size text is the caller's to change.
+    /// locations were set meanwhile. Does not change the size text: the caller does.
     void setFileURLs(const FileUrls &fileURLs);
     /// The same for locations whose size was just measured elsewhere; returns at once.
     void setFileURLs(const FileUrls &fileURLs, qint64 measuredBytes);
@@ -64,8 +63,8 @@ public:
     /// Folders inside the locations that stay, with all that they hold, because a program uses
     /// them.
     FileUrls kept() const;
-    /// Sets the locations together with what is kept inside them, and forgets the size text: who
-    /// asks for it next measures.
+    /// Sets the locations together with what is kept inside them, and forgets the size text: the
+    /// next request for it measures.
     void setLocations(const FileUrls &fileURLs, const FileUrls &kept);
 
     /// Bytes below all locations; 0 until measured.
@@ -78,7 +77,7 @@ public:
     /// when the measuring was stopped.
     std::optional<QString> fileSizeString();
     void setFileSizeString(std::optional<QString> text);
-    /// Whether there are locations and their size text stands.
+    /// Whether there are locations and their size text is known.
     bool isMeasured() const;
 
     bool isOn() const { return m_isOn; }

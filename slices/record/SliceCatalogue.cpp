@@ -86,7 +86,8 @@ constexpr Slices kSlices{{
                       "Library/Safari/History.plist", "Library/Safari/WebpageIcons.db"}},
 }};
 
-/// A slice is found by its kind, so each row stands in its kind's place and none is left out.
+/// A slice is found by its kind, so each row must stand at its kind's index, and none may be
+/// missing.
 constexpr bool isComplete()
 {
     for (int i = 0; i < kSliceCount; ++i) {

@@ -10,7 +10,7 @@
 
 class Info;
 
-/// The kinds of content in their fixed order; everywhere else a slice is known by this index.
+/// The kinds of content in their fixed order. Everywhere else this index stands for a slice.
 enum class SliceKind : std::uint8_t {
     Trash,
     LargeFiles,
@@ -29,8 +29,8 @@ using SliceColor = std::array<int, 3>;
 
 /// What a slice's locations stand for.
 enum class SliceContent {
-    Folders, ///< folders whose contents are cleaned, they themselves stay
-    Files,   ///< the very files that are cleaned
+    Folders, ///< folders whose contents are cleaned; the folders themselves stay
+    Files,   ///< the files themselves are cleaned
 };
 
 /// When the page offers to show a slice's locations in the file manager.
@@ -50,16 +50,16 @@ struct SliceDescription
     SliceKind kind = SliceKind::Trash;
     const char16_t *name = nullptr; ///< shown to people, and the name of its drawing
     const char16_t *details = nullptr;
-    /// Where a freedesktop home needs another text; it may name programs as withProgramNames() has
-    /// it.
+    /// The text for a freedesktop home, when it needs another one. It may name programs with the
+    /// placeholders of withProgramNames().
     const char16_t *freedesktopDetails = nullptr;
     SliceColor color{};
     SliceColor secondaryColor{};
     SliceContent content = SliceContent::Folders;
     bool isOnByDefault = false; ///< before the user has chosen anything
     RevealPolicy reveal = RevealPolicy::Never;
-    /// In a home with a Library, relative to the home; the rest is null. A freedesktop home is
-    /// surveyed.
+    /// The locations in a home with a Library, relative to the home; unused ones are null. In a
+    /// freedesktop home a survey finds them.
     Paths libraryPaths{};
 };
 
@@ -75,7 +75,7 @@ const std::array<SliceDescription, kSliceCount> &sliceCatalogue();
 const SliceDescription &sliceDescription(SliceKind kind);
 
 /// Where the slice's content lies below the home folder; nothing where the user chooses the files.
-/// Whether a location exists is not looked at.
+/// Does not look whether a location exists.
 std::optional<FileUrls> sliceLocations(SliceKind kind, const FileUrl &home);
 
 constexpr int indexOf(SliceKind kind)
@@ -83,8 +83,8 @@ constexpr int indexOf(SliceKind kind)
     return static_cast<int>(kind);
 }
 
-/// Whether the record's locations are the very files that a cleaning removes. Those of a record
-/// that is none of the catalogue's are folders, of which the contents go.
+/// Whether the record's locations are files that a cleaning removes themselves. The locations of a
+/// record that is not in the catalogue are folders, whose contents are removed.
 bool infoIsFilesNotFolders(const Info &record);
 
 /// The kind of the slice with this name; nothing for a name that is no slice's.

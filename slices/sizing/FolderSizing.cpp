@@ -26,8 +26,9 @@ bool allowsRemoval(const SystemCalls &calls, int descriptor, const FileStatus &f
     return isNotImmutable(folder) && calls.mayChangeEntries(descriptor);
 }
 
-/// Whether a folder that allows removal allows that of this entry: from a sticky one everybody
-/// takes but his own, or what lies in his own. What something is mounted on is held by the mount.
+/// Whether a folder that allows removal allows it for this entry. In a sticky folder a user may
+/// remove only his own entries, or any entry if the folder is his own. An entry on which something
+/// is mounted is held by the mount.
 bool allowsRemovalOf(const FileStatus &entry, const FileStatus &folder, const ActingUser &user)
 {
     if (entry.isMountRoot)
@@ -73,7 +74,7 @@ public:
     void failed(const WalkedFolder &, const char *, int) override { m_size.isComplete = false; }
 
 private:
-    /// Asked of every entry: most are told by their names alone.
+    /// Called for every entry: for most the name alone decides.
     bool isKept(const WalkedFolder &folder, const char *name) const
     {
         return std::any_of(m_rules.kept.begin(), m_rules.kept.end(), [&](const QByteArray &kept) {
@@ -81,7 +82,7 @@ private:
         });
     }
 
-    /// Whether a cleaning will make it so. The location itself keeps its rights.
+    /// Whether a cleaning will make the folder allow removal. The location itself keeps its rights.
     bool willAllowRemoval(const WalkedFolder &folder) const
     {
         return m_rules.readOnlyFolders == ReadOnlyFolders::Emptied && folder.parent() &&
@@ -115,7 +116,7 @@ FolderSize sizeOfFolder(const SystemCalls &calls, FileDescriptor folder,
     return sum;
 }
 
-/// Nothing counts; complete where the reason is that nothing is there, only by way of a link, or on
+/// Nothing counts. The result is complete when nothing is there, or only behind a link, or on
 /// another file system, which is never cleaned.
 FolderSize nothingBecauseOf(int error)
 {

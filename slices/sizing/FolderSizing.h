@@ -9,7 +9,7 @@
 
 class SystemCalls;
 
-/// How a single item, that is no folder, was judged.
+/// The judgement on a single item that is no folder.
 struct ItemVerdict
 {
     bool isDeletable = false;    ///< its folder lets this process remove it
@@ -25,31 +25,31 @@ struct FolderSize
     std::optional<ItemVerdict> item; ///< of a single item; nothing for a folder
 };
 
-/// What a measure of a location heeds besides the rights of what lies there.
+/// What a measure of a location takes into account besides the rights of the items there.
 struct SizingRules
 {
     /// A folder inside that is the user's own and read-only counts as the cleaning will treat it.
     ReadOnlyFolders readOnlyFolders = ReadOnlyFolders::Stay;
-    /// What a cleaning will keep inside, by raw paths relative to the location: neither counts it
-    /// nor what lies below.
+    /// What a cleaning will keep inside, as raw paths relative to the location: neither these items
+    /// nor what lies below them count.
     QByteArrayList kept = {};
 };
 
-/// Those of the URLs that lie inside the location, by their raw paths relative to it.
+/// Those of the URLs that lie inside the location, as raw paths relative to it.
 QByteArrayList pathsInside(const FileUrl &location, const FileUrls &urls);
 
-/// Measures what this process could delete at a location: the sum of the sizes of everything
-/// beneath a folder that is no folder itself, is not hidden nor beneath a hidden folder (the
-/// location itself may be hidden), may be removed from the folder that holds it, and is neither
-/// immutable nor append-only. Links count with their own size. Mount points are not entered.
+/// Measures what this process could delete at a location. In a folder it sums up the sizes of all
+/// items that are no folders, are not hidden nor beneath a hidden folder (the location itself may
+/// be hidden), may be removed from the folder that holds them, and are neither immutable nor
+/// append-only. Links count with their own size. Mount points are not entered.
 ///
-/// A location that is no folder is judged alike and counts its own size. Nothing there, a dangling
-/// link, and a link to a folder count 0. Unreadable folders are passed over. A mount between the
-/// anchor and the location, or the location itself being one, makes it 0 too: a cleaning refuses
-/// such a location. The anchor alone may be a mount.
+/// A location that is no folder is judged by the same rules and counts its own size. A missing
+/// item, a dangling link, and a link to a folder count 0. Unreadable folders are passed over. The
+/// result is also 0 when the location is a mount, or a mount lies between the anchor and it: a
+/// cleaning refuses such a location. Only the anchor may be a mount.
 ///
-/// Any thread but the main one; blocks until done or stopped. Uses up to `threads` threads, as
-/// many as pay for 0.
+/// Any thread but the main one; blocks until done or stopped. Uses up to `threads` threads; 0 means
+/// as many as are useful.
 FolderSize measureFolder(const SystemCalls &calls, const AnchoredPath &location,
                          const std::stop_token &stop, unsigned threads = 0,
                          const SizingRules &rules = {});
