@@ -61,7 +61,8 @@ private:
     static void makeTree(const QByteArray &home);
 };
 
-/// Every kind of entry, exclusions at two depths, a package, and a level more than is held open.
+/// Every kind of entry, exclusions at two depths, a package, and one level more than the remover
+/// holds open.
 void TestCleaningFaults::makeTree(const QByteArray &home)
 {
     for (const char *name : {"Keep/a", "b", "c/d", "c/e/f", "c/e/.g", "h/kept", "h/i/j", "P.app/k",
@@ -90,7 +91,7 @@ TestCleaningFaults::Outcome TestCleaningFaults::cleanWith(int call, int error, b
     Outcome outcome{report, {}, calls.count(), calls.failed()};
     for (const QByteArray &path : tree(home))
         outcome.left.insert(home + '/' + path);
-    // Told by what they end in: the scratch folder is another each time.
+    // Recognised by their ends: the scratch folder is a different one each time.
     for (const char *kept : {"Downloads/Keep/a", "Downloads/h/kept", "Library/two"}) {
         if (!exists(home + '/' + kept))
             qFatal("call %d, errno %d: lost %s", call, error, kept);
@@ -171,7 +172,7 @@ void TestCleaningFaults::leavesAPartlyListedFolderWholly()
 
 void TestCleaningFaults::staysSilentAboutWhatIsGoneAlready()
 {
-    /// Someone else is quicker, by one item each time.
+    /// Another process removes each item first, one item at a time.
     class Quicker final : public HookedCalls
     {
     public:

@@ -46,8 +46,9 @@ mode_t modeOf(const QByteArray &path)
     return found.st_mode & 07777;
 }
 
-/// Runs a piece of a test in a process of its own, for what cannot be undone: other mounts, another
-/// user, smaller limits. The piece says what is wrong, or nothing; so does this.
+/// Runs a part of a test in a process of its own, for changes that cannot be undone: other mounts,
+/// another user, smaller limits. The part returns what is wrong, or nothing; this function returns
+/// the same.
 QByteArray inChild(ChildUser user, const std::function<QByteArray()> &piece)
 {
     const ChildOutcome outcome = runInChild(user, [&] {

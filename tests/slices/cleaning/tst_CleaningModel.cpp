@@ -19,7 +19,8 @@ public:
     bool isInMemory(int) const override { return m_isInMemory; }
     std::optional<int> before(const char *, int, const char *) const override
     {
-        // A counter that is scrambled: the same for the same order of calls, from any thread.
+        // A scrambled counter: it gives the same sequence for the same order of calls, from any
+        // thread.
         quint32 value = m_state.fetch_add(0x9e3779b9u);
         value = (value ^ (value >> 16)) * 0x85ebca6bu;
         value ^= value >> 13;
@@ -112,7 +113,8 @@ FileUrls TestCleaningModel::someExclusions(const TreeModel &model, const Granted
     FileUrls excluded;
     for (int count = random.bounded(4); count > 0; --count) {
         const auto &node = model.nodes()[random.bounded(quint32(model.nodes().size()))];
-        // Now and then in the other form: what a folder is may have changed since it was excluded.
+        // Sometimes in the other form: an item may have changed between file and folder since it
+        // was excluded.
         const bool isFolder = node.isFolder != (random.bounded(8) == 0);
         excluded.append(
             FileUrl::fromPath(node.path, isFolder ? FileUrlKind::Folder : FileUrlKind::File));

@@ -101,7 +101,7 @@ void TestCleaningPlan::leavesOutWhatDoesNotExist()
 {
     const FileUrls folders{m_home->folder("Library/Logs"), m_home->folder("No/Such/Place")};
     const FileUrls files{m_home->file("Library/Safari/absent"), m_home->file("No/absent")};
-    // Not even an exclusion inside one makes a missing location worth a word.
+    // Even a missing location with an exclusion inside is not reported.
     const CleaningPlan plan =
         planned({contentsOf(folders), theFiles(files)}, {m_home->file("Library/Logs/kept")});
     QVERIFY(plan.locations().empty());
@@ -200,7 +200,7 @@ void TestCleaningPlan::refusesAPlaceWhoseExclusionIsBehindALink()
     makeLink(m_path + "/Downloads/Link", "Keep");
     QVERIFY(refusesOnly(plannedFolder("Downloads", {m_home->file("Downloads/Link/film")}),
                         RefusalReason::UnresolvedExclusion, ENOTDIR));
-    // An excluded link itself is as good as any other item.
+    // An excluded link is kept like any other item.
     QCOMPARE(plannedFolder("Downloads", {m_home->file("Downloads/Link")}).locations().size(),
              std::size_t(1));
 }
@@ -235,7 +235,7 @@ void TestCleaningPlan::leavesExcludedPlacesAlone()
     QVERIFY(plan.refusals().isEmpty());
 }
 
-/// Nothing is looked for outside the granted folder, but its path says enough.
+/// Nothing is looked up outside the granted folder: the path alone says enough.
 void TestCleaningPlan::leavesPlacesAloneWhenAllAroundIsExcluded()
 {
     for (const QByteArray &path : {QByteArray("/"), m_scratch->path()}) {
@@ -273,7 +273,8 @@ void TestCleaningPlan::knowsAnExcludedFolderUnderItsNewName()
 
 void TestCleaningPlan::knowsAnExclusionByAnotherRoad()
 {
-    // As a mount of the home folder would: the same folder below a path that holds the location's.
+    // As a mount of the home folder would show it: the same folder below a path that contains the
+    // location's path.
     class Alias final : public FileAccess
     {
     public:
@@ -306,7 +307,7 @@ void TestCleaningPlan::knowsAnExclusionByAnotherRoad()
 
 void TestCleaningPlan::refusesAPlaceOnAnotherVolume()
 {
-    // As a sub-volume is: opened like any folder, but with a device number of its own.
+    // Like a sub-volume: it opens like any folder, but has a device number of its own.
     class SubVolume final : public ForwardingSystemCalls
     {
     public:

@@ -54,8 +54,8 @@ void TestCleaningRaces::losesNothingOutside_data()
         << Action([](const QByteArray &scratch) { makeFile(scratch + "/home/Downloads/b/c/new"); });
 }
 
-/// Cleans the small tree with the action before the given call; the number of calls, or -1 when
-/// something was lost.
+/// Cleans the small tree and runs the action before the given call. Returns the number of calls, or
+/// -1 when something was lost.
 int TestCleaningRaces::cleanWith(int call, const Action &action)
 {
     const CleaningGround scratch;
@@ -91,7 +91,7 @@ void TestCleaningRaces::losesNothingOutside()
         QVERIFY2(cleanWith(call, action) >= 0, "before call " + QByteArray::number(call));
 }
 
-/// The listing knew another folder under this name; only the opened one tells what it is.
+/// The listing saw another folder under this name; only the opened folder tells which one it is.
 void TestCleaningRaces::knowsAnExcludedFolderInAnothersPlace()
 {
     const CleaningGround scratch;

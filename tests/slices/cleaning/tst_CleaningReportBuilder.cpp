@@ -165,7 +165,7 @@ void TestCleaningReportBuilder::logsEverythingThatIsLeft_data()
     }
 }
 
-/// Whatever the call that fails: what is still there has a line, or lies in a folder that has one.
+/// Whichever call fails: every item that still exists has a line, or lies in a folder that has one.
 void TestCleaningReportBuilder::logsEverythingThatIsLeft()
 {
     /// Fails every third of the calls of a name.

@@ -11,7 +11,7 @@
 
 namespace {
 
-/// Says that what is cleaned lies on a disk, and looks on.
+/// Says that the cleaned files lie on a disk, and watches the calls.
 class OnDisk : public HookedCalls
 {
 public:
@@ -175,7 +175,7 @@ void TestParallelRemover::triesNoFolderThatSomethingStaysIn()
         cleanWith(Locked(), {}, {m_home->file("Downloads/way/further/kept")});
     QCOMPARE(tree(m_downloads), std::set<QByteArray>({"way", "way/further", "way/further/kept",
                                                       "around", "around/locked"}));
-    // The folders around are no failures of their own.
+    // The folders around do not count as failures.
     QCOMPARE(report.failures.size(), 1);
     QCOMPARE(report.failures.first().path, m_downloads + "/around/locked");
     QVERIFY(report.refusals.isEmpty());

@@ -84,7 +84,7 @@ void TestRecordLocations::givesTheRecordsWhatIsNotInUse()
     setRecordLocations({m_cache, m_browserData}, m_layout, inUse());
     QCOMPARE(m_home->relative(*m_cache->fileURLs()), QByteArrayList{".cache/"});
     QCOMPARE(m_home->relative(m_cache->kept()), QByteArrayList{".cache/mozilla/"});
-    QVERIFY(!m_cache->isMeasured()); // whoever needs the size asks for it
+    QVERIFY(!m_cache->isMeasured()); // it is measured when the size is needed
     QCOMPARE(m_cache->fileSizeString(), QStringLiteral("1 byte"));
     QCOMPARE(m_cache->fileSize(), 1);
     QCOMPARE(m_browserData->fileURLs(), FileUrls());

@@ -292,7 +292,8 @@ void TestSlicesToClean::plansTheFixedPlacesBesideALibrary_data()
                                                 "Library/Safari/WebpageIcons.db"});
 }
 
-/// Whatever lies in the freedesktop locations, and whatever is said of them.
+/// The plan does not depend on what lies in the freedesktop locations or on what is said about
+/// them.
 void TestSlicesToClean::plansTheFixedPlacesBesideALibrary()
 {
     QFETCH(const QByteArrayList, paths);

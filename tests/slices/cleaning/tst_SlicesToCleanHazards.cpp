@@ -3,7 +3,7 @@
 
 namespace {
 
-/// What lies in a home besides and lures whoever is led astray.
+/// What else lies in a home: traps for a survey that goes wrong.
 const QByteArrayList kBait{
     "letter at the top",
     ".ssh/id",
@@ -30,8 +30,7 @@ const QByteArrayList kBait{
 
 } // namespace
 
-/// That what is planned stays the same, or becomes less, whatever the user's file and the
-/// environment say.
+/// The plan stays the same or becomes smaller, whatever the user's file and the environment say.
 class TestSlicesToCleanHazards final : public QObject
 {
     Q_OBJECT
@@ -49,7 +48,7 @@ void TestSlicesToCleanHazards::isLedNowhereByTheUsersFile_data()
     QTest::addColumn<QByteArrayList>("lost");
     const auto row = [](const char *name, const QByteArray &value,
                         const QByteArrayList &lost = {}) { QTest::newRow(name) << value << lost; };
-    // A location in the home that may not be emptied: nothing else stands in for it.
+    // A location in the home that may not be emptied: no other folder replaces it.
     const auto refused = [&row](const char *name, const QByteArray &value) {
         row(name, value, {"Downloads"});
     };

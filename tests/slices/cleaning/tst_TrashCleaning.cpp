@@ -62,12 +62,12 @@ struct Trash
             std::fputs(cleaned(kind, excluded, calls, stop).constData(), stderr);
             return 0;
         };
-        // The log comes the same way, before.
+        // The log comes the same way, before the result.
         const QByteArray text = runAsOwner(work);
         return text.sliced(text.lastIndexOf('\n') + 1);
     }
 
-    /// What the work says. A process that does not come to its end fails the test.
+    /// What the work returns. A process that does not end normally fails the test.
     static QByteArray runAsOwner(const std::function<int()> &work)
     {
         const ChildOutcome outcome = runInChild(ChildUser::Nobody, work);
@@ -289,7 +289,7 @@ void TestTrashCleaning::forgetsTheSizesOfWhatIsGone()
     trash.tree.makeFile(kTrash + "metadata", 90);
     QCOMPARE(trash.clean(SliceKind::Trash), QByteArray("0, 2, 0"));
     QVERIFY(!trash.has(kTrash + "directorysizes"));
-    QVERIFY(trash.has(kTrash + "metadata")); // nobody has said what that is
+    QVERIFY(trash.has(kTrash + "metadata")); // its meaning is unknown
 }
 
 void TestTrashCleaning::removesTheBookOfSizesFirst()
@@ -325,7 +325,7 @@ void TestTrashCleaning::keepsTheRecordsOfWhatStays()
         trash.tree.makeFile(kTrash + "files/" + name, 10);
     for (const char *name : {"root's", "excluded", "locked", "gone", "never there"})
         trash.tree.makeFile(kTrash + "info/" + name + ".trashinfo", 10);
-    trash.tree.makeFile(kTrash + "info/excluded", 10); // no record
+    trash.tree.makeFile(kTrash + "info/excluded", 10); // no trash info file
     const FailingRemoval calls("locked");
     trash.clean(SliceKind::Trash, excluding({trash.access.file(kTrash + "files/excluded")}), calls);
     for (const char *name : {"root's", "excluded", "locked"})

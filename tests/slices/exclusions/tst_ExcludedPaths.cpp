@@ -50,7 +50,7 @@ ExcludedPaths excludedPaths(const QByteArrayList &paths)
     return excluding(urlsOf(paths));
 }
 
-/// Whether any of both rules keeps the candidate.
+/// Whether one of the two rules keeps the candidate.
 bool isSpared(const ExcludedPaths &excluded, const FileUrl &candidate)
 {
     const QByteArray path = candidate.path();
@@ -242,7 +242,8 @@ void TestExcludedPaths::sparesNamesOfAnyBytesAndNoOthers()
     }
 }
 
-/// The bisection on raw paths against the rule as it is worded: texts that contain each other.
+/// Compares the bisection on raw paths with the rule as it is worded: texts that contain each
+/// other.
 void TestExcludedPaths::agreesWithTheRuleOnWholeUrls()
 {
     QRandomGenerator random(20'260'101);

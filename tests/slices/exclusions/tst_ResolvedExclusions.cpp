@@ -127,7 +127,7 @@ void TestResolvedExclusions::stopsEverythingWhileItCannotBeLookedAt()
     QCOMPARE(plan.refusals().size(), 1);
     QCOMPARE(plan.refusals().first().reason, RefusalReason::UnresolvedExclusion);
     QCOMPARE(plan.refusals().first().error, EACCES);
-    // The way there may be open, and only the item itself hidden.
+    // The folders on the way may be open while the item itself is hidden.
     makeFile(*m_scratch / "outside/x");
     const HookedSystem hidden(
         [](int, std::string_view name) { return name == "identity" ? EACCES : 0; });

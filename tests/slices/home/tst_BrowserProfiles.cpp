@@ -17,7 +17,7 @@ HomeProbe readerOf(const MadeHome &home, const SystemCalls &calls = hostSystemCa
     return HomeProbe(calls, home.access().anchoredPath(home.url())->anchor);
 }
 
-/// Relative to the folder that they were looked for in.
+/// Relative to the folder in which they were searched.
 QByteArrayList below(const QByteArray &folder, QByteArrayList paths)
 {
     for (QByteArray &path : paths)
@@ -37,7 +37,7 @@ QByteArrayList firefoxes(const MadeHome &home)
 
 } // namespace
 
-/// Which folders browsers call their profiles.
+/// Which folders count as profiles of a browser.
 class TestBrowserProfiles final : public QObject
 {
     Q_OBJECT

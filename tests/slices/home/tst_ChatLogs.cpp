@@ -3,7 +3,7 @@
 #include "tests/slices/kit/HomeKit.h"
 #include "tests/support/run/TestMain.h"
 
-/// Whose "logs" are what people wrote to each other.
+/// Which programs' "logs" are conversations between people.
 class TestChatLogs final : public QObject
 {
     Q_OBJECT

@@ -3,7 +3,7 @@
 #include "tests/slices/kit/UsedHomeKit.h"
 #include "tests/support/run/TestMain.h"
 
-/// Every program that is known by its processes, by what its makers call them.
+/// Every program that is recognised by its processes, with the names that its makers give them.
 class TestFoundProcesses final : public QObject
 {
     Q_OBJECT
@@ -15,7 +15,7 @@ private Q_SLOTS:
     void takesNoOtherProcessForOne();
 };
 
-/// By the names that the process list shows, and whole ones of which it shows a part.
+/// By the names that the process list shows, and by whole names of which it shows a part.
 void TestFoundProcesses::knowsEveryProcess_data()
 {
     QTest::addColumn<QByteArrayList>("caches");

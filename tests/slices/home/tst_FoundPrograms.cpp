@@ -7,7 +7,7 @@ namespace {
 
 enum class Sandbox { None, Any };
 
-/// What goes of every profile, each with its journals.
+/// What is removed from every profile, each with its journals.
 const QByteArrayList kChromiumDatabases{"Cookies", "Network/Cookies", "History", "Web Data"};
 const QByteArrayList kFirefoxDatabases{"cookies.sqlite", "formhistory.sqlite"};
 
@@ -83,7 +83,7 @@ void fillProfile(const MadeHome &home, const QByteArray &profile)
 
 } // namespace
 
-/// Every browser that is known, by what its makers call its folders and files.
+/// Every known browser, with the names that its makers give its folders and files.
 class TestFoundPrograms final : public QObject
 {
     Q_OBJECT
@@ -184,7 +184,7 @@ void TestFoundPrograms::knowsEveryFirefox_data()
 }
 
 /// A profile that the list names, one that it names deeper down, and one that it does not name:
-/// that one may be used all the same.
+/// even that one may be in use.
 void TestFoundPrograms::knowsEveryFirefox()
 {
     QFETCH(const QByteArray, cache);

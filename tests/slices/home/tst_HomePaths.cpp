@@ -97,7 +97,7 @@ void TestHomePaths::followsLinksInsideTheHome()
     QCOMPARE(m_paths.followed(path), places);
 }
 
-/// A disk that does not answer would be waited for.
+/// A call to a disk that does not answer would wait.
 void TestHomePaths::looksAtNothingOutsideTheHome()
 {
     QByteArrayList called;

@@ -36,8 +36,9 @@ CleaningPlan planFor(const RandomHome &made)
     return planOfEverything(made.home, made.home.survey(made.environment), excluded, calls);
 }
 
-/// Whether an excluded path keeps this one: what it holds, what holds it, and, by the texts of the
-/// URLs, of which one contains the other, a file whose name is a part of the other's name.
+/// Whether an excluded path keeps this one: it keeps what it holds and what holds it. Because the
+/// rule compares the texts of URLs, it also keeps a file when one of the two names is a part of the
+/// other.
 bool keeps(const QByteArray &excluded, const QByteArray &path)
 {
     return path.startsWith(excluded) || excluded.startsWith(path);
@@ -50,7 +51,7 @@ bool isAtOrInsideOne(const QByteArray &path, const QByteArrayList &places)
     });
 }
 
-/// Whether a program that runs uses it. What is downloaded into a folder of caches is downloads.
+/// Whether a program that runs uses it. Downloads in a folder of caches are downloads.
 bool isInUse(const RandomHome &made, const QByteArray &path, SliceKind kind)
 {
     const bool isFirefoxs = isAtOrInsideOne(path, {".mozilla/firefox/a"}) ||
@@ -71,23 +72,24 @@ bool isKept(const RandomHome &made, const QByteArray &path, SliceKind kind)
                        [&](const QByteArray &excluded) { return keeps(excluded, text); });
 }
 
-/// Whether it belongs to something that is still there: a journal to its database, a record of the
-/// trash to what was thrown away, which nobody knows behind a link.
+/// Whether it belongs to something that still exists: a journal to its database, a trash info file
+/// to the trashed item. Behind a link the item's state is unknown.
 bool isInNeed(const MadeHome &home, const std::set<QByteArray> &rest, const QByteArray &path)
 {
-    constexpr QByteArrayView kRecord(".trashinfo");
+    constexpr QByteArrayView kTrashInfo(".trashinfo");
     constexpr QByteArrayView kJournal("-wal");
     if (path.endsWith(kJournal))
         return rest.contains(path.chopped(kJournal.size()));
-    if (!path.contains("/Trash/info/") || !path.endsWith(kRecord))
+    if (!path.contains("/Trash/info/") || !path.endsWith(kTrashInfo))
         return false;
     const QByteArray thrownAway =
-        QByteArray(path).chopped(kRecord.size()).replace("/Trash/info/", "/Trash/files/");
+        QByteArray(path).chopped(kTrashInfo.size()).replace("/Trash/info/", "/Trash/files/");
     const QByteArray files = thrownAway.first(thrownAway.lastIndexOf('/'));
     return rest.contains(thrownAway) || std::filesystem::is_symlink(native(home.path(files)));
 }
 
-/// Everything below the home without what the plan names, and below: what a cleaning leaves.
+/// Everything below the home except what the plan names and what lies below that: what a cleaning
+/// leaves.
 std::set<QByteArray> expectedRest(const RandomHome &made, const CleaningPlan &plan)
 {
     const std::set<QByteArray> before = tree(made.home.path());
@@ -107,7 +109,7 @@ std::set<QByteArray> expectedRest(const RandomHome &made, const CleaningPlan &pl
     return rest;
 }
 
-/// What is there, or is not, against all expectation; empty when nothing is.
+/// What exists or is missing against the expectation; empty when all is as expected.
 QByteArray difference(const std::set<QByteArray> &found, const std::set<QByteArray> &expected)
 {
     QByteArrayList all;
@@ -159,7 +161,8 @@ qint64 shown(const MadeHome &home, const HomeLayout &layout, SliceKind kind)
     return bytes;
 }
 
-/// As another program counts: the sizes of the files, or of all that are not hidden in a folder.
+/// The size as another program counts it: of the files, or of all files in a folder that are not
+/// hidden.
 qint64 counted(const MadeHome &home, const QByteArrayList &places)
 {
     qint64 bytes = 0;
@@ -182,7 +185,7 @@ qint64 counted(const MadeHome &home, const QByteArrayList &places)
 
 const QByteArray kITunes = ".wine/drive_c/users/anna/AppData/Roaming/Apple Computer/iTunes/";
 
-/// The locations are named here anew, by hand.
+/// The locations, written out by hand for this test.
 const std::map<SliceKind, QByteArrayList> kLocationsByHand{
     {SliceKind::Trash,
      {".local/share/Trash/files", ".local/share/Trash/info", ".local/share/Trash/expunged"}},

@@ -27,7 +27,7 @@ private:
 
 } // namespace
 
-/// What is found in homes of every make, and that nothing else is.
+/// What a survey finds in homes of every kind, and that it finds nothing else.
 class TestHomeSurvey final : public QObject
 {
     Q_OBJECT
@@ -169,7 +169,7 @@ void TestHomeSurvey::findsSandboxedPrograms()
                                       QByteArrayList{".var/app/org.a.A/config/a/logs/"}}}));
 }
 
-/// They are all that tells of what was in it before, and lie beside its head.
+/// They are the only trace of what was in it before, and lie beside its head.
 void TestHomeSurvey::leavesTheLogsOfARepository()
 {
     MadeHome home;

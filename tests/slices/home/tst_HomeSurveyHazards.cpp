@@ -14,15 +14,15 @@
 
 namespace {
 
-/// Lets a cleaning believe that a disk is waited for by nobody, so that it works on one thread: a
-/// child of a process that has several is to start none.
+/// Makes a cleaning believe that everything lies in memory, so that it works on one thread: the
+/// child of a process with several threads must start none.
 class OneThreadCalls final : public ForwardingSystemCalls
 {
 public:
     bool isInMemory(int) const override { return true; }
 };
 
-/// One folder is a volume of its own: it opens like any, its device number alone tells.
+/// One folder is a volume of its own: it opens like any other, and only its device number tells.
 class SubVolumeCalls final : public ForwardingSystemCalls
 {
 public:
@@ -74,8 +74,8 @@ bool isAtOrInOne(const QByteArray &path, const QByteArrayList &folders)
                        [&](const QByteArray &folder) { return isAtOrIn(path, folder); });
 }
 
-/// What is no longer found though it is not behind the link: with the folder of the settings it is
-/// lost what the user calls the downloads, and a trash that the environment names needs its book.
+/// What is no longer found although it is not behind the link: the folder of the settings says what
+/// the user calls the downloads, and a trash that the environment names needs its folder "info".
 QByteArrayList lostBesides(const QByteArray &link)
 {
     if (link == ".config")
@@ -118,7 +118,7 @@ private Q_SLOTS:
     void findsNothingItMayNotRead();
 };
 
-/// Or the links would hide nothing.
+/// Without this the links would hide nothing.
 void TestHomeSurveyHazards::findsEveryPlaceWithoutALink()
 {
     const MadeHome home;
@@ -128,8 +128,8 @@ void TestHomeSurveyHazards::findsEveryPlaceWithoutALink()
     QCOMPARE(int(kEveryLocation.size()), kSliceCount - 1);
 }
 
-/// Every location and every folder on the way to it, each led out of the home and to elsewhere in
-/// it.
+/// Every location and every folder on the way to it, each replaced by a link out of the home and by
+/// a link to elsewhere in the home.
 void TestHomeSurveyHazards::followsNoLink_data()
 {
     QTest::addColumn<QByteArray>("link");
@@ -147,9 +147,9 @@ void TestHomeSurveyHazards::followsNoLink_data()
     }
 }
 
-/// Exactly what lies behind it is no longer found, and when all that is found is cleaned it stays.
-/// The link does not begin at the root: such a one may leave the home's file system, and would be
-/// left alone for that already.
+/// The survey no longer finds exactly what lies behind the link, and a cleaning of everything that
+/// is found leaves it. The link is relative: an absolute one may leave the home's file system, and
+/// would be left alone for that reason already.
 void TestHomeSurveyHazards::followsNoLink()
 {
     QFETCH(const QByteArray, link);

@@ -25,7 +25,8 @@ bool leadsDown(const QByteArray &path)
 
 } // namespace
 
-/// What every row must say. What the rows say of each program is tested with what is found of it.
+/// What every row must contain. The tests of the found programs check what the rows say about each
+/// program.
 class TestKnownPrograms final : public QObject
 {
     Q_OBJECT
@@ -51,7 +52,7 @@ void TestKnownPrograms::haveANameAndACacheEach()
     QCOMPARE(caches.size(), qsizetype(knownPrograms().size()));
 }
 
-/// By a process, also where there is a lock: that may be elsewhere.
+/// By a process, also when there is a lock: the lock may be elsewhere.
 void TestKnownPrograms::areSeenToRun()
 {
     QSet<QByteArray> processes;

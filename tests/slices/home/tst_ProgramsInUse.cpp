@@ -13,7 +13,7 @@ FileUrls locations(const HomeLayout &layout, SliceKind kind)
 
 } // namespace
 
-/// Which programs are taken for running, by the traces that they leave.
+/// Which programs count as running, by the traces that they leave.
 class TestProgramsInUse final : public QObject
 {
     Q_OBJECT
@@ -151,7 +151,7 @@ void TestProgramsInUse::noticesAFirefoxThatIsBeingStarted_data()
         QTest::newRow(call) << QByteArray(call);
 }
 
-/// Between one look and the next it takes the lock, and then makes the link.
+/// Between the two checks the program takes the lock, and then makes the link.
 void TestProgramsInUse::noticesAFirefoxThatIsBeingStarted()
 {
     QFETCH(const QByteArray, call);

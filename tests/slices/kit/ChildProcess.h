@@ -6,8 +6,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-/// Runs a piece of a test in a process of its own, for what cannot be undone: other mounts, another
-/// user, smaller limits. The piece says what is wrong, or nothing; so does this.
+/// Runs a part of a test in a process of its own, for changes that cannot be undone: other mounts,
+/// another user, smaller limits. The part returns what is wrong, or nothing; this function returns
+/// the same.
 inline QByteArray inChild(const std::function<QByteArray()> &piece)
 {
     std::array<int, 2> pipe{};

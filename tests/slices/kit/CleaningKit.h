@@ -18,8 +18,8 @@
 
 /// What the tests of cleaning share: locations to clean, trees, and what is left of them.
 
-/// A folder of the test's own, gone with it. In memory where that is fast enough to try thousands
-/// of trees; nothing is ever cleaned outside one.
+/// A folder of the test's own, gone with it. In memory, where that is fast enough to try thousands
+/// of trees; no test cleans outside one.
 class CleaningGround final
 {
 public:

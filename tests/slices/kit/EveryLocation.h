@@ -2,8 +2,8 @@
 
 #include "tests/slices/kit/HomeKit.h"
 
-/// Every location of a freedesktop home that is cleaned, named here anew and by hand, and a home
-/// that has something in all of them. A star of a location's pattern stands for one name here.
+/// Every location of a freedesktop home that is cleaned, written out by hand, and a home that has
+/// something in all of them. A star of a location's pattern stands for one name here.
 
 /// Where a browser of the Chromium family keeps a profile's databases.
 inline const QByteArrayList kChromiumProfiles{
@@ -28,8 +28,8 @@ inline const QByteArrayList kFirefoxProfiles{
     "snap/firefox/common/.mozilla/firefox/ab",
 };
 
-/// Which profiles have journals: what holds for those of one profile holds for all, and takes less
-/// time to try.
+/// Which profiles have journals: journals in one profile show the behaviour for all, and take less
+/// time.
 enum class Journals { OfFirstProfiles, OfAll };
 
 inline QByteArrayList databasesIn(const QByteArrayList &profiles, const QByteArrayList &names,

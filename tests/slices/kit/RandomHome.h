@@ -5,7 +5,7 @@
 #include <random>
 #include <unistd.h>
 
-/// Pieces of which paths in a home are made, most of them such as mean something there.
+/// Parts from which paths in a home are made; most of them have a meaning there.
 inline const QByteArrayList kNames{
     ".local",    "share",       "Trash",   "files",     "info",    "expunged",
     ".cache",    "cache",       "data",    "logs",      ".config", "state",
@@ -196,7 +196,7 @@ private:
         }
     }
 
-    /// Only what holds nothing excluded: that keeps its rights.
+    /// Only folders that hold nothing excluded: the others keep their rights.
     void lockTrash()
     {
         for (const QByteArray &path : tree(home.path())) {

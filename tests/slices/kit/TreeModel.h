@@ -19,8 +19,8 @@ public:
         ino_t inode = 0;
     };
 
-    /// Whether the other names of an excluded file are known for what they are. Where the calls
-    /// that would tell may fail, they may go: the excluded name and the content stay.
+    /// Whether the other names of an excluded file are recognised. Where the calls for that may
+    /// fail, these names may be removed: the excluded name and the content stay.
     enum class OtherNames { Known, PerhapsNot };
 
     /// Builds the tree in the folder, with links and hard links into `outside`.

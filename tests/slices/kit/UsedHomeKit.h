@@ -7,7 +7,7 @@
 
 /// What the tests of the programs share: all their caches, and what stays of them.
 
-/// Every cache that some program has, and some that are nobody's.
+/// Every cache that some program has, and some that no program has.
 inline const QByteArrayList kCaches{
     ".cache/BraveSoftware",
     ".cache/chromium",

@@ -4,9 +4,9 @@
 
 #include <QByteArray>
 
-/// Watches one folder: something happens right before it is listed, which may fail by it, and
-/// whoever changes its rights is ended. To look at the rights afterwards would not do: they are
-/// given back.
+/// Watches one folder: an action runs right before it is listed, and may make the listing fail. A
+/// process that changes the folder's rights is ended: a look at the rights afterwards is not
+/// enough, because they are given back.
 class WatchedFolder final : public ForwardingSystemCalls
 {
 public:

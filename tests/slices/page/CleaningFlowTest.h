@@ -17,8 +17,8 @@
 inline constexpr int kCancelButton = 0;
 inline constexpr int kGoOnButton = 1;
 
-/// The flow of a cleaning in a made freedesktop home, of whose slices Browser Data is on. There is
-/// no page: the test answers what is asked.
+/// The flow of a cleaning in a made freedesktop home, where only the slice Browser Data is on.
+/// There is no page: the test answers the questions.
 class CleaningFlowTest : public QObject
 {
 protected:

@@ -28,7 +28,8 @@
 #include <mutex>
 #include <unistd.h>
 
-/// Where calls to the disk wait while it is closed. Lives as long as whoever may stand before it.
+/// A gate where calls to the disk wait while it is closed. Must outlive every thread that may wait
+/// at it.
 class DiskGate final
 {
 public:
@@ -73,7 +74,7 @@ protected:
     DiskGate m_folders; ///< before they are opened
     DiskGate m_listings;
     std::atomic<int> m_count = 0; ///< of the calls for folders and entries
-    bool m_isSilent = false;      ///< whether nobody can tell what kind of home it is
+    bool m_isSilent = false;      ///< whether the kind of the home cannot be told
     WatchedSystemCalls m_calls{[this](int, WatchedCall call, const char *name) {
         ++m_count;
         if (m_isSilent && qstrcmp(name, "Library") == 0)

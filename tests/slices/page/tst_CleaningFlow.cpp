@@ -196,7 +196,7 @@ void TestCleaningFlow::givesUpWhereverItIs()
     m_flow->start();
     QTRY_VERIFY(m_flow->isIdle() || !m_asked.isEmpty());
     if (!m_asked.isEmpty()) {
-        QVERIFY(where == State::Asking || visit == 2); // nobody is asked in vain
+        QVERIFY(where == State::Asking || visit == 2); // no question is asked in vain
         answer(kGoOnButton);
     }
     awaitBackgroundThreads();

@@ -212,11 +212,11 @@ void TestCleaningJob::isOverOnceItIsDestroyed()
         job.start({record(SliceKind::Trash)}, kNothingExcluded);
         QTRY_VERIFY(gate.arrivals() > 0);
     }
-    // Whoever removes holds the access.
+    // The thread that removes holds the access.
     QCOMPARE(ResourceManager::accessCount(), 0);
 }
 
-/// Nor removes anything when the disk answers after all.
+/// And it removes nothing when the disk answers after all.
 void TestCleaningJob::waitsForNoMeasureAtItsEnd()
 {
     m_fixture->makeFile(".Trash/a", 5);

@@ -22,7 +22,7 @@ namespace {
 class RunningPrograms final : public ForwardingSystemCalls
 {
 public:
-    QByteArrayList programs; ///< changed by the thread that cleans alone, while it does
+    QByteArrayList programs; ///< changed only by the thread that cleans, during the cleaning
 
     SystemResult<QByteArrayList> programNames() const override { return programs; }
 };

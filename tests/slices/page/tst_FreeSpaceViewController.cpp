@@ -245,7 +245,7 @@ void TestFreeSpaceViewController::tellsOfTheChangeAlsoFromOutsideTheWindow()
     m_excludedFilesChanged.post();
     QCOMPARE(told, QStringList{QStringLiteral(
                        "Your preferences have been adjusted, please scan for large files again")});
-    QVERIFY(!hasSheet(*m_page->view())); // nobody could answer it there
+    QVERIFY(!hasSheet(*m_page->view())); // no one could answer it there
 }
 
 void TestFreeSpaceViewController::placesTheHoverButtons()

@@ -246,7 +246,7 @@ void TestInfo::dropsAMeasureOfPlacesThatWereChangedMeanwhile()
 {
     std::shared_ptr<Info> info;
     m_services.measure = [&](const FileUrl &url, const FileUrls &) {
-        if (url == kCaches) { // while these are being measured, somebody chooses others
+        if (url == kCaches) { // while these are being measured, the user chooses others
             info->setFileURLs({kLogs});
             info->setFileSizeString(QStringLiteral("chosen"));
         }

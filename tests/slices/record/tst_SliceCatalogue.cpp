@@ -109,7 +109,7 @@ void TestSliceCatalogue::offersToShowFourSlices()
                                             RevealPolicy::WhenThere, kAlways, kAlways, kNever}));
 }
 
-/// People know them by their names and colours, the stored selection by their places.
+/// People know them by their names and colours, the stored selection knows them by their order.
 void TestSliceCatalogue::tellsTheSlicesApart()
 {
     QSet<QString> names;

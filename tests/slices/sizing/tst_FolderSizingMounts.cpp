@@ -10,8 +10,8 @@
 
 namespace {
 
-/// Lets a cleaning believe that a disk is waited for by nobody, so that it works on one thread: a
-/// child of a process that has several is to start none.
+/// Makes a cleaning believe that everything lies in memory, so that it works on one thread: the
+/// child of a process with several threads must start none.
 class OneThreadCalls final : public ForwardingSystemCalls
 {
 public:
@@ -76,7 +76,7 @@ private Q_SLOTS:
     void findsNothingOnAReadOnlyMount();
 
 private:
-    /// What a child process with mounts of its own has to say.
+    /// What a child process with mounts of its own reports.
     static QByteArray amongOwnMounts(MadeTree &tree,
                                      const std::function<QByteArray(const OwnMounts &)> &piece);
 };

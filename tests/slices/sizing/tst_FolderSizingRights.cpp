@@ -11,7 +11,7 @@ namespace {
 
 constexpr unsigned kRoot = 0;
 
-/// With one thread: a child of a process that has several is to start none.
+/// With one thread: the child of a process with several threads must start none.
 FolderSize measured(const MadeTree &tree, const QByteArray &location)
 {
     return measureFolder(hostSystemCalls(), {tree.descriptor(), location}, {}, 1);
@@ -28,7 +28,7 @@ QByteArray textOf(const FolderSize &size)
     return size.isComplete ? text : text + ", incomplete";
 }
 
-/// What a user finds, or what went wrong with him.
+/// What a user measures, or what went wrong.
 QByteArray measuredBy(ChildUser user, const MadeTree &tree, const QByteArray &location)
 {
     return runInChild(user,

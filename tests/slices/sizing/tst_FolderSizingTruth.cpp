@@ -17,8 +17,8 @@ namespace {
 
 constexpr unsigned kRoot = 0;
 
-/// Removes all that this process can remove of what is not hidden, the plain way; the folders
-/// themselves stay. Returns the bytes that went.
+/// Removes in a simple way everything that is not hidden and that this process can remove; the
+/// folders themselves stay. Returns the removed bytes.
 qint64 removeWhatGoes(int folder)
 {
     qint64 bytes = 0;
@@ -60,7 +60,7 @@ public:
                 folders.append(path);
             grow(path, folders.last() == path);
         }
-        // From below, for what is locked takes nothing new.
+        // From the bottom up: a locked folder accepts nothing new.
         for (auto path = folders.rbegin(); path != folders.rend(); ++path) {
             if (!path->isEmpty())
                 restrict(*path);
@@ -133,7 +133,7 @@ void TestFolderSizingTruth::countsExactlyWhatCanBeRemoved()
     // First as an ordinary user, then as the administrator with what was left.
     for (const ChildUser user : {ChildUser::Nobody, ChildUser::Same}) {
         const ChildOutcome outcome = runInChild(user, [&] {
-            // One thread: a child of a process that has several is to start none.
+            // One thread: the child of a process with several threads must start none.
             const qint64 measured =
                 measureFolder(hostSystemCalls(), {tree.descriptor(), {}}, {}, 1).bytes;
             const qint64 removed = removeWhatGoes(tree.descriptor()->get());

@@ -189,7 +189,7 @@ void TestFolderSizingUnderway::stopsBeforeAnyCall()
         });
         const FolderSize size = measureFolder(calls, {tree.descriptor(), {}}, stop.get_token(), 1);
         QVERIFY(!size.isComplete);
-        // The folder just being opened is still looked at, none of its entries is.
+        // The folder that is just being opened is still examined, but none of its entries.
         QVERIFY2(after <= 2, QByteArray::number(after));
     }
 }
