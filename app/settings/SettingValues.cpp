@@ -42,7 +42,8 @@ std::optional<bool> booleanFrom(const QJsonValue &value)
 
 std::optional<qint64> integerFrom(const QJsonValue &value)
 {
-    // A number that is no integer answers the fallback; two different ones tell it from a real 0.
+    // A number that is no integer gives the fallback. Two different fallbacks tell it from a real
+    // 0.
     if (value.toInteger(0) != value.toInteger(1))
         return std::nullopt;
     return value.toInteger();

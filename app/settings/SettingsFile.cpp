@@ -48,7 +48,7 @@ std::optional<SettingsContent> contentIn(const DurableContent &found)
     return settingsFromText(found.bytes);
 }
 
-/// Whether a file that holds no content was read whole: then it stays of no use.
+/// Whether a file that gave no content was read whole. Such a file stays of no use.
 bool isBad(const DurableContent &found)
 {
     return found.state == DurableState::Good || found.state == DurableState::Damaged;

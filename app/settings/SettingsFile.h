@@ -12,8 +12,8 @@ class SystemCalls;
 struct SettingsContent
 {
     QJsonObject values;
-    /// Why the excluded paths may not be all, for people; empty when they are. Kept in the file, so
-    /// that a restart does not make them known.
+    /// Why the excluded paths may not be complete, as a text for people; empty when they are
+    /// complete. It is kept in the file, so that a restart does not make the paths count as known.
     QString damage;
 
     friend bool operator==(const SettingsContent &, const SettingsContent &) = default;
@@ -21,11 +21,11 @@ struct SettingsContent
 
 /// The content as JSON text.
 QByteArray settingsText(const SettingsContent &content);
-/// Reads it back; nothing where it is not exactly such a text, or where the excluded paths are
+/// Reads it back. Nothing when it is not exactly such a text, or when the excluded paths are
 /// anything but a list of strings.
 std::optional<SettingsContent> settingsFromText(const QByteArray &text);
 
-/// How a save ended; an empty message, for people, means well.
+/// How a save ended. The message is for people; when it is empty, the save went well.
 struct SaveOutcome
 {
     QString message;
@@ -34,11 +34,11 @@ struct SaveOutcome
     bool isWell() const { return message.isEmpty(); }
 };
 
-/// The settings' durable file ("settings.json") in one folder: where to find a good content when
-/// the current one is not, and what to say to people about it.
+/// The settings' durable file ("settings.json") in one folder. It knows where to find a good
+/// content when the current one is not good, and what to say to people about it.
 ///
 /// The exclusions count as known only after a good current content without a note of damage, or
-/// where there was never anything. One thread at a time.
+/// when there was never any content. One thread at a time.
 class SettingsFile final
 {
 public:
@@ -48,11 +48,11 @@ public:
     /// no file at all, an empty one.
     SettingsContent load();
 
-    /// The current content as it stands, for what must be known before anything else; an empty one
-    /// when it is bad. Changes nothing.
+    /// The current content as it is, for facts that must be known before anything else; an empty
+    /// one when it is bad. Changes nothing.
     SettingsContent peek();
 
-    /// Makes this text the file's content, and first the folder where there is none.
+    /// Makes this text the file's content. Makes the folder first when there is none.
     SaveOutcome save(const QByteArray &text, Replace replace);
 
 private:

@@ -7,7 +7,7 @@ SettingsWriter::SettingsWriter(SettingsFile file, Report report)
 {
 }
 
-/// The queue would forget what waits.
+/// Waits until everything is saved: the queue alone would drop the text that waits.
 SettingsWriter::~SettingsWriter()
 {
     std::unique_lock lock(m_mutex);
@@ -39,7 +39,7 @@ SaveOutcome SettingsWriter::flush()
     return m_last;
 }
 
-/// A save under way is not cut off: it heeds no stop.
+/// A save under way is never cut off: it ignores the stop.
 void SettingsWriter::startSave()
 {
     m_saves.run([this](const std::stop_token &) { save(); });
@@ -49,7 +49,7 @@ void SettingsWriter::save()
 {
     std::unique_lock lock(m_mutex);
     if (!std::exchange(m_isWaiting, false))
-        return; // the save before took it up
+        return; // the save before has taken the text
     m_isSaving = true;
     const QByteArray text = m_text;
     const Replace replace = std::exchange(m_replace, Replace::OnlyWhatIsKnown);

@@ -7,8 +7,8 @@
 #include <functional>
 #include <mutex>
 
-/// Saves contents in the background, one after the other; of contents that wait, only the newest is
-/// saved. Destroying it saves what waits. Used on its owner's thread.
+/// Saves contents in the background, one after the other. When several contents wait, only the
+/// newest is saved. Destroying it saves what waits. Used on its owner's thread.
 class SettingsWriter final
 {
 public:
@@ -20,12 +20,12 @@ public:
     SettingsWriter(const SettingsWriter &) = delete;
     SettingsWriter &operator=(const SettingsWriter &) = delete;
 
-    /// Hands a text over; never waits for the disk. The leave to replace anything lasts until a
-    /// save went well.
+    /// Hands a text over; never waits for the disk. The permission to replace anything lasts until
+    /// a save went well.
     void post(const QByteArray &text, Replace replace);
 
-    /// Waits until nothing is waiting any more, and tells how the last save ended. One that failed
-    /// before is tried once more.
+    /// Waits until no content waits any more, and returns how the last save ended. Tries a save
+    /// that failed before once more.
     SaveOutcome flush();
 
 private:
@@ -44,7 +44,7 @@ private:
     bool m_isSaving = false;
     SaveOutcome m_last;
 
-    /// A newer save that waits takes up the newest content, so that none needs to come after it.
-    /// Last, so that it ends before what it uses.
+    /// A newer save that waits takes the newest content, so that no other save has to follow it.
+    /// This member is the last, so that it ends before the members that it uses.
     BackgroundQueue<OwnersEnd::Wait, Queueing::LatestOnly> m_saves;
 };

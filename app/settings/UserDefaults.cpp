@@ -159,7 +159,7 @@ void UserDefaults::takeOutcome(const SaveOutcome &outcome)
     Q_EMIT saveFailed(outcome.message);
     if (!outcome.isConflict || !exclusionsAreKnown())
         return;
-    // Whoever changed the file may have excluded paths that this run knows nothing of.
+    // The program that changed the file may have excluded paths that this run does not know.
     m_damage = outcome.message + QStringLiteral(" Quit and start Vantor again to use them.");
     Q_EMIT exclusionsKnownChanged(false);
 }

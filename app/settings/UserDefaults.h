@@ -19,9 +19,9 @@ class SystemCalls;
 /// A lookup answers the stored value, else the registered one, else none. A typed getter answers
 /// the registered (else the zero) value where the stored one is of another type.
 ///
-/// It fails closed: when the file cannot be read completely, nobody knows which paths the user has
-/// excluded. exclusionsAreKnown() says so, also after a restart, until the user has looked and
-/// confirmExclusions() was called. Nothing may be cleaned before.
+/// It fails closed: when the file cannot be read completely, the program does not know which paths
+/// the user has excluded. exclusionsAreKnown() says so, also after a restart, until the user has
+/// looked and confirmExclusions() was called. Nothing may be cleaned before that.
 class UserDefaults final : public QObject
 {
     Q_OBJECT
@@ -33,7 +33,7 @@ public:
     /// Saves what is not saved yet.
     ~UserDefaults() override;
 
-    /// Values to be answered for keys that are not stored. Nothing is written.
+    /// Sets the values for keys that are not stored. Writes nothing.
     void registerDefaults(const QJsonObject &defaults);
 
     /// The stored value, else the registered one, else undefined.
@@ -54,7 +54,7 @@ public:
     void setStrings(const QString &key, const QStringList &value);
     void setBooleans(const QString &key, const QList<bool> &value);
     void setData(const QString &key, const QByteArray &value);
-    // A literal is no Boolean and no data, but would silently become one.
+    // A literal is neither a Boolean nor data, but would silently become one.
     void setBoolean(const QString &key, const void *value) = delete;
     void setData(const QString &key, const char *value) = delete;
 
@@ -74,15 +74,15 @@ public:
     /// What happened to the settings and where the damaged file was kept, for people; empty while
     /// the exclusions are known.
     QString damageMessage() const { return m_damage; }
-    /// The user has looked at the excluded paths: as they are now, they are right. Saves them; when
-    /// that fails they count as known for this run only.
+    /// The user has looked at the excluded paths and says that they are right as they are now.
+    /// Saves them; when the save fails they count as known for this run only.
     void confirmExclusions();
 
 Q_SIGNALS:
-    /// The settings could not be saved; they are tried again with the next change or synchronize().
+    /// The settings could not be saved. The next change or synchronize() tries again.
     void saveFailed(const QString &message);
     /// exclusionsAreKnown() changed: by confirmExclusions(), or because another program changed the
-    /// file behind this one's back.
+    /// file without this one knowing.
     void exclusionsKnownChanged(bool known);
 
 private:
