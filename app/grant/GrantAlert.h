@@ -3,10 +3,10 @@
 #include "platform/files/FolderGrant.h"
 #include "platform/sheet/Alert.h"
 
-/// Why Vantor cannot work in the home folder that was granted, with the offer to grant again: the
+/// Says why Vantor cannot work in the home folder that was granted, and offers to grant again: the
 /// first button is "Choose Again…".
 Alert grantAlert(GrantFailure failure);
 
-/// That another folder was in use before in this run: the new one takes effect with the next start.
-/// The first button is "Restart Vantor".
+/// Says that another folder was already in use in this run, so the new one takes effect with the
+/// next start. The first button is "Restart Vantor".
 Alert grantNotInForceAlert();

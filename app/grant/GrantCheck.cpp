@@ -6,7 +6,7 @@ void GrantCheck::ask(Answer answer)
 {
     m_answer = std::move(answer);
     if (m_isLooking && m_grant == ResourceManager::storedGrant())
-        m_isOutdated = true; // one look at a time, however often it is asked
+        m_isOutdated = true; // one look at a time, however many questions come
     else
         look();
 }

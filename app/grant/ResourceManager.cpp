@@ -92,7 +92,7 @@ std::optional<QByteArray> ResourceManager::storedGrant()
     return run.stored = std::move(stored);
 }
 
-/// Asks the file system, and holds nobody up meanwhile.
+/// Asks the file system, and blocks no other thread meanwhile.
 tl::expected<ResourceManager::Finding, GrantFailure>
 ResourceManager::find(const std::optional<QByteArray> &grant)
 {
@@ -113,15 +113,15 @@ std::optional<GrantFailure> ResourceManager::check(const std::optional<QByteArra
     auto finding = find(grant);
     if (!finding)
         return finding.error();
-    std::optional<Finding> found = std::move(*finding); // then the one before: closed unlocked
+    std::optional<Finding> found = std::move(*finding); // later the one before, closed unlocked
     Run &run = *currentRun();
     const std::scoped_lock lock(run.mutex);
-    if (!run.home && run.stored == grant) // a late answer may be about a grant that is given up
+    if (!run.home && run.stored == grant) // a late answer may be about an old grant
         run.found.swap(found);
     return std::nullopt;
 }
 
-/// What the last check found, unless that was another grant's; else what is found now.
+/// What the last check found, if it was about this grant; otherwise what is found now.
 tl::expected<ResourceManager::Finding, GrantFailure>
 ResourceManager::findingOf(const QByteArray &grant)
 {
@@ -161,7 +161,7 @@ ResourceManager::Home &ResourceManager::home()
 
 FileUrl ResourceManager::homeFolder()
 {
-    storedGrant(); // the pages ask from the main thread: workers then know what is granted now
+    storedGrant(); // the pages ask from the main thread, so workers know the present grant
     return home().url();
 }
 

@@ -13,32 +13,32 @@
 /// The home folder that the user granted, resolved once: at the first call of homeFolder(),
 /// startAccessing() or stopAccessing(), from then on for the rest of the run. Any thread.
 ///
-/// Using it without a valid grant ends the program, because any answer would be somebody else's
-/// folder. So have the grant checked (see GrantCheck) and ask isInForceFor() first: before the
-/// first page that works with files is shown, and before cleaning. The folder that a check has
-/// found is kept open for the first use of the same grant, which then asks the file system nothing:
+/// Using it without a valid grant ends the program, because any answer would be a folder that was
+/// not granted. So have the grant checked (see GrantCheck) and ask isInForceFor() first: before the
+/// first page that works with files is shown, and before cleaning. A check keeps open the folder
+/// that it found, for the first use of the same grant. That use then asks the file system nothing:
 /// only checks wait for a disk.
 class ResourceManager final
 {
 public:
-    /// Reads the stored grant; nothing when none is stored. Called only on the thread that set it,
-    /// because settings are not for other threads: whenever something is asked here from that
-    /// thread. All others go by what was read last.
+    /// Reads the stored grant; nothing when none is stored. It is called only on the thread that
+    /// set it, because settings are not for other threads, and whenever that thread asks something
+    /// here. All other threads use what was read last.
     using GrantSource = std::function<std::optional<QByteArray>()>;
 
     ResourceManager() = delete;
 
-    /// Where the grant is stored, and the calls by which its folder is found; they outlive every
-    /// use. At start-up, on the main thread, before anything else here; again when the source goes
-    /// away.
+    /// Sets where the grant is stored, and the calls by which its folder is found; they outlive
+    /// every use. Call it at start-up, on the main thread, before anything else here, and again
+    /// when the source goes away.
     static void setGrantSource(GrantSource source, const SystemCalls &calls = hostSystemCalls());
 
-    /// The grant stored now; on a thread that may not ask the source, what it said last.
+    /// The grant stored now. On a thread that may not ask the source: what the source said last.
     static std::optional<QByteArray> storedGrant();
 
-    /// Why this grant cannot be used; nothing when it can. Takes nothing into use, and may be asked
-    /// at any time. A few system calls, which wait for as long as the disk does: not for the main
-    /// thread.
+    /// The reason why this grant cannot be used; nothing when it can. Takes nothing into use, and
+    /// may be asked at any time. It makes a few system calls, which wait for as long as the disk
+    /// does, so it is not for the main thread.
     static std::optional<GrantFailure> check(const std::optional<QByteArray> &grant);
     /// The same for the grant stored now.
     static std::optional<GrantFailure> checkStoredGrant() { return check(storedGrant()); }
@@ -56,9 +56,9 @@ public:
     static void startAccessing();
     static void stopAccessing();
 
-    /// The same, for the engines; may be handed out before there is a grant. anchoredPath() knows
-    /// the URLs at and below homeFolder(), compared by the bytes of their paths. Lives as long as
-    /// the program.
+    /// The same access, for the engines. It may be handed out before there is a grant.
+    /// anchoredPath() knows the URLs at and below homeFolder(), compared by the bytes of their
+    /// paths. Lives as long as the program.
     static FileAccess &access();
 
     /// How many starts have not been stopped yet.
@@ -82,7 +82,7 @@ private:
         Run();
         ~Run();
 
-        GrantSource source; ///< that thread's alone
+        GrantSource source; ///< used by sourceThread alone
         std::once_flag once;
         std::mutex mutex; ///< guards the rest; `home` may be read without it once `once` is done
         std::thread::id sourceThread;
