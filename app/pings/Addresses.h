@@ -3,7 +3,7 @@
 #include <QString>
 
 /// The maker's pages: three that count usage, three that the result page opens. A value that is
-/// handed to whoever needs it.
+/// handed to every class that needs it.
 struct Addresses
 {
     QString firstLaunchPing;

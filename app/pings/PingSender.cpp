@@ -14,7 +14,7 @@ using namespace std::chrono_literals;
 constexpr auto kTransferTimeout = 60s;
 
 /// Whether the page did not come at all. A server's own "not found" page is a page like any other:
-/// the library reports its status as an error, but the transport had none.
+/// the library reports its status as an error, but the transport had no error.
 bool isTransportError(const QNetworkReply &reply)
 {
     if (reply.error() == QNetworkReply::NoError)
@@ -64,7 +64,7 @@ PingSender::~PingSender()
         helper->kill();
     }
     for (QProcess *helper : helpers)
-        helper->waitForFinished(); // a killed process is only waited for until it is taken down
+        helper->waitForFinished(); // waits only until the killed process is taken down
 }
 
 void PingSender::updateStatsForURLString(const QString &urlString)

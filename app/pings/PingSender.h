@@ -8,14 +8,14 @@
 class QNetworkAccessManager;
 class QNetworkReply;
 
-/// The program that loads a ping's page in an off-screen browser view, in a process of its own: so
-/// its memory goes back when it is done, and a crash of it harms nobody.
+/// The program that loads a ping's page in an off-screen browser view, in a process of its own. So
+/// its memory is given back when it is done, and its crash harms nothing else.
 struct PingHelper
 {
     QString program;
-    std::chrono::milliseconds limit = std::chrono::seconds(15); ///< ended by force when it is over
+    std::chrono::milliseconds limit = std::chrono::seconds(15); ///< then it is killed
 
-    /// The one that was installed beside the running program.
+    /// The helper that was installed beside the running program.
     static PingHelper besideTheProgram();
 };
 

@@ -2,7 +2,7 @@
 
 #include <QString>
 
-/// Whoever sends the usage pings. A page that has something to report is given one.
+/// The interface for sending usage pings. A page that has something to report is given one.
 class StatsUpdater
 {
 public:

@@ -39,7 +39,8 @@ private:
     bool m_wasLoaded = false;
     QTimer m_quiet;
     QTimer m_patience;
-    // In this order, so that the page goes first, and what the profile calls goes last.
+    // In this order, so that the page is destroyed first, and the object that the profile calls is
+    // destroyed last.
     RequestWatcher m_watcher;
     QWebEngineProfile m_profile; ///< without a name: off the record
     QWebEnginePage m_page;

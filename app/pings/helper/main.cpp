@@ -4,9 +4,9 @@
 #include <chrono>
 
 // vantor-ping <url> <limit>: loads one page as a browser would, with its scripts, and shows
-// nothing. Ends after the limit, in milliseconds, at the latest, also when whoever started it is
-// gone. Exits with 0 when the page was loaded, with 1 when it was not, with 2 when the arguments
-// are not an http or https address and a limit.
+// nothing. Ends after the limit, in milliseconds, at the latest, also when the program that started
+// it is gone. Exits with 0 when the page was loaded, with 1 when it was not, with 2 when the
+// arguments are not an http or https address and a limit.
 
 namespace {
 
@@ -14,13 +14,14 @@ constexpr int kLoaded = 0;
 constexpr int kNotLoaded = 1;
 constexpr int kBadArguments = 2;
 
-/// No window is ever opened, so it makes no difference on which display, or whether there is one.
+/// No window is ever opened, so it makes no difference which display is used, or whether there is
+/// one.
 void prepareEnvironment()
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QByteArray flags = qgetenv("QTWEBENGINE_CHROMIUM_FLAGS");
     qputenv("QTWEBENGINE_CHROMIUM_FLAGS", flags + " --disable-gpu");
-    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts); // else the engine crashes
+    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts); // without it the engine crashes
 }
 
 bool isWebAddress(const QUrl &url)
