@@ -22,8 +22,9 @@ AppDelegate::AppDelegate(Configuration configuration) : m_configuration(std::mov
         m_loader.registerClass(QStringLiteral("TutorialView"), m_configuration.makeTutorialView);
 }
 
-/// The settings end with this. A question to the disk may outlive it: what was granted when it
-/// began still is when its answer comes, or the first use of the folder would find no grant.
+/// The settings end with this object, and a question to the disk may outlive it. The grant that was
+/// stored when the question began must still be stored when its answer comes; otherwise the first
+/// use of the folder would find no grant.
 AppDelegate::~AppDelegate()
 {
     ResourceManager::setGrantSource([last = ResourceManager::storedGrant()] { return last; });

@@ -18,14 +18,14 @@
 class PreferencesWindowController;
 
 /// The first object of the program's own that runs: registers the settings' defaults, sends the
-/// launch's pings, makes the main window and shows it, and sees to it that everything is on the
+/// launch's pings, makes the main window and shows it, and makes sure that everything is on the
 /// disk when the program ends. Lives for the whole run. Main thread only.
 class AppDelegate final : public QObject
 {
     Q_OBJECT
 
 public:
-    /// What differs between a run of the user's and a run in a test.
+    /// What differs between a user's run and a run in a test.
     struct Configuration
     {
         QString settingsFolder = defaultSettingsFolder();
@@ -35,7 +35,7 @@ public:
         std::reference_wrapper<const SystemCalls> calls = hostSystemCalls(); ///< outlives it all
         std::shared_ptr<Workspace> workspace = std::make_shared<Workspace>();
         LabelController::Reader readVolume = startUpVolumeSizes;
-        /// Makes the view that shows the tutorial; rich text where none is given.
+        /// Makes the view that shows the tutorial. Without it the tutorial is shown as rich text.
         InterfaceLoader::Factory makeTutorialView = {};
     };
 
@@ -58,7 +58,7 @@ public:
     MainWindowController &mainWindowController() { return *m_mainWindowController; }
 
 public Q_SLOTS:
-    /// The menu's command: shows the preferences. They know the home folder when its disk has
+    /// The menu's command: shows the preferences. They know the home folder once its disk has
     /// answered.
     void openPreferences();
 

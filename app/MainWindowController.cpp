@@ -26,7 +26,7 @@ std::unique_ptr<ColorWindow> loadedWindow(const InterfaceLoader &loader)
     return std::unique_ptr<ColorWindow>(window);
 }
 
-/// The size of a window whose content has this one: the pages are drawn for it.
+/// The size of a window around a content of this size. The pages are drawn for the content's size.
 QSize frameSizeFor(QSize content)
 {
     const QRectF inside = ColorWindow::contentRectForFrameRect(QRectF(QPointF(), content));
@@ -43,7 +43,7 @@ MainWindowController::MainWindowController(Services services)
 
 MainWindowController::~MainWindowController()
 {
-    m_navigationController->view()->setParent(nullptr); // the stack's own, not the window's
+    m_navigationController->view()->setParent(nullptr); // it is the stack's, not the window's
 }
 
 void MainWindowController::windowDidLoad()
@@ -104,7 +104,7 @@ void MainWindowController::replaceContentWithViewController(ViewController &cont
     m_window->setContentView(controller.view());
     controller.view()->show();
     if (!m_navigationController)
-        delete old; // the description's; later ones are the old stack's own
+        delete old; // from the description; a later one belongs to the old stack
 }
 
 void MainWindowController::showWindow()
@@ -113,7 +113,7 @@ void MainWindowController::showWindow()
     m_window->raise();
     m_window->activateWindow();
     if (m_services.defaults.hasInitializedFolders())
-        whenGrantIsUsable([] {}); // what is wrong is told before anything is asked for
+        whenGrantIsUsable([] {}); // tells what is wrong before the user asks for anything
 }
 
 ViewController *MainWindowController::currentViewController() const

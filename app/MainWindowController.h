@@ -15,9 +15,9 @@ class DiskInfoViewController;
 class ExcludedFilesChangedNotification;
 class SystemCalls;
 
-/// Owns the window and the wizard's four pages, and moves between them: pages know no other page,
-/// they ask this to go forward or back. Made once at launch and lives as long as the program. Main
-/// thread only.
+/// Owns the window and the wizard's four pages, and moves between them. Pages know no other page;
+/// they ask this class to go forward or back. Made once at launch and lives as long as the program.
+/// Main thread only.
 class MainWindowController final : public QObject,
                                    public VNTViewControllerDelegate,
                                    public BFNavigationControllerDelegate
@@ -59,10 +59,10 @@ public:
 
     void willGoForward(VNTViewController &page, bool forward, const QVariant &data) override;
 
-    /// Finds out whether the stored grant leads to the folder in which work would be done, and then
-    /// goes on with `then`; tells the user, with the offer to grant again, when not. Returns at
-    /// once: the disk is waited for beside the main thread. Nothing comes of it when the page is
-    /// left meanwhile, or this is asked for something else.
+    /// Finds out whether the stored grant leads to the folder in which work would be done. If it
+    /// does, goes on with `then`; if not, tells the user and offers to grant again. Returns at
+    /// once: another thread waits for the disk. Nothing happens when the page is left meanwhile, or
+    /// when this is asked for something else.
     void whenGrantIsUsable(
         std::function<void()> then, std::function<void()> otherwise = [] {});
     bool isLookingAtGrant() const { return m_grantCheck.isLooking(); }

@@ -12,9 +12,10 @@
 namespace {
 
 using namespace std::chrono_literals;
-/// The web engine is tried out when the window has come in.
+/// The program tries out the web engine once the window has come in.
 constexpr auto kPauseBeforeProbe = 500ms;
-/// For threads that were told to stop and wait for the disk.
+/// How long the program waits at its end for threads that were told to stop and still wait for the
+/// disk.
 constexpr auto kPatienceAtTheEnd = 1s;
 
 AppDelegate::Configuration configurationWith(WebTutorial &tutorial)
@@ -26,7 +27,7 @@ AppDelegate::Configuration configurationWith(WebTutorial &tutorial)
     return configuration;
 }
 
-/// From the window to its end.
+/// Runs the program from the window to its end.
 int run(QApplication &application, bool mayShowTutorial)
 {
     setUpAppearance(application);
@@ -40,7 +41,7 @@ int run(QApplication &application, bool mayShowTutorial)
     return QApplication::exec();
 }
 
-/// Whether nothing asks the disk any more. What changes files has ended before.
+/// Whether no thread asks the disk any more. Every task that changes files has already ended.
 bool diskIsLeft()
 {
     return waitForBackgroundThreads(kPatienceAtTheEnd);
@@ -56,8 +57,8 @@ int main(int argc, char **argv)
         WebTutorial::prepareApplication();
     QApplication application(argc, argv);
     const int result = run(application, mayShowTutorial);
-    // A thread that waits for a dead disk cannot be ended, and what it uses must not go before it:
-    // all is saved, so that the process may end as it stands.
+    // A thread that waits for a dead disk cannot be ended, and what it uses must not be destroyed
+    // before it. Everything is saved, so the process may end as it is.
     if (!diskIsLeft())
         std::quick_exit(result);
     return result;

@@ -105,7 +105,7 @@ void BFNavigationController::setViewControllers(const QList<ViewController *> &c
     navigateFromViewController(top, next, animated, isBelow ? Direction::Pop : Direction::Push);
 }
 
-// Forward and back look the same: the direction is told and not used.
+// Forward and back look the same: the direction is passed on but not used.
 void BFNavigationController::navigateFromViewController(ViewController *from, ViewController *to,
                                                         Animated animated, Direction)
 {

@@ -9,8 +9,8 @@ int scaled(int value, int from, int to)
     return qRound(static_cast<double>(value) * to / from);
 }
 
-/// The frame with all its margins and sizes grown alike. Edges are scaled, not widths, so that a
-/// view that fills its parent goes on to do so.
+/// The frame with all its margins and sizes scaled by the same factors. The edges are scaled, not
+/// the widths, so that a view that fills its parent still fills it afterwards.
 QRect inProportion(const QRect &frame, QSize from, QSize to)
 {
     if (from.isEmpty())
@@ -39,7 +39,7 @@ NavigationView::~NavigationView()
 
 void NavigationView::add(QWidget &page)
 {
-    // Seen through a veil, a page that fades costs no more than its own painting.
+    // Drawn through a veil, a page that fades costs no more than its own painting.
     setAlphaDrawing(page, AlphaDrawing::Veil);
     page.setParent(this);
     page.raise();

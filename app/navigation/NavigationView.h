@@ -5,8 +5,8 @@
 #include <vector>
 
 /// The view of a navigation stack: shows other controllers' views and keeps their frames in
-/// proportion when it is resized. They are lent to it: it lets them go before it dies. Main thread
-/// only.
+/// proportion when it is resized. The views are lent to it: it gives them back before it is
+/// destroyed. Main thread only.
 class NavigationView final : public QWidget
 {
     Q_OBJECT
@@ -15,9 +15,9 @@ public:
     explicit NavigationView(QRect frame);
     ~NavigationView() override;
 
-    /// Puts the view in front, with the frame and opacity that it has.
+    /// Puts the view in front of the others. The view keeps its frame and its opacity.
     void add(QWidget &page);
-    /// Takes the view out; one that is elsewhere stays there.
+    /// Takes the view out. A view that is elsewhere stays there.
     void remove(QWidget &page);
 
 protected:

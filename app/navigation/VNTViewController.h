@@ -10,8 +10,8 @@
 class InterfaceLoader;
 
 /// The base of the wizard's pages. A page's view comes from the interface description that bears
-/// the name of the page's own class (which therefore needs Q_OBJECT). What else a page works with,
-/// it is given in its constructor. Main thread only.
+/// the name of the page's own class (which therefore needs Q_OBJECT). A page gets everything else
+/// that it works with in its constructor. Main thread only.
 class VNTViewController : public ViewController, public BFViewController
 {
     Q_OBJECT
@@ -24,8 +24,8 @@ public:
     /// throws std::logic_error.
     [[noreturn]] void initWithNibName(const QString &nibName) const;
 
-    /// What the page before this one handed over; invalid when nothing. Set after viewWillAppear()
-    /// and before viewDidAppear().
+    /// What the page before this one handed over; invalid when it handed over nothing. Set after
+    /// viewWillAppear() and before viewDidAppear().
     QVariant data() const { return m_data; }
     void setData(const QVariant &data) { m_data = data; }
 
@@ -40,7 +40,7 @@ public:
     void viewDidLoad() override {}
 
 protected:
-    /// Ask the delegate, where there is one.
+    /// These ask the delegate, where there is one.
     void goForward(const QVariant &data = {});
     void goBack();
 

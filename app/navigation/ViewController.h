@@ -5,9 +5,9 @@
 #include <QWidget>
 #include <memory>
 
-/// Owns one view, made on first use. The view stays its controller's wherever it is shown: whoever
-/// puts it into a window takes it out again (setParent(nullptr)), and it dies with the controller.
-/// Main thread only.
+/// Owns one view, made on first use. The view belongs to its controller wherever it is shown. Code
+/// that puts it into a window takes it out again (setParent(nullptr)). The view is deleted with the
+/// controller. Main thread only.
 class ViewController : public QObject
 {
     Q_OBJECT

@@ -22,8 +22,8 @@ public:
     QWidget *window();
     bool isWindowLoaded() const { return !m_window.isNull(); }
 
-    /// Shows the window before all others; the first time in the middle of the active one, where
-    /// the desktop lets windows choose their place.
+    /// Shows the window in front of all others. The first time, it appears in the middle of the
+    /// active window, where the desktop lets windows choose their position.
     void showWindow();
 
 protected:

@@ -67,7 +67,7 @@ void DiskInfoViewController::viewDidAppear(bool)
     }
     m_pieChart->setDrawShadow(true);
     m_startButton->setEnabled(true);
-    m_startButton->setFocus(Qt::OtherFocusReason); // Return leads on
+    m_startButton->setFocus(Qt::OtherFocusReason); // Return goes on to the next page
 }
 
 void DiskInfoViewController::viewWillDisappear(bool)

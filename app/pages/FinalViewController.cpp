@@ -95,7 +95,7 @@ void FinalViewController::viewDidAppear(bool)
     m_pieChart->reloadData();
     m_pieChart->setDrawShadow(false);
     m_scanAgainButton->setEnabled(true);
-    m_scanAgainButton->setFocus(Qt::OtherFocusReason); // Return leads on
+    m_scanAgainButton->setFocus(Qt::OtherFocusReason); // Return goes on
     m_services.stats.updateStatsForURLString(m_services.addresses.cleaningPing);
 }
 

@@ -59,7 +59,7 @@ void FolderSelectViewController::viewWillAppear(bool)
 
 void FolderSelectViewController::viewDidAppear(bool)
 {
-    updateUI(); // shown again with a grant, the page moves on again
+    updateUI(); // a page shown again with a grant moves on again
     m_homeButton->setFocus(Qt::OtherFocusReason);
 }
 
@@ -71,7 +71,7 @@ void FolderSelectViewController::selectHomeFolder()
 void FolderSelectViewController::runSelectionPanelForFolderString(const QString &key)
 {
     qCInfo(logVantor).noquote() << QString::fromUtf8(lastComponent(m_services.realHomeDirectory()));
-    m_forwardTimer.stop(); // nobody moves on beneath the panel
+    m_forwardTimer.stop(); // the page must not move on beneath the panel
     OpenPanel panel;
     panel.choice = OpenPanelChoice::Folders;
     panel.startFolder = URLForFolderString(key).value_or(QByteArray());

@@ -12,9 +12,9 @@ class ImageView;
 class SystemCalls;
 class UserDefaults;
 
-/// The first page: asks for the home folder, checks the choice, stores the grant when the folder's
-/// disk has answered, and moves on once there is one. Owned by the main window's controller; main
-/// thread only.
+/// The first page: asks for the home folder, checks the choice, stores the grant once the folder's
+/// disk has answered, and moves on once there is a grant. Owned by the main window's controller;
+/// main thread only.
 class FolderSelectViewController final : public VNTViewController
 {
     Q_OBJECT
@@ -29,7 +29,7 @@ public:
         std::function<QByteArray()> realHomeDirectory;
     };
 
-    /// From a stored grant to the next page.
+    /// The time from a stored grant to the next page.
     static constexpr std::chrono::seconds kPauseBeforeNextPage{1};
 
     FolderSelectViewController(const InterfaceLoader &loader, Services services,
@@ -37,8 +37,8 @@ public:
 
     ImageButton *homeButton() const { return m_homeButton; }
     ImageView *homeCheck() const { return m_homeCheck; }
-    /// Whether the disk of a chosen folder is waited for. Another choice, or a page that is left or
-    /// begun anew, drops that one.
+    /// Whether the page waits for the disk of a chosen folder. It drops that folder when the user
+    /// makes another choice, and when the page is left or begun anew.
     bool isGranting() const { return m_granting.isBusy(); }
 
     void viewDidLoad() override;
