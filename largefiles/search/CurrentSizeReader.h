@@ -7,7 +7,7 @@
 class SystemCalls;
 
 /// Reads the present sizes of listed files on one thread of its own, however many questions there
-/// are: a disk that hangs holds up no more than that. Main thread only.
+/// are: a disk that hangs holds up only that thread. Main thread only.
 class CurrentSizeReader final
 {
 public:

@@ -6,7 +6,7 @@
 #include <utility>
 
 /// One file or folder as a table shows it: a file that the search found, or an entry of the
-/// excluded paths. Its icon is looked up where it is shown. A plain record; one thread at a time.
+/// excluded paths. Its icon is looked up where it is shown. Plain data; one thread at a time.
 class File final
 {
 public:

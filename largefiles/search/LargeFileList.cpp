@@ -74,8 +74,8 @@ bool LargeFileList::insert(const File &file)
     return true;
 }
 
-/// From the bottom up, so that no row is moved that goes itself, and in one step for rows that lie
-/// together.
+/// Removes from the bottom up, so that no row is moved that is itself removed later. Rows that lie
+/// together go in one step.
 void LargeFileList::remove(const FileUrls &files)
 {
     QSet<QByteArray> going;

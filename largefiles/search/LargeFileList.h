@@ -13,8 +13,8 @@
 /// no path twice, and which of them the user has picked. Kept from one search to the next. Owned by
 /// the sheet, main thread only; never touches the file system.
 ///
-/// The picked total goes by what is on the disk when the picks change: the sizes are asked for
-/// anew, and sizeStringChanged() tells when they have come. Until then what was known last counts.
+/// The picked total follows what is on the disk when the picks change: the list asks for the sizes
+/// anew, and sizeStringChanged() tells when they have come. Until then the last known sizes count.
 class LargeFileList final : public QAbstractListModel
 {
     Q_OBJECT
@@ -31,7 +31,7 @@ public:
     /// one was asked.
     using ReadSizes = std::function<void(const FileUrls &files, Answer answer)>;
 
-    /// With no way to read sizes the total is that of the sizes found.
+    /// Without a way to read sizes, the total is the sum of the sizes found.
     explicit LargeFileList(ReadSizes readSizes = {}, QObject *parent = nullptr);
     ~LargeFileList() override;
 
@@ -45,9 +45,9 @@ public:
     FileUrls fileURLs() const;
     bool contains(const FileUrl &file) const { return m_byPath.contains(file.path()); }
 
-    /// Puts a file in its place; false when its path is listed already.
+    /// Inserts a file at its position; false when its path is listed already.
     bool insert(const File &file);
-    /// Takes out the rows of these files; what is not listed is no matter.
+    /// Removes the rows of these files. Ignores files that are not listed.
     void remove(const FileUrls &files);
     /// Empties the list, and with it the picks.
     void deleteData();

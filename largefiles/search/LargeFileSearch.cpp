@@ -151,7 +151,8 @@ bool isMissing(const SystemCalls &calls, const AnchoredPath &place, int error)
     return !behind && behind.error() == ENOENT;
 }
 
-/// Opens a folder of the query; nothing when it is missing or cannot be opened, which is told.
+/// Opens a folder of the query. Nothing when it is missing, or when it cannot be opened, which the
+/// listener is told.
 std::optional<FileDescriptor> openSearched(const SystemCalls &calls, const FileAccess &access,
                                            const FileUrl &folder, FolderSearch &search)
 {

@@ -10,8 +10,8 @@ class SystemCalls;
 // Questions about files that were found a while ago. Any thread but the main one; each holds one
 // access of its own, and follows no link.
 
-/// Which of the files are no longer there, or are something else than a file by now, in their
-/// order. A file of which nothing can be told is taken to be there still. Nothing when stopped.
+/// The files that are no longer there, or are something other than a file by now, in their order. A
+/// file about which nothing can be found out counts as still there. Nothing when stopped.
 FileUrls vanishedFiles(const SystemCalls &calls, FileAccess &access, const FileUrls &files,
                        const std::stop_token &stop);
 

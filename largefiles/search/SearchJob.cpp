@@ -16,15 +16,15 @@ constexpr qint64 kDeliveryMilliseconds = 8;
 
 } // namespace
 
-/// The last thing that a search says.
+/// The last message of a search.
 struct SearchEnd
 {
     SearchOutcome outcome;
     FileUrls vanished;
 };
 
-/// One search: does the file work on a background thread and keeps what it has to say, in order,
-/// until the main thread takes it. Shared by both.
+/// One search. Does the file work on a background thread and keeps its messages, in order, until
+/// the main thread takes them. Shared by both threads.
 class SearchJob::Run final : public LargeFileListener, public std::enable_shared_from_this<Run>
 {
 public:
@@ -52,7 +52,8 @@ public:
     }
     void unreadable(const UnreadablePlace &place) override { say(place); }
 
-    /// The next message; after nothing, the job will be called for the one that follows.
+    /// The next message. When this returned nothing, the job is called again for the message that
+    /// follows.
     std::unique_ptr<const Message> next()
     {
         const std::scoped_lock lock(m_mutex);
@@ -75,7 +76,7 @@ private:
     }
 
     SearchJob &m_job;
-    FileUrls m_files; ///< what the list holds if all was delivered; the search's own
+    FileUrls m_files; ///< what the list holds once all is delivered; for the search alone
 
     std::mutex m_mutex; ///< guards the rest
     std::deque<std::unique_ptr<const Message>> m_messages;

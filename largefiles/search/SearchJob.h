@@ -12,7 +12,7 @@ class LargeFileList;
 class SystemCalls;
 struct SearchEnd;
 
-/// What a search came to.
+/// The result of a search.
 struct SearchReport
 {
     qint64 items = 0;                  ///< files and folders looked at
@@ -20,13 +20,13 @@ struct SearchReport
     QList<UnreadablePlace> unreadable; ///< in the order of discovery
 };
 
-/// Searches for large files on a thread of its own and lists them as they are found; at the end
-/// takes off the list what has vanished meanwhile. Picks and rows of earlier searches stay.
+/// Searches for large files on a thread of its own and lists them as they are found. At the end it
+/// removes from the list what has vanished meanwhile. Picks and rows of earlier searches stay.
 ///
-/// One search counts at a time: a newer one, stop(), and emptying the list end it, and nothing of
-/// it reaches the list or the signals afterwards. What was listed until then stays listed. Rows are
-/// inserted a few milliseconds at a time, so that the window keeps moving however many come.
-/// Owned by the sheet, main thread only.
+/// One search counts at a time. A newer search, stop(), and emptying the list end it; after that
+/// nothing of it reaches the list or the signals. What was listed until then stays listed. Rows are
+/// inserted a few milliseconds at a time, so that the window keeps moving however many come. Owned
+/// by the sheet, main thread only.
 class SearchJob final : public QObject
 {
     Q_OBJECT
@@ -35,7 +35,7 @@ public:
     /// All must outlive it.
     SearchJob(const SystemCalls &calls, FileAccess &access, LargeFileList &list,
               QObject *parent = nullptr);
-    /// Waits for the search to heed the stop.
+    /// Waits until the search has obeyed the stop.
     ~SearchJob() override;
 
     /// Begins a search of these folders (see searchURLs()); `excludedPaths` are the texts stored
@@ -71,7 +71,7 @@ private:
     LargeFileList &m_list;
     std::shared_ptr<Run> m_run; ///< the search that counts
     QList<UnreadablePlace> m_unreadable;
-    /// A search that is slow to heed its stop holds up no newer one. Last: the searches end before
-    /// what they use.
+    /// A search that is slow to obey its stop does not delay a newer one. This member is the last:
+    /// the searches end before the members that they use.
     BackgroundQueue<OwnersEnd::Wait, Queueing::LatestOnly> m_searches{kThreadForEachTask};
 };
