@@ -54,7 +54,7 @@ void Playback::takeState(QMediaPlayer::PlaybackState state)
         report(PlayerReport::Kind::Paused);
 }
 
-/// Frames that came while one was being written are left out.
+/// Drops the frames that came while one was being written.
 void Playback::takeFrame()
 {
     const QVideoFrame frame = m_sink.videoFrame();

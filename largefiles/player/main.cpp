@@ -8,7 +8,7 @@
 // vantor-player <width> <height> <file>: plays the file, writes reports to its standard output as
 // writeReport() does, with frames that fit into so many pixels, and obeys the commands that come as
 // lines on its standard input, see Playback::obey(). Ends with its input, so that it never outlives
-// whoever started it. Exits with 2 for bad arguments.
+// the program that started it. Exits with 2 for bad arguments.
 
 namespace {
 
@@ -35,8 +35,9 @@ void readCommands(QByteArray &pending, Playback &playback)
 
 int main(int argc, char **argv)
 {
-    qputenv("QT_QPA_PLATFORM", "offscreen"); // whoever started it shows the frames
-    // It brings its codecs along; the other backend of some versions needs plugins to be there.
+    qputenv("QT_QPA_PLATFORM", "offscreen"); // the program that started it shows the frames
+    // This backend brings its codecs along; the other backend of some versions needs plugins on the
+    // system.
     if (!qEnvironmentVariableIsSet("QT_MEDIA_BACKEND"))
         qputenv("QT_MEDIA_BACKEND", "ffmpeg");
     const QGuiApplication application(argc, argv);

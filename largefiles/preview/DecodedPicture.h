@@ -10,10 +10,10 @@ struct DecodedPicture
     int pageCount = 0; ///< of a document; 0 when it is none
 };
 
-/// Writes it as plain pixels, for the other process to read without decoding anything. False when
-/// the device does not take it.
+/// Writes it as plain pixels, so that the other process can read it without decoding anything.
+/// Returns false when the device does not take it.
 bool writePicture(QIODevice &device, const DecodedPicture &picture);
 
-/// Reads what writePicture() wrote, of a writer that nobody vouches for: nothing when it is
-/// damaged, cut or larger than `largest` pixels.
+/// Reads what writePicture() wrote. The writer cannot be trusted, so this gives nothing when the
+/// data is damaged, cut or larger than `largest` pixels.
 DecodedPicture readPicture(QIODevice &device, QSize largest);

@@ -11,7 +11,7 @@ namespace {
 /// Where readers look for the mark of a format, in bytes.
 constexpr qint64 kHeaderWithin = 1024;
 
-/// Films and texts are too many to start a process for each. Only compares bytes.
+/// There are too many films and texts to start a process for each. This only compares bytes.
 bool mayHoldPicture(const QByteArray &header)
 {
     return header.contains("%PDF-") ||
@@ -30,7 +30,8 @@ std::unique_ptr<GuardedFile> GuardedFile::open(const FileReading &reading, const
     const auto folder = openAnchored(reading.calls, entry.folder, Descent::Strict);
     if (!folder)
         return nullptr;
-    // Asked before the opening too: to open a pipe or a device may wait, or do something.
+    // The status is read before the file is opened too: to open a pipe or a device may wait, or do
+    // something.
     const auto status = reading.calls.status(folder->get(), entry.name.constData());
     if (!status || status->kind != FileKind::Regular)
         return nullptr;

@@ -12,8 +12,8 @@
 
 class SystemCalls;
 
-/// What reads files for previews: the system's calls and the right to work in the granted folder,
-/// which both outlive whoever holds this, and what decodes them.
+/// What is needed to read files for previews: the system's calls and the right to work in the
+/// granted folder, which both outlive every holder of this, and the decoder of the files.
 struct FileReading
 {
     const SystemCalls &calls;
@@ -28,9 +28,9 @@ struct ReadingLimits
     std::chrono::milliseconds time = std::chrono::seconds(4); ///< from the opening on
 };
 
-/// A file whose content nobody vouches for, as a device: reads fail once the limits are reached
-/// or the token says stop, so that nobody goes on reading for long. Only regular files are
-/// opened, and no link is followed. One thread at a time, any but the main one.
+/// A file whose content cannot be trusted, as a device. Reads fail once the limits are reached or
+/// the token says stop, so that no reader goes on for long. Only regular files are opened, and no
+/// link is followed. One thread at a time, any but the main one.
 class GuardedFile final : public QIODevice
 {
     Q_OBJECT
@@ -42,10 +42,10 @@ public:
                                              const std::stop_token &stop,
                                              ReadingLimits limits = {});
 
-    /// Whether a read was refused. What was read is not all then.
+    /// Whether a read was refused. If so, what was read is not the whole file.
     bool hasGivenUp() const { return m_hasGivenUp; }
     QDateTime modified() const;
-    /// What is in it as a picture; where reading goes on from is open then, see seek().
+    /// The file's content as a picture. After that the reading position is undefined; see seek().
     DecodedPicture picture(int page, QSize pixels);
 
     qint64 size() const override { return m_file.size(); }

@@ -17,7 +17,7 @@ constexpr QColor kHandleColour(77, 77, 77);
 
 void paintPlaySign(QPainter &painter, QPointF centre)
 {
-    // Its centre of gravity, not that of its box, is in the middle.
+    // The sign's centre of gravity is in the middle, not the centre of its box.
     const QPointF left = centre - QPointF(kSignSide / 3, 0);
     painter.drawPolygon(
         QPolygonF({left - QPointF(0, kSignSide / 2), left + QPointF(0, kSignSide / 2),

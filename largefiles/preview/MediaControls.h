@@ -13,7 +13,7 @@ public:
     explicit PlayButton(QWidget *parent);
 
     void setIsPlaying(bool isPlaying);
-    /// Leaves what it lies on to be seen; it can be pressed all the same.
+    /// Lets what lies under the button be seen. The button can still be pressed.
     void setIsFaded(bool isFaded);
 
     QSize sizeHint() const override;

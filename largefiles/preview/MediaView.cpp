@@ -24,7 +24,7 @@ bool isFilmOrSound(const FileUrl &file)
     return type.startsWith(QLatin1String("video/")) || type.startsWith(QLatin1String("audio/"));
 }
 
-/// As clocks show it: "1:05", "2:00:00".
+/// A time as clocks show it: "1:05", "2:00:00".
 QString clockTime(qint64 milliseconds)
 {
     const qint64 seconds = milliseconds / 1000;
@@ -150,7 +150,7 @@ void MediaView::take(const PlayerReport &report)
 void MediaView::fail(const QString &message)
 {
     m_process->disconnect(this);
-    m_process.release()->deleteLater(); // it is the one that tells
+    m_process.release()->deleteLater(); // it is the sender of the signal
     stop();
     m_message->setText(message);
     refresh();
@@ -167,7 +167,7 @@ void MediaView::showPosition(qint64 position, qint64 duration)
                                  : QString());
 }
 
-/// The controls for what there is.
+/// Shows the controls for the present state.
 void MediaView::refresh()
 {
     m_slider->setVisible(!m_time->text().isEmpty());
@@ -212,7 +212,7 @@ void MediaView::resizeEvent(QResizeEvent *)
     placeControls();
 }
 
-/// The slider is as long as the longest time leaves it.
+/// The slider gets the length that the longest time leaves free.
 void MediaView::placeControls()
 {
     const QSize button = m_button->sizeHint();

@@ -10,10 +10,11 @@ class PlayButton;
 class PositionSlider;
 class QLabel;
 
-/// Lets a film or a sound be played over the picture or icon that stands for it: a play button,
-/// and once that was pressed the frames, where it is, and how long it lasts. Nothing is opened
-/// before, so that a damaged file does not matter to who merely looks. Hidden for all other files,
-/// and where there is no player. Stops when it is hidden. Takes no focus. Main thread only.
+/// Lets the user play a film or a sound over the picture or icon that stands for it. Shows a play
+/// button and, once that was pressed, the frames, the position and the duration. Opens nothing
+/// before that, so that a damaged file does not matter to a user who merely looks. Hidden for all
+/// other files, and where there is no player. Stops when it is hidden. Takes no focus. Main thread
+/// only.
 class MediaView final : public QWidget
 {
     Q_OBJECT
@@ -22,18 +23,18 @@ public:
     explicit MediaView(QWidget *parent, QString player = PlayerProcess::besideTheProgram());
     ~MediaView() override;
 
-    /// Stops, and is there for this file if that is a film or a sound by its name.
+    /// Stops. Appears for this file if its name says that it is a film or a sound.
     void setFile(const FileUrl &file);
     /// Stops and hides.
     void clear();
-    /// Whether there was anything to start or to pause. What has not come to playing yet is
-    /// stopped.
+    /// Starts or pauses. Returns whether there was anything to start or to pause. A file that is
+    /// not playing yet is stopped.
     bool togglePlaying();
 
-    /// Whether the file was opened, be it that it is pausing.
+    /// Whether the file was opened. True also while it pauses.
     bool isOpen() const { return m_process != nullptr; }
     bool isPlaying() const { return m_isPlaying; }
-    /// The frame that is seen; null for none.
+    /// The frame that is shown; null for none.
     const QImage &frame() const { return m_frame; }
     /// Why it cannot be played; empty while it can.
     QString message() const;
@@ -41,7 +42,7 @@ public:
     QString time() const;
 
 Q_SIGNALS:
-    /// Something that the functions tell of has changed by itself.
+    /// A value that the functions return has changed by itself.
     void changed();
 
 protected:

@@ -33,7 +33,7 @@ DecodedPicture PictureDecoder::picture(int file, int page, QSize pixels,
     process.outputFile = place.filePath(QStringLiteral("picture"));
     process.limits.memory = kMostMemory;
     process.limits.processorTime =
-        std::chrono::ceil<std::chrono::seconds>(patience); // a stopped clock is no excuse
+        std::chrono::ceil<std::chrono::seconds>(patience); // holds when the clock stands still, too
     QFile output(process.outputFile);
     if (!runConfined(process, stop) || !output.open(QIODevice::ReadOnly))
         return {};

@@ -31,7 +31,7 @@ PlayerProcess::~PlayerProcess()
     m_process->kill();
     if (m_process->state() == QProcess::NotRunning || m_process->waitForFinished(kPatience))
         return;
-    // It hangs in the system, with its disk perhaps: its end is for later.
+    // The process hangs in the system, perhaps because of its disk. It is deleted when it ends.
     QProcess *const late = m_process.release();
     connect(late, &QProcess::finished, late, &QObject::deleteLater);
 }
@@ -55,7 +55,8 @@ void PlayerProcess::read()
     }
 }
 
-/// It has ended without a word, or talks nonsense. Nothing that went wrong twice is told twice.
+/// The process has ended without a report, or its reports make no sense. A second failure is not
+/// reported.
 void PlayerProcess::fail()
 {
     if (m_isOver)

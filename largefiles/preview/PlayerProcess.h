@@ -6,14 +6,15 @@
 #include <memory>
 
 /// One film or sound being played by vantor-player, a process of its own, so that a file made to
-/// crash or to hang a codec ends that and nothing else. Plays from the start; playing ends with it.
-/// Main thread only.
+/// crash or to hang a codec ends that process and nothing else. Plays from the start; playing ends
+/// with this object. Main thread only.
 class PlayerProcess final : public QObject
 {
     Q_OBJECT
 
 public:
-    /// vantor-player, in the folder of this program. Not there where nothing can be played.
+    /// vantor-player, in the folder of this program. The file does not exist where nothing can be
+    /// played.
     static QString besideTheProgram();
 
     PlayerProcess(const QString &program, const QString &path, QSize frameSize, QObject *parent);

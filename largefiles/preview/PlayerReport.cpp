@@ -4,7 +4,7 @@
 
 namespace {
 
-/// Both ends run on one machine: its own order of bytes will do.
+/// Both processes run on one machine, so its own byte order is enough.
 struct Header
 {
     qint64 position = 0;

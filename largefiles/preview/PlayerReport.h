@@ -5,7 +5,7 @@
 
 class QIODevice;
 
-/// What the player's process tells of the one file it plays. A value.
+/// What the player's process reports about the one file that it plays. A value.
 struct PlayerReport
 {
     enum class Kind : quint8 {
@@ -29,8 +29,8 @@ inline constexpr int kLargestFrameSide = 8192;
 
 bool writeReport(QIODevice &device, const PlayerReport &report);
 
-/// What comes of reading. The process that wrote it may be in the hands of what it plays: nothing
-/// is believed without a look.
+/// The result of reading a report. The file that is played may control the process that wrote the
+/// report, so nothing is believed without a check.
 struct ReadReport
 {
     enum class State {

@@ -10,8 +10,9 @@ class MediaView;
 class QLabel;
 class QPlainTextEdit;
 
-/// What a preview looks like: a card with the file's name above, what is in it in the middle,
-/// and its facts below. Takes no focus but for a text, to be read by keyboard. Main thread only.
+/// What a preview looks like: a card with the file's name above, what is in it in the middle, and
+/// its facts below. Takes no focus except for a text, which can be read by keyboard. Main thread
+/// only.
 class PreviewCard final : public QWidget
 {
     Q_OBJECT
@@ -20,7 +21,7 @@ public:
     explicit PreviewCard(QWidget *parent);
 
     void showNothing();
-    /// The name of the file that is being read, and the how-manieth it is.
+    /// Shows the name of the file that is being read, and its position among the files.
     void showTitle(const File &file, int index, int count);
     void showContent(const File &file, const PreviewContent &content, int page);
     /// Whether there was anything to play or to pause.
@@ -28,7 +29,7 @@ public:
 
     /// Room for a picture, in points.
     QSize contentSize() const { return contentRect().size(); }
-    /// By pages down, or up for a negative number; true always.
+    /// Scrolls down by pages, or up for a negative number. Always returns true.
     bool scrollText(int pages);
 
     /// The view of the text that is shown, for the focus; null while there is none.

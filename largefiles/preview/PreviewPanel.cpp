@@ -7,7 +7,7 @@
 
 namespace {
 
-/// Left free above it, for the shade under the edge that the sheet comes out of.
+/// The space left free above the panel, for the shade under the edge that the sheet comes out of.
 constexpr int kTopMargin = 8;
 
 bool isPlayKey(const QKeyEvent &event)
@@ -105,8 +105,8 @@ bool PreviewPanel::turnTo(int key)
     return pages != 0 && turnPages(pages);
 }
 
-/// A page that is still being read may be turned already; nobody knows whose key it is as long as
-/// nothing has been read at all, so that it is nobody's.
+/// A page that is still being read may already be turned. As long as nothing of the item has been
+/// read, it is unknown whether the key is the panel's or the delegate's, so neither acts on it.
 bool PreviewPanel::turnPages(int pages)
 {
     if (!m_kind)
@@ -123,7 +123,7 @@ bool PreviewPanel::turnPages(int pages)
 
 void PreviewPanel::keyPressEvent(QKeyEvent *event)
 {
-    event->accept(); // nothing goes on to what lies behind
+    event->accept(); // no key reaches the widgets behind
     if (event->key() == Qt::Key_Escape)
         return orderOut();
     if (isPlayKey(*event) && (event->isAutoRepeat() || m_card->togglePlaying()))
@@ -136,7 +136,7 @@ void PreviewPanel::keyPressEvent(QKeyEvent *event)
 
 bool PreviewPanel::event(QEvent *event)
 {
-    // The mouse, too, stops here.
+    // Mouse events stop here, too.
     if (event->type() == QEvent::Wheel || event->type() == QEvent::ContextMenu) {
         event->accept();
         return true;
@@ -150,7 +150,7 @@ bool PreviewPanel::eventFilter(QObject *watched, QEvent *event)
         setGeometry(parentWidget()->rect().adjusted(0, kTopMargin, 0, 0));
     if (watched == m_card->textView() && event->type() == QEvent::KeyPress) {
         auto *const pressed = static_cast<QKeyEvent *>(event);
-        if (pressed->key() == Qt::Key_Space) { // closes the preview; the text would scroll
+        if (pressed->key() == Qt::Key_Space) { // closes the preview; in the text it would scroll
             keyPressEvent(pressed);
             return true;
         }
@@ -158,7 +158,7 @@ bool PreviewPanel::eventFilter(QObject *watched, QEvent *event)
     return QWidget::eventFilter(watched, event);
 }
 
-/// To the text, where there is one, and back: all else is covered.
+/// The focus goes to the text, where there is one, and back: everything else is covered.
 bool PreviewPanel::focusNextPrevChild(bool)
 {
     QWidget *const text = m_card->textView();
@@ -173,7 +173,7 @@ bool PreviewPanel::focusNextPrevChild(bool)
 
 void PreviewPanel::mousePressEvent(QMouseEvent *event)
 {
-    event->accept(); // not for what is covered
+    event->accept(); // must not reach what is covered
 }
 
 void PreviewPanel::paintEvent(QPaintEvent *)

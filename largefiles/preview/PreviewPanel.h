@@ -13,9 +13,9 @@ class PreviewCard;
 /// Shows what is in the files of its data source, one at a time, over the whole of its parent:
 /// pictures, pages of documents, how texts begin, and an icon with the facts of everything else.
 /// Left and Right page through several items, Page Up and Page Down through the pages of a document
-/// or a text; P plays a film or a sound; Escape and the close button close it; all other keys are
-/// the delegate's. Has the focus while it is shown, and gives it back. Files are read on a thread
-/// of its own. Main thread only.
+/// or a text; P plays a film or a sound; Escape and the close button close it; it hands all other
+/// keys to the delegate. It has the focus while it is shown, and gives it back. Files are read on a
+/// thread of its own. Main thread only.
 class PreviewPanel final : public QWidget
 {
     Q_OBJECT
@@ -32,7 +32,7 @@ public:
         m_delegate = std::move(delegate);
     }
 
-    /// Shows it, with the focus; what it shows comes with reloadData().
+    /// Shows the panel and gives it the focus. Its content comes with reloadData().
     void makeKeyAndOrderFront();
     void orderOut();
     /// Asks the data source anew and shows the first item.
@@ -40,7 +40,7 @@ public:
 
     /// The item that is shown, from 0; -1 while there are none.
     int currentPreviewItemIndex() const { return m_index; }
-    /// What was read of it; nothing while it is being read, or there is no item.
+    /// What was read of that item; nothing while it is being read, or when there is no item.
     const std::optional<PreviewContent> &content() const { return m_content; }
 
 Q_SIGNALS:

@@ -85,7 +85,8 @@ QImage pictureOfFile(const FileReading &reading, const FileUrl &file, QSize pixe
     const int side = qMin(pixels.width(), pixels.height());
     QImage picture = cachedThumbnail(file, device->modified(), side);
     if (picture.isNull()) {
-        // In the cache's size, for all who come after, unless that is too small.
+        // Made in the cache's size, so that later requests can use it, unless that size is too
+        // small.
         const int kept = qMax(cachedSide(side), qMax(pixels.width(), pixels.height()));
         picture = newPicture(*device, file, {kept, kept}, stop);
         if (kept == cachedSide(side))

@@ -19,11 +19,12 @@ struct PictureSize
     QSize pixels() const { return points * scale; }
 };
 
-/// A picture of what is in the file, fitted into the size: what the desktop keeps in its thumbnail
-/// cache, or one of a photograph or a document, or what one of the desktop's thumbnail programs
-/// makes, kept in the cache for the next time. Else the icon of the file's kind, in a square whose
-/// side is the smaller of width and height. Null for no URL, for no size, and after a stop. Bears
-/// the scale. Damaged, huge and odd files cost a few seconds at worst. Any thread but the main one.
+/// A picture of what is in the file, fitted into the size. It is the picture that the desktop keeps
+/// in its thumbnail cache, or one of a photograph or a document, or one that a thumbnail program of
+/// the desktop makes and that is kept in the cache for the next time. Without any of these it is
+/// the icon of the file's kind, in a square whose side is the smaller of width and height. Null for
+/// no URL, for no size, and after a stop. Bears the scale. Damaged, huge and odd files cost a few
+/// seconds at worst. Any thread but the main one.
 QImage imageWithPreviewOfFileAtPath(const FileReading &reading, const FileUrl &file,
                                     PictureSize size, ThumbnailMode mode,
                                     const std::stop_token &stop = {});
@@ -32,5 +33,6 @@ QImage imageWithPreviewOfFileAtPath(const FileReading &reading, const FileUrl &f
 QImage pictureOfFile(const FileReading &reading, const FileUrl &file, QSize pixels,
                      const std::stop_token &stop);
 
-/// The icon of the file's kind, told by its name alone; with the size's smaller side.
+/// The icon of the file's kind, which the file's name alone tells; its side is the size's smaller
+/// side.
 QImage iconOfFile(const FileUrl &file, PictureSize size);

@@ -22,7 +22,7 @@ constexpr std::array<CacheFolder, 4> kFolders{
     {{"normal", 128}, {"large", 256}, {"x-large", 512}, {"xx-large", 1024}}};
 constexpr qint64 kLargestFile = 16LL * 1024 * 1024;
 
-/// Some write the time with a fraction; what counts are its whole seconds.
+/// Some programs write the time with a fraction. Only its whole seconds count.
 bool isOfTime(const QString &text, const QDateTime &modified)
 {
     bool isNumber = false;
@@ -110,7 +110,7 @@ void cacheThumbnail(const FileUrl &file, const QDateTime &modified, QImage pictu
     picture.setText(QStringLiteral("Thumb::URI"), QString::fromLatin1(uri));
     picture.setText(QStringLiteral("Thumb::MTime"), QString::number(modified.toSecsSinceEpoch()));
     picture.setText(QStringLiteral("Software"), QStringLiteral("Vantor"));
-    // Under another name first, so that nobody reads half a picture.
+    // Written under another name first, so that no program reads half a picture.
     QSaveFile output(path);
     if (!output.open(QIODevice::WriteOnly))
         return;

@@ -44,7 +44,7 @@ bool isInstalled(const QString &program)
     return !QStandardPaths::findExecutable(program).isEmpty();
 }
 
-/// All entries; one hides those of its name in the folders after its own.
+/// All entries. An entry hides the entries of the same name in later folders.
 QStringList installedEntries()
 {
     QStringList entries;
@@ -73,8 +73,8 @@ QString filledIn(const QString &argument, const QHash<QChar, QString> &fields)
     return filled;
 }
 
-/// What a program has left there, which need not be a picture, nor of the size it was told, nor a
-/// file at all: to open a pipe may wait for ever.
+/// What a program has left there. It need not be a picture, nor have the size that the program was
+/// told, nor be a file at all: to open a pipe may wait for ever.
 QImage pictureLeftAt(const QString &output, int side)
 {
     const FileDescriptor descriptor(::open(QFile::encodeName(output).constData(),

@@ -16,8 +16,8 @@ struct Thumbnailer
     QStringList mimeTypes;
 };
 
-/// Reads the entry; nothing for one that is none, or whose program is not installed. Any thread but
-/// the main one.
+/// Reads the entry. Nothing when it is not a valid entry, or when its program is not installed. Any
+/// thread but the main one.
 std::optional<Thumbnailer> readThumbnailer(const QString &entry);
 
 /// The installed program for files of this MIME type, by one of its names; the user's own entries
@@ -27,8 +27,8 @@ std::optional<Thumbnailer> thumbnailerFor(const QString &mimeType);
 inline constexpr std::chrono::milliseconds kThumbnailerPatience{8000};
 
 /// Lets the program make a picture of the file, of at most `side` pixels. Null when it fails, takes
-/// longer than its limit, or is stopped: then it has been ended, with all that it started. What it
-/// may use of the machine is limited too. Any thread but the main one.
+/// longer than its limit, or is stopped. It has been ended then, with all that it started. Its use
+/// of the machine is limited too. Any thread but the main one.
 QImage pictureMadeBy(const Thumbnailer &thumbnailer, const FileUrl &file, int side,
                      const std::stop_token &stop,
                      std::chrono::milliseconds patience = kThumbnailerPatience);

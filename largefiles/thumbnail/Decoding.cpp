@@ -8,7 +8,7 @@ namespace {
 
 constexpr qint64 kMostPixels = 200'000'000;
 
-/// Drawings made of text are not among them: such a file may name others to read.
+/// Drawings that are text are not decodable: such a file may name other files to read.
 bool isDecodable(const QByteArray &format)
 {
     static const QList<QByteArray> formats{"bmp", "gif", "icns", "ico",  "jpeg",

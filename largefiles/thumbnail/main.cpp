@@ -4,10 +4,10 @@
 #include <QFile>
 
 // vantor-thumbnail <width> <height> <page>: reads the file that is its standard input, and writes a
-// picture of it that fits into so many pixels to its standard output, as writePicture() does. Of a
-// document the page of this number, from 0. Whoever starts it limits the time and memory it takes.
-// Exits with 0 when there was an answer, be it that there is no picture; with 1 when it cannot be
-// written, with 2 for bad arguments.
+// picture of it that fits into so many pixels to its standard output, as writePicture() does. For a
+// document it writes the page of this number, from 0. The program that starts it limits the time
+// and memory it takes. Exits with 0 when there was an answer, also when the answer is that there is
+// no picture; with 1 when the answer cannot be written, with 2 for bad arguments.
 
 namespace {
 
@@ -29,7 +29,7 @@ int main(int argc, char **argv)
     QFile output;
     if (pixels.isEmpty() || pixels.width() > kLargestSide || pixels.height() > kLargestSide ||
         !input.open(kInput, QIODevice::ReadOnly) ||
-        !input.seek(0) || // it stands wherever the other process has read to
+        !input.seek(0) || // the other process may have read from it
         !output.open(kOutput, QIODevice::WriteOnly))
         return kBadArguments;
     const DecodedPicture picture = decoded(input, arguments.value(3).toInt(), pixels);
