@@ -15,7 +15,7 @@ QString FileIconNames::imageName(const QByteArray &fileName)
     return QStringLiteral("document");
 }
 
-/// All that are wanted, since this takes the place of an earlier look-up.
+/// Looks up all endings that are wanted, because this look-up replaces an earlier one.
 void FileIconNames::lookUp()
 {
     m_job.run([this, wanted = m_wanted](const std::stop_token &stop) -> BackgroundReply {

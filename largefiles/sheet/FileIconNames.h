@@ -19,7 +19,7 @@ public:
     QString imageName(const QByteArray &fileName);
 
 Q_SIGNALS:
-    /// Endings that were asked for are known by now.
+    /// Endings that were asked for are known now.
     void namesChanged();
 
 private:

@@ -125,8 +125,8 @@ bool FileTableCellView::release(QPoint position)
     return true;
 }
 
-/// A button is pressed without its row being selected. A press that has begun on a button stays
-/// with it until the mouse is let go, also when its row goes meanwhile.
+/// Pressing a button does not select its row. A press that began on a button belongs to it until
+/// the mouse button is released, even when its row is removed meanwhile.
 bool FileTableCellView::eventFilter(QObject *watched, QEvent *event)
 {
     const auto type = event->type();

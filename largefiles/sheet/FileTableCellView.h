@@ -51,6 +51,6 @@ private:
     QTableView &m_table;
     TextRun m_addedAttributes;
     TextRun m_unaddedAttributes;
-    QPersistentModelIndex m_held; ///< whose button the mouse went down on
-    bool m_isPressed = false;     ///< and is still over it
+    QPersistentModelIndex m_held; ///< the row on whose button the mouse went down
+    bool m_isPressed = false;     ///< whether the mouse is still over it
 };

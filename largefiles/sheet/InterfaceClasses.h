@@ -2,6 +2,6 @@
 
 class InterfaceLoader;
 
-/// Tells the loader the widget classes that the interface description of this folder names, but for
+/// Tells the loader the widget classes that the interface description of this folder names, except
 /// those of widgets/.
 void registerLargeFilesClasses(InterfaceLoader &loader);

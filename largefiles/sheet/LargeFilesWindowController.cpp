@@ -33,7 +33,7 @@ TextRun withText(TextRun style, const QString &text)
     return style;
 }
 
-/// Of several, the one that the user came to last; -1 for none.
+/// The selected row. Of several it is the one that the user came to last; -1 for none.
 int selectedRow(const QuickLookTableView &table)
 {
     const QList<int> rows = table.selectedRows();
@@ -168,7 +168,7 @@ void LargeFilesWindowController::reloadLabels()
         {withText(titleStyle(kButtonTitleSize, kGreen), tr("Add %1").arg(sizeString()))});
 }
 
-/// In the style that the title has.
+/// Keeps the style that the title has.
 void LargeFilesWindowController::showTotal()
 {
     const TextRun *const style = m_addButton->attributedTitle().firstRun();
@@ -182,7 +182,7 @@ void LargeFilesWindowController::showStatus()
         return;
     m_statusLabel->setText(m_status.text(m_array.rowCount()));
     m_statusLabel->setToolTip(plainToolTip(m_status.details()));
-    m_statusLabel->setAccessibleDescription(m_status.details()); // else it were the markup
+    m_statusLabel->setAccessibleDescription(m_status.details()); // or it would be the markup
     m_tableView->setEmptyText(m_status.emptyText());
 }
 
@@ -196,7 +196,7 @@ void LargeFilesWindowController::tableViewSelectionDidChange()
     m_preview.selectionDidChange();
 }
 
-/// What there is to do while no file is selected.
+/// What the user can do while no file is selected.
 QString LargeFilesWindowController::hint() const
 {
     return m_array.rowCount() > 0 ? tr("Click a size to pick the file.\n\n"
@@ -209,7 +209,7 @@ void LargeFilesWindowController::addButtonPressed(int row)
     m_array.toggle(row);
 }
 
-/// All the same way: picks them, unless all are picked.
+/// Treats all of them the same way: picks them, or drops them when all are picked.
 void LargeFilesWindowController::toggleSelectedRows()
 {
     const QList<int> rows = m_tableView->selectedRows();

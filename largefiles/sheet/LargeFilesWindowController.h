@@ -74,9 +74,9 @@ public Q_SLOTS:
     void addButtonPressed(int row);
     /// Ends the sheet; the cancel button drops all picks before.
     void dismissPanel(QAbstractButton *sender);
-    /// As the cancel button does.
+    /// Does what the cancel button does.
     void cancel();
-    /// The menu's: shows the row that the menu is for in the file manager.
+    /// The menu's action: shows the file of the menu's row in the file manager.
     void showInFinder();
 
 Q_SIGNALS:

@@ -46,7 +46,7 @@ void QuickLookTableView::setUpLook()
     setPalette(colours);
     horizontalHeader()->hide();
     horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
-    // One height for all, so that no row is ever measured.
+    // One height for all rows, so that no row is ever measured.
     verticalHeader()->hide();
     verticalHeader()->setMinimumSectionSize(kRowHeight);
     verticalHeader()->setDefaultSectionSize(kRowHeight);
@@ -58,7 +58,7 @@ void QuickLookTableView::setModel(QAbstractItemModel *model)
     QTableView::setModel(model);
     connect(selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &QuickLookTableView::selectionDidChange);
-    // A reset forgets the selection without a word.
+    // A reset clears the selection without a signal.
     connect(model, &QAbstractItemModel::modelReset, this, &QuickLookTableView::selectionDidChange);
 }
 
@@ -66,7 +66,7 @@ QList<int> QuickLookTableView::selectedRows() const
 {
     QList<int> rows;
     if (selectionModel()) {
-        // Not row by row, which would ask the model about each of very many.
+        // Not row by row: that would ask the model about each of very many rows.
         for (const QItemSelectionRange &range : selectionModel()->selection()) {
             for (int row = range.top(); row <= range.bottom(); ++row)
                 rows.append(row);
@@ -98,13 +98,13 @@ void QuickLookTableView::keyPressEvent(QKeyEvent *event)
     if (event->key() == Qt::Key_Down && selectedRows().isEmpty() && model() &&
         model()->rowCount() > 0) {
         event->accept();
-        selectRow(0); // whatever row was current when the list filled
+        selectRow(0); // whichever row was current when the list filled
         return;
     }
     QTableView::keyPressEvent(event);
 }
 
-/// The right button asks for the menu; what is selected stays.
+/// The right button asks for the menu; the selection stays.
 void QuickLookTableView::mousePressEvent(QMouseEvent *event)
 {
     if (event->button() == Qt::RightButton)

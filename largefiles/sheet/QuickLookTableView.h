@@ -7,9 +7,9 @@
 #include <QPointer>
 #include <QTableView>
 
-/// A table of files, one column without headers. The space bar asks the delegate for a preview,
-/// Enter for what a row's button does. The context menu is that of the row under the pointer,
-/// whichever rows are selected; beside the rows there is none. Main thread only.
+/// A table of files, one column without headers. The space bar asks the delegate for a preview.
+/// Enter asks for what a row's button does. The context menu belongs to the row under the pointer,
+/// whichever rows are selected; beside the rows there is no menu. Main thread only.
 class QuickLookTableView final : public QTableView
 {
     Q_OBJECT
@@ -24,14 +24,14 @@ public:
     }
 
     QMenu *menu() const { return m_menu; }
-    /// The context menu, with at least one item; stays its owner's.
+    /// Sets the context menu, which has at least one item. Its owner keeps it.
     void setMenu(QMenu *menu) { m_menu = menu; }
 
-    /// The menu for a place in the viewport: its first item bears the row there, a
-    /// QPersistentModelIndex, as its data. Null where there is no row.
+    /// The menu for a position in the viewport. The data of its first item is the row there, as a
+    /// QPersistentModelIndex. Null where there is no row.
     QMenu *menuForEvent(QPoint position);
 
-    /// As if the key had been pressed in the table.
+    /// Acts as if the key had been pressed in the table.
     void keyDown(QKeyEvent *event) { keyPressEvent(event); }
 
     /// The selected rows, from top to bottom.
@@ -39,14 +39,14 @@ public:
 
     void setModel(QAbstractItemModel *model) override;
 
-    /// What stands in the middle while there are no rows.
+    /// Sets the text that stands in the middle while there are no rows.
     void setEmptyText(const QString &text);
     QString emptyText() const { return m_emptyText; }
 
 Q_SIGNALS:
     /// Enter was pressed while rows are selected.
     void togglePressed();
-    /// Other rows are selected, or none; rows that go take their selection with them.
+    /// Other rows are selected, or none. A row that is removed leaves the selection.
     void selectionDidChange();
 
 protected:

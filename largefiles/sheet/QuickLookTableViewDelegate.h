@@ -4,13 +4,13 @@
 
 class QuickLookTableView;
 
-/// Whom a table tells that its rows should be previewed.
+/// A table tells its delegate that its rows should be previewed.
 class QuickLookTableViewDelegate : public WeaklyReferable
 {
 public:
     virtual ~QuickLookTableViewDelegate() = default;
 
     /// The space bar was pressed in the table. False when that means nothing to the delegate; the
-    /// table then goes by the key itself.
+    /// table then handles the key itself.
     virtual bool didPressSpacebarForTableView(QuickLookTableView &) { return false; }
 };

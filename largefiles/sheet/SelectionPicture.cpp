@@ -49,7 +49,7 @@ void SelectionPicture::showFile(const File &file)
     const FileUrl url = file.fileURL();
     const PictureSize size{m_label->size(), m_label->devicePixelRatioF()};
     m_label->setAccessibleName(tr("Picture of %1").arg(file.name()));
-    m_label->setAlignment(Qt::AlignHCenter | Qt::AlignBottom); // on the name of its folder
+    m_label->setAlignment(Qt::AlignHCenter | Qt::AlignBottom); // right above the name of its folder
     m_label->setPixmap(
         imageNamed(m_icons.imageName(url.lastPathComponent()), size.scale, size.points));
     m_placeLabel->setText(m_placeLabel->fontMetrics().elidedText(

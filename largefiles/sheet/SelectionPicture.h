@@ -9,9 +9,9 @@
 class FileIconNames;
 class QLabel;
 
-/// The picture of the selected file, above the name of the folder that it lies in; where no file is
-/// selected, a hint at what there is to do. The file's icon is shown at once, and then what its
-/// content gives, which is read on a thread of its own.
+/// Shows the picture of the selected file above the name of the folder that it lies in. Where no
+/// file is selected, it shows a hint at what there is to do. The file's icon is shown at once. A
+/// picture of the file's content follows, which is read on a thread of its own.
 ///
 /// Owned by the sheet. Main thread only.
 class SelectionPicture final : public QObject
@@ -22,7 +22,8 @@ public:
     /// Folders are named from `home` on. The icons' names must outlive it.
     SelectionPicture(FileReading reading, FileIconNames &icons, FileUrl home);
 
-    /// Where it shows them; to be told before all else, and must outlive its use.
+    /// Sets the labels that show them. Call this before all else; the labels must outlive this
+    /// object's use.
     void setLabels(QLabel &picture, QLabel &place);
     QLabel *label() const { return m_label; }
 

@@ -10,7 +10,7 @@ class LargeFileList;
 class PreviewPanel;
 
 /// Shows the selected files of a table in a preview panel: the table's space bar opens and closes
-/// it, and the keys that the panel has no use for are the table's.
+/// it, and the keys that the panel has no use for go to the table.
 ///
 /// Owned by the sheet. Main thread only.
 class SelectionPreview final : public QObject,
@@ -24,15 +24,16 @@ public:
     /// The table's files, row by row; must outlive it.
     SelectionPreview(FileReading reading, const LargeFileList &files);
 
-    /// The table, whose delegate it becomes, and what the panel covers; to be told once.
+    /// Sets the table, whose delegate this becomes, and the widget that the panel covers. Call it
+    /// once.
     void setTable(QuickLookTableView &table, QWidget &covered);
 
     /// Null until it was first asked for.
     PreviewPanel *panel() const { return m_panel; }
 
-    /// Fills any panel that there is.
+    /// True: fills every panel.
     bool acceptsPreviewPanelControl(PreviewPanel &) const { return true; }
-    /// The panel shows the selected files, and hands its keys on, from now until the end.
+    /// From now until the end the panel shows the selected files and hands its keys on.
     void beginPreviewPanelControl(PreviewPanel &panel);
     void endPreviewPanelControl(PreviewPanel &panel);
 
@@ -52,5 +53,5 @@ private:
     const LargeFileList &m_files;
     QuickLookTableView *m_table = nullptr;
     QWidget *m_covered = nullptr;
-    PreviewPanel *m_panel = nullptr; ///< the covered widget's
+    PreviewPanel *m_panel = nullptr; ///< owned by the covered widget
 };

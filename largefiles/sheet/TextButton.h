@@ -4,8 +4,8 @@
 
 #include <QPushButton>
 
-/// A push button that is its styled title alone, with a ground while the pointer is over it or it
-/// has the focus. Main thread only.
+/// A push button that is its styled title alone, with a background while the pointer is over it or
+/// it has the focus. Main thread only.
 class TextButton final : public QPushButton
 {
     Q_OBJECT
@@ -21,7 +21,7 @@ public:
 
 protected:
     void paintEvent(QPaintEvent *event) override;
-    /// Enter presses the button that has the focus, whatever the default is: whoever has gone to
+    /// Enter presses the button that has the focus, whatever the default is: a user who has gone to
     /// "Cancel" means it.
     void keyPressEvent(QKeyEvent *event) override;
 
