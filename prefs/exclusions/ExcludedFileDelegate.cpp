@@ -38,7 +38,7 @@ void paintGround(QPainter &painter, const QStyleOptionViewItem &option, int colu
     accent.setAlphaF(option.state & QStyle::State_Active ? kSelectionAlpha : kSelectionAlpha / 2);
     const bool isFirst = column == 0;
     const bool isLast = column == ExcludedFilesModel::ColumnCount - 1;
-    const int beyond = option.rect.width(); // where the neighbour goes on, nothing is round
+    const int beyond = option.rect.width(); // nothing is round on a side where the row goes on
     painter.setClipRect(option.rect);
     painter.setPen(Qt::NoPen);
     painter.setBrush(accent);

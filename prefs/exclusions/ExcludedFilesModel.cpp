@@ -8,7 +8,7 @@
 
 namespace {
 
-/// A tool tip that looks like marked-up text would be read as such: a name must not.
+/// A tool tip that looks like marked-up text would be shown as such. A name must not.
 QString plainToolTip(const QString &text)
 {
     return QStringLiteral("<qt>%1</qt>").arg(text.toHtmlEscaped());

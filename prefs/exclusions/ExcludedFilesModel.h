@@ -4,7 +4,7 @@
 
 #include <QAbstractTableModel>
 
-/// The excluded files and folders as a table: icon, name and place in one column, the size in the
+/// The excluded files and folders as a table: icon, name and folder in one column, the size in the
 /// other. Sizes and icons come in the background. An entry of the settings that cannot be read
 /// stays in its row, word for word, until the user removes it. Main thread only.
 class ExcludedFilesModel final : public QAbstractTableModel
@@ -36,13 +36,13 @@ public:
     const std::shared_ptr<File> &fileAt(int row) const { return m_rows.at(row).file; }
 
     void append(const FileUrls &urls);
-    /// Takes each path as a file's at once, so that it is kept from now on, and finds out in the
-    /// background which are folders.
+    /// Takes each path at once as the path of a file, so that it is excluded from now on, and finds
+    /// out in the background which ones are folders.
     void appendPaths(const QList<QByteArray> &paths);
     /// Rows may come in any order.
     void remove(QList<int> rows);
 
-    /// Finds out anew which entries are there.
+    /// Finds out again which entries are there.
     void lookAgain();
 
 Q_SIGNALS:
@@ -55,7 +55,7 @@ private:
         std::shared_ptr<File> file = {};
         std::optional<QString> unreadable = {}; ///< a stored string that is no URL
         FileFacts facts = {};
-        bool hasNoSize = false;    ///< nobody may measure now
+        bool hasNoSize = false;    ///< it may not be measured now
         bool isOfOpenKind = false; ///< may still turn out to be a folder
     };
 

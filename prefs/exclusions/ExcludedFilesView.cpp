@@ -133,7 +133,7 @@ void ExcludedFilesView::paintHint(QPainter &painter) const
 
 namespace {
 
-/// Some programs leave letters beyond ASCII as they are: the very bytes of the name.
+/// Some programs do not escape letters beyond ASCII: they give the bytes of the name as they are.
 QByteArray escaped(const QByteArray &text)
 {
     QByteArray result;

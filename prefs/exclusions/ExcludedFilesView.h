@@ -10,7 +10,7 @@ class ExcludedFilesView final : public QTableView
     Q_OBJECT
 
 public:
-    /// Which paths may be dropped; raw bytes. No file system in it.
+    /// Says which paths may be dropped; raw bytes. It does not use the file system.
     using Rule = std::function<bool(const QByteArray &path)>;
 
     explicit ExcludedFilesView(QWidget *parent = nullptr);

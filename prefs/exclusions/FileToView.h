@@ -10,7 +10,7 @@
 
 class SystemCalls;
 
-/// What a look at a path tells, without going into it.
+/// What a look at a path finds out, without entering it.
 struct FileFacts
 {
     enum class Presence { Unknown, Present, Missing };
@@ -21,16 +21,16 @@ struct FileFacts
 };
 
 /// Finds out in the background what a table shows of a file. Answers come on the main thread, from
-/// the event loop, and never after this is gone. A disk that does not answer holds up no end of
-/// this, nor of the program. Main thread only.
+/// the event loop, and never after this is gone. A disk that does not answer delays neither the end
+/// of this object nor the end of the program. Main thread only.
 class FileToView final : public QObject
 {
     Q_OBJECT
 
 public:
-    /// The right to work below the granted folder; null while there is none. Asked on the threads
-    /// that do the work, because the answer may wait for a disk; what it uses lives as long as the
-    /// program.
+    /// Gives the right to work below the granted folder; null while there is none. It is asked on
+    /// the threads that do the work, because the answer may wait for a disk. What it uses lives as
+    /// long as the program.
     using AccessSource = std::function<FileAccess *()>;
 
     /// The calls live as long as the program.
@@ -39,11 +39,11 @@ public:
     ~FileToView() override;
 
     /// Measures the file as cleaning would count it and then sets its size and its size text. A
-    /// measurement of this record that is under way serves this call too. Without access the
-    /// record stays as it is and the completion comes all the same.
+    /// measurement of this file that is under way serves this call too. Without access the file
+    /// stays as it is, and the completion is still called.
     void prepareFileForDisplay(const std::shared_ptr<File> &file, std::function<void()> completion);
 
-    /// Ends a measurement: the record stays as it is, its completions do not come.
+    /// Ends a measurement: the file stays as it is, and its completions are not called.
     void cancel(const File &file);
 
     /// One answer for each path, in order.

@@ -29,7 +29,7 @@ void PreferencesWindowController::windowDidLoad()
     connectOutlets();
     addKeys();
     showDamage();
-    // Else the program would go on without its main window.
+    // Otherwise the program would go on without its main window.
     window()->setAttribute(Qt::WA_QuitOnClose, false);
     window()->installEventFilter(this);
     if (m_services.defaults.contains(VNTExcludedPathsString))
@@ -71,7 +71,7 @@ void PreferencesWindowController::addKeys()
         connect(new QShortcut(key, window()), &QShortcut::activated, window(), &QWidget::close);
 }
 
-/// While nobody knows what the user wants excluded, the list asks to be looked at.
+/// While it is unknown what the user wants excluded, the list asks the user to look at it.
 void PreferencesWindowController::showDamage()
 {
     QWidget &interface = *window();
@@ -147,7 +147,7 @@ void PreferencesWindowController::remove()
     const int first = *std::min_element(rows.begin(), rows.end());
     m_model.remove(rows);
     m_tableView->clearSelection();
-    m_tableView->selectRow(first); // none, where that was the last
+    m_tableView->selectRow(first); // none, if that was the last row
     saveURLs();
 }
 

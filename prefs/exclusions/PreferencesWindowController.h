@@ -34,8 +34,8 @@ public:
     QList<std::shared_ptr<File>> array() const;
     ExcludedFilesView *tableView() const { return m_tableView; }
 
-    /// The folder inside which entries may be chosen. While there is none, all may be: an exclusion
-    /// can do no harm.
+    /// The folder inside which entries may be chosen. While there is none, all entries may be
+    /// chosen: an exclusion can do no harm.
     FileUrl homeFolder() const { return m_homeFolder; }
     void setHomeFolder(const FileUrl &folder) { m_homeFolder = folder; }
 
@@ -53,7 +53,7 @@ public Q_SLOTS:
     void add();
     /// Removes the selected entries.
     void remove();
-    /// Adds what may be chosen of these, and says what may not.
+    /// Adds those of the paths that may be chosen, and says which may not.
     void addPaths(const QList<QByteArray> &paths);
 
 protected:
