@@ -4,9 +4,9 @@
 
 #include <QLabel>
 
-/// The text of a message popover: as a label to a screen reader, painted with the lines that the
-/// popover was measured by. The lines stand in the middle of the field, which is wider than they
-/// are.
+/// The text of a message popover: a screen reader sees a label, which is painted with the same
+/// lines by which the popover was measured. The lines stand in the middle of the field, which is
+/// wider than they are.
 class MessageField final : public QLabel
 {
     Q_OBJECT

@@ -30,7 +30,8 @@ std::unique_ptr<COICOPopoverView> contentView(const AttributedText &text,
     return view;
 }
 
-/// Has a screen reader speak the message: it takes the keyboard without a focused control.
+/// Makes a screen reader speak the message: the popover takes the keyboard without a focused
+/// control.
 void announce(Popover &popover, const QString &message)
 {
     popover.setAccessibleName(message);

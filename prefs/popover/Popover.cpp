@@ -13,8 +13,8 @@ namespace {
 
 constexpr std::chrono::milliseconds kFade{120};
 
-/// The room that a popover may take: its window's, as far as it is on the screen. A window that is
-/// smaller than the popover lends it the screen.
+/// The room that a popover may take: its window's, as far as it is on the screen. When the window
+/// is smaller than the popover, the room is that of the screen.
 QRect boundsFor(QSize body, const QWidget &window)
 {
     const QRect screen = window.screen()->availableGeometry();
@@ -78,8 +78,8 @@ void Popover::place(const PopoverPlacement &onScreen)
 void Popover::closeWith(QWidget &view)
 {
     connect(&view, &QObject::destroyed, this, &QWidget::close);
-    // Not with the view itself: a button that follows the pointer hides when the pointer leaves for
-    // the popover.
+    // The popover does not close when the view itself hides: a button that follows the pointer
+    // hides when the pointer leaves it for the popover.
     m_page = view.parentWidget();
     if (m_page)
         m_page->installEventFilter(this);

@@ -9,16 +9,16 @@
 class COICOPopoverView;
 class PopoverFrameView;
 
-/// A small window with an arrow that points at a place of a view. It closes and deletes itself
-/// when the user clicks outside it or presses Escape, when the view is deleted, when the page that
-/// holds it hides, and when its window closes, moves or changes its size. One is open at a time.
-/// Main thread.
+/// A small window with an arrow that points at a place of a view. The popover closes and deletes
+/// itself when the user clicks outside it or presses Escape, when the view is deleted, when the
+/// page that holds it hides, and when its window closes, moves or changes its size. Only one is
+/// open at a time. Main thread.
 class Popover final : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// The content has its final size. Belongs to the window that it will point into.
+    /// The content has its final size. The popover belongs to the window that it will point into.
     Popover(std::unique_ptr<COICOPopoverView> content, QWidget *window);
 
     COICOPopoverView &content() const;

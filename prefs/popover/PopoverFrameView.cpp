@@ -14,8 +14,8 @@ constexpr int kEdge = 1;
 constexpr QColor kEdgeColour(0, 0, 0, 30);
 constexpr QColor kLoneEdgeColour(176, 180, 186); // where no shadow helps
 
-/// Many faint strokes of growing width, ever fewer further out: dark at the outline, gone at the
-/// reach.
+/// Many faint strokes of growing width. Fewer of them reach further out, so the shadow is dark at
+/// the outline and gone at the reach.
 void paintShadow(QPainter &painter, const QPainterPath &outline)
 {
     painter.save();

@@ -22,11 +22,11 @@ public:
     /// Whether there is room for a shadow around the outline.
     void setHasShadow(bool hasShadow) { m_hasShadow = hasShadow; }
 
-    /// Takes the size that the placement needs and lays the content out. The answer is where its
-    /// upper left belongs, in the placement's coordinates.
+    /// Takes the size that the placement needs and lays the content out. Returns where the view's
+    /// upper left corner belongs, in the placement's coordinates.
     QPoint place(const PopoverPlacement &placement);
 
-    /// All that is painted but the shadow.
+    /// Everything that is painted except the shadow.
     QPainterPath shape() const;
 
     /// The placement in its own coordinates.

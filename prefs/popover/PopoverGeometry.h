@@ -14,8 +14,8 @@ struct PopoverGeometry
     static PopoverGeometry forText(QSizeF text);
 };
 
-/// Where a popover stands: at which edge of its anchor, and what its arrow points at. In the
-/// coordinates of the anchor that was given.
+/// Where a popover stands: at which edge of its anchor, and where its arrow points. In the
+/// coordinates of the given anchor.
 struct PopoverPlacement
 {
     Qt::Edge edge = Qt::BottomEdge; ///< the anchor's edge that it stands at

@@ -14,8 +14,8 @@ namespace {
 constexpr int kTextSize = 14;
 constexpr double kPageMargin = 24;
 
-/// Takes its pictures as drawings: read as pictures they would be blurred on a fine screen. Has the
-/// page's own styles alone: the style sheet beside it is for the web view.
+/// Loads its pictures as drawings: as pixels they would be blurred on a fine screen. Uses only the
+/// page's own styles: the style sheet beside the page is for the web view.
 class Browser final : public QTextBrowser
 {
 public:

@@ -22,7 +22,8 @@ public:
     virtual QWidget *makeView(const QUrl &page, TutorialMotion motion,
                               std::function<void(bool isShown)> ended, QWidget *parent) = 0;
 
-    /// Ends everything that the views have started. Before the application object goes.
+    /// Ends everything that the views have started. Call it before the application object is
+    /// destroyed.
     virtual void shutDown() = 0;
 };
 

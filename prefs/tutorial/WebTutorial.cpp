@@ -14,7 +14,7 @@
 WebTutorialFiles WebTutorialFiles::ofTheProgramIn(const QString &folder)
 {
     for (const QString &place : {folder, folder + QStringLiteral("/../lib/vantor")}) {
-        // The loader knows how libraries are called on this system.
+        // The loader knows how libraries are named on this system.
         const QString plugin = QPluginLoader(place + QStringLiteral("/vantor-tutorial")).fileName();
         if (!plugin.isEmpty())
             return {.plugin = plugin, .probe = place + QStringLiteral("/vantor-tutorial-probe")};
@@ -43,7 +43,7 @@ WebTutorial::~WebTutorial()
     QAccessible::removeActivationObserver(this);
     m_probe.disconnect(this);
     m_probe.kill();
-    m_probe.waitForFinished(); // a killed process is only waited for until it is taken down
+    m_probe.waitForFinished(); // waits only until the killed process is taken down
     for (const QPointer<QWidget> &view : m_views)
         delete view;
     if (m_engine)
@@ -72,7 +72,8 @@ void WebTutorial::probe()
 {
     if (m_files.plugin.isEmpty())
         return endProbe(false, "it is not installed");
-    // Without it the engine crashes at its start; that it need not be valid is known.
+    // Without a shared context the engine crashes at its start. It is known that the context need
+    // not be valid.
     if (!QOpenGLContext::globalShareContext())
         return endProbe(false, "the program was started without it");
     QTimer::singleShot(m_files.limit, &m_probe, &QProcess::kill);
@@ -91,7 +92,7 @@ void WebTutorial::endProbe(bool isUsable, const char *reason)
 TutorialEngine *WebTutorial::engine()
 {
     if (!m_engine && m_isUsable) {
-        // Never unloaded: the engine does not bear it.
+        // Never unloaded: the engine does not survive that.
         QPluginLoader loader(m_files.plugin);
         m_engine = qobject_cast<TutorialEngine *>(loader.instance());
         if (!m_engine)

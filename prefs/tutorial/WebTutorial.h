@@ -16,18 +16,19 @@ struct WebTutorialFiles
     QString probe;                                              ///< vantor-tutorial-probe
     std::chrono::milliseconds limit = std::chrono::seconds(15); ///< of the probe's run
 
-    /// Those in the program's folder, where they are built, else those in ../lib/vantor.
+    /// The files in the program's folder, where they are built, or else those in ../lib/vantor.
     static WebTutorialFiles
     ofTheProgramIn(const QString &folder = QCoreApplication::applicationDirPath());
 };
 
 /// Decides whether the tutorial is shown by the web engine, and loads the engine when it is.
 ///
-/// Where the engine cannot start it ends its whole process: without a sandbox, without its own
-/// files, with a graphics driver that it does not bear. So it is started here only after a small
-/// program has started it likewise in a process of its own, and come to a good end. Until that is
-/// known, and when it failed, the views show rich text. They also do for a screen reader, which the
-/// engine tells nothing unless it was started for one.
+/// Where the engine cannot start, it ends its whole process: without a sandbox, without its own
+/// files, or with a graphics driver that it does not work with. So this starts the engine only
+/// after a small program has started it in the same way, in a process of its own, and has ended
+/// well. Until that is known, and when it failed, the views show rich text. They also show rich
+/// text for a screen reader: the engine tells a screen reader nothing unless it was started for
+/// one.
 ///
 /// Made after the application object and destroyed before it, but after every view. Main thread
 /// only.
@@ -42,10 +43,11 @@ public:
     /// Whether the settings in this folder leave the tutorial to be shown.
     static bool mayBeShown(const QString &settingsFolder);
 
-    /// Asks for what the engine needs of the application object; before that is made.
+    /// Requests what the engine needs of the application object. Call it before that object is
+    /// made.
     static void prepareApplication();
 
-    /// Begins to find out whether the engine starts here; probed() follows. Once.
+    /// Begins to find out whether the engine starts here; probed() follows. Call it once.
     void probe();
 
     bool isUsable() const { return m_isUsable; }

@@ -44,7 +44,7 @@ void WebTutorialView::showText()
     const bool hadFocus = m_webView && m_webView->isAncestorOf(window()->focusWidget());
     if (m_webView) {
         m_webView->hide();
-        m_webView->deleteLater(); // it may be what calls
+        m_webView->deleteLater(); // it may be the caller
         m_webView.clear();
     }
     if (!m_textView) {

@@ -6,8 +6,8 @@
 
 class WebTutorial;
 
-/// The tutorial shown by the web engine where that is usable, and as rich text where it is not,
-/// where it fails meanwhile, and for screen readers. Main thread.
+/// Shows the tutorial with the web engine where that is usable. Shows it as rich text where the
+/// engine is not usable or fails meanwhile, and for screen readers. Main thread.
 class WebTutorialView final : public TutorialView
 {
     Q_OBJECT
@@ -18,7 +18,7 @@ public:
 
     void load(const QUrl &page) override;
 
-    /// Whether it is the engine that shows the page.
+    /// Whether the engine shows the page.
     bool isWeb() const { return m_webView; }
 
 Q_SIGNALS:

@@ -112,7 +112,8 @@ void ColorWindow::layOut()
     m_minimizeButton->setGeometry(flipped(geometry.minimizeButton, frame.height()));
     const int right = frame.width() - m_closeButton->x() - m_menuButton->width();
     m_menuButton->move(right, m_closeButton->y());
-    // Until it was seen. From then on it keeps its width and its distance from the upper left.
+    // Only until the window was seen. From then on the title keeps its width and its distance from
+    // the upper left.
     if (!m_wasShown)
         m_titleField->setGeometry(flipped(geometry.titleField, frame.height()));
     if (m_childContentView)
@@ -207,7 +208,7 @@ void ColorWindow::changeEvent(QEvent *event)
     }
 }
 
-// What no view in the window wanted: the background.
+// Gets what no view in the window wanted: presses on the background.
 void ColorWindow::mousePressEvent(QMouseEvent *event)
 {
     if (m_canMove && event->button() == Qt::LeftButton)

@@ -31,13 +31,13 @@ public:
     QWidget *contentView() const { return m_childContentView; }
 
     /// The window takes the view and lays it inside its frame; the first call also builds the
-    /// frame's buttons and title. A former content view is taken out and is the caller's again,
-    /// without parent. The same view again changes nothing.
+    /// frame's buttons and title. A former content view is taken out: it has no parent then and
+    /// belongs to the caller again. Setting the same view again changes nothing.
     void setContentView(QWidget *view);
 
     /// Shows the bar's actions behind a button at the right of the title band (F10 opens it too);
-    /// their shortcuts work as in a bar that is seen. Takes the bar. Where the desktop shows menu
-    /// bars itself, it does.
+    /// their shortcuts work as in a visible bar. Takes the bar. Where the desktop shows menu bars
+    /// itself, the desktop shows this one.
     void setMenuBar(QMenuBar *bar);
 
     /// How an interface description's reader adds the root's children.
@@ -58,9 +58,9 @@ public:
     bool canMove() const { return m_canMove; }
     void setCanMove(bool canMove) { m_canMove = canMove; }
 
-    /// Whether it draws a soft shadow around its frame; unless set, as the desktop allows. Its
-    /// sizes are the frame's until it is shown, then the shadow's room comes on top. Before it is
-    /// shown.
+    /// Sets whether the window draws a soft shadow around its frame; unless this is set, the
+    /// desktop decides. The window's sizes are the frame's until it is shown; then the shadow's
+    /// room is added. Call this before the window is shown.
     void setHasShadow(bool hasShadow) { m_shadow.setIsWanted(hasShadow); }
 
     QSize sizeHint() const override;

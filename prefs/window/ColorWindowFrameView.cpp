@@ -7,7 +7,7 @@ namespace {
 
 constexpr double kCornerRadius = 5;
 constexpr float kWhiteAlpha = 0.95F;
-// Without a shadow of the desktop's, white on white would have no edge.
+// Without a shadow from the desktop, white on white would have no edge.
 constexpr QColor kEdgeColour(0, 0, 0, 40);
 constexpr QColor kHardEdgeColour(176, 180, 186);
 
@@ -41,7 +41,7 @@ void ColorWindowFrameView::paintEvent(QPaintEvent *event)
 {
     QPainter painter(this);
     painter.setCompositionMode(QPainter::CompositionMode_Source);
-    // What is only half inside the shape would be half black where nothing is blended.
+    // Where nothing is blended, pixels that lie only half inside the shape would be half black.
     painter.fillRect(event->rect(), m_isBlended ? Qt::transparent : Qt::white);
     painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
     painter.setRenderHint(QPainter::Antialiasing);

@@ -17,7 +17,7 @@ public:
 
     void setCorners(FrameCorners corners);
 
-    /// Where the desktop does not blend windows there is no "nearly".
+    /// Where the desktop does not blend windows, the white is fully opaque.
     void setIsBlended(bool isBlended);
 
     /// The white shape, in the view's coordinates.

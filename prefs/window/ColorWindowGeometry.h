@@ -11,7 +11,8 @@ struct ColorWindowGeometry
     QRectF minimizeButton;
     QRectF titleField;
 
-    /// For a window of this size. A window without buttons of its own has empty ones.
+    /// For a window of this size. For a window without buttons of its own, the buttons' rectangles
+    /// are empty.
     static ColorWindowGeometry make(QSizeF frame, QSizeF closeButton, QSizeF minimizeButton);
 };
 

@@ -18,13 +18,13 @@ public:
     bool isWanted() const { return m_isWanted; }
     void setIsWanted(bool isWanted) { m_isWanted = isWanted; }
 
-    /// What it takes of the window now.
+    /// The room that it takes of the window now.
     QMargins margins() const;
 
-    /// All sizes of the window that were set until now are the frame's; from now on they are the
-    /// window's, with the shadow around the frame.
+    /// The window's sizes that were set until now are the frame's. From now on they are the
+    /// window's: they include the shadow around the frame.
     void makeRoom();
-    /// Tells the desktop of it, if it is wanted.
+    /// Tells the desktop about the shadow, if a shadow is wanted.
     void announce() const;
     void paint() const;
 

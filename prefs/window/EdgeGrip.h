@@ -2,8 +2,8 @@
 
 #include <QWidget>
 
-/// A strip along an edge (or a square in a corner) of its parent, by which the parent's window is
-/// resized. Not seen; shows itself by the pointer's shape. Main thread.
+/// A strip along an edge (or a square in a corner) of its parent, by which the user resizes the
+/// parent's window. It is invisible; only the pointer's shape shows it. Main thread.
 class EdgeGrip final : public QWidget
 {
     Q_OBJECT
@@ -15,7 +15,7 @@ public:
     void place(QSize parent);
 
 Q_SIGNALS:
-    /// The user took hold at this place of the screen: the window shall follow the pointer with
+    /// The user took hold at this position on the screen: the window shall follow the pointer with
     /// these edges.
     void pressed(QPoint pointer, Qt::Edges edges);
 

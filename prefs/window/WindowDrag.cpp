@@ -6,7 +6,7 @@
 
 namespace {
 
-/// The window's size after the pointer took these edges so far along.
+/// The window's size after the pointer moved these edges this far.
 QSize sizeAfter(QSize size, Qt::Edges edges, QPoint way)
 {
     if (edges.testFlag(Qt::LeftEdge))

@@ -12,10 +12,11 @@ class WindowDrag final
 public:
     explicit WindowDrag(QWidget &window) : m_window(window) {}
 
-    /// The pointer took hold, at a place of the screen: of these edges, or of none to move.
+    /// The pointer took hold at a position on the screen: of these edges, or of no edge to move the
+    /// window.
     void press(QPoint pointer, Qt::Edges edges);
-    /// The pointer is there now. The first points of its way do not count: they are part of a
-    /// click.
+    /// The pointer is at this position now. The first points of its way do not count, because they
+    /// are part of a click.
     void follow(QPoint pointer);
     void release() { m_hold.reset(); }
 

@@ -11,8 +11,8 @@ class WindowMenu final : public QMenu
     Q_OBJECT
 
 public:
-    /// Takes the bar and hides it. Its actions' shortcuts work in the whole window from now on:
-    /// those of a hidden bar alone would not.
+    /// Takes the bar and hides it. Its actions' shortcuts work in the whole window from now on; the
+    /// shortcuts of a hidden bar would not work otherwise.
     WindowMenu(QMenuBar *bar, QWidget *window);
 
     /// Opens with what the bar holds now, its right edge at the view's.

@@ -81,7 +81,7 @@ bool PageView::eventFilter(QObject *watched, QEvent *event)
 void PageView::hideEvent(QHideEvent *event)
 {
     QWebEngineView::hideEvent(event);
-    // Not within the event: the page takes itself for visible until it has been told.
+    // Not during the event: the page still believes that it is visible until it has been told.
     QTimer::singleShot(0, this, [this] {
         if (!isVisible())
             page()->setLifecycleState(QWebEnginePage::LifecycleState::Discarded);

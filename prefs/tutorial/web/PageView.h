@@ -26,8 +26,8 @@ private:
     QUrl m_url;
 };
 
-/// Shows one page of the resources. While it is hidden, the process that renders it is let go. The
-/// keys that end a sheet go on to the widgets around it.
+/// Shows one page of the resources. While it is hidden, it has no process that renders it. The keys
+/// that end a sheet go on to the widgets around it.
 class PageView final : public QWebEngineView
 {
 public:

@@ -20,8 +20,9 @@ constexpr int kShown = 0;
 constexpr int kNotShown = 1;
 constexpr int kBadArguments = 2;
 
-/// An end that was to be expected leaves no report of a crash behind. One byte: no file is that
-/// small, and a program that collects crashes is not called, as it would be for none.
+/// An expected end leaves no crash report behind. The limit is one byte: no core file is that
+/// small, and a program that collects crashes is not called. With a limit of zero it would be
+/// called.
 void leaveNoCore()
 {
     const rlimit none{1, 1};
