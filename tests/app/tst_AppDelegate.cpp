@@ -81,7 +81,7 @@ private:
     void grantHome();
 
     HookedSystem m_calls;
-    bool m_isDiskSlow = false; ///< m_disk's calls in place of those
+    bool m_isDiskSlow = false; ///< whether m_disk's calls replace m_calls
     SlowDisk m_disk;
     std::unique_ptr<AppDelegate> m_application;
 };
@@ -142,7 +142,7 @@ void TestAppDelegate::reportsBeforeItShowsTheWindow()
     QCOMPARE(atWindow.lines(), QStringList{QStringLiteral("Here")});
 }
 
-/// Nothing of the machine reaches a run that has calls of its own.
+/// Nothing of the machine reaches a run that is given calls of its own.
 void TestAppDelegate::worksWithTheCallsItIsGiven()
 {
     m_calls.setHook([](int, std::string_view) { return EIO; });
@@ -163,7 +163,7 @@ void TestAppDelegate::reportsLaterLaunchesOnce()
 
 void TestAppDelegate::startsWithoutNetwork()
 {
-    m_server.reset(); // nobody listens any more
+    m_server.reset(); // nothing listens any more
     LogRecorder log;
     start();
     QVERIFY(m_application->mainWindowController().window().isVisible());
@@ -180,7 +180,7 @@ void TestAppDelegate::showsTheWindowAndSaysSo()
     QCOMPARE(log.lines().constLast(), QStringLiteral("Finisheid"));
 }
 
-/// With what the program itself is made of: a test must not supply what the program lacks.
+/// Uses what the program itself is made of: a test must not supply what the program lacks.
 void TestAppDelegate::asksForTheHomeOfTheRealUser()
 {
     start();
@@ -241,7 +241,7 @@ void TestAppDelegate::opensThePreferencesWhileTheHomeDoesNotAnswer()
     QCOMPARE(m_disk.takeAskedHere(), QStringList());
 }
 
-/// What the preferences ask of the disk outlives them; its answer must find all that it uses.
+/// A question of the preferences to the disk outlives them. Its answer must find all that it uses.
 void TestAppDelegate::endsWhileTheHomeDoesNotAnswerThePreferences()
 {
     constexpr std::chrono::seconds kPatience(10);
@@ -263,7 +263,7 @@ void TestAppDelegate::endsWhileTheHomeDoesNotAnswerThePreferences()
     bool wasInTime = false;
     std::jthread disk([&] {
         wasInTime = isGone.try_acquire_for(kPatience);
-        m_disk.answer(); // else a wait would last for ever
+        m_disk.answer(); // otherwise a wait would last for ever
     });
     m_application.reset();
     isGone.release();

@@ -30,7 +30,7 @@ public:
     void updateStatsForURLString(const QString &) override {}
 };
 
-/// What data a page has whenever its button goes on or off.
+/// Records the data that a page has whenever its button goes on or off.
 class DataAtChange final : public QObject
 {
 public:
@@ -167,8 +167,8 @@ void TestMainWindowController::opensOnTheDiskWithAGrant()
 void TestMainWindowController::tellsTheFirstPageOnceThatItAppears()
 {
     m_fixture->grantHome();
-    // The disk page reads the volume when it did appear; its button is off from when it was about
-    // to appear until then.
+    // The disk page reads the volume after it has appeared. Its button is off until then, from the
+    // moment when the page is about to appear.
     QList<bool> buttonStates;
     makeController([&buttonStates] {
         for (const QWidget *widget : QApplication::allWidgets()) {
@@ -270,7 +270,7 @@ void TestMainWindowController::startsOverWhenTheHomeFolderIsReset()
     QCOMPARE(alphaValue(*m_controller->folderSelectPage().view()), 1.0);
 }
 
-/// What it was about to do or to ask is over.
+/// The page does not go on with what it was about to do or to ask.
 void TestMainWindowController::leavesTheShownPageAtAReset()
 {
     m_fixture->grantHome();
@@ -336,7 +336,7 @@ void TestMainWindowController::tellsThatANewFolderNeedsARestart()
     QTRY_COMPARE(m_restarts, 1);
 }
 
-/// Nothing of the home is asked on the main thread but a status: on a dead server each call would
+/// The main thread asks nothing of the home except a status: on a dead server each call would
 /// freeze the window.
 void TestMainWindowController::answersWhileTheHomeDoesNot()
 {
@@ -356,7 +356,7 @@ void TestMainWindowController::answersWhileTheHomeDoesNot()
     QCOMPARE(m_disk.takeAskedHere(), QStringList());
 }
 
-/// That a disk is dead keeps nothing alive whose window was closed.
+/// A dead disk keeps nothing alive whose window was closed.
 void TestMainWindowController::endsWhileTheHomeDoesNotAnswer()
 {
     m_fixture->grantHome();

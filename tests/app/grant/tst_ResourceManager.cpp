@@ -276,7 +276,7 @@ void TestResourceManager::asksTheFileSystemNothingForWhatACheckHasFound()
     QCOMPARE(m_calls.callCount(), 0);
 }
 
-/// The folder that was found for the one must never serve the other.
+/// The folder that was found for one grant must never serve another grant.
 void TestResourceManager::looksUpAnotherGrantThanTheOneThatWasChecked()
 {
     QVERIFY(!ResourceManager::checkStoredGrant());

@@ -6,7 +6,7 @@
 
 namespace {
 
-/// What the file system says of a place, hidden items left out.
+/// The bytes that the file system counts at a path, without hidden items.
 qint64 bytesOnDisk(const QByteArray &location)
 {
     const std::filesystem::path start(location.toStdString());

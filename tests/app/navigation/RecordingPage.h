@@ -98,7 +98,7 @@ struct Wizard
     {
         return page.view()->parentWidget() == navigation.view() && page.view()->isVisible();
     }
-    /// What is seen: 255 the bare ground, 0 a page at full opacity.
+    /// What is seen: 255 is the bare ground, 0 a page at full opacity.
     int gray() { return qGray(window.grab().toImage().pixel(50, 50)); }
 
     Calls calls;

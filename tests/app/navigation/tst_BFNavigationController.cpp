@@ -128,7 +128,7 @@ void TestBFNavigationController::popsToAController()
     QCOMPARE(wizard.navigation.viewControllers(), list({&wizard.a}));
     QVERIFY(wizard.isShown(wizard.a));
 
-    // Of one that is there twice, the first place counts.
+    // When a controller is there twice, its first position counts.
     wizard.navigation.setViewControllers({&wizard.b, &wizard.a, &wizard.b, &wizard.c});
     QCOMPARE(wizard.navigation.popToViewController(&wizard.b, Animated::No),
              list({&wizard.a, &wizard.b, &wizard.c}));
@@ -270,7 +270,7 @@ void TestBFNavigationController::takesOverAPageFromAnotherStack()
     auto next = std::make_unique<BFNavigationController>(QRect(0, 0, 90, 80), &wizard.a);
     QCOMPARE(wizard.a.view()->parentWidget(), next->view());
     QCOMPARE(wizard.a.view()->size(), QSize(90, 80));
-    wizard.navigation.view()->resize(500, 500); // no longer any business of this one
+    wizard.navigation.view()->resize(500, 500); // this stack no longer has the page
     QCOMPARE(wizard.a.view()->size(), QSize(90, 80));
 }
 

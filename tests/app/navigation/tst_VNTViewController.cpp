@@ -166,7 +166,7 @@ void TestVNTViewController::keepsTheDataHandedToIt()
 void TestVNTViewController::asksItsDelegateToMove()
 {
     SamplePage page(*m_loader);
-    page.goForward(); // nobody to ask
+    page.goForward(); // no delegate to ask
     Wizard wizard;
     page.setDelegate(&wizard);
     QCOMPARE(page.delegate(), static_cast<VNTViewControllerDelegate *>(&wizard));

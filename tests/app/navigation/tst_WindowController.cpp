@@ -88,7 +88,7 @@ void TestWindowController::comesUpInTheMiddleOfTheActiveWindow()
     const QRect window = controller.window()->geometry();
     const QPoint away = window.center() - active.geometry().center();
     QVERIFY(away.manhattanLength() <= 4); // as wide as the frame that the desktop may add
-    // The user's choice of a place is kept.
+    // The user's choice of a position is kept.
     controller.window()->move(10, 20);
     controller.window()->close();
     active.activateWindow();

@@ -181,7 +181,7 @@ void TestFolderSelectViewController::staysWhenTheGrantIsTakenBackMeanwhile()
     m_fixture->grantHome();
     m_page->updateUI();
     m_fixture->defaults().removeFolderEntries();
-    QTimer later; // started after the page's own, it fires after it
+    QTimer later; // started after the page's timer, it fires after that
     later.setSingleShot(true);
     QSignalSpy fired(&later, &QTimer::timeout);
     later.start(FolderSelectViewController::kPauseBeforeNextPage);
@@ -189,7 +189,8 @@ void TestFolderSelectViewController::staysWhenTheGrantIsTakenBackMeanwhile()
     QCOMPARE(m_delegate.moves.size(), 0);
 }
 
-/// With an earlier grant it would move on; what is chosen then would be of a page that was left.
+/// With an earlier grant the page would move on. A choice after that would belong to a page that
+/// was left.
 void TestFolderSelectViewController::staysBeneathThePanel()
 {
     m_fixture->grantHome();

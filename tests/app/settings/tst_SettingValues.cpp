@@ -13,7 +13,7 @@ QJsonValue stored(const QJsonValue &value)
     return QJsonDocument::fromJson(QJsonDocument(QJsonArray{value}).toJson()).array().first();
 }
 
-/// How many of the readers take the value for one of theirs.
+/// How many of the readers accept the value as one of theirs.
 int readersOf(const QJsonValue &value)
 {
     return booleanFrom(value).has_value() + integerFrom(value).has_value() +

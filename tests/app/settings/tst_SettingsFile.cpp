@@ -13,7 +13,7 @@ constexpr auto kKnown = Replace::OnlyWhatIsKnown;
 
 } // namespace
 
-/// Where the settings come from when not all is well, and whether the exclusions are known then.
+/// Where the settings come from when a file is not good, and whether the exclusions are known then.
 class TestSettingsFile final : public QObject
 {
     Q_OBJECT
@@ -200,7 +200,7 @@ void TestSettingsFile::aBadFileOfAnEarlierRunIsADamage()
     const SettingsFolder folder;
     SettingsFolder::setRaw(folder.file() + QStringLiteral(".bad-20250101T000000Z"), "damaged");
     QVERIFY(!folder.settings().load().damage.isEmpty());
-    // Once the user has looked, a good content is what counts.
+    // Once the user has looked, a good content counts.
     QVERIFY(folder.settings().save(settingsText(SettingsFolder::first()), kKnown).isWell());
     QCOMPARE(folder.settings().load(), SettingsFolder::first());
 }
@@ -237,7 +237,7 @@ void TestSettingsFile::aFileThatCannotBeReadStays()
     QVERIFY(content.damage.contains(QString::fromLocal8Bit(strerror(error))));
     QVERIFY(folder.badFiles().isEmpty());
 
-    // Neither now nor when it can be read again is it overwritten by what this run knows.
+    // What this run knows does not overwrite the file: not now, and not when it can be read again.
     QVERIFY(!file.save(settingsText(content), kKnown).isWell());
     calls.setHook({});
     QVERIFY(!file.save(settingsText(content), kKnown).isWell());
@@ -376,7 +376,8 @@ void TestSettingsFile::aFolderThatAppearsLaterKeepsItsSettings()
 
 void TestSettingsFile::everyKillOnTheWayOutOfADamageStaysADamage()
 {
-    // From the start on a damaged file to the save of the note, killed before every call.
+    // The program is killed before every call, from the start on a damaged file to the save of the
+    // note.
     for (int number = 1;; ++number) {
         const SettingsFolder folder;
         folder.fill();

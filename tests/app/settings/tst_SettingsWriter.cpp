@@ -18,7 +18,7 @@ QJsonObject valuesOf(int number)
     return {{QStringLiteral("number"), number}};
 }
 
-/// Lets no file be written before it is told to.
+/// Holds back every write of a file until it is told to allow it.
 class SlowDisk final
 {
 public:
@@ -165,7 +165,7 @@ void TestSettingsWriter::theLeaveToReplaceLastsUntilASaveWentWell()
     QCOMPARE(folder.settings().load().values, valuesOf(2));
 
     folder.setText(textOf(3));
-    writer.post(textOf(4), Replace::OnlyWhatIsKnown); // the leave is used up
+    writer.post(textOf(4), Replace::OnlyWhatIsKnown); // the permission is used up
     QVERIFY(writer.flush().isConflict);
     QCOMPARE(folder.settings().load().values, valuesOf(3));
 }

@@ -234,7 +234,7 @@ void TestUserDefaults::aFailedSaveIsToldAndTriedAgainWithTheNextChange()
     QVERIFY(failures.wait());
     QVERIFY(failures.first().first().toString().contains(QString::fromLocal8Bit(strerror(ENOSPC))));
     QCOMPARE(defaults->boolean(kKey), true);
-    QVERIFY(defaults->exclusionsAreKnown()); // nobody else has changed them
+    QVERIFY(defaults->exclusionsAreKnown()); // no other program has changed them
 
     calls.setHook({});
     defaults->setInteger(QStringLiteral("other"), 1);
@@ -343,7 +343,7 @@ void TestUserDefaults::aConfirmationReplacesAnUnreadableFile()
         defaults->setStrings(VNTExcludedPathsString, kFirstPaths);
         QVERIFY(!defaults->synchronize());
         defaults->confirmExclusions();
-        // A change that comes before the save must not take the confirmation's leave away.
+        // A change that comes before the save must not take the confirmation's permission away.
         defaults->setBoolean(kKey, true);
         QVERIFY(defaults->synchronize());
     }
