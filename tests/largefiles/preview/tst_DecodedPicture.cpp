@@ -32,7 +32,7 @@ DecodedPicture readFrom(QByteArray bytes)
 
 } // namespace
 
-/// What is believed of the words of a decoder that may be in the hands of the file it decodes.
+/// What is believed of a decoder's output when the file that it decodes may control the decoder.
 class DecodedPictureTest final : public QObject
 {
     Q_OBJECT

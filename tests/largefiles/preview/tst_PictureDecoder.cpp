@@ -15,8 +15,8 @@ namespace {
 using namespace std::chrono_literals;
 constexpr QSize kRoom(400, 300);
 
-/// A document of one page that draws a form, which draws another ten times, and so on: more than
-/// anybody lives to see.
+/// A document of one page that draws a form, which draws another ten times, and so on: to draw it
+/// all takes longer than a life.
 QByteArray endlessDocument()
 {
     constexpr int kDepth = 16;
@@ -38,7 +38,7 @@ QByteArray endlessDocument()
 
 } // namespace
 
-/// What becomes of files whose decoder does not do well.
+/// What happens with files whose decoder misbehaves.
 class PictureDecoderTest final : public QObject
 {
     Q_OBJECT
@@ -106,7 +106,7 @@ private Q_SLOTS:
         QTest::newRow("says something else") << QByteArray("echo a picture");
         QTest::newRow("gives it back") << QByteArray("cat");
         QTest::newRow("never ends saying") << QByteArray("cat /dev/zero");
-        // Mark, pages, and a size that nobody asked for.
+        // The mark, the pages, and a size that was not asked for.
         QTest::newRow("claims too much")
             << QByteArray("printf 'VTP1\\0\\0\\0\\1\\0\\1\\0\\0\\0\\1\\0\\0'; cat /dev/zero");
         QTest::newRow("claims less than nothing")

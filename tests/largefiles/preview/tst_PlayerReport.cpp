@@ -41,7 +41,7 @@ PlayerReport frameOf(QSize size)
 
 } // namespace
 
-/// What is believed of the words of a player that may be in the hands of what it plays.
+/// What is believed of a player's output when the file that it plays may control the player.
 class PlayerReportTest final : public QObject
 {
     Q_OBJECT

@@ -30,7 +30,7 @@ QByteArray encoded(const char *format, QSize size, const QColor &color)
     return buffer.data();
 }
 
-/// A picture that says that it is huge, and ends there.
+/// A picture that says that it is huge, and ends after that.
 QByteArray hugePngHeader()
 {
     const QByteArray header =

@@ -7,12 +7,12 @@
 #include <condition_variable>
 #include <mutex>
 
-/// A gate in the way of the calls about one name: the first of them waits there until it is let
-/// through.
+/// A gate in the way of the calls about one name: the first of these calls waits there until the
+/// test lets it through.
 class Gate final
 {
 public:
-    /// Calls about the forbidden name fail for want of rights.
+    /// Calls about the forbidden name fail for lack of rights.
     explicit Gate(QByteArray name, QByteArray forbidden = {})
         : m_name(std::move(name)),
           m_forbidden(std::move(forbidden)),
@@ -20,7 +20,7 @@ public:
     {
     }
 
-    /// Waits until somebody stands at the gate.
+    /// Waits until a call stands at the gate.
     void awaitArrival()
     {
         std::unique_lock lock(m_mutex);

@@ -68,7 +68,7 @@ private:
     const QByteArray m_home;
 };
 
-/// The same in sorted order, for what several threads may find in any.
+/// The same in sorted order, because several threads may find things in any order.
 inline QByteArrayList sorted(QByteArrayList list)
 {
     std::sort(list.begin(), list.end());

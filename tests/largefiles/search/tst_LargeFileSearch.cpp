@@ -182,7 +182,7 @@ void TestLargeFileSearch::searchesNoFolderThatIsALink()
     SearchRecord record(home);
     QVERIFY(!search(home, record).isComplete);
     QCOMPARE(record.files, QByteArrayList{"Music/b"});
-    // A link that leads nowhere is as good as missing.
+    // A link that leads nowhere counts as missing.
     QCOMPARE(record.failures, QByteArrayList{"Movies: " + QByteArray::number(ENOTDIR)});
 }
 

@@ -19,7 +19,7 @@ SearchOutcome search(const SystemCalls &calls, const MadeTree &home, LargeFileLi
     return searchLargeFiles(calls, access, {searchURLs(homeUrl(home)), {}, {}}, listener, stop, 1);
 }
 
-/// What an ordinary user finds and what he cannot read, comma-separated.
+/// What an ordinary user finds and what this user cannot read, comma-separated.
 QByteArray foundByNobody(const MadeTree &home)
 {
     return runInChild(ChildUser::Nobody,
@@ -136,7 +136,7 @@ void TestLargeFileSearchFaults::tellsWhatAUserCannotRead()
     const MadeTree home;
     grow(home);
     make(home, {"Public/", "Public/e", "Sites/", "Sites/listed/", "Sites/listed/f", "Sites/g"});
-    home.setMode("Movies/early/b", 0); // its content is nobody's business, its size is known
+    home.setMode("Movies/early/b", 0); // its content does not matter, its size is known
     home.setMode("Public", 0);
     home.setMode("Sites/listed", 0444); // shows its names, and nothing else
     const QByteArray error = ": " + QByteArray::number(EACCES);
@@ -256,7 +256,7 @@ void TestLargeFileSearchFaults::stopsBeforeAnyCall()
         });
         SearchRecord record(home);
         QVERIFY(!search(calls, home, record, stop.get_token()).isComplete);
-        // The folder just being opened is still looked at, none of its entries is.
+        // The search still looks at the folder that it is just opening, but at none of its entries.
         QVERIFY2(after <= 3, QByteArray::number(after));
     }
 }

@@ -133,7 +133,7 @@ private Q_SLOTS:
         QPainter painter(&wanted);
         AttributedText{title}.draw(painter, QRectF(10, 0, 80, 28));
         painter.end();
-        // But for the corners, behind which the row is.
+        // Except the corners, behind which the row is.
         const QRect inside(12, 2, 76, 24);
         QCOMPARE(rows.buttonOf(1).copy(inside).convertToFormat(QImage::Format_RGB32),
                  wanted.toImage().copy(inside).convertToFormat(QImage::Format_RGB32));

@@ -113,7 +113,7 @@ private Q_SLOTS:
         sheet.table().selectRow(0);
         for (const Qt::Key key : {Qt::Key_Down, Qt::Key_Down})
             QTest::keyClick(&sheet.table(), key, Qt::ShiftModifier);
-        QTest::keyClick(&sheet.table(), Qt::Key_Shift); // else it counted as held for ever
+        QTest::keyClick(&sheet.table(), Qt::Key_Shift); // otherwise it would count as held for ever
         QCOMPARE(sheet.table().selectedRows(), QList<int>({0, 1, 2}));
         QCOMPARE(sheet.controller.imageView()->accessibleName(),
                  QStringLiteral("Picture of log.txt"));

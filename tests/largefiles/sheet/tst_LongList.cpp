@@ -15,8 +15,8 @@
 namespace {
 
 constexpr int kFiles = 100'000;
-/// What a frame of the screen lasts, in milliseconds. Instrumented code takes many times as long,
-/// and is seen by nobody; what would show there is work that grows with the list.
+/// How long a frame of the screen lasts, in milliseconds. Instrumented code takes many times as
+/// long, and no user sees it; there the limit shows only work that grows with the list.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr double kFrame = 160;
 #else
@@ -46,8 +46,8 @@ double middle(std::vector<double> milliseconds)
     return *half;
 }
 
-/// The middle of what `step` takes of the processor: what else the machine does is no work of the
-/// list's.
+/// The median of the processor time that `step` takes: other work of the machine is not the list's
+/// work.
 template <typename Step> double timeOf(int times, Step step)
 {
     std::vector<double> milliseconds;
@@ -61,7 +61,7 @@ template <typename Step> double timeOf(int times, Step step)
 
 } // namespace
 
-/// The list as a user sees it who has a hundred thousand large files.
+/// The list as it looks to a user who has a hundred thousand large files.
 class LongListTest final : public QObject
 {
     Q_OBJECT

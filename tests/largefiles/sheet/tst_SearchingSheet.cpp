@@ -18,8 +18,8 @@
 
 namespace {
 
-/// The sheet over a window while the search stands at a gate in "Pictures", with two files
-/// found and one folder that nobody may read.
+/// The sheet over a window while the search stands at a gate in "Pictures", with two files found
+/// and one folder that may not be read.
 struct HeldSheet
 {
     HeldSheet()
@@ -124,7 +124,7 @@ private Q_SLOTS:
         sheet.gate.open();
         QTRY_VERIFY(!sheet.controller.search().isAtWork());
         QTRY_VERIFY(sheet.isDone);
-        QCOMPARE(sheet.rowCount(), 2); // what lay behind the gate was not looked at any more
+        QCOMPARE(sheet.rowCount(), 2); // the search looked at nothing behind the gate
     }
 };
 

@@ -109,7 +109,7 @@ void TestSelectionPreview::leavesThePanelWhenItIsClosed()
     QCOMPARE(made.preview.panel()->currentPreviewItemIndex(), 0);
     made.preview.close();
     QVERIFY(!made.isShown());
-    made.preview.panel()->reloadData(); // nobody fills it
+    made.preview.panel()->reloadData(); // nothing fills it
     QCOMPARE(made.preview.panel()->currentPreviewItemIndex(), -1);
 }
 

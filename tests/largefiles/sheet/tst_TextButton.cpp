@@ -15,7 +15,7 @@ AttributedText title(const QString &text)
     return {TextRun{text, interfaceFont(Typeface::Light, 18), kGreen, Qt::AlignHCenter}};
 }
 
-/// Alone in a white window.
+/// A button alone in a white window.
 struct Shown
 {
     Shown()
@@ -36,7 +36,7 @@ struct Shown
     }
 
     QImage picture() const { return button->grab().toImage(); }
-    /// Beside the text, inside the ground.
+    /// The colour beside the text, inside the background.
     QColor ground() const { return picture().pixelColor(button->width() / 2, 5); }
 
     QWidget window;

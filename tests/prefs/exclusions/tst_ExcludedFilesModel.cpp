@@ -60,7 +60,7 @@ void TestExcludedFilesModel::init()
     makeModel(m_access.get());
 }
 
-/// What still measures must be over before the test's own log is.
+/// All measurements must end before the test's own log is gone.
 void TestExcludedFilesModel::cleanup()
 {
     m_model.reset();

@@ -22,7 +22,7 @@ public:
     QList<QByteArray> paths;
 };
 
-/// A name, and another one that a careless reader of names would take it for.
+/// A name, and another name for which a careless reader of names would take it.
 struct NamePair
 {
     const char *what;
@@ -73,8 +73,9 @@ const NamePair kNames[] = {
 
 } // namespace
 
-/// Whatever a file or folder is called, what the preferences store of it leads back to it, and to
-/// nothing else, for all that read the list: the sizes beside it, the search and the cleaning.
+/// Whatever the name of a file or folder, the text that the preferences store leads back to it and
+/// to nothing else. This holds for all that read the list: the sizes beside it, the search and the
+/// cleaning.
 class TestExcludedNames final : public QObject
 {
     Q_OBJECT
@@ -98,7 +99,7 @@ private:
     std::unique_ptr<PreferencesFixture> m_fixture;
     QByteArray m_path;    ///< the excluded file or folder
     QByteArray m_content; ///< the file that must stay: the same, or in the folder
-    QByteArray m_twin;    ///< the file that nobody excluded
+    QByteArray m_twin;    ///< the file that is not excluded
 };
 
 void TestExcludedNames::init()
@@ -107,7 +108,7 @@ void TestExcludedNames::init()
     m_fixture->folder.makeFolder("Downloads");
 }
 
-/// What still measures must be over before the test's own log is.
+/// All measurements must end before the test's own log is gone.
 void TestExcludedNames::cleanup()
 {
     m_fixture.reset();

@@ -53,7 +53,7 @@ void TestFileToView::init()
     });
 }
 
-/// What still measures must be over before the test's own log is.
+/// All measurements must end before the test's own log is gone.
 void TestFileToView::cleanup()
 {
     m_toView.reset();
@@ -147,7 +147,7 @@ void TestFileToView::endsAMeasurement()
     m_toView->cancel(*record);
     m_access->release();
     QTRY_COMPARE(m_access->stops(), 1);
-    // What follows on both of its threads comes after the ended one's answer.
+    // The next tasks on both of its threads answer after the cancelled measurement would have.
     prepare(file("notes.txt", FileUrlKind::File));
     prepare(file("notes.txt", FileUrlKind::File));
     QVERIFY(!isDone);
@@ -188,7 +188,7 @@ void TestFileToView::waitsAtItsEndForNoDiskThatDoesNotAnswer()
     bool wasInTime = false;
     std::jthread disk([&] {
         wasInTime = isGone.try_acquire_for(kPatience);
-        m_access->release(); // else a wait would last for ever
+        m_access->release(); // otherwise a wait would last for ever
     });
     m_toView.reset();
     isGone.release();
@@ -254,7 +254,7 @@ void TestFileToView::looksInOrder()
     QTRY_COMPARE(facts.size(), 2);
     QCOMPARE(facts[0].presence, FileFacts::Presence::Missing);
     QCOMPARE(facts[1].presence, FileFacts::Presence::Present);
-    // Also without access: a look is no work below the granted folder then.
+    // Also without access: a look does no work below the granted folder then.
     m_toView = std::make_unique<FileToView>(hostSystemCalls(), [] { return nullptr; });
     facts.clear();
     m_toView->lookAt({}, [&facts](const QList<FileFacts> &) { facts = {FileFacts()}; });

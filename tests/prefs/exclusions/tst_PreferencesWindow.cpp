@@ -55,7 +55,7 @@ void TestPreferencesWindow::init()
     QTRY_COMPARE(m_controller->array().size(), 3);
 }
 
-/// What still measures must be over before the test's own log is.
+/// All measurements must end before the test's own log is gone.
 void TestPreferencesWindow::cleanup()
 {
     m_fixture.reset();

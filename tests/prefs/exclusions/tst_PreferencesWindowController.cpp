@@ -50,7 +50,7 @@ void TestPreferencesWindowController::init()
     QVERIFY(QTest::qWaitForWindowActive(m_controller->window()));
 }
 
-/// What still measures must be over before the test's own log is.
+/// All measurements must end before the test's own log is gone.
 void TestPreferencesWindowController::cleanup()
 {
     m_fixture.reset(); // which waits for it
@@ -129,7 +129,8 @@ void TestPreferencesWindowController::keepsWhatWasAddedBeforeTheDiskAnswers()
     const QSignalSpy posted(&m_fixture->changed, &ExcludedFilesChangedNotification::posted);
     m_fixture->access().hold(); // as a volume that hangs does
     m_controller->addPaths({m_fixture->folder.path("Movies")});
-    // Nobody knows yet that it is a folder; as a file's, the text keeps it with all it holds.
+    // It is not known yet that this is a folder. The text, as that of a file, keeps the folder with
+    // all that it holds.
     QCOMPARE(m_fixture->setting(), QStringList{m_fixture->stored("Movies", FileUrlKind::File)});
     QCOMPARE(posted.count(), 1);
     m_fixture->access().release();
@@ -141,7 +142,8 @@ void TestPreferencesWindowController::savesAndTellsWhenThePanelIsCancelled()
 {
     add("Movies");
     const QStringList before = m_fixture->setting();
-    // Somebody else's change of the setting would be overwritten: the list is written back whole.
+    // The whole list is written back, so a change of the setting from elsewhere would be
+    // overwritten.
     m_fixture->defaults->setStrings(VNTExcludedPathsString, {});
     const QSignalSpy posted(&m_fixture->changed, &ExcludedFilesChangedNotification::posted);
     choose(QString::fromUtf8(m_fixture->folder.path("Music")), QStringLiteral("Cancel"));
@@ -228,7 +230,7 @@ void TestPreferencesWindowController::tellsObserversBeforeItReturns()
     seen.clear();
     m_controller->saveURLs();
     QCOMPARE(seen, QStringList{m_fixture->stored("Movies")});
-    // What they are told of has been written by then.
+    // When the observers are told of a change, it has already been written.
     m_controller->addPaths({m_fixture->folder.path("notes.txt")});
     QCOMPARE(seen, (QStringList{m_fixture->stored("Movies"),
                                 m_fixture->stored("notes.txt", FileUrlKind::File)}));

@@ -124,7 +124,7 @@ void TestDemoWindowController::storesNoAgainInALaterShowing()
     present();
     m_demo->checkbox()->click();
     pressOk();
-    // Somebody wants to see it again.
+    // The user wants to see it again.
     m_defaults->setBoolean(VNTHideDemoWindowString, false);
     present();
     QVERIFY(!m_demo->checkbox()->isChecked());
@@ -157,7 +157,7 @@ void TestDemoWindowController::scrollsByTheKeysAtOnce()
 
 void TestDemoWindowController::staysRichTextInAnApplicationNotMadeForTheEngine()
 {
-    // This one has no shared contexts; a probe, which has, would say that all is well.
+    // This application has no shared contexts. A probe has them, and would say that all is well.
     const LogRecorder log;
     WebTutorial tutorial(
         {.plugin = QStringLiteral("plugin"), .probe = QStringLiteral("/bin/true")});

@@ -5,7 +5,7 @@
 #include "prefs/window/WindowButton.h"
 #include "tests/support/run/GuiTestMain.h"
 
-/// The window with its shadow around it, as on a desktop that can be told of it.
+/// The window with its shadow around it, as on a desktop that can be told about the shadow.
 class TestColorWindowShadow final : public QObject
 {
     Q_OBJECT
@@ -121,7 +121,7 @@ void TestColorWindowShadow::goesWhenTheWindowFillsTheScreen()
 
 void TestColorWindowShadow::isNotDrawnWhereNobodyCanBeTold()
 {
-    QVERIFY(!canAnnounceShadow()); // this display is none of those
+    QVERIFY(!canAnnounceShadow()); // this display is not such a desktop
     ColorWindow window;
     window.setContentView(new QWidget(&window));
     window.resize(600, 400);

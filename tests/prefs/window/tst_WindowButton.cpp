@@ -105,7 +105,7 @@ void TestWindowButton::losesItsColourWhenThePointerLeavesTheWindow()
     const QColor before = edgeColour(*button);
     QTest::mouseMove(m_window.get(), {17, 17});
     QTRY_VERIFY(edgeColour(*button) != before);
-    // In one leap, over no other place of the window.
+    // In one leap, without crossing another part of the window.
     QEvent leave(QEvent::Leave);
     QCoreApplication::sendEvent(m_window->windowHandle(), &leave);
     QCOMPARE(edgeColour(*button), before);

@@ -126,7 +126,7 @@ void TestWebTutorialView::present()
     QVERIFY(m_view->isWeb());
 }
 
-/// What a script of the test's own finds on the page, whose own may not run.
+/// What a script of the test finds on the page. The page's own scripts may not run.
 QVariant TestWebTutorialView::ask(const QString &script) const
 {
     QVariant answer;
