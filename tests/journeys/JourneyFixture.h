@@ -8,20 +8,20 @@
 
 #include <memory>
 
-/// For initTestCase_data(): every journey is taken in a home of each kind, whose HomeKind stands in
-/// the global column "kind". A process takes those alone that VANTOR_TEST_HOME names, so that both
-/// kinds can be travelled at the same time.
+/// For initTestCase_data(): every journey is taken in a home of each kind. The global column "kind"
+/// holds its HomeKind. A process takes only the kinds that VANTOR_TEST_HOME names, so that both
+/// kinds can run at the same time.
 void addKindsOfHomes();
 
-/// The real program on a made home folder, and a user before it. It can be started anew with the
-/// settings that it left. Ends quietly: no work of the program's outlives it.
+/// The real program on a made home folder, and a user in front of it. The program can be started
+/// again with the settings that it left. Ends quietly: no work of the program outlives it.
 class JourneyFixture final
 {
 public:
     /// Whether the user has declined the tutorial before the program starts.
     enum class Tutorial { Declined, Shown };
 
-    /// At a user's pace, or as fast as the program can: nothing fades then, and no page waits.
+    /// At a user's pace, or in haste: then nothing fades, and no page waits.
     enum class Pace { User, Hasty };
 
     explicit JourneyFixture(HomeKind kind = HomeKind::Library);
@@ -36,7 +36,7 @@ public:
     /// From the first page that is shown to the slices, each of them measured.
     bool reachSlices();
 
-    /// What there is of the home after these slices were cleaned and nothing was excluded, sorted.
+    /// What is left of the home after these slices were cleaned and nothing was excluded, sorted.
     QList<QByteArray> keptAfter(const QList<SliceKind> &cleaned) const;
 
     /// Those of the made paths that are, or lie below, one of these.

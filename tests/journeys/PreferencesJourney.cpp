@@ -23,7 +23,7 @@ void clickAt(const QWidget &widget, QPoint position, Qt::KeyboardModifiers modif
                       widget.mapTo(widget.window(), position));
 }
 
-/// Hands a view the events of a drag that ends on it. Whether the view took it.
+/// Hands a view the events of a drag that ends on it. Returns whether the view took the drag.
 bool dropOn(QWidget &view, const QMimeData &data)
 {
     const QPointF place = QRectF(view.rect()).center();

@@ -8,7 +8,7 @@ class PreferencesWindowController;
 class QMenu;
 
 /// The user at the preferences: opens them from the main window's menu, and works in them with
-/// mouse and keyboard. Every step answers whether it came to its end.
+/// mouse and keyboard. Every step returns whether it was completed.
 class PreferencesJourney final
 {
 public:
@@ -20,12 +20,12 @@ public:
     /// Presses the menu's button and then its command, and waits until the home folder that is
     /// granted, if any, is known there.
     bool open();
-    /// By Escape.
+    /// Closes them with Escape.
     bool close();
 
     /// Presses Add, types the path into the panel, and waits for the new row.
     bool add(const QByteArray &path);
-    /// What a file manager does when these are dropped on the table. Does not wait for rows.
+    /// Does what a file manager does when these are dropped on the table. Does not wait for rows.
     bool drop(const QList<QByteArray> &paths);
     bool waitForRows(int count);
     /// Waits until nothing is being measured any more.

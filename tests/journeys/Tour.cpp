@@ -69,7 +69,7 @@ bool isExcluded(const SampleHome &home, const QByteArray &path)
     });
 }
 
-/// All that was made, but for what the cleaned slices take.
+/// All that was made, except what the cleaned slices take.
 QList<QByteArray> pathsToKeep(const SampleHome &home)
 {
     QList<QByteArray> paths = home.paths();

@@ -154,7 +154,7 @@ void TestCleaningJourney::leavesAPlaceAloneWhoseExclusionIsGone()
     QTRY_VERIFY(hasSheet(journey().window()));
     QVERIFY(sheetText(journey().window()).contains(QStringLiteral("Downloads")));
     QVERIFY(pressSheetButton(journey().window(), QStringLiteral("OK")));
-    journey().press(Qt::Key_Return); // leads on
+    journey().press(Qt::Key_Return); // goes on
     QVERIFY(journey().waitForPage(m_fixture->slicesPage()));
 }
 

@@ -80,7 +80,7 @@ void TestLargeFilesJourney::pickAndAdd(const QList<int> &rows)
     QVERIFY(journey().pressInLargeFiles(*sheet().addButton()));
 }
 
-/// As the preferences do it.
+/// Excludes the path in the same way as the preferences do.
 void TestLargeFilesJourney::exclude(const QByteArray &relativePath)
 {
     const FileUrl url = home().url(relativePath, FileUrlKind::File);
@@ -100,7 +100,7 @@ QList<QByteArray> TestLargeFilesJourney::listed() const
     return paths;
 }
 
-/// By the made home's own list.
+/// The bytes by the made home's own list.
 qint64 TestLargeFilesJourney::bytesOf(const QList<int> &rows) const
 {
     const QList<QByteArray> files = home().largeFiles();

@@ -101,7 +101,7 @@ void TestWindowsJourney::showsADeclinedTutorialNoMore()
         } else {
             QVERIFY(goBackAndForth());
         }
-        QTimer later; // started after the page's own, it fires after it
+        QTimer later; // started after the page's timer, it fires after that
         later.setSingleShot(true);
         const QSignalSpy fired(&later, &QTimer::timeout);
         later.start(std::chrono::seconds(1));
@@ -133,7 +133,7 @@ void TestWindowsJourney::explainsASliceUntilTheUserClicksElsewhere()
     QCOMPARE(popover->findChild<MessageField *>()->text(), QStringLiteral("Empty the Trash"));
     const QRect screen = popover->screen()->availableGeometry();
     QVERIFY(screen.contains(popover->geometry()));
-    // Between the pie and the window's corner, where nothing else would hear the click.
+    // Between the pie and the window's corner, where nothing else would get the click.
     QTest::mouseClick(m_fixture->journey().window().windowHandle(), Qt::LeftButton, {}, {40, 600});
     QTRY_VERIFY(!popover);
     QVERIFY(m_fixture->slicesPage().selection().record(SliceKind::Trash).isOn());
@@ -190,7 +190,7 @@ void TestWindowsJourney::isDraggedWithAllThatItHolds()
         QTRY_COMPARE(window.pos(), before + QPoint(30, 20));
         QTest::mouseRelease(handle, Qt::LeftButton, {}, place);
     }
-    // A slice is no background.
+    // A slice is not part of the background.
     const QPoint before = window.pos();
     QVERIFY(m_fixture->journey().clickSlice(SliceKind::Downloads));
     QCOMPARE(window.pos(), before);

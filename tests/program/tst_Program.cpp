@@ -85,7 +85,7 @@ void TestProgram::make(const QString &relative, qint64 size) const
     QVERIFY(made.open(QIODevice::WriteOnly) && made.resize(size));
 }
 
-/// Called as the user's own, for only such a folder is taken.
+/// The folder has the name of the user's own home, because the program takes only such a folder.
 void TestProgram::makeHome()
 {
     const QString own = QFile::decodeName(RealHomeDirectory()).section(QLatin1Char('/'), -1);
