@@ -38,7 +38,7 @@ public:
         Addresses addresses;
         std::function<QByteArray()> realHomeDirectory;
         LabelController::Reader readVolume = startUpVolumeSizes;
-        std::function<void()> restart; ///< starts the program anew and ends this one
+        std::function<void()> restart; ///< starts the program again and ends this run
     };
 
     explicit MainWindowController(Services services);

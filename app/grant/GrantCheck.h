@@ -3,8 +3,8 @@
 #include "app/grant/ResourceManager.h"
 #include "platform/threads/BackgroundQueue.h"
 
-/// Finds out, beside the main thread, whether the granted home folder can be used: its disk may be
-/// a server that does not answer. Owned by the object that asks; main thread only.
+/// Finds out, off the main thread, whether the granted home folder can be used: its disk may be a
+/// server that does not answer. Owned by the object that asks; main thread only.
 class GrantCheck final : public QObject
 {
     Q_OBJECT

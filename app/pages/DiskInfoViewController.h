@@ -9,8 +9,8 @@ class PieChart;
 class StartButton;
 
 /// The page that shows how the start-up volume is used: a pie of free and used space, their sizes,
-/// and the button that leads to the slices. Reads the volume anew at every appearance. Owned by the
-/// main window's controller; main thread only.
+/// and the button that leads to the slices. Reads the volume again at every appearance. Owned by
+/// the main window's controller; main thread only.
 class DiskInfoViewController final : public VNTViewController,
                                      public PieChartDataSource,
                                      public PieChartDelegate

@@ -38,7 +38,7 @@ public:
     ImageButton *homeButton() const { return m_homeButton; }
     ImageView *homeCheck() const { return m_homeCheck; }
     /// Whether the page waits for the disk of a chosen folder. It drops that folder when the user
-    /// makes another choice, and when the page is left or begun anew.
+    /// makes another choice, and when the page is left or begun again.
     bool isGranting() const { return m_granting.isBusy(); }
 
     void viewDidLoad() override;

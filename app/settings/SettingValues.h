@@ -16,5 +16,5 @@ std::optional<QByteArray> dataFrom(const QJsonValue &value);
 
 QJsonValue jsonFrom(const QStringList &value);
 QJsonValue jsonFrom(const QList<bool> &value);
-/// Bytes are written as {"data": "<base64>"}, so that they are told from a string.
+/// Bytes are written as {"data": "<base64>"}, so that a reader can tell them from a string.
 QJsonValue jsonFrom(const QByteArray &value);

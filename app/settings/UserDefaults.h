@@ -16,8 +16,9 @@ class SystemCalls;
 /// its own, where the newest content wins. Whatever happens to the machine meanwhile, the file
 /// holds an old content or a new one, never a mixture.
 ///
-/// A lookup answers the stored value, else the registered one, else none. A typed getter answers
-/// the registered (else the zero) value where the stored one is of another type.
+/// A lookup returns the stored value; without one, the registered value; without either, none. A
+/// typed getter returns the registered value (without one, zero) when the stored value is of
+/// another type.
 ///
 /// It fails closed: when the file cannot be read completely, the program does not know which paths
 /// the user has excluded. exclusionsAreKnown() says so, also after a restart, until the user has
@@ -33,7 +34,7 @@ public:
     /// Saves what is not saved yet.
     ~UserDefaults() override;
 
-    /// Sets the values for keys that are not stored. Writes nothing.
+    /// Sets the values that getters return for keys that are not stored. Writes nothing.
     void registerDefaults(const QJsonObject &defaults);
 
     /// The stored value, else the registered one, else undefined.

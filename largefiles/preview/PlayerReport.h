@@ -13,7 +13,7 @@ struct PlayerReport
         Paused,
         Ended,    ///< played to its end, and stands there
         Position, ///< where it is
-        Frame,    ///< `frame` is to be seen now
+        Frame,    ///< `frame` is the one to show now
         Silent,   ///< there is only sound, and nothing to hear it with: the last report
         Failed,   ///< cannot be played: the last report
     };

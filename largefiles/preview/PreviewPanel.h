@@ -35,7 +35,7 @@ public:
     /// Shows the panel and gives it the focus. Its content comes with reloadData().
     void makeKeyAndOrderFront();
     void orderOut();
-    /// Asks the data source anew and shows the first item.
+    /// Asks the data source again and shows the first item.
     void reloadData();
 
     /// The item that is shown, from 0; -1 while there are none.

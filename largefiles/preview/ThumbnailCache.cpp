@@ -61,7 +61,7 @@ const CacheFolder *folderFor(int side)
     return folder != kFolders.end() ? folder : &kFolders.back();
 }
 
-/// Makes the folder and those above it that are missing, for the user alone.
+/// Makes the folder and the missing folders above it; only the user may use them.
 bool makePrivateFolder(const QString &path)
 {
     constexpr auto kPrivate = QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner;

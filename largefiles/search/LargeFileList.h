@@ -14,7 +14,7 @@
 /// the sheet, main thread only; never touches the file system.
 ///
 /// The picked total follows what is on the disk when the picks change: the list asks for the sizes
-/// anew, and sizeStringChanged() tells when they have come. Until then the last known sizes count.
+/// again, and sizeStringChanged() tells when they have come. Until then the last known sizes count.
 class LargeFileList final : public QAbstractListModel
 {
     Q_OBJECT
@@ -63,7 +63,7 @@ public:
     /// The picked total in bytes, and as people read it.
     qint64 selectedSize() const;
     QString sizeString() const;
-    /// Asks for the sizes of the picked files anew.
+    /// Asks for the sizes of the picked files again.
     void refreshSizes();
 
 Q_SIGNALS:

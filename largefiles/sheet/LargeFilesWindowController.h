@@ -25,7 +25,7 @@ class Workspace;
 ///
 /// To show it: refreshData(), then presentSheet(host, *window(), completion, [this] { cancel(); }).
 /// The outcome is what selectedURLs() says in the completion. Made once and shown again. Main
-/// thread only; all file work is done beside it.
+/// thread only; all file work is done on other threads.
 class LargeFilesWindowController final : public WindowController
 {
     Q_OBJECT
@@ -46,8 +46,8 @@ public:
                                QObject *parent = nullptr);
     ~LargeFilesWindowController() override;
 
-    /// Searches anew, beside the main thread; what is listed and picked stays. To be called before
-    /// each opening.
+    /// Searches again, off the main thread; what is listed and picked stays. Call it before each
+    /// opening.
     void refreshData();
     /// Empties the list, and with it the picks.
     void deleteData();

@@ -9,7 +9,7 @@
 
 /// A table of files, one column without headers. The space bar asks the delegate for a preview.
 /// Enter asks for what a row's button does. The context menu belongs to the row under the pointer,
-/// whichever rows are selected; beside the rows there is no menu. Main thread only.
+/// whichever rows are selected; outside the rows there is no menu. Main thread only.
 class QuickLookTableView final : public QTableView
 {
     Q_OBJECT

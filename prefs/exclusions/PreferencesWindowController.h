@@ -21,8 +21,8 @@ public:
     {
         UserDefaults &defaults;
         const SystemCalls &calls;
-        /// The granted folder's access; null while nothing usable is granted. Asked beside the
-        /// main thread.
+        /// The granted folder's access; null while nothing usable is granted. Asked off the main
+        /// thread.
         FileToView::AccessSource access;
         ExcludedFilesChangedNotification &notification;
     };
