@@ -13,7 +13,7 @@ constexpr auto kKnown = Replace::OnlyWhatIsKnown;
 
 } // namespace
 
-/// Where the settings come from when a file is not good, and whether the exclusions are known then.
+/// Where the settings come from when a file is bad, and whether the exclusions are known then.
 class TestSettingsFile final : public QObject
 {
     Q_OBJECT
@@ -237,7 +237,7 @@ void TestSettingsFile::aFileThatCannotBeReadStays()
     QVERIFY(content.damage.contains(QString::fromLocal8Bit(strerror(error))));
     QVERIFY(folder.badFiles().isEmpty());
 
-    // What this run knows does not overwrite the file: not now, and not when it can be read again.
+    // This run must not overwrite it: neither now nor when it can be read again.
     QVERIFY(!file.save(settingsText(content), kKnown).isWell());
     calls.setHook({});
     QVERIFY(!file.save(settingsText(content), kKnown).isWell());
@@ -376,8 +376,7 @@ void TestSettingsFile::aFolderThatAppearsLaterKeepsItsSettings()
 
 void TestSettingsFile::everyKillOnTheWayOutOfADamageStaysADamage()
 {
-    // The program is killed before every call, from the start on a damaged file to the save of the
-    // note.
+    // Killed before every call, from the start on a damaged file to the save of the note.
     for (int number = 1;; ++number) {
         const SettingsFolder folder;
         folder.fill();
