@@ -62,6 +62,7 @@ private Q_SLOTS:
         constexpr int kTasks = 60;
         constexpr unsigned kThreads = 3;
         std::atomic<unsigned> underWay = 0, most = 0;
+        std::latch gate(1);
         int replies = 0;
         TaskRunner runner(kThreads);
         for (int i = 0; i < kTasks; ++i)
@@ -69,10 +70,20 @@ private Q_SLOTS:
                 const unsigned now = ++underWay;
                 for (unsigned seen = most; seen < now;)
                     most.compare_exchange_weak(seen, now);
-                std::this_thread::yield();
+                gate.wait();
                 --underWay;
                 return [&] { ++replies; };
             });
+        // Threads that are started later have run before any ends: one too many would have, too.
+        std::barrier meeting(kTasks);
+        TaskRunner later(kTasks);
+        for (int i = 0; i < kTasks; ++i)
+            later.add([&](const std::stop_token &) {
+                meeting.arrive_and_wait();
+                return TaskRunner::Reply();
+            });
+        later.waitUntilIdle();
+        gate.count_down();
         QTRY_COMPARE(replies, kTasks);
         QVERIFY(most.load() <= kThreads);
     }
