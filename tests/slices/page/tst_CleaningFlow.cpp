@@ -31,6 +31,7 @@ private Q_SLOTS:
     void asksAgainWhenTheChoiceIsAnother();
     void asksAgainWhenThePageCameBackUnderTheQuestion();
     void takesAConsentForOneLookAtTheGrant();
+    void takesAnAnswerThatComesTooLateForNoConsent();
     void keepsWhatIsExcludedAfterTheConsent_data();
     void keepsWhatIsExcludedAfterTheConsent();
     void freesNothingOnceTheExclusionsAreUnknown();
@@ -269,6 +270,23 @@ void TestCleaningFlow::takesAConsentForOneLookAtTheGrant()
     m_held.takeFirst()(); // that one is over
     QCOMPARE(m_flow->state(), State::Asking);
     QVERIFY(isHistoryThere());
+}
+
+/// Neither to the question that is under way then, nor to any later one.
+void TestCleaningFlow::takesAnAnswerThatComesTooLateForNoConsent()
+{
+    m_flow->start();
+    QVERIFY(reach(State::Asking));
+    m_flow->leave();
+    m_holdsGrant = true;
+    m_flow->start();
+    answer(kGoOnButton); // to the question of the former visit
+    QCOMPARE(m_flow->state(), State::CheckingGrant);
+    m_flow->leave();
+    m_holdsGrant = false;
+    m_flow->start();
+    QVERIFY(reach(State::Asking));
+    QVERIFY(!m_states.contains(State::Cleaning) && isHistoryThere());
 }
 
 void TestCleaningFlow::keepsWhatIsExcludedAfterTheConsent_data()
