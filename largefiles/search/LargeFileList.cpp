@@ -168,7 +168,7 @@ qint64 LargeFileList::selectedSize() const
     qint64 sum = 0;
     for (const File *file : m_files) {
         if (file->isAdded())
-            sum = sumOfByteCounts(sum, m_freshSizes.value(file->fileURL().path(), file->size()));
+            sum = sumOfByteCounts(sum, m_currentSizes.value(file->fileURL().path(), file->size()));
     }
     return sum;
 }
@@ -183,7 +183,7 @@ void LargeFileList::refreshSizes()
     const quint64 question = ++m_question;
     const FileUrls files = selectedURLs();
     if (files.isEmpty())
-        return m_freshSizes.clear();
+        return m_currentSizes.clear();
     if (!m_readSizes)
         return;
     m_readSizes(files, [list = QPointer(this), question, files](const QList<qint64> &sizes) {
@@ -200,9 +200,9 @@ void LargeFileList::picksChanged()
 
 void LargeFileList::takeSizes(const FileUrls &files, const QList<qint64> &sizes)
 {
-    m_freshSizes.clear();
-    m_freshSizes.reserve(files.size());
+    m_currentSizes.clear();
+    m_currentSizes.reserve(files.size());
     for (qsizetype i = 0; i < std::min(files.size(), sizes.size()); ++i)
-        m_freshSizes.insert(files[i].path(), sizes[i]);
+        m_currentSizes.insert(files[i].path(), sizes[i]);
     Q_EMIT sizeStringChanged();
 }

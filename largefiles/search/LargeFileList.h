@@ -78,6 +78,6 @@ private:
     const ReadSizes m_readSizes;
     std::unordered_map<QByteArray, std::unique_ptr<File>> m_byPath;
     std::vector<File *> m_files; ///< in list order; bare, because a row in between moves all below
-    QHash<QByteArray, qint64> m_freshSizes; ///< by path, of files that are or were picked
-    quint64 m_question = 0;                 ///< the number of the latest question for sizes
+    QHash<QByteArray, qint64> m_currentSizes; ///< by path, of files that are or were picked
+    quint64 m_question = 0;                   ///< the number of the latest question for sizes
 };

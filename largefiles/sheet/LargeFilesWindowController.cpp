@@ -50,9 +50,9 @@ LargeFilesWindowController::LargeFilesWindowController(const InterfaceLoader &lo
     : WindowController(loader, parent),
       m_services(std::move(services)),
       m_searchURLs(::searchURLs(m_services.home)),
-      m_freshSizes(m_services.calls, m_services.access),
+      m_currentSizes(m_services.calls, m_services.access),
       m_array([this](const FileUrls &files, LargeFileList::Answer answer) {
-          m_freshSizes.read(files, std::move(answer));
+          m_currentSizes.read(files, std::move(answer));
       }),
       m_search(m_services.calls, m_services.access, m_array),
       m_picture({m_services.calls, m_services.access}, m_icons, m_services.home.home()),

@@ -100,7 +100,7 @@ private:
 
     Services m_services;
     const FileUrls m_searchURLs;
-    CurrentSizeReader m_freshSizes;
+    CurrentSizeReader m_currentSizes;
     LargeFileList m_array;
     SearchJob m_search;
     SearchStatus m_status;

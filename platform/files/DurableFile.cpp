@@ -103,10 +103,10 @@ SystemResult<bool> DurableFile::hasFilesSetAside() const
             return tl::unexpected(filled.error());
         if (*filled == 0)
             return false;
-        DirectoryEntries records({buffer.data(), *filled});
-        DirectoryRecord record;
-        while (records.next(record)) {
-            const QByteArrayView name(record.name);
+        DirectoryEntries entries({buffer.data(), *filled});
+        DirectoryEntry entry;
+        while (entries.next(entry)) {
+            const QByteArrayView name(entry.name);
             if (name.startsWith(m_name + kBad) || name.startsWith(m_name + kPrevious + kBad))
                 return true;
         }

@@ -21,17 +21,17 @@ SystemResult<FolderListing> FolderListing::ofFolder(const SystemCalls &calls, in
             return tl::unexpected(filled.error());
         if (*filled == 0)
             return listing;
-        DirectoryEntries records(space.first(*filled));
-        DirectoryRecord record;
-        while (records.next(record))
-            listing.append(record);
+        DirectoryEntries entries(space.first(*filled));
+        DirectoryEntry entry;
+        while (entries.next(entry))
+            listing.append(entry);
     }
 }
 
-FolderListing FolderListing::ofEntry(const DirectoryRecord &record)
+FolderListing FolderListing::ofEntry(const DirectoryEntry &entry)
 {
     FolderListing listing;
-    listing.append(record);
+    listing.append(entry);
     return listing;
 }
 
@@ -58,8 +58,8 @@ std::vector<FolderListing> FolderListing::takeOut(const NameTest &isWanted)
     return taken;
 }
 
-void FolderListing::append(const DirectoryRecord &record)
+void FolderListing::append(const DirectoryEntry &entry)
 {
-    m_entries.push_back({record.inode, m_names.size() & kMaxOffset, record.kind});
-    m_names.insert(m_names.end(), record.name, record.name + std::strlen(record.name) + 1);
+    m_entries.push_back({entry.inode, m_names.size() & kMaxOffset, entry.kind});
+    m_names.insert(m_names.end(), entry.name, entry.name + std::strlen(entry.name) + 1);
 }

@@ -30,7 +30,7 @@ public:
     static SystemResult<FolderListing> ofFolder(const SystemCalls &calls, int folder,
                                                 std::span<char> space);
     /// A listing of one entry.
-    static FolderListing ofEntry(const DirectoryRecord &record);
+    static FolderListing ofEntry(const DirectoryEntry &entry);
 
     /// Sorts by inode, because on a disk the entries lie in nearly this order.
     void sortByInode();
@@ -47,7 +47,7 @@ public:
     const char *name(const Entry &entry) const { return m_names.data() + entry.nameOffset; }
 
 private:
-    void append(const DirectoryRecord &record);
+    void append(const DirectoryEntry &entry);
 
     std::vector<Entry> m_entries;
     std::vector<char> m_names;

@@ -6,7 +6,7 @@
 #include <span>
 
 /// One entry of a folder, as listed. The name lives in the buffer that was read.
-struct DirectoryRecord
+struct DirectoryEntry
 {
     const char *name = nullptr;
     std::uint64_t inode = 0;
@@ -20,8 +20,8 @@ class DirectoryEntries final
 public:
     explicit DirectoryEntries(std::span<const char> filled) : m_rest(filled) {}
 
-    /// Puts the next entry into `record`; false at the end.
-    bool next(DirectoryRecord &record);
+    /// Puts the next entry into `entry`; false at the end.
+    bool next(DirectoryEntry &entry);
 
 private:
     std::span<const char> m_rest;

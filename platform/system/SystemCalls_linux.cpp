@@ -343,14 +343,14 @@ const SystemCalls &hostSystemCalls()
     return calls;
 }
 
-bool DirectoryEntries::next(DirectoryRecord &record)
+bool DirectoryEntries::next(DirectoryEntry &entry)
 {
     while (!m_rest.empty()) {
-        const auto *entry = reinterpret_cast<const dirent64 *>(m_rest.data());
-        m_rest = m_rest.subspan(entry->d_reclen);
-        if (std::strcmp(entry->d_name, ".") == 0 || std::strcmp(entry->d_name, "..") == 0)
+        const auto *raw = reinterpret_cast<const dirent64 *>(m_rest.data());
+        m_rest = m_rest.subspan(raw->d_reclen);
+        if (std::strcmp(raw->d_name, ".") == 0 || std::strcmp(raw->d_name, "..") == 0)
             continue;
-        record = {entry->d_name, entry->d_ino, kindOfEntry(entry->d_type)};
+        entry = {raw->d_name, raw->d_ino, kindOfEntry(raw->d_type)};
         return true;
     }
     return false;

@@ -42,5 +42,5 @@ struct WalkLevel
 struct WalkShare
 {
     WalkLevel level;
-    std::vector<char> records; ///< as SystemCalls::readEntries filled them
+    std::vector<char> entries; ///< as SystemCalls::readEntries filled them
 };

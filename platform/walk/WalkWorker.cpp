@@ -59,7 +59,7 @@ void WalkWorker::takeWork()
     while (auto share = m_pool.take()) {
         m_waiting += share->level.waiting.count();
         push(std::move(share->level));
-        lookAt(share->records);
+        lookAt(share->entries);
         walkLevels();
     }
 }
@@ -135,21 +135,21 @@ void WalkWorker::listTop()
             return failed("", filled.error());
         if (*filled == 0)
             return;
-        const std::span<const char> records = std::span(m_buffer).first(*filled);
+        const std::span<const char> entries = std::span(m_buffer).first(*filled);
         if (*filled > kFullBufferBytes && m_pool.wantsWork())
-            shareRecords(records);
+            shareEntries(entries);
         else
-            lookAt(records);
+            lookAt(entries);
     }
 }
 
-void WalkWorker::lookAt(std::span<const char> records)
+void WalkWorker::lookAt(std::span<const char> entries)
 {
-    DirectoryEntries list(records);
-    DirectoryRecord record;
-    while (!isStopped() && list.next(record)) {
-        if (!isSkipped(record.name))
-            lookAt(record);
+    DirectoryEntries list(entries);
+    DirectoryEntry entry;
+    while (!isStopped() && list.next(entry)) {
+        if (!isSkipped(entry.name))
+            lookAt(entry);
     }
 }
 
@@ -158,24 +158,24 @@ bool WalkWorker::isSkipped(const char *name) const
     return m_options.hiddenItems == HiddenItems::Skipped && name[0] == '.';
 }
 
-void WalkWorker::lookAt(const DirectoryRecord &record)
+void WalkWorker::lookAt(const DirectoryEntry &entry)
 {
-    if (record.kind == FileKind::Folder)
-        return addSubfolder(record.name);
+    if (entry.kind == FileKind::Folder)
+        return addSubfolder(entry.name);
     const WalkLevel &level = top();
     const bool wantsStatus = level.detail == EntryDetail::Status;
-    if (!wantsStatus && record.kind != FileKind::Unknown)
-        return m_visitor.found({*level.folder, record.name, nullptr});
+    if (!wantsStatus && entry.kind != FileKind::Unknown)
+        return m_visitor.found({*level.folder, entry.name, nullptr});
 
-    const auto status = m_calls.status(topDescriptor(), record.name);
+    const auto status = m_calls.status(topDescriptor(), entry.name);
     if (!status) {
         if (!isTolerated(status.error()))
-            m_visitor.statusFailed(*level.folder, record.name, status.error());
+            m_visitor.statusFailed(*level.folder, entry.name, status.error());
         return;
     }
     if (status->kind == FileKind::Folder)
-        return addSubfolder(record.name);
-    m_visitor.found({*level.folder, record.name, wantsStatus ? &*status : nullptr});
+        return addSubfolder(entry.name);
+    m_visitor.found({*level.folder, entry.name, wantsStatus ? &*status : nullptr});
 }
 
 void WalkWorker::addSubfolder(const char *name)
@@ -232,11 +232,11 @@ void WalkWorker::giveUpWaiting(int error)
     m_waiting = 0;
 }
 
-void WalkWorker::shareRecords(std::span<const char> records)
+void WalkWorker::shareEntries(std::span<const char> entries)
 {
     const WalkLevel &level = top();
     m_pool.give({{level.folder, level.descriptor, level.detail, {}},
-                 std::vector<char>(records.begin(), records.end())});
+                 std::vector<char>(entries.begin(), entries.end())});
 }
 
 /// Gives from the uppermost open level, because the largest part of the work is most likely there.

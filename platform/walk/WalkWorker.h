@@ -36,8 +36,8 @@ private:
     SystemResult<FileDescriptor> openSubfolder(const char *name);
     void push(WalkLevel level);
     void listTop();
-    void lookAt(std::span<const char> records);
-    void lookAt(const DirectoryRecord &record);
+    void lookAt(std::span<const char> entries);
+    void lookAt(const DirectoryEntry &entry);
     void addSubfolder(const char *name);
 
     void leaveTop();
@@ -45,7 +45,7 @@ private:
     void giveUpWaiting(int error);
     void closeUpperLevels(std::size_t openLevels);
 
-    void shareRecords(std::span<const char> records);
+    void shareEntries(std::span<const char> entries);
     void shareSubfolders();
     void failed(const char *name, int error);
 

@@ -194,14 +194,18 @@ void ColorWindow::resizeEvent(QResizeEvent *event)
         m_shadow.announce();
 }
 
+void ColorWindow::mainWindowChanged()
+{
+    for (WindowButton *button : {m_closeButton, m_minimizeButton, m_menuButton})
+        if (button)
+            button->update();
+}
+
 void ColorWindow::changeEvent(QEvent *event)
 {
     QWidget::changeEvent(event);
-    if (event->type() == QEvent::ActivationChange) {
-        for (WindowButton *button : {m_closeButton, m_minimizeButton, m_menuButton})
-            if (button)
-                button->update();
-    }
+    if (event->type() == QEvent::ActivationChange)
+        mainWindowChanged();
     if (event->type() == QEvent::WindowStateChange) {
         setContentsMargins(m_wasShown ? m_shadow.margins() : QMargins());
         layOut();

@@ -75,6 +75,8 @@ protected:
     void mouseReleaseEvent(QMouseEvent *event) override;
 
 private:
+    /// The buttons look otherwise in a window that is not active.
+    void mainWindowChanged();
     void buildChrome();
     void addButtons();
     void addTitle();

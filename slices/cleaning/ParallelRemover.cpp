@@ -36,8 +36,8 @@ struct ParallelRemover::SharedFolder
 class ParallelRemover::Worker final
 {
 public:
-    explicit Worker(ParallelRemover &crew)
-        : m_crew(crew), m_remover(crew.m_steps, crew.m_stop), m_space(kListingSpace)
+    explicit Worker(ParallelRemover &parallel)
+        : m_parallel(parallel), m_remover(parallel.m_steps, parallel.m_stop), m_space(kListingSpace)
     {
     }
 
@@ -48,7 +48,7 @@ private:
     void enter(const Job &job);
     void share(const FolderPointer &folder);
 
-    ParallelRemover &m_crew;
+    ParallelRemover &m_parallel;
     SequentialRemover m_remover;
     std::vector<char> m_space;
 };
@@ -56,15 +56,15 @@ private:
 void ParallelRemover::Worker::run()
 {
     Job job;
-    while (m_crew.take(job)) {
-        if (m_crew.m_stop.stop_requested())
+    while (m_parallel.take(job)) {
+        if (m_parallel.m_stop.stop_requested())
             job.folder->stays = true;
         else if (job.kind == Job::Kind::Deal)
             deal(job);
         else
             enter(job);
-        m_crew.release(std::move(job.folder));
-        m_crew.finishJob();
+        m_parallel.release(std::move(job.folder));
+        m_parallel.finishJob();
     }
 }
 
@@ -73,25 +73,25 @@ void ParallelRemover::Worker::deal(const Job &job)
     SharedFolder &folder = *job.folder;
     std::vector<Job> inside;
     for (std::size_t i = job.first; i < job.last; ++i) {
-        if (m_crew.m_stop.stop_requested()) {
+        if (m_parallel.m_stop.stop_requested()) {
             folder.stays = true;
             break;
         }
         const auto verdict =
-            m_crew.m_steps.deal(folder.ref(i), folder.listing.at(i), folder.held.policy);
+            m_parallel.m_steps.deal(folder.ref(i), folder.listing.at(i), folder.held.policy);
         if (verdict.outcome == EntryOutcome::Stays)
             folder.stays = true;
         else if (verdict.outcome == EntryOutcome::Enter)
             inside.push_back({Job::Kind::Enter, job.folder, i, i + 1, verdict.inside});
     }
     folder.openWork += inside.size();
-    m_crew.add(std::move(inside));
+    m_parallel.add(std::move(inside));
 }
 
 void ParallelRemover::Worker::enter(const Job &job)
 {
     const EntryRef ref = job.folder->ref(job.first);
-    auto entered = m_crew.m_steps.enter(ref, m_space);
+    auto entered = m_parallel.m_steps.enter(ref, m_space);
     if (!entered) {
         if (entered.error() == EntryOutcome::Stays)
             job.folder->stays = true;
@@ -105,19 +105,19 @@ void ParallelRemover::Worker::enter(const Job &job)
     folder->held = {folder->owned.get(), ref.path() + '/', job.inside};
     folder->stays = job.inside == EntryPolicy::Judged;
     folder->formerRights = entered->formerRights;
-    if (m_crew.m_aliveFolders++ < kMostFolders) {
+    if (m_parallel.m_aliveFolders++ < kMostFolders) {
         folder->listing = std::move(entered->listing);
         share(folder);
     } else if (!m_remover.removeListed(folder->held, std::move(entered->listing))) {
         folder->stays = true;
     }
-    m_crew.release(folder);
+    m_parallel.release(folder);
 }
 
 /// Hands out all stretches of the folder except the first, which this thread takes at once.
 void ParallelRemover::Worker::share(const FolderPointer &folder)
 {
-    m_crew.add(m_crew.stretchesOf(folder, kStretch));
+    m_parallel.add(m_parallel.stretchesOf(folder, kStretch));
     deal({Job::Kind::Deal, folder, 0, std::min(kStretch, folder->listing.size())});
 }
 

@@ -1,6 +1,6 @@
 #include "slices/home/KnownPrograms.h"
 
-#include "slices/home/Enumeration.h"
+#include "slices/record/Enumeration.h"
 
 #include <algorithm>
 

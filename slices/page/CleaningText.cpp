@@ -4,7 +4,7 @@
 #include "slices/cleaning/CleaningReport.h"
 #include "slices/cleaning/RefusalText.h"
 #include "slices/exclusions/ExcludedPaths.h"
-#include "slices/home/Enumeration.h"
+#include "slices/record/Enumeration.h"
 #include "slices/record/Info.h"
 #include "slices/record/SliceCatalogue.h"
 

@@ -124,7 +124,7 @@ void TestLargeFileSearch::searchesTheFoldersThatTheHomeNames()
     const FileUrl home = FileUrl::fromPath("/home/anna", FileUrlKind::Folder);
     const FileUrls named{home.appending("Dokumente", FileUrlKind::Folder),
                          home.appending("Bilder", FileUrlKind::Folder)};
-    HomeLayout::Places places;
+    HomeLayout::Findings findings;
     places.searchFolders = named;
     QCOMPARE(searchURLs(HomeLayout::freedesktop(home, places)), named);
     QCOMPARE(searchURLs(HomeLayout::withLibrary(home)), searchURLs(home));

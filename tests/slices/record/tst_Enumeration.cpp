@@ -1,4 +1,4 @@
-#include "slices/home/Enumeration.h"
+#include "slices/record/Enumeration.h"
 #include "tests/support/run/TestMain.h"
 
 class TestEnumeration final : public QObject
