@@ -32,21 +32,21 @@ std::optional<FileUrl> folderSizeBook(const FileUrl &location)
 /// One folder of the trash: each has a rule of its own.
 QList<SliceToClean> trashToClean(const QString &name, const FileUrl &location)
 {
+    QList<SliceToClean> slices;
+    if (const std::optional<FileUrl> book = folderSizeBook(location)) {
+        slices.append({.name = name,
+                       .fileURLs = {*book},
+                       .content = SliceContent::Files,
+                       .whatGoes = RemovalScope::RegularFiles,
+                       .onlyWith = location});
+    }
     const bool holdsTrashInfo = location.path().endsWith("/info");
-    const SliceToClean folder{.name = name,
-                              .fileURLs = {location},
-                              .readOnlyFolders = ReadOnlyFolders::Emptied,
-                              .whatGoes = holdsTrashInfo ? RemovalScope::LoneTrashInfo
-                                                         : RemovalScope::Everything};
-    const std::optional<FileUrl> book = folderSizeBook(location);
-    if (!book)
-        return {folder};
-    return {{.name = name,
-             .fileURLs = {*book},
-             .content = SliceContent::Files,
-             .whatGoes = RemovalScope::RegularFiles,
-             .onlyWith = location},
-            folder};
+    slices.append(
+        {.name = name,
+         .fileURLs = {location},
+         .readOnlyFolders = ReadOnlyFolders::Emptied,
+         .whatGoes = holdsTrashInfo ? RemovalScope::LoneTrashInfo : RemovalScope::Everything});
+    return slices;
 }
 
 /// All of a slice but the trash.

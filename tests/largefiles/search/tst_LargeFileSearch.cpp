@@ -125,8 +125,8 @@ void TestLargeFileSearch::searchesTheFoldersThatTheHomeNames()
     const FileUrls named{home.appending("Dokumente", FileUrlKind::Folder),
                          home.appending("Bilder", FileUrlKind::Folder)};
     HomeLayout::Findings findings;
-    places.searchFolders = named;
-    QCOMPARE(searchURLs(HomeLayout::freedesktop(home, places)), named);
+    findings.searchFolders = named;
+    QCOMPARE(searchURLs(HomeLayout::freedesktop(home, findings)), named);
     QCOMPARE(searchURLs(HomeLayout::withLibrary(home)), searchURLs(home));
 }
 

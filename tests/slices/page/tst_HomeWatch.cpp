@@ -5,8 +5,8 @@
 #include "tests/support/disk/SlowDisk.h"
 #include "tests/support/page/FirefoxProfiles.h"
 #include "tests/support/page/PageFixture.h"
-#include "tests/support/run/GuiTestMain.h"
 #include "tests/support/run/BackgroundThreadsAwaited.h"
+#include "tests/support/run/GuiTestMain.h"
 
 #include <QSignalSpy>
 #include <unistd.h>

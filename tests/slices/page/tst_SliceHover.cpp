@@ -9,8 +9,8 @@
 #include "tests/support/disk/SlowDisk.h"
 #include "tests/support/page/FirefoxProfiles.h"
 #include "tests/support/page/PageFixture.h"
-#include "tests/support/run/GuiTestMain.h"
 #include "tests/support/run/BackgroundThreadsAwaited.h"
+#include "tests/support/run/GuiTestMain.h"
 #include "widgets/ImageButton.h"
 
 #include <QLabel>
