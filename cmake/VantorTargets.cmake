@@ -23,6 +23,12 @@ function(vantor_room)
     endif()
 endfunction()
 
+# Seconds until a test is given up. The sanitizers make it several times as slow.
+set(VANTOR_TEST_TIMEOUT 240)
+if(VANTOR_SANITIZE)
+    set(VANTOR_TEST_TIMEOUT 960)
+endif()
+
 # Targets for a run of only some tests: each builds the tests with the ctest label of its name.
 add_custom_target(fast-tests)
 add_custom_target(engine-tests)
@@ -70,7 +76,7 @@ function(vantor_tests)
         target_link_libraries(${name} PRIVATE vantor_options ${ARG_LINKS} Qt6::Test ${support})
         vantor_precompile(${name} ${headers})
         add_test(NAME ${folder}/${name} COMMAND ${name})
-        set_tests_properties(${folder}/${name} PROPERTIES LABELS "${labels}" TIMEOUT 240 ENVIRONMENT
+        set_tests_properties(${folder}/${name} PROPERTIES LABELS "${labels}" TIMEOUT ${VANTOR_TEST_TIMEOUT} ENVIRONMENT
             "QT_QPA_PLATFORM=offscreen;DBUS_SESSION_BUS_ADDRESS=disabled:;LANG=C.UTF-8;LC_ALL=C.UTF-8;QTWEBENGINE_DISABLE_SANDBOX=1;TSAN_OPTIONS=die_after_fork=0:suppressions='${PROJECT_SOURCE_DIR}/tests/support/tsan.supp';LSAN_OPTIONS=print_suppressions=0:suppressions='${PROJECT_SOURCE_DIR}/tests/support/lsan.supp'")
         foreach(label ${labels})
             add_dependencies(${label}-tests ${name})
