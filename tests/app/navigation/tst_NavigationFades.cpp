@@ -1,5 +1,6 @@
 #include "app/navigation/BFNavigationController.h"
 
+#include "platform/look/Pace.h"
 #include "platform/look/ViewAlpha.h"
 #include "tests/app/navigation/RecordingPage.h"
 #include "tests/support/page/RunningFade.h"
@@ -16,6 +17,8 @@ class TestNavigationFades final : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void cleanup() { setPace(1); }
+
     void tellsBeforeAtOnceAndAfterThePause();
     void pausesForThreeQuartersOfASecond();
     void fadesOutThenShowsTheGroundThenFadesIn();
@@ -95,6 +98,7 @@ void TestNavigationFades::fadesOutThenShowsTheGroundThenFadesIn()
 
 void TestNavigationFades::leavesThePageThatWentInvisible()
 {
+    setPace(0);
     Wizard wizard;
     wizard.navigation.pushViewController(&wizard.b, Animated::Yes);
     QTRY_VERIFY(hasAppeared(wizard, "B"));
@@ -104,6 +108,7 @@ void TestNavigationFades::leavesThePageThatWentInvisible()
 
 void TestNavigationFades::staysInvisibleWhenShownWithoutAnimation()
 {
+    setPace(0);
     Wizard wizard;
     wizard.navigation.pushViewController(&wizard.b, Animated::Yes);
     QTRY_VERIFY(hasAppeared(wizard, "B"));
@@ -115,6 +120,7 @@ void TestNavigationFades::staysInvisibleWhenShownWithoutAnimation()
 
 void TestNavigationFades::staysInvisibleAsTheRootOfAnotherStack()
 {
+    setPace(0);
     Wizard wizard;
     wizard.navigation.pushViewController(&wizard.b, Animated::Yes);
     QTRY_VERIFY(hasAppeared(wizard, "B"));
@@ -133,6 +139,7 @@ void TestNavigationFades::staysInvisibleAsTheRootOfAnotherStack()
 
 void TestNavigationFades::comesBackWithAnAnimation()
 {
+    setPace(0);
     Wizard wizard;
     wizard.navigation.pushViewController(&wizard.b, Animated::Yes);
     QTRY_VERIFY(hasAppeared(wizard, "B"));
@@ -144,6 +151,7 @@ void TestNavigationFades::comesBackWithAnAnimation()
 
 void TestNavigationFades::fillsTheStackWithThePage()
 {
+    setPace(0);
     Wizard wizard;
     wizard.b.view()->setGeometry(5, 6, 70, 80);
     wizard.navigation.pushViewController(&wizard.b, Animated::Yes);
@@ -155,6 +163,7 @@ void TestNavigationFades::fillsTheStackWithThePage()
 
 void TestNavigationFades::writesNothingToTheLog()
 {
+    setPace(0);
     Wizard wizard;
     const LogRecorder log;
     wizard.navigation.pushViewController(&wizard.b, Animated::Yes);
@@ -215,6 +224,7 @@ void TestNavigationFades::survivesAPageThatDiesInThePause_data()
 
 void TestNavigationFades::survivesAPageThatDiesInThePause()
 {
+    setPace(0);
     QFETCH(bool, isIncoming);
     Calls calls;
     RecordingPage last("last", calls);
