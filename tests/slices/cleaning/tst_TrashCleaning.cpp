@@ -18,6 +18,25 @@ namespace {
 
 const QByteArray kTrash = ".local/share/Trash/";
 
+#ifdef __SANITIZE_THREAD__
+constexpr bool kIsOneThreadDue = true;
+#else
+constexpr bool kIsOneThreadDue = false;
+#endif
+
+/// Under the thread sanitizer a child of a process that has several threads is to start none, for
+/// it takes them for those of its parent: there a cleaning believes that no disk is waited for.
+class ChildsCalls final : public ForwardingSystemCalls
+{
+public:
+    explicit ChildsCalls(const SystemCalls &calls) : ForwardingSystemCalls({}, calls) {}
+
+    bool isInMemory(int descriptor) const override
+    {
+        return kIsOneThreadDue || ForwardingSystemCalls::isInMemory(descriptor);
+    }
+};
+
 struct Trash
 {
     MadeTree tree;
@@ -59,7 +78,7 @@ struct Trash
                      const std::stop_token &stop = {}) const
     {
         const auto work = [&] {
-            std::fputs(cleaned(kind, excluded, calls, stop).constData(), stderr);
+            std::fputs(cleaned(kind, excluded, ChildsCalls(calls), stop).constData(), stderr);
             return 0;
         };
         // The log comes the same way, before the result.
@@ -204,7 +223,7 @@ void TestTrashCleaning::leavesTheRightsOfWhatWasPutBack()
     const auto record =
         Info::infoWithName(QStringLiteral("Trash"), layout.locations(SliceKind::Trash));
     Trash::runAsOwner([&] {
-        ::clean(trash.access, slicesToClean(layout, {record}), {}, calls);
+        ::clean(trash.access, slicesToClean(layout, {record}), {}, ChildsCalls(calls));
         return 0;
     });
     QVERIFY(trash.has(album + "2/inside"));
