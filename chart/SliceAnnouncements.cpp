@@ -1,6 +1,7 @@
 #include "chart/SliceAnnouncements.h"
 
 #include <QAccessible>
+#include <QWidget>
 
 namespace {
 

@@ -19,7 +19,7 @@ bool isPlayKey(const QKeyEvent &event)
 } // namespace
 
 PreviewPanel::PreviewPanel(FileReading reading, QWidget *parent)
-    : QWidget(parent), m_reading(reading), m_card(new PreviewCard(this))
+    : QWidget(parent), m_reading(std::move(reading)), m_card(new PreviewCard(this))
 {
     setFocusPolicy(Qt::StrongFocus);
     setAccessibleName(tr("Preview"));

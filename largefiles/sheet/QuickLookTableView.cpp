@@ -95,7 +95,7 @@ void QuickLookTableView::keyPressEvent(QKeyEvent *event)
         Q_EMIT togglePressed();
         return;
     }
-    if (event->key() == Qt::Key_Down && selectedRows().isEmpty() && model() &&
+    if (event->key() == Qt::Key_Down && selectedRows().isEmpty() && model() != nullptr &&
         model()->rowCount() > 0) {
         event->accept();
         selectRow(0); // whichever row was current when the list filled
@@ -139,7 +139,7 @@ void QuickLookTableView::contextMenuEvent(QContextMenuEvent *event)
 void QuickLookTableView::paintEvent(QPaintEvent *event)
 {
     QTableView::paintEvent(event);
-    if (m_emptyText.isEmpty() || (model() && model()->rowCount() > 0))
+    if (m_emptyText.isEmpty() || (model() != nullptr && model()->rowCount() > 0))
         return;
     QPainter painter(viewport());
     painter.setFont(interfaceFont(Typeface::Light, kEmptyTextSize));

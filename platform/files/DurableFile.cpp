@@ -82,7 +82,7 @@ SystemResult<QByteArray> DurableFile::setAside(Generation generation)
     if (generation == Generation::Current)
         m_known.reset();
     const QByteArray name = nameOf(generation);
-    const auto badName = freeNameForBad(name);
+    auto badName = freeNameForBad(name);
     if (!badName)
         return badName;
     if (const auto moved = m_calls.rename(m_folder.get(), name, *badName); !moved)
@@ -92,11 +92,11 @@ SystemResult<QByteArray> DurableFile::setAside(Generation generation)
 
 SystemResult<bool> DurableFile::hasFilesSetAside() const
 {
-    constexpr std::size_t kBufferSize = 32 * 1024;
+    constexpr std::size_t kBufferSize = std::size_t{32} * 1024;
     const auto folder = m_calls.openFolder(m_folder.get(), ".", Descent::Strict);
     if (!folder)
         return tl::unexpected(folder.error());
-    alignas(std::max_align_t) std::array<char, kBufferSize> buffer;
+    alignas(std::max_align_t) std::array<char, kBufferSize> buffer{};
     for (;;) {
         const auto filled = m_calls.readEntries(folder->get(), buffer);
         if (!filled)
@@ -133,12 +133,12 @@ DurableContent DurableFile::readNamed(const QByteArray &name) const
 
 SystemResult<QByteArray> DurableFile::readAll(const QByteArray &name) const
 {
-    constexpr std::size_t kBufferSize = 64 * 1024;
+    constexpr std::size_t kBufferSize = std::size_t{64} * 1024;
     const auto file = m_calls.openFile(m_folder.get(), name);
     if (!file)
         return tl::unexpected(file.error());
     QByteArray bytes;
-    std::array<char, kBufferSize> buffer;
+    std::array<char, kBufferSize> buffer{};
     // A file that is too large is read no further: cut short, it has no checksum.
     while (bytes.size() <= kLargestContent + kChecksumLength) {
         const auto count = m_calls.read(file->get(), buffer);

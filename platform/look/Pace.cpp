@@ -2,16 +2,20 @@
 
 namespace {
 
-int pace = 1;
+int &pace()
+{
+    static int factor = 1;
+    return factor;
+}
 
 } // namespace
 
 void setPace(int factor)
 {
-    pace = factor;
+    pace() = factor;
 }
 
 std::chrono::milliseconds paced(std::chrono::milliseconds duration)
 {
-    return duration * pace;
+    return duration * pace();
 }

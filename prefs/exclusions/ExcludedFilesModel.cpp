@@ -4,7 +4,6 @@
 
 #include <QPointer>
 #include <algorithm>
-#include <ranges>
 
 namespace {
 
@@ -160,7 +159,7 @@ void ExcludedFilesModel::appendPaths(const QList<QByteArray> &paths)
     for (const QByteArray &path : paths)
         urls.append(FileUrl::fromPath(path, FileUrlKind::File));
     append(urls);
-    for (Row &row : std::ranges::subrange(m_rows.end() - urls.size(), m_rows.end()))
+    for (Row &row : rowsFrom(m_rows.size() - urls.size()))
         row.isOfOpenKind = true;
 }
 
@@ -180,11 +179,17 @@ void ExcludedFilesModel::lookAgain()
 }
 
 /// Looks at the rows from this one on, and measures those without a size.
+std::span<ExcludedFilesModel::Row> ExcludedFilesModel::rowsFrom(qsizetype first)
+{
+    return std::span(m_rows.data(), static_cast<std::size_t>(m_rows.size()))
+        .subspan(static_cast<std::size_t>(first));
+}
+
 void ExcludedFilesModel::prepare(int firstRow)
 {
     QList<QByteArray> paths;
     QList<std::shared_ptr<File>> files;
-    for (Row &row : std::ranges::subrange(m_rows.begin() + firstRow, m_rows.end())) {
+    for (Row &row : rowsFrom(firstRow)) {
         if (row.unreadable)
             continue;
         paths.append(row.file->fileURL().path());

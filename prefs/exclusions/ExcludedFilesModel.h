@@ -3,6 +3,7 @@
 #include "prefs/exclusions/FileToView.h"
 
 #include <QAbstractTableModel>
+#include <span>
 
 /// The excluded files and folders as a table: icon, name and folder in one column, the size in the
 /// other. Sizes and icons come in the background. An entry of the settings that cannot be read
@@ -66,6 +67,7 @@ private:
     QVariant pathData(const Row &row, int role) const;
     QVariant sizeData(const Row &row, int role) const;
     void forgetRows();
+    std::span<Row> rowsFrom(qsizetype first);
     void prepare(int firstRow);
     void measure(Row &row);
     void takeFacts(const File *file, const FileFacts &facts);

@@ -16,6 +16,8 @@
 
 namespace {
 
+constexpr QByteArrayView kOnThisMachine("file://localhost/");
+
 const QString kUriList = QStringLiteral("text/uri-list");
 constexpr int kHintSize = 15;
 constexpr QColor kHintColour(150, 156, 163);
@@ -114,7 +116,7 @@ void ExcludedFilesView::paintEvent(QPaintEvent *event)
     QTableView::paintEvent(event);
     QPainter painter(viewport());
     painter.setRenderHint(QPainter::Antialiasing);
-    if (model() && model()->rowCount() == 0)
+    if (model() != nullptr && model()->rowCount() == 0)
         paintHint(painter);
     if (m_isDropTarget) {
         painter.setPen(QPen(QGuiApplication::palette().color(QPalette::Highlight), 2));
@@ -151,8 +153,8 @@ QList<QByteArray> pathsOfUriList(const QByteArray &uriList)
     QList<QByteArray> paths;
     for (const QByteArray &line : uriList.split('\n')) {
         QByteArray text = escaped(line.trimmed());
-        if (text.startsWith("file://localhost/"))
-            text.remove(7, 9);
+        if (text.startsWith(kOnThisMachine))
+            text.replace(0, kOnThisMachine.size(), "file:///");
         // Not through QUrl: it would change the bytes of names that are no UTF-8.
         if (const auto url = FileUrl::fromString(QString::fromLatin1(text)))
             paths.append(url->path());

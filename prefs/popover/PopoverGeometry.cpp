@@ -66,7 +66,7 @@ Qt::Edge chosenEdge(const QRectF &anchor, QSizeF body, const QRectF &bounds, Qt:
         const QPointF out = outward(edge);
         return reach(bounds, out) - reach(anchor, out) - 2 * halfAlong(body, out) - kArrowHeight;
     };
-    const auto fitting =
+    const auto *const fitting =
         std::find_if(edges.begin(), edges.end(), [&](Qt::Edge edge) { return spare(edge) >= 0; });
     if (fitting != edges.end())
         return *fitting;

@@ -12,9 +12,11 @@
 /// Where the parts with the web engine are. Either may be missing.
 struct WebTutorialFiles
 {
-    QString plugin;                                             ///< empty where there is none
-    QString probe;                                              ///< vantor-tutorial-probe
-    std::chrono::milliseconds limit = std::chrono::seconds(15); ///< of the probe's run
+    static constexpr std::chrono::seconds kProbeLimit{15};
+
+    QString plugin;                                ///< empty where there is none
+    QString probe;                                 ///< vantor-tutorial-probe
+    std::chrono::milliseconds limit = kProbeLimit; ///< of the probe's run
 
     /// The files in the program's folder, where they are built, or else those in ../lib/vantor.
     static WebTutorialFiles

@@ -41,7 +41,7 @@ void WebTutorialView::takeEnd(bool isShown)
 
 void WebTutorialView::showText()
 {
-    const bool hadFocus = m_webView && m_webView->isAncestorOf(window()->focusWidget());
+    const bool hadFocus = m_webView != nullptr && m_webView->isAncestorOf(window()->focusWidget());
     if (m_webView) {
         m_webView->hide();
         m_webView->deleteLater(); // it may be the caller

@@ -19,7 +19,7 @@ public:
     void load(const QUrl &page) override;
 
     /// Whether the engine shows the page.
-    bool isWeb() const { return m_webView; }
+    bool isWeb() const { return m_webView != nullptr; }
 
 Q_SIGNALS:
     /// The engine has the page, or rich text took its place.

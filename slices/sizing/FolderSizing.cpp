@@ -85,7 +85,7 @@ private:
     /// Whether a cleaning will make the folder allow removal. The location itself keeps its rights.
     bool willAllowRemoval(const WalkedFolder &folder) const
     {
-        return m_rules.readOnlyFolders == ReadOnlyFolders::Emptied && folder.parent() &&
+        return m_rules.readOnlyFolders == ReadOnlyFolders::Emptied && folder.parent() != nullptr &&
                isNotImmutable(folder.status()) && isOwnAndReadOnly(folder.status(), m_user);
     }
 

@@ -28,8 +28,8 @@ void ResourcesOnly::interceptRequest(QWebEngineUrlRequestInfo &info)
     info.block(!isResource(info.requestUrl()));
 }
 
-LocalPage::LocalPage(const QUrl &url, QWebEngineProfile &profile, QObject *parent)
-    : QWebEnginePage(&profile, parent), m_url(url)
+LocalPage::LocalPage(QUrl url, QWebEngineProfile &profile, QObject *parent)
+    : QWebEnginePage(&profile, parent), m_url(std::move(url))
 {
     setAudioMuted(true);
     setBackgroundColor(Qt::white);
@@ -47,8 +47,8 @@ bool LocalPage::acceptNavigationRequest(const QUrl &url, NavigationType, bool)
     return url == m_url && isResource(url);
 }
 
-PageView::PageView(const QUrl &url, QWebEngineProfile &profile, std::function<void(bool)> ended,
-                   QWidget *parent)
+PageView::PageView(const QUrl &url, QWebEngineProfile &profile,
+                   const std::function<void(bool)> &ended, QWidget *parent)
     : QWebEngineView(parent)
 {
     setContextMenuPolicy(Qt::NoContextMenu);

@@ -17,7 +17,7 @@ public:
 class LocalPage final : public QWebEnginePage
 {
 public:
-    LocalPage(const QUrl &url, QWebEngineProfile &profile, QObject *parent);
+    LocalPage(QUrl url, QWebEngineProfile &profile, QObject *parent);
 
 protected:
     bool acceptNavigationRequest(const QUrl &url, NavigationType type, bool isMainFrame) override;
@@ -32,7 +32,7 @@ class PageView final : public QWebEngineView
 {
 public:
     /// `ended` as of TutorialEngine::makeView().
-    PageView(const QUrl &url, QWebEngineProfile &profile, std::function<void(bool)> ended,
+    PageView(const QUrl &url, QWebEngineProfile &profile, const std::function<void(bool)> &ended,
              QWidget *parent);
 
 protected:
