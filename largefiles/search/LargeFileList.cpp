@@ -14,6 +14,13 @@ LargeFileList::LargeFileList(ReadSizes readSizes, QObject *parent)
 
 LargeFileList::~LargeFileList() = default;
 
+bool LargeFileList::LargestFirst::operator()(const File *file, const File *other) const
+{
+    if (file->size() != other->size())
+        return file->size() > other->size();
+    return file->fileURL().path() < other->fileURL().path();
+}
+
 int LargeFileList::rowCount(const QModelIndex &parent) const
 {
     return parent.isValid() ? 0 : static_cast<int>(m_files.size());
@@ -63,6 +70,8 @@ bool LargeFileList::insert(const File &file)
     if (!isNew)
         return false;
     entry->second = std::make_unique<File>(file);
+    if (file.isAdded())
+        m_picked.insert(entry->second.get());
     const auto isLarger = [](qint64 size, const File *listed) { return size > listed->size(); };
     const auto place = std::upper_bound(m_files.begin(), m_files.end(), file.size(), isLarger);
     const int row = static_cast<int>(place - m_files.begin());
@@ -84,19 +93,19 @@ void LargeFileList::remove(const FileUrls &files)
     const auto goes = [&](std::size_t row) {
         return going.contains(m_files[row]->fileURL().path());
     };
-    bool hadPicks = false;
+    const std::size_t picked = m_picked.size();
     for (std::size_t end = m_files.size(); end > 0; --end) {
         if (!goes(end - 1))
             continue;
         std::size_t first = end;
-        for (; first > 0 && goes(first - 1); --first)
-            hadPicks = hadPicks || m_files[first - 1]->isAdded();
+        while (first > 0 && goes(first - 1))
+            --first;
         removeRun(first, end);
         if (first == 0)
             break;
         end = first;
     }
-    if (hadPicks)
+    if (m_picked.size() != picked)
         picksChanged();
 }
 
@@ -105,8 +114,10 @@ void LargeFileList::removeRun(std::size_t first, std::size_t end)
     beginRemoveRows({}, static_cast<int>(first), static_cast<int>(end) - 1);
     const auto from = m_files.begin() + static_cast<std::ptrdiff_t>(first);
     const auto to = m_files.begin() + static_cast<std::ptrdiff_t>(end);
-    for (auto file = from; file != to; ++file)
+    for (auto file = from; file != to; ++file) {
+        m_picked.erase(*file);
         m_byPath.erase((*file)->fileURL().path());
+    }
     m_files.erase(from, to);
     endRemoveRows();
 }
@@ -114,6 +125,7 @@ void LargeFileList::removeRun(std::size_t first, std::size_t end)
 void LargeFileList::deleteData()
 {
     beginResetModel();
+    m_picked.clear();
     m_files.clear();
     m_byPath.clear();
     endResetModel();
@@ -125,6 +137,15 @@ void LargeFileList::toggle(int row)
     setAdded({row}, !fileAt(row).isAdded());
 }
 
+void LargeFileList::setAdded(File &file, bool isAdded)
+{
+    file.setIsAdded(isAdded);
+    if (isAdded)
+        m_picked.insert(&file);
+    else
+        m_picked.erase(&file);
+}
+
 void LargeFileList::setAdded(const QList<int> &rows, bool isAdded)
 {
     int first = rowCount();
@@ -133,7 +154,7 @@ void LargeFileList::setAdded(const QList<int> &rows, bool isAdded)
         File &file = *m_files[std::size_t(row)];
         if (file.isAdded() == isAdded)
             continue;
-        file.setIsAdded(isAdded);
+        setAdded(file, isAdded);
         first = std::min(first, row);
         last = std::max(last, row);
     }
@@ -149,6 +170,7 @@ void LargeFileList::dropPicks()
         return;
     for (File *file : m_files)
         file->setIsAdded(false);
+    m_picked.clear();
     Q_EMIT dataChanged(index(0), index(rowCount() - 1), {IsAddedRole, Qt::AccessibleTextRole});
     picksChanged();
 }
@@ -156,20 +178,17 @@ void LargeFileList::dropPicks()
 FileUrls LargeFileList::selectedURLs() const
 {
     FileUrls urls;
-    for (const File *file : m_files) {
-        if (file->isAdded())
-            urls.append(file->fileURL());
-    }
+    urls.reserve(static_cast<qsizetype>(m_picked.size()));
+    for (const File *file : m_picked)
+        urls.append(file->fileURL());
     return urls;
 }
 
 qint64 LargeFileList::selectedSize() const
 {
     qint64 sum = 0;
-    for (const File *file : m_files) {
-        if (file->isAdded())
-            sum = sumOfByteCounts(sum, m_currentSizes.value(file->fileURL().path(), file->size()));
-    }
+    for (const File *file : m_picked)
+        sum = sumOfByteCounts(sum, m_currentSizes.value(file->fileURL().path(), file->size()));
     return sum;
 }
 

@@ -6,6 +6,7 @@
 #include <QHash>
 #include <functional>
 #include <memory>
+#include <set>
 #include <unordered_map>
 #include <vector>
 
@@ -58,7 +59,7 @@ public:
     /// Unpicks every file.
     void dropPicks();
 
-    /// The picked files, in list order.
+    /// The picked files, the largest first.
     FileUrls selectedURLs() const;
     /// The picked total in bytes, and as people read it.
     qint64 selectedSize() const;
@@ -70,7 +71,13 @@ Q_SIGNALS:
     void sizeStringChanged();
 
 private:
+    /// Equal sizes go by path: what is picked has one order.
+    struct LargestFirst {
+        bool operator()(const File *file, const File *other) const;
+    };
+
     static QString accessibleText(const File &file);
+    void setAdded(File &file, bool isAdded);
     void removeRun(std::size_t first, std::size_t end);
     void picksChanged();
     void takeSizes(const FileUrls &files, const QList<qint64> &sizes);
@@ -78,6 +85,8 @@ private:
     const ReadSizes m_readSizes;
     std::unordered_map<QByteArray, std::unique_ptr<File>> m_byPath;
     std::vector<File *> m_files; ///< in list order; bare, because a row in between moves all below
+    /// Apart, so that a pick costs what is picked and not what is listed.
+    std::set<const File *, LargestFirst> m_picked;
     QHash<QByteArray, qint64> m_currentSizes; ///< by path, of files that are or were picked
     quint64 m_question = 0;                   ///< the number of the latest question for sizes
 };
