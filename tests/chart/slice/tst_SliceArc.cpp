@@ -1,26 +1,11 @@
 #include "chart/slice/SliceArc.h"
-
+#include "tests/chart/slice/CountingDelegate.h"
 #include "tests/support/run/GuiTestMain.h"
 
 namespace {
 
 constexpr MediaTime kBegin{100};
 constexpr MediaTime kDuration{1};
-
-/// Counts its calls.
-class CountingDelegate final : public ArcAnimationDelegate
-{
-public:
-    int started = 0;
-    int finished = 0;
-    int interrupted = 0;
-
-    void animationDidStart(const ArcAnimation &) override { ++started; }
-    void animationDidStop(const ArcAnimation &, Completion completion) override
-    {
-        ++(completion == Completion::Finished ? finished : interrupted);
-    }
-};
 
 } // namespace
 

@@ -1,4 +1,5 @@
 #include "chart/slice/SliceLayer.h"
+#include "tests/chart/slice/CountingDelegate.h"
 #include "tests/support/run/GuiTestMain.h"
 
 #include <cmath>
@@ -7,20 +8,6 @@
 using std::numbers::pi;
 
 namespace {
-
-class Listener final : public ArcAnimationDelegate
-{
-public:
-    int started = 0;
-    int finished = 0;
-    int interrupted = 0;
-
-    void animationDidStart(const ArcAnimation &) override { ++started; }
-    void animationDidStop(const ArcAnimation &, Completion completion) override
-    {
-        ++(completion == Completion::Finished ? finished : interrupted);
-    }
-};
 
 constexpr MediaTime kBegin(100);
 constexpr MediaTime kDuration(1);
@@ -50,7 +37,7 @@ private Q_SLOTS:
     void showsItsLabelAccordingToItsWidth();
 
 private:
-    Listener m_listener;
+    CountingDelegate m_listener;
 };
 
 void TestSliceLayer::animatesFromTheGivenValueWhenNeverShown()
@@ -87,7 +74,7 @@ void TestSliceLayer::setsTheModelAtOnceAndTheScreenByAndBy()
 
 void TestSliceLayer::continuesFromTheScreenWhenInterrupted()
 {
-    Listener listener;
+    CountingDelegate listener;
     SliceLayer layer;
     layer.createArcAnimationForKey(ArcKey::StartAngle, 0, 2, listener);
     layer.arc().beginAnimations(kBegin, kDuration);
@@ -103,7 +90,7 @@ void TestSliceLayer::continuesFromTheScreenWhenInterrupted()
 
 void TestSliceLayer::interruptsOnlyTheAnimationOfTheSameAngle()
 {
-    Listener listener;
+    CountingDelegate listener;
     SliceLayer layer;
     layer.createArcAnimationForKey(ArcKey::StartAngle, 0, 2, listener);
     layer.createArcAnimationForKey(ArcKey::EndAngle, 0, 3, listener);
@@ -115,7 +102,7 @@ void TestSliceLayer::interruptsOnlyTheAnimationOfTheSameAngle()
 
 void TestSliceLayer::finishesAnimationsThatAreOver()
 {
-    Listener listener;
+    CountingDelegate listener;
     SliceLayer layer;
     layer.createArcAnimationForKey(ArcKey::StartAngle, 0, 2, listener);
     layer.arc().beginAnimations(kBegin, kDuration);
@@ -130,7 +117,7 @@ void TestSliceLayer::finishesAnimationsThatAreOver()
 
 void TestSliceLayer::keepsTheModelWhenAnimationsAreRemoved()
 {
-    Listener listener;
+    CountingDelegate listener;
     SliceLayer layer;
     layer.createArcAnimationForKey(ArcKey::StartAngle, 0, 2, listener);
     layer.createArcAnimationForKey(ArcKey::EndAngle, 0, 3, listener);

@@ -4,11 +4,11 @@
 #include "tests/support/disk/FolderAccess.h"
 #include "tests/support/disk/ScratchFolder.h"
 #include "tests/support/run/GuiTestMain.h"
+#include "tests/support/run/ProcessEnd.h"
 
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QTest>
-#include <csignal>
 #include <thread>
 
 /// Programs that make thumbnails: small scripts here.
@@ -63,15 +63,10 @@ private:
                              128, stop, patience);
     }
 
-    /// The process whose number a program has left behind is gone, or is about to be.
+    /// Of the process whose number a program left in the file.
     bool hasEnded(const QByteArray &numberFile) const
     {
-        const pid_t number = read(numberFile).trimmed().toInt();
-        return number > 0 && QTest::qWaitFor([number] {
-                   QFile status(QStringLiteral("/proc/%1/stat").arg(number));
-                   return ::kill(number, 0) != 0 ||
-                          (status.open(QIODevice::ReadOnly) && status.readAll().contains(") Z "));
-               });
+        return ::hasEnded(read(numberFile).trimmed().toInt());
     }
 
 private Q_SLOTS:

@@ -1,12 +1,12 @@
 #include "platform/system/ConfinedProcess.h"
 #include "platform/system/FileDescriptor.h"
 #include "tests/support/disk/ScratchFolder.h"
+#include "tests/support/run/ProcessEnd.h"
 #include "tests/support/run/TestMain.h"
 
 #include <QElapsedTimer>
 #include <QFile>
 #include <QTest>
-#include <csignal>
 #include <fcntl.h>
 #include <thread>
 
@@ -44,15 +44,10 @@ private:
         return process;
     }
 
-    /// Whether the process whose number a program left in the file is gone or is just ending.
+    /// Of the process whose number a program left in the file.
     bool hasEnded(const QByteArray &numberFile) const
     {
-        const pid_t number = read(numberFile).trimmed().toInt();
-        return number > 0 && QTest::qWaitFor([number] {
-                   QFile status(QStringLiteral("/proc/%1/stat").arg(number));
-                   return ::kill(number, 0) != 0 ||
-                          (status.open(QIODevice::ReadOnly) && status.readAll().contains(") Z "));
-               });
+        return ::hasEnded(read(numberFile).trimmed().toInt());
     }
 
 private Q_SLOTS:

@@ -1,32 +1,11 @@
 #include "platform/system/FileStatus.h"
 #include "platform/system/SystemResult.h"
 #include "tests/platform/walk/WalkRecord.h"
-#include "tests/support/disk/ForwardingSystemCalls.h"
+#include "tests/support/disk/PoorListing.h"
 #include "tests/support/disk/WatchedSystemCalls.h"
 #include "tests/support/run/TestMain.h"
 
 #include <cerrno>
-#include <dirent.h>
-
-namespace {
-
-/// A file system that stores no types in its directory entries.
-class TypelessCalls final : public ForwardingSystemCalls
-{
-public:
-    SystemResult<std::size_t> readEntries(int folder, std::span<char> buffer) const override
-    {
-        const auto filled = ForwardingSystemCalls::readEntries(folder, buffer);
-        for (std::size_t at = 0; filled && at < *filled;) {
-            auto *entry = reinterpret_cast<dirent64 *>(buffer.data() + at);
-            entry->d_type = DT_UNKNOWN;
-            at += entry->d_reclen;
-        }
-        return filled;
-    }
-};
-
-} // namespace
 
 class TestDirectoryWalker final : public QObject
 {
@@ -202,7 +181,7 @@ void TestDirectoryWalker::learnsKindsFromTheStatusWhereTheFolderDoesNotSay()
     tree.makeFolder("folder");
     tree.makeFile("folder/file", 1);
     tree.makeLink("folder/link", "file");
-    const TypelessCalls calls;
+    const PoorListing calls;
     RecordedWalk walk(tree);
     walk.calls = calls;
     QCOMPARE(walk.run().found, (QByteArrayList{"folder/file", "folder/link"}));

@@ -1,32 +1,14 @@
 #include "platform/system/FileStatus.h"
 #include "platform/system/SystemResult.h"
 #include "slices/cleaning/RemovalSteps.h"
-
 #include "tests/slices/kit/CleaningKit.h"
 #include "tests/slices/kit/HookedCalls.h"
+#include "tests/support/disk/PoorListing.h"
 #include "tests/support/run/TestMain.h"
 
 #include <cerrno>
-#include <dirent.h>
 
 namespace {
-
-/// A file system that lists names, but neither kinds nor numbers that mean anything.
-class CuriousListing final : public ForwardingSystemCalls
-{
-public:
-    SystemResult<std::size_t> readEntries(int folder, std::span<char> buffer) const override
-    {
-        const auto filled = ForwardingSystemCalls::readEntries(folder, buffer);
-        for (std::size_t at = 0; filled && at < *filled;) {
-            auto *entry = reinterpret_cast<dirent64 *>(buffer.data() + at);
-            entry->d_type = DT_UNKNOWN;
-            entry->d_ino = 1;
-            at += entry->d_reclen;
-        }
-        return filled;
-    }
-};
 
 /// A folder that is a volume of its own without being a mount, as some file systems have them.
 class SubVolume final : public ForwardingSystemCalls
@@ -86,7 +68,7 @@ void TestRemovalSteps::init()
 
 void TestRemovalSteps::asksForKindsThatAreNotListed()
 {
-    const CleaningReport report = cleanWith(CuriousListing());
+    const CleaningReport report = cleanWith(PoorListing());
     QVERIFY(report.failures.isEmpty() && report.refusals.isEmpty());
     QVERIFY(tree(m_downloads).empty());
     QVERIFY(exists(*m_scratch / "outside/precious"));
@@ -96,7 +78,7 @@ void TestRemovalSteps::knowsExclusionsThatAreListedWithoutTheirNumbers()
 {
     std::filesystem::create_hard_link(native(m_downloads + "/c"), native(m_downloads + "/twin"));
     const FileUrls excluded{m_home->file("Downloads/c"), m_home->folder("Downloads/folder/inner")};
-    cleanWith(CuriousListing(), excluded);
+    cleanWith(PoorListing(), excluded);
     QCOMPARE(tree(m_downloads),
              std::set<QByteArray>({"c", "twin", "folder", "folder/inner", "folder/inner/a"}));
 }
