@@ -2,7 +2,6 @@
 #include "tests/support/run/TestMain.h"
 
 #include <memory>
-#include <optional>
 
 namespace {
 
@@ -56,9 +55,9 @@ void TestWeakReference::readsNullWithoutObject()
 
 void TestWeakReference::belongsToOneObjectNotToItsCopies()
 {
-    std::optional<Thing> thing(std::in_place);
+    auto thing = std::make_unique<Thing>();
     const Thing copy(*thing);
-    const WeakReference<Thing> reference(&*thing);
+    const WeakReference<Thing> reference(thing.get());
     thing.reset();
     QVERIFY(!reference.get());
     QVERIFY(!copy.lifetime().expired());
