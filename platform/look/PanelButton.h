@@ -17,6 +17,8 @@ public:
 
     PanelButton(const QString &title, PanelButtonLook look, QWidget *parent = nullptr);
 
+    PanelButtonLook look() const { return m_look; }
+
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
 

@@ -83,13 +83,19 @@ void AlertPanel::addTexts(QBoxLayout &row, const Alert &alert)
 {
     m_texts = new TextArea(this);
     auto *const texts = new QWidget(m_texts);
-    auto *const column = new QVBoxLayout(texts);
+    auto *const area = new QVBoxLayout(texts);
+    area->setContentsMargins({});
+    auto *const block = new QWidget(texts);
+    block->setMinimumHeight(kSymbolSize); // a short text stands beside the middle of the symbol
+    area->addWidget(block);
+    area->addStretch(1); // room that a taller sheet has is left below
+    auto *const column = new QVBoxLayout(block);
     column->setContentsMargins({});
     column->setSpacing(kTextGap);
     column->addStretch();
-    const auto add = [column, texts](const QString &text, Typeface face, int size) {
+    const auto add = [column, block](const QString &text, Typeface face, int size) {
         if (!text.isEmpty())
-            column->addWidget(new WrappedLabel(text, interfaceFont(face, size), texts));
+            column->addWidget(new WrappedLabel(text, interfaceFont(face, size), block));
     };
     add(alert.messageText, Typeface::Medium, kMessageSize);
     add(alert.informativeText, Typeface::Regular, kInformativeSize);

@@ -1,6 +1,7 @@
 #include "platform/sheet/SheetOverlay.h"
 
 #include "platform/look/ViewAlpha.h"
+#include "platform/sheet/PointerClearance.h"
 #include "platform/sheet/SheetDrop.h"
 
 #include <QKeyEvent>
@@ -90,8 +91,18 @@ void SheetOverlay::layOut()
     const int drop = sheetDrop(m_host);
     const QSize room = size() - QSize(2 * kMargin, drop + kMargin) +
                        QSize(2 * SheetFrame::kShadow, SheetFrame::kShadow);
-    const QSize frame = SheetFrame::sizeAround(m_wantedSize).boundedTo(room);
-    m_frame->setGeometry(QRect(QPoint((width() - frame.width()) / 2, drop), frame));
+    QSize frame = SheetFrame::sizeAround(m_wantedSize).boundedTo(room);
+    placeFrame(frame);
+    if (!m_panel)
+        return;
+    const QPoint pointer = m_panel->mapFromGlobal(QCursor::pos());
+    frame.rheight() += pointerClearance(*m_panel, pointer, room.height() - frame.height());
+    placeFrame(frame);
+}
+
+void SheetOverlay::placeFrame(QSize size)
+{
+    m_frame->setGeometry(QRect(QPoint((width() - size.width()) / 2, sheetDrop(m_host)), size));
     if (m_panel)
         m_panel->setGeometry(m_frame->panelRect());
 }

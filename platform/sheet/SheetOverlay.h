@@ -51,6 +51,7 @@ protected:
 private:
     void adoptPanel();
     void layOut();
+    void placeFrame(QSize size);
     void takeFocus();
     QWidget *nextFocus() const;
     bool slide(double from, double to);
