@@ -33,7 +33,8 @@ PanelButton::PanelButton(const QString &title, PanelButtonLook look, QWidget *pa
 {
     setFont(interfaceFont(Typeface::Medium, kFontSize));
     setAttribute(Qt::WA_Hover);
-    setFocusPolicy(Qt::StrongFocus);
+    // A click that is not taken leaves no focus behind on what destroys.
+    setFocusPolicy(look == PanelButtonLook::Destructive ? Qt::TabFocus : Qt::StrongFocus);
     setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Fixed);
 }
 

@@ -8,7 +8,7 @@ enum class AlertStyle { Informational, Warning, Critical };
 enum class AlertButtonRole {
     Plain,
     Cancel,      ///< what Escape presses
-    Destructive, ///< marked in red, never the default
+    Destructive, ///< marked in red, never the default, and never pressed in haste
 };
 
 struct AlertButton

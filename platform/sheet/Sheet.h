@@ -27,8 +27,12 @@ using SheetCancel = std::function<void()>;
 /// is never called if the panel or the host dies first.
 ///
 /// Escape calls `cancel`, the panel's own rule; without one the sheet ends with kSheetCancelled.
-/// Enter presses the panel's default push button. Meanwhile mouse, Tab, shortcuts and close() do
-/// not reach the rest of the window.
+/// Enter presses the panel's default push button.
+/// Meanwhile mouse, Tab, shortcuts and close() do not reach the rest of the window.
+///
+/// A PanelButton that destroys does not come up under the pointer, and takes only presses that
+/// begin when the sheet has stood long enough to be read (see DestructivePressGuard). A panel that
+/// has such a button lays it out along its lower edge.
 ///
 /// False, and nothing happens, when the panel is already up or waiting.
 bool presentSheet(QWidget &host, QWidget &panel, SheetCompletion completion = {},

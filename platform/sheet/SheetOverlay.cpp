@@ -60,7 +60,8 @@ SheetOverlay::SheetOverlay(QWidget &host, QWidget &panel, std::function<void()> 
       m_wantedSize(m_hadOwnSize ? panel.size() : panel.sizeHint()),
       m_cancel(std::move(cancel)),
       m_frame(new SheetFrame(this)),
-      m_guard(new SheetGuard(host, *this))
+      m_guard(new SheetGuard(host, *this)),
+      m_presses(new DestructivePressGuard(host, *this))
 {
     setAcceptDrops(true); // and refuses all drops, or they would fall through
     host.installEventFilter(this);
@@ -112,12 +113,14 @@ void SheetOverlay::slideIn()
     show();
     raise();
     takeFocus();
-    slide(0, 1);
+    if (!slide(0, 1))
+        m_presses->sheetStands();
 }
 
 void SheetOverlay::slideOut()
 {
     m_isSlidingOut = true;
+    m_presses->sheetMoves();
     m_guard->lock();
     setFocus(Qt::OtherFocusReason);
     if (!slide(m_slide ? m_slide->shown() : 1, 0))
@@ -151,6 +154,8 @@ void SheetOverlay::endSlide()
     }
     if (m_isSlidingOut)
         Q_EMIT slidOut();
+    else
+        m_presses->sheetStands();
 }
 
 /// The widget that had the focus before. If it cannot have it, for example on a page that has left

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/sheet/DestructivePressGuard.h"
 #include "platform/sheet/SheetFrame.h"
 #include "platform/sheet/SheetGuard.h"
 #include "platform/sheet/SheetSlide.h"
@@ -69,6 +70,7 @@ private:
     std::function<void()> m_cancel;
     SheetFrame *m_frame;
     SheetGuard *m_guard;
+    DestructivePressGuard *m_presses;
     QPointer<SheetSlide> m_slide;
     bool m_isSlidingOut = false;
 };

@@ -2,6 +2,8 @@
 #include "app/grant/ResourceManager.h"
 #include "app/pages/DiskInfoViewController.h"
 #include "app/settings/SettingsKeys.h"
+#include "platform/look/Pace.h"
+#include "platform/sheet/SheetSlide.h"
 #include "prefs/window/ColorWindow.h"
 #include "tests/journeys/JourneyFixture.h"
 #include "tests/support/page/SheetDriver.h"
@@ -11,6 +13,7 @@
 
 #include <QAction>
 #include <QDir>
+#include <QElapsedTimer>
 #include <algorithm>
 
 namespace {
@@ -33,6 +36,8 @@ private Q_SLOTS:
     void grantsMeasuresCleansAndShows();
     void remembersTheGrantAndTheSelection();
     void leavesEverythingOnCancel();
+    void takesNoDoubleClickForConsent_data();
+    void takesNoDoubleClickForConsent();
     void asksNothingWhenNothingIsSelected();
     void sparesWhatIsExcluded();
     void leavesAPlaceAloneWhoseExclusionIsGone();
@@ -115,6 +120,43 @@ void TestCleaningJourney::leavesEverythingOnCancel()
     QCOMPARE(home().presentPaths(), home().paths());
     FreeSpaceViewController &page = m_fixture->slicesPage();
     QVERIFY(page.startButton()->isEnabled() && !page.isCleaning());
+}
+
+void TestCleaningJourney::takesNoDoubleClickForConsent_data()
+{
+    QTest::addColumn<int>("pause"); // from the first click to the second
+    for (const int pause : {250, 300, 350, 400, 450})
+        QTest::addRow("%d ms", pause) << pause;
+}
+
+/// The sheet has slid in when the second click comes. The click finds the button, as a finger or a
+/// hand that moves may do. Only a click after that, made when the question can have been read, is
+/// an answer.
+void TestCleaningJourney::takesNoDoubleClickForConsent()
+{
+    QFETCH(const int, pause);
+    QVERIFY(m_fixture->reachSlices());
+    setPace(1);
+    ColorWindow &window = journey().window();
+    const auto click = [&window](const QWidget &target) {
+        QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {},
+                          target.mapTo(&window, target.rect().center()));
+    };
+    QElapsedTimer sinceFirst;
+    sinceFirst.start();
+    click(*m_fixture->slicesPage().startButton());
+    QVERIFY(journey().waitForSheet());
+    QTRY_VERIFY(sinceFirst.elapsed() >= pause);
+    QAbstractButton *const destroys = sheetButton(window, QStringLiteral("Delete Files"));
+    click(*destroys);
+    QTest::keyClick(destroys, Qt::Key_Space);
+    QVERIFY(!window.findChild<SheetSlide *>()); // it does not leave
+    QTRY_VERIFY(pressGuard(window)->takesPresses());
+    QVERIFY(hasSheet(window) && !m_fixture->slicesPage().isCleaning());
+    QCOMPARE(home().presentPaths(), home().paths());
+    click(*destroys);
+    QVERIFY(journey().waitForPage(journey().controller().finalPage()));
+    QCOMPARE(home().presentPaths(), m_fixture->keptAfter(kOnByDefault));
 }
 
 void TestCleaningJourney::asksNothingWhenNothingIsSelected()

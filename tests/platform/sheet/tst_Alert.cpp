@@ -4,6 +4,7 @@
 #include "platform/look/PanelButton.h"
 #include "platform/look/WrappedLabel.h"
 #include "platform/sheet/AlertPanel.h"
+#include "tests/support/page/SheetDriver.h"
 #include "tests/support/page/SheetHost.h"
 #include "tests/support/page/StillStyle.h"
 #include "tests/support/run/GuiTestMain.h"
@@ -113,6 +114,7 @@ void TestAlert::tellsTheButtonThatWasClicked()
     SheetHost host;
     const int &pressed = presented(host, deletingFiles());
     QCoreApplication::processEvents(); // for the layout
+    QVERIFY(letSheetBeRead(host.window));
     PanelButton *const target = button(host, title);
     const QPoint place = target->mapTo(&host.window, target->rect().center());
     QTest::mouseClick(host.window.windowHandle(), Qt::LeftButton, {}, place);
@@ -136,6 +138,7 @@ void TestAlert::pressesTheFocusedButtonOnSpace()
     const int &pressed = presented(host, deletingFiles());
     press(host, Qt::Key_Tab);
     QCOMPARE(QApplication::focusWidget(), button(host, "Delete Files"));
+    QVERIFY(letSheetBeRead(host.window));
     press(host, Qt::Key_Space);
     QTRY_COMPARE(pressed, 1);
 }
