@@ -19,7 +19,7 @@ struct AlertButton
 
 /// A short message that waits for an answer. The first button that destroys nothing is the default:
 /// it stands at the right and Enter presses it, wherever the focus is. Escape presses the button of
-/// the cancel role, or the only one. Without buttons there is one "OK".
+/// the cancel role, or the only one, unless it destroys. Without buttons there is one "OK".
 struct Alert
 {
     AlertStyle style = AlertStyle::Informational;

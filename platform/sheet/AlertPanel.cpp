@@ -123,7 +123,7 @@ void AlertPanel::addButtons(QBoxLayout &column, const QList<AlertButton> &button
             made->setDefault(true);
             made->setFocus();
         }
-        if (button.role == AlertButtonRole::Cancel || buttons.size() == 1)
+        if (button.role == AlertButtonRole::Cancel || (buttons.size() == 1 && !destroys))
             m_cancelButton = made;
     }
     row->addStretch();

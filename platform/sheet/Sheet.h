@@ -27,7 +27,7 @@ using SheetCancel = std::function<void()>;
 /// is never called if the panel or the host dies first.
 ///
 /// Escape calls `cancel`, the panel's own rule; without one the sheet ends with kSheetCancelled.
-/// Enter presses the panel's default push button.
+/// Enter presses the panel's default push button. A key that repeats itself does neither.
 /// Meanwhile mouse, Tab, shortcuts and close() do not reach the rest of the window.
 ///
 /// A PanelButton that destroys does not come up under the pointer, and takes only presses that

@@ -234,7 +234,8 @@ bool SheetOverlay::focusNextPrevChild(bool next)
 void SheetOverlay::keyPressEvent(QKeyEvent *event)
 {
     event->accept();
-    if (m_isSlidingOut)
+    // A key that was down before answers no question.
+    if (m_isSlidingOut || event->isAutoRepeat())
         return;
     if (event->key() == Qt::Key_Escape)
         m_cancel();

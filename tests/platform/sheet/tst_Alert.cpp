@@ -27,7 +27,7 @@ private Q_SLOTS:
     void pressesCancelOnEscape();
     void ignoresEscapeWhereNothingCancels();
     void closesTheOnlyButtonOnEscape();
-    void neverMakesADestructiveButtonTheDefault();
+    void neverDestroysOnEnterOrEscape();
     void standsFirstAtTheRight();
     void showsItsStyle();
     void breaksLongWords();
@@ -174,7 +174,7 @@ void TestAlert::closesTheOnlyButtonOnEscape()
     QTRY_COMPARE(pressed, 0);
 }
 
-void TestAlert::neverMakesADestructiveButtonTheDefault()
+void TestAlert::neverDestroysOnEnterOrEscape()
 {
     SheetHost host;
     Alert alert = deletingFiles();
@@ -186,9 +186,12 @@ void TestAlert::neverMakesADestructiveButtonTheDefault()
     SheetHost other;
     alert.buttons = {{QStringLiteral("Delete"), AlertButtonRole::Destructive}};
     const int &pressed = presented(other, alert);
-    press(other, Qt::Key_Return);
-    QCoreApplication::processEvents();
-    QCOMPARE(pressed, -1);
+    QVERIFY(letSheetBeRead(other.window));
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Escape}) {
+        press(other, key);
+        QCoreApplication::processEvents();
+        QCOMPARE(pressed, -1);
+    }
 }
 
 void TestAlert::standsFirstAtTheRight()

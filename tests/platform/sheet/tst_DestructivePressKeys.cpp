@@ -14,6 +14,7 @@ private Q_SLOTS:
     void takesNoKeyThatWasPressedEarly();
     void takesNoKeyThatRepeatsItself();
     void takesNoMnemonicInHaste();
+    void answersNothingWhileReturnIsHeld();
     void cancelsAtOnce_data();
     void cancelsAtOnce();
 };
@@ -73,6 +74,22 @@ void TestDestructivePressKeys::takesNoMnemonicInHaste()
     QTest::keyClick(window, Qt::Key_D, Qt::AltModifier);
     QTRY_COMPARE(question.answer, kDelete);
     QCOMPARE(clicked.size(), 1);
+}
+
+void TestDestructivePressKeys::answersNothingWhileReturnIsHeld()
+{
+    Question question;
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape}) {
+        for (QAbstractButton *focused : {&question.destroys(), &question.button("Cancel")}) {
+            focused->setFocus();
+            for (int repeat = 0; repeat < 40; ++repeat) {
+                question.guard().pass(kReadingTime);
+                sendKey(*focused, QEvent::KeyPress, key, true);
+            }
+            sendKey(*focused, QEvent::KeyRelease, key, false);
+        }
+    }
+    QCOMPARE(question.answered(), kNoAnswer);
 }
 
 void TestDestructivePressKeys::cancelsAtOnce_data()
