@@ -1,14 +1,13 @@
 #include "platform/system/HostSystemCalls.h"
 #include "platform/system/SystemCalls.h"
 #include "tests/support/disk/ScratchFolder.h"
-#include "tests/support/run/Must.h"
+#include "tests/support/run/OtherProcess.h"
 #include "tests/support/run/TestMain.h"
 
 #include <QFile>
 #include <QStandardPaths>
 #include <array>
 #include <cerrno>
-#include <csignal>
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/prctl.h>
@@ -16,48 +15,6 @@
 #include <unistd.h>
 
 namespace {
-
-/// Another process, which does something and then waits to be ended.
-class OtherProcess final
-{
-public:
-    explicit OtherProcess(void (*work)(const char *), const char *argument)
-    {
-        int ready[2];
-        must(::pipe(ready) == 0, "a pipe");
-        const pid_t test = ::getpid();
-        m_process = ::fork();
-        must(m_process >= 0, "a process");
-        if (m_process == 0) {
-            ::prctl(PR_SET_PDEATHSIG, SIGKILL); // it must not outlive a test that is killed
-            must(::getppid() == test, "the test that it is for");
-            work(argument);
-            must(::write(ready[1], "x", 1) == 1, "a sign that it is ready");
-            for (;;)
-                ::pause();
-        }
-        char sign = 0;
-        must(::read(ready[0], &sign, 1) == 1, "waiting for the other process");
-        ::close(ready[0]);
-        ::close(ready[1]);
-    }
-    ~OtherProcess() { end(); }
-    OtherProcess(const OtherProcess &) = delete;
-    OtherProcess &operator=(const OtherProcess &) = delete;
-
-    pid_t number() const { return m_process; }
-    void end()
-    {
-        if (m_process > 0) {
-            ::kill(m_process, SIGKILL);
-            ::waitpid(m_process, nullptr, 0);
-        }
-        m_process = 0;
-    }
-
-private:
-    pid_t m_process = 0;
-};
 
 /// A program in a file of this path: a copy of one that waits for its input to end.
 class OtherProgram final
@@ -98,14 +55,14 @@ private:
     pid_t m_process = 0;
 };
 
-void takeName(const char *name)
+void takeName(const QByteArray &name)
 {
-    ::prctl(PR_SET_NAME, name);
+    ::prctl(PR_SET_NAME, name.constData());
 }
 
-void takeLock(const char *path)
+void takeLock(const QByteArray &path)
 {
-    const int file = ::open(path, O_RDWR | O_CLOEXEC);
+    const int file = ::open(path.constData(), O_RDWR | O_CLOEXEC);
     struct flock lock
     {
     };
@@ -130,7 +87,7 @@ private Q_SLOTS:
 
 void TestProcessList::knowsWhichNumbersRun()
 {
-    OtherProcess other(takeName, "other");
+    OtherProcess other([] { takeName("other"); });
     const pid_t number = other.number();
     QVERIFY(hostSystemCalls().isRunning(::getpid()));
     QVERIFY(hostSystemCalls().isRunning(number));
@@ -148,7 +105,7 @@ void TestProcessList::knowsWhichProgramsRun()
         return hostSystemCalls().programNames()->contains(program);
     };
     QVERIFY(!isRunning(name));
-    OtherProcess other(takeName, name.constData());
+    OtherProcess other([&] { takeName(name); });
     QVERIFY(isRunning(name));
     QVERIFY(!isRunning(name.chopped(1)));
     other.end();
@@ -180,7 +137,7 @@ void TestProcessList::seesTheLocksOfOthers()
     const auto folder = hostSystemCalls().openRoot(place.path().constData());
     const auto file = hostSystemCalls().openFile(folder->get(), "lock");
     QVERIFY(!*hostSystemCalls().isLocked(file->get()));
-    OtherProcess other(takeLock, path.constData());
+    OtherProcess other([&] { takeLock(path); });
     QVERIFY(*hostSystemCalls().isLocked(file->get()));
     other.end();
     QVERIFY(!*hostSystemCalls().isLocked(file->get()));
