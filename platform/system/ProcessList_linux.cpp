@@ -5,8 +5,10 @@
 #include <filesystem>
 #include <fstream>
 #include <limits>
+#include <linux/magic.h>
 #include <string>
 #include <sys/stat.h>
+#include <sys/vfs.h>
 
 namespace {
 
@@ -15,6 +17,17 @@ namespace fs = std::filesystem;
 bool isProcessFolder(const fs::path &path)
 {
     return path.filename().native().find_first_not_of("0123456789") == std::string::npos;
+}
+
+/// The kernel gives this number to the one process namespace that it starts with.
+constexpr ino_t kOutermostNamespace = 0xEFFFFFFC;
+
+bool isInOutermostNamespace()
+{
+    struct stat found
+    {
+    };
+    return ::stat("/proc/self/ns/pid", &found) == 0 && found.st_ino == kOutermostNamespace;
 }
 
 bool belongsTo(uid_t user, const fs::path &path)
@@ -51,6 +64,17 @@ bool isProcessRunning(std::int64_t process)
     if (process <= 0 || process > std::numeric_limits<pid_t>::max())
         return false;
     return ::kill(static_cast<pid_t>(process), 0) == 0 || errno == EPERM;
+}
+
+/// The first process belongs to another user, and anybody may read its name unless the list hides
+/// what is not one's own.
+bool isProcessListWhole()
+{
+    struct statfs list
+    {
+    };
+    return ::statfs("/proc", &list) == 0 && list.f_type == PROC_SUPER_MAGIC &&
+           isInOutermostNamespace() && !nameOf("/proc/1").isEmpty();
 }
 
 tl::expected<QByteArrayList, int> programNamesOf(uid_t user)

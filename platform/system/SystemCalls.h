@@ -4,9 +4,9 @@
 #include "platform/system/Descent.h"
 #include "platform/system/FileDescriptor.h"
 #include "platform/system/FileStatus.h"
+#include "platform/system/ProcessCalls.h"
 #include "platform/system/SystemResult.h"
 
-#include <QByteArrayList>
 #include <cstdint>
 #include <span>
 
@@ -14,11 +14,9 @@
 /// out which other processes use it. One interface covers them all, so that tests can fail, watch
 /// or interleave each of them. Stateless; any thread. Names are single components unless said
 /// otherwise, without NUL.
-class SystemCalls
+class SystemCalls : public ProcessCalls
 {
 public:
-    virtual ~SystemCalls() = default;
-
     /// Opens a folder for reading by its path relative to another open folder ("." reopens it).
     virtual SystemResult<FileDescriptor> openFolder(int parent, const char *relativePath,
                                                     Descent descent) const = 0;
@@ -57,14 +55,6 @@ public:
     virtual SystemResult<QByteArray> readLink(int parent, const char *name) const = 0;
     /// Whether another process holds a file lock on any part of an open file.
     virtual SystemResult<bool> isLocked(int file) const = 0;
-    /// Whether there is a process of this number, of any user.
-    virtual bool isRunning(std::int64_t process) const = 0;
-    /// The names of the programs that the acting user runs. For each there are two: the one in the
-    /// process list, cut to fifteen bytes, and the name of the file that holds the program. Looks
-    /// at every process.
-    virtual SystemResult<QByteArrayList> programNames() const = 0;
-    /// The name of this machine.
-    virtual QByteArray hostName() const = 0;
 
     /// Opens an existing file for reading.
     virtual SystemResult<FileDescriptor> openFile(int parent, const char *name) const = 0;

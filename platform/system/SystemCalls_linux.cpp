@@ -295,6 +295,8 @@ public:
 
     bool isRunning(std::int64_t process) const override { return isProcessRunning(process); }
 
+    bool seesAllProcesses() const override { return isProcessListWhole(); }
+
     SystemResult<QByteArrayList> programNames() const override
     {
         return programNamesOf(::geteuid());

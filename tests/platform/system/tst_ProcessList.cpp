@@ -1,7 +1,9 @@
 #include "platform/system/HostSystemCalls.h"
 #include "platform/system/SystemCalls.h"
 #include "tests/support/disk/ScratchFolder.h"
+#include "tests/support/run/Administrator.h"
 #include "tests/support/run/OtherProcess.h"
+#include "tests/support/run/ProcessView.h"
 #include "tests/support/run/TestMain.h"
 
 #include <QFile>
@@ -9,6 +11,7 @@
 #include <array>
 #include <cerrno>
 #include <fcntl.h>
+#include <filesystem>
 #include <spawn.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
@@ -72,6 +75,8 @@ void takeLock(const QByteArray &path)
 
 } // namespace
 
+Q_DECLARE_METATYPE(ProcessView)
+
 /// Other processes, and the locks that they hold.
 class TestProcessList final : public QObject
 {
@@ -83,6 +88,9 @@ private Q_SLOTS:
     void knowsAProgramByItsFileToo();
     void seesTheLocksOfOthers();
     void readsALink();
+    void knowsWhetherItSeesAll();
+    void knowsThatItSeesOnlySome_data();
+    void knowsThatItSeesOnlySome();
 };
 
 void TestProcessList::knowsWhichNumbersRun()
@@ -152,6 +160,34 @@ void TestProcessList::readsALink()
     QCOMPARE(*hostSystemCalls().readLink(folder->get(), "lock"), QByteArray("host-\xff-12"));
     QCOMPARE(hostSystemCalls().readLink(folder->get(), "file").error(), EINVAL);
     QCOMPARE(hostSystemCalls().readLink(folder->get(), "none").error(), ENOENT);
+}
+
+/// The tests may run in a container.
+void TestProcessList::knowsWhetherItSeesAll()
+{
+    std::error_code error;
+    const auto space = std::filesystem::read_symlink("/proc/self/ns/pid", error);
+    const bool isOutermost = space == "pid:[4026531836]"; // the number that the kernel reserves
+    const bool hidesNothing = QFile::exists(QStringLiteral("/proc/1/comm"));
+    QCOMPARE(hostSystemCalls().seesAllProcesses(), isOutermost && hidesNothing);
+}
+
+void TestProcessList::knowsThatItSeesOnlySome_data()
+{
+    QTest::addColumn<ProcessView>("view");
+    QTest::newRow("in a container") << ProcessView::InsideOnly;
+    QTest::newRow("in a container, with the list from outside") << ProcessView::OldList;
+    QTest::newRow("with a list that hides") << ProcessView::HiddenList;
+    QTest::newRow("without a list") << ProcessView::NoList;
+}
+
+void TestProcessList::knowsThatItSeesOnlySome()
+{
+    QFETCH(const ProcessView, view);
+    if (view == ProcessView::HiddenList)
+        VANTOR_NEEDS_ADMINISTRATOR();
+    const auto seesAll = [] { return int(hostSystemCalls().seesAllProcesses()); };
+    QCOMPARE(runInChildSeeing(view, seesAll).exitCode, 0);
 }
 
 VANTOR_TEST_MAIN(TestProcessList)

@@ -53,6 +53,8 @@ public:
     SystemResult<QByteArray> readLink(int parent, const char *name) const override;
     SystemResult<bool> isLocked(int file) const override;
     bool isRunning(std::int64_t process) const override;
+    /// True: the tests may run in a container, and their results must be the same.
+    bool seesAllProcesses() const override { return true; }
     /// Returns none: the result of a test must not depend on what else the machine does.
     SystemResult<QByteArrayList> programNames() const override;
     QByteArray hostName() const override;
