@@ -1,5 +1,6 @@
 #include "platform/system/DirectoryEntries.h"
 #include "platform/system/HostSystemCalls.h"
+#include "platform/system/LocalSocket.h"
 #include "platform/system/ProcessList.h"
 #include "platform/system/SystemCalls.h"
 
@@ -301,6 +302,8 @@ public:
     {
         return programNamesOf(::geteuid());
     }
+
+    bool isListening(const char *socket) const override { return isSocketServed(socket); }
 
     QByteArray hostName() const override
     {

@@ -145,6 +145,11 @@ SystemResult<QByteArrayList> ForwardingSystemCalls::programNames() const
     return forwarded("programNames", [] { return SystemResult<QByteArrayList>(); });
 }
 
+bool ForwardingSystemCalls::isListening(const char *socket) const
+{
+    return m_next.isListening(socket);
+}
+
 QByteArray ForwardingSystemCalls::hostName() const
 {
     return m_next.hostName();
