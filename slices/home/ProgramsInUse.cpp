@@ -28,14 +28,15 @@ Answer answerFor(bool isRunning)
     return isRunning ? Answer::Running : Answer::NotRunning;
 }
 
-/// "host-process": the process number means something only on that host, and nothing in a sandbox.
+/// "host-process": the process number means something only on that host, and nothing in a sandbox,
+/// whether the program runs in one or Vantor does.
 Answer judgedHostLink(const SystemCalls &calls, const QByteArray &text, Style style)
 {
     const qsizetype dash = text.lastIndexOf('-');
     bool isNumber = false;
     const qint64 process = text.sliced(dash + 1).toLongLong(&isNumber);
     if (style == Style::SandboxedHostLink || dash < 0 || !isNumber || process <= 0 ||
-        text.first(dash) != calls.hostName())
+        text.first(dash) != calls.hostName() || !calls.seesAllProcesses())
         return Answer::Running;
     return answerFor(calls.isRunning(process));
 }
@@ -53,15 +54,26 @@ Answer judgedAddressLink(const SystemCalls &calls, const QByteArray &text, FileL
     const qsizetype mark = text.lastIndexOf(":+");
     bool isNumber = false;
     const qint64 process = mark < 0 ? 0 : text.sliced(mark + 2).toLongLong(&isNumber);
-    if (!isNumber || process <= 0)
+    if (!isNumber || process <= 0 || !calls.seesAllProcesses())
         return Answer::Running;
     return answerFor(lock == FileLock::NoFile && calls.isRunning(process));
+}
+
+/// The program waits at a socket for the next start of itself. The number in its lock is wrong when
+/// it runs in a sandbox that has the name of the machine.
+Answer askSocket(const SystemCalls &calls, int folder)
+{
+    const auto socket = calls.readLink(folder, "SingletonSocket");
+    return socket ? answerFor(calls.isListening(socket->constData())) : answerTo(socket.error());
 }
 
 Answer askHostLink(const SystemCalls &calls, int folder, Style style)
 {
     const auto text = calls.readLink(folder, "SingletonLock");
-    return text ? judgedHostLink(calls, *text, style) : answerTo(text.error());
+    if (!text)
+        return answerTo(text.error());
+    const Answer judged = judgedHostLink(calls, *text, style);
+    return judged == Answer::Running ? judged : askSocket(calls, folder);
 }
 
 FileLock fileLock(const SystemCalls &calls, int folder)
@@ -99,7 +111,8 @@ private:
     {
         if (!m_names)
             m_names = m_calls.programNames();
-        return answerFor(!*m_names || m_names->value().contains(name) ||
+        return answerFor(!m_calls.seesAllProcesses() || !*m_names ||
+                         m_names->value().contains(name) ||
                          m_names->value().contains(name.left(kLongestProcessName)));
     }
     Answer askLock(const ProgramLock &lock) const
@@ -192,6 +205,7 @@ ProgramsInUse ProgramsInUse::find(const SystemCalls &calls, const FileAccess &ac
     const auto home = access.anchoredPath(layout.home());
     if (!home || !home->anchor)
         return found; // nothing can be cleaned there either
+    found.m_seen = calls.seesAllProcesses() ? ProgramsSeen::All : ProgramsSeen::Some;
     Inquiry inquiry(calls, *home);
     for (const ProgramFiles &program : layout.programs()) {
         ProgramFiles running = program;

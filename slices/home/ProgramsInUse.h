@@ -17,6 +17,9 @@ FileUrls programLocations(const HomeLayout &layout, const FileUrls &locations);
 FileUrls locationsInUse(const SystemCalls &calls, const AnchoredPath &anchor,
                         const HomeLayout &layout, const FileUrl &location);
 
+/// Whether a look could see all running programs; see SystemCalls::seesAllProcesses().
+enum class ProgramsSeen : std::uint8_t { All, Some };
+
 /// The programs of a layout that were running when they were looked for, and those of their
 /// locations that existed. These are left out of a cleaning: a browser writes its cookies back when
 /// it ends, and breaks when they vanish while it runs. In doubt a program runs. A value.
@@ -30,6 +33,8 @@ public:
     static ProgramsInUse find(const SystemCalls &calls, const FileAccess &access,
                               const HomeLayout &layout);
 
+    /// Where only some programs could be seen, those that are here may be running.
+    ProgramsSeen seen() const { return m_seen; }
     /// The locations without those that are left out.
     FileUrls without(const FileUrls &locations) const;
     /// The folders that stay inside these locations, none in another.
@@ -41,4 +46,5 @@ public:
 
 private:
     QList<ProgramFiles> m_programs;
+    ProgramsSeen m_seen = ProgramsSeen::All;
 };

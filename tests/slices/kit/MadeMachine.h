@@ -14,9 +14,13 @@ public:
     std::set<std::int64_t> processes;
     SystemResult<QByteArrayList> programs;
     SystemResult<bool> locked = false;
+    bool isSeenWhole = true;
+    std::set<QByteArray> servedSockets;
 
     bool isRunning(std::int64_t process) const override { return processes.contains(process); }
     SystemResult<QByteArrayList> programNames() const override { return programs; }
     QByteArray hostName() const override { return "desk"; }
+    bool seesAllProcesses() const override { return isSeenWhole; }
+    bool isListening(const char *socket) const override { return servedSockets.contains(socket); }
     SystemResult<bool> isLocked(int) const override { return locked; }
 };
