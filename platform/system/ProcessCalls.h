@@ -22,6 +22,9 @@ public:
     /// process list, cut to fifteen bytes, and the name of the file that holds the program. Looks
     /// at every process.
     virtual SystemResult<QByteArrayList> programNames() const = 0;
+    /// What other processes are using below an open folder, as relative paths; see FilesInUse.h.
+    /// Looks at every process.
+    virtual SystemResult<QByteArrayList> filesInUse(int folder) const = 0;
     /// Whether a program takes connections at a local socket, by its absolute path. True when that
     /// cannot be told.
     virtual bool isListening(const char *socket) const = 0;

@@ -1,4 +1,5 @@
 #include "platform/system/DirectoryEntries.h"
+#include "platform/system/FilesInUse.h"
 #include "platform/system/HostSystemCalls.h"
 #include "platform/system/LocalSocket.h"
 #include "platform/system/ProcessList.h"
@@ -301,6 +302,11 @@ public:
     SystemResult<QByteArrayList> programNames() const override
     {
         return programNamesOf(::geteuid());
+    }
+
+    SystemResult<QByteArrayList> filesInUse(int folder) const override
+    {
+        return ::filesInUse(folder);
     }
 
     bool isListening(const char *socket) const override { return isSocketServed(socket); }

@@ -145,6 +145,11 @@ SystemResult<QByteArrayList> ForwardingSystemCalls::programNames() const
     return forwarded("programNames", [] { return SystemResult<QByteArrayList>(); });
 }
 
+SystemResult<QByteArrayList> ForwardingSystemCalls::filesInUse(int) const
+{
+    return forwarded("filesInUse", [] { return SystemResult<QByteArrayList>(); });
+}
+
 bool ForwardingSystemCalls::isListening(const char *socket) const
 {
     return m_next.isListening(socket);

@@ -57,6 +57,8 @@ public:
     bool seesAllProcesses() const override { return true; }
     /// Returns none: the result of a test must not depend on what else the machine does.
     SystemResult<QByteArrayList> programNames() const override;
+    /// Returns none, for the same reason.
+    SystemResult<QByteArrayList> filesInUse(int folder) const override;
     bool isListening(const char *socket) const override;
     QByteArray hostName() const override;
     SystemResult<FileDescriptor> openFile(int parent, const char *name) const override;
