@@ -51,7 +51,7 @@ public:
 
 private:
     void clean(const CleaningLocation &location);
-    void emptyFolder(const CleaningLocation &location);
+    void emptyFolder(const CleaningLocation &location, const FileUrls &inUse);
     void remove(const Emptying &emptying, FolderListing entries) const;
     std::vector<FolderListing> takeOutOfPrograms(const CleaningLocation &location,
                                                  FolderListing &listing) const;
@@ -85,15 +85,16 @@ CleaningReport CleaningRun::run()
 
 void CleaningRun::clean(const CleaningLocation &location)
 {
-    if (m_inUse && m_inUse(location, location.url).contains(location.url))
+    const FileUrls inUse = m_inUse ? m_inUse(location, location.url) : FileUrls();
+    if (inUse.contains(location.url))
         refuse(location, RefusalReason::InUse, 0);
     else if (location.content == SliceContent::Folders)
-        emptyFolder(location);
+        emptyFolder(location, inUse);
     else
         removeFile(location);
 }
 
-void CleaningRun::emptyFolder(const CleaningLocation &location)
+void CleaningRun::emptyFolder(const CleaningLocation &location, const FileUrls &inUse)
 {
     const auto folder = openAnchored(m_calls, location.path, Descent::Strict);
     if (!folder)
@@ -113,6 +114,8 @@ void CleaningRun::emptyFolder(const CleaningLocation &location)
     if (!protection.isTouched())
         logContents(location, *listing);
     const Emptying emptying{location, folder->get(), order, protection, steps};
+    for (const FileUrl &used : inUse)
+        keepInUse(emptying, used);
     std::vector<FolderListing> ofPrograms = takeOutOfPrograms(location, *listing);
     remove(emptying, std::move(*listing));
     for (FolderListing &entry : ofPrograms)

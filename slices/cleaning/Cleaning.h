@@ -8,7 +8,7 @@
 class SystemCalls;
 
 /// Finds what is in use at and inside an entry, which is the location or lies in it. Asked right
-/// before the cleaning comes to the entry, on the thread that cleans.
+/// before the cleaning comes to the entry, on the thread that calls performCleaning().
 using InUseCheck = std::function<FileUrls(const CleaningLocation &, const FileUrl &entry)>;
 
 /// Removes for good what the plan says and nothing else: never through a link, never on another

@@ -53,7 +53,7 @@ enum class RefusalReason {
     Unreadable,      ///< could not be opened or examined; the errno says why
     PartlyListed,    ///< an error ended the listing: nothing more of the folder is removed
     Changed,         ///< replaced or moved since it was planned or entered
-    InUse,           ///< its program was started after the user had confirmed
+    InUse,           ///< a program is using it, which the user was not told when asked
 };
 
 struct CleaningRefusal

@@ -1,5 +1,6 @@
 #include "slices/cleaning/RecordLocations.h"
 
+#include "slices/home/FolderIdentity.h"
 #include "slices/record/Info.h"
 
 #include <algorithm>
@@ -18,6 +19,19 @@ FileUrls missing(const FileUrls &urls, const FileUrls &other)
     FileUrls rest = urls;
     rest.removeIf([&](const FileUrl &url) { return other.contains(url); });
     return rest;
+}
+
+bool isInOne(const FileUrl &url, const FileUrls &locations)
+{
+    return std::ranges::any_of(locations, [&](const FileUrl &location) {
+        return isAtOrInside(url.path(), location.path());
+    });
+}
+
+/// No size counts what is hidden in a location.
+bool isHidden(const FileUrl &url)
+{
+    return url.lastPathComponent().startsWith('.');
 }
 
 } // namespace
@@ -53,9 +67,9 @@ FileUrls takeAwayLocationsInUse(const std::vector<std::shared_ptr<Info>> &record
     return takenAway;
 }
 
-ProgramLocationSizes
-measureProgramLocations(const std::vector<std::shared_ptr<Info>> &records, const HomeLayout &layout,
-                        const std::function<qint64(const FileUrl &, const FileUrls &kept)> &sizeOf)
+ProgramLocationSizes measureProgramLocations(const std::vector<std::shared_ptr<Info>> &records,
+                                             const HomeLayout &layout,
+                                             const MeasureLocation &sizeOf)
 {
     ProgramLocationSizes sizes;
     for (const auto &record : records) {
@@ -66,6 +80,23 @@ measureProgramLocations(const std::vector<std::shared_ptr<Info>> &records, const
             sizes.push_back({record, location, sizeOf(location, kept)});
     }
     return sizes;
+}
+
+void addSizes(ProgramLocationSizes &sizes, const std::vector<std::shared_ptr<Info>> &records,
+              const FileUrls &found, const MeasureLocation &sizeOf)
+{
+    for (const FileUrl &url : found) {
+        if (std::ranges::find(sizes, url, &ProgramLocationSize::location) != sizes.end())
+            continue;
+        for (const auto &record : records) {
+            const FileUrls locations = record->fileURLs().value_or(FileUrls());
+            const FileUrls kept = record->kept();
+            const bool isCounted =
+                locations.contains(url) || (isInOne(url, locations) && !isHidden(url));
+            if (isCounted && !isInOne(url, kept))
+                sizes.push_back({record, url, sizeOf(url, kept)});
+        }
+    }
 }
 
 void takeAwaySizes(const ProgramLocationSizes &sizes, const QByteArrayList &stayed)

@@ -31,7 +31,7 @@ RefusalText refusalText(RefusalReason reason)
     case RefusalReason::Changed:
         return {"it was changed meanwhile", "changed meanwhile"};
     case RefusalReason::InUse:
-        return {"a program has begun to use it", "used by a program"};
+        return {"a program is using it", "used by a program"};
     }
     Q_UNREACHABLE();
 }

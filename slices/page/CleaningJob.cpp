@@ -4,6 +4,7 @@
 #include "slices/cleaning/RecordLocations.h"
 #include "slices/cleaning/SlicesToClean.h"
 #include "slices/exclusions/ExcludedPaths.h"
+#include "slices/home/CacheInUse.h"
 #include "slices/record/Info.h"
 #include "slices/sizing/FolderSizing.h"
 
@@ -34,11 +35,18 @@ CleaningReport cleanDisk(const SystemCalls &calls, FileAccess &access, const Rec
         const SizingRules rules{.kept = pathsInside(url, kept)};
         return location ? measureFolder(calls, *location, stop, 0, rules).bytes : 0;
     };
-    const ProgramLocationSizes sizes = measureProgramLocations(chosen, layout, sizeOf);
+    ProgramLocationSizes sizes = measureProgramLocations(chosen, layout, sizeOf);
     const CleaningPlan plan =
         makeCleaningPlan(calls, access, slicesToClean(layout, chosen), excluded, inUse);
+    CacheInUse caches(calls, layout);
     const auto inUseNow = [&](const CleaningLocation &location, const FileUrl &entry) {
-        return locationsInUse(calls, location.path, layout, entry);
+        // The outer folders come first: what is inside one is not told of and subtracted again.
+        FileUrls found;
+        if (entry == location.url)
+            found = caches.entriesInUse(location.path, entry);
+        found += locationsInUse(calls, location.path, layout, entry);
+        addSizes(sizes, chosen, found, sizeOf);
+        return found;
     };
     CleaningReport report = performCleaning(calls, plan, stop, inUseNow);
     takeAwaySizes(sizes, foundInUse(report, plan));

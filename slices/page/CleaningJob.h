@@ -35,7 +35,8 @@ public:
     /// the slices that are still being measured, so that the freed size is the size that was there.
     /// In a layout with programs, the locations of programs that were started meanwhile are left
     /// alone, and taken from the records. A program that starts during the cleaning keeps its
-    /// locations that are not cleaned yet; they are subtracted from the sizes.
+    /// locations that are not cleaned yet, and every program keeps the folders of the cache in
+    /// which it is using something; these are subtracted from the sizes.
     void start(Records chosen, Exclusions exclusions, HomeLayout layout = {});
 
     /// Nothing is removed from now on. The end of the cleaning is still reported.

@@ -27,6 +27,8 @@ private Q_SLOTS:
     void keepsWhatIsInUseBelowAndRemovesTheRestOfTheWay();
     void removesTheWayToWhatIsNotInUse();
     void keepsALocationThatIsInUse();
+    void keepsAFileThatIsInUse();
+    void keepsWhatIsInUseWhenItComesToTheLocation();
     void tellsNothingOfWhatIsKeptAnyway();
     void asksNothingOnceItIsStopped();
 
@@ -45,10 +47,13 @@ private:
                                    return m_inUse ? m_inUse(entry) : FileUrls();
                                });
     }
-    void useAlways(const QByteArray &inUse)
+    /// Not yet when the cleaning comes to the location.
+    void useAtItsTurn(const QByteArray &inUse)
     {
         m_inUse = [url = m_home->folder(inUse)](const FileUrl &entry) {
-            return url.path().startsWith(entry.path()) ? FileUrls{url} : FileUrls();
+            const bool isItsTurn =
+                entry.lastPathComponent() != "caches" && url.path().startsWith(entry.path());
+            return isItsTurn ? FileUrls{url} : FileUrls();
         };
     }
 
@@ -102,7 +107,7 @@ void TestCleaningInUse::asksAboutNothingElse()
 
 void TestCleaningInUse::keepsWhatIsInUseAndTellsOfIt()
 {
-    useAlways("caches/browser");
+    useAtItsTurn("caches/browser");
     const CleaningReport report = clean({"caches/browser", "caches/a"});
     QCOMPARE(tree(m_path + "/caches"),
              std::set<QByteArray>({"browser", "browser/a", "browser/b", "browser/b/c"}));
@@ -114,7 +119,7 @@ void TestCleaningInUse::keepsWhatIsInUseAndTellsOfIt()
 
 void TestCleaningInUse::keepsWhatIsInUseBelowAndRemovesTheRestOfTheWay()
 {
-    useAlways("caches/maker/mail");
+    useAtItsTurn("caches/maker/mail");
     const CleaningReport report = clean({"caches/maker/mail"});
     QCOMPARE(tree(m_path + "/caches"),
              std::set<QByteArray>({"maker", "maker/mail", "maker/mail/a"}));
@@ -136,9 +141,38 @@ void TestCleaningInUse::keepsALocationThatIsInUse()
     QCOMPARE(tree(m_path), before);
 }
 
+void TestCleaningInUse::keepsAFileThatIsInUse()
+{
+    const FileUrl file = m_home->file("caches/file");
+    const auto plan = makeCleaningPlan(hostSystemCalls(), *m_home, {theFiles({file})}, {});
+    const CleaningReport report = performCleaning(
+        hostSystemCalls(), plan, {},
+        [](const CleaningLocation &, const FileUrl &entry) { return FileUrls{entry}; });
+    QVERIFY(exists(file.path()));
+    QCOMPARE(report.refusals.value(0).path, file.path());
+    QCOMPARE(report.refusals.value(0).reason, RefusalReason::InUse);
+}
+
+/// Also what is no program's location, and what is in use no more a moment later.
+void TestCleaningInUse::keepsWhatIsInUseWhenItComesToTheLocation()
+{
+    m_inUse = [this](const FileUrl &entry) {
+        return entry.lastPathComponent() == "caches"
+                   ? FileUrls{m_home->folder("caches/z"), m_home->folder("caches/file")}
+                   : FileUrls();
+    };
+    const CleaningReport report = clean({"caches/browser"});
+    QCOMPARE(tree(m_path + "/caches"), std::set<QByteArray>({"z", "z/y", "z/y/x", "file"}));
+    QCOMPARE(report.refusalCount, 2U);
+    QCOMPARE(report.refusals.value(0).path, m_path + "/caches/z");
+    QCOMPARE(report.refusals.value(0).reason, RefusalReason::InUse);
+    QCOMPARE(report.refusals.value(1).path, m_path + "/caches/file");
+    QCOMPARE(report.failureCount, 0U);
+}
+
 void TestCleaningInUse::tellsNothingOfWhatIsKeptAnyway()
 {
-    useAlways("caches/browser");
+    useAtItsTurn("caches/browser");
     QCOMPARE(clean({"caches/browser"}, {m_home->folder("caches/browser")}).refusalCount, 0U);
     QVERIFY(exists(m_path + "/caches/browser/b/c"));
 }
@@ -151,7 +185,7 @@ void TestCleaningInUse::asksNothingOnceItIsStopped()
             stop.request_stop();
         return 0;
     });
-    useAlways("caches/browser");
+    useAtItsTurn("caches/browser");
     QCOMPARE(clean({"caches/browser"}, {}, calls, stop.get_token()).refusalCount, 0U);
     QCOMPARE(m_asked, QByteArrayList{"caches"});
 }

@@ -23,6 +23,9 @@ private Q_SLOTS:
     void givesNothingBackOfWhatWasConfirmed();
     void takesOffWhatWasMeasuredOfThePlacesThatStayed();
     void takesOffNothingOfWhatWasKeptAnyway();
+    void takesOffWhatWasFoundInUseLater();
+    void takesOffNothingTwice();
+    void takesOffNothingThatIsHidden();
 
 private:
     void firefoxRuns() const
@@ -157,6 +160,52 @@ void TestRecordLocations::takesOffNothingOfWhatWasKeptAnyway()
     takeAwayLocationsInUse({m_cache, m_browserData}, inUse());
     takeAwaySizes(measured(), {m_home->path(".cache/mozilla")});
     QCOMPARE(m_cache->fileSize(), 1);
+}
+
+void TestRecordLocations::takesOffWhatWasFoundInUseLater()
+{
+    ProgramLocationSizes sizes = measured();
+    addSizes(sizes, {m_cache, m_browserData},
+             {m_home->url().appending(".cache/other", FileUrlKind::Folder),
+              m_home->url().appending("elsewhere", FileUrlKind::Folder)},
+             [this](const FileUrl &url, const FileUrls &kept) { return sizeOf(url, kept); });
+    takeAwaySizes(sizes, {m_home->path(".cache/other"), m_home->path("elsewhere")});
+    QCOMPARE(m_cache->fileSize(), 20);
+    QCOMPARE(m_browserData->fileSize(), 300);
+}
+
+/// What was measured already, and what the record never counted.
+void TestRecordLocations::takesOffNothingTwice()
+{
+    const auto sizeOf = [this](const FileUrl &url, const FileUrls &kept) {
+        return this->sizeOf(url, kept);
+    };
+    const FileUrl mozilla = m_home->url().appending(".cache/mozilla", FileUrlKind::Folder);
+    ProgramLocationSizes sizes = measured();
+    addSizes(sizes, {m_cache, m_browserData}, {mozilla, mozilla}, sizeOf);
+    takeAwaySizes(sizes, {mozilla.path()});
+    QCOMPARE(m_cache->fileSize(), 1);
+    m_cache->setLocations(*m_cache->fileURLs(), {mozilla});
+    m_cache->fileSizeString();
+    sizes.clear();
+    addSizes(sizes, {m_cache}, {mozilla}, sizeOf);
+    QVERIFY(sizes.empty());
+}
+
+void TestRecordLocations::takesOffNothingThatIsHidden()
+{
+    const auto sizeOf = [this](const FileUrl &url, const FileUrls &kept) {
+        return this->sizeOf(url, kept);
+    };
+    m_home->make(".cache/.hidden/c", QByteArray(4000, 'x'));
+    const FileUrl hidden = m_home->url().appending(".cache/.hidden", FileUrlKind::Folder);
+    ProgramLocationSizes sizes;
+    addSizes(sizes, {m_cache}, {hidden}, sizeOf);
+    takeAwaySizes(sizes, {hidden.path()});
+    QCOMPARE(m_cache->fileSize(), 21);
+    addSizes(sizes, {m_cache}, *m_cache->fileURLs(), sizeOf); // its own name is hidden, too
+    takeAwaySizes(sizes, {m_home->path(".cache")});
+    QCOMPARE(m_cache->fileSize(), 0);
 }
 
 VANTOR_TEST_MAIN(TestRecordLocations)

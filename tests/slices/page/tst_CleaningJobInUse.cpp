@@ -10,9 +10,12 @@
 #include "tests/support/page/PageFixture.h"
 #include "tests/support/run/GuiTestMain.h"
 #include "tests/support/run/LogRecorder.h"
+#include "tests/support/run/OtherProcess.h"
 
 #include <QRegularExpression>
 #include <QSignalSpy>
+#include <cerrno>
+#include <fcntl.h>
 #include <filesystem>
 #include <unistd.h>
 
@@ -22,9 +25,16 @@ namespace {
 class RunningPrograms final : public ForwardingSystemCalls
 {
 public:
-    QByteArrayList programs; ///< changed only by the thread that cleans, during the cleaning
+    // Changed only by the thread that cleans, during the cleaning.
+    QByteArrayList programs;
+    SystemResult<QByteArrayList> usedFiles; ///< relative to the home
+    bool seesOpenFiles = false;
 
     SystemResult<QByteArrayList> programNames() const override { return programs; }
+    SystemResult<QByteArrayList> filesInUse(int folder) const override
+    {
+        return seesOpenFiles ? hostSystemCalls().filesInUse(folder) : usedFiles;
+    }
 };
 
 } // namespace
@@ -47,6 +57,10 @@ private Q_SLOTS:
     void tellsNothingOfWhatIsNotThere();
     void takesNoSizeOffTwice();
     void logsWhatStaysForAProgram();
+    void keepsWhatAnyProgramHoldsOpen();
+    void keepsWhatAnyProgramHasBegunToUse();
+    void takesAFolderInUseOffOnlyOnce();
+    void keepsACacheThatCannotBeLookedAt();
 
 private:
     void firefoxStarts() const
@@ -71,6 +85,8 @@ void TestCleaningJobInUse::init()
 {
     m_calls.setHook({});
     m_calls.programs.clear();
+    m_calls.usedFiles = QByteArrayList{};
+    m_calls.seesOpenFiles = false;
     m_fixture = std::make_unique<PageFixture>(HomeKind::Freedesktop);
     m_fixture->grantHome();
     QVERIFY(ResourceManager::homeFolder() == m_fixture->homeUrl());
@@ -238,6 +254,67 @@ void TestCleaningJobInUse::logsWhatStaysForAProgram()
                 "^File might be locked: .*/(cookies|formhistory)\\.sqlite: used by a program$")))
             .size(),
         2);
+}
+
+void TestCleaningJobInUse::keepsWhatAnyProgramHoldsOpen()
+{
+    m_fixture->makeFile(".cache/player/a/song", 40);
+    m_calls.seesOpenFiles = true;
+    const OtherProcess player([this] {
+        const QByteArray song = m_fixture->home() + "/.cache/player/a/song";
+        must(::open(song.constData(), O_RDONLY) >= 0, "an open file");
+    });
+    const CleaningReport report = clean({SliceKind::Cache});
+    QVERIFY(m_fixture->exists(".cache/player/a/song"));
+    QVERIFY(!m_fixture->exists(".cache/other"));
+    QVERIFY(!m_fixture->exists(".cache/mozilla"));
+    QCOMPARE(report.refusalCount, 1U);
+    QCOMPARE(report.refusals.value(0).reason, RefusalReason::InUse);
+    QCOMPARE(report.refusals.value(0).path, m_fixture->home() + "/.cache/player");
+    QCOMPARE(m_chosen.front()->fileSize(), 12); // of 52
+}
+
+/// Between the trash and the cache.
+void TestCleaningJobInUse::keepsWhatAnyProgramHasBegunToUse()
+{
+    m_calls.setHook([this](int, std::string_view name) {
+        if (name == "removeFile")
+            m_calls.usedFiles = QByteArrayList{".cache/other/c"};
+        return 0;
+    });
+    const CleaningReport report = clean({SliceKind::Trash, SliceKind::Cache});
+    QVERIFY(!m_fixture->exists(".local/share/Trash/files/t"));
+    QVERIFY(m_fixture->exists(".cache/other/c"));
+    QVERIFY(!m_fixture->exists(".cache/mozilla"));
+    QCOMPARE(report.refusalCount, 1U);
+    QCOMPARE(m_chosen.at(0)->fileSize(), 5);
+    QCOMPARE(m_chosen.at(1)->fileSize(), 7); // of 12
+}
+
+/// Its lock tells of the folder, too.
+void TestCleaningJobInUse::takesAFolderInUseOffOnlyOnce()
+{
+    m_calls.setHook([this, hasStarted = false](int, std::string_view name) mutable {
+        if (name == "removeFile" && !std::exchange(hasStarted, true)) {
+            firefoxStarts();
+            m_calls.usedFiles = QByteArrayList{".cache/mozilla/firefox/a/c"};
+        }
+        return 0;
+    });
+    const CleaningReport report = clean({SliceKind::Trash, SliceKind::Cache});
+    QVERIFY(m_fixture->exists(".cache/mozilla/firefox/a/c"));
+    QCOMPARE(report.refusalCount, 1U);
+    QCOMPARE(m_chosen.at(1)->fileSize(), 5); // of 12
+}
+
+void TestCleaningJobInUse::keepsACacheThatCannotBeLookedAt()
+{
+    m_calls.usedFiles = tl::unexpected(EMFILE);
+    const CleaningReport report = clean({SliceKind::Trash, SliceKind::Cache});
+    QVERIFY(!m_fixture->exists(".local/share/Trash/files/t"));
+    QVERIFY(m_fixture->exists(".cache/other/c"));
+    QCOMPARE(report.refusals.value(0).path, m_fixture->home() + "/.cache");
+    QCOMPARE(m_chosen.at(1)->fileSize(), 0);
 }
 
 VANTOR_GUI_TEST_MAIN(TestCleaningJobInUse)

@@ -157,7 +157,7 @@ void TestFreeSpacePrograms::keepsTheFilesOfAProgramStartedAfterTheConsent()
     QCOMPARE(m_delegate.moves[0].data, QVariant(qint64{4'000'000}));
     QVERIFY(m_fixture->exists(".mozilla/firefox/x.default/cookies.sqlite"));
     QVERIFY(!m_fixture->exists(".config/chromium/Default/History"));
-    QVERIFY(leftAlone.contains(QStringLiteral("cookies.sqlite: a program has begun to use it")));
+    QVERIFY(leftAlone.contains(QStringLiteral("cookies.sqlite: a program is using it")));
 }
 
 VANTOR_GUI_TEST_MAIN(TestFreeSpacePrograms)
