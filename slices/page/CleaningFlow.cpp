@@ -164,7 +164,7 @@ void CleaningFlow::ask()
 {
     const HomeWatch &home = m_services.home;
     const ConfirmationDetails details{[&home](SliceKind kind) { return home.programsInUse(kind); },
-                                      home.layout().nameOfDownloads()};
+                                      home.layout().nameOfDownloads(), home.programsSeen()};
     const Alert alert{.style = AlertStyle::Critical,
                       .messageText = tr("Deleting Files"),
                       .informativeText = confirmationText(m_services.selection.records(), details),

@@ -4,6 +4,7 @@
 #include "slices/cleaning/CleaningReport.h"
 #include "slices/cleaning/RefusalText.h"
 #include "slices/exclusions/ExcludedPaths.h"
+#include "slices/home/ProgramsInUse.h"
 #include "slices/record/Enumeration.h"
 #include "slices/record/Info.h"
 #include "slices/record/SliceCatalogue.h"
@@ -27,14 +28,16 @@ QString leftAloneLine(const CleaningRefusal &refusal)
 }
 
 /// The size of a slice without what programs in use keep of it; empty for any other slice.
-QString withoutText(const Info &record, const ProgramsOfSlice &programs)
+QString withoutText(const Info &record, const ConfirmationDetails &details)
 {
     const std::optional<SliceKind> kind = sliceKindNamed(record.name());
-    const QStringList names = kind && programs ? programs(*kind) : QStringList();
+    const QStringList names = kind && details.programs ? details.programs(*kind) : QStringList();
     if (names.isEmpty())
         return {};
-    const QString text = names.size() == 1 ? tr(" (%1 without the files of %2, which is in use)")
-                                           : tr(" (%1 without the files of %2, which are in use)");
+    QString text = names.size() == 1 ? tr(" (%1 without the files of %2, which is in use)")
+                                     : tr(" (%1 without the files of %2, which are in use)");
+    if (details.seen == ProgramsSeen::Some)
+        text = tr(" (%1 without the files of %2, which may be in use)");
     return text.arg(stringFromByteCount(record.fileSize()), enumerated(names));
 }
 
@@ -66,7 +69,7 @@ QString confirmationText(const std::vector<std::shared_ptr<Info>> &records,
     for (const auto &record : records) {
         if (record->isOn())
             list += QStringLiteral("• %1\n").arg(record->name() + downloadsText(*record, details) +
-                                                 withoutText(*record, details.programs));
+                                                 withoutText(*record, details));
     }
     return list + u'\n' +
            tr("Are you sure you want to permanently erase the items you’ve selected and that are "
@@ -74,13 +77,25 @@ QString confirmationText(const std::vector<std::shared_ptr<Info>> &records,
               "before continuing.");
 }
 
-QString inUseText(const QStringList &programs)
+QString inUseText(const QStringList &programs, ProgramsSeen seen)
 {
     if (programs.isEmpty())
         return {};
-    const QString text = programs.size() == 1 ? tr(" %1 is in use: its files stay.")
-                                              : tr(" %1 are in use: their files stay.");
+    const bool isOne = programs.size() == 1;
+    QString text =
+        isOne ? tr(" %1 is in use: its files stay.") : tr(" %1 are in use: their files stay.");
+    if (seen == ProgramsSeen::Some)
+        text = isOne ? tr(" %1 may be in use: its files stay.")
+                     : tr(" %1 may be in use: their files stay.");
     return text.arg(enumerated(programs));
+}
+
+QString cacheInUseText(ProgramsSeen seen)
+{
+    return seen == ProgramsSeen::All
+               ? tr(" A folder in it stays while a program has something open there.")
+               : tr(" Vantor cannot see here which programs are running. Please close them before "
+                    "you clean: what they have open there may go.");
 }
 
 QString leftAloneText(const CleaningReport &report)

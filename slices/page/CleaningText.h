@@ -8,6 +8,7 @@
 
 class ExcludedPaths;
 class Info;
+enum class ProgramsSeen : std::uint8_t;
 enum class SliceKind : std::uint8_t;
 struct CleaningReport;
 
@@ -19,6 +20,7 @@ struct ConfirmationDetails
 {
     ProgramsOfSlice programs;
     QString nameOfDownloads; ///< the folder that is emptied; empty where it has the slice's name
+    ProgramsSeen seen{};     ///< all, unless said otherwise
 };
 
 /// The question before a cleaning: the slices that are on, and the warning. When a program in use
@@ -28,7 +30,10 @@ QString confirmationText(const std::vector<std::shared_ptr<Info>> &records,
                          const ConfirmationDetails &details = {});
 
 /// What a slice's description adds while programs keep something of it; empty without any.
-QString inUseText(const QStringList &programs);
+QString inUseText(const QStringList &programs, ProgramsSeen seen);
+
+/// What the description of the slice Cache adds: what stays of it because any program is using it.
+QString cacheInUseText(ProgramsSeen seen);
 
 /// Which of the chosen locations a cleaning left alone as a whole, and why, for people; empty when
 /// there is none. It leaves out single files that could not be removed.

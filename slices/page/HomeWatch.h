@@ -37,6 +37,7 @@ public:
     bool isKnown() const { return layout().kind() != HomeKind::Unknown; }
     /// The programs that keep something of this slice because they are in use.
     QStringList programsInUse(SliceKind kind) const;
+    ProgramsSeen programsSeen() const { return m_findings.inUse.seen(); }
 
     /// Makes new records, nothing measured yet. They have their locations at once in a home with a
     /// Library, and once found() comes in any other.

@@ -107,12 +107,21 @@ void SliceHover::showInfo()
 
 void SliceHover::explain(int index)
 {
+    ImageButton &button = *m_buttons.infoButton();
+    MessagePopover::showRelativeToRect(button.rect(), button, Qt::BottomEdge, descriptionOf(index),
+                                       kPopoverWidth);
+}
+
+QString SliceHover::descriptionOf(int index) const
+{
     const SliceKind kind = sliceCatalogue()[index].kind;
     const HomeWatch &home = m_services.home;
-    ImageButton &button = *m_buttons.infoButton();
-    MessagePopover::showRelativeToRect(
-        button.rect(), button, Qt::BottomEdge,
-        home.layout().details(kind) + inUseText(home.programsInUse(kind)), kPopoverWidth);
+    const HomeLayout &layout = home.layout();
+    const QString text =
+        layout.details(kind) + inUseText(home.programsInUse(kind), home.programsSeen());
+    const bool isWatched = kind == SliceKind::Cache && layout.kind() == HomeKind::Freedesktop &&
+                           !layout.locations(kind)->isEmpty();
+    return isWatched ? text + cacheInUseText(home.programsSeen()) : text;
 }
 
 void SliceHover::showInFinder()

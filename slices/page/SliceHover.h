@@ -53,6 +53,7 @@ public Q_SLOTS:
 private:
     void offerReveal(int index);
     void explain(int index);
+    QString descriptionOf(int index) const;
     void showTrash();
     FileUrls locationsOf(int index) const;
     BackgroundTask<OwnersEnd::Abandon>

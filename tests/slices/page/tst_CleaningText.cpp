@@ -2,6 +2,7 @@
 
 #include "slices/cleaning/Cleaning.h"
 #include "slices/exclusions/ExcludedPaths.h"
+#include "slices/home/ProgramsInUse.h"
 #include "slices/record/Info.h"
 #include "slices/record/SliceCatalogue.h"
 #include "tests/support/run/GuiTestMain.h"
@@ -15,6 +16,7 @@ private Q_SLOTS:
     void asksWithTheSizeWithoutWhatIsInUse();
     void namesTheFolderOfDownloads();
     void saysWhichProgramsKeepTheirFiles();
+    void saysWhatIsNoticedOfOpenFiles();
     void namesEveryPlaceLeftAloneWithItsReason();
     void countsWhatItDoesNotName();
     void saysNothingWhenNothingWasLeftAlone();
@@ -52,6 +54,9 @@ void TestCleaningText::asksWithTheSizeWithoutWhatIsInUse()
     QVERIFY(confirmationText({trash, browsers}, {programs, {}})
                 .contains(QStringLiteral("(12 MB without the files of Edge, Vivaldi and Firefox, "
                                          "which are in use)\n")));
+    QVERIFY(confirmationText({trash, browsers}, {programs, {}, ProgramsSeen::Some})
+                .contains(QStringLiteral("(12 MB without the files of Edge, Vivaldi and Firefox, "
+                                         "which may be in use)\n")));
     browsers->setIsOn(false);
     QVERIFY(!confirmationText({trash, browsers}, {programs, {}}).contains(QStringLiteral("Edge")));
 }
@@ -68,11 +73,24 @@ void TestCleaningText::namesTheFolderOfDownloads()
 
 void TestCleaningText::saysWhichProgramsKeepTheirFiles()
 {
-    QCOMPARE(inUseText({}), QString());
-    QCOMPARE(inUseText({QStringLiteral("Edge")}),
-             QStringLiteral(" Edge is in use: its files stay."));
-    QCOMPARE(inUseText({QStringLiteral("Edge"), QStringLiteral("Brave")}),
+    const QStringList one{QStringLiteral("Edge")};
+    const QStringList two{QStringLiteral("Edge"), QStringLiteral("Brave")};
+    QCOMPARE(inUseText({}, ProgramsSeen::All), QString());
+    QCOMPARE(inUseText({}, ProgramsSeen::Some), QString());
+    QCOMPARE(inUseText(one, ProgramsSeen::All), QStringLiteral(" Edge is in use: its files stay."));
+    QCOMPARE(inUseText(two, ProgramsSeen::All),
              QStringLiteral(" Edge and Brave are in use: their files stay."));
+    QCOMPARE(inUseText(one, ProgramsSeen::Some),
+             QStringLiteral(" Edge may be in use: its files stay."));
+    QCOMPARE(inUseText(two, ProgramsSeen::Some),
+             QStringLiteral(" Edge and Brave may be in use: their files stay."));
+}
+
+void TestCleaningText::saysWhatIsNoticedOfOpenFiles()
+{
+    QCOMPARE(cacheInUseText(ProgramsSeen::All),
+             QStringLiteral(" A folder in it stays while a program has something open there."));
+    QVERIFY(cacheInUseText(ProgramsSeen::Some).contains(QStringLiteral("cannot see here")));
 }
 
 void TestCleaningText::namesEveryPlaceLeftAloneWithItsReason()

@@ -3,9 +3,12 @@
 #include "app/grant/ResourceManager.h"
 #include "chart/PieChart.h"
 #include "platform/sheet/Alert.h"
+#include "platform/system/SystemResult.h"
 #include "prefs/popover/Popover.h"
+#include "slices/page/CleaningText.h"
 #include "slices/page/HomeWatch.h"
 #include "slices/page/SliceHoverButtons.h"
+#include "tests/support/disk/ForwardingSystemCalls.h"
 #include "tests/support/disk/SlowDisk.h"
 #include "tests/support/page/FirefoxProfiles.h"
 #include "tests/support/page/PageFixture.h"
@@ -15,6 +18,17 @@
 
 #include <QLabel>
 #include <QSignalSpy>
+
+namespace {
+
+/// A container in which other processes cannot be seen.
+class ContainerCalls final : public ForwardingSystemCalls
+{
+public:
+    bool seesAllProcesses() const override { return false; }
+};
+
+} // namespace
 
 /// What is offered for the slice under the pointer. A chart is there, but no page.
 class TestSliceHover final : public QObject
@@ -30,6 +44,8 @@ private Q_SLOTS:
     void offersNothingOfASliceThatThePointerHasLeft();
     void doesNothingForNoSlice();
     void explainsTheSliceAtItsButton();
+    void tellsWhatStaysOfTheCache();
+    void tellsWhereProgramsCannotBeSeen();
     void explainsNothingOfASliceThatThePointerHasLeft();
     void showsThePlacesThatAreThere();
     void opensTheTrash();
@@ -37,7 +53,9 @@ private Q_SLOTS:
     void answersNothingOnceItIsStopped();
 
 private:
-    void begin(HomeKind kind);
+    void begin(HomeKind kind) { begin(kind, m_disk.calls()); }
+    void begin(HomeKind kind, const SystemCalls &calls);
+    QString description(SliceKind kind);
     void moveTo(SliceKind kind) { m_hover->moveTo(indexOf(kind)); }
     bool isRevealOffered() const { return m_hover->buttons().showInFinderButton()->isVisible(); }
     Popover *popover() const { return m_window->findChild<Popover *>(); }
@@ -49,6 +67,7 @@ private:
     }
 
     SlowDisk m_disk;
+    const ContainerCalls m_container;
     QStringList m_told;
     std::unique_ptr<PageFixture> m_fixture;
     std::unique_ptr<SliceSelection> m_selection;
@@ -57,7 +76,7 @@ private:
     std::unique_ptr<SliceHover> m_hover;
 };
 
-void TestSliceHover::begin(HomeKind kind)
+void TestSliceHover::begin(HomeKind kind, const SystemCalls &calls)
 {
     m_told.clear();
     m_fixture = std::make_unique<PageFixture>(kind);
@@ -67,19 +86,18 @@ void TestSliceHover::begin(HomeKind kind)
     listFirefoxProfiles(m_fixture->home() + "/.mozilla/firefox", {"x.default"});
     m_selection =
         std::make_unique<SliceSelection>(m_fixture->defaults(), ResourceManager::access());
-    m_home = std::make_unique<HomeWatch>(
-        HomeWatch::Services{m_disk.calls(), ResourceManager::access(), &ResourceManager::homeFolder,
-                            [] { return true; }},
-        *m_selection);
+    m_home = std::make_unique<HomeWatch>(HomeWatch::Services{calls, ResourceManager::access(),
+                                                             &ResourceManager::homeFolder,
+                                                             [] { return true; }},
+                                         *m_selection);
     m_window = std::make_unique<QWidget>();
     auto *const chart = new PieChart(QRect(0, 0, 500, 500), m_window.get());
     m_window->show();
     QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
     m_hover = std::make_unique<SliceHover>(
-        *chart,
-        SliceHover::Services{m_disk.calls(), ResourceManager::access(), m_fixture->workspace(),
-                             *m_home, *m_selection,
-                             [this](const Alert &alert) { m_told.append(alert.messageText); }});
+        *chart, SliceHover::Services{
+                    calls, ResourceManager::access(), m_fixture->workspace(), *m_home, *m_selection,
+                    [this](const Alert &alert) { m_told.append(alert.messageText); }});
     m_home->look();
     QTRY_VERIFY(m_home->isKnown());
     m_disk.takeAskedHere();
@@ -163,13 +181,43 @@ void TestSliceHover::doesNothingForNoSlice()
 void TestSliceHover::explainsTheSliceAtItsButton()
 {
     begin(HomeKind::Library);
-    moveTo(SliceKind::Trash);
+    QCOMPARE(description(SliceKind::Trash), m_home->layout().details(SliceKind::Trash));
+    QCOMPARE(description(SliceKind::Cache), m_home->layout().details(SliceKind::Cache));
+}
+
+QString TestSliceHover::description(SliceKind kind)
+{
+    while (popover())
+        delete popover(); // of an earlier description
+    moveTo(kind);
     QTest::mouseClick(m_hover->buttons().infoButton(), Qt::LeftButton);
-    QVERIFY(popover());
     QString text;
-    for (const QLabel *label : popover()->findChildren<QLabel *>())
-        text += label->text();
-    QVERIFY(text.contains(m_home->layout().details(SliceKind::Trash)));
+    if (QTest::qWaitFor([&] { return popover() != nullptr; })) {
+        for (const QLabel *label : popover()->findChildren<QLabel *>())
+            text += label->text();
+    }
+    return text;
+}
+
+void TestSliceHover::tellsWhatStaysOfTheCache()
+{
+    begin(HomeKind::Freedesktop);
+    m_fixture->makeFile(".cache/a", 5);
+    m_home->look();
+    QTRY_VERIFY(m_home->isKnown());
+    QVERIFY(description(SliceKind::Cache).endsWith(cacheInUseText(ProgramsSeen::All)));
+    QVERIFY(!description(SliceKind::AppLogs).contains(cacheInUseText(ProgramsSeen::All)));
+}
+
+void TestSliceHover::tellsWhereProgramsCannotBeSeen()
+{
+    begin(HomeKind::Freedesktop, m_container);
+    m_fixture->makeFile(".cache/mozilla/a", 5);
+    m_home->look();
+    QTRY_VERIFY(m_home->isKnown());
+    const QString text = description(SliceKind::Cache);
+    QVERIFY(text.contains(QStringLiteral(" Firefox may be in use: its files stay.")));
+    QVERIFY(text.endsWith(cacheInUseText(ProgramsSeen::Some)));
 }
 
 void TestSliceHover::explainsNothingOfASliceThatThePointerHasLeft()
