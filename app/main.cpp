@@ -1,5 +1,8 @@
 #include "app/AppDelegate.h"
 #include "app/Appearance.h"
+#include "platform/ending/EndRequests.h"
+#include "platform/ending/ExitGuard.h"
+#include "platform/ending/ProcessEnd.h"
 #include "platform/threads/BackgroundThreads.h"
 #include "prefs/tutorial/WebTutorial.h"
 #include "prefs/tutorial/WebTutorialView.h"
@@ -7,7 +10,6 @@
 #include <QApplication>
 #include <QTimer>
 #include <chrono>
-#include <cstdlib>
 
 namespace {
 
@@ -17,6 +19,9 @@ constexpr auto kPauseBeforeProbe = 500ms;
 /// How long the program waits at its end for threads that were told to stop and still wait for the
 /// disk.
 constexpr auto kPatienceAtTheEnd = 1s;
+/// How long the end may take once the settings are saved. What takes longer, such as the removal of
+/// a file from a disk that is gone, does not end at all.
+constexpr auto kLongestEnd = 20s;
 
 AppDelegate::Configuration configurationWith(WebTutorial &tutorial)
 {
@@ -28,17 +33,23 @@ AppDelegate::Configuration configurationWith(WebTutorial &tutorial)
 }
 
 /// Runs the program from the window to its end.
-int run(QApplication &application, bool mayShowTutorial)
+int run(QApplication &application, const EndRequests &requests, bool mayShowTutorial)
 {
     setUpAppearance(application);
     WebTutorial tutorial;
     AppDelegate delegate(configurationWith(tutorial));
     QObject::connect(&application, &QCoreApplication::aboutToQuit, &delegate,
                      &AppDelegate::applicationWillTerminate);
+    QObject::connect(&requests, &EndRequests::endAsked, &application, [] {
+        stopBackgroundThreads();
+        QCoreApplication::exit(); // not quit(), which a window with a sheet refuses
+    });
     QTimer::singleShot(0, &delegate, &AppDelegate::applicationDidFinishLaunching);
     if (mayShowTutorial)
         QTimer::singleShot(kPauseBeforeProbe, &tutorial, &WebTutorial::probe);
-    return QApplication::exec();
+    const int result = QApplication::exec();
+    endProcessAfter(kLongestEnd, {result, requests.signal()});
+    return result;
 }
 
 /// Whether no thread asks the disk any more. Every task that changes files has already ended.
@@ -56,10 +67,12 @@ int main(int argc, char **argv)
     if (mayShowTutorial)
         WebTutorial::prepareApplication();
     QApplication application(argc, argv);
-    const int result = run(application, mayShowTutorial);
+    const ExitGuard guard;
+    const EndRequests requests;
+    const int result = run(application, requests, mayShowTutorial);
     // A thread that waits for a dead disk cannot be ended, and what it uses must not be destroyed
     // before it. Everything is saved, so the process may end as it is.
-    if (!diskIsLeft())
-        std::quick_exit(result);
+    if (!diskIsLeft() || requests.signal() != 0)
+        endProcess({result, requests.signal()});
     return result;
 }

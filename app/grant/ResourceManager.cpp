@@ -1,5 +1,7 @@
 #include "app/grant/ResourceManager.h"
 
+#include "platform/base/Indestructible.h"
+
 #include <atomic>
 #include <utility>
 
@@ -63,8 +65,8 @@ ResourceManager::Run::~Run() = default;
 
 std::unique_ptr<ResourceManager::Run> &ResourceManager::currentRun()
 {
-    static auto run = std::make_unique<Run>();
-    return run;
+    static const Indestructible<std::unique_ptr<Run>> run(std::make_unique<Run>());
+    return *run;
 }
 
 void ResourceManager::setGrantSource(GrantSource source, const SystemCalls &calls)
@@ -188,8 +190,8 @@ FileAccess &ResourceManager::access()
             return home().anchoredPath(url);
         }
     };
-    static LateAccess access;
-    return access;
+    static const Indestructible<LateAccess> access;
+    return *access;
 }
 
 int ResourceManager::accessCount()

@@ -1,3 +1,4 @@
+#include "platform/base/Indestructible.h"
 #include "platform/system/DirectoryEntries.h"
 #include "platform/system/FilesInUse.h"
 #include "platform/system/HostSystemCalls.h"
@@ -350,8 +351,8 @@ public:
 
 const SystemCalls &hostSystemCalls()
 {
-    static const HostSystemCalls calls;
-    return calls;
+    static const Indestructible<HostSystemCalls> calls;
+    return *calls;
 }
 
 bool DirectoryEntries::next(DirectoryEntry &entry)

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <functional>
+#include <stop_token>
 
 /// The threads on which background work runs. A thread that hangs in a call, such as a question to
 /// the disk of a server that is gone, cannot be ended: it is abandoned. Only the program itself
@@ -16,3 +17,8 @@ void startBackgroundThread(std::function<void()> work);
 /// when some work has not ended in that time: then nothing that it may touch can be destroyed
 /// safely, and the process must end at once.
 bool waitForBackgroundThreads(std::chrono::milliseconds atMost);
+
+/// The program ends: tells all work to stop, and also all that begins from now on. For good.
+void stopBackgroundThreads();
+/// Says stop from then on.
+std::stop_token endOfBackgroundThreads();

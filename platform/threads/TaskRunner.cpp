@@ -14,7 +14,7 @@ struct TaskRunner::Shared
     {
         Task task;
         std::function<void(Reply)> reply; ///< takes it to the owner's thread
-        std::stop_token stop;
+        std::stop_source stop;
     };
 
     /// The next entry; nothing when there is none: then the thread must end.
@@ -43,7 +43,12 @@ std::optional<TaskRunner::Shared::Entry> TaskRunner::Shared::next()
 void TaskRunner::Shared::serve()
 {
     while (std::optional<Entry> entry = next()) {
-        Reply reply = entry->task(entry->stop);
+        Reply reply;
+        {
+            const std::stop_callback endWithTheProgram(
+                endOfBackgroundThreads(), [&stop = entry->stop] { stop.request_stop(); });
+            reply = entry->task(entry->stop.get_token());
+        }
         // Destroys here what only the task holds; what the reply holds stays.
         entry->task = nullptr;
         entry->reply(std::move(reply));
@@ -72,7 +77,7 @@ void TaskRunner::add(Task task)
     };
     ++m_unfinished;
     const std::scoped_lock lock(m_shared->mutex);
-    m_shared->waiting.push_back({std::move(task), std::move(reply), stop});
+    m_shared->waiting.push_back({std::move(task), std::move(reply), m_stop});
     if (m_shared->threads == m_mostThreads)
         return;
     ++m_shared->threads;

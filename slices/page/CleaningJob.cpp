@@ -105,7 +105,9 @@ void CleaningJob::remove()
         return;
     }
     m_removals.run([this, records = m_chosen, confirmed = m_confirmed, layout = m_layout,
-                    excluded = *excluded, stop = m_stop.get_token()](const std::stop_token &) {
+                    excluded = *excluded, source = m_stop](const std::stop_token &end) mutable {
+        const std::stop_callback endWithTheProgram(end, [&source] { source.request_stop(); });
+        const std::stop_token stop = source.get_token();
         restore(records, confirmed);
         CleaningReport report;
         report.wasStopped = true;

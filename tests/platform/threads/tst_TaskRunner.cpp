@@ -1,5 +1,7 @@
+#include "platform/threads/BackgroundThreads.h"
 #include "platform/threads/TaskRunner.h"
 #include "tests/support/run/BackgroundThreadsAwaited.h"
+#include "tests/support/run/ChildProcess.h"
 #include "tests/support/run/TestMain.h"
 
 #include <QTest>
@@ -8,6 +10,7 @@
 #include <latch>
 #include <memory>
 #include <thread>
+#include <unistd.h>
 
 class TaskRunnerTest final : public QObject
 {
@@ -129,6 +132,33 @@ private Q_SLOTS:
             });
         runner.waitUntilIdle();
         QCOMPARE(done.load(), 20);
+    }
+
+    void tellsItsTasksToStopWhenTheProgramEnds()
+    {
+        constexpr int kStopped = 1;
+        const ChildOutcome outcome = runInChild(ChildUser::Same, [] {
+            ::alarm(60); // one that is told nothing works for ever
+            TaskRunner runner(1);
+            std::latch begun(1);
+            int stopped = 0;
+            runner.add([&](const std::stop_token &stop) {
+                begun.count_down();
+                while (!stop.stop_requested())
+                    std::this_thread::yield();
+                return TaskRunner::Reply();
+            });
+            begun.wait();
+            stopBackgroundThreads();
+            runner.add([&](const std::stop_token &stop) {
+                stopped = stop.stop_requested() ? kStopped : 0;
+                return TaskRunner::Reply();
+            });
+            runner.waitUntilIdle();
+            return stopped;
+        });
+        QCOMPARE(outcome.signal, 0);
+        QCOMPARE(outcome.exitCode, kStopped);
     }
 
     void aStopForgetsTasksThatWait()
