@@ -1,5 +1,7 @@
 #include "app/grant/RealHomeDirectory.h"
 
+#include "platform/system/Attempts.h"
+
 #include <QtGlobal>
 #include <array>
 #include <cerrno>
@@ -10,6 +12,7 @@
 namespace {
 
 constexpr std::size_t kFirstSpace = 1024;
+constexpr std::size_t kMostSpace = std::size_t{16} * 1024 * 1024;
 
 } // namespace
 
@@ -19,11 +22,13 @@ QByteArray RealHomeDirectory()
     passwd entry{};
     passwd *pw = nullptr;
     int error = 0;
-    while ((error = ::getpwuid_r(::getuid(), &entry, space.data(), space.size(), &pw)) == ERANGE ||
-           error == EINTR) {
+    int attempts = 0;
+    do {
+        error = ::getpwuid_r(::getuid(), &entry, space.data(), space.size(), &pw);
         if (error == ERANGE)
             space.resize(space.size() * 2);
-    }
+    } while ((error == ERANGE && space.size() <= kMostSpace) ||
+             (error == EINTR && ++attempts < kMostAttempts));
     if (pw == nullptr)
         qt_assert("pw", __FILE__, __LINE__); // also in a release: any other home would be a guess
     return pw->pw_dir;

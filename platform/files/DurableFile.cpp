@@ -1,5 +1,6 @@
 #include "platform/files/DurableFile.h"
 
+#include "platform/system/Attempts.h"
 #include "platform/system/DirectoryEntries.h"
 #include "platform/system/SystemCalls.h"
 
@@ -141,9 +142,7 @@ SystemResult<QByteArray> DurableFile::readAll(const QByteArray &name) const
     std::array<char, kBufferSize> buffer{};
     // A file that is too large is read no further: cut short, it has no checksum.
     while (bytes.size() <= kLargestContent + kChecksumLength) {
-        const auto count = m_calls.read(file->get(), buffer);
-        if (!count && count.error() == EINTR)
-            continue;
+        const auto count = attempted([&] { return m_calls.read(file->get(), buffer); });
         if (!count)
             return tl::unexpected(count.error());
         if (*count == 0)
@@ -205,9 +204,7 @@ SystemResult<void> DurableFile::writeAll(int file, const QByteArray &bytes) cons
 {
     std::span<const char> rest(bytes.constData(), static_cast<std::size_t>(bytes.size()));
     while (!rest.empty()) {
-        const auto count = m_calls.write(file, rest);
-        if (!count && count.error() == EINTR)
-            continue;
+        const auto count = attempted([&] { return m_calls.write(file, rest); });
         if (!count)
             return tl::unexpected(count.error());
         if (*count == 0)
@@ -231,7 +228,7 @@ SystemResult<QByteArray> DurableFile::freeNameForBad(const QByteArray &name) con
     const QString time =
         QDateTime::currentDateTimeUtc().toString(QStringLiteral("yyyyMMdd'T'HHmmss'Z'"));
     const QByteArray base = name + kBad + time.toLatin1();
-    for (int attempt = 1;; ++attempt) {
+    for (int attempt = 1; attempt <= kMostAttempts; ++attempt) {
         const QByteArray candidate = attempt == 1 ? base : base + '-' + QByteArray::number(attempt);
         const auto status = m_calls.status(m_folder.get(), candidate);
         if (!status && status.error() == ENOENT)
@@ -239,4 +236,5 @@ SystemResult<QByteArray> DurableFile::freeNameForBad(const QByteArray &name) con
         if (!status)
             return tl::unexpected(status.error());
     }
+    return tl::unexpected(EEXIST);
 }

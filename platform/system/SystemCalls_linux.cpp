@@ -1,4 +1,5 @@
 #include "platform/base/Indestructible.h"
+#include "platform/system/Attempts.h"
 #include "platform/system/DirectoryEntries.h"
 #include "platform/system/FilesInUse.h"
 #include "platform/system/HostSystemCalls.h"
@@ -63,11 +64,9 @@ SystemResult<FileDescriptor> openResolved(int parent, const char *path, std::uin
     open_how how{};
     how.flags = kFolderFlags;
     how.resolve = resolve;
-    long answer = 0;
-    do {
-        answer = ::syscall(SYS_openat2, parent, path, &how, sizeof how);
-    } while (answer < 0 && (errno == EAGAIN || errno == EINTR)); // a rename raced with the descent
-    return opened(answer);
+    // EAGAIN: a rename somewhere on the disk raced with the descent.
+    return attempted([&] { return opened(::syscall(SYS_openat2, parent, path, &how, sizeof how)); },
+                     {EAGAIN, EINTR});
 }
 
 FileKind kindOfMode(unsigned mode)

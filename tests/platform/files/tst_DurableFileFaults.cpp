@@ -31,6 +31,7 @@ private Q_SLOTS:
     void everyFailedCallLeavesTheOldOrTheNew_data();
     void everyFailedCallLeavesTheOldOrTheNew();
     void aCallThatWasInterruptedIsMadeAgain();
+    void aCallThatIsAlwaysInterruptedFails();
     void everyKillLeavesTheOldOrTheNew_data();
     void everyKillLeavesTheOldOrTheNew();
     void everyKillOfTheFirstWriteLeavesNothingOrTheNew();
@@ -102,6 +103,23 @@ void TestDurableFileFaults::aCallThatWasInterruptedIsMadeAgain()
         QVERIFY(count > 1);
         QCOMPARE(folder.file().read(Generation::Current).bytes, kNew);
         QCOMPARE(folder.file().read(Generation::Previous).bytes, kOld);
+    }
+}
+
+void TestDurableFileFaults::aCallThatIsAlwaysInterruptedFails()
+{
+    constexpr int kForEver = 100'000;
+    for (const char *interrupted : {"write", "read"}) {
+        const DurableFileFolder folder;
+        folder.fill();
+        int count = 0;
+        const HookedSystem calls([&](int, std::string_view name) {
+            return name != interrupted ? 0 : count++ < kForEver ? EINTR : EIO;
+        });
+        const auto written = folder.file(calls).write(kNew, Replace::OnlyWhatIsKnown);
+        QVERIFY(!written);
+        QCOMPARE(written.error().error, EINTR);
+        QCOMPARE(folder.file().read(Generation::Current).bytes, kOld);
     }
 }
 
