@@ -24,13 +24,20 @@ struct SearchEnd
 };
 
 /// One search. Does the file work on a background thread and keeps its messages, in order, until
-/// the main thread takes them. Shared by both threads.
+/// the main thread takes them. Shared by both threads, and may outlive the job.
 class SearchJob::Run final : public LargeFileListener, public std::enable_shared_from_this<Run>
 {
 public:
     using Message = std::variant<FileUrl, File, UnreadablePlace, SearchEnd>;
 
-    Run(SearchJob &job, FileUrls listed) : m_job(job), m_files(std::move(listed)) {}
+    Run(SearchJob &job, FileUrls listed)
+        : m_calls(job.m_calls),
+          m_access(job.m_access),
+          m_sender(job.m_channel.sender()),
+          m_job(&job),
+          m_files(std::move(listed))
+    {
+    }
 
     void search(const LargeFileQuery &folders, const std::stop_token &stop)
     {
@@ -39,9 +46,8 @@ public:
             paths.insert(file.path());
         LargeFileQuery query = folders;
         query.isListed = [&](const QByteArray &path) { return paths.contains(path); };
-        const SearchOutcome outcome =
-            searchLargeFiles(m_job.m_calls, m_job.m_access, query, *this, stop);
-        say(SearchEnd{outcome, vanishedFiles(m_job.m_calls, m_job.m_access, m_files, stop)});
+        const SearchOutcome outcome = searchLargeFiles(m_calls, m_access, query, *this, stop);
+        say(SearchEnd{outcome, vanishedFiles(m_calls, m_access, m_files, stop)});
     }
 
     void searching(const FileUrl &folder) override { say(folder); }
@@ -51,6 +57,12 @@ public:
         say(file);
     }
     void unreadable(const UnreadablePlace &place) override { say(place); }
+
+    /// Calls the job, if it is still there, to take messages.
+    void call()
+    {
+        m_sender.post([job = m_job, run = shared_from_this()] { job->deliver(run); });
+    }
 
     /// The next message. When this returned nothing, the job is called again for the message that
     /// follows.
@@ -71,12 +83,15 @@ private:
         const std::scoped_lock lock(m_mutex);
         m_messages.push_back(std::make_unique<const Message>(content));
         if (!m_isCalled)
-            m_job.post(shared_from_this());
+            call();
         m_isCalled = true;
     }
 
-    SearchJob &m_job;
-    FileUrls m_files; ///< what the list holds once all is delivered; for the search alone
+    const SystemCalls &m_calls;
+    FileAccess &m_access;
+    const ReplyChannel::Sender m_sender;
+    SearchJob *const m_job; ///< for the messages, which do not outlive it
+    FileUrls m_files;       ///< what the list holds once all is delivered; for the search alone
 
     std::mutex m_mutex; ///< guards the rest
     std::deque<std::unique_ptr<const Message>> m_messages;
@@ -110,19 +125,13 @@ void SearchJob::stop()
     Q_EMIT stopped();
 }
 
-void SearchJob::post(const std::shared_ptr<Run> &run)
-{
-    QMetaObject::invokeMethod(
-        this, [this, run] { deliver(run); }, Qt::QueuedConnection);
-}
-
 void SearchJob::deliver(const std::shared_ptr<Run> &run)
 {
     QElapsedTimer timer;
     timer.start();
     while (run == m_run) {
         if (timer.elapsed() >= kDeliveryMilliseconds)
-            return post(run);
+            return run->call();
         const auto message = run->next();
         if (!message)
             return;

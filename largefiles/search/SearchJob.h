@@ -2,6 +2,7 @@
 
 #include "largefiles/search/LargeFileSearch.h"
 #include "platform/threads/BackgroundQueue.h"
+#include "platform/threads/ReplyChannel.h"
 
 #include <QList>
 #include <QObject>
@@ -32,10 +33,11 @@ class SearchJob final : public QObject
     Q_OBJECT
 
 public:
-    /// All must outlive it.
+    /// `calls` and `access` live as long as the program: a search that waits for a disk may outlive
+    /// the job. The list outlives the job.
     SearchJob(const SystemCalls &calls, FileAccess &access, LargeFileList &list,
               QObject *parent = nullptr);
-    /// Waits until the search has obeyed the stop.
+    /// Tells the search to stop, and does not wait for it.
     ~SearchJob() override;
 
     /// Begins a search of these folders (see searchURLs()); `excludedPaths` are the texts stored
@@ -60,7 +62,6 @@ private:
     class Run;
 
     void deliver(const std::shared_ptr<Run> &run);
-    void post(const std::shared_ptr<Run> &run);
     void take(const FileUrl &folder);
     void take(const File &file);
     void take(const UnreadablePlace &place);
@@ -71,7 +72,7 @@ private:
     LargeFileList &m_list;
     std::shared_ptr<Run> m_run; ///< the search that counts
     QList<UnreadablePlace> m_unreadable;
-    /// A search that is slow to obey its stop does not delay a newer one. This member is the last:
-    /// the searches end before the members that they use.
-    BackgroundQueue<OwnersEnd::Wait, Queueing::LatestOnly> m_searches{kThreadForEachTask};
+    ReplyChannel m_channel;
+    /// A search that is slow to obey its stop does not delay a newer one.
+    BackgroundQueue<OwnersEnd::Abandon, Queueing::LatestOnly> m_searches{kThreadForEachTask};
 };

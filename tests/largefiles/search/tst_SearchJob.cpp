@@ -11,8 +11,12 @@
 #include <QSignalSpy>
 #include <QThread>
 #include <cerrno>
+#include <condition_variable>
+#include <thread>
 
 namespace {
+
+using namespace std::chrono_literals;
 
 /// In milliseconds. Instrumented code takes many times as long; there the limit shows only a search
 /// that goes on.
@@ -31,6 +35,13 @@ struct Sheet
           finished(&job, &SearchJob::finished),
           stopped(&job, &SearchJob::stopped)
     {
+    }
+
+    /// The job waits for no search, but the home must.
+    ~Sheet()
+    {
+        job.stop();
+        awaitBackgroundThreads();
     }
 
     void start(const QStringList &excluded = {})
@@ -84,7 +95,8 @@ private Q_SLOTS:
     void endsWhenTheListIsEmptied();
     void stopsWithin100Milliseconds();
     void ignoresAStopWithoutASearch();
-    void waitsForItsThreadsAtTheEnd();
+    void holdsUpNothingAtItsEnd();
+    void mayEndWhileItSearches();
     void readsFreshSizesOffTheMainThread();
 };
 
@@ -305,7 +317,37 @@ void TestSearchJob::ignoresAStopWithoutASearch()
     QCOMPARE(sheet.stopped.size(), 0);
 }
 
-void TestSearchJob::waitsForItsThreadsAtTheEnd()
+/// A disk that never answers must not keep the sheet, and so the program, from ending.
+void TestSearchJob::holdsUpNothingAtItsEnd()
+{
+    const MadeTree home;
+    make(home, {"Movies/", "Movies/a", "Music/", "Music/b"});
+    HomeAccess access(home);
+    LargeFileList list;
+    Gate gate("Music");
+    std::atomic<bool> wasHeldUp = false;
+    auto job = std::make_unique<SearchJob>(gate.calls, access, list);
+    job->beginSearch(searchURLs(homeUrl(home)), {});
+    gate.awaitArrival();
+    {
+        std::mutex mutex;
+        std::condition_variable_any ended;
+        const std::jthread rescuer([&](const std::stop_token &hasEnded) {
+            std::unique_lock lock(mutex);
+            ended.wait_for(lock, hasEnded, 5s, [] { return false; });
+            wasHeldUp = !hasEnded.stop_requested();
+            gate.open();
+        });
+        job.reset();
+    }
+    QVERIFY(!wasHeldUp);
+    awaitBackgroundThreads();
+    QCoreApplication::processEvents();
+    QCOMPARE(list.rowCount(), 0);
+    QCOMPARE(access.starts(), access.stops());
+}
+
+void TestSearchJob::mayEndWhileItSearches()
 {
     const MadeTree home;
     make(home, {"Movies/", "Movies/a"});
@@ -316,6 +358,7 @@ void TestSearchJob::waitsForItsThreadsAtTheEnd()
         job.beginSearch(searchURLs(homeUrl(home)), {});
         job.beginSearch(searchURLs(homeUrl(home)), {});
     }
+    awaitBackgroundThreads();
     QCOMPARE(access.starts(), access.stops());
 }
 
