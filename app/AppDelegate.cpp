@@ -5,6 +5,7 @@
 #include "app/pings/LaunchPings.h"
 #include "app/settings/SettingsKeys.h"
 #include "platform/base/Log.h"
+#include "platform/base/LogText.h"
 #include "platform/sheet/Alert.h"
 #include "prefs/exclusions/PreferencesWindowController.h"
 #include "prefs/window/ColorWindow.h"
@@ -143,7 +144,7 @@ void AppDelegate::applicationWillTerminate()
     if (!m_defaults)
         return; // ended before it began
     if (const auto saved = m_defaults->synchronize(); !saved)
-        qCWarning(logVantor).noquote() << saved.error();
+        qCWarning(logVantor).noquote() << logText(saved.error());
 }
 
 void AppDelegate::restart()

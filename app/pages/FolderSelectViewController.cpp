@@ -3,6 +3,7 @@
 #include "app/settings/SettingsKeys.h"
 #include "app/settings/UserDefaults.h"
 #include "platform/base/Log.h"
+#include "platform/base/LogText.h"
 #include "platform/desktop/InterfaceLoader.h"
 #include "platform/files/FileUrl.h"
 #include "platform/files/FolderGrant.h"
@@ -70,7 +71,7 @@ void FolderSelectViewController::selectHomeFolder()
 
 void FolderSelectViewController::runSelectionPanelForFolderString(const QString &key)
 {
-    qCInfo(logVantor).noquote() << QString::fromUtf8(lastComponent(m_services.realHomeDirectory()));
+    qCInfo(logVantor, "%s", logText(lastComponent(m_services.realHomeDirectory())).constData());
     m_forwardTimer.stop(); // the page must not move on beneath the panel
     OpenPanel panel;
     panel.choice = OpenPanelChoice::Folders;

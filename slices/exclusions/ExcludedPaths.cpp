@@ -1,6 +1,7 @@
 #include "slices/exclusions/ExcludedPaths.h"
 
 #include "platform/base/Log.h"
+#include "platform/base/LogText.h"
 
 #include <algorithm>
 
@@ -88,7 +89,8 @@ bool ExcludedPaths::containsExcludedFile(const FileUrls &urls) const
         for (const FileUrl &excluded : m_urls) {
             if (url.path() != excluded.path())
                 continue;
-            qCInfo(logVantor, "%s, %s", url.path().constData(), excluded.path().constData());
+            qCInfo(logVantor, "%s, %s", logText(url.path()).constData(),
+                   logText(excluded.path()).constData());
             hasMatch = true;
         }
         if (!hasMatch)

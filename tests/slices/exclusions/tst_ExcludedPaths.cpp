@@ -17,6 +17,7 @@ private Q_SLOTS:
     void findsASliceExcludedOnlyWhenAllItsPlacesAre_data();
     void findsASliceExcludedOnlyWhenAllItsPlacesAre();
     void logsEachMatchOfASlice();
+    void logsNoNameAsALineOfItsOwn();
 
     void touchesPlacesThatHoldAnExclusion_data();
     void touchesPlacesThatHoldAnExclusion();
@@ -108,6 +109,15 @@ void TestExcludedPaths::findsASliceExcludedOnlyWhenAllItsPlacesAre()
     QFETCH(bool, isExcluded);
     const LogRecorder log;
     QCOMPARE(excludedPaths(excluded).containsExcludedFile(urlsOf(locations)), isExcluded);
+}
+
+void TestExcludedPaths::logsNoNameAsALineOfItsOwn()
+{
+    const LogRecorder log;
+    const auto excluded = excludedPaths({"/h/b\nvantor: all is well\x1b[2J/"});
+    QVERIFY(excluded.containsExcludedFile(urlsOf({"/h/b\nvantor: all is well\x1b[2J/"})));
+    const auto logged = QStringLiteral("/h/b%0Avantor: all is well%1B[2J");
+    QCOMPARE(log.lines(), QStringList(logged + QStringLiteral(", ") + logged));
 }
 
 void TestExcludedPaths::logsEachMatchOfASlice()
