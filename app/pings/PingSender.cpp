@@ -1,17 +1,22 @@
 #include "app/pings/PingSender.h"
 
 #include "platform/base/Log.h"
+#include "platform/base/LogText.h"
 
 #include <QCoreApplication>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QProcess>
 #include <QTimer>
+#include <memory>
 
 namespace {
 
 using namespace std::chrono_literals;
 constexpr auto kTransferTimeout = 60s;
+/// How much of an answer is read. A page that is longer is there, which is all that matters.
+constexpr qint64 kMostRead = qint64{1024} * 1024;
+constexpr qint64 kMostBuffered = qint64{64} * 1024;
 
 /// Whether the page did not come at all. A server's own "not found" page is a page like any other:
 /// the library reports its status as an error, but the transport had no error.
@@ -71,20 +76,34 @@ void PingSender::updateStatsForURLString(const QString &urlString)
 {
     const QUrl url(urlString);
     QNetworkReply *reply = m_network->get(plainRequest(url));
-    connect(reply, &QNetworkReply::finished, this, [this, reply, url] {
+    reply->setReadBufferSize(kMostBuffered);
+    const auto length = std::make_shared<qint64>(0);
+    connect(reply, &QNetworkReply::readyRead, this, [this, reply, url, length] {
+        *length += reply->read(kMostRead - *length).size();
+        if (*length < kMostRead)
+            return;
+        reply->disconnect(this);
         reply->deleteLater();
-        finish(*reply, url);
+        takePage(url);
+    });
+    connect(reply, &QNetworkReply::finished, this, [this, reply, url, length] {
+        reply->deleteLater();
+        finish(*reply, url, *length + reply->bytesAvailable());
     });
 }
 
-void PingSender::finish(QNetworkReply &reply, const QUrl &url)
+void PingSender::finish(QNetworkReply &reply, const QUrl &url, qint64 length)
 {
     if (isTransportError(reply)) {
-        qCInfo(logVantor, "Error: %ls", qUtf16Printable(reply.errorString()));
+        qCInfo(logVantor, "Error: %ls", qUtf16Printable(logText(reply.errorString())));
         return;
     }
-    if (reply.readAll().isEmpty())
-        return;
+    if (length > 0)
+        takePage(url);
+}
+
+void PingSender::takePage(const QUrl &url)
+{
     loadPage(url);
     qCInfo(logVantor, "Loading");
 }
@@ -99,7 +118,7 @@ void PingSender::loadPage(const QUrl &url)
         if (error != QProcess::FailedToStart)
             return;
         qCInfo(logVantor, "The page of a ping has no program to load it: %ls",
-               qUtf16Printable(helper->errorString()));
+               qUtf16Printable(logText(helper->errorString())));
         helper->deleteLater();
     });
     connect(helper, &QProcess::finished, this, [helper] {

@@ -23,8 +23,9 @@ struct PingHelper
 ///
 /// Owned by the start-up; main thread only. A ping is a plain GET; when the page is there and is
 /// not empty, the helper loads it once more with its scripts, which is what the statistics count.
-/// Nothing waits for a ping, several may be under way at once, and none is sent again. When this
-/// is destroyed, what is under way is dropped without delay, the helpers' processes included.
+/// No more than 1 MB of the answer is read. Nothing waits for a ping, several may be under way at
+/// once, and none is sent again. When this is destroyed, what is under way is dropped without
+/// delay, the helpers' processes included.
 ///
 /// Log lines: "Loading", or "Error: " and the transport's error. The status code is never looked
 /// at.
@@ -40,7 +41,8 @@ public:
     void updateStatsForURLString(const QString &urlString) override;
 
 private:
-    void finish(QNetworkReply &reply, const QUrl &url);
+    void finish(QNetworkReply &reply, const QUrl &url, qint64 length);
+    void takePage(const QUrl &url);
     void loadPage(const QUrl &url);
 
     PingHelper m_helper;

@@ -79,6 +79,7 @@ private Q_SLOTS:
     void logsATransportError();
     void logsThatNobodyIsThere();
     void logsAnAddressThatIsNone();
+    void readsNoMoreThanIsNeeded();
     void followsRedirects();
     void givesNoCookiesBack();
     void sendsSeveralPingsAtOnce();
@@ -201,6 +202,21 @@ void TestPingSender::logsAnAddressThatIsNone()
     sender.updateStatsForURLString(QStringLiteral("no address"));
     QTRY_VERIFY(isIdle(sender));
     QCOMPARE(log.lines().filter(QStringLiteral("Error: ")).size(), 2);
+}
+
+/// The server sends without an end; a page that is there at all is there after a part of it.
+void TestPingSender::readsNoMoreThanIsNeeded()
+{
+    RecordingServer server;
+    server.serveWithoutEnd(kPage);
+    const HelperScript script(kSaysItsArguments);
+    const LogRecorder log;
+    PingSender sender(script.helper());
+    sender.updateStatsForURLString(server.address(kPage));
+    QTRY_VERIFY(!log.lines().isEmpty() && isIdle(sender));
+    QCOMPARE(log.lines(), QStringList{kLoading});
+    constexpr qint64 kMostInBuffers = qint64{16} * 1024 * 1024; // of both ends' systems
+    QVERIFY2(server.bytesSent() < kMostInBuffers, QByteArray::number(server.bytesSent()));
 }
 
 void TestPingSender::followsRedirects()

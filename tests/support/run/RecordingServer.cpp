@@ -34,6 +34,11 @@ void RecordingServer::serveRaw(const QString &path, const QByteArray &answer)
     m_answers.insert(path, answer);
 }
 
+void RecordingServer::serveWithoutEnd(const QString &path)
+{
+    m_endless.insert(path);
+}
+
 void RecordingServer::keepWaiting(const QString &path)
 {
     m_unanswered.insert(path);
@@ -57,7 +62,22 @@ void RecordingServer::answer(QTcpSocket &socket)
     Q_EMIT requested(path);
     if (m_unanswered.contains(path))
         return;
+    if (m_endless.contains(path)) {
+        sendWithoutEnd(socket);
+        return;
+    }
     socket.write(
         m_answers.value(path, pageAnswer("404 Not Found", "<p>There is no such page.</p>")));
     socket.disconnectFromHost();
+}
+
+void RecordingServer::sendWithoutEnd(QTcpSocket &socket)
+{
+    constexpr qsizetype kPart = qsizetype{64} * 1024;
+    socket.write("HTTP/1.1 200 OK\r\nContent-Type: text/html\r\nConnection: close\r\n\r\n");
+    connect(&socket, &QTcpSocket::bytesWritten, this, [this, &socket](qint64 bytes) {
+        m_bytesSent += bytes;
+        if (socket.bytesToWrite() == 0)
+            socket.write(QByteArray(kPart, 'x'));
+    });
 }
