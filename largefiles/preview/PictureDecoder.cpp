@@ -35,7 +35,7 @@ DecodedPicture PictureDecoder::picture(int file, int page, QSize pixels,
     process.limits.processorTime =
         std::chrono::ceil<std::chrono::seconds>(patience); // holds when the clock stands still, too
     QFile output(process.outputFile);
-    if (!runConfined(process, stop) || !output.open(QIODevice::ReadOnly))
+    if (runConfined(process, stop) != 0 || !output.open(QIODevice::ReadOnly))
         return {};
     return readPicture(output, pixels);
 }

@@ -141,7 +141,12 @@ QImage pictureMadeBy(const Thumbnailer &thumbnailer, const FileUrl &file, int si
     QStringList arguments;
     for (const QString &argument : thumbnailer.command.mid(1))
         arguments.append(filledIn(argument, fields));
-    if (!runConfined({thumbnailer.command.constFirst(), arguments, place.path(), patience}, stop))
+    ConfinedProcess process;
+    process.program = thumbnailer.command.constFirst();
+    process.arguments = arguments;
+    process.workingFolder = place.path();
+    process.patience = patience;
+    if (runConfined(process, stop) != 0)
         return {};
     return pictureLeftAt(output, side);
 }

@@ -6,7 +6,6 @@
 #include <QProcess>
 #include <csignal>
 #include <poll.h>
-#include <sys/resource.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -15,29 +14,12 @@ namespace {
 
 constexpr int kGlance = 20; // milliseconds between two looks at the program
 
-/// Runs in the child, between fork and exec.
-void limitItself(const ProcessLimits &limits, int input)
-{
-    ::setpgid(0, 0); // so that it can be killed with what it starts
-    const auto limit = [](auto resource, rlim_t value) {
-        const rlimit both{value, value};
-        ::setrlimit(resource, &both);
-    };
-    limit(RLIMIT_AS, limits.memory);
-    limit(RLIMIT_FSIZE, limits.fileSize);
-    limit(RLIMIT_CPU, rlim_t(limits.processorTime.count()));
-    limit(RLIMIT_CORE, 0);
-    if (input >= 0)
-        ::dup2(input, STDIN_FILENO);
-}
-
 void setUp(QProcess &process, const ConfinedProcess &wanted)
 {
     process.setProgram(wanted.program);
     process.setArguments(wanted.arguments);
     process.setWorkingDirectory(wanted.workingFolder);
-    process.setChildProcessModifier(
-        [limits = wanted.limits, input = wanted.input] { limitItself(limits, input); });
+    confineChild(process, {wanted.limits, wanted.input, wanted.kept, {}});
     process.setStandardInputFile(QProcess::nullDevice());
     process.setStandardOutputFile(wanted.outputFile.isEmpty() ? QProcess::nullDevice()
                                                               : wanted.outputFile);
@@ -81,14 +63,14 @@ private:
 
 } // namespace
 
-bool runConfined(const ConfinedProcess &wanted, const std::stop_token &stop)
+std::optional<int> runConfined(const ConfinedProcess &wanted, const std::stop_token &stop)
 {
     const QDeadlineTimer deadline(wanted.patience);
     QProcess process;
     setUp(process, wanted);
     process.start();
     if (!process.waitForStarted() || process.processId() <= 0)
-        return false;
+        return std::nullopt;
     bool isKilled = false;
     const UnreapedProgram program(static_cast<pid_t>(process.processId()));
     while (!program.hasEnded()) {
@@ -99,5 +81,7 @@ bool runConfined(const ConfinedProcess &wanted, const std::stop_token &stop)
     }
     program.killGroup(); // what it left behind, before another process can get its number
     process.waitForFinished(-1);
-    return !isKilled && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
+    if (isKilled || process.exitStatus() != QProcess::NormalExit)
+        return std::nullopt;
+    return process.exitCode();
 }

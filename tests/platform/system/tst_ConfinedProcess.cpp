@@ -44,6 +44,11 @@ private:
         return process;
     }
 
+    static bool hasRun(const ConfinedProcess &process, const std::stop_token &stop)
+    {
+        return runConfined(process, stop) == 0;
+    }
+
     /// Of the process whose number a program left in the file.
     bool hasEnded(const QByteArray &numberFile) const
     {
@@ -66,21 +71,27 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, line);
         QFETCH(bool, isWell);
-        QCOMPARE(runConfined(shell(line.constData()), {}), isWell);
+        QCOMPARE(hasRun(shell(line.constData()), {}), isWell);
+    }
+
+    void tellsTheExitCode()
+    {
+        QCOMPARE(runConfined(shell("exit 3"), {}), std::optional<int>(3));
+        QVERIFY(!runConfined(shell("kill -SEGV $$"), {}).has_value());
     }
 
     void whatDoesNotExistIsNotRun()
     {
         ConfinedProcess process = shell("");
         process.program = path("no such program");
-        QVERIFY(!runConfined(process, {}));
+        QVERIFY(!hasRun(process, {}));
     }
 
     void readsAndWritesWhatItIsGiven()
     {
         ConfinedProcess process = shell("cat");
         process.outputFile = path("output");
-        QVERIFY(runConfined(process, {})); // nothing to read
+        QVERIFY(hasRun(process, {})); // nothing to read
         QCOMPARE(read("output"), QByteArray());
         QFile input(path("input"));
         QVERIFY(input.open(QIODevice::WriteOnly));
@@ -89,8 +100,64 @@ private Q_SLOTS:
         const FileDescriptor file(
             ::open(m_folder->path("input").constData(), O_RDONLY | O_CLOEXEC));
         process.input = file.get();
-        QVERIFY(runConfined(process, {}));
+        QVERIFY(hasRun(process, {}));
         QCOMPARE(read("output"), QByteArray("words"));
+    }
+
+    void inheritsNoEnvironment()
+    {
+        qputenv("VANTOR_TEST_SECRET", "secret");
+        qputenv("SSH_AUTH_SOCK", "/run/agent");
+        ConfinedProcess process = shell("env");
+        process.outputFile = path("output");
+        QVERIFY(hasRun(process, {}));
+        QVERIFY(read("output").contains("PATH="));
+        for (const char *name : {"VANTOR_TEST_SECRET", "SSH_AUTH_SOCK", "HOME=", "DBUS", "XDG_"})
+            QVERIFY2(!read("output").contains(name), name);
+    }
+
+    void keepsWhatItNeedsOfTheEnvironment()
+    {
+        qputenv("LANG", "C.UTF-8");
+        ConfinedProcess process = shell("env");
+        process.outputFile = path("output");
+        QVERIFY(hasRun(process, {}));
+        QVERIFY(read("output").contains("LANG=C.UTF-8\n"));
+    }
+
+    void inheritsNoDescriptors()
+    {
+        QFile secret(path("secret"));
+        QVERIFY(secret.open(QIODevice::ReadWrite));
+        // One that is left open for children by mistake, and one far up.
+        const FileDescriptor open(::dup(secret.handle()));
+        const FileDescriptor farUp(::fcntl(secret.handle(), F_DUPFD, 700));
+        ConfinedProcess process = shell("ls -l /proc/self/fd");
+        process.outputFile = path("output");
+        QVERIFY(hasRun(process, {}));
+        QVERIFY(read("output").contains("output"));
+        QVERIFY2(!read("output").contains("secret"), read("output").constData());
+    }
+
+    void keepsTheDescriptorThatItIsGiven()
+    {
+        QFile kept(path("kept"));
+        QVERIFY(kept.open(QIODevice::ReadWrite));
+        ConfinedProcess process = shell("ls -l /proc/self/fd");
+        process.outputFile = path("output");
+        process.kept = kept.handle();
+        QVERIFY(hasRun(process, {}));
+        QVERIFY2(read("output").contains(" " + QByteArray::number(kept.handle()) + " -> " +
+                                         m_folder->path("kept")),
+                 read("output").constData());
+    }
+
+    void gainsNoRights()
+    {
+        ConfinedProcess process = shell("grep NoNewPrivs /proc/self/status");
+        process.outputFile = path("output");
+        QVERIFY(hasRun(process, {}));
+        QCOMPARE(read("output"), QByteArray("NoNewPrivs:\t1\n"));
     }
 
     void memoryIsLimited()
@@ -98,10 +165,10 @@ private Q_SLOTS:
         // dd keeps one block of this many bytes in memory.
         ConfinedProcess process =
             shell("dd if=/dev/zero of=/dev/null bs=200M count=1 && : >\"$F/done\"");
-        QVERIFY(runConfined(process, {}));
+        QVERIFY(hasRun(process, {}));
         QVERIFY(QFile::remove(path("done")));
         process.limits.memory = 80ULL << 20;
-        QVERIFY(!runConfined(process, {}));
+        QVERIFY(!hasRun(process, {}));
         QVERIFY(!QFile::exists(path("done")));
     }
 
@@ -111,7 +178,7 @@ private Q_SLOTS:
         process.limits.processorTime = 1s;
         QElapsedTimer timer;
         timer.start();
-        QVERIFY(!runConfined(process, {}));
+        QVERIFY(!hasRun(process, {}));
         QVERIFY(timer.elapsed() < kLong.count());
     }
 
@@ -119,13 +186,13 @@ private Q_SLOTS:
     {
         ConfinedProcess process = shell("cat /dev/zero >\"$F/large\"");
         process.limits.fileSize = 1'000'000;
-        QVERIFY(!runConfined(process, {}));
+        QVERIFY(!hasRun(process, {}));
         QCOMPARE(read("large").size(), 1'000'000);
     }
 
     void whatTakesTooLongIsEndedWithItsChildren()
     {
-        QVERIFY(!runConfined(
+        QVERIFY(!hasRun(
             shell("echo $$ >\"$F/number\"; sleep 600 & echo $! >\"$F/child\"; wait", 300ms), {}));
         QVERIFY(hasEnded("number"));
         QVERIFY(hasEnded("child"));
@@ -133,7 +200,7 @@ private Q_SLOTS:
 
     void whatItLeavesBehindEndsToo()
     {
-        QVERIFY(runConfined(shell("sleep 600 & echo $! >\"$F/child\""), {}));
+        QVERIFY(hasRun(shell("sleep 600 & echo $! >\"$F/child\""), {}));
         QVERIFY(hasEnded("child"));
     }
 
@@ -145,7 +212,7 @@ private Q_SLOTS:
                 std::this_thread::yield();
             stop.request_stop();
         });
-        QVERIFY(!runConfined(shell("echo $$ >\"$F/number\"; exec sleep 600"), stop.get_token()));
+        QVERIFY(!hasRun(shell("echo $$ >\"$F/number\"; exec sleep 600"), stop.get_token()));
         QVERIFY(hasEnded("number"));
     }
 };
