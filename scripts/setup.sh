@@ -7,10 +7,11 @@ declare -A PACKAGES=(
     # The compiler, Qt's parts, and what their CMake files look for.
     [building]="g++ cmake ninja-build
         qt6-base-dev qt6-tools-dev qt6-tools-dev-tools qt6-svg-dev qt6-webengine-dev qt6-pdf-dev
-        libgl1-mesa-dev libexpected-dev zlib1g-dev libxcb1-dev libxcb-shape0-dev pkg-config fonts-inter"
-    # The MIME database, the opener of the browser, drawing without a graphics card, and desktops
-    # that have only Wayland.
-    [running]="shared-mime-info xdg-utils libegl1 libgl1-mesa-dri qt6-wayland"
+        libgl1-mesa-dev libexpected-dev libseccomp-dev zlib1g-dev libxcb1-dev libxcb-shape0-dev pkg-config
+        fonts-inter"
+    # The MIME database, the opener of the browser, the sandbox for thumbnails and films, drawing
+    # without a graphics card, and desktops that have only Wayland.
+    [running]="shared-mime-info xdg-utils bubblewrap libegl1 libgl1-mesa-dri qt6-wayland"
     # A display and a window manager where there is no desktop.
     [showing]="xvfb xauth openbox"
     # Tools for the tests' own file systems and attributes, and for keys that come from outside the
@@ -91,7 +92,7 @@ name_the_needs() {
 This is not Debian, so nothing is installed for you. Vantor needs:
   a C++20 compiler (GCC 12 or later), CMake 3.25, Ninja
   Qt 6.4 or later: Core, Gui, Widgets, Network, Svg, UiTools, Test, Quick, WebEngine, Pdf, with their headers
-  tl::expected (headers), zlib (headers), xcb and xcb-shape (headers), pkg-config, OpenGL (headers), shared-mime-info, xdg-utils
+  tl::expected (headers), libseccomp (headers), zlib (headers), xcb and xcb-shape (headers), pkg-config, OpenGL (headers), shared-mime-info, xdg-utils, bubblewrap
   the static OpenType files of the Inter typeface (their folder goes into VANTOR_FONT_DIR)
   without a desktop: Xvfb and xvfb-run, xauth, openbox
   for the tests: e2fsprogs, xdotool

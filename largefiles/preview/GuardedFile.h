@@ -45,6 +45,9 @@ public:
     /// Whether a read was refused. If so, what was read is not the whole file.
     bool hasGivenUp() const { return m_hasGivenUp; }
     QDateTime modified() const;
+    const PictureDecoder &decoder() const { return m_decoder; }
+    /// For another process, which reads it without these limits. Open as long as this lives.
+    int descriptor() const { return m_descriptor.get(); }
     /// The file's content as a picture. After that the reading position is undefined; see seek().
     DecodedPicture picture(int page, QSize pixels);
 

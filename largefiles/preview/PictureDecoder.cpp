@@ -1,14 +1,27 @@
 #include "largefiles/preview/PictureDecoder.h"
 
+#include "platform/base/Log.h"
+#include "platform/confinement/ProcessConfinement.h"
 #include "platform/system/ConfinedProcess.h"
 
 #include <QCoreApplication>
 #include <QFile>
 #include <QTemporaryDir>
+#include <mutex>
 
 namespace {
 
 constexpr quint64 kMostMemory = 1ULL << 30;
+
+/// Once is enough: it is so for each file.
+void logMissingConfinement()
+{
+    static std::once_flag isLogged;
+    std::call_once(isLogged, [] {
+        qCWarning(logVantor, "No pictures: this system cannot keep the program that decodes them "
+                             "away from your files.");
+    });
+}
 
 } // namespace
 
@@ -35,7 +48,10 @@ DecodedPicture PictureDecoder::picture(int file, int page, QSize pixels,
     process.limits.processorTime =
         std::chrono::ceil<std::chrono::seconds>(patience); // holds when the clock stands still, too
     QFile output(process.outputFile);
-    if (runConfined(process, stop) != 0 || !output.open(QIODevice::ReadOnly))
+    const std::optional<int> end = runConfined(process, stop);
+    if (end == kExitUnconfined)
+        logMissingConfinement();
+    if (end != 0 || !output.open(QIODevice::ReadOnly))
         return {};
     return readPicture(output, pixels);
 }

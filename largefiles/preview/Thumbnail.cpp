@@ -31,7 +31,8 @@ QString mimeTypeOf(const FileUrl &file)
 
 /// The desktop's programs are for what Vantor does not decode itself: they would do no better with
 /// a damaged photograph.
-QImage pictureByProgram(const FileUrl &file, int side, const std::stop_token &stop)
+QImage pictureByProgram(const GuardedFile &device, const FileUrl &file, int side,
+                        const std::stop_token &stop)
 {
     const QString type = mimeTypeOf(file);
     static const QStringList decoded{
@@ -42,7 +43,11 @@ QImage pictureByProgram(const FileUrl &file, int side, const std::stop_token &st
     if (decoded.contains(type))
         return {};
     const auto thumbnailer = thumbnailerFor(type);
-    return thumbnailer ? pictureMadeBy(*thumbnailer, file, side, stop) : QImage();
+    if (!thumbnailer)
+        return {};
+    ThumbnailerLimits limits;
+    limits.decoder = device.decoder();
+    return pictureMadeBy(*thumbnailer, {file, device.descriptor()}, side, stop, limits);
 }
 
 QImage newPicture(GuardedFile &device, const FileUrl &file, QSize pixels,
@@ -51,7 +56,7 @@ QImage newPicture(GuardedFile &device, const FileUrl &file, QSize pixels,
     const QImage picture = device.picture(0, pixels).image;
     if (device.hasGivenUp())
         return {};
-    return picture.isNull() ? pictureByProgram(file, pixels.width(), stop) : picture;
+    return picture.isNull() ? pictureByProgram(device, file, pixels.width(), stop) : picture;
 }
 
 QImage asPrint(const QImage &picture, qreal scale)

@@ -1,18 +1,19 @@
 #include "largefiles/preview/Thumbnailers.h"
 
+#include "platform/base/Log.h"
 #include "platform/system/ConfinedProcess.h"
 #include "platform/system/FileDescriptor.h"
 
 #include <QDir>
 #include <QFile>
 #include <QHash>
-#include <QImageReader>
 #include <QMimeDatabase>
 #include <QProcess>
 #include <QSet>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <fcntl.h>
+#include <mutex>
 #include <sys/stat.h>
 
 namespace {
@@ -20,7 +21,7 @@ namespace {
 constexpr QLatin1String kGroup("[Thumbnailer Entry]");
 constexpr qint64 kLargestEntry = 64LL * 1024;
 constexpr qint64 kLargestPicture = 16LL * 1024 * 1024; // bytes
-constexpr qint64 kMostPixels = 32'000'000;
+const QString kLeftPicture = QStringLiteral("thumbnail.png");
 
 QHash<QString, QString> valuesOf(const QString &entry)
 {
@@ -74,25 +75,44 @@ QString filledIn(const QString &argument, const QHash<QChar, QString> &fields)
 }
 
 /// What a program has left there. It need not be a picture, nor have the size that the program was
-/// told, nor be a file at all: to open a pipe may wait for ever.
-QImage pictureLeftAt(const QString &output, int side)
+/// told, nor be a file at all: to open a pipe may wait for ever. The file that it looked into may
+/// have taken it over, so a decoder looks at this as at any other picture.
+QImage pictureLeftAt(const QString &output, int side, const PictureDecoder &decoder,
+                     const std::stop_token &stop)
 {
     const FileDescriptor descriptor(::open(QFile::encodeName(output).constData(),
                                            O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-    QFile file;
     struct stat status = {};
     if (!descriptor.isValid() || ::fstat(descriptor.get(), &status) != 0 ||
-        !S_ISREG(status.st_mode) || status.st_size > kLargestPicture ||
-        !file.open(descriptor.get(), QIODevice::ReadOnly))
+        !S_ISREG(status.st_mode) || status.st_size > kLargestPicture)
         return {};
-    QImageReader reader(&file, "png");
-    const QSize size = reader.size();
-    if (size.isEmpty() || qint64(size.width()) * size.height() > kMostPixels)
-        return {};
-    const QImage picture = reader.read();
-    if (picture.width() <= side && picture.height() <= side)
-        return picture;
-    return picture.scaled(side, side, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    return decoder.picture(descriptor.get(), 0, {side, side}, stop).image;
+}
+
+QStringList filledIn(const QStringList &arguments, const QString &inside, int side)
+{
+    const QHash<QChar, QString> fields{
+        {u'u',
+         QString::fromLatin1(
+             FileUrl::fromPath(QFile::encodeName(inside), FileUrlKind::File).absoluteString())},
+        {u'i', inside},
+        {u'o', Sandbox::kOutput + u'/' + kLeftPicture},
+        {u's', QString::number(side)},
+        {u'%', QStringLiteral("%")}};
+    QStringList filled;
+    for (const QString &argument : arguments)
+        filled.append(filledIn(argument, fields));
+    return filled;
+}
+
+/// Once is enough: it is so for each file.
+void logMissingSandbox()
+{
+    static std::once_flag isLogged;
+    std::call_once(isLogged, [] {
+        qCWarning(logVantor, "No thumbnails of other programs: bubblewrap, which keeps them away "
+                             "from your files, is not installed or does not work.");
+    });
 }
 
 } // namespace
@@ -126,27 +146,32 @@ std::optional<Thumbnailer> thumbnailerFor(const QString &mimeType)
     return std::nullopt;
 }
 
-QImage pictureMadeBy(const Thumbnailer &thumbnailer, const FileUrl &file, int side,
-                     const std::stop_token &stop, std::chrono::milliseconds patience)
+QImage pictureMadeBy(const Thumbnailer &thumbnailer, const ThumbnailSource &source, int side,
+                     const std::stop_token &stop, const ThumbnailerLimits &limits)
 {
+    const Sandbox &sandbox = limits.sandbox;
     const QTemporaryDir place;
     if (!place.isValid() || stop.stop_requested())
         return {};
-    const QString output = place.filePath(QStringLiteral("thumbnail.png"));
-    const QHash<QChar, QString> fields{{u'u', QString::fromLatin1(file.absoluteString())},
-                                       {u'i', QFile::decodeName(file.path())},
-                                       {u'o', output},
-                                       {u's', QString::number(side)},
-                                       {u'%', QStringLiteral("%")}};
-    QStringList arguments;
-    for (const QString &argument : thumbnailer.command.mid(1))
-        arguments.append(filledIn(argument, fields));
-    ConfinedProcess process;
-    process.program = thumbnailer.command.constFirst();
-    process.arguments = arguments;
-    process.workingFolder = place.path();
-    process.patience = patience;
-    if (runConfined(process, stop) != 0)
+    if (!sandbox.isInstalled()) {
+        logMissingSandbox();
         return {};
-    return pictureLeftAt(output, side);
+    }
+    SandboxedProgram inside;
+    inside.file = QFile::decodeName(source.file.path());
+    inside.descriptor = source.descriptor;
+    inside.outputFolder = place.path();
+    inside.program = QStandardPaths::findExecutable(thumbnailer.command.constFirst());
+    inside.arguments = filledIn(thumbnailer.command.mid(1), Sandbox::fileInside(inside.file), side);
+    ConfinedProcess process;
+    process.program = sandbox.bubblewrap;
+    process.arguments = sandbox.arguments(inside);
+    process.patience = limits.patience;
+    process.kept = source.descriptor;
+    if (runConfined(process, stop) != 0) {
+        if (!stop.stop_requested() && !sandbox.isUsable())
+            logMissingSandbox();
+        return {};
+    }
+    return pictureLeftAt(place.filePath(kLeftPicture), side, limits.decoder, stop);
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "largefiles/preview/PictureDecoder.h"
+#include "platform/confinement/Sandbox.h"
 #include "platform/files/FileUrl.h"
 
 #include <QImage>
@@ -24,11 +26,24 @@ std::optional<Thumbnailer> readThumbnailer(const QString &entry);
 /// come before the system's. Any thread but the main one.
 std::optional<Thumbnailer> thumbnailerFor(const QString &mimeType);
 
-inline constexpr std::chrono::milliseconds kThumbnailerPatience{8000};
+/// The file that is shown.
+struct ThumbnailSource
+{
+    FileUrl file;
+    int descriptor = -1; ///< that same file, open
+};
 
-/// Lets the program make a picture of the file, of at most `side` pixels. Null when it fails, takes
-/// longer than its limit, or is stopped. It has been ended then, with all that it started. Its use
-/// of the machine is limited too. Any thread but the main one.
-QImage pictureMadeBy(const Thumbnailer &thumbnailer, const FileUrl &file, int side,
-                     const std::stop_token &stop,
-                     std::chrono::milliseconds patience = kThumbnailerPatience);
+/// What stands between such a program and the user's files.
+struct ThumbnailerLimits
+{
+    std::chrono::milliseconds patience = std::chrono::seconds(8);
+    Sandbox sandbox = {};
+    PictureDecoder decoder = {}; ///< of what it leaves
+};
+
+/// Lets the program make a picture of the file, of at most `side` pixels, in a sandbox where it
+/// finds nothing but this file. Null when it fails, takes longer than its limit, or is stopped. It
+/// has been ended then, with all that it started. Its use of the machine is limited too. Where
+/// there is no sandbox the program is not run. Any thread but the main one.
+QImage pictureMadeBy(const Thumbnailer &thumbnailer, const ThumbnailSource &source, int side,
+                     const std::stop_token &stop, const ThumbnailerLimits &limits = {});
