@@ -1,4 +1,5 @@
 #include "largefiles/player/Playback.h"
+#include "platform/confinement/ProcessConfinement.h"
 
 #include <QGuiApplication>
 #include <QSocketNotifier>
@@ -8,7 +9,9 @@
 // vantor-player <width> <height> <file>: plays the file, writes reports to its standard output as
 // writeReport() does, with frames that fit into so many pixels, and obeys the commands that come as
 // lines on its standard input, see Playback::obey(). Ends with its input, so that it never outlives
-// the program that started it. Exits with 2 for bad arguments.
+// the program that started it. It runs in a sandbox, and confines itself before it opens the file
+// (Confinement::Player). Exits with 2 for bad arguments, and with kExitUnconfined when the system
+// cannot confine it.
 
 namespace {
 
@@ -49,6 +52,9 @@ int main(int argc, char **argv)
         !output.open(kOutput, QIODevice::WriteOnly | QIODevice::Unbuffered))
         return kBadArguments;
     Playback playback(output, frameSize);
+    // Has the decoders and the sound server by now.
+    if (!confineThisProcess(Confinement::Player))
+        return kExitUnconfined;
     QByteArray pending;
     QSocketNotifier notifier(kInput, QSocketNotifier::Read);
     QObject::connect(&notifier, &QSocketNotifier::activated, &playback,

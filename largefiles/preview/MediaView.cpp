@@ -3,7 +3,6 @@
 #include "largefiles/preview/MediaControls.h"
 #include "widgets/StyledLabel.h"
 
-#include <QFileInfo>
 #include <QHideEvent>
 #include <QMimeDatabase>
 #include <QPainter>
@@ -38,7 +37,7 @@ QString clockTime(qint64 milliseconds)
 
 } // namespace
 
-MediaView::MediaView(QWidget *parent, QString player)
+MediaView::MediaView(QWidget *parent, Player player)
     : QWidget(parent),
       m_player(std::move(player)),
       m_button(new PlayButton(this)),
@@ -72,7 +71,7 @@ void MediaView::setUpControls()
 void MediaView::setFile(const FileUrl &file)
 {
     clear();
-    if (!isFilmOrSound(file) || !QFileInfo(m_player).isExecutable())
+    if (!isFilmOrSound(file) || !m_player.isInstalled())
         return;
     m_file = file;
     show();
@@ -105,7 +104,7 @@ void MediaView::open()
     m_isOpening = true;
     const QSize pixels = (QSizeF(frameRoom().size()) * devicePixelRatioF()).toSize();
     m_process = std::make_unique<PlayerProcess>(
-        m_player, QFile::decodeName(m_file.path()),
+        m_player, m_file,
         pixels.expandedTo({1, 1}).boundedTo({kLargestFrameSide, kLargestFrameSide}), nullptr);
     connect(m_process.get(), &PlayerProcess::reported, this, &MediaView::take);
     refresh();

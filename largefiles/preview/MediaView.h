@@ -13,14 +13,14 @@ class QLabel;
 /// Lets the user play a film or a sound over the picture or icon that stands for it. Shows a play
 /// button and, once that was pressed, the frames, the position and the duration. Opens nothing
 /// before that, so that a damaged file does not matter to a user who merely looks. Hidden for all
-/// other files, and where there is no player. Stops when it is hidden. Takes no focus. Main thread
-/// only.
+/// other files, and where there is no player or no sandbox for it. Stops when it is hidden. Takes
+/// no focus. Main thread only.
 class MediaView final : public QWidget
 {
     Q_OBJECT
 
 public:
-    explicit MediaView(QWidget *parent, QString player = PlayerProcess::besideTheProgram());
+    explicit MediaView(QWidget *parent, Player player = {});
     ~MediaView() override;
 
     /// Stops. Appears for this file if its name says that it is a film or a sound.
@@ -62,7 +62,7 @@ private:
     void placeControls();
     QRect frameRoom() const;
 
-    QString m_player;
+    Player m_player;
     FileUrl m_file;
     PlayButton *m_button;
     PositionSlider *m_slider;

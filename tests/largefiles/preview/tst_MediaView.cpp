@@ -1,12 +1,16 @@
 #include "largefiles/preview/MediaView.h"
 
 #include "largefiles/preview/MediaControls.h"
+#include "platform/system/FileDescriptor.h"
 #include "tests/support/disk/ScratchFolder.h"
 #include "tests/support/run/GuiTestMain.h"
+#include "tests/support/run/ProcessEnd.h"
 
 #include <QBuffer>
-#include <QFileInfo>
+#include <QLocalServer>
 #include <QSignalSpy>
+#include <QTcpServer>
+#include <unistd.h>
 
 namespace {
 
@@ -36,20 +40,20 @@ private:
         return FileUrl::fromPath(m_folder.path(name), FileUrlKind::File);
     }
     /// A player that does what the shell's line does.
-    QString player(const QByteArray &line)
+    Player player(const QByteArray &line)
     {
         const FileUrl url = write("player", "#!/bin/sh\n" + line + '\n');
         const QString path = QFile::decodeName(url.path());
         QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        return path;
+        return {path, {}};
     }
-    /// What such a player says in this report.
-    QByteArray report(const QByteArray &name, const PlayerReport &report)
+    /// The line of such a player that makes this report. It finds no file but the film.
+    static QByteArray report(const PlayerReport &report)
     {
         QBuffer buffer;
         buffer.open(QIODevice::WriteOnly);
         writeReport(buffer, report);
-        return "cat '" + write(name, buffer.data()).path() + "'\n";
+        return "echo " + buffer.data().toBase64() + " | base64 -d\n";
     }
     static QAbstractButton *button(const MediaView &view) { return view.findChild<PlayButton *>(); }
 
@@ -86,7 +90,7 @@ private Q_SLOTS:
 
     void offersNothingWithoutAPlayer()
     {
-        MediaView view(&m_window, QStringLiteral("/nowhere/vantor-player"));
+        MediaView view(&m_window, {QStringLiteral("/nowhere/vantor-player"), {}});
         view.setFile(write("a.mp4", "x"));
         QVERIFY(!view.isVisible());
         QVERIFY(!view.togglePlaying());
@@ -94,17 +98,19 @@ private Q_SLOTS:
 
     void opensNothingBeforeThePress()
     {
-        const QByteArray trace = m_folder.path("started");
-        MediaView view(&m_window, player("touch '" + trace + "'"));
+        MediaView view(&m_window, player(report({PlayerReport::Kind::Playing, 0, 1000, {}}) +
+                                         "exec sleep " + longSleep(1)));
         QSignalSpy changes(&view, &MediaView::changed);
         view.setFile(write("a.mp4", "x"));
         QVERIFY(!view.isOpen());
         QVERIFY(!view.findChild<PositionSlider *>()->isVisible());
-        QVERIFY(!QFileInfo::exists(QFile::decodeName(trace)));
+        QVERIFY(!isRunning(longSleep(1)));
         QTest::mouseClick(button(view), Qt::LeftButton);
         QVERIFY(view.isOpen());
         QVERIFY(changes.wait());
-        QVERIFY(QFileInfo::exists(QFile::decodeName(trace)));
+        QTRY_VERIFY(isRunning(longSleep(1)));
+        view.clear();
+        QTRY_VERIFY(!isRunning(longSleep(1)));
     }
 
     void saysSoWhenThePlayerFails_data()
@@ -113,7 +119,7 @@ private Q_SLOTS:
         QTest::newRow("ends without a word") << QByteArray("exit 0");
         QTest::newRow("crashes") << QByteArray("kill -SEGV $$");
         QTest::newRow("talks nonsense") << QByteArray("yes nonsense");
-        QTest::newRow("says that it cannot") << report("failed", {});
+        QTest::newRow("says that it cannot") << report({});
     }
     void saysSoWhenThePlayerFails()
     {
@@ -144,7 +150,7 @@ private Q_SLOTS:
 
     void saysThatNothingCanBeHeard()
     {
-        MediaView view(&m_window, player(report("silent", {PlayerReport::Kind::Silent, 0, 0, {}})));
+        MediaView view(&m_window, player(report({PlayerReport::Kind::Silent, 0, 0, {}})));
         view.setFile(write("a.wav", "x"));
         view.togglePlaying();
         QTRY_COMPARE(view.message(), QStringLiteral("There is nothing to hear this with"));
@@ -153,7 +159,7 @@ private Q_SLOTS:
     void tellsWhereItIs()
     {
         MediaView view(&m_window,
-                       player(report("at", {PlayerReport::Kind::Playing, 65'000, 7'200'000, {}}) +
+                       player(report({PlayerReport::Kind::Playing, 65'000, 7'200'000, {}}) +
                               "cat >/dev/null"));
         view.setFile(write("a.mp4", "x"));
         view.togglePlaying();
@@ -166,20 +172,89 @@ private Q_SLOTS:
 
     void asksForPausesAndPlaces()
     {
-        const QByteArray heard = m_folder.path("heard");
-        MediaView view(&m_window, player(report("at", {PlayerReport::Kind::Playing, 0, 1000, {}}) +
-                                         "exec cat >'" + heard + "'"));
+        const QByteArray answers =
+            "while read -r line; do case $line in\npause)\n" +
+            report({PlayerReport::Kind::Paused, 7, 60'000, {}}) + ";;\n\"seek 60000\")\n" +
+            report({PlayerReport::Kind::Position, 60'000, 60'000, {}}) + ";;\nesac; done";
+        MediaView view(&m_window,
+                       player(report({PlayerReport::Kind::Playing, 0, 60'000, {}}) + answers));
         view.resize(400, 300);
         view.setFile(write("a.mp4", "x"));
         view.togglePlaying();
         QTRY_VERIFY(view.isPlaying());
         view.togglePlaying();
+        QTRY_VERIFY(!view.isPlaying());
         auto *const slider = view.findChild<PositionSlider *>();
         QTest::mouseClick(slider, Qt::LeftButton, {}, slider->rect().topRight());
-        QFile file(QFile::decodeName(heard));
-        QTRY_VERIFY(file.size() == qint64(sizeof "pause\nseek 1000\n") - 1);
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        QCOMPARE(file.readAll(), QByteArray("pause\nseek 1000\n"));
+        QTRY_COMPARE(view.time(), QStringLiteral("1:00 / 1:00"));
+    }
+
+    void withoutASandboxNothingIsPlayed()
+    {
+        Player bare = player(report({PlayerReport::Kind::Playing, 0, 1000, {}}) + "exec sleep " +
+                             longSleep(2));
+        bare.sandbox.bubblewrap.clear();
+        MediaView hidden(&m_window, bare);
+        hidden.setFile(write("a.mp4", "x"));
+        QVERIFY(!hidden.isVisible());
+        bare.sandbox.bubblewrap = QStringLiteral("/bin/false"); // may not make any
+        MediaView view(&m_window, bare);
+        view.setFile(write("a.mp4", "x"));
+        QVERIFY(view.togglePlaying());
+        QTRY_COMPARE(view.message(), QStringLiteral("This file cannot be played"));
+        QVERIFY(!isRunning(longSleep(2)));
+    }
+
+    void playsTheFileAloneInASandbox_data()
+    {
+        QTest::addColumn<QByteArray>("line");
+        QTest::addColumn<bool>("isPossible");
+        QTest::newRow("reads the film") << QByteArray("grep -q film \"$3\"") << true;
+        QTest::newRow("talks to the sound server") << QByteArray("test -S /run/socket") << true;
+        QTest::newRow("is told about the sound server")
+            << QByteArray("test $PULSE_SERVER = unix:/run/socket") << true;
+        QTest::newRow("writes the film") << QByteArray("echo x >>\"$3\"") << false;
+        QTest::newRow("reads another file") << QByteArray("cat \"$F/secret\"") << false;
+        QTest::newRow("makes a file") << QByteArray(": >\"$F/new\"") << false;
+        QTest::newRow("makes a file inside") << QByteArray(": >/new || : >/tmp/new") << false;
+        QTest::newRow("connects to a server")
+            << QByteArray("bash -c \"exec 3<>/dev/tcp/127.0.0.1/$S\"") << false;
+        QTest::newRow("reads the environment") << QByteArray("env | grep VANTOR_TEST") << false;
+        QTest::newRow("talks to the bus") << QByteArray("test -S \"$F/bus\"") << false;
+        QTest::newRow("uses what it inherits")
+            << QByteArray("ls -l /proc/self/fd /proc/1/fd | grep -e secret -e film") << false;
+    }
+
+    void playsTheFileAloneInASandbox()
+    {
+        QFETCH(QByteArray, line);
+        QFETCH(bool, isPossible);
+        QTcpServer server;
+        QVERIFY(server.listen(QHostAddress::LocalHost));
+        QLocalServer sound;
+        QLocalServer bus;
+        m_folder.makeFolder("pulse");
+        QVERIFY(sound.listen(QFile::decodeName(m_folder.path("pulse/native"))));
+        QVERIFY(bus.listen(QFile::decodeName(m_folder.path("bus"))));
+        const QByteArray before = qgetenv("XDG_RUNTIME_DIR");
+        qputenv("XDG_RUNTIME_DIR", m_folder.path());
+        qputenv("VANTOR_TEST_SECRET", "secret");
+        QFile secret(QFile::decodeName(write("secret", "secret").path()));
+        QVERIFY(secret.open(QIODevice::ReadOnly));
+        const FileDescriptor inherited(::dup(secret.handle()));
+        MediaView view(
+            &m_window,
+            player("F='" + m_folder.path() + "' S=" + QByteArray::number(server.serverPort()) +
+                   "\nif ( " + line + " ) >/dev/null; then\n" +
+                   report({PlayerReport::Kind::Playing, 0, 60'000, {}}) + "else\n" +
+                   report({PlayerReport::Kind::Silent, 0, 0, {}}) + "fi\nexec cat >/dev/null"));
+        view.setFile(write("film.mp4", "a film"));
+        view.togglePlaying();
+        QTRY_VERIFY(view.isPlaying() || !view.message().isEmpty());
+        QCOMPARE(view.isPlaying(), isPossible);
+        QCOMPARE(view.message(),
+                 isPossible ? QString() : QStringLiteral("There is nothing to hear this with"));
+        qputenv("XDG_RUNTIME_DIR", before);
     }
 
     void stopsWhenItIsHiddenOrShowsAnotherFile()
@@ -199,7 +274,7 @@ private Q_SLOTS:
 
     void playsAFilm()
     {
-        if (!QFileInfo::exists(PlayerProcess::besideTheProgram())) { // built without a player
+        if (!Player().isInstalled()) { // built without a player
             MediaView view(&m_window);
             view.setFile(write("film.mp4", film()));
             QVERIFY(!view.isVisible());

@@ -244,7 +244,7 @@ private Q_SLOTS:
         files.press(Qt::Key_Space);
         files.shown();
         const MediaView &media = *files.panel.findChild<MediaView *>();
-        const bool hasPlayer = QFile::exists(PlayerProcess::besideTheProgram());
+        const bool hasPlayer = Player().isInstalled();
         QCOMPARE(media.isVisible(), hasPlayer);
         QVERIFY(!media.isOpen());
         files.press(Qt::Key_P);

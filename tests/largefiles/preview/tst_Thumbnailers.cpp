@@ -6,6 +6,7 @@
 #include "tests/support/disk/ScratchFolder.h"
 #include "tests/support/run/ChildProcess.h"
 #include "tests/support/run/GuiTestMain.h"
+#include "tests/support/run/ProcessEnd.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -84,23 +85,6 @@ private:
     {
         if (!picture.save(QFile::decodeName(film().path()), "PNG"))
             qFatal("cannot write");
-    }
-
-    /// Whether a process runs that has this argument. In the sandbox it has another number.
-    static bool isRunning(const QByteArray &argument)
-    {
-        for (const QString &number : QDir(QStringLiteral("/proc")).entryList(QDir::Dirs)) {
-            QFile line(QStringLiteral("/proc/%1/cmdline").arg(number));
-            if (line.open(QIODevice::ReadOnly) && line.readAll().split('\0').contains(argument))
-                return true;
-        }
-        return false;
-    }
-
-    /// Seconds that nobody else sleeps.
-    static QByteArray longTime(int which)
-    {
-        return QByteArray::number(10'000'000LL * which + ::getpid());
     }
 
 private Q_SLOTS:
@@ -206,7 +190,7 @@ private Q_SLOTS:
         QTest::newRow("leaves a folder") << QByteArray("mkdir \"$2\"");
         QTest::newRow("leaves a heavy file")
             << QByteArray("cp \"$1\" \"$2\"; truncate -s 30M \"$2\"");
-        QTest::newRow("writes without end") << QByteArray("cat /dev/zero >\"$2\"");
+        QTest::newRow("writes without end") << QByteArray("head -c 200M /dev/zero >\"$2\"");
     }
 
     void whatFailsGivesNothing()
@@ -244,11 +228,11 @@ private Q_SLOTS:
     void whatTakesTooLongIsEndedWithItsChildren()
     {
         const QString command =
-            program("sleep " + longTime(1) + " & sleep " + longTime(2) + " & wait");
+            program("sleep " + longSleep(1) + " & sleep " + longSleep(2) + " & wait");
         bool wasRunning = false;
         std::jthread other([&](const std::stop_token &stop) {
             while (!stop.stop_requested() && !wasRunning)
-                wasRunning = isRunning(longTime(1)) && isRunning(longTime(2));
+                wasRunning = isRunning(longSleep(1)) && isRunning(longSleep(2));
         });
         QElapsedTimer timer;
         timer.start();
@@ -257,20 +241,20 @@ private Q_SLOTS:
         other.request_stop();
         other.join();
         QVERIFY(wasRunning);
-        QTRY_VERIFY(!isRunning(longTime(1)) && !isRunning(longTime(2)));
+        QTRY_VERIFY(!isRunning(longSleep(1)) && !isRunning(longSleep(2)));
     }
 
     void aStopEndsIt()
     {
-        const QString command = program("exec sleep " + longTime(3));
+        const QString command = program("exec sleep " + longSleep(3));
         std::stop_source stop;
         const std::jthread other([&] {
-            while (!isRunning(longTime(3)))
+            while (!isRunning(longSleep(3)))
                 std::this_thread::yield();
             stop.request_stop();
         });
         QVERIFY(pictureBy(command, std::chrono::seconds(60), stop.get_token()).isNull());
-        QTRY_VERIFY(!isRunning(longTime(3)));
+        QTRY_VERIFY(!isRunning(longSleep(3)));
     }
 
     void anotherFileInItsPlaceIsNotShown()
