@@ -2,6 +2,7 @@
 
 #include "platform/base/Log.h"
 #include "platform/base/LogText.h"
+#include "platform/system/ChildConfinement.h"
 
 #include <QCoreApplication>
 #include <QNetworkAccessManager>
@@ -17,6 +18,8 @@ constexpr auto kTransferTimeout = 60s;
 /// How much of an answer is read. A page that is longer is there, which is all that matters.
 constexpr qint64 kMostRead = qint64{1024} * 1024;
 constexpr qint64 kMostBuffered = qint64{64} * 1024;
+/// Without the variable the engine would ask the system where the user's home is.
+const QString kNoHome = QStringLiteral("/nonexistent");
 
 /// Whether the page did not come at all. A server's own "not found" page is a page like any other:
 /// the library reports its status as an error, but the transport had no error.
@@ -39,6 +42,25 @@ QNetworkRequest plainRequest(const QUrl &url)
     // No cookie is kept, so none is ever given back, not even within one run.
     request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
     return request;
+}
+
+/// The helper has the network by its purpose, and the web engine guards its own pages. It keeps the
+/// language, and what leads to the network and what is trusted there; the flags are for those who
+/// run the engine where its guards cannot work. Its reservations of address space and the time that
+/// its scripts need are its own business: it is killed at its limit.
+void confineHelper(QProcess &helper)
+{
+    ChildConfinement confinement;
+    confinement.limits.memory = std::nullopt;
+    for (const char *variable :
+         {"http_proxy", "https_proxy", "all_proxy", "no_proxy", "HTTP_PROXY", "HTTPS_PROXY",
+          "ALL_PROXY", "NO_PROXY", "SSL_CERT_FILE", "SSL_CERT_DIR", "QTWEBENGINE_DISABLE_SANDBOX",
+          "QTWEBENGINE_CHROMIUM_FLAGS"})
+        confinement.variables << QString::fromLatin1(variable);
+    confineChild(helper, confinement);
+    QProcessEnvironment environment = helper.processEnvironment();
+    environment.insert(QStringLiteral("HOME"), kNoHome);
+    helper.setProcessEnvironment(environment);
 }
 
 void reportEnd(const QProcess &helper)
@@ -111,6 +133,7 @@ void PingSender::takePage(const QUrl &url)
 void PingSender::loadPage(const QUrl &url)
 {
     auto *helper = new QProcess(this);
+    confineHelper(*helper);
     helper->setStandardInputFile(QProcess::nullDevice());
     helper->setStandardOutputFile(QProcess::nullDevice());
     helper->setStandardErrorFile(QProcess::nullDevice());

@@ -9,7 +9,8 @@ class QNetworkAccessManager;
 class QNetworkReply;
 
 /// The program that loads a ping's page in an off-screen browser view, in a process of its own. So
-/// its memory is given back when it is done, and its crash harms nothing else.
+/// its memory is given back when it is done, and its crash harms nothing else. It gets no home, no
+/// bus and no agent of the user.
 struct PingHelper
 {
     QString program;

@@ -1,4 +1,5 @@
 #include "app/pings/PingSender.h"
+#include "platform/system/FileDescriptor.h"
 #include "tests/support/run/LogRecorder.h"
 #include "tests/support/run/Must.h"
 #include "tests/support/run/RecordingServer.h"
@@ -9,8 +10,10 @@
 #include <QProcess>
 #include <QSignalSpy>
 #include <QTemporaryDir>
+#include <QTemporaryFile>
 #include <cerrno>
 #include <csignal>
+#include <unistd.h>
 
 using namespace std::chrono_literals;
 
@@ -84,6 +87,8 @@ private Q_SLOTS:
     void givesNoCookiesBack();
     void sendsSeveralPingsAtOnce();
 
+    void givesTheHelperNothingOfOurs();
+    void tellsTheHelperTheWayToTheNetwork();
     void onlyLogsAHelperThatIsMissing();
     void onlyLogsAHelperThatFails_data();
     void onlyLogsAHelperThatFails();
@@ -263,6 +268,40 @@ void TestPingSender::sendsSeveralPingsAtOnce()
     QCOMPARE(server.requestCount(kPage), kPings);
     QCOMPARE(log.lines(), QStringList(kPings, kLoading));
     QCOMPARE(script.said().count('\n'), kPings);
+}
+
+void TestPingSender::givesTheHelperNothingOfOurs()
+{
+    m_server.servePage(kPage, "<p>Thank you.</p>");
+    qputenv("VANTOR_TEST_SECRET", "secret");
+    qputenv("SSH_AUTH_SOCK", "/run/agent");
+    QTemporaryFile open; // left open for children by mistake
+    QVERIFY(open.open());
+    const FileDescriptor inherited(::dup(open.handle()));
+    const HelperScript script(
+        "{ env; ls -l /proc/self/fd; grep NoNewPrivs /proc/self/status; ulimit "
+        "-c; } > said\n");
+    PingSender sender(script.helper());
+    sender.updateStatsForURLString(m_server.address(kPage));
+    QTRY_VERIFY(!script.said().isEmpty() && isIdle(sender));
+    const QByteArray said = script.said();
+    QVERIFY2(said.contains("HOME=/nonexistent\n"), said.constData());
+    QVERIFY2(said.contains("NoNewPrivs:\t1\n0\n"), said.constData());
+    for (const QByteArray &ours :
+         {QByteArray("VANTOR_TEST"), QByteArray("SSH_AUTH_SOCK"), QByteArray("DBUS_SESSION"),
+          QByteArray("XDG_"), open.fileName().toLocal8Bit()})
+        QVERIFY2(!said.contains(ours), (ours + " in\n" + said).constData());
+}
+
+void TestPingSender::tellsTheHelperTheWayToTheNetwork()
+{
+    m_server.servePage(kPage, "<p>Thank you.</p>");
+    const HelperScript script("env > said\n");
+    qputenv("no_proxy", "127.0.0.1");
+    PingSender sender(script.helper());
+    sender.updateStatsForURLString(m_server.address(kPage));
+    QTRY_VERIFY(!script.said().isEmpty() && isIdle(sender));
+    QVERIFY2(script.said().contains("no_proxy=127.0.0.1\n"), script.said().constData());
 }
 
 void TestPingSender::onlyLogsAHelperThatIsMissing()
