@@ -15,6 +15,7 @@
 #include <memory>
 #include <optional>
 #include <sched.h>
+#include <span>
 #include <sys/ptrace.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
@@ -69,6 +70,27 @@ bool forks(const World &)
     if (child == 0)
         ::_exit(0);
     return endsWell(child);
+}
+
+/// So many that the limit is met, whatever else the user runs.
+bool startsVeryManyProcesses(const World &)
+{
+    constexpr int kMany = 200;
+    std::array<pid_t, kMany> children{};
+    int started = 0;
+    for (pid_t &child : children) {
+        child = ::fork();
+        if (child == 0)
+            ::pause();
+        if (child < 0)
+            break;
+        ++started;
+    }
+    for (const pid_t child : std::span(children).first(std::size_t(started))) {
+        ::kill(child, SIGKILL);
+        ::waitpid(child, nullptr, 0);
+    }
+    return started == kMany;
 }
 
 bool executes(const World &)
@@ -272,6 +294,13 @@ private Q_SLOTS:
         QFETCH(std::optional<Confinement>, confinement);
         QFETCH(ChildUser, user);
         QTEST(tried(user, confinement, act), "result");
+    }
+
+    void limitsTheProcessesOfAGuest()
+    {
+        // For the administrator the kernel knows no such limit.
+        QCOMPARE(tried(ChildUser::Nobody, std::nullopt, startsVeryManyProcesses), kDone);
+        QCOMPARE(tried(ChildUser::Nobody, Confinement::Guest, startsVeryManyProcesses), kRefused);
     }
 
     void confinesThreadsThatRunAlready()
