@@ -99,6 +99,7 @@ private Q_SLOTS:
         QImage picture(128, 72, QImage::Format_RGB32);
         picture.fill(Qt::cyan);
         makeFilm(picture);
+        QVERIFY(picture.save(path("picture"), "PNG")); // a program in the sandbox does not see it
     }
 
     void readsWhatIsUsable_data()
@@ -186,7 +187,7 @@ private Q_SLOTS:
         QTest::newRow("writes nothing") << QByteArray("true");
         QTest::newRow("writes no picture") << QByteArray("echo no >\"$2\"");
         QTest::newRow("leaves a pipe") << QByteArray("mkfifo \"$2\"");
-        QTest::newRow("leaves a link") << QByteArray("ln -s \"$1\" \"$2\"");
+        QTest::newRow("leaves a link") << QByteArray("ln -s \"$F/picture\" \"$2\"");
         QTest::newRow("leaves a folder") << QByteArray("mkdir \"$2\"");
         QTest::newRow("leaves a heavy file")
             << QByteArray("cp \"$1\" \"$2\"; truncate -s 30M \"$2\"");
