@@ -107,8 +107,8 @@ private Q_SLOTS:
         QTest::newRow("gives it back") << QByteArray("cat");
         QTest::newRow("never ends saying") << QByteArray("head -c 200M /dev/zero");
         // The mark, the pages, and a size that was not asked for.
-        QTest::newRow("claims too much")
-            << QByteArray("printf 'VTP1\\0\\0\\0\\1\\0\\1\\0\\0\\0\\1\\0\\0'; head -c 200M /dev/zero");
+        QTest::newRow("claims too much") << QByteArray(
+            "printf 'VTP1\\0\\0\\0\\1\\0\\1\\0\\0\\0\\1\\0\\0'; head -c 200M /dev/zero");
         QTest::newRow("claims less than nothing")
             << QByteArray("printf 'VTP1\\377\\0\\0\\1\\377\\1\\0\\0\\377\\1\\0\\0'");
         QTest::newRow("ends early")
