@@ -4,7 +4,7 @@
 #include "platform/files/AnchoredFolder.h"
 #include "platform/system/SystemCalls.h"
 #include "slices/cleaning/DependentItems.h"
-#include "slices/cleaning/ParallelRemover.h"
+#include "slices/removal/ParallelRemover.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "slices/cleaning/CleaningReport.h"
+#include "slices/plan/CleaningReport.h"
 
 #include <functional>
 #include <stop_token>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "slices/cleaning/CleaningPlan.h"
 #include "slices/home/HomeLayout.h"
+#include "slices/plan/CleaningPlan.h"
 
 #include <memory>
 

@@ -99,7 +99,7 @@ bool mayRemove(const SourceText &source)
         QStringLiteral("platform/system/SystemCalls_linux.cpp"), // the calls themselves
         QStringLiteral(
             "platform/files/DurableFile.cpp"), // files that it wrote itself beside its own file
-        QStringLiteral("slices/cleaning/RemovalSteps.cpp"), // the entries of the plan
+        QStringLiteral("slices/removal/RemovalSteps.cpp"), // the entries of the plan
     };
     return places.contains(source.path);
 }
@@ -109,7 +109,7 @@ bool mayStartThreads(const SourceText &source)
     static const QStringList places{
         QStringLiteral("platform/threads/BackgroundThreads.cpp"), // all background work
         QStringLiteral("platform/walk/WalkPool.h"),               // a walk that forks and joins
-        QStringLiteral("slices/cleaning/ParallelRemover.cpp"),    // a removal that forks and joins
+        QStringLiteral("slices/removal/ParallelRemover.cpp"),     // a removal that forks and joins
     };
     return places.contains(source.path);
 }

@@ -89,8 +89,8 @@ QList<Sample> goodSamples()
         {"thread of its own", "tests/a.cpp", "std::jthread patience;\n"},
         {"removal", "slices/a.cpp", "text.remove(0, 1);\nlist->removeLast();\n"},
         {"removal", "app/a.cpp", "void Settings::remove(Key key)\n{\n    remove(key);\n}\n"},
-        {"removal", "slices/cleaning/RemovalSteps.h", "bool removeFile(const EntryRef &ref);\n"},
-        {"removal", "slices/cleaning/RemovalSteps.cpp", "m_calls.removeFile(folder, name);\n"},
+        {"removal", "slices/removal/RemovalSteps.h", "bool removeFile(const EntryRef &ref);\n"},
+        {"removal", "slices/removal/RemovalSteps.cpp", "m_calls.removeFile(folder, name);\n"},
         {"removal", "tests/a.cpp", "::unlink(path);\n"},
         {"removal", "platform/system/SystemCalls_linux.cpp", "::unlinkat(folder, name, 0);\n"},
     };
@@ -222,7 +222,7 @@ void TestSourceRules::knowTheEngines()
         return room && room->isCore;
     };
     QVERIFY(isCore("platform/system/SystemCalls_linux.cpp"));
-    QVERIFY(isCore("slices/cleaning/CleaningPlan.h"));
+    QVERIFY(isCore("slices/plan/CleaningPlan.h"));
     QVERIFY(isCore("largefiles/search/File.h"));
     QVERIFY(!isCore("slices/page/FreeSpaceViewController.h"));
     QVERIFY(!isCore("tests/lint/House.h"));

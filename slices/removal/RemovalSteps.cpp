@@ -1,4 +1,4 @@
-#include "slices/cleaning/RemovalSteps.h"
+#include "slices/removal/RemovalSteps.h"
 
 #include "platform/system/SystemCalls.h"
 

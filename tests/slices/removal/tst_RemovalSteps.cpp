@@ -1,6 +1,6 @@
 #include "platform/system/FileStatus.h"
 #include "platform/system/SystemResult.h"
-#include "slices/cleaning/RemovalSteps.h"
+#include "slices/removal/RemovalSteps.h"
 #include "tests/slices/kit/CleaningKit.h"
 #include "tests/slices/kit/HookedCalls.h"
 #include "tests/support/disk/PoorListing.h"

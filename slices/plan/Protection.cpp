@@ -1,4 +1,4 @@
-#include "slices/cleaning/Protection.h"
+#include "slices/plan/Protection.h"
 
 #include "platform/files/Packages.h"
 

@@ -1,4 +1,4 @@
-#include "slices/cleaning/SequentialRemover.h"
+#include "slices/removal/SequentialRemover.h"
 
 namespace {
 

@@ -4,8 +4,8 @@
 #include "platform/system/FileDescriptor.h"
 #include "platform/system/FileStatus.h"
 #include "platform/system/SystemResult.h"
-#include "slices/cleaning/CleaningReportBuilder.h"
-#include "slices/cleaning/Protection.h"
+#include "slices/plan/CleaningReportBuilder.h"
+#include "slices/plan/Protection.h"
 
 #include <optional>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/system/FileStatus.h"
-#include "slices/cleaning/CleaningPlan.h"
+#include "slices/plan/CleaningPlan.h"
 
 /// What is kept inside one location while it is cleaned. Three rules, each enough by itself: the
 /// text of the URL, the components of the path, the identity of the item. A value; any thread.

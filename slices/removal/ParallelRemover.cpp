@@ -1,4 +1,4 @@
-#include "slices/cleaning/ParallelRemover.h"
+#include "slices/removal/ParallelRemover.h"
 
 #include <algorithm>
 #include <system_error>

@@ -1,4 +1,4 @@
-#include "slices/cleaning/RefusalText.h"
+#include "slices/plan/RefusalText.h"
 #include "tests/support/run/TestMain.h"
 
 #include <QSet>

@@ -1,4 +1,4 @@
-#include "slices/cleaning/SequentialRemover.h"
+#include "slices/removal/SequentialRemover.h"
 
 #include "tests/slices/kit/Interlopers.h"
 #include "tests/support/run/Must.h"

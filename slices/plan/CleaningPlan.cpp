@@ -1,4 +1,4 @@
-#include "slices/cleaning/CleaningPlan.h"
+#include "slices/plan/CleaningPlan.h"
 
 #include "platform/files/AnchoredFolder.h"
 #include "platform/system/SystemCalls.h"

@@ -1,7 +1,7 @@
 #include "platform/system/FileStatus.h"
 #include "platform/system/HostSystemCalls.h"
 #include "platform/system/SystemResult.h"
-#include "slices/cleaning/CleaningPlan.h"
+#include "slices/plan/CleaningPlan.h"
 #include "tests/slices/kit/CleaningKit.h"
 #include "tests/slices/kit/HookedCalls.h"
 #include "tests/support/run/TestMain.h"

@@ -1,4 +1,4 @@
-#include "slices/cleaning/RefusalText.h"
+#include "slices/plan/RefusalText.h"
 
 RefusalText refusalText(RefusalReason reason)
 {

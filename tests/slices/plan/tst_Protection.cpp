@@ -1,6 +1,6 @@
 #include "platform/system/FileStatus.h"
 #include "platform/system/HostSystemCalls.h"
-#include "slices/cleaning/Protection.h"
+#include "slices/plan/Protection.h"
 
 #include "tests/slices/kit/CleaningKit.h"
 #include "tests/support/run/TestMain.h"

@@ -1,4 +1,4 @@
-#include "slices/cleaning/ParallelRemover.h"
+#include "slices/removal/ParallelRemover.h"
 
 #include "tests/slices/kit/CleaningKit.h"
 #include "tests/slices/kit/HookedCalls.h"

@@ -1,7 +1,7 @@
-#include "slices/cleaning/CleaningReportBuilder.h"
+#include "slices/plan/CleaningReportBuilder.h"
 
 #include "platform/base/Log.h"
-#include "slices/cleaning/RefusalText.h"
+#include "slices/plan/RefusalText.h"
 
 #include <system_error>
 

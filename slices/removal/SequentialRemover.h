@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/system/FileDescriptor.h"
-#include "slices/cleaning/RemovalSteps.h"
+#include "slices/removal/RemovalSteps.h"
 
 #include <stop_token>
 

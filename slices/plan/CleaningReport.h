@@ -1,6 +1,6 @@
 #pragma once
 
-#include "slices/cleaning/CleaningPlan.h"
+#include "slices/plan/CleaningPlan.h"
 
 #include <cstdint>
 

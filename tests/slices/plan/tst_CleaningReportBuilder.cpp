@@ -1,5 +1,5 @@
 #include "platform/system/HostSystemCalls.h"
-#include "slices/cleaning/CleaningReportBuilder.h"
+#include "slices/plan/CleaningReportBuilder.h"
 
 #include "tests/slices/kit/CleaningKit.h"
 #include "tests/slices/kit/HookedCalls.h"

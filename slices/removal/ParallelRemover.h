@@ -1,6 +1,6 @@
 #pragma once
 
-#include "slices/cleaning/SequentialRemover.h"
+#include "slices/removal/SequentialRemover.h"
 
 #include <atomic>
 #include <condition_variable>

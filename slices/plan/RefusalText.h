@@ -1,6 +1,6 @@
 #pragma once
 
-#include "slices/cleaning/CleaningPlan.h"
+#include "slices/plan/CleaningPlan.h"
 
 /// Why a location was left alone, in words.
 struct RefusalText
