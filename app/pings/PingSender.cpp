@@ -2,7 +2,7 @@
 
 #include "platform/base/Log.h"
 #include "platform/base/LogText.h"
-#include "platform/system/ChildConfinement.h"
+#include "platform/confinement/ChildConfinement.h"
 
 #include <QCoreApplication>
 #include <QNetworkAccessManager>

@@ -1,8 +1,8 @@
 #include "largefiles/preview/PictureDecoder.h"
 
 #include "platform/base/Log.h"
+#include "platform/confinement/ConfinedProcess.h"
 #include "platform/confinement/ProcessConfinement.h"
-#include "platform/system/ConfinedProcess.h"
 
 #include <QCoreApplication>
 #include <QFile>

@@ -1,7 +1,7 @@
 #include "largefiles/preview/PlayerProcess.h"
 
 #include "platform/base/Log.h"
-#include "platform/system/ChildConfinement.h"
+#include "platform/confinement/ChildConfinement.h"
 #include "platform/system/FileDescriptor.h"
 
 #include <QCoreApplication>

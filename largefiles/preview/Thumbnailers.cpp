@@ -1,7 +1,7 @@
 #include "largefiles/preview/Thumbnailers.h"
 
 #include "platform/base/Log.h"
-#include "platform/system/ConfinedProcess.h"
+#include "platform/confinement/ConfinedProcess.h"
 #include "platform/system/FileDescriptor.h"
 
 #include <QDir>

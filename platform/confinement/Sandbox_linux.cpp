@@ -1,6 +1,6 @@
 #include "platform/confinement/Sandbox.h"
 
-#include "platform/system/ConfinedProcess.h"
+#include "platform/confinement/ConfinedProcess.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>

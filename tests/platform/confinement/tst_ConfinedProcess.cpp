@@ -1,4 +1,4 @@
-#include "platform/system/ConfinedProcess.h"
+#include "platform/confinement/ConfinedProcess.h"
 #include "platform/system/FileDescriptor.h"
 #include "tests/support/disk/ScratchFolder.h"
 #include "tests/support/run/ProcessEnd.h"

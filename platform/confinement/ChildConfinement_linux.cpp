@@ -1,4 +1,4 @@
-#include "platform/system/ChildConfinement.h"
+#include "platform/confinement/ChildConfinement.h"
 
 #include <fcntl.h>
 #include <linux/close_range.h>

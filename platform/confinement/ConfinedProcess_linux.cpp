@@ -1,4 +1,4 @@
-#include "platform/system/ConfinedProcess.h"
+#include "platform/confinement/ConfinedProcess.h"
 
 #include "platform/system/FileDescriptor.h"
 

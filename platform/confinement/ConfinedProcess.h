@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/system/ChildConfinement.h"
+#include "platform/confinement/ChildConfinement.h"
 
 #include <QString>
 #include <QStringList>
