@@ -89,7 +89,9 @@ bool cleanOne(const QString &path, const ExcludedPaths &excluded)
     timer.start();
     const CleaningReport report = performCleaning(
         hostSystemCalls(),
-        makeCleaningPlan(hostSystemCalls(), access, {{path, {url}, content}}, excluded), {});
+        makeCleaningPlan(hostSystemCalls(), access,
+                         {{path, {url}, hostSystemCalls().now(), content}}, excluded),
+        {});
     const double seconds = double(timer.nsecsElapsed()) / 1e9;
 
     complain(report);

@@ -32,6 +32,8 @@ public:
     /// A listing of one entry.
     static FolderListing ofEntry(const DirectoryEntry &entry);
 
+    void append(const DirectoryEntry &entry);
+
     /// Sorts by inode, because on a disk the entries lie in nearly this order.
     void sortByInode();
 
@@ -47,8 +49,6 @@ public:
     const char *name(const Entry &entry) const { return m_names.data() + entry.nameOffset; }
 
 private:
-    void append(const DirectoryEntry &entry);
-
     std::vector<Entry> m_entries;
     std::vector<char> m_names;
 };

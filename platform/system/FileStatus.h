@@ -24,6 +24,11 @@ struct FileStatus
     std::uint64_t size = 0; ///< bytes, as the directory listing shows it
     std::uint64_t inode = 0;
     std::uint64_t device = 0;
+    std::uint32_t links = 0;         ///< how many names it has; folders count in ways of their own
+    std::int64_t contentChanged = 0; ///< nanoseconds since 1970; programs can set it
+    /// Nanoseconds since 1970: the last change of the content, the names, the place or the rights.
+    /// Only the system sets it.
+    std::int64_t changed = 0;
     bool isImmutable = false; ///< by attribute: it can be neither changed nor removed
     bool isAppendOnly = false;
     bool isMountRoot = false;

@@ -4,15 +4,18 @@
 #include "platform/system/Descent.h"
 #include "platform/system/FileDescriptor.h"
 #include "platform/system/FileStatus.h"
+#include "platform/system/Moment.h"
 #include "platform/system/ProcessCalls.h"
 #include "platform/system/SystemResult.h"
 
 #include <cstdint>
 #include <span>
 
+class ThreadConfinement;
+
 /// Every system call with which the engines and the settings writer use the file system, or find
-/// out which other processes use it. One interface covers them all, so that tests can fail, watch
-/// or interleave each of them. Stateless; any thread. Names are single components unless said
+/// out what other processes do. One interface covers them all, so that tests can fail, watch or
+/// interleave each of them. Stateless; any thread. Names are single components unless said
 /// otherwise, without NUL.
 class SystemCalls : public ProcessCalls
 {
@@ -31,7 +34,7 @@ public:
     /// Fills the buffer with raw directory entries (see DirectoryEntries); 0 at the end.
     virtual SystemResult<std::size_t> readEntries(int folder, std::span<char> buffer) const = 0;
 
-    /// The entry itself, never what a link leads to.
+    /// The entry itself, never what a link leads to. The name may also be "..", "../.." and so on.
     virtual SystemResult<FileStatus> status(int parent, const char *name) const = 0;
     virtual SystemResult<FileStatus> statusOf(int descriptor) const = 0;
     /// What an entry is, or what it leads to if it is a link. Only for what a user named.
@@ -64,4 +67,16 @@ public:
     virtual SystemResult<std::size_t> write(int file, std::span<const char> bytes) const = 0;
     virtual SystemResult<void> sync(int descriptor) const = 0;
     virtual SystemResult<void> rename(int parent, const char *from, const char *to) const = 0;
+    /// Gives an entry another name in its folder, which must be free (EEXIST). EINVAL where the
+    /// file system cannot see to that.
+    virtual SystemResult<void> moveToFree(int parent, const char *from, const char *to) const = 0;
+
+    /// What the kernel's clocks show.
+    virtual Moment now() const = 0;
+    /// How far the clock that stamps changes in this folder is ahead of the kernel's, in
+    /// nanoseconds: 0 where the kernel stamps them itself. For a server's clock it makes a file in
+    /// the folder, for an instant.
+    virtual SystemResult<std::int64_t> clockDifference(int folder) const = 0;
+    /// How the kernel can confine threads.
+    virtual const ThreadConfinement &confinement() const = 0;
 };

@@ -6,6 +6,8 @@
 #include "platform/system/LocalSocket.h"
 #include "platform/system/ProcessList.h"
 #include "platform/system/SystemCalls.h"
+#include "platform/system/SystemClocks.h"
+#include "platform/system/ThreadConfinement.h"
 
 #include <array>
 #include <cerrno>
@@ -99,6 +101,11 @@ FileKind kindOfEntry(unsigned char type)
     }
 }
 
+template <typename Time> std::int64_t nanoseconds(const Time &time)
+{
+    return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
+}
+
 FileStatus statusFrom(const struct statx &found)
 {
     constexpr unsigned kPermissionBits = 07777;
@@ -109,6 +116,9 @@ FileStatus statusFrom(const struct statx &found)
     status.size = found.stx_size;
     status.inode = found.stx_ino;
     status.device = makedev(found.stx_dev_major, found.stx_dev_minor);
+    status.links = found.stx_nlink;
+    status.contentChanged = nanoseconds(found.stx_mtime);
+    status.changed = nanoseconds(found.stx_ctime);
     status.isImmutable = (found.stx_attributes & STATX_ATTR_IMMUTABLE) != 0;
     status.isAppendOnly = (found.stx_attributes & STATX_ATTR_APPEND) != 0;
     status.isMountRoot = (found.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
@@ -132,7 +142,8 @@ FileKind kindFrom(const struct statx &found)
     return kindOfMode(found.stx_mode);
 }
 
-constexpr unsigned kStatusMask = STATX_TYPE | STATX_MODE | STATX_UID | STATX_SIZE | STATX_INO;
+constexpr unsigned kStatusMask = STATX_TYPE | STATX_MODE | STATX_UID | STATX_SIZE | STATX_INO |
+                                 STATX_NLINK | STATX_MTIME | STATX_CTIME;
 
 /// Some file systems give no handles; there only inode and birth time distinguish entries.
 QByteArray handleAt(int parent, const char *name, int flags)
@@ -344,6 +355,20 @@ public:
     {
         return checked(::renameat(parent, from, parent, to));
     }
+
+    SystemResult<void> moveToFree(int parent, const char *from, const char *to) const override
+    {
+        return checked(::renameat2(parent, from, parent, to, RENAME_NOREPLACE));
+    }
+
+    Moment now() const override { return currentMoment(); }
+
+    SystemResult<std::int64_t> clockDifference(int folder) const override
+    {
+        return clockDifferenceOf(folder);
+    }
+
+    const ThreadConfinement &confinement() const override { return hostConfinement(); }
 };
 
 } // namespace

@@ -4,7 +4,7 @@
 #include "platform/files/AnchoredFolder.h"
 #include "platform/system/SystemCalls.h"
 #include "slices/cleaning/DependentItems.h"
-#include "slices/removal/ParallelRemover.h"
+#include "slices/removal/FolderEmptier.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -12,9 +12,6 @@
 
 namespace {
 
-/// While one thread waits for the disk, the other works. In memory they would only wait for each
-/// other. More than two threads gain nothing.
-constexpr unsigned kThreadsForDisks = 2;
 constexpr std::size_t kMaxCandidatesLogged = 1000;
 
 FileUrlKind urlKind(FileKind kind)
@@ -26,10 +23,9 @@ FileUrlKind urlKind(FileKind kind)
 struct Emptying
 {
     const CleaningLocation &location;
-    int folder;
-    EntryOrder order;
-    Protection &protection; ///< of `steps`; grows between the parts
-    const RemovalSteps &steps;
+    const HeldFolder &folder;
+    Protection &protection; ///< grows between the parts
+    FolderEmptier &emptier;
 };
 
 /// Takes a plan location by location.
@@ -52,7 +48,6 @@ public:
 private:
     void clean(const CleaningLocation &location);
     void emptyFolder(const CleaningLocation &location, const FileUrls &inUse);
-    void remove(const Emptying &emptying, FolderListing entries) const;
     std::vector<FolderListing> takeOutOfPrograms(const CleaningLocation &location,
                                                  FolderListing &listing) const;
     void removeUnlessInUse(const Emptying &emptying, FolderListing entry);
@@ -69,6 +64,7 @@ private:
     std::stop_token m_stop;
     const InUseCheck &m_inUse;
     CleaningReportBuilder m_builder;
+    LinkedFiles m_linkedFiles;
     std::vector<char> m_space;
 };
 
@@ -102,36 +98,34 @@ void CleaningRun::emptyFolder(const CleaningLocation &location, const FileUrls &
     const auto identity = m_calls.identityOf(folder->get());
     if (!isAsPlanned(location, identity))
         return;
+    const auto clockAhead = m_calls.clockDifference(folder->get());
+    if (!clockAhead)
+        return refuse(location, RefusalReason::Unreadable, clockAhead.error());
+    const LaterChanges changes(m_calls, location.confirmed, *clockAhead);
     Protection protection(m_plan, location, identity->device);
     const EntryOrder order =
         m_calls.isInMemory(folder->get()) ? EntryOrder::AsListed : EntryOrder::ByInode;
-    const RemovalSteps steps(m_calls, protection, m_builder, order);
-    auto listing = steps.list(folder->get(), m_space);
+    FolderEmptier emptier(m_calls, {location, protection, changes, m_linkedFiles, m_builder},
+                          folder->get(), order, m_stop);
+    auto listing = emptier.steps().list(folder->get(), m_space);
     if (!listing)
         return refuse(location, RefusalReason::PartlyListed, listing.error());
     if (location.whatGoes == RemovalScope::LoneTrashInfo)
         passOverTrashInfoInNeed(m_calls, location.path, *listing);
     if (!protection.isTouched())
         logContents(location, *listing);
-    const Emptying emptying{location, folder->get(), order, protection, steps};
+    const HeldFolder held{folder->get(),
+                          location.url.path() + '/',
+                          EntryPolicy::Logged,
+                          emptier.steps().stateOf(folder->get()),
+                          {nullptr, identity->inode}};
+    const Emptying emptying{location, held, protection, emptier};
     for (const FileUrl &used : inUse)
         keepInUse(emptying, used);
     std::vector<FolderListing> ofPrograms = takeOutOfPrograms(location, *listing);
-    remove(emptying, std::move(*listing));
+    emptier.remove(held, std::move(*listing));
     for (FolderListing &entry : ofPrograms)
         removeUnlessInUse(emptying, std::move(entry));
-}
-
-void CleaningRun::remove(const Emptying &emptying, FolderListing entries) const
-{
-    const EntryPolicy policy =
-        emptying.protection.isTouched() ? EntryPolicy::Judged : EntryPolicy::Logged;
-    const HeldFolder held{emptying.folder, emptying.location.url.path() + '/', policy};
-    if (emptying.order == EntryOrder::AsListed)
-        SequentialRemover(emptying.steps, m_stop).removeListed(held, std::move(entries));
-    else
-        ParallelRemover(emptying.steps, m_stop, kThreadsForDisks)
-            .removeListed(held, std::move(entries));
 }
 
 /// Takes the entries at, or on the way to, the locations of programs out of the listing, each by
@@ -158,7 +152,7 @@ void CleaningRun::removeUnlessInUse(const Emptying &emptying, FolderListing entr
     const FileUrl url = location.url.appending(entry.name(entry.at(0)), urlKind(entry.at(0).kind));
     for (const FileUrl &used : m_inUse(location, url))
         keepInUse(emptying, used);
-    remove(emptying, std::move(entry));
+    emptying.emptier.remove(emptying.folder, std::move(entry));
 }
 
 /// Reports nothing for what was kept before: that has been reported already.
@@ -192,11 +186,17 @@ void CleaningRun::removeFile(const CleaningLocation &location)
     if (location.whatGoes == RemovalScope::RegularFiles &&
         journalStillNeeded(m_calls, folder->get(), name))
         return;
+    const auto clockAhead = m_calls.clockDifference(folder->get());
+    if (!clockAhead)
+        return refuse(location, RefusalReason::Unreadable, clockAhead.error());
+    const LaterChanges changes(m_calls, location.confirmed, *clockAhead);
     const Protection protection(m_plan, location, identity->device);
-    const RemovalSteps steps(m_calls, protection, m_builder, EntryOrder::AsListed);
     const QByteArray path = location.url.path();
-    SequentialRemover(steps, m_stop)
-        .removeListed({folder->get(), path.first(path.size() - name.size()), EntryPolicy::Logged},
+    const HeldFolder held{folder->get(), path.first(path.size() - name.size()),
+                          EntryPolicy::Logged};
+    FolderEmptier(m_calls, {location, protection, changes, m_linkedFiles, m_builder}, folder->get(),
+                  EntryOrder::AsListed, m_stop)
+        .removeSingle(held,
                       FolderListing::ofEntry({name.constData(), status->inode, status->kind}));
 }
 

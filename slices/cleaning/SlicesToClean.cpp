@@ -64,7 +64,8 @@ SliceToClean locationsToClean(const HomeLayout &layout, const Info &record,
 } // namespace
 
 QList<SliceToClean> slicesToClean(const HomeLayout &layout,
-                                  const std::vector<std::shared_ptr<Info>> &chosen)
+                                  const std::vector<std::shared_ptr<Info>> &chosen,
+                                  const Moment &confirmed)
 {
     QList<SliceToClean> slices;
     for (const auto &record : chosen) {
@@ -76,5 +77,7 @@ QList<SliceToClean> slicesToClean(const HomeLayout &layout,
             slices.append(locationsToClean(layout, *record, locations));
         }
     }
+    for (SliceToClean &slice : slices)
+        slice.confirmed = confirmed;
     return slices;
 }

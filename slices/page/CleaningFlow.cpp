@@ -1,6 +1,7 @@
 #include "slices/page/CleaningFlow.h"
 
 #include "app/settings/UserDefaults.h"
+#include "platform/system/SystemCalls.h"
 #include "slices/exclusions/ExcludedPaths.h"
 #include "slices/page/CleaningText.h"
 #include "slices/page/HomeWatch.h"
@@ -183,6 +184,7 @@ void CleaningFlow::takeAnswer(const SliceSelection::Choice &asked, int button)
         handle(CleaningEvent::NotReady);
     } else {
         m_consent = asked;
+        m_confirmed = m_services.calls.now();
         handle(CleaningEvent::Confirmed);
         m_consent.reset(); // an answer that led nowhere is no consent for a later cleaning
     }
@@ -195,7 +197,7 @@ void CleaningFlow::clean()
         [this, confirmed = m_services.selection.excludedPaths()] {
             return exclusionsBeside(confirmed);
         },
-        m_services.home.layout());
+        m_confirmed, m_services.home.layout());
 }
 
 /// What is excluded now, and what was excluded when the user confirmed: an exclusion that is taken

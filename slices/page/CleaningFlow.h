@@ -80,5 +80,6 @@ private:
     CleaningState m_state = CleaningState::Idle;
     /// What the user has confirmed, until the grant is checked for it.
     std::optional<SliceSelection::Choice> m_consent;
+    Moment m_confirmed; ///< when the user did so last
     CleaningJob m_job;
 };

@@ -1,10 +1,10 @@
 #include "slices/page/CleaningJob.h"
 
+#include "slices/plan/CleaningReportBuilder.h"
 #include "slices/cleaning/RecordLocations.h"
 #include "slices/cleaning/SlicesToClean.h"
 #include "slices/exclusions/ExcludedPaths.h"
 #include "slices/home/CacheInUse.h"
-#include "slices/plan/CleaningReportBuilder.h"
 #include "slices/record/Info.h"
 #include "slices/sizing/FolderSizing.h"
 
@@ -25,7 +25,7 @@ QByteArrayList foundInUse(const CleaningReport &report, const CleaningPlan &plan
 
 CleaningReport cleanDisk(const SystemCalls &calls, FileAccess &access, const Records &chosen,
                          const HomeLayout &layout, const ExcludedPaths &excluded,
-                         const std::stop_token &stop)
+                         const Moment &moment, const std::stop_token &stop)
 {
     const AccessScope scope(access);
     const FileUrls inUse =
@@ -37,7 +37,7 @@ CleaningReport cleanDisk(const SystemCalls &calls, FileAccess &access, const Rec
     };
     ProgramLocationSizes sizes = measureProgramLocations(chosen, layout, sizeOf);
     const CleaningPlan plan =
-        makeCleaningPlan(calls, access, slicesToClean(layout, chosen), excluded, inUse);
+        makeCleaningPlan(calls, access, slicesToClean(layout, chosen, moment), excluded, inUse);
     CacheInUse caches(calls, layout);
     const auto inUseNow = [&](const CleaningLocation &location, const FileUrl &entry) {
         // The outer folders come first: what is inside one is not told of and subtracted again.
@@ -76,7 +76,8 @@ void CleaningJob::requestStop()
     m_stop.request_stop();
 }
 
-void CleaningJob::start(Records chosen, Exclusions exclusions, HomeLayout layout)
+void CleaningJob::start(Records chosen, Exclusions exclusions, const Moment &confirmed,
+                        HomeLayout layout)
 {
     Q_ASSERT(!m_isRunning);
     m_isRunning = true;
@@ -86,6 +87,7 @@ void CleaningJob::start(Records chosen, Exclusions exclusions, HomeLayout layout
     for (const auto &record : m_chosen)
         m_confirmed.emplace_back(record->fileURLs().value_or(FileUrls()), record->kept());
     m_exclusions = std::move(exclusions);
+    m_moment = confirmed;
     m_layout = std::move(layout);
     m_measures.run([this, records = m_chosen](const std::stop_token &) mutable {
         for (const auto &record : records)
@@ -105,14 +107,15 @@ void CleaningJob::remove()
         return;
     }
     m_removals.run([this, records = m_chosen, confirmed = m_confirmed, layout = m_layout,
-                    excluded = *excluded, source = m_stop](const std::stop_token &end) mutable {
+                    excluded = *excluded, moment = m_moment,
+                    source = m_stop](const std::stop_token &end) mutable {
         const std::stop_callback endWithTheProgram(end, [&source] { source.request_stop(); });
         const std::stop_token stop = source.get_token();
         restore(records, confirmed);
         CleaningReport report;
         report.wasStopped = true;
         if (!stop.stop_requested())
-            report = cleanDisk(m_calls, m_access, records, layout, excluded, stop);
+            report = cleanDisk(m_calls, m_access, records, layout, excluded, moment, stop);
         return [this, report] { finish(report); };
     });
 }

@@ -31,13 +31,15 @@ public:
     CleaningJob(const SystemCalls &calls, FileAccess &access, QObject *parent = nullptr);
     ~CleaningJob() override;
 
-    /// Cleans the chosen slices, with the locations that they have at this moment. First waits for
+    /// Cleans the chosen slices, with the locations that they have at this moment. What has changed
+    /// since `confirmed` stays. First waits for
     /// the slices that are still being measured, so that the freed size is the size that was there.
     /// In a layout with programs, the locations of programs that were started meanwhile are left
     /// alone, and taken from the records. A program that starts during the cleaning keeps its
     /// locations that are not cleaned yet, and every program keeps the folders of the cache in
     /// which it is using something; these are subtracted from the sizes.
-    void start(Records chosen, Exclusions exclusions, HomeLayout layout = {});
+    void start(Records chosen, Exclusions exclusions, const Moment &confirmed,
+               HomeLayout layout = {});
 
     /// Nothing is removed from now on. The end of the cleaning is still reported.
     void requestStop();
@@ -63,6 +65,7 @@ private:
     Records m_chosen;
     Confirmed m_confirmed;
     Exclusions m_exclusions;
+    Moment m_moment;
     HomeLayout m_layout;
     std::stop_source m_stop;
     BackgroundQueue<OwnersEnd::Abandon, Queueing::All> m_measures;

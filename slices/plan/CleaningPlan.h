@@ -2,12 +2,14 @@
 
 #include "platform/files/FileAccess.h"
 #include "platform/system/FileStatus.h"
+#include "platform/system/Moment.h"
 #include "slices/exclusions/ExcludedPaths.h"
 #include "slices/record/SliceCatalogue.h"
 #include "slices/sizing/ReadOnlyFolders.h"
 
 #include <QList>
 #include <optional>
+#include <set>
 #include <vector>
 
 class SystemCalls;
@@ -28,6 +30,8 @@ struct SliceToClean
 {
     QString name;
     FileUrls fileURLs;
+    /// When the user chose or confirmed it. What has changed since then stays; by default, all.
+    Moment confirmed = {};
     SliceContent content = SliceContent::Folders;
     /// For folders inside the locations, not for the locations themselves.
     ReadOnlyFolders readOnlyFolders = ReadOnlyFolders::Stay;
@@ -53,6 +57,8 @@ enum class RefusalReason {
     Unreadable,      ///< could not be opened or examined; the errno says why
     PartlyListed,    ///< an error ended the listing: nothing more of the folder is removed
     Changed,         ///< replaced or moved since it was planned or entered
+    ChangedLater,    ///< it came, was moved or was changed after the user had confirmed
+    Unconfined,      ///< the kernel did not confine the threads, although it can
     InUse,           ///< a program is using it, which the user was not told when asked
 };
 
@@ -71,6 +77,7 @@ struct CleaningLocation
     FileUrl url;
     AnchoredPath path;
     SliceContent content = SliceContent::Folders;
+    Moment confirmed;      ///< what has changed since then stays
     FileIdentity identity; ///< what was there when the plan was made; anything else is left alone
     /// Whether an exclusion touches the location, so that each item below is judged by its path.
     /// For single files: whether one touches any file of their slice.
@@ -94,6 +101,9 @@ public:
     /// Of everything that is kept and was found: it is kept wherever it turns up, under any name.
     const std::vector<FileIdentity> &excludedIdentities() const { return m_excludedIdentities; }
 
+    /// Whether the user has excluded something on this volume.
+    bool hasExclusionsOn(std::uint64_t device) const { return m_volumes.contains(device); }
+
     /// What programs may begin to use, at and inside the locations; it need not exist.
     const FileUrls &programLocations() const { return m_programLocations; }
 
@@ -105,6 +115,7 @@ private:
     FileUrls m_excludedLocations;
     ExcludedPaths m_excluded;
     std::vector<FileIdentity> m_excludedIdentities;
+    std::set<std::uint64_t> m_volumes; ///< with exclusions
     FileUrls m_programLocations;
 };
 

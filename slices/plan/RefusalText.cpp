@@ -30,6 +30,10 @@ RefusalText refusalText(RefusalReason reason)
         return {"it could not be read to the end", "cannot be read to its end"};
     case RefusalReason::Changed:
         return {"it was changed meanwhile", "changed meanwhile"};
+    case RefusalReason::ChangedLater:
+        return {"it came or was changed after you had confirmed", "changed after the confirmation"};
+    case RefusalReason::Unconfined:
+        return {"the system refused to confine its cleaning", "its cleaning cannot be confined"};
     case RefusalReason::InUse:
         return {"a program is using it", "used by a program"};
     }

@@ -1,6 +1,7 @@
 #include "slices/removal/ParallelRemover.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <system_error>
 #include <thread>
 
@@ -25,10 +26,11 @@ struct ParallelRemover::SharedFolder
     std::optional<std::uint16_t> formerRights;
     std::atomic<std::size_t> openWork = 1; ///< jobs, folders inside, and the thread that sets it up
     std::atomic<bool> stays = false;
+    std::atomic<bool> isLost = false; ///< it was moved away
 
     EntryRef ref(std::size_t index) const
     {
-        return {held.descriptor, held.path, listing.name(listing.at(index))};
+        return {held.descriptor, held.path, listing.name(listing.at(index)), held.state};
     }
 };
 
@@ -47,10 +49,12 @@ private:
     void deal(const Job &job);
     void enter(const Job &job);
     void share(const FolderPointer &folder);
+    bool isInPlace(SharedFolder &folder);
 
     ParallelRemover &m_parallel;
     SequentialRemover m_remover;
     std::vector<char> m_space;
+    PlaceCheck m_placeCheck;
 };
 
 void ParallelRemover::Worker::run()
@@ -73,25 +77,44 @@ void ParallelRemover::Worker::deal(const Job &job)
     SharedFolder &folder = *job.folder;
     std::vector<Job> inside;
     for (std::size_t i = job.first; i < job.last; ++i) {
-        if (m_parallel.m_stop.stop_requested()) {
+        if (m_parallel.m_stop.stop_requested() || !isInPlace(folder)) {
             folder.stays = true;
             break;
         }
-        const auto verdict =
+        const auto outcome =
             m_parallel.m_steps.deal(folder.ref(i), folder.listing.at(i), folder.held.policy);
-        if (verdict.outcome == EntryOutcome::Stays)
+        if (outcome == EntryOutcome::Stays) {
             folder.stays = true;
-        else if (verdict.outcome == EntryOutcome::Enter)
-            inside.push_back({Job::Kind::Enter, job.folder, i, i + 1, verdict.inside});
+            m_placeCheck.hurry();
+        } else if (outcome == EntryOutcome::Enter) {
+            inside.push_back({Job::Kind::Enter, job.folder, i, i + 1});
+        }
     }
     folder.openWork += inside.size();
     m_parallel.add(std::move(inside));
 }
 
+/// What was moved away with a folder is no longer part of the cleaning.
+bool ParallelRemover::Worker::isInPlace(SharedFolder &folder)
+{
+    if (folder.isLost)
+        return false;
+    if (!m_placeCheck.isDue())
+        return true;
+    const bool isInPlace =
+        m_parallel.m_steps.isInPlace(folder.held.descriptor, {}, folder.held.way.around);
+    m_placeCheck.done();
+    if (isInPlace)
+        return true;
+    if (!folder.isLost.exchange(true))
+        m_parallel.m_steps.abandon(folder.held.path.chopped(1), ESTALE);
+    return false;
+}
+
 void ParallelRemover::Worker::enter(const Job &job)
 {
     const EntryRef ref = job.folder->ref(job.first);
-    auto entered = m_parallel.m_steps.enter(ref, m_space);
+    auto entered = m_parallel.m_steps.enter(ref, job.folder->listing.at(job.first), m_space);
     if (!entered) {
         if (entered.error() == EntryOutcome::Stays)
             job.folder->stays = true;
@@ -102,8 +125,11 @@ void ParallelRemover::Worker::enter(const Job &job)
     ++folder->around->openWork;
     folder->indexAround = job.first;
     folder->owned = std::move(entered->descriptor);
-    folder->held = {folder->owned.get(), ref.path() + '/', job.inside};
-    folder->stays = job.inside == EntryPolicy::Judged;
+    folder->held = {folder->owned.get(),
+                    ref.path() + '/',
+                    EntryPolicy::Removed,
+                    entered->state,
+                    {&job.folder->held.way, entered->inode}};
     folder->formerRights = entered->formerRights;
     if (m_parallel.m_aliveFolders++ < kMostFolders) {
         folder->listing = std::move(entered->listing);
@@ -198,9 +224,18 @@ void ParallelRemover::release(FolderPointer folder)
         m_steps.giveBack(folder->held.descriptor, folder->formerRights);
         folder->owned.reset();
         --m_aliveFolders;
-        if (folder->stays || m_stop.stop_requested() ||
-            m_steps.removeFolder(around->ref(folder->indexAround)) == EntryOutcome::Stays)
+        if (folder->stays || m_stop.stop_requested() || !isRemoved(*folder))
             around->stays = true;
         folder = around;
     }
+}
+
+/// Whether a folder that is empty now is gone, or is removed later.
+bool ParallelRemover::isRemoved(const SharedFolder &folder) const
+{
+    const EntryRef ref = folder.around->ref(folder.indexAround);
+    if (!folder.around->held.emptied)
+        return m_steps.removeFolder(ref, folder.held.way.inode) == RemovalSteps::EntryOutcome::Gone;
+    folder.around->held.emptied->add({ref.name, folder.held.way.inode});
+    return true;
 }

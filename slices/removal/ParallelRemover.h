@@ -32,7 +32,6 @@ private:
         FolderPointer folder;
         std::size_t first = 0;
         std::size_t last = 0;
-        EntryPolicy inside = EntryPolicy::Removed; ///< for a folder to enter
     };
     class Worker;
 
@@ -41,6 +40,7 @@ private:
     void add(std::vector<Job> jobs);
     void finishJob();
     void release(FolderPointer folder);
+    bool isRemoved(const SharedFolder &folder) const;
 
     const RemovalSteps &m_steps;
     std::stop_token m_stop;

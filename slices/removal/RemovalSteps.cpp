@@ -1,6 +1,8 @@
 #include "slices/removal/RemovalSteps.h"
 
+#include "platform/files/AnchoredFolder.h"
 #include "platform/system/SystemCalls.h"
+#include "slices/removal/ExactRemoval.h"
 
 #include <cerrno>
 
@@ -17,29 +19,34 @@ RefusalReason refusalReason(int error)
     }
 }
 
-RemovalSteps::Verdict RemovalSteps::deal(const EntryRef &ref, const FolderListing::Entry &entry,
-                                         EntryPolicy policy) const
+RemovalSteps::EntryOutcome
+RemovalSteps::deal(const EntryRef &ref, const FolderListing::Entry &entry, EntryPolicy policy) const
 {
     if (m_protection.keepsInode(entry.inode))
-        return {EntryOutcome::Stays};
+        return EntryOutcome::Stays;
+    if (ExactRemoval::isPrivate(ref.name))
+        return putBack(ref);
     const auto kind = kindOf(ref, entry);
     if (!kind)
-        return {kind.error()};
-    if (policy == EntryPolicy::Judged) {
-        const ExclusionMatch match = m_protection.match(ref.path(), *kind);
-        if (match == ExclusionMatch::Whole)
-            return {EntryOutcome::Stays};
-        if (match == ExclusionMatch::OnTheWay)
-            return {EntryOutcome::Enter, EntryPolicy::Judged};
-    }
+        return kind.error();
     const bool isFolder = *kind == FileKind::Folder;
     if (policy != EntryPolicy::Removed && m_builder.announce())
         m_builder.logRemoval(ref.path(), isFolder ? FileUrlKind::Folder : FileUrlKind::File);
-    return {isFolder ? EntryOutcome::Enter : removeFile(ref)};
+    return isFolder ? EntryOutcome::Enter : removeFile(ref);
+}
+
+RemovalSteps::Judgement RemovalSteps::judge(const EntryRef &ref,
+                                            const FolderListing::Entry &entry) const
+{
+    if (m_protection.keepsInode(entry.inode))
+        return {};
+    const auto kind = kindOf(ref, entry);
+    return kind ? Judgement{m_protection.match(ref.path(), *kind), *kind} : Judgement();
 }
 
 tl::expected<EnteredFolder, RemovalSteps::EntryOutcome>
-RemovalSteps::enter(const EntryRef &ref, std::span<char> space) const
+RemovalSteps::enter(const EntryRef &ref, const FolderListing::Entry &entry,
+                    std::span<char> space) const
 {
     auto opened = m_calls.openFolder(ref.folder, ref.name, Descent::Strict);
     if (!opened)
@@ -52,11 +59,22 @@ RemovalSteps::enter(const EntryRef &ref, std::span<char> space) const
         return tl::unexpected(refused(ref, RefusalReason::OtherFileSystem, EXDEV));
     if (m_protection.keepsInode(status->inode))
         return tl::unexpected(EntryOutcome::Stays);
+    const bool wasThere = ref.around == FolderState::Unchanged && status->inode == entry.inode;
+    if (!wasThere && m_changes.include(*status))
+        return tl::unexpected(refused(ref, RefusalReason::ChangedLater, 0));
     auto listing = list(opened->get(), space);
     if (!listing)
         return tl::unexpected(refused(ref, RefusalReason::PartlyListed, listing.error()));
+    const FolderState state = stateOf(opened->get());
     const auto formerRights = makeWritable(ref, opened->get(), *status, *listing);
-    return EnteredFolder{std::move(*opened), status->inode, std::move(*listing), formerRights};
+    return EnteredFolder{std::move(*opened), status->inode, std::move(*listing), state,
+                         formerRights};
+}
+
+FolderState RemovalSteps::stateOf(int folder) const
+{
+    const auto status = m_calls.statusOf(folder);
+    return status && !m_changes.include(*status) ? FolderState::Unchanged : FolderState::Changed;
 }
 
 /// Uses the descriptor: the name may stand for another folder by now. Where the system refuses the
@@ -117,14 +135,129 @@ SystemResult<FileDescriptor> RemovalSteps::back(int folder, std::uint64_t inode)
     return parent;
 }
 
-RemovalSteps::EntryOutcome RemovalSteps::removeFile(const EntryRef &ref) const
+bool RemovalSteps::isInPlace(int folder, std::span<const std::uint64_t> inside,
+                             const FolderWay *around) const
 {
-    return settled(m_calls.removeFile(ref.folder, ref.name), ref);
+    if (m_location.content != SliceContent::Folders)
+        return true;
+    if (!leadsTo(folder, inside, around))
+        return false;
+    const auto location = openAnchored(m_calls, m_location.path, Descent::Strict);
+    if (!location)
+        return location.error() != ENOENT;
+    const auto status = m_calls.statusOf(location->get());
+    return !status || status->inodeId() == m_location.identity.inodeId();
 }
 
-RemovalSteps::EntryOutcome RemovalSteps::removeFolder(const EntryRef &ref) const
+bool RemovalSteps::leadsTo(int folder, std::span<const std::uint64_t> inside,
+                           const FolderWay *around) const
 {
-    return settled(m_calls.removeFolder(ref.folder, ref.name), ref);
+    std::vector<std::uint64_t> expected(inside.begin(), inside.end());
+    for (; around; around = around->around)
+        expected.push_back(around->inode);
+    FileDescriptor held;
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        auto parent = back(folder, expected[i]);
+        if (!parent && parent.error() == EACCES)
+            return leadsToUnseen(folder, std::span(expected).subspan(i));
+        if (!parent)
+            return parent.error() != ESTALE;
+        held = std::move(*parent);
+        folder = held.get();
+    }
+    return true;
+}
+
+/// For a thread that may not open the folders above: it may still look at them.
+bool RemovalSteps::leadsToUnseen(int folder, std::span<const std::uint64_t> above) const
+{
+    QByteArray up;
+    for (const std::uint64_t inode : above) {
+        up += up.isEmpty() ? ".." : "/..";
+        const auto status = m_calls.status(folder, up.constData());
+        if (!status)
+            return true;
+        if (status->inodeId() != InodeId{m_protection.device(), inode})
+            return false;
+    }
+    return true;
+}
+
+/// What a name stands for right before its removal.
+tl::expected<FileStatus, RemovalSteps::EntryOutcome> RemovalSteps::fileAt(const EntryRef &ref) const
+{
+    const auto status = m_calls.status(ref.folder, ref.name);
+    if (!status)
+        return tl::unexpected(refused(ref, RefusalReason::Unreadable, status.error()));
+    if (m_protection.keepsInode(status->inode))
+        return tl::unexpected(EntryOutcome::Stays);
+    if (status->kind == FileKind::Folder)
+        return tl::unexpected(refused(ref, RefusalReason::Changed, EISDIR));
+    return *status;
+}
+
+RemovalSteps::EntryOutcome RemovalSteps::removeFile(const EntryRef &ref) const
+{
+    const auto status = fileAt(ref);
+    if (!status)
+        return status.error();
+    if (status->links > 1 || m_changes.include(*status))
+        return removeLinkedFile(ref);
+    return settled(takeAway(ref, *status), ref);
+}
+
+/// A file that has other names, or had some before the cleaning removed them.
+RemovalSteps::EntryOutcome RemovalSteps::removeLinkedFile(const EntryRef &ref) const
+{
+    const auto lock = m_linkedFiles.lock();
+    const auto status = fileAt(ref);
+    if (!status)
+        return status.error();
+    if (m_changes.include(*status) &&
+        (!m_linkedFiles.explain(*status) || m_changes.include(status->contentChanged)))
+        return refused(ref, RefusalReason::ChangedLater, 0);
+    const std::int64_t before = m_calls.now().stamp;
+    const EntryOutcome outcome = settled(takeAway(ref, *status), ref);
+    if (outcome == EntryOutcome::Gone)
+        m_linkedFiles.note(status->inodeId(), before, m_calls.now().precise);
+    return outcome;
+}
+
+RemovalSteps::EntryOutcome RemovalSteps::removeFolder(const EntryRef &ref,
+                                                      std::uint64_t inode) const
+{
+    const auto status = m_calls.status(ref.folder, ref.name);
+    if (!status)
+        return refused(ref, RefusalReason::Unreadable, status.error());
+    if (status->kind != FileKind::Folder ||
+        status->inodeId() != InodeId{m_protection.device(), inode})
+        return refused(ref, RefusalReason::Changed, ESTALE);
+    return settled(takeAway(ref, *status), ref);
+}
+
+/// Where something on the volume is excluded, it must not go even if it takes another's name in the
+/// last instant. That costs more calls than everything else, so only there.
+SystemResult<void> RemovalSteps::takeAway(const EntryRef &ref, const FileStatus &status) const
+{
+    if (m_protection.isExact())
+        return ExactRemoval(m_calls)
+            .remove(ref.folder, ref.name, status)
+            .map_error([&](const ExactRemoval::Failure &failure) {
+                if (!failure.leftAs.isEmpty())
+                    m_builder.refused(ref.folderPath + failure.leftAs, RefusalReason::Changed,
+                                      failure.error);
+                return failure.error;
+            });
+    return status.kind == FileKind::Folder ? m_calls.removeFolder(ref.folder, ref.name)
+                                           : m_calls.removeFile(ref.folder, ref.name);
+}
+
+/// A cleaning was killed in the midst of an exact removal: what lies under the private name may be
+/// what was to stay.
+RemovalSteps::EntryOutcome RemovalSteps::putBack(const EntryRef &ref) const
+{
+    const auto back = ExactRemoval(m_calls).putBack(ref.folder, ref.name);
+    return refused(ref, RefusalReason::Changed, back ? 0 : back.error());
 }
 
 void RemovalSteps::abandon(const QByteArray &path, int error) const
@@ -141,6 +274,8 @@ RemovalSteps::EntryOutcome RemovalSteps::settled(const SystemResult<void> &answe
     }
     if (answer.error() == ENOENT)
         return EntryOutcome::Gone;
+    if (answer.error() == ESTALE)
+        return refused(ref, RefusalReason::Changed, ESTALE);
     m_builder.failed(ref.path(), answer.error());
     return EntryOutcome::Stays;
 }

@@ -6,6 +6,9 @@
 #include "platform/system/SystemResult.h"
 #include "slices/plan/CleaningReportBuilder.h"
 #include "slices/plan/Protection.h"
+#include "slices/removal/FolderWay.h"
+#include "slices/removal/LaterChanges.h"
+#include "slices/removal/LinkedFiles.h"
 
 #include <optional>
 
@@ -13,10 +16,12 @@ class SystemCalls;
 
 /// What happens to the entries of a folder that is being emptied.
 enum class EntryPolicy {
-    Removed, ///< all go; nothing that is kept lies below by its path
+    Removed, ///< all go
     Logged,  ///< the same, with a log line each
-    Judged,  ///< each is judged by its path, and those that go are logged
 };
+
+/// Whether the names in a folder are still those that stood there when the user confirmed.
+enum class FolderState { Unchanged, Changed };
 
 /// An entry of an open folder.
 struct EntryRef
@@ -24,6 +29,7 @@ struct EntryRef
     int folder;
     const QByteArray &folderPath; ///< raw, with a trailing slash; for reports and judgements only
     const char *name;
+    FolderState around = FolderState::Changed; ///< of `folder`, when it was listed
 
     QByteArray path() const { return folderPath + name; }
 };
@@ -37,20 +43,40 @@ struct EnteredFolder
     FileDescriptor descriptor;
     std::uint64_t inode = 0;
     FolderListing listing;
+    FolderState state = FolderState::Changed;
     /// The rights that the folder had before the cleaning changed them; nothing where nothing was
     /// changed.
     std::optional<std::uint16_t> formerRights;
 };
 
+/// What the steps of a removal have in common with others; all outlive them.
+struct RemovalContext
+{
+    const CleaningLocation &location;
+    const Protection &protection; ///< of the location
+    const LaterChanges &changes;  ///< of the location
+    LinkedFiles &linkedFiles;     ///< of the cleaning
+    CleaningReportBuilder &builder;
+};
+
 /// The single steps of a removal, and the only place in the program that unlinks. Every step works
 /// on an open folder and one name in it, and itself reports what it could not do. Shared by the
 /// threads of a cleaning.
+///
+/// Looks at each entry right before its removal. What has changed since the user confirmed stays.
+/// So does a folder that may have come to its place since then: one that has changed itself, in a
+/// folder whose entries have changed too.
 class RemovalSteps final
 {
 public:
-    RemovalSteps(const SystemCalls &calls, const Protection &protection,
-                 CleaningReportBuilder &builder, EntryOrder order)
-        : m_calls(calls), m_protection(protection), m_builder(builder), m_order(order)
+    RemovalSteps(const SystemCalls &calls, const RemovalContext &context, EntryOrder order)
+        : m_calls(calls),
+          m_location(context.location),
+          m_protection(context.protection),
+          m_changes(context.changes),
+          m_linkedFiles(context.linkedFiles),
+          m_builder(context.builder),
+          m_order(order)
     {
     }
 
@@ -59,19 +85,25 @@ public:
         Stays,
         Enter, ///< a folder whose entries have to go first
     };
-    struct Verdict
-    {
-        EntryOutcome outcome = EntryOutcome::Stays;
-        EntryPolicy inside = EntryPolicy::Removed; ///< for a folder to enter
-    };
 
     /// Handles an entry as it was listed: removes what is no folder, unless it is kept.
-    Verdict deal(const EntryRef &ref, const FolderListing::Entry &entry, EntryPolicy policy) const;
+    EntryOutcome deal(const EntryRef &ref, const FolderListing::Entry &entry,
+                      EntryPolicy policy) const;
+    struct Judgement
+    {
+        ExclusionMatch match = ExclusionMatch::Whole;
+        FileKind kind = FileKind::Unknown;
+    };
+    /// Says how much of an entry is kept by its path or its inode number, and does nothing.
+    Judgement judge(const EntryRef &ref, const FolderListing::Entry &entry) const;
 
     /// Opens a folder that deal() said to enter; Gone or Stays where it cannot be entered. `space`
     /// is the calling thread's own.
-    tl::expected<EnteredFolder, EntryOutcome> enter(const EntryRef &ref,
-                                                    std::span<char> space) const;
+    tl::expected<EnteredFolder, EntryOutcome>
+    enter(const EntryRef &ref, const FolderListing::Entry &entry, std::span<char> space) const;
+    /// Whether an open folder's names are still those of the confirmation. To be asked after its
+    /// listing, and before anything of it is removed.
+    FolderState stateOf(int folder) const;
 
     /// Lists a folder to its end, in the order of this cleaning.
     SystemResult<FolderListing> list(int folder, std::span<char> space) const;
@@ -83,8 +115,14 @@ public:
     /// have moved it elsewhere meanwhile, and also where something stays in it.
     void giveBack(int folder, std::optional<std::uint16_t> formerRights) const;
 
-    /// Removes a folder that should be empty by now.
-    EntryOutcome removeFolder(const EntryRef &ref) const;
+    /// Whether an open folder still lies in the location: `inside` are the inode numbers of the
+    /// folders around it, from the inside out; `around` goes on from there, nothing for the
+    /// location itself. A folder that cannot be looked at counts as still there.
+    bool isInPlace(int folder, std::span<const std::uint64_t> inside,
+                   const FolderWay *around) const;
+
+    /// Removes a folder that was entered and should be empty by now.
+    EntryOutcome removeFolder(const EntryRef &ref, std::uint64_t inode) const;
 
     /// Reports a folder that was entered but to which there is no way back, with all that is left
     /// in it.
@@ -97,13 +135,22 @@ private:
     bool mayMakeWritable(const EntryRef &ref, const FileStatus &status,
                          const FolderListing &listing) const;
     EntryOutcome removeFile(const EntryRef &ref) const;
+    EntryOutcome removeLinkedFile(const EntryRef &ref) const;
+    tl::expected<FileStatus, EntryOutcome> fileAt(const EntryRef &ref) const;
+    SystemResult<void> takeAway(const EntryRef &ref, const FileStatus &status) const;
+    EntryOutcome putBack(const EntryRef &ref) const;
+    bool leadsTo(int folder, std::span<const std::uint64_t> inside, const FolderWay *around) const;
+    bool leadsToUnseen(int folder, std::span<const std::uint64_t> above) const;
     EntryOutcome settled(const SystemResult<void> &answer, const EntryRef &ref) const;
     EntryOutcome refused(const EntryRef &ref, RefusalReason reason, int error) const;
     tl::expected<FileKind, EntryOutcome> kindOf(const EntryRef &ref,
                                                 const FolderListing::Entry &entry) const;
 
     const SystemCalls &m_calls;
+    const CleaningLocation &m_location;
     const Protection &m_protection;
+    const LaterChanges &m_changes;
+    LinkedFiles &m_linkedFiles;
     CleaningReportBuilder &m_builder;
     EntryOrder m_order;
 };

@@ -1,5 +1,7 @@
 #include "slices/removal/SequentialRemover.h"
 
+#include <cerrno>
+
 namespace {
 
 using EntryOutcome = RemovalSteps::EntryOutcome;
@@ -20,14 +22,27 @@ bool SequentialRemover::removeListed(const HeldFolder &folder, FolderListing lis
     m_path = folder.path;
     m_firstOpen = 1;
     m_levels.clear();
-    m_levels.push_back({{}, 0, std::move(listing), 0, m_path.size(), folder.policy, false, {}});
+    m_way = folder.way;
+    m_emptied = folder.emptied;
+    m_levels.push_back({{},
+                        folder.way.inode,
+                        std::move(listing),
+                        0,
+                        m_path.size(),
+                        folder.policy,
+                        false,
+                        folder.state,
+                        {}});
     const auto isDone = [this] {
         return m_levels.size() == 1 && m_levels.front().next == m_levels.front().listing.size();
     };
     while (!isDone()) {
         if (m_stop.stop_requested())
             break;
-        step();
+        if (m_placeCheck.isDue())
+            checkPlace();
+        else
+            step();
     }
     leaveAll();
     const bool isAllGone = isDone() && !m_levels.front().stays;
@@ -44,16 +59,19 @@ void SequentialRemover::step()
     }
     const std::size_t index = level.next++;
     const EntryRef ref = refIn(level, index);
-    const RemovalSteps::Verdict verdict = m_steps.deal(ref, level.listing.at(index), level.policy);
-    if (verdict.outcome == EntryOutcome::Stays)
+    const FolderListing::Entry &entry = level.listing.at(index);
+    const EntryOutcome outcome = m_steps.deal(ref, entry, level.policy);
+    if (outcome == EntryOutcome::Stays) {
         level.stays = true;
-    else if (verdict.outcome == EntryOutcome::Enter)
-        enter(ref, verdict.inside);
+        m_placeCheck.hurry();
+    } else if (outcome == EntryOutcome::Enter) {
+        enter(ref, entry);
+    }
 }
 
-void SequentialRemover::enter(const EntryRef &ref, EntryPolicy policy)
+void SequentialRemover::enter(const EntryRef &ref, const FolderListing::Entry &entry)
 {
-    auto entered = m_steps.enter(ref, m_space);
+    auto entered = m_steps.enter(ref, entry, m_space);
     if (!entered) {
         if (entered.error() == EntryOutcome::Stays)
             m_levels.back().stays = true;
@@ -61,10 +79,27 @@ void SequentialRemover::enter(const EntryRef &ref, EntryPolicy policy)
     }
     m_path += ref.name;
     m_path += '/';
-    const bool isOnTheWay = policy == EntryPolicy::Judged;
     m_levels.push_back({std::move(entered->descriptor), entered->inode, std::move(entered->listing),
-                        0, m_path.size(), policy, isOnTheWay, entered->formerRights});
+                        0, m_path.size(), EntryPolicy::Removed, false, entered->state,
+                        entered->formerRights});
     closeOuterLevel();
+}
+
+/// What was moved away with a folder is no longer part of the cleaning.
+void SequentialRemover::checkPlace()
+{
+    Level &level = m_levels.back();
+    std::vector<std::uint64_t> inside;
+    for (std::size_t i = m_levels.size() - 1; i > 1; --i)
+        inside.push_back(m_levels[i - 1].inode);
+    const FolderWay *const around = m_levels.size() == 1 ? m_way.around : &m_way;
+    const bool isInPlace = m_steps.isInPlace(descriptorOf(level), inside, around);
+    m_placeCheck.done();
+    if (isInPlace)
+        return;
+    m_steps.abandon(m_path.chopped(1), ESTALE);
+    level.next = level.listing.size();
+    level.stays = true;
 }
 
 void SequentialRemover::leave()
@@ -77,8 +112,19 @@ void SequentialRemover::leave()
     if (!reopen(outer, inner))
         return;
     inner.descriptor.reset();
-    if (inner.stays || m_steps.removeFolder(refIn(outer, outer.next - 1)) == EntryOutcome::Stays)
+    if (inner.stays || !removesEmptied(inner))
         outer.stays = true;
+}
+
+/// Whether a folder that is empty now is gone, or is removed later.
+bool SequentialRemover::removesEmptied(const Level &inner)
+{
+    Level &outer = m_levels.back();
+    const EntryRef ref = refIn(outer, outer.next - 1);
+    if (!m_emptied || m_levels.size() > 1)
+        return m_steps.removeFolder(ref, inner.inode) == EntryOutcome::Gone;
+    m_emptied->add({ref.name, inner.inode});
+    return true;
 }
 
 /// The cleaning was stopped, or is at its end anyway.
@@ -128,5 +174,5 @@ int SequentialRemover::descriptorOf(const Level &level) const
 
 EntryRef SequentialRemover::refIn(const Level &level, std::size_t index) const
 {
-    return {descriptorOf(level), m_path, level.listing.name(level.listing.at(index))};
+    return {descriptorOf(level), m_path, level.listing.name(level.listing.at(index)), level.state};
 }

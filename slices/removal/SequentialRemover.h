@@ -1,21 +1,15 @@
 #pragma once
 
 #include "platform/system/FileDescriptor.h"
-#include "slices/removal/RemovalSteps.h"
+#include "slices/removal/HeldFolder.h"
+#include "slices/removal/PlaceCheck.h"
 
 #include <stop_token>
 
-/// A folder that is held open while its entries are dealt with.
-struct HeldFolder
-{
-    int descriptor = -1;
-    QByteArray path; ///< raw, with a trailing slash
-    EntryPolicy policy = EntryPolicy::Removed;
-};
-
 /// Removes trees one entry after the other, on one thread. Needs a fixed number of descriptors and
 /// no stack, however deep a tree is: it holds only the innermost few folders on the way down open.
-/// It goes back to the others by "..", and checks them by what it remembers of them.
+/// It goes back to the others by "..", and checks them by what it remembers of them. Every few
+/// removals it checks that the folder still lies in its location: if not, what is left stays.
 class SequentialRemover final
 {
 public:
@@ -36,14 +30,17 @@ private:
         std::size_t next = 0;
         qsizetype pathSize = 0;
         EntryPolicy policy = EntryPolicy::Removed;
-        bool stays = false; ///< something in it was left, or it is on the way to what is kept
+        bool stays = false; ///< something in it was left
+        FolderState state = FolderState::Changed;
         std::optional<std::uint16_t> formerRights;
     };
 
     void step();
-    void enter(const EntryRef &ref, EntryPolicy policy);
+    void enter(const EntryRef &ref, const FolderListing::Entry &entry);
+    void checkPlace();
     void leave();
     void leaveAll();
+    bool removesEmptied(const Level &inner);
     bool reopen(Level &level, const Level &inner);
     void abandonClosedLevels(int error);
     void closeOuterLevel();
@@ -55,6 +52,9 @@ private:
     std::vector<char> m_space;
     std::vector<Level> m_levels;
     int m_startDescriptor = -1;
+    FolderWay m_way; ///< of the outermost
+    EmptiedFolders *m_emptied = nullptr;
+    PlaceCheck m_placeCheck;
     std::size_t m_firstOpen = 1; ///< the levels from here on, and the outermost, are open
     QByteArray m_path;
 };

@@ -191,8 +191,9 @@ void TestExcludedNames::areNotFoundBySearches()
 void TestExcludedNames::areLeftByCleanings()
 {
     exclude();
-    const SliceToClean downloads{
-        QStringLiteral("Downloads"), {m_fixture->url("Downloads")}, SliceContent::Folders};
+    const SliceToClean downloads{.name = QStringLiteral("Downloads"),
+                                 .fileURLs = {m_fixture->url("Downloads")},
+                                 .confirmed = Moment::never()};
     const CleaningPlan plan =
         makeCleaningPlan(hostSystemCalls(), m_fixture->access(), {downloads},
                          ExcludedPaths::fromStoredStrings(m_fixture->setting()));

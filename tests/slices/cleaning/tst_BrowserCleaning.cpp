@@ -15,7 +15,7 @@ CleaningReport cleanBrowserData(const MadeHome &home, const HomeLayout &layout,
 {
     const auto record = Info::infoWithName(QStringLiteral("Browser Data"),
                                            layout.locations(SliceKind::BrowserData));
-    return clean(home.access(), slicesToClean(layout, {record}), excluded, calls);
+    return clean(home.access(), slicesToClean(layout, {record}, Moment::never()), excluded, calls);
 }
 
 } // namespace

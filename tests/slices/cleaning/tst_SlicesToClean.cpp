@@ -232,7 +232,7 @@ void TestSlicesToClean::keepsWhatARecordKeeps()
     const FileUrls kept{home.access().folder(".cache/mozilla")};
     const auto record = Info::infoWithName(QStringLiteral("Cache"), std::nullopt);
     record->setLocations(*layout.locations(SliceKind::Cache), kept);
-    const QList<SliceToClean> slices = slicesToClean(layout, {record});
+    const QList<SliceToClean> slices = slicesToClean(layout, {record}, Moment::never());
     QCOMPARE(slices.size(), 1);
     QCOMPARE(slices.first().kept, kept);
 }

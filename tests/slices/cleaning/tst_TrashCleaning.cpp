@@ -110,7 +110,9 @@ private:
         const auto record =
             Info::infoWithName(QString::fromUtf16(sliceCatalogue()[indexOf(kind)].name), locations);
         const CleaningReport report = performCleaning(
-            calls, makeCleaningPlan(calls, access, slicesToClean(layout, {record}), excluded),
+            calls,
+            makeCleaningPlan(calls, access, slicesToClean(layout, {record}, Moment::never()),
+                             excluded),
             stop);
         return QByteArray::number(shown) + ", " + QByteArray::number(report.removedItems) + ", " +
                QByteArray::number(report.failureCount + report.refusalCount);
@@ -223,7 +225,8 @@ void TestTrashCleaning::leavesTheRightsOfWhatWasPutBack()
     const auto record =
         Info::infoWithName(QStringLiteral("Trash"), layout.locations(SliceKind::Trash));
     Trash::runAsOwner([&] {
-        ::clean(trash.access, slicesToClean(layout, {record}), {}, ChildsCalls(calls));
+        ::clean(trash.access, slicesToClean(layout, {record}, Moment::never()), {},
+                ChildsCalls(calls));
         return 0;
     });
     QVERIFY(trash.has(album + "2/inside"));

@@ -113,12 +113,18 @@ inline ExcludedPaths excluding(const FileUrls &urls)
 
 inline SliceToClean contentsOf(const FileUrls &folders)
 {
-    return {QStringLiteral("Downloads"), folders, SliceContent::Folders};
+    return {.name = QStringLiteral("Downloads"),
+            .fileURLs = folders,
+            .confirmed = Moment::never(),
+            .content = SliceContent::Folders};
 }
 
 inline SliceToClean theFiles(const FileUrls &files)
 {
-    return {QStringLiteral("Browser Data"), files, SliceContent::Files};
+    return {.name = QStringLiteral("Browser Data"),
+            .fileURLs = files,
+            .confirmed = Moment::never(),
+            .content = SliceContent::Files};
 }
 
 /// Plans and performs, as the page does.

@@ -8,7 +8,7 @@
 #include <optional>
 
 /// The host's system calls with a hook before each that a cleaning makes: a test can count them,
-/// fail them, or do something behind the engine's back.
+/// fail them, or do something behind the engine's back (doOutside()).
 class HookedCalls : public ForwardingSystemCalls
 {
 public:
@@ -64,6 +64,11 @@ public:
     {
         return hooked("removeFolder", parent, name,
                       [&] { return ForwardingSystemCalls::removeFolder(parent, name); });
+    }
+    SystemResult<void> moveToFree(int parent, const char *from, const char *to) const override
+    {
+        return hooked("moveToFree", parent, from,
+                      [&] { return ForwardingSystemCalls::moveToFree(parent, from, to); });
     }
 
 private:

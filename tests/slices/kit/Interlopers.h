@@ -2,6 +2,7 @@
 
 #include "tests/slices/kit/CleaningKit.h"
 #include "tests/slices/kit/HookedCalls.h"
+#include "tests/support/run/Outside.h"
 
 #include <functional>
 
@@ -18,7 +19,7 @@ public:
     std::optional<int> before(const char *, int, const char *) const override
     {
         if (m_count++ == m_call)
-            m_action();
+            doOutside(m_action);
         return {};
     }
     int count() const { return m_count; }
@@ -49,7 +50,7 @@ public:
     std::optional<int> before(const char *call, int, const char *name) const override
     {
         if (m_call == call && m_name == name)
-            m_swap();
+            doOutside(m_swap);
         return {};
     }
 

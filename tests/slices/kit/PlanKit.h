@@ -18,7 +18,7 @@ inline CleaningPlan planOfEverything(const MadeHome &home, const HomeLayout &lay
         records.push_back(
             Info::infoWithName(QString::fromUtf16(slice.name), layout.locations(slice.kind)));
     setRecordLocations(records, layout, ProgramsInUse::find(calls, home.access(), layout));
-    return makeCleaningPlan(calls, home.access(), slicesToClean(layout, records),
+    return makeCleaningPlan(calls, home.access(), slicesToClean(layout, records, Moment::never()),
                             excluding(excluded));
 }
 

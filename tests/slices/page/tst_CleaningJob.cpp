@@ -109,7 +109,7 @@ CleaningReport TestCleaningJob::clean(const std::vector<std::shared_ptr<Info>> &
     CleaningReport report;
     QSignalSpy finished(&job, &CleaningJob::finished);
     connect(&job, &CleaningJob::finished, this, [&](const CleaningReport &done) { report = done; });
-    job.start(chosen, kNothingExcluded);
+    job.start(chosen, kNothingExcluded, Moment::never());
     if (!finished.wait())
         qFatal("the cleaning did not end");
     return report;
@@ -159,7 +159,7 @@ void TestCleaningJob::tellsOnTheMainThread()
     connect(
         &job, &CleaningJob::finished, this, [&] { heardOn = QThread::currentThread(); },
         Qt::DirectConnection);
-    job.start({}, kNothingExcluded);
+    job.start({}, kNothingExcluded, Moment::never());
     QVERIFY(job.isRunning());
     QTRY_COMPARE(heardOn, QThread::currentThread());
     QVERIFY(!job.isRunning());
@@ -190,7 +190,7 @@ void TestCleaningJob::stopsBeforeTheNextItem()
     CleaningReport report;
     QSignalSpy finished(&job, &CleaningJob::finished);
     connect(&job, &CleaningJob::finished, this, [&](const CleaningReport &done) { report = done; });
-    job.start({record(SliceKind::Trash)}, kNothingExcluded);
+    job.start({record(SliceKind::Trash)}, kNothingExcluded, Moment::never());
     QTRY_VERIFY(gate.arrivals() > 0); // in the midst of it
     job.requestStop();
     gate.open();
@@ -209,7 +209,7 @@ void TestCleaningJob::isOverOnceItIsDestroyed()
     {
         CleaningJob job(m_calls, ResourceManager::access());
         const auto atEnd = qScopeGuard([&] { gate.open(); });
-        job.start({record(SliceKind::Trash)}, kNothingExcluded);
+        job.start({record(SliceKind::Trash)}, kNothingExcluded, Moment::never());
         QTRY_VERIFY(gate.arrivals() > 0);
     }
     // The thread that removes holds the access.
@@ -231,7 +231,7 @@ void TestCleaningJob::waitsForNoMeasureAtItsEnd()
          nullptr});
     {
         CleaningJob job(m_calls, ResourceManager::access());
-        job.start({trash}, kNothingExcluded);
+        job.start({trash}, kNothingExcluded, Moment::never());
         isMeasuring.acquire();
     } // else this would never be left
     mayEnd.release();
@@ -249,10 +249,11 @@ void TestCleaningJob::asksForTheExclusionsAfterMeasuring()
     bool wasMeasured = false;
     CleaningJob job(m_calls, ResourceManager::access());
     QSignalSpy finished(&job, &CleaningJob::finished);
-    job.start({trash}, [&]() -> std::optional<ExcludedPaths> {
+    const auto exclusions = [&]() -> std::optional<ExcludedPaths> {
         wasMeasured = trash->isMeasured();
         return ExcludedPaths::fromStoredStrings({QString::fromLatin1(keep.absoluteString())});
-    });
+    };
+    job.start({trash}, exclusions, Moment::never());
     QVERIFY(finished.wait());
     QVERIFY(wasMeasured);
     QVERIFY(m_fixture->exists(".Trash/keep"));
@@ -266,10 +267,11 @@ void TestCleaningJob::cleansWhatItWasStartedWith()
     const auto trash = record(SliceKind::Trash);
     CleaningJob job(m_calls, ResourceManager::access());
     QSignalSpy finished(&job, &CleaningJob::finished);
-    job.start({trash}, [&] {
+    const auto exclusions = [&] {
         trash->setLocations({m_fixture->homeUrl().appending("Documents", FileUrlKind::Folder)}, {});
         return kNothingExcluded();
-    });
+    };
+    job.start({trash}, exclusions, Moment::never());
     QVERIFY(finished.wait());
     QVERIFY(!m_fixture->exists(".Trash/a"));
     QVERIFY(m_fixture->exists("Documents/keep"));
@@ -283,7 +285,8 @@ void TestCleaningJob::removesNothingWhileTheExclusionsAreUnknown()
     QSignalSpy finished(&job, &CleaningJob::finished);
     QTest::ignoreMessage(QtInfoMsg,
                          "File might be locked: everything: nobody knows what is excluded");
-    job.start({record(SliceKind::Trash)}, [] { return std::nullopt; });
+    job.start(
+        {record(SliceKind::Trash)}, [] { return std::nullopt; }, Moment::never());
     QVERIFY(finished.wait());
     QVERIFY(m_fixture->exists(".Trash/a"));
 }

@@ -1,12 +1,31 @@
 #include "tests/support/disk/ForwardingSystemCalls.h"
 
+#include "platform/system/ThreadConfinement.h"
 #include "tests/support/run/BackgroundThreadsAwaited.h"
+#include "tests/support/run/Outside.h"
 
 #include <cerrno>
+
+namespace {
+
+class NoConfinement final : public ThreadConfinement
+{
+public:
+    bool isAvailable() const override { return false; }
+    SystemResult<FileDescriptor> makeRules() const override { return tl::unexpected(ENOSYS); }
+    SystemResult<void> allow(int, int, FolderRights) const override
+    {
+        return tl::unexpected(ENOSYS);
+    }
+    SystemResult<void> enterForGood(int) const override { return tl::unexpected(ENOSYS); }
+};
+
+} // namespace
 
 ForwardingSystemCalls::ForwardingSystemCalls(Hook hook, const SystemCalls &next)
     : m_hook(std::move(hook)), m_next(next)
 {
+    openOutside();
 }
 
 ForwardingSystemCalls::~ForwardingSystemCalls()
@@ -34,7 +53,10 @@ template <typename Call>
 auto ForwardingSystemCalls::forwarded(std::string_view name, Call call) const
 {
     using Result = decltype(call());
-    const int error = m_hook ? m_hook(++m_count, name) : (++m_count, 0);
+    const int number = ++m_count;
+    int error = 0;
+    if (m_hook)
+        doOutside([&] { error = m_hook(number, name); });
     return error != 0 ? Result(tl::unexpected(error)) : call();
 }
 
@@ -188,4 +210,26 @@ SystemResult<void> ForwardingSystemCalls::sync(int descriptor) const
 SystemResult<void> ForwardingSystemCalls::rename(int parent, const char *from, const char *to) const
 {
     return forwarded("rename", [&] { return m_next.rename(parent, from, to); });
+}
+
+SystemResult<void> ForwardingSystemCalls::moveToFree(int parent, const char *from,
+                                                     const char *to) const
+{
+    return forwarded("moveToFree", [&] { return m_next.moveToFree(parent, from, to); });
+}
+
+Moment ForwardingSystemCalls::now() const
+{
+    return m_next.now();
+}
+
+SystemResult<std::int64_t> ForwardingSystemCalls::clockDifference(int folder) const
+{
+    return forwarded("clockDifference", [&] { return m_next.clockDifference(folder); });
+}
+
+const ThreadConfinement &ForwardingSystemCalls::confinement() const
+{
+    static const NoConfinement none;
+    return m_canConfine ? m_next.confinement() : none;
 }

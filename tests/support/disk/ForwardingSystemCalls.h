@@ -24,6 +24,10 @@ public:
     /// Sets another hook and counts from 1 again. No call may be under way.
     void setHook(Hook hook);
 
+    /// From now on like a kernel that cannot confine threads. Every confined thread costs more than
+    /// all that it does in a small tree.
+    void letNothingBeConfined() { m_canConfine = false; }
+
     /// The calls since the hook was set.
     int callCount() const { return m_count; }
 
@@ -67,11 +71,16 @@ public:
     SystemResult<std::size_t> write(int file, std::span<const char> bytes) const override;
     SystemResult<void> sync(int descriptor) const override;
     SystemResult<void> rename(int parent, const char *from, const char *to) const override;
+    SystemResult<void> moveToFree(int parent, const char *from, const char *to) const override;
+    Moment now() const override;
+    SystemResult<std::int64_t> clockDifference(int folder) const override;
+    const ThreadConfinement &confinement() const override;
 
 private:
     template <typename Call> auto forwarded(std::string_view name, Call call) const;
 
     Hook m_hook;
+    bool m_canConfine = true;
     const SystemCalls &m_next;
     mutable std::atomic<int> m_count = 0;
 };
