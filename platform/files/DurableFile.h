@@ -27,6 +27,8 @@ struct DurableContent
     DurableState state = DurableState::Missing;
     QByteArray bytes; ///< of a good file, without the checksum
     int error = 0;    ///< errno of an unreadable one
+
+    friend bool operator==(const DurableContent &, const DurableContent &) = default;
 };
 
 /// Why a write failed.
@@ -55,6 +57,12 @@ public:
     DurableFile(const SystemCalls &calls, FileDescriptor folder, QByteArray name);
 
     DurableContent read(Generation generation);
+
+    /// The current content that this object has read or written last; nothing without one.
+    const std::optional<QByteArray> &known() const { return m_known; }
+    /// Counts this content as read: its reader has taken over what it needs of it, so a write may
+    /// replace it.
+    void learn(const QByteArray &content) { m_known = content; }
 
     /// Makes `content` the current generation and the current one the previous. When this returns
     /// without an error, the content is on the disk; when it fails, the old content still stands
