@@ -112,19 +112,68 @@ SettingsContent SettingsFile::peek()
     return contentIn(m_file->read(Generation::Current)).value_or(SettingsContent{});
 }
 
-SaveOutcome SettingsFile::save(const QByteArray &text, Replace replace)
+SettingsLook SettingsFile::look() const
+{
+    const DurableContent found = present();
+    if (found == expected())
+        return {};
+    if (const auto content = contentIn(found))
+        return {ForeignSettings{*content, found.bytes}, {}};
+    if (found == m_inTheWay)
+        return {};
+    return {{},
+            stateText(found) +
+                QStringLiteral(" Look through the excluded paths before you clean.")};
+}
+
+SaveOutcome SettingsFile::save(const QByteArray &text, Replace replace, const QByteArray &takenOver)
 {
     QDir().mkpath(m_folder);
-    auto saved = open().map_error([](int error) { return DurableError{error, false}; });
-    if (saved)
-        saved = m_file->write(text, replace);
+    if (const auto opened = reopen(); !opened)
+        return failure(opened.error(), replace);
+    if (const auto foreign = look().foreign) {
+        if (foreign->text != takenOver)
+            return conflict(foreign);
+        m_file->learn(takenOver);
+    }
+    const auto saved = m_file->write(text, replace);
     if (saved)
         return {};
-    if (saved.error().isConflict)
-        return {conflictText(pathOf(kFileName)), true};
+    return saved.error().isConflict ? conflict(look().foreign)
+                                    : failure(saved.error().error, replace);
+}
+
+SaveOutcome SettingsFile::conflict(const std::optional<ForeignSettings> &foreign) const
+{
+    return {conflictText(pathOf(kFileName)), true, foreign};
+}
+
+SaveOutcome SettingsFile::failure(int error, Replace replace)
+{
+    if (replace == Replace::Anything)
+        m_inTheWay = present();
     return {QStringLiteral("The settings in “%1” could not be saved (%2).")
-                .arg(m_folder, textOfError(saved.error().error)),
+                .arg(m_folder, textOfError(error)),
             false};
+}
+
+/// The current content as the next start would find it.
+DurableContent SettingsFile::present() const
+{
+    SettingsFile there(m_folder, *m_calls);
+    if (const auto opened = there.open(); !opened)
+        return opened.error() == ENOENT
+                   ? DurableContent{}
+                   : DurableContent{DurableState::Unreadable, {}, opened.error()};
+    return there.m_file->read(Generation::Current);
+}
+
+/// What this run has read or written last.
+DurableContent SettingsFile::expected() const
+{
+    if (!m_file || !m_file->known())
+        return {};
+    return {DurableState::Good, *m_file->known(), 0};
 }
 
 /// The folder's own path may lead through links; below it, none is followed.
@@ -141,18 +190,38 @@ SystemResult<void> SettingsFile::open()
     return {};
 }
 
+/// The folder may have been replaced, and what counts is what the next start will find in its path.
+SystemResult<void> SettingsFile::reopen()
+{
+    SettingsFile there(m_folder, *m_calls);
+    if (const auto opened = there.open(); !opened)
+        return opened;
+    if (m_file && m_file->known())
+        there.m_file->learn(*m_file->known());
+    m_file.emplace(std::move(*there.m_file));
+    return {};
+}
+
 /// What happened to the current content, for people. A bad one is set aside here.
 QString SettingsFile::damageText(const DurableContent &current)
 {
-    if (current.state == DurableState::Missing)
-        return QStringLiteral("The settings in “%1” are gone.").arg(pathOf(kFileName));
-    if (current.state == DurableState::Unreadable)
-        return unreadableText(pathOf(kFileName), current.error);
+    if (!isBad(current))
+        return stateText(current);
     const auto badName = m_file->setAside(Generation::Current);
     if (!badName)
-        return QStringLiteral("The settings in “%1” are damaged.").arg(pathOf(kFileName));
+        return stateText(current);
     return QStringLiteral("The settings were damaged. The damaged file was kept as “%1”.")
         .arg(pathOf(*badName));
+}
+
+/// Why a content is of no use, for people.
+QString SettingsFile::stateText(const DurableContent &found) const
+{
+    if (found.state == DurableState::Missing)
+        return QStringLiteral("The settings in “%1” are gone.").arg(pathOf(kFileName));
+    if (found.state == DurableState::Unreadable)
+        return unreadableText(pathOf(kFileName), found.error);
+    return QStringLiteral("The settings in “%1” are damaged.").arg(pathOf(kFileName));
 }
 
 QString SettingsFile::pathOf(const QByteArray &name) const

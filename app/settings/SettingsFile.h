@@ -25,11 +25,29 @@ QByteArray settingsText(const SettingsContent &content);
 /// anything but a list of strings.
 std::optional<SettingsContent> settingsFromText(const QByteArray &text);
 
+/// What another program has written into the settings' file.
+struct ForeignSettings
+{
+    SettingsContent content;
+    QByteArray text; ///< the very bytes, which tell it from a later one
+};
+
+/// What the file holds now, beside what this run knows of it.
+struct SettingsLook
+{
+    /// Nothing when the file is what this run has read or written last.
+    std::optional<ForeignSettings> foreign;
+    /// Why nobody can tell what it holds, as a text for people; empty when somebody can.
+    QString damage;
+};
+
 /// How a save ended. The message is for people; when it is empty, the save went well.
 struct SaveOutcome
 {
     QString message;
     bool isConflict = false; ///< another program had changed the file
+    /// What that program has written, if it can be read.
+    std::optional<ForeignSettings> foreign = {};
 
     bool isWell() const { return message.isEmpty(); }
 };
@@ -52,15 +70,28 @@ public:
     /// one when it is bad. Changes nothing.
     SettingsContent peek();
 
-    /// Makes this text the file's content. Makes the folder first when there is none.
-    SaveOutcome save(const QByteArray &text, Replace replace);
+    /// Reads the file afresh, by its path. Changes nothing.
+    SettingsLook look() const;
+
+    /// Makes this text the file's content. Makes the folder first when there is none. Settings of
+    /// another program are never replaced, unless their text is `takenOver`: then what they exclude
+    /// is in this text, too.
+    SaveOutcome save(const QByteArray &text, Replace replace, const QByteArray &takenOver = {});
 
 private:
+    SaveOutcome conflict(const std::optional<ForeignSettings> &foreign) const;
+    SaveOutcome failure(int error, Replace replace);
+    DurableContent present() const;
+    DurableContent expected() const;
+    QString stateText(const DurableContent &found) const;
     SystemResult<void> open();
+    SystemResult<void> reopen();
     QString damageText(const DurableContent &current);
     QString pathOf(const QByteArray &name) const;
 
     QString m_folder;
     const SystemCalls *m_calls;
     std::optional<DurableFile> m_file;
+    /// What stood in the way of a save that might replace anything. The user knows of it.
+    std::optional<DurableContent> m_inTheWay;
 };

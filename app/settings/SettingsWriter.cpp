@@ -14,16 +14,27 @@ SettingsWriter::~SettingsWriter()
     m_becameIdle.wait(lock, [this] { return isIdle(); });
 }
 
-void SettingsWriter::post(const QByteArray &text, Replace replace)
+void SettingsWriter::post(const QByteArray &text, Replace replace, const QByteArray &takenOver)
 {
     {
         const std::scoped_lock lock(m_mutex);
         m_text = text;
         if (replace == Replace::Anything)
             m_replace = replace;
+        if (!takenOver.isEmpty())
+            m_takenOver = takenOver;
         m_isWaiting = true;
     }
-    startSave();
+    startWork();
+}
+
+void SettingsWriter::look(LookReport report)
+{
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_looks.push_back(std::move(report));
+    }
+    startWork();
 }
 
 SaveOutcome SettingsWriter::flush()
@@ -32,7 +43,7 @@ SaveOutcome SettingsWriter::flush()
     if (isIdle() && !m_last.isWell()) {
         m_isWaiting = true;
         lock.unlock();
-        startSave();
+        startWork();
         lock.lock();
     }
     m_becameIdle.wait(lock, [this] { return isIdle(); });
@@ -40,9 +51,12 @@ SaveOutcome SettingsWriter::flush()
 }
 
 /// A save under way is never cut off: it ignores the stop.
-void SettingsWriter::startSave()
+void SettingsWriter::startWork()
 {
-    m_saves.run([this](const std::stop_token &) { save(); });
+    m_work.run([this](const std::stop_token &) {
+        save();
+        reportLooks();
+    });
 }
 
 void SettingsWriter::save()
@@ -53,9 +67,10 @@ void SettingsWriter::save()
     m_isSaving = true;
     const QByteArray text = m_text;
     const Replace replace = std::exchange(m_replace, Replace::OnlyWhatIsKnown);
+    const QByteArray takenOver = m_takenOver;
     lock.unlock();
 
-    const SaveOutcome outcome = m_file.save(text, replace);
+    const SaveOutcome outcome = m_file.save(text, replace, takenOver);
     m_report(outcome);
 
     lock.lock();
@@ -64,4 +79,19 @@ void SettingsWriter::save()
     m_last = outcome;
     m_isSaving = false;
     m_becameIdle.notify_all();
+}
+
+/// All who wait get the same answer: they asked before the look.
+void SettingsWriter::reportLooks()
+{
+    std::vector<LookReport> reports;
+    {
+        const std::scoped_lock lock(m_mutex);
+        reports.swap(m_looks);
+    }
+    if (reports.empty())
+        return;
+    const SettingsLook found = m_file.look();
+    for (const LookReport &report : reports)
+        report(found);
 }

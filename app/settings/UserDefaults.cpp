@@ -3,9 +3,15 @@
 #include "app/settings/SettingValues.h"
 #include "app/settings/SettingsKeys.h"
 
+#include <QPointer>
+#include <QSet>
 #include <QStandardPaths>
+#include <utility>
 
 namespace {
+
+/// How often a save tries anew because another program was faster once more.
+constexpr int kMostTakeovers = 3;
 
 template <typename Value>
 Value valueOf(const QJsonValue &stored, const QJsonValue &registered,
@@ -34,7 +40,11 @@ UserDefaults::UserDefaults(const QString &folder, const SystemCalls &calls, QObj
         save(Replace::OnlyWhatIsKnown);
 }
 
-UserDefaults::~UserDefaults() = default;
+UserDefaults::~UserDefaults()
+{
+    blockSignals(true); // whoever listens may have ended
+    (void)synchronize();
+}
 
 void UserDefaults::registerDefaults(const QJsonObject &defaults)
 {
@@ -57,11 +67,6 @@ qint64 UserDefaults::integer(const QString &key) const
     return valueOf(m_stored.value(key), m_registered.value(key), integerFrom);
 }
 
-QString UserDefaults::string(const QString &key) const
-{
-    return valueOf(m_stored.value(key), m_registered.value(key), stringFrom);
-}
-
 QStringList UserDefaults::strings(const QString &key) const
 {
     return valueOf(m_stored.value(key), m_registered.value(key), stringsFrom);
@@ -77,17 +82,12 @@ QByteArray UserDefaults::data(const QString &key) const
     return valueOf(m_stored.value(key), m_registered.value(key), dataFrom);
 }
 
-void UserDefaults::setBoolean(const QString &key, bool value)
-{
-    store(key, value);
-}
-
 void UserDefaults::setInteger(const QString &key, qint64 value)
 {
     store(key, value);
 }
 
-void UserDefaults::setString(const QString &key, const QString &value)
+void UserDefaults::setBoolean(const QString &key, bool value)
 {
     store(key, value);
 }
@@ -113,9 +113,28 @@ void UserDefaults::remove(const QString &key)
     save(Replace::OnlyWhatIsKnown);
 }
 
+void UserDefaults::lookAtFile(QObject *context, std::function<void()> then)
+{
+    const QPointer<QObject> asker(context);
+    m_writer->look([this, asker, then = std::move(then)](const SettingsLook &look) {
+        const auto reply = [this, asker, then, look] {
+            if (look.foreign)
+                takeOver(*look.foreign);
+            doubtExclusions(look.damage);
+            if (asker)
+                then();
+        };
+        QMetaObject::invokeMethod(this, reply, Qt::QueuedConnection);
+    });
+}
+
 tl::expected<void, QString> UserDefaults::synchronize()
 {
-    const SaveOutcome outcome = m_writer->flush();
+    SaveOutcome outcome = m_writer->flush();
+    for (int attempt = 0; outcome.foreign && attempt < kMostTakeovers; ++attempt) {
+        takeOver(*outcome.foreign);
+        outcome = m_writer->flush();
+    }
     if (!outcome.isWell())
         return tl::unexpected(outcome.message);
     return {};
@@ -137,8 +156,17 @@ void UserDefaults::confirmExclusions()
     if (exclusionsAreKnown())
         return;
     m_damage.clear();
+    m_doubt.clear();
     save(Replace::Anything);
     Q_EMIT exclusionsKnownChanged(true);
+}
+
+void UserDefaults::doubtExclusions(const QString &reason)
+{
+    if (reason.isEmpty() || !exclusionsAreKnown())
+        return;
+    m_doubt = reason;
+    Q_EMIT exclusionsKnownChanged(false);
 }
 
 void UserDefaults::store(const QString &key, const QJsonValue &value)
@@ -147,21 +175,49 @@ void UserDefaults::store(const QString &key, const QJsonValue &value)
     save(Replace::OnlyWhatIsKnown);
 }
 
-void UserDefaults::save(Replace replace)
+void UserDefaults::save(Replace replace, const QByteArray &takenOver)
 {
-    m_writer->post(settingsText({m_stored, m_damage}), replace);
+    m_writer->post(settingsText({m_stored, m_damage}), replace, takenOver);
 }
 
 void UserDefaults::takeOutcome(const SaveOutcome &outcome)
 {
     if (outcome.isWell())
         return;
-    Q_EMIT saveFailed(outcome.message);
-    if (!outcome.isConflict || !exclusionsAreKnown())
+    if (outcome.foreign) {
+        takeOver(*outcome.foreign);
         return;
+    }
+    Q_EMIT saveFailed(outcome.message);
     // The program that changed the file may have excluded paths that this run does not know.
-    m_damage = outcome.message + QStringLiteral(" Quit and start Vantor again to use them.");
-    Q_EMIT exclusionsKnownChanged(false);
+    if (outcome.isConflict)
+        doubtExclusions(outcome.message +
+                        QStringLiteral(" Quit and start Vantor again to use them."));
+}
+
+/// Keeps what either program excludes, and saves that in place of the other's text. If the other
+/// does not know what is excluded, neither does this one.
+void UserDefaults::takeOver(const ForeignSettings &foreign)
+{
+    const QJsonValue theirs = foreign.content.values.value(VNTExcludedPathsString);
+    const QStringList mine = strings(VNTExcludedPathsString);
+    QSet<QString> seen(mine.begin(), mine.end());
+    QStringList found;
+    for (const QString &path : stringsFrom(theirs).value_or(QStringList())) {
+        if (!seen.contains(path))
+            found.append(path);
+        seen.insert(path);
+    }
+    if (!found.isEmpty())
+        m_stored.insert(VNTExcludedPathsString, jsonFrom(mine + found));
+    const bool wereKnown = exclusionsAreKnown();
+    if (m_damage.isEmpty())
+        m_damage = foreign.content.damage;
+    save(Replace::OnlyWhatIsKnown, foreign.text);
+    if (!found.isEmpty())
+        Q_EMIT exclusionsFound(found);
+    if (wereKnown && !exclusionsAreKnown())
+        Q_EMIT exclusionsKnownChanged(false);
 }
 
 QString defaultSettingsFolder()

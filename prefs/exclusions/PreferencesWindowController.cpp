@@ -34,6 +34,10 @@ void PreferencesWindowController::windowDidLoad()
     window()->installEventFilter(this);
     if (m_services.defaults.contains(VNTExcludedPathsString))
         m_model.setStoredStrings(m_services.defaults.strings(VNTExcludedPathsString));
+    // The list is written as a whole: it must hold what another program has added.
+    connect(&m_services.defaults, &UserDefaults::exclusionsFound, this, [this] {
+        m_model.setStoredStrings(m_services.defaults.strings(VNTExcludedPathsString));
+    });
 }
 
 void PreferencesWindowController::connectOutlets()

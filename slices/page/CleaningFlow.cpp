@@ -190,14 +190,16 @@ void CleaningFlow::takeAnswer(const SliceSelection::Choice &asked, int button)
     }
 }
 
+/// The settings' file has the last word on what is excluded: another program may have written it.
 void CleaningFlow::clean()
 {
-    m_job.start(
-        m_services.selection.chosen(),
-        [this, confirmed = m_services.selection.excludedPaths()] {
-            return exclusionsBeside(confirmed);
-        },
-        m_confirmed, m_services.home.layout());
+    const auto findExclusions = [this, confirmed = m_services.selection.excludedPaths()](
+                                    const CleaningJob::UseExclusions &use) {
+        m_services.defaults.lookAtFile(
+            &m_job, [this, confirmed, use] { use(exclusionsBeside(confirmed)); });
+    };
+    m_job.start(m_services.selection.chosen(), findExclusions, m_confirmed,
+                m_services.home.layout());
 }
 
 /// What is excluded now, and what was excluded when the user confirmed: an exclusion that is taken

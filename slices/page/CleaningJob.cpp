@@ -93,15 +93,19 @@ void CleaningJob::start(Records chosen, Exclusions exclusions, const Moment &con
         for (const auto &record : records)
             record->fileSizeString();
         // Carries the records back: the last reference to one must not end on this thread.
-        return [this, records = std::move(records)] { remove(); };
+        return [this, records = std::move(records)] { findExclusions(); };
     });
 }
 
 // Back on the main thread between measuring and removing: measuring may have taken minutes, and
 // what was excluded meanwhile must be kept.
-void CleaningJob::remove()
+void CleaningJob::findExclusions()
 {
-    const std::optional<ExcludedPaths> excluded = m_exclusions();
+    m_exclusions([this](const std::optional<ExcludedPaths> &excluded) { remove(excluded); });
+}
+
+void CleaningJob::remove(const std::optional<ExcludedPaths> &excluded)
+{
     if (!excluded) {
         finish(refusedReport());
         return;

@@ -23,9 +23,11 @@ class CleaningJob final : public QObject
 
 public:
     using Records = std::vector<std::shared_ptr<Info>>;
-    /// What the user has excluded; nothing while that is not known. Called on the main thread,
-    /// right before the first removal is planned.
-    using Exclusions = std::function<std::optional<ExcludedPaths>()>;
+    /// Gets what the user has excluded; nothing while that is not known.
+    using UseExclusions = std::function<void(const std::optional<ExcludedPaths> &)>;
+    /// Finds out what the user has excluded, and hands it over, at once or later, as long as the
+    /// job lives. Called on the main thread, right before the first removal is planned.
+    using Exclusions = std::function<void(const UseExclusions &)>;
 
     /// Both live as long as the program.
     CleaningJob(const SystemCalls &calls, FileAccess &access, QObject *parent = nullptr);
@@ -56,7 +58,8 @@ private:
     using Confirmed = std::vector<std::pair<FileUrls, FileUrls>>;
 
     static void restore(const Records &chosen, const Confirmed &confirmed);
-    void remove();
+    void findExclusions();
+    void remove(const std::optional<ExcludedPaths> &excluded);
     void finish(const CleaningReport &report);
 
     const SystemCalls &m_calls;

@@ -50,6 +50,14 @@ QString downloadsText(const Info &record, const ConfirmationDetails &details)
                : QString();
 }
 
+QStringList displayPaths(const ExcludedPaths &excluded)
+{
+    QStringList paths;
+    for (const FileUrl &url : excluded.urls())
+        paths.append(url.displayPath());
+    return paths;
+}
+
 /// The first lines, and how many there are besides.
 QString shortened(const QStringList &lines)
 {
@@ -106,11 +114,17 @@ QString leftAloneText(const CleaningReport &report)
     return shortened(lines);
 }
 
+QString foundExclusionsText(const QStringList &stored)
+{
+    const ExcludedPaths found = ExcludedPaths::fromStoredStrings(stored);
+    return tr("They were not in Vantor's settings before. Vantor leaves them alone from now "
+              "on:\n%1")
+        .arg(shortened(displayPaths(found) + found.unparsable()));
+}
+
 QString unknownExclusionsText(const QString &damage, const ExcludedPaths &excluded)
 {
-    QStringList paths;
-    for (const FileUrl &url : excluded.urls())
-        paths.append(url.displayPath());
+    const QStringList paths = displayPaths(excluded);
     const QString known = paths.isEmpty() ? tr("No path is excluded now.")
                                           : tr("Excluded now:\n%1").arg(shortened(paths));
     return damage + QStringLiteral("\n\n") + known;

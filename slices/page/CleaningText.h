@@ -42,5 +42,8 @@ QString leftAloneText(const CleaningReport &report);
 /// Which stored exclusions cannot be read, and what to do about it, for people.
 QString unparsableExclusionsText(const QStringList &stored);
 
+/// Which stored exclusions another program has added, and that they hold, for people.
+QString foundExclusionsText(const QStringList &stored);
+
 /// Why the exclusions are not fully known, and which are known, for people.
 QString unknownExclusionsText(const QString &damage, const ExcludedPaths &excluded);

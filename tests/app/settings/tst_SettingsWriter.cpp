@@ -150,7 +150,7 @@ void TestSettingsWriter::flushingWithNothingToSaveIsWell()
 void TestSettingsWriter::theLeaveToReplaceLastsUntilASaveWentWell()
 {
     const SettingsFolder folder;
-    folder.fill(); // unknown to a writer whose file was never loaded
+    SettingsFolder::setRaw(folder.file(), "damaged");
     HookedSystem calls;
     SettingsWriter writer(folder.settings(calls), [](const SaveOutcome &) {});
     writer.post(textOf(0), Replace::OnlyWhatIsKnown);
@@ -164,10 +164,10 @@ void TestSettingsWriter::theLeaveToReplaceLastsUntilASaveWentWell()
     QVERIFY(writer.flush().isWell());
     QCOMPARE(folder.settings().load().values, valuesOf(2));
 
-    folder.setText(textOf(3));
+    SettingsFolder::setRaw(folder.file(), "damaged again");
     writer.post(textOf(4), Replace::OnlyWhatIsKnown); // the permission is used up
     QVERIFY(writer.flush().isConflict);
-    QCOMPARE(folder.settings().load().values, valuesOf(3));
+    QCOMPARE(SettingsFolder::raw(folder.file()), "damaged again");
 }
 
 VANTOR_TEST_MAIN(TestSettingsWriter)

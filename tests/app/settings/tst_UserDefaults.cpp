@@ -61,7 +61,6 @@ private Q_SLOTS:
     void settingExclusionsConfirmsNothing();
     void aConfirmationThatCannotBeSavedHoldsForThisRun();
     void aConfirmationReplacesAnUnreadableFile();
-    void aSecondProgramsChangeMakesTheExclusionsUnknown();
 };
 
 void TestUserDefaults::valuesComeBackAfterARestart()
@@ -73,7 +72,6 @@ void TestUserDefaults::valuesComeBackAfterARestart()
         const auto defaults = defaultsIn(folder);
         defaults->setBoolean(QStringLiteral("boolean"), true);
         defaults->setInteger(QStringLiteral("integer"), kLarge);
-        defaults->setString(QStringLiteral("string"), QStringLiteral("text"));
         defaults->setStrings(QStringLiteral("strings"), kFirstPaths);
         defaults->setBooleans(QStringLiteral("booleans"), {false, true});
         defaults->setData(QStringLiteral("data"), bytes);
@@ -81,7 +79,6 @@ void TestUserDefaults::valuesComeBackAfterARestart()
     const auto defaults = defaultsIn(folder);
     QCOMPARE(defaults->boolean(QStringLiteral("boolean")), true);
     QCOMPARE(defaults->integer(QStringLiteral("integer")), kLarge);
-    QCOMPARE(defaults->string(QStringLiteral("string")), QStringLiteral("text"));
     QCOMPARE(defaults->strings(QStringLiteral("strings")), kFirstPaths);
     QCOMPARE(defaults->booleans(QStringLiteral("booleans")), QList<bool>({false, true}));
     QCOMPARE(defaults->data(QStringLiteral("data")), bytes);
@@ -113,7 +110,6 @@ void TestUserDefaults::whatIsNeitherStoredNorRegisteredIsZero()
     QVERIFY(defaults->object(kKey).isUndefined());
     QCOMPARE(defaults->boolean(kKey), false);
     QCOMPARE(defaults->integer(kKey), 0);
-    QCOMPARE(defaults->string(kKey), QString());
     QCOMPARE(defaults->strings(kKey), QStringList());
     QCOMPARE(defaults->booleans(kKey), QList<bool>());
     QCOMPARE(defaults->data(kKey), QByteArray());
@@ -169,9 +165,6 @@ void TestUserDefaults::aValueOfAnotherTypeReadsAsTheRegisteredOne()
     defaults->registerDefaults({{registered, 7}});
     QCOMPARE(defaults->integer(bare), 0);
     QCOMPARE(defaults->integer(registered), 7);
-    defaults->registerDefaults({{registered, QStringLiteral("text")}});
-    QCOMPARE(defaults->string(bare), QString());
-    QCOMPARE(defaults->string(registered), QStringLiteral("text"));
     defaults->registerDefaults({{registered, jsonFrom(kFirstPaths)}});
     QCOMPARE(defaults->strings(bare), QStringList());
     QCOMPARE(defaults->strings(registered), kFirstPaths);
@@ -351,23 +344,6 @@ void TestUserDefaults::aConfirmationReplacesAnUnreadableFile()
     QVERIFY(defaults->exclusionsAreKnown());
     QCOMPARE(defaults->strings(VNTExcludedPathsString), kFirstPaths);
     QCOMPARE(defaults->boolean(kKey), true);
-}
-
-void TestUserDefaults::aSecondProgramsChangeMakesTheExclusionsUnknown()
-{
-    const SettingsFolder folder;
-    folder.fill();
-    const auto mine = defaultsIn(folder);
-    {
-        const auto theirs = defaultsIn(folder);
-        theirs->setStrings(VNTExcludedPathsString, kFirstPaths + kSecondPaths);
-    }
-    QSignalSpy known(mine.get(), &UserDefaults::exclusionsKnownChanged);
-    mine->setBoolean(kKey, true);
-    QVERIFY(known.wait());
-    QCOMPARE(known, (QList<QVariantList>{{false}}));
-    QVERIFY(mine->damageMessage().contains(QStringLiteral("another program")));
-    QCOMPARE(defaultsIn(folder)->strings(VNTExcludedPathsString), kFirstPaths + kSecondPaths);
 }
 
 VANTOR_TEST_MAIN(TestUserDefaults)

@@ -27,6 +27,7 @@ private Q_SLOTS:
     void addsTheSameFolderTwice();
     void keepsNamesOfAnyBytes();
     void keepsWhatItCannotRead();
+    void keepsWhatAnotherProgramAdds();
     void tellsObserversBeforeItReturns();
 
 private:
@@ -219,6 +220,22 @@ void TestPreferencesWindowController::keepsWhatItCannotRead()
     m_controller->window();
     add("Movies");
     QCOMPARE(m_fixture->setting(), (QStringList{unreadable, m_fixture->stored("Movies")}));
+}
+
+/// The list is written as a whole, and must not take away what it does not show.
+void TestPreferencesWindowController::keepsWhatAnotherProgramAdds()
+{
+    add("Movies");
+    QVERIFY(m_fixture->defaults->synchronize());
+    UserDefaults others(QString::fromUtf8(m_fixture->settings.path()), hostSystemCalls());
+    others.setStrings(VNTExcludedPathsString, {m_fixture->stored("Music")});
+    QVERIFY(others.synchronize());
+    QSignalSpy found(m_fixture->defaults.get(), &UserDefaults::exclusionsFound);
+    m_fixture->defaults->lookAtFile(m_controller, [] {});
+    QVERIFY(found.wait());
+    m_controller->saveURLs();
+    QCOMPARE(m_fixture->setting(),
+             (QStringList{m_fixture->stored("Movies"), m_fixture->stored("Music")}));
 }
 
 void TestPreferencesWindowController::tellsObserversBeforeItReturns()

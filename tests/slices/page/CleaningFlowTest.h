@@ -35,6 +35,8 @@ protected:
     bool reachConsent();
     void firefoxStarts();
     void exclude(const QStringList &paths);
+    void excludeElsewhere(const QStringList &paths);
+    void damageTheFile();
     void forgetTheExclusions();
     QString storedHistory() const;
     Info &record(SliceKind kind) { return m_selection->record(kind); }
@@ -160,13 +162,28 @@ inline QString CleaningFlowTest::storedHistory() const
     return QString::fromLatin1(history.absoluteString());
 }
 
-/// Another program writes the settings, and this one finds out.
-inline void CleaningFlowTest::forgetTheExclusions()
+/// Another program stores exclusions of its own in the settings' file.
+inline void CleaningFlowTest::excludeElsewhere(const QStringList &paths)
 {
     QVERIFY(m_fixture->defaults().synchronize()); // nothing of its own is under way
     UserDefaults others(QFile::decodeName(m_fixture->folder().path("settings")), hostSystemCalls());
-    others.setStrings(VNTExcludedPathsString, {});
+    others.setStrings(VNTExcludedPathsString, paths);
     QVERIFY(others.synchronize());
+}
+
+/// Another program writes over the settings' file what nobody can read.
+inline void CleaningFlowTest::damageTheFile()
+{
+    QVERIFY(m_fixture->defaults().synchronize()); // nothing of its own is under way
+    QFile file(QFile::decodeName(m_fixture->folder().path("settings/settings.json")));
+    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write("damaged") > 0);
+    file.close();
+}
+
+/// This program finds out about it with its next save.
+inline void CleaningFlowTest::forgetTheExclusions()
+{
+    damageTheFile();
     m_fixture->defaults().setInteger(VNTTotalCleanedSize, 1);
     QVERIFY(!m_fixture->defaults().synchronize());
     QTRY_VERIFY(!m_fixture->defaults().exclusionsAreKnown());

@@ -34,6 +34,8 @@ private Q_SLOTS:
     void takesAnAnswerThatComesTooLateForNoConsent();
     void keepsWhatIsExcludedAfterTheConsent_data();
     void keepsWhatIsExcludedAfterTheConsent();
+    void keepsWhatAnotherProgramExcludes();
+    void freesNothingWhenTheSettingsCannotBeReadAnyMore();
     void freesNothingOnceTheExclusionsAreUnknown();
     void cleansOnWhenThePageIsLeft();
     void removesNothingOnceItIsStopped();
@@ -306,6 +308,29 @@ void TestCleaningFlow::keepsWhatIsExcludedAfterTheConsent()
     QTRY_COMPARE(m_freed.size(), 1);
     QVERIFY(isHistoryThere());
     QVERIFY(!m_fixture->exists(".mozilla/firefox/x.default/cookies.sqlite"));
+}
+
+/// It is in the file alone; this program has neither read it since nor tried to write it.
+void TestCleaningFlow::keepsWhatAnotherProgramExcludes()
+{
+    QVERIFY(reachConsent());
+    excludeElsewhere({storedHistory()});
+    m_disk.answer();
+    QTRY_COMPARE(m_freed.size(), 1);
+    QVERIFY(isHistoryThere());
+    QVERIFY(!m_fixture->exists(".mozilla/firefox/x.default/cookies.sqlite"));
+    QCOMPARE(m_fixture->defaults().strings(VNTExcludedPathsString), QStringList{storedHistory()});
+}
+
+/// Nothing but the look before the cleaning can have found out.
+void TestCleaningFlow::freesNothingWhenTheSettingsCannotBeReadAnyMore()
+{
+    QVERIFY(reachConsent());
+    damageTheFile();
+    m_disk.answer();
+    QTRY_COMPARE(m_freed, QList<qint64>{0});
+    QVERIFY(!m_fixture->defaults().exclusionsAreKnown());
+    QVERIFY(isHistoryThere());
 }
 
 void TestCleaningFlow::freesNothingOnceTheExclusionsAreUnknown()

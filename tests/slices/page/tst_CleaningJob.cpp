@@ -8,6 +8,7 @@
 #include "slices/sizing/FolderSizing.h"
 #include "tests/support/disk/HookedSystem.h"
 #include "tests/support/page/PageFixture.h"
+#include "tests/support/run/BackgroundThreadsAwaited.h"
 #include "tests/support/run/GuiTestMain.h"
 
 #include <QRegularExpression>
@@ -20,7 +21,9 @@
 
 namespace {
 
-const CleaningJob::Exclusions kNothingExcluded = [] { return ExcludedPaths(); };
+const CleaningJob::Exclusions kNothingExcluded = [](const CleaningJob::UseExclusions &use) {
+    use(ExcludedPaths());
+};
 
 /// Holds every removal of a file until it is opened.
 class Gate final
@@ -68,6 +71,7 @@ private Q_SLOTS:
     void isOverOnceItIsDestroyed();
     void waitsForNoMeasureAtItsEnd();
     void asksForTheExclusionsAfterMeasuring();
+    void removesNothingBeforeItKnowsTheExclusions();
     void cleansWhatItWasStartedWith();
     void removesNothingWhileTheExclusionsAreUnknown();
 
@@ -249,14 +253,34 @@ void TestCleaningJob::asksForTheExclusionsAfterMeasuring()
     bool wasMeasured = false;
     CleaningJob job(m_calls, ResourceManager::access());
     QSignalSpy finished(&job, &CleaningJob::finished);
-    const auto exclusions = [&]() -> std::optional<ExcludedPaths> {
+    const auto exclusions = [&](const CleaningJob::UseExclusions &use) {
         wasMeasured = trash->isMeasured();
-        return ExcludedPaths::fromStoredStrings({QString::fromLatin1(keep.absoluteString())});
+        use(ExcludedPaths::fromStoredStrings({QString::fromLatin1(keep.absoluteString())}));
     };
     job.start({trash}, exclusions, Moment::never());
     QVERIFY(finished.wait());
     QVERIFY(wasMeasured);
     QVERIFY(m_fixture->exists(".Trash/keep"));
+}
+
+/// However long it takes to find out what is excluded.
+void TestCleaningJob::removesNothingBeforeItKnowsTheExclusions()
+{
+    m_fixture->makeFile(".Trash/a", 5);
+    CleaningJob job(m_calls, ResourceManager::access());
+    QSignalSpy finished(&job, &CleaningJob::finished);
+    CleaningJob::UseExclusions answer;
+    job.start(
+        {record(SliceKind::Trash)}, [&](const CleaningJob::UseExclusions &use) { answer = use; },
+        Moment::never());
+    QTRY_VERIFY(answer);
+    awaitBackgroundThreads();
+    QCoreApplication::processEvents();
+    QVERIFY(job.isRunning() && finished.isEmpty());
+    QVERIFY(m_fixture->exists(".Trash/a"));
+    answer(ExcludedPaths());
+    QVERIFY(finished.wait());
+    QVERIFY(!m_fixture->exists(".Trash/a"));
 }
 
 /// Whatever becomes of a record while it is measured.
@@ -267,9 +291,9 @@ void TestCleaningJob::cleansWhatItWasStartedWith()
     const auto trash = record(SliceKind::Trash);
     CleaningJob job(m_calls, ResourceManager::access());
     QSignalSpy finished(&job, &CleaningJob::finished);
-    const auto exclusions = [&] {
+    const auto exclusions = [&](const CleaningJob::UseExclusions &use) {
         trash->setLocations({m_fixture->homeUrl().appending("Documents", FileUrlKind::Folder)}, {});
-        return kNothingExcluded();
+        kNothingExcluded(use);
     };
     job.start({trash}, exclusions, Moment::never());
     QVERIFY(finished.wait());
@@ -286,7 +310,8 @@ void TestCleaningJob::removesNothingWhileTheExclusionsAreUnknown()
     QTest::ignoreMessage(QtInfoMsg,
                          "File might be locked: everything: nobody knows what is excluded");
     job.start(
-        {record(SliceKind::Trash)}, [] { return std::nullopt; }, Moment::never());
+        {record(SliceKind::Trash)},
+        [](const CleaningJob::UseExclusions &use) { use(std::nullopt); }, Moment::never());
     QVERIFY(finished.wait());
     QVERIFY(m_fixture->exists(".Trash/a"));
 }

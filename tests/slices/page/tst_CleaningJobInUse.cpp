@@ -122,7 +122,8 @@ CleaningReport TestCleaningJobInUse::clean(const QList<SliceKind> &kinds)
     QSignalSpy finished(&job, &CleaningJob::finished);
     connect(&job, &CleaningJob::finished, this, [&](const CleaningReport &done) { report = done; });
     job.start(
-        m_chosen, [] { return ExcludedPaths(); }, Moment::never(), layout);
+        m_chosen, [](const CleaningJob::UseExclusions &use) { use(ExcludedPaths()); },
+        Moment::never(), layout);
     if (!finished.wait())
         qFatal("the cleaning did not end");
     return report;

@@ -22,6 +22,7 @@ private Q_SLOTS:
     void saysNothingWhenNothingWasLeftAlone();
     void showsWhatIsKnownToBeExcluded();
     void namesExclusionsThatCannotBeRead();
+    void namesExclusionsThatWereFound();
 };
 
 void TestCleaningText::asksWithTheSlicesThatAreOn()
@@ -138,6 +139,13 @@ void TestCleaningText::namesExclusionsThatCannotBeRead()
     const QString text = unparsableExclusionsText({QStringLiteral("nonsense")});
     QVERIFY(text.contains(QStringLiteral("preferences")));
     QVERIFY(text.endsWith(QStringLiteral("\nnonsense")));
+}
+
+void TestCleaningText::namesExclusionsThatWereFound()
+{
+    const QString text =
+        foundExclusionsText({QStringLiteral("file:///home/anna/a"), QStringLiteral("nonsense")});
+    QVERIFY(text.contains(QStringLiteral("\n/home/anna/a\nnonsense")));
 }
 
 VANTOR_GUI_TEST_MAIN(TestCleaningText)

@@ -183,10 +183,11 @@ void TestFreeSpaceCleaning::keepsWhatIsExcludedAfterTheConsent()
 void TestFreeSpaceCleaning::removesNothingOnceTheExclusionsAreUnknown()
 {
     QVERIFY(consent());
-    // Another program writes the settings, and this one finds out.
-    UserDefaults others(QFile::decodeName(m_fixture->folder().path("settings")), hostSystemCalls());
-    exclude(".Trash/keep", others);
-    QVERIFY(others.synchronize());
+    // Another program spoils the settings, and this one finds out.
+    QVERIFY(m_fixture->defaults().synchronize());
+    QFile file(QFile::decodeName(m_fixture->folder().path("settings/settings.json")));
+    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write("damaged") > 0);
+    file.close();
     m_fixture->defaults().setInteger(VNTTotalCleanedSize, 1);
     QVERIFY(!m_fixture->defaults().synchronize());
     QTRY_VERIFY(!m_fixture->defaults().exclusionsAreKnown());
