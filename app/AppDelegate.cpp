@@ -1,14 +1,17 @@
 #include "app/AppDelegate.h"
 
 #include "app/InterfaceClasses.h"
+#include "app/OneInstance.h"
 #include "app/grant/ResourceManager.h"
 #include "app/pings/LaunchPings.h"
 #include "app/settings/SettingsKeys.h"
 #include "platform/base/Log.h"
 #include "platform/base/LogText.h"
+#include "platform/desktop/Activation.h"
 #include "platform/sheet/Alert.h"
 #include "prefs/exclusions/PreferencesWindowController.h"
 #include "prefs/window/ColorWindow.h"
+#include "slices/page/CleaningText.h"
 
 #include <QAction>
 #include <QApplication>
@@ -21,6 +24,8 @@ AppDelegate::AppDelegate(Configuration configuration) : m_configuration(std::mov
     registerInterfaceClasses(m_loader);
     if (m_configuration.makeTutorialView)
         m_loader.registerClass(QStringLiteral("TutorialView"), m_configuration.makeTutorialView);
+    if (m_configuration.instance)
+        connect(m_configuration.instance, &OneInstance::called, this, &AppDelegate::comeToFront);
 }
 
 /// The settings end with this object, and a question to the disk may outlive it. The grant that was
@@ -36,6 +41,8 @@ void AppDelegate::applicationDidFinishLaunching()
     m_defaults =
         std::make_unique<UserDefaults>(m_configuration.settingsFolder, m_configuration.calls);
     m_defaults->registerDefaults(registeredDefaults());
+    if (m_configuration.instance)
+        m_defaults->doubtExclusions(m_configuration.instance->doubt());
     m_pings = std::make_unique<PingSender>(m_configuration.pingHelper);
     sendLaunchPings(*m_defaults, *m_pings, m_configuration.addresses);
     makeMainWindow();
@@ -90,15 +97,41 @@ void AppDelegate::makeMenu()
 
 void AppDelegate::watchSettings()
 {
-    ColorWindow &window = m_mainWindowController->window();
     connect(m_defaults.get(), &UserDefaults::saveFailed, this, &AppDelegate::tellSaveFailure);
-    if (m_defaults->exclusionsAreKnown())
-        return;
-    presentAlert(window, {.style = AlertStyle::Warning,
-                          .messageText = tr("Your settings could not be read completely."),
-                          .informativeText = m_defaults->damageMessage() + QStringLiteral("\n\n") +
-                                             tr("Cleaning is off until you have checked your "
-                                                "excluded paths.")});
+    connect(m_defaults.get(), &UserDefaults::exclusionsFound, this,
+            &AppDelegate::takeFoundExclusions);
+    if (!m_defaults->exclusionsAreKnown())
+        tellDamage();
+}
+
+void AppDelegate::tellDamage()
+{
+    const QString reason = m_defaults->damageMessage();
+    const bool mayBeOpenTwice =
+        m_configuration.instance && reason == m_configuration.instance->doubt();
+    presentAlert(m_mainWindowController->window(),
+                 {.style = AlertStyle::Warning,
+                  .messageText = mayBeOpenTwice ? tr("Vantor may be open more than once.")
+                                                : tr("Your settings could not be read completely."),
+                  .informativeText = reason + QStringLiteral("\n\n") +
+                                     tr("Cleaning is off until you have checked your "
+                                        "excluded paths.")});
+}
+
+/// A cleaning under way keeps them already; all else is told here.
+void AppDelegate::takeFoundExclusions(const QStringList &stored)
+{
+    m_excludedFilesChanged.post();
+    presentAlert(m_mainWindowController->window(),
+                 {.style = AlertStyle::Informational,
+                  .messageText = tr("Another program has added excluded paths."),
+                  .informativeText = foundExclusionsText(stored)});
+}
+
+void AppDelegate::comeToFront(const QByteArray &activation)
+{
+    if (m_mainWindowController) // otherwise the window comes at once anyway
+        bringToFront(m_mainWindowController->window(), activation);
 }
 
 void AppDelegate::tellSaveFailure(const QString &message)
@@ -150,11 +183,16 @@ void AppDelegate::applicationWillTerminate()
 void AppDelegate::restart()
 {
     applicationWillTerminate();
+    OneInstance *const instance = m_configuration.instance;
+    if (instance)
+        instance->close(); // otherwise the new one would hand over to this one
     if (QProcess::startDetached(QCoreApplication::applicationFilePath(), {})) {
         // Not quit(), which a window with a sheet refuses: two would then write the settings.
         QCoreApplication::exit();
         return;
     }
+    if (instance)
+        instance->listen();
     presentAlert(m_mainWindowController->window(),
                  {.style = AlertStyle::Warning,
                   .messageText = tr("Vantor could not be started again."),

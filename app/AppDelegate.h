@@ -15,6 +15,7 @@
 #include <functional>
 #include <memory>
 
+class OneInstance;
 class PreferencesWindowController;
 
 /// The first object of the program's own that runs: registers the settings' defaults, sends the
@@ -37,6 +38,8 @@ public:
         LabelController::Reader readVolume = startUpVolumeSizes;
         /// Makes the view that shows the tutorial. Without it the tutorial is shown as rich text.
         InterfaceLoader::Factory makeTutorialView = {};
+        /// Hears of a second start; outlives it all. Null where there can be none.
+        OneInstance *instance = nullptr;
     };
 
     explicit AppDelegate(Configuration configuration);
@@ -58,6 +61,8 @@ public:
     MainWindowController &mainWindowController() { return *m_mainWindowController; }
 
 public Q_SLOTS:
+    /// Shows the main window in front of all others; `activation` is the desktop's permission.
+    void comeToFront(const QByteArray &activation);
     /// The menu's command: shows the preferences. They know the home folder once its disk has
     /// answered.
     void openPreferences();
@@ -66,7 +71,9 @@ private:
     void makeMainWindow();
     void makeMenu();
     void watchSettings();
+    void tellDamage();
     void tellSaveFailure(const QString &message);
+    void takeFoundExclusions(const QStringList &stored);
     void restart();
 
     Configuration m_configuration;

@@ -1,5 +1,6 @@
 #include "app/AppDelegate.h"
 #include "app/Appearance.h"
+#include "app/OneInstance.h"
 #include "platform/ending/EndRequests.h"
 #include "platform/ending/ExitGuard.h"
 #include "platform/ending/ProcessEnd.h"
@@ -23,27 +24,31 @@ constexpr auto kPatienceAtTheEnd = 1s;
 /// a file from a disk that is gone, does not end at all.
 constexpr auto kLongestEnd = 20s;
 
-AppDelegate::Configuration configurationWith(WebTutorial &tutorial)
+AppDelegate::Configuration configurationWith(WebTutorial &tutorial, OneInstance &instance)
 {
     AppDelegate::Configuration configuration;
+    configuration.instance = &instance;
     configuration.makeTutorialView = [&tutorial](QWidget *parent) -> QWidget * {
         return new WebTutorialView(tutorial, parent);
     };
     return configuration;
 }
 
-/// Runs the program from the window to its end.
-int run(QApplication &application, const EndRequests &requests, bool mayShowTutorial)
+/// Runs the program from the window to its end. A second start ends before there is any window.
+int run(QApplication &application, OneInstance &instance, const EndRequests &requests,
+        bool mayShowTutorial)
 {
     setUpAppearance(application);
-    WebTutorial tutorial;
-    AppDelegate delegate(configurationWith(tutorial));
-    QObject::connect(&application, &QCoreApplication::aboutToQuit, &delegate,
-                     &AppDelegate::applicationWillTerminate);
     QObject::connect(&requests, &EndRequests::endAsked, &application, [] {
         stopBackgroundThreads();
         QCoreApplication::exit(); // not quit(), which a window with a sheet refuses
     });
+    if (const std::optional<int> end = instance.settle())
+        return *end;
+    WebTutorial tutorial;
+    AppDelegate delegate(configurationWith(tutorial, instance));
+    QObject::connect(&application, &QCoreApplication::aboutToQuit, &delegate,
+                     &AppDelegate::applicationWillTerminate);
     QTimer::singleShot(0, &delegate, &AppDelegate::applicationDidFinishLaunching);
     if (mayShowTutorial)
         QTimer::singleShot(kPauseBeforeProbe, &tutorial, &WebTutorial::probe);
@@ -63,13 +68,14 @@ bool diskIsLeft()
 int main(int argc, char **argv)
 {
     nameProgram();
+    OneInstance instance(defaultSettingsFolder());
     const bool mayShowTutorial = WebTutorial::mayBeShown(defaultSettingsFolder());
     if (mayShowTutorial)
         WebTutorial::prepareApplication();
     QApplication application(argc, argv);
     const ExitGuard guard;
     const EndRequests requests;
-    const int result = run(application, requests, mayShowTutorial);
+    const int result = run(application, instance, requests, mayShowTutorial);
     // A thread that waits for a dead disk cannot be ended, and what it uses must not be destroyed
     // before it. Everything is saved, so the process may end as it is.
     if (!diskIsLeft() || requests.signal() != 0)

@@ -1,4 +1,5 @@
 #include "app/AppDelegate.h"
+#include "app/OneInstance.h"
 #include "platform/system/HostSystemCalls.h"
 
 #include "app/grant/RealHomeDirectory.h"
@@ -12,6 +13,7 @@
 #include "tests/support/page/SheetDriver.h"
 #include "tests/support/run/GuiTestMain.h"
 #include "tests/support/run/LogRecorder.h"
+#include "tests/support/run/NoRuntimeFolder.h"
 #include "tests/support/run/RecordingServer.h"
 
 #include <QDir>
@@ -70,6 +72,9 @@ private Q_SLOTS:
     void quitsWhenTheWindowIsClosed();
     void keepsWhatWasSetWhenItTerminates();
     void tellsOfDamagedSettings();
+    void tellsOfExclusionsThatAnotherProgramAdded();
+    void comesToTheFrontAtASecondStart();
+    void cleansNothingWhileItMayBeOpenTwice();
 
 private:
     void start();
@@ -83,6 +88,7 @@ private:
     HookedSystem m_calls;
     bool m_isDiskSlow = false; ///< whether m_disk's calls replace m_calls
     SlowDisk m_disk;
+    std::unique_ptr<OneInstance> m_instance;
     std::unique_ptr<AppDelegate> m_application;
 };
 
@@ -99,6 +105,7 @@ void TestAppDelegate::cleanup()
 {
     m_disk.answer();
     m_application.reset();
+    m_instance.reset();
     m_isDiskSlow = false;
     m_calls.setHook({});
     m_server.reset();
@@ -114,6 +121,7 @@ void TestAppDelegate::start()
     configuration.addresses = m_addresses;
     configuration.calls = m_isDiskSlow ? m_disk.calls() : m_calls;
     configuration.pingHelper.program.clear();
+    configuration.instance = m_instance.get();
     m_application = std::make_unique<AppDelegate>(std::move(configuration));
     m_application->applicationDidFinishLaunching();
 }
@@ -307,6 +315,50 @@ void TestAppDelegate::tellsOfDamagedSettings()
     ColorWindow &window = m_application->mainWindowController().window();
     QTRY_VERIFY(hasSheet(window));
     QVERIFY(sheetText(window).contains(QStringLiteral("Cleaning is off")));
+}
+
+void TestAppDelegate::tellsOfExclusionsThatAnotherProgramAdded()
+{
+    start();
+    m_application->applicationWillTerminate();
+    {
+        UserDefaults others(QFile::decodeName(m_folder->path("settings")), hostSystemCalls());
+        others.setStrings(VNTExcludedPathsString, {QStringLiteral("file:///home/anna/letters")});
+    }
+    m_application->defaults().setBoolean(VNTHideDemoWindowString, true);
+    ColorWindow &window = m_application->mainWindowController().window();
+    QTRY_VERIFY(hasSheet(window));
+    QVERIFY(sheetText(window).contains(QStringLiteral("/home/anna/letters")));
+}
+
+void TestAppDelegate::comesToTheFrontAtASecondStart()
+{
+    const QString settings = QFile::decodeName(m_folder->path("settings"));
+    m_instance = std::make_unique<OneInstance>(settings);
+    QVERIFY(!m_instance->settle());
+    start();
+    ColorWindow &window = m_application->mainWindowController().window();
+    window.showMinimized();
+    QVERIFY(window.isMinimized());
+    OneInstance second(settings);
+    QCOMPARE(second.settle(), std::optional<int>(EXIT_SUCCESS));
+    QVERIFY(!window.isMinimized() && window.isVisible());
+}
+
+void TestAppDelegate::cleansNothingWhileItMayBeOpenTwice()
+{
+    m_folder->makeFile("settings", 0); // no folder, so nothing in it can be locked
+    {
+        const NoRuntimeFolder noOtherPlace;
+        m_instance = std::make_unique<OneInstance>(QFile::decodeName(m_folder->path("settings")));
+    }
+    QVERIFY(!m_instance->settle());
+    QVERIFY(QFile::remove(QFile::decodeName(m_folder->path("settings"))));
+    start();
+    QVERIFY(!m_application->defaults().exclusionsAreKnown());
+    ColorWindow &window = m_application->mainWindowController().window();
+    QTRY_VERIFY(hasSheet(window));
+    QVERIFY(sheetText(window).contains(QStringLiteral("open more than once")));
 }
 
 VANTOR_GUI_TEST_MAIN(TestAppDelegate)

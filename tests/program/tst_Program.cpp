@@ -1,6 +1,8 @@
 #include "app/grant/RealHomeDirectory.h"
 
+#include <QDateTime>
 #include <QDir>
+#include <QDirIterator>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QGuiApplication>
@@ -9,6 +11,7 @@
 #include <QScreen>
 #include <QTemporaryDir>
 #include <QTest>
+#include <csignal>
 
 namespace {
 
@@ -32,14 +35,21 @@ class TestProgram final : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase() { m_empty = screenPicture(); }
     void init();
     void cleanup();
 
     void cleansAHomeByTheKeyboardAlone();
+    void showsItsWindowAtASecondStart();
+    void letsNoSecondStartRunWhileItHangs();
+    void makesWayWhenItIsKilled();
 
 private:
     void makeHome();
-    void startProgram();
+    std::unique_ptr<QProcess> startedProgram() const;
+    static bool endsWith(QProcess &program, int exitCode);
+    bool waitForWindow();
+    QHash<QString, QDateTime> everything() const;
     bool press(const QStringList &keys);
     bool waitUntilStill();
     QByteArray settings() const;
@@ -57,8 +67,9 @@ void TestProgram::init()
     m_folder = std::make_unique<QTemporaryDir>();
     QVERIFY(m_folder->isValid());
     makeHome();
-    m_empty = screenPicture();
-    startProgram();
+    QTRY_COMPARE_WITH_TIMEOUT(screenPicture(), m_empty, kPatience); // the last window is gone
+    m_program = startedProgram();
+    QVERIFY(m_program->waitForStarted());
 }
 
 void TestProgram::cleanup()
@@ -96,7 +107,7 @@ void TestProgram::makeHome()
     make(QStringLiteral("letter"), 1000);
 }
 
-void TestProgram::startProgram()
+std::unique_ptr<QProcess> TestProgram::startedProgram() const
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("HOME"), m_home);
@@ -104,10 +115,35 @@ void TestProgram::startProgram()
                        m_folder->filePath(QStringLiteral("config")));
     for (const char *variable : {"XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_STATE_HOME"})
         environment.remove(QString::fromLatin1(variable));
-    m_program = std::make_unique<QProcess>();
-    m_program->setProcessEnvironment(environment);
-    m_program->start(qEnvironmentVariable("VANTOR_PROGRAM"), {});
-    QVERIFY(m_program->waitForStarted());
+    auto program = std::make_unique<QProcess>();
+    program->setProcessEnvironment(environment);
+    program->start(qEnvironmentVariable("VANTOR_PROGRAM"), {});
+    return program;
+}
+
+bool TestProgram::endsWith(QProcess &program, int exitCode)
+{
+    return program.waitForFinished(kPatience) && program.exitStatus() == QProcess::NormalExit &&
+           program.exitCode() == exitCode;
+}
+
+bool TestProgram::waitForWindow()
+{
+    return QTest::qWaitFor([this] { return screenPicture() != m_empty; }, kPatience) &&
+           waitUntilStill();
+}
+
+/// Every file of the home and of the settings, and when it was changed.
+QHash<QString, QDateTime> TestProgram::everything() const
+{
+    QHash<QString, QDateTime> files;
+    QDirIterator all(m_folder->path(), QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
+                     QDirIterator::Subdirectories);
+    while (all.hasNext()) {
+        const QString path = all.next();
+        files.insert(path, all.fileInfo().lastModified());
+    }
+    return files;
 }
 
 /// Presses keys one after the other, and waits until the window has done what they make it do.
@@ -155,8 +191,7 @@ void TestProgram::cleansAHomeByTheKeyboardAlone()
 {
     const QString space = QStringLiteral("space");
     const QString enter = QStringLiteral("Return");
-    QTRY_VERIFY_WITH_TIMEOUT(screenPicture() != m_empty, kPatience); // its window
-    QVERIFY(waitUntilStill());
+    QVERIFY(waitForWindow());
 
     QVERIFY(press({space})); // the panel that asks for the home
     QVERIFY(press({enter})); // takes the one that it offers
@@ -181,6 +216,66 @@ void TestProgram::cleansAHomeByTheKeyboardAlone()
     QCOMPARE(m_program->exitStatus(), QProcess::NormalExit);
     QCOMPARE(m_program->exitCode(), 0);
     QVERIFY(settings().contains("\"VNTTotalCleanedSize\": 5100000"));
+}
+
+/// The second ends at once, and changes nothing. The window was minimised.
+void TestProgram::showsItsWindowAtASecondStart()
+{
+    QVERIFY(waitForWindow());
+    QCOMPARE(QProcess::execute(QStringLiteral("xdotool"), {QStringLiteral("getactivewindow"),
+                                                           QStringLiteral("windowminimize")}),
+             0);
+    QTRY_VERIFY_WITH_TIMEOUT(screenPicture() == m_empty, kPatience);
+    const QHash<QString, QDateTime> before = everything();
+    const std::unique_ptr<QProcess> second = startedProgram();
+    QVERIFY(endsWith(*second, 0));
+    QVERIFY(waitForWindow());
+    QCOMPARE(m_program->state(), QProcess::Running);
+    QCOMPARE(everything(), before);
+}
+
+/// The second says why it ends.
+void TestProgram::letsNoSecondStartRunWhileItHangs()
+{
+    QVERIFY(waitForWindow());
+    const QHash<QString, QDateTime> before = everything();
+    QCOMPARE(::kill(pid_t(m_program->processId()), SIGSTOP), 0);
+    const std::unique_ptr<QProcess> second = startedProgram();
+    QByteArray told;
+    const auto isTold = [&] {
+        told += second->readAllStandardError();
+        return told.contains("does not answer");
+    };
+    const bool wasTold = QTest::qWaitFor(isTold, kPatience);
+    const bool isWindowStill = wasTold && waitUntilStill();
+    // The window manager leaves the focus with the window that hangs, so the key goes to the
+    // message itself. It is gone before the key is released, which the tool calls an error.
+    QProcess::execute(QStringLiteral("xdotool"),
+                      {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
+                       QStringLiteral("--pid"), QString::number(second->processId()),
+                       QStringLiteral("windowfocus"), QStringLiteral("key"),
+                       QStringLiteral("Return")});
+    const bool hasEnded = endsWith(*second, 1);
+    ::kill(pid_t(m_program->processId()), SIGCONT);
+    QVERIFY(wasTold);
+    QVERIFY(isWindowStill);
+    QVERIFY(hasEnded);
+    QCOMPARE(everything(), before);
+    QCOMPARE(m_program->state(), QProcess::Running);
+}
+
+/// Nothing that it leaves behind is in the way of the next one.
+void TestProgram::makesWayWhenItIsKilled()
+{
+    QVERIFY(waitForWindow());
+    m_program->kill();
+    QVERIFY(m_program->waitForFinished(kPatience));
+    QTRY_COMPARE_WITH_TIMEOUT(screenPicture(), m_empty, kPatience);
+    m_program = startedProgram();
+    QVERIFY(waitForWindow());
+    const std::unique_ptr<QProcess> second = startedProgram();
+    QVERIFY(endsWith(*second, 0));
+    QCOMPARE(m_program->state(), QProcess::Running);
 }
 
 QTEST_MAIN(TestProgram)
