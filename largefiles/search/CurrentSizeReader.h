@@ -1,17 +1,19 @@
 #pragma once
 
+#include "largefiles/search/CurrentSize.h"
 #include "platform/files/FileAccess.h"
 #include "platform/files/FileUrl.h"
 #include "platform/threads/BackgroundQueue.h"
 
 class SystemCalls;
 
-/// Reads the present sizes of listed files on one thread of its own, however many questions there
-/// are: a disk that hangs holds up only that thread. Main thread only.
+/// Reads the present sizes of listed files, and whether they may be deleted, on one thread of its
+/// own, however many questions there are: a disk that hangs holds up only that thread. Main thread
+/// only.
 class CurrentSizeReader final
 {
 public:
-    using Answer = std::function<void(const QList<qint64> &sizes)>;
+    using Answer = std::function<void(const QList<CurrentSize> &sizes)>;
 
     /// Both must outlive it.
     CurrentSizeReader(const SystemCalls &calls, FileAccess &access)
@@ -19,8 +21,8 @@ public:
     {
     }
 
-    /// Answers on the main thread, with bytes in the order of the files, 0 for what cannot be read;
-    /// only the latest question is answered, and none once this is gone.
+    /// Answers on the main thread, in the order of the files; only the latest question is answered,
+    /// and none once this is gone.
     void read(const FileUrls &files, Answer answer);
 
 private:

@@ -23,6 +23,10 @@ public:
     qint64 size() const { return m_size; }
     void setSize(qint64 bytes) { m_size = bytes; }
 
+    /// Whether a cleaning could remove it, as found.
+    bool isDeletable() const { return m_isDeletable; }
+    void setIsDeletable(bool isDeletable) { m_isDeletable = isDeletable; }
+
     /// The size as people read it; nothing until it was set.
     const std::optional<QString> &sizeString() const { return m_sizeString; }
     void setSizeString(std::optional<QString> text) { m_sizeString = std::move(text); }
@@ -35,5 +39,6 @@ private:
     FileUrl m_fileURL;
     qint64 m_size = 0;
     std::optional<QString> m_sizeString;
+    bool m_isDeletable = false;
     bool m_isAdded = false;
 };

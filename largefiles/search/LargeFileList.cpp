@@ -188,8 +188,24 @@ qint64 LargeFileList::selectedSize() const
 {
     qint64 sum = 0;
     for (const File *file : m_picked)
-        sum = sumOfByteCounts(sum, m_currentSizes.value(file->fileURL().path(), file->size()));
+        sum = sumOfByteCounts(sum, currentSize(*file).bytes);
     return sum;
+}
+
+qint64 LargeFileList::deletableSize() const
+{
+    qint64 sum = 0;
+    for (const File *file : m_picked) {
+        const CurrentSize size = currentSize(*file);
+        if (size.isDeletable)
+            sum = sumOfByteCounts(sum, size.bytes);
+    }
+    return sum;
+}
+
+CurrentSize LargeFileList::currentSize(const File &file) const
+{
+    return m_currentSizes.value(file.fileURL().path(), {file.size(), file.isDeletable()});
 }
 
 QString LargeFileList::sizeString() const
@@ -205,7 +221,7 @@ void LargeFileList::refreshSizes()
         return m_currentSizes.clear();
     if (!m_readSizes)
         return;
-    m_readSizes(files, [list = QPointer(this), question, files](const QList<qint64> &sizes) {
+    m_readSizes(files, [list = QPointer(this), question, files](const QList<CurrentSize> &sizes) {
         if (list && question == list->m_question)
             list->takeSizes(files, sizes);
     });
@@ -217,7 +233,7 @@ void LargeFileList::picksChanged()
     Q_EMIT sizeStringChanged();
 }
 
-void LargeFileList::takeSizes(const FileUrls &files, const QList<qint64> &sizes)
+void LargeFileList::takeSizes(const FileUrls &files, const QList<CurrentSize> &sizes)
 {
     m_currentSizes.clear();
     m_currentSizes.reserve(files.size());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "largefiles/search/CurrentSize.h"
 #include "largefiles/search/File.h"
 
 #include <QAbstractListModel>
@@ -26,10 +27,9 @@ public:
         IsAddedRole,
     };
 
-    using Answer = std::function<void(const QList<qint64> &sizes)>;
-    /// Reads the present sizes of files, in bytes and in their order, 0 for what cannot be read.
-    /// Answers on the main thread, at once or later; a question may stay unanswered when a later
-    /// one was asked.
+    using Answer = std::function<void(const QList<CurrentSize> &sizes)>;
+    /// Reads the present sizes of files, in their order. Answers on the main thread, at once or
+    /// later; a question may stay unanswered when a later one was asked.
     using ReadSizes = std::function<void(const FileUrls &files, Answer answer)>;
 
     /// Without a way to read sizes, the total is the sum of the sizes found.
@@ -64,6 +64,8 @@ public:
     /// The picked total in bytes, and as people read it.
     qint64 selectedSize() const;
     QString sizeString() const;
+    /// What of the picked total a cleaning would free, in bytes.
+    qint64 deletableSize() const;
     /// Asks for the sizes of the picked files again.
     void refreshSizes();
 
@@ -72,7 +74,8 @@ Q_SIGNALS:
 
 private:
     /// Equal sizes go by path: what is picked has one order.
-    struct LargestFirst {
+    struct LargestFirst
+    {
         bool operator()(const File *file, const File *other) const;
     };
 
@@ -80,13 +83,14 @@ private:
     void setAdded(File &file, bool isAdded);
     void removeRun(std::size_t first, std::size_t end);
     void picksChanged();
-    void takeSizes(const FileUrls &files, const QList<qint64> &sizes);
+    CurrentSize currentSize(const File &file) const;
+    void takeSizes(const FileUrls &files, const QList<CurrentSize> &sizes);
 
     const ReadSizes m_readSizes;
     std::unordered_map<QByteArray, std::unique_ptr<File>> m_byPath;
     std::vector<File *> m_files; ///< in list order; bare, because a row in between moves all below
     /// Apart, so that a pick costs what is picked and not what is listed.
     std::set<const File *, LargestFirst> m_picked;
-    QHash<QByteArray, qint64> m_currentSizes; ///< by path, of files that are or were picked
-    quint64 m_question = 0;                   ///< the number of the latest question for sizes
+    QHash<QByteArray, CurrentSize> m_currentSizes; ///< by path, of files that are or were picked
+    quint64 m_question = 0;                        ///< the number of the latest question for sizes
 };

@@ -6,6 +6,7 @@
 #include "platform/files/Packages.h"
 #include "platform/system/SystemCalls.h"
 #include "platform/walk/DirectoryWalker.h"
+#include "slices/sizing/FolderSizing.h"
 
 #include <algorithm>
 #include <array>
@@ -23,9 +24,16 @@ constexpr std::array kFolderNames{"Desktop", "Documents", "Downloads", "Dropbox"
 class FolderSearch final
 {
 public:
+    /// Tells whether a file may be deleted.
+    using Judge = std::function<bool(const FileUrl &file)>;
+
     FolderSearch(const LargeFileQuery &query, const QByteArrayList &excluded, const FileUrl &folder,
-                 LargeFileListener &listener)
-        : m_query(query), m_excluded(excluded), m_folder(folder), m_listener(listener)
+                 LargeFileListener &listener, const Judge &mayBeDeleted)
+        : m_query(query),
+          m_excluded(excluded),
+          m_folder(folder),
+          m_listener(listener),
+          m_mayBeDeleted(mayBeDeleted)
     {
     }
 
@@ -51,6 +59,7 @@ public:
         File file(url);
         file.setSize(size);
         file.setSizeString(stringFromByteCount(size));
+        file.setIsDeletable(m_mayBeDeleted(url));
         const std::scoped_lock lock(m_mutex);
         if (!m_query.isListed || !m_query.isListed(url.path()))
             m_listener.found(file);
@@ -87,6 +96,7 @@ private:
     const QByteArrayList &m_excluded;
     const FileUrl m_folder;
     LargeFileListener &m_listener;
+    const Judge &m_mayBeDeleted;
     std::stop_source m_end;
 
     std::mutex m_mutex; ///< one thing at a time for the listener
@@ -223,10 +233,14 @@ SearchOutcome searchLargeFiles(const SystemCalls &calls, FileAccess &access,
 {
     const AccessScope scope(access);
     const QByteArrayList excluded = saidTexts(query.excludedTexts);
+    const FolderSearch::Judge judge = [&](const FileUrl &file) {
+        const auto place = access.anchoredPath(file);
+        return place && mayBeDeleted(calls, *place);
+    };
     SearchOutcome outcome;
     outcome.isComplete = true;
     for (const FileUrl &folder : query.searchURLs) {
-        FolderSearch search(query, excluded, folder, listener);
+        FolderSearch search(query, excluded, folder, listener, judge);
         const std::stop_callback endWithAll(stop, [&search] { search.endNow(); });
         if (search.isExcluded(folder))
             continue;

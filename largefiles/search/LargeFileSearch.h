@@ -50,7 +50,7 @@ public:
 
     /// The search of one of the folders begins. Not called for a folder that does not exist.
     virtual void searching(const FileUrl &folder) = 0;
-    /// A file, with its size and size text.
+    /// A file, with its size and size text, and whether it may be deleted.
     virtual void found(const File &file) = 0;
     virtual void unreadable(const UnreadablePlace &place) = 0;
 };

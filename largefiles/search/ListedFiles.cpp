@@ -1,18 +1,17 @@
 #include "largefiles/search/ListedFiles.h"
 
+#include "platform/base/ByteCount.h"
 #include "platform/files/AnchoredFolder.h"
 #include "platform/system/SystemCalls.h"
+#include "slices/sizing/FolderSizing.h"
 
-#include <algorithm>
 #include <cerrno>
-#include <limits>
 
 namespace {
 
-SystemResult<FileStatus> statusOf(const SystemCalls &calls, const FileAccess &access,
-                                  const FileUrl &file)
+SystemResult<FileStatus> statusOf(const SystemCalls &calls,
+                                  const std::optional<AnchoredPath> &place)
 {
-    const auto place = access.anchoredPath(file);
     if (!place)
         return tl::unexpected(EACCES);
     const AnchoredEntry entry = anchoredEntry(*place);
@@ -29,12 +28,12 @@ bool hasVanished(const SystemResult<FileStatus> &status)
     return status.error() == ENOENT || status.error() == ENOTDIR || status.error() == ELOOP;
 }
 
-qint64 sizeFrom(const SystemResult<FileStatus> &status)
+CurrentSize sizeAt(const SystemCalls &calls, const std::optional<AnchoredPath> &place)
 {
-    constexpr auto kMost = static_cast<std::uint64_t>(std::numeric_limits<qint64>::max());
+    const auto status = statusOf(calls, place);
     if (!status || status->kind != FileKind::Regular)
-        return 0;
-    return static_cast<qint64>(std::min(status->size, kMost));
+        return {};
+    return {byteCountOf(status->size), mayBeDeleted(calls, *place)};
 }
 
 } // namespace
@@ -47,21 +46,21 @@ FileUrls vanishedFiles(const SystemCalls &calls, FileAccess &access, const FileU
     for (const FileUrl &file : files) {
         if (stop.stop_requested())
             return {};
-        if (hasVanished(statusOf(calls, access, file)))
+        if (hasVanished(statusOf(calls, access.anchoredPath(file))))
             vanished.append(file);
     }
     return vanished;
 }
 
-QList<qint64> currentSizes(const SystemCalls &calls, FileAccess &access, const FileUrls &files,
-                           const std::stop_token &stop)
+QList<CurrentSize> currentSizes(const SystemCalls &calls, FileAccess &access, const FileUrls &files,
+                                const std::stop_token &stop)
 {
     const AccessScope scope(access);
-    QList<qint64> sizes;
+    QList<CurrentSize> sizes;
     for (const FileUrl &file : files) {
         if (stop.stop_requested())
             return sizes;
-        sizes.append(sizeFrom(statusOf(calls, access, file)));
+        sizes.append(sizeAt(calls, access.anchoredPath(file)));
     }
     return sizes;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "largefiles/search/CurrentSize.h"
 #include "platform/files/FileAccess.h"
 #include "platform/files/FileUrl.h"
 
@@ -15,7 +16,6 @@ class SystemCalls;
 FileUrls vanishedFiles(const SystemCalls &calls, FileAccess &access, const FileUrls &files,
                        const std::stop_token &stop);
 
-/// The sizes of the files at present, in bytes and in their order; 0 for what cannot be read.
-/// Fewer when stopped.
-QList<qint64> currentSizes(const SystemCalls &calls, FileAccess &access, const FileUrls &files,
-                           const std::stop_token &stop);
+/// The sizes of the files at present, in their order. Fewer when stopped.
+QList<CurrentSize> currentSizes(const SystemCalls &calls, FileAccess &access, const FileUrls &files,
+                                const std::stop_token &stop);

@@ -56,8 +56,8 @@ public:
     FileUrls selectedURLs() const { return m_array.selectedURLs(); }
     /// The picked total, "Zero KB" for none: the present sizes, as far as they have been read.
     QString sizeString() const { return m_array.sizeString(); }
-    /// The same in bytes.
-    qint64 selectedSize() const { return m_array.selectedSize(); }
+    /// What of it a cleaning would free, in bytes: files that may not be deleted count 0.
+    qint64 deletableSize() const { return m_array.deletableSize(); }
 
     LargeFileList &array() { return m_array; }
     const SearchJob &search() const { return m_search; }

@@ -60,7 +60,7 @@ void LargeFilesPicking::takePickedFiles()
     record.setIsOn(!files.isEmpty());
     record.setFileSizeString(files.isEmpty() ? QString::fromUtf16(kClickToSelect)
                                              : picker.sizeString());
-    record.setFileURLs(files, picker.selectedSize());
+    record.setFileURLs(files, picker.deletableSize());
     Q_EMIT picked();
     m_services.selection.updateSelectedSlicesUserDefaults();
 }
@@ -74,7 +74,7 @@ void LargeFilesPicking::followSize()
         record.fileURLs() != picker.selectedURLs())
         return;
     record.setFileSizeString(picker.sizeString());
-    record.setFileSize(picker.selectedSize());
+    record.setFileSize(picker.deletableSize());
     Q_EMIT sizeChanged();
 }
 

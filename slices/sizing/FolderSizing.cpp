@@ -131,6 +131,19 @@ bool leadsToNoItem(const SystemCalls &calls, int folder, const char *link)
     return !behind || *behind == FileKind::Folder;
 }
 
+bool isCounted(const ItemVerdict &item)
+{
+    return item.isDeletable && item.isNotImmutable;
+}
+
+ItemVerdict verdictOn(const SystemCalls &calls, int folder, const FileStatus &folderStatus,
+                      const FileStatus &item)
+{
+    return {allowsRemoval(calls, folder, folderStatus) &&
+                allowsRemovalOf(item, folderStatus, calls.actingUser()),
+            isNotImmutable(item)};
+}
+
 FolderSize sizeOfItem(const SystemCalls &calls, const AnchoredPath &location)
 {
     const AnchoredEntry entry = anchoredEntry(location);
@@ -149,10 +162,8 @@ FolderSize sizeOfItem(const SystemCalls &calls, const AnchoredPath &location)
 
     FolderSize size;
     size.items = 1;
-    size.item = ItemVerdict{allowsRemoval(calls, folder->get(), *folderStatus) &&
-                                allowsRemovalOf(*status, *folderStatus, calls.actingUser()),
-                            isNotImmutable(*status)};
-    if (size.item->isDeletable && size.item->isNotImmutable)
+    size.item = verdictOn(calls, folder->get(), *folderStatus, *status);
+    if (isCounted(*size.item))
         size.bytes = byteCountOf(status->size);
     return size;
 }
@@ -180,6 +191,18 @@ FolderSize measureFolder(const SystemCalls &calls, const AnchoredPath &location,
         return sizeOfFolder(calls, std::move(*folder), stop, threads, rules);
     const bool isNoFolder = folder.error() == ENOTDIR || folder.error() == ELOOP;
     return isNoFolder ? sizeOfItem(calls, location) : nothingBecauseOf(folder.error());
+}
+
+bool mayBeDeleted(const SystemCalls &calls, const AnchoredPath &item)
+{
+    const auto [around, name] = anchoredEntry(item);
+    const auto folder = openOnVolume(calls, around);
+    const auto folderStatus =
+        folder ? calls.statusOf(folder->get()) : tl::unexpected(folder.error());
+    if (!folderStatus)
+        return false;
+    const auto status = calls.status(folder->get(), name.constData());
+    return status && isCounted(verdictOn(calls, folder->get(), *folderStatus, *status));
 }
 
 qint64 sizeForFolderAtPath(const SystemCalls &calls, FileAccess &access, const FileUrl &url,

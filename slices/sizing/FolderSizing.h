@@ -54,6 +54,10 @@ FolderSize measureFolder(const SystemCalls &calls, const AnchoredPath &location,
                          const std::stop_token &stop, unsigned threads = 0,
                          const SizingRules &rules = {});
 
+/// Whether measureFolder() would count a single item, whatever its size. Enters no folder; false
+/// for what is not there. Not for the main thread.
+bool mayBeDeleted(const SystemCalls &calls, const AnchoredPath &item);
+
 /// The one size measure of the program, in bytes: measureFolder() of a URL in the granted folder,
 /// within one access of its own. 0 for what lies elsewhere. Writes "%d : %d" to the log for a
 /// single item: whether it may be deleted, and whether it is not immutable.

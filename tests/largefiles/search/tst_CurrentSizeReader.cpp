@@ -1,12 +1,16 @@
 #include "largefiles/search/CurrentSizeReader.h"
+#include "largefiles/search/ListedFiles.h"
 #include "platform/system/HostSystemCalls.h"
 #include "tests/largefiles/search/Gate.h"
 #include "tests/largefiles/search/SearchKit.h"
+#include "tests/support/run/Administrator.h"
 #include "tests/support/run/BackgroundThreadsAwaited.h"
+#include "tests/support/run/ChildProcess.h"
 #include "tests/support/run/TestMain.h"
 
 #include <QDir>
 #include <QTest>
+#include <cstdio>
 
 class CurrentSizeReaderTest final : public QObject
 {
@@ -22,16 +26,51 @@ private Q_SLOTS:
         QVERIFY(QFile::resize(QFile::decodeName(home.path("Movies/b")), kLarge + 7));
         home.makeLink("Movies/link", "a");
         CurrentSizeReader sizes(hostSystemCalls(), access);
-        QList<qint64> answer;
+        QList<CurrentSize> answer;
         sizes.read({fileIn(home, "Movies/b"), fileIn(home, "Movies/gone"), fileIn(home, "Movies/a"),
                     fileIn(home, "Movies/small"), fileIn(home, "Movies/dir"),
                     fileIn(home, "Movies/link"),
                     FileUrl::fromPath("/etc/passwd", FileUrlKind::File)},
-                   [&](const QList<qint64> &read) { answer = read; });
+                   [&](const QList<CurrentSize> &read) { answer = read; });
         QVERIFY(answer.isEmpty()); // later
-        QTRY_COMPARE(answer, QList<qint64>({kLarge + 7, 0, kLarge, 5, 0, 0, 0}));
+        QTRY_COMPARE(answer, QList<CurrentSize>(
+                                 {{kLarge + 7, true}, {}, {kLarge, true}, {5, true}, {}, {}, {}}));
         QCOMPARE(access.starts(), access.stops());
         QVERIFY(access.starts() > 0);
+    }
+
+    void tellsWhatMayBeDeleted_data()
+    {
+        QTest::addColumn<QByteArray>("folder");
+        QTest::addColumn<bool>("isDeletable");
+        QTest::addRow("in a folder of the user's") << QByteArray("Movies") << true;
+        QTest::addRow("in a read-only folder") << QByteArray("Movies/closed") << false;
+        QTest::addRow("locked by its attribute") << QByteArray("Movies/locked") << false;
+    }
+
+    /// An ordinary user asks: nothing is closed to the administrator.
+    void tellsWhatMayBeDeleted()
+    {
+        VANTOR_NEEDS_ADMINISTRATOR();
+        QFETCH(QByteArray, folder);
+        QFETCH(bool, isDeletable);
+        MadeTree home;
+        make(home, {"Movies/", "Movies/closed/", "Movies/locked/"});
+        home.makeFile(folder + "/film", kLarge);
+        for (const char *each : {"Movies", "Movies/closed", "Movies/locked"})
+            home.setOwner(each, kNobody);
+        home.setMode("Movies/closed", 0555);
+        if (folder == "Movies/locked")
+            home.setAttribute("Movies/locked/film", Attribute::Immutable);
+        const QByteArray text =
+            runInChild(ChildUser::Nobody, [&] {
+                HomeAccess access(home);
+                for (const CurrentSize &size :
+                     currentSizes(hostSystemCalls(), access, {fileIn(home, folder + "/film")}, {}))
+                    std::fprintf(stderr, "%lld %d", size.bytes, size.isDeletable);
+                return 0;
+            }).errorText;
+        QCOMPARE(text, QByteArray::number(kLarge) + (isDeletable ? " 1" : " 0"));
     }
 
     void onlyTheLatestQuestionIsAnswered()
@@ -42,8 +81,9 @@ private Q_SLOTS:
         CurrentSizeReader sizes(hostSystemCalls(), access);
         QList<int> answered;
         for (int question = 0; question < 20; ++question)
-            sizes.read({fileIn(home, "Movies/a")},
-                       [&answered, question](const QList<qint64> &) { answered.append(question); });
+            sizes.read(
+                {fileIn(home, "Movies/a")},
+                [&answered, question](const QList<CurrentSize> &) { answered.append(question); });
         QTRY_COMPARE(answered, QList<int>{19});
     }
 
@@ -54,20 +94,20 @@ private Q_SLOTS:
         make(home, {"Movies/", "Movies/a", "Movies/b"});
         Gate gate("a");
         CurrentSizeReader sizes(gate.calls, access);
-        sizes.read({fileIn(home, "Movies/a")}, [](const QList<qint64> &) {});
+        sizes.read({fileIn(home, "Movies/a")}, [](const QList<CurrentSize> &) {});
         gate.awaitArrival();
         const auto threads = [] {
             return QDir(QStringLiteral("/proc/self/task")).entryList(QDir::AllDirs).size();
         };
         const auto before = threads();
-        QList<qint64> answer;
+        QList<CurrentSize> answer;
         for (int question = 0; question < 20; ++question)
             sizes.read({fileIn(home, "Movies/b")},
-                       [&answer](const QList<qint64> &read) { answer += read; });
+                       [&answer](const QList<CurrentSize> &read) { answer += read; });
         const auto during = threads();
         gate.open();
         QCOMPARE(during, before);
-        QTRY_COMPARE(answer, QList<qint64>{kLarge});
+        QTRY_COMPARE(answer, (QList<CurrentSize>{{kLarge, true}}));
     }
 
     void nobodyIsAnsweredWhenItIsGone()
@@ -79,7 +119,7 @@ private Q_SLOTS:
         {
             CurrentSizeReader sizes(hostSystemCalls(), access);
             sizes.read({fileIn(home, "Movies/a")},
-                       [&](const QList<qint64> &) { isAnswered = true; });
+                       [&](const QList<CurrentSize> &) { isAnswered = true; });
         }
         awaitBackgroundThreads();
         QCoreApplication::processEvents();

@@ -41,15 +41,16 @@ class Disk
 {
 public:
     QHash<QByteArray, qint64> sizes; ///< by name
+    QByteArrayList locked;           ///< names of files that may not be deleted
     int questions = 0;
 
     LargeFileList::ReadSizes reader()
     {
         return [this](const FileUrls &files, const LargeFileList::Answer &answer) {
             ++questions;
-            QList<qint64> read;
+            QList<CurrentSize> read;
             for (const QByteArray &name : namesOf(files))
-                read.append(sizes.value(name));
+                read.append({sizes.value(name), !locked.contains(name)});
             m_waiting.append([answer, read] { answer(read); });
             if (!m_isSlow)
                 answerAll();
@@ -95,6 +96,7 @@ private Q_SLOTS:
     void selectsInListOrder();
     void totalsWhatIsOnTheDiskNow();
     void totalsWhatWasFoundUntilTheDiskAnswers();
+    void totalsWhatMayBeDeletedApart();
     void ignoresTheAnswerToAnOlderQuestion();
     void ignoresAnAnswerAfterItsEnd();
     void stopsAtTheLargestTotal();
@@ -313,6 +315,25 @@ void TestLargeFileList::totalsWhatWasFoundUntilTheDiskAnswers()
     disk.answerAll();
     QCOMPARE(total.size(), 1);
     QCOMPARE(list.selectedSize(), 70);
+}
+
+void TestLargeFileList::totalsWhatMayBeDeletedApart()
+{
+    Disk disk;
+    disk.setSlow();
+    disk.sizes = {{"a", 70}, {"b", 40}};
+    disk.locked = {"a"};
+    LargeFileList list(disk.reader());
+    File found = fileOf("a", 5);
+    found.setIsDeletable(true);
+    list.insert(found);
+    list.insert(fileOf("b", 4)); // found in a folder that was read-only
+    list.setAdded({0, 1}, true);
+    QCOMPARE(list.selectedSize(), 9);
+    QCOMPARE(list.deletableSize(), 5);
+    disk.answerAll();
+    QCOMPARE(list.selectedSize(), 110);
+    QCOMPARE(list.deletableSize(), 40);
 }
 
 void TestLargeFileList::ignoresTheAnswerToAnOlderQuestion()

@@ -375,13 +375,14 @@ void TestSearchJob::readsFreshSizesOffTheMainThread()
         return 0;
     });
     CurrentSizeReader sizes(calls, access);
-    QList<qint64> unwanted;
-    QList<qint64> answer;
-    sizes.read({fileIn(home, "Movies/b")}, [&](const QList<qint64> &read) { unwanted = read; });
+    QList<CurrentSize> unwanted;
+    QList<CurrentSize> answer;
+    sizes.read({fileIn(home, "Movies/b")},
+               [&](const QList<CurrentSize> &read) { unwanted = read; });
     sizes.read({fileIn(home, "Movies/a"), fileIn(home, "Movies/gone"), fileIn(home, "Movies/link"),
                 fileIn(home, "Movies")},
-               [&](const QList<qint64> &read) { answer = read; });
-    QTRY_COMPARE(answer, (QList<qint64>{kLarge, 0, 0, 0}));
+               [&](const QList<CurrentSize> &read) { answer = read; });
+    QTRY_COMPARE(answer, (QList<CurrentSize>{{kLarge, true}, {}, {}, {}}));
     QVERIFY(unwanted.isEmpty());
     QVERIFY(!wasOnMain);
 }

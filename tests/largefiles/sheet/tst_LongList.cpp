@@ -140,7 +140,7 @@ private Q_SLOTS:
         m_list = std::make_unique<LargeFileList>(
             [&](const FileUrls &files, const LargeFileList::Answer &answer) {
                 ++questions;
-                answer(QList<qint64>(files.size(), 1));
+                answer(QList<CurrentSize>(files.size(), CurrentSize{1, true}));
             });
         m_table->setModel(m_list.get());
         fill(kFiles);

@@ -1,10 +1,10 @@
-#include "platform/system/HostSystemCalls.h"
 #include "slices/page/LargeFilesPicking.h"
 
 #include "app/grant/ResourceManager.h"
 #include "largefiles/sheet/LargeFilesWindowController.h"
 #include "largefiles/sheet/TextButton.h"
 #include "slices/page/HomeWatch.h"
+#include "tests/support/disk/ForwardingSystemCalls.h"
 #include "tests/support/page/PageFixture.h"
 #include "tests/support/page/SheetDriver.h"
 #include "tests/support/run/BackgroundThreadsAwaited.h"
@@ -16,6 +16,18 @@
 namespace {
 
 constexpr qint64 kFilm = 300'000'000;
+
+/// The system, in which folders may be read-only: for the administrator no folder is.
+class ReadOnlySystem final : public ForwardingSystemCalls
+{
+public:
+    bool mayChangeEntries(int folder) const override
+    {
+        return !isReadOnly && ForwardingSystemCalls::mayChangeEntries(folder);
+    }
+
+    std::atomic_bool isReadOnly = false;
+};
 
 } // namespace
 
@@ -30,6 +42,7 @@ private Q_SLOTS:
 
     void holdsTheAccessWhileTheSheetIsUp();
     void givesTheRecordWhatWasPicked();
+    void countsOnlyWhatMayBeDeleted();
     void staysShutWhenItMayNotPick_data();
     void staysShutWhenItMayNotPick();
     void changesNothingOnceTheRecordIsCleaned();
@@ -47,6 +60,7 @@ private:
         return m_fixture->homeUrl().appending("Movies/film.mov", FileUrlKind::File);
     }
 
+    ReadOnlySystem m_calls;
     bool m_grantIsUsable = true;
     bool m_mayPick = true;
     bool m_mayChange = true;
@@ -60,15 +74,17 @@ private:
 void TestLargeFilesPicking::init()
 {
     m_grantIsUsable = m_mayPick = m_mayChange = true;
+    m_calls.isReadOnly = false;
+    m_calls.setHook({});
     m_fixture = std::make_unique<PageFixture>();
     m_fixture->grantHome();
     m_fixture->makeFile("Movies/film.mov", kFilm);
     m_selection =
         std::make_unique<SliceSelection>(m_fixture->defaults(), ResourceManager::access());
-    m_home = std::make_unique<HomeWatch>(
-        HomeWatch::Services{hostSystemCalls(), ResourceManager::access(),
-                            &ResourceManager::homeFolder, [] { return true; }},
-        *m_selection);
+    m_home = std::make_unique<HomeWatch>(HomeWatch::Services{m_calls, ResourceManager::access(),
+                                                             &ResourceManager::homeFolder,
+                                                             [] { return true; }},
+                                         *m_selection);
     m_home->look();
     m_window = std::make_unique<QWidget>();
     m_window->resize(800, 600);
@@ -76,7 +92,7 @@ void TestLargeFilesPicking::init()
     QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
     m_picking = std::make_unique<LargeFilesPicking>(
         *m_window, LargeFilesPicking::Services{
-                       m_fixture->loader(), m_fixture->defaults(), hostSystemCalls(),
+                       m_fixture->loader(), m_fixture->defaults(), m_calls,
                        ResourceManager::access(), m_fixture->workspace(), *m_home, *m_selection,
                        [this](const auto &then, const auto &otherwise) {
                            (m_grantIsUsable ? then : otherwise)();
@@ -136,6 +152,22 @@ void TestLargeFilesPicking::givesTheRecordWhatWasPicked()
     QVERIFY(!record().isOn());
     QCOMPARE(record().fileURLs().value_or(FileUrls()), FileUrls());
     QCOMPARE(record().fileSizeString().value_or(QString()), QStringLiteral("Click to select"));
+}
+
+/// The size text is the size on the disk; the slice's size is what a cleaning frees.
+void TestLargeFilesPicking::countsOnlyWhatMayBeDeleted()
+{
+    openSheet();
+    sheet().addButtonPressed(0);
+    endSheet(sheet().addButton());
+    QTRY_COMPARE(record().fileSize(), kFilm);
+    m_calls.isReadOnly = true;
+    QSignalSpy changed(m_picking.get(), &LargeFilesPicking::sizeChanged);
+    sheet().array().refreshSizes();
+    QVERIFY(changed.wait());
+    QCOMPARE(record().fileSize(), 0);
+    QCOMPARE(record().fileSizeString().value_or(QString()), QStringLiteral("300 MB"));
+    QCOMPARE(record().fileURLs().value_or(FileUrls()), FileUrls{film()});
 }
 
 void TestLargeFilesPicking::staysShutWhenItMayNotPick_data()

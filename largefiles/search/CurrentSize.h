@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QtGlobal>
+
+/// What is known of one file's size. A value.
+struct CurrentSize
+{
+    qint64 bytes = 0; ///< 0 for what cannot be read
+    /// Whether this process could remove the file, so that a cleaning would free the bytes.
+    bool isDeletable = false;
+
+    friend bool operator==(const CurrentSize &, const CurrentSize &) = default;
+};
