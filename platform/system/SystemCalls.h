@@ -34,7 +34,9 @@ public:
     /// Fills the buffer with raw directory entries (see DirectoryEntries); 0 at the end.
     virtual SystemResult<std::size_t> readEntries(int folder, std::span<char> buffer) const = 0;
 
-    /// The entry itself, never what a link leads to. The name may also be "..", "../.." and so on.
+    /// The entry itself, never what a link leads to. The name may be a relative path, but for a
+    /// mere guess: the folders on it are then followed wherever they lead. It may be "..", "../.."
+    /// and so on.
     virtual SystemResult<FileStatus> status(int parent, const char *name) const = 0;
     virtual SystemResult<FileStatus> statusOf(int descriptor) const = 0;
     /// What an entry is, or what it leads to if it is a link. Only for what a user named.

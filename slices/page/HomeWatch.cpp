@@ -24,16 +24,16 @@ QStringList HomeWatch::programsInUse(SliceKind kind) const
     return m_findings.inUse.programs(layout().locations(kind).value_or(FileUrls()));
 }
 
-/// One status call recognises a home with a Library. Any other home is surveyed beside the main
-/// thread, and the slices have no locations until that is done. If the home does not answer, they
-/// have none until the next survey.
+/// One look recognises a plain Library. Any other home is surveyed beside the main thread, and the
+/// slices have no locations until that is done. If the home does not answer, they have none until
+/// the next survey.
 void HomeWatch::look()
 {
     const FileUrl home = m_services.homeFolder();
     m_looking.stop();
-    const HomeKind kind = kindOfHome(home);
-    place(kind == HomeKind::Library ? Findings{HomeLayout::withLibrary(home), {}} : Findings{});
-    if (kind != HomeKind::Freedesktop)
+    const bool isPlain = hasPlainLibrary(home);
+    place(isPlain ? Findings{HomeLayout::withLibrary(home), {}} : Findings{});
+    if (isPlain)
         return;
     m_looking.run([this, &calls = m_services.calls, &access = m_services.access, home,
                    environment = HomeEnvironment::ofThisProcess()](const std::stop_token &stop) {
@@ -44,10 +44,10 @@ void HomeWatch::look()
     });
 }
 
-HomeKind HomeWatch::kindOfHome(const FileUrl &home) const
+bool HomeWatch::hasPlainLibrary(const FileUrl &home) const
 {
     const AccessScope scope(m_services.access);
-    return homeKind(m_services.calls, m_services.access, home);
+    return ::hasPlainLibrary(m_services.calls, m_services.access, home);
 }
 
 void HomeWatch::place(const Findings &findings)

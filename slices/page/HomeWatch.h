@@ -39,8 +39,8 @@ public:
     QStringList programsInUse(SliceKind kind) const;
     ProgramsSeen programsSeen() const { return m_findings.inUse.seen(); }
 
-    /// Makes new records, nothing measured yet. They have their locations at once in a home with a
-    /// Library, and once found() comes in any other.
+    /// Makes new records, nothing measured yet. They have their locations at once in a home that
+    /// plainly has a Library, and once found() comes in any other.
     void look();
     /// Open requests get no answer any more. Measures go on.
     void stop() { m_looking.stop(); }
@@ -56,7 +56,7 @@ public:
     void stopMeasuring() { m_measuring.request_stop(); }
 
 Q_SIGNALS:
-    /// A home without Library was looked at: the records are new ones, with locations.
+    /// The home was looked at: the records are new ones, with locations if it has answered.
     void found();
     /// Programs were started or have ended: some records have other locations.
     void programsChanged();
@@ -70,7 +70,7 @@ private:
         ProgramsInUse inUse;
     };
 
-    HomeKind kindOfHome(const FileUrl &home) const;
+    bool hasPlainLibrary(const FileUrl &home) const;
     void place(const Findings &findings);
     Info::Measure measureFunction() const;
     void takeFindings(const Findings &findings);

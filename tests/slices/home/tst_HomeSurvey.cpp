@@ -35,7 +35,9 @@ class TestHomeSurvey final : public QObject
 private Q_SLOTS:
     void keepsTheFixedLayoutWhereThereIsALibrary();
     void takesNoLinkForALibrary();
-    void costsOneCallToTellTheKind();
+    void knowsALibraryByWhatItHolds_data();
+    void knowsALibraryByWhatItHolds();
+    void asksLittleForAPlainLibrary();
     void takesNoSilenceForAKind();
     void asksForTheHomeOnce();
     void endsSoonOnceItIsToldTo();
@@ -53,7 +55,7 @@ private Q_SLOTS:
 void TestHomeSurvey::keepsTheFixedLayoutWhereThereIsALibrary()
 {
     MadeHome home(kPlainHome);
-    home.make("Library/");
+    home.make("Library/Logs/");
     home.nameUserDirs("XDG_DOWNLOAD_DIR=\"$HOME/Elsewhere\"\n");
     const HomeLayout layout = home.survey({home.path("data"), home.path("cache")});
     QCOMPARE(layout.kind(), HomeKind::Library);
@@ -70,12 +72,43 @@ void TestHomeSurvey::keepsTheFixedLayoutWhereThereIsALibrary()
 void TestHomeSurvey::takesNoLinkForALibrary()
 {
     const MadeHome linked({"Books/"});
+    linked.make("Books/Caches/");
     linked.link("Library", "Books");
     QCOMPARE(linked.survey().kind(), HomeKind::Freedesktop);
+    QVERIFY(!hasPlainLibrary(hostSystemCalls(), linked.access(), linked.url()));
     QCOMPARE(MadeHome({"Library"}).survey().kind(), HomeKind::Freedesktop); // a file
 }
 
-void TestHomeSurvey::costsOneCallToTellTheKind()
+void TestHomeSurvey::knowsALibraryByWhatItHolds_data()
+{
+    QTest::addColumn<QByteArrayList>("paths");
+    QTest::addColumn<HomeKind>("kind");
+    QTest::addColumn<bool>("isPlain");
+    const auto add = [](const char *name, const QByteArrayList &paths, HomeKind kind,
+                        bool isPlain = false) {
+        QTest::addRow("%s", name) << paths << kind << isPlain;
+    };
+    add("nothing", {"Library/"}, HomeKind::Freedesktop);
+    add("books", {"Library/Novels/a.epub", "Library/Cache/"}, HomeKind::Freedesktop);
+    add("a location's way", {"Library/iTunes/", "Library/Safari/"}, HomeKind::Freedesktop);
+    add("a file for a folder", {"Library/Caches", "Library/Logs"}, HomeKind::Freedesktop);
+    add("a folder for a file", {"Library/Safari/History.plist/"}, HomeKind::Freedesktop);
+    add("caches", {"Library/Caches/"}, HomeKind::Library, true);
+    add("logs", {"Library/Logs/"}, HomeKind::Library);
+    add("updates", {"Library/iTunes/iPod Software Updates/"}, HomeKind::Library);
+    add("a history", {"Library/Safari/History.plist"}, HomeKind::Library);
+}
+
+/// People give folders of their own any name.
+void TestHomeSurvey::knowsALibraryByWhatItHolds()
+{
+    QFETCH(QByteArrayList, paths);
+    const MadeHome home(paths);
+    QTEST(home.survey().kind(), "kind");
+    QTEST(hasPlainLibrary(hostSystemCalls(), home.access(), home.url()), "isPlain");
+}
+
+void TestHomeSurvey::asksLittleForAPlainLibrary()
 {
     const MadeHome home({"Library/Caches/"});
     QByteArrayList calls;
@@ -83,7 +116,11 @@ void TestHomeSurvey::costsOneCallToTellTheKind()
         calls.append(QByteArray(name.data(), static_cast<qsizetype>(name.size())));
         return 0;
     });
-    QCOMPARE(homeKind(watched, home.access(), home.url()), HomeKind::Library);
+    QVERIFY(hasPlainLibrary(watched, home.access(), home.url()));
+    QCOMPARE(calls, (QByteArrayList{"status", "status"}));
+    calls.clear();
+    const MadeHome other(kPlainHome);
+    QVERIFY(!hasPlainLibrary(watched, other.access(), other.url()));
     QCOMPARE(calls, QByteArrayList{"status"});
 }
 
@@ -91,10 +128,15 @@ void TestHomeSurvey::takesNoSilenceForAKind()
 {
     const MadeHome home(kPlainHome);
     const HookedSystem silent(HookedSystem::failing(1, EIO));
-    QCOMPARE(homeKind(silent, home.access(), home.url()), HomeKind::Unknown);
+    QVERIFY(!hasPlainLibrary(silent, home.access(), home.url()));
     const HomeLayout layout = home.survey({}, HookedSystem(HookedSystem::failing(1, EACCES)));
     QCOMPARE(layout.kind(), HomeKind::Unknown);
     QVERIFY(!layout.locations(SliceKind::Trash));
+    const MadeHome stray({"Library/"});
+    for (int call = 1; call <= 6; ++call) {
+        const HookedSystem failing(HookedSystem::failing(call, EIO));
+        QCOMPARE(stray.survey({}, failing).kind(), HomeKind::Unknown);
+    }
 }
 
 void TestHomeSurvey::asksForTheHomeOnce()

@@ -23,7 +23,7 @@ void RecordingWorkspace::activateFileViewerSelectingUrls(const FileUrls &urls)
 
 PageFixture::PageFixture(HomeKind kind)
 {
-    m_folder.makeFolder(kind == HomeKind::Library ? "anna/Library" : "anna");
+    m_folder.makeFolder(kind == HomeKind::Library ? "anna/Library/Caches" : "anna");
     registerInterfaceClasses(m_loader);
     m_defaults = std::make_unique<UserDefaults>(QFile::decodeName(m_folder.path("settings")),
                                                 hostSystemCalls());
