@@ -18,6 +18,14 @@ bool isPlainName(const QByteArray &name)
     return !name.isEmpty() && name != "." && name != ".." && !name.contains('/');
 }
 
+/// Whether a pattern with one "*" stands for the name.
+bool matches(const QByteArray &name, const QByteArray &pattern)
+{
+    const qsizetype star = pattern.indexOf('*');
+    return name.size() >= pattern.size() - 1 && name.startsWith(pattern.first(star)) &&
+           name.endsWith(pattern.sliced(star + 1));
+}
+
 /// An error also for a file that has grown beyond the limit: a part of a file may say anything.
 SystemResult<QByteArray> readToTheEnd(const SystemCalls &calls, int file, std::size_t limit)
 {
@@ -86,6 +94,24 @@ QByteArrayList HomeProbe::foldersMatching(const QByteArray &pattern) const
     return found;
 }
 
+QByteArrayList HomeProbe::entriesMatching(const QByteArray &pattern) const
+{
+    QByteArrayList found;
+    QByteArrayList ways;
+    if (!m_stop.stop_requested())
+        ways.append(QByteArray());
+    for (const QByteArray &component : pattern.split('/')) {
+        QByteArrayList deeper;
+        for (const QByteArray &folder : std::as_const(ways)) {
+            for (const QByteArray &match : matchesIn(folder, component))
+                (linkAt(match) ? found : deeper).append(match);
+        }
+        ways = deeper;
+    }
+    ways.removeIf([this](const QByteArray &path) { return !isThere(path); });
+    return found + ways;
+}
+
 QByteArrayList HomeProbe::filesAmong(const QByteArrayList &paths) const
 {
     QByteArrayList files = paths;
@@ -139,7 +165,16 @@ SystemResult<FileStatus> HomeProbe::statusOf(const QByteArray &path) const
     return m_calls.status(folder->get(), name.constData());
 }
 
-/// Includes entries of which the file system does not tell the kind: opening them shows it.
+/// Whether something is there, or may be. Nothing is where a cleaning does not get to.
+bool HomeProbe::isThere(const QByteArray &path) const
+{
+    const auto status = statusOf(path);
+    const int error = status ? 0 : status.error();
+    return error != ENOENT && error != ENOTDIR && error != ELOOP && error != EXDEV;
+}
+
+/// Includes links, and entries of which the file system does not tell the kind: opening them shows
+/// whether they are folders.
 QByteArrayList HomeProbe::foldersIn(const QByteArray &path) const
 {
     QByteArrayList found;
@@ -153,7 +188,7 @@ QByteArrayList HomeProbe::foldersIn(const QByteArray &path) const
         return found;
     for (std::size_t i = 0; i < listing->size(); ++i) {
         const FolderListing::Entry &entry = listing->at(i);
-        if (entry.kind == FileKind::Folder || entry.kind == FileKind::Unknown)
+        if (entry.kind != FileKind::Regular && entry.kind != FileKind::Other)
             found.append(joined(path, listing->name(entry)));
     }
     std::sort(found.begin(), found.end());
@@ -170,8 +205,13 @@ QByteArrayList HomeProbe::behindLink(const QByteArray &path, const QByteArray &n
 
 QByteArrayList HomeProbe::matchesIn(const QByteArray &path, const QByteArray &component) const
 {
-    if (component == "*")
-        return foldersIn(path);
+    if (component.contains('*')) {
+        QByteArrayList folders = foldersIn(path);
+        folders.removeIf([&](const QByteArray &folder) {
+            return !matches(folder.sliced(folder.lastIndexOf('/') + 1), component);
+        });
+        return folders;
+    }
     if (component.startsWith('@'))
         return behindLink(path, component.sliced(1));
     return {joined(path, component)};

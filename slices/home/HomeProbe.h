@@ -28,10 +28,13 @@ public:
     /// The ids of the folder at the path and of all folders around it below the home, those that
     /// exist.
     std::vector<InodeId> idsOnTheWay(const QByteArray &path) const;
-    /// The folders that the pattern matches, sorted. A component "*" matches every name of one
-    /// folder that is there; a component "@name" is the folder of that name or, where that is a
-    /// link, the folder beside it to which the link leads.
+    /// The folders that the pattern matches, sorted. In a component "*" stands for any bytes in the
+    /// name of one folder that is there; a component "@name" is the folder of that name or, where
+    /// that is a link, the folder beside it to which the link leads.
     QByteArrayList foldersMatching(const QByteArray &pattern) const;
+    /// What the pattern matches, folders or not. Where a link stands on the way, the link matches.
+    /// What cannot be looked at counts as there.
+    QByteArrayList entriesMatching(const QByteArray &pattern) const;
     /// Those of the paths, in their order, where a plain file is.
     QByteArrayList filesAmong(const QByteArrayList &paths) const;
     /// Where a link leads, by its own bytes; nothing where there is none.
@@ -43,6 +46,7 @@ public:
 private:
     SystemResult<FileDescriptor> open(const QByteArray &path) const;
     SystemResult<FileStatus> statusOf(const QByteArray &path) const;
+    bool isThere(const QByteArray &path) const;
     QByteArrayList foldersIn(const QByteArray &path) const;
     QByteArrayList behindLink(const QByteArray &path, const QByteArray &name) const;
     QByteArrayList matchesIn(const QByteArray &path, const QByteArray &component) const;

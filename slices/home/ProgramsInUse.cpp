@@ -214,6 +214,9 @@ ProgramsInUse ProgramsInUse::find(const SystemCalls &calls, const FileAccess &ac
         if (!running.locations.isEmpty() && inquiry.isRunning(program.lock))
             found.m_programs.append(running);
     }
+    if (layout.kind() == HomeKind::Freedesktop)
+        found.m_keptPlaces = findKeptPlaces(HomeProbe(calls, home->anchor), layout.home(),
+                                            *layout.locations(SliceKind::Cache));
     return found;
 }
 
@@ -233,8 +236,18 @@ FileUrls ProgramsInUse::keptInside(const FileUrls &locations) const
     FileUrls kept;
     for (const ProgramFiles &program : m_programs)
         kept += among(program.locations, locations);
+    for (const FoundKeptPlace &place : keptPlaces(locations))
+        kept.append(place.location);
     kept.removeIf([&](const FileUrl &location) { return locations.contains(location); });
     return outermost(kept);
+}
+
+QList<FoundKeptPlace> ProgramsInUse::keptPlaces(const FileUrls &locations) const
+{
+    QList<FoundKeptPlace> kept = m_keptPlaces;
+    kept.removeIf(
+        [&](const FoundKeptPlace &place) { return !isAtOrInsideOne(place.location, locations); });
+    return kept;
 }
 
 QStringList ProgramsInUse::programs(const FileUrls &locations) const

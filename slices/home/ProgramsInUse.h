@@ -2,6 +2,7 @@
 
 #include "platform/files/FileAccess.h"
 #include "slices/home/HomeLayout.h"
+#include "slices/home/KeptPlaces.h"
 
 #include <QStringList>
 
@@ -22,7 +23,8 @@ enum class ProgramsSeen : std::uint8_t { All, Some };
 
 /// The programs of a layout that were running when they were looked for, and those of their
 /// locations that existed. These are left out of a cleaning: a browser writes its cookies back when
-/// it ends, and breaks when they vanish while it runs. In doubt a program runs. A value.
+/// it ends, and breaks when they vanish while it runs. In doubt a program runs. Also the places
+/// among the caches that are no cache, whoever runs. A value.
 class ProgramsInUse final
 {
 public:
@@ -37,8 +39,10 @@ public:
     ProgramsSeen seen() const { return m_seen; }
     /// The locations without those that are left out.
     FileUrls without(const FileUrls &locations) const;
-    /// The folders that stay inside these locations, none in another.
+    /// What stays inside these locations, none of it in another.
     FileUrls keptInside(const FileUrls &locations) const;
+    /// The places inside these locations that are kept because they are no cache.
+    QList<FoundKeptPlace> keptPlaces(const FileUrls &locations) const;
     /// The names of the programs that keep some of these locations or something inside, each once.
     QStringList programs(const FileUrls &locations) const;
 
@@ -47,4 +51,5 @@ public:
 private:
     QList<ProgramFiles> m_programs;
     ProgramsSeen m_seen = ProgramsSeen::All;
+    QList<FoundKeptPlace> m_keptPlaces;
 };

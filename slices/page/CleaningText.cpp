@@ -106,6 +106,18 @@ QString cacheInUseText(ProgramsSeen seen)
                     "you clean: what they have open there may go.");
 }
 
+QString keptText(const QList<KeptContent> &kept)
+{
+    if (kept.isEmpty())
+        return {};
+    QStringList contents;
+    for (const KeptContent &content : kept)
+        contents.append(content.bytes
+                            ? tr("%1 (%2)").arg(content.what, stringFromByteCount(*content.bytes))
+                            : content.what);
+    return tr(" Not removed, because it is no cache: %1.").arg(enumerated(contents));
+}
+
 QString leftAloneText(const CleaningReport &report)
 {
     QStringList lines;

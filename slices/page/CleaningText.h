@@ -1,9 +1,11 @@
 #pragma once
 
+#include <QList>
 #include <QStringList>
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 class ExcludedPaths;
@@ -34,6 +36,18 @@ QString inUseText(const QStringList &programs, ProgramsSeen seen);
 
 /// What the description of the slice Cache adds: what stays of it because any program is using it.
 QString cacheInUseText(ProgramsSeen seen);
+
+/// Something that lies among the caches and stays there, because nothing makes it anew.
+struct KeptContent
+{
+    QString what;
+    std::optional<qint64> bytes; ///< nothing until it is measured
+
+    friend bool operator==(const KeptContent &, const KeptContent &) = default;
+};
+
+/// What a slice's description adds about what is kept, with its size; empty for nothing.
+QString keptText(const QList<KeptContent> &kept);
 
 /// Which of the chosen locations a cleaning left alone as a whole, and why, for people; empty when
 /// there is none. It leaves out single files that could not be removed.

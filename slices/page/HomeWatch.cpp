@@ -1,8 +1,12 @@
 #include "slices/page/HomeWatch.h"
 
+#include "platform/base/ByteCount.h"
 #include "slices/cleaning/RecordLocations.h"
 #include "slices/home/HomeSurvey.h"
 #include "slices/sizing/FolderSizing.h"
+
+#include <QCoreApplication>
+#include <algorithm>
 
 HomeWatch::HomeWatch(Services services, SliceSelection &selection, QObject *parent)
     : QObject(parent),
@@ -22,6 +26,26 @@ HomeWatch::~HomeWatch()
 QStringList HomeWatch::programsInUse(SliceKind kind) const
 {
     return m_findings.inUse.programs(layout().locations(kind).value_or(FileUrls()));
+}
+
+/// Places of one kind make one line.
+QList<KeptContent> HomeWatch::keptContents(SliceKind kind) const
+{
+    QList<KeptContent> contents;
+    const FileUrls locations = layout().locations(kind).value_or(FileUrls());
+    for (const FoundKeptPlace &place : m_findings.inUse.keptPlaces(locations)) {
+        const auto size = m_keptSizes.constFind(place.location.path());
+        const auto bytes = size == m_keptSizes.constEnd() ? std::nullopt : std::optional(*size);
+        const QString what = QCoreApplication::translate("KeptPlaces", place.what);
+        const auto same = std::ranges::find(contents, what, &KeptContent::what);
+        if (same == contents.end())
+            contents.append({what, bytes});
+        else
+            same->bytes = same->bytes && bytes
+                              ? std::optional(sumOfByteCounts(*same->bytes, *bytes))
+                              : std::nullopt;
+    }
+    return contents;
 }
 
 /// One look recognises a plain Library. Any other home is surveyed beside the main thread, and the
@@ -73,6 +97,7 @@ Info::Measure HomeWatch::measureFunction() const
 void HomeWatch::takeFindings(const Findings &findings)
 {
     place(findings);
+    measureKept();
     // Exclusions that were added meanwhile met slices without locations.
     m_selection.applyExclusions();
     m_selection.updateSelectedSlicesUserDefaults();
@@ -104,7 +129,32 @@ void HomeWatch::takePrograms(const ProgramsInUse &inUse)
         return;
     m_findings.inUse = inUse;
     setRecordLocations(m_selection.records(), layout(), inUse);
+    measureKept();
     Q_EMIT programsChanged();
+}
+
+void HomeWatch::stopMeasuring()
+{
+    m_measuring.request_stop();
+    m_keptMeasures.stop();
+}
+
+/// Only the descriptions of the slices tell these sizes, and wait for none of them.
+void HomeWatch::measureKept()
+{
+    m_keptMeasures.run([this, &calls = m_services.calls, &access = m_services.access,
+                        places = m_findings.inUse.keptPlaces(
+                            layout().locations(SliceKind::Cache).value_or(FileUrls()))](
+                           const std::stop_token &stop) {
+        const AccessScope scope(access);
+        QHash<QByteArray, qint64> sizes;
+        for (const FoundKeptPlace &place : places) {
+            const auto path = access.anchoredPath(place.location);
+            if (path && !stop.stop_requested())
+                sizes.insert(place.location.path(), measureFolder(calls, *path, stop).bytes);
+        }
+        return [this, sizes] { m_keptSizes = sizes; };
+    });
 }
 
 void HomeWatch::measure(SliceSelection::Records records, std::function<void()> then)

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "platform/threads/BackgroundQueue.h"
+#include "slices/page/CleaningText.h"
 #include "slices/page/SliceSelection.h"
 #include "slices/record/Info.h"
 
+#include <QHash>
 #include <functional>
 #include <stop_token>
 
@@ -38,6 +40,8 @@ public:
     /// The programs that keep something of this slice because they are in use.
     QStringList programsInUse(SliceKind kind) const;
     ProgramsSeen programsSeen() const { return m_findings.inUse.seen(); }
+    /// What of this slice is kept although no program uses it, with the sizes read so far.
+    QList<KeptContent> keptContents(SliceKind kind) const;
 
     /// Makes new records, nothing measured yet. They have their locations at once in a home that
     /// plainly has a Library, and once found() comes in any other.
@@ -53,7 +57,7 @@ public:
     /// Goes on when each of these records has a size.
     void measure(SliceSelection::Records records, std::function<void()> then);
     /// Stops measuring the records. Only look() starts new measures.
-    void stopMeasuring() { m_measuring.request_stop(); }
+    void stopMeasuring();
 
 Q_SIGNALS:
     /// The home was looked at: the records are new ones, with locations if it has answered.
@@ -75,11 +79,14 @@ private:
     Info::Measure measureFunction() const;
     void takeFindings(const Findings &findings);
     void takePrograms(const ProgramsInUse &inUse);
+    void measureKept();
 
     Services m_services;
     SliceSelection &m_selection;
     std::shared_ptr<FileSizeChangedNotification> m_sizeChanged;
     Findings m_findings;
-    std::stop_source m_measuring; ///< stops the measures of the present records
+    std::stop_source m_measuring;          ///< stops the measures of the present records
+    QHash<QByteArray, qint64> m_keptSizes; ///< by path
+    BackgroundQueue<OwnersEnd::Abandon, Queueing::LatestOnly> m_keptMeasures;
     BackgroundQueue<OwnersEnd::Abandon, Queueing::LatestOnly> m_looking;
 };

@@ -52,6 +52,7 @@ private Q_SLOTS:
     void keepsTheCacheOfAProgramThatRuns();
     void keepsTheCacheOfAProgramStartedMeanwhile();
     void keepsTheCacheOfAProgramStartedWhileAllElseAroundItGoes();
+    void keepsWhatIsNoCache();
     void countsNothingAsFreedThatStayed();
     void takesOffNoMoreThanWasMeasured();
     void tellsNothingOfWhatIsNotThere();
@@ -214,6 +215,19 @@ void TestCleaningJobInUse::keepsTheCacheOfAProgramStartedWhileAllElseAroundItGoe
     QCOMPARE(report.refusals.value(0).reason, RefusalReason::InUse);
     QCOMPARE(report.refusals.value(0).path, m_fixture->home() + "/.cache/mozilla");
     QCOMPARE(m_chosen.front()->fileSize(), 5); // of 12
+}
+
+void TestCleaningJobInUse::keepsWhatIsNoCache()
+{
+    m_fixture->makeFile(".cache/rclone/vfs/remote/letter.odt", 7);
+    m_fixture->makeFile(".cache/rclone/log", 7);
+    m_fixture->makeFile(".cache/kioexec/krun/77_0/report.odt", 7);
+    const CleaningReport report = clean({SliceKind::Cache});
+    QVERIFY(m_fixture->exists(".cache/rclone/vfs/remote/letter.odt"));
+    QVERIFY(m_fixture->exists(".cache/kioexec/krun/77_0/report.odt"));
+    QVERIFY(!m_fixture->exists(".cache/rclone/log"));
+    QVERIFY(!m_fixture->exists(".cache/other"));
+    QCOMPARE(report.failureCount, 0U);
 }
 
 void TestCleaningJobInUse::countsNothingAsFreedThatStayed()

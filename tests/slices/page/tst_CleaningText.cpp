@@ -15,6 +15,7 @@ private Q_SLOTS:
     void asksWithTheSlicesThatAreOn();
     void asksWithTheSizeWithoutWhatIsInUse();
     void namesTheFolderOfDownloads();
+    void saysWhatIsKeptWithItsSize();
     void saysWhichProgramsKeepTheirFiles();
     void saysWhatIsNoticedOfOpenFiles();
     void namesEveryPlaceLeftAloneWithItsReason();
@@ -70,6 +71,14 @@ void TestCleaningText::namesTheFolderOfDownloads()
         confirmationText({trash, downloads}, {{}, QStringLiteral("Data/ダウンロード")})
             .contains(QStringLiteral("• Trash\n• Downloads (the folder “Data/ダウンロード”)\n")));
     QVERIFY(confirmationText({trash, downloads}).contains(QStringLiteral("• Downloads\n")));
+}
+
+void TestCleaningText::saysWhatIsKeptWithItsSize()
+{
+    QCOMPARE(keptText({}), QString());
+    QCOMPARE(keptText({{QStringLiteral("drafts"), std::nullopt},
+                       {QStringLiteral("files"), 1'200'000'000}}),
+             QStringLiteral(" Not removed, because it is no cache: drafts and files (1.2 GB)."));
 }
 
 void TestCleaningText::saysWhichProgramsKeepTheirFiles()

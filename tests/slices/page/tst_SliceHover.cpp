@@ -47,6 +47,7 @@ private Q_SLOTS:
     void tellsWhatStaysOfTheCache();
     void tellsWhereProgramsCannotBeSeen();
     void explainsNothingOfASliceThatThePointerHasLeft();
+    void explainsWhatIsKeptAmongTheCaches();
     void showsThePlacesThatAreThere();
     void opensTheTrash();
     void saysThatTheTrashIsEmptyWhereThereIsNone();
@@ -218,6 +219,24 @@ void TestSliceHover::tellsWhereProgramsCannotBeSeen()
     const QString text = description(SliceKind::Cache);
     QVERIFY(text.contains(QStringLiteral(" Firefox may be in use: its files stay.")));
     QVERIFY(text.endsWith(cacheInUseText(ProgramsSeen::Some)));
+}
+
+void TestSliceHover::explainsWhatIsKeptAmongTheCaches()
+{
+    begin(HomeKind::Freedesktop);
+    m_fixture->makeFile(".cache/rclone/vfs/a", 1'500'000);
+    m_fixture->makeFile(".cache/rclone/vfsMeta/a", 500'000);
+    m_fixture->makeFile(".cache/sessions/a", 1000);
+    m_fixture->makeFile(".cache/other", 7000);
+    m_home->look();
+    QTRY_VERIFY(m_home->isKnown());
+    settle();
+    QCOMPARE(m_selection->record(SliceKind::Cache).fileSizeString().value_or(QString()),
+             QStringLiteral("7 KB"));
+    QVERIFY(description(SliceKind::Cache)
+                .contains(QStringLiteral(
+                    " Not removed, because it is no cache: files that wait to be uploaded (2 MB)"
+                    " and saved sessions of the desktop (1 KB).")));
 }
 
 void TestSliceHover::explainsNothingOfASliceThatThePointerHasLeft()
