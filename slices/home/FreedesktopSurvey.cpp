@@ -2,6 +2,7 @@
 
 #include "slices/home/ChatLogs.h"
 #include "slices/home/KnownPrograms.h"
+#include "slices/home/PlacesOutOfReach.h"
 
 #include <algorithm>
 #include <array>
@@ -94,6 +95,7 @@ HomeLayout::Findings FreedesktopSurvey::findings()
     }
     addPrograms();
     addSearchFolders();
+    addPlacesOutOfReach();
     return std::move(m_findings);
 }
 
@@ -248,6 +250,22 @@ void FreedesktopSurvey::addSearchFolders()
     }
     for (const FolderIdentity &folder : folders)
         m_findings.searchFolders.append(folderUrl(folder.path));
+}
+
+/// While it is unknown where the user keeps what, folders that the user has may be missing in these
+/// slices, and in the search for large files.
+void FreedesktopSurvey::addPlacesOutOfReach()
+{
+    const QByteArray downloads = downloadsFolder().value_or(QByteArray());
+    const QByteArray cache = m_paths.below(m_environment.cacheHome).value_or(QByteArray());
+    PlacesOutOfReach &found = m_findings.outOfReach;
+    found = findPlacesOutOfReach(m_reader, {downloads, cache});
+    if (m_userDirsAreKnown)
+        return;
+    found[indexOf(SliceKind::Downloads)] = {};
+    for (const SliceKind kind :
+         {SliceKind::Trash, SliceKind::LargeFiles, SliceKind::Cache, SliceKind::Downloads})
+        found[indexOf(kind)].append({kUserDirsFile, Obstacle::UnclearUserDirs});
 }
 
 /// The folder that the file names, if it is one for a user's own files.

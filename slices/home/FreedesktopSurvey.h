@@ -37,6 +37,7 @@ private:
     void addCacheOfEnvironment();
     bool isCacheOfAllPrograms(const QByteArray &path) const;
     void addSearchFolders();
+    void addPlacesOutOfReach();
 
     bool add(SliceKind kind, const QByteArray &path);
     bool touchesKnown(const QByteArray &path) const;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "slices/home/PlacesOutOfReach.h"
 #include "slices/record/SliceCatalogue.h"
 
 /// The two ways in which a home folder is laid out.
@@ -53,6 +54,7 @@ public:
         FileUrls searchFolders;
         FileUrl trashFolder;
         std::vector<ProgramFiles> programs;
+        PlacesOutOfReach outOfReach;
     };
 
     /// The layout of a home that was not looked at yet: no slice has a location.
@@ -80,6 +82,11 @@ public:
     /// Whether this is a folder of the trash. What the user threw away is removed there even from
     /// folders that were made read-only.
     bool isInTrash(const FileUrl &location) const;
+    /// Where the slice would have had locations, but cannot get to them.
+    const QList<PlaceOutOfReach> &outOfReach(SliceKind kind) const
+    {
+        return m_findings.outOfReach[indexOf(kind)];
+    }
     /// The programs whose locations are left out while they run.
     const std::vector<ProgramFiles> &programs() const { return m_findings.programs; }
 

@@ -58,6 +58,24 @@ bool HomeProbe::hasFolder(const QByteArray &path) const
     return open(path).has_value();
 }
 
+std::optional<PlaceOutOfReach> HomeProbe::obstacleOnTheWay(const QByteArray &path) const
+{
+    QByteArray way;
+    for (const QByteArray &name : path.split('/')) {
+        way = joined(way, name);
+        const auto folder = open(way);
+        if (folder)
+            continue;
+        if (folder.error() == EXDEV)
+            return PlaceOutOfReach{way, Obstacle::OtherFileSystem};
+        if (linkAt(way))
+            return PlaceOutOfReach{way, Obstacle::Link};
+        const bool isMissing = folder.error() == ENOENT || folder.error() == ENOTDIR;
+        return isMissing ? std::nullopt : std::optional(PlaceOutOfReach{way, Obstacle::Unreadable});
+    }
+    return std::nullopt;
+}
+
 std::optional<InodeId> HomeProbe::idOf(const QByteArray &path) const
 {
     const auto folder = open(path);

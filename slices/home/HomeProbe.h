@@ -4,6 +4,7 @@
 #include "platform/files/FolderListing.h"
 #include "platform/system/FileStatus.h"
 #include "platform/system/SystemResult.h"
+#include "slices/home/PlaceOutOfReach.h"
 
 #include <QByteArrayList>
 #include <stop_token>
@@ -23,6 +24,9 @@ public:
               std::stop_token stop = {});
 
     bool hasFolder(const QByteArray &path) const;
+    /// The first place on the way to a folder from which it goes no further, although something is
+    /// there; nothing for a folder that can be reached, or that is missing.
+    std::optional<PlaceOutOfReach> obstacleOnTheWay(const QByteArray &path) const;
     /// Nothing where there is no folder.
     std::optional<InodeId> idOf(const QByteArray &path) const;
     /// The ids of the folder at the path and of all folders around it below the home, those that

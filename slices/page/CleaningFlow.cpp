@@ -164,8 +164,10 @@ std::optional<CleaningEvent> CleaningFlow::measure()
 void CleaningFlow::ask()
 {
     const HomeWatch &home = m_services.home;
-    const ConfirmationDetails details{[&home](SliceKind kind) { return home.programsInUse(kind); },
-                                      home.layout().nameOfDownloads(), home.programsSeen()};
+    const ConfirmationDetails details{
+        [&home](SliceKind kind) { return home.programsInUse(kind); },
+        home.layout().nameOfDownloads(), home.programsSeen(),
+        [&home](SliceKind kind) { return home.layout().outOfReach(kind); }};
     const Alert alert{.style = AlertStyle::Critical,
                       .messageText = tr("Deleting Files"),
                       .informativeText = confirmationText(m_services.selection.records(), details),

@@ -1,10 +1,11 @@
 #include "slices/page/CleaningText.h"
 
 #include "platform/base/ByteCount.h"
+#include "slices/exclusions/ExcludedPaths.h"
+#include "slices/home/PlaceOutOfReach.h"
+#include "slices/home/ProgramsInUse.h"
 #include "slices/plan/CleaningReport.h"
 #include "slices/plan/RefusalText.h"
-#include "slices/exclusions/ExcludedPaths.h"
-#include "slices/home/ProgramsInUse.h"
 #include "slices/record/Enumeration.h"
 #include "slices/record/Info.h"
 #include "slices/record/SliceCatalogue.h"
@@ -58,6 +59,40 @@ QStringList displayPaths(const ExcludedPaths &excluded)
     return paths;
 }
 
+/// Why nothing is removed there, as the end of a sentence.
+QString obstacleText(Obstacle obstacle)
+{
+    switch (obstacle) {
+    case Obstacle::Link:
+        return tr("it is a link");
+    case Obstacle::OtherFileSystem:
+        return tr("it is on another disk");
+    case Obstacle::Unreadable:
+        return tr("it could not be read");
+    case Obstacle::UnclearUserDirs:
+        return tr("it cannot be read, so nobody knows which folders it names");
+    }
+    Q_UNREACHABLE();
+}
+
+/// Each place with its reason.
+QString obstacleList(const QList<PlaceOutOfReach> &places)
+{
+    QStringList texts;
+    for (const PlaceOutOfReach &place : places)
+        texts.append(tr("“%1”, because %2")
+                         .arg(QString::fromUtf8(place.path), obstacleText(place.obstacle)));
+    return enumerated(texts);
+}
+
+/// What of the slice the user may miss; empty for most.
+QString outOfReachIn(const Info &record, const ObstaclesOfSlice &outOfReach)
+{
+    const std::optional<SliceKind> kind = sliceKindNamed(record.name());
+    const auto places = kind && outOfReach ? outOfReach(*kind) : QList<PlaceOutOfReach>();
+    return places.isEmpty() ? QString() : tr(" (not %1)").arg(obstacleList(places));
+}
+
 /// The first lines, and how many there are besides.
 QString shortened(const QStringList &lines)
 {
@@ -77,7 +112,8 @@ QString confirmationText(const std::vector<std::shared_ptr<Info>> &records,
     for (const auto &record : records) {
         if (record->isOn())
             list += QStringLiteral("• %1\n").arg(record->name() + downloadsText(*record, details) +
-                                                 withoutText(*record, details));
+                                                 withoutText(*record, details) +
+                                                 outOfReachIn(*record, details.outOfReach));
     }
     return list + u'\n' +
            tr("Are you sure you want to permanently erase the items you’ve selected and that are "
@@ -104,6 +140,11 @@ QString cacheInUseText(ProgramsSeen seen)
                ? tr(" A folder in it stays while a program has something open there.")
                : tr(" Vantor cannot see here which programs are running. Please close them before "
                     "you clean: what they have open there may go.");
+}
+
+QString outOfReachText(const QList<PlaceOutOfReach> &places)
+{
+    return places.isEmpty() ? QString() : tr(" Left alone: %1.").arg(obstacleList(places));
 }
 
 QString keptText(const QList<KeptContent> &kept)

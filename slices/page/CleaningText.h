@@ -13,9 +13,13 @@ class Info;
 enum class ProgramsSeen : std::uint8_t;
 enum class SliceKind : std::uint8_t;
 struct CleaningReport;
+struct PlaceOutOfReach;
 
 /// The programs that keep something of a slice because they are in use.
 using ProgramsOfSlice = std::function<QStringList(SliceKind)>;
+
+/// The places that a slice would have, but cannot get to.
+using ObstaclesOfSlice = std::function<QList<PlaceOutOfReach>(SliceKind)>;
 
 /// What a confirmation says about the slices besides their names.
 struct ConfirmationDetails
@@ -23,11 +27,12 @@ struct ConfirmationDetails
     ProgramsOfSlice programs;
     QString nameOfDownloads; ///< the folder that is emptied; empty where it has the slice's name
     ProgramsSeen seen{};     ///< all, unless said otherwise
+    ObstaclesOfSlice outOfReach = {};
 };
 
 /// The question before a cleaning: the slices that are on, and the warning. When a program in use
 /// keeps its files, also the slice's size without them. When the folder of Downloads has another
-/// name, also that name.
+/// name, also that name. When a slice cannot get to a place, also that.
 QString confirmationText(const std::vector<std::shared_ptr<Info>> &records,
                          const ConfirmationDetails &details = {});
 
@@ -36,6 +41,9 @@ QString inUseText(const QStringList &programs, ProgramsSeen seen);
 
 /// What the description of the slice Cache adds: what stays of it because any program is using it.
 QString cacheInUseText(ProgramsSeen seen);
+
+/// What a slice's description adds about places that are out of its reach; empty for none.
+QString outOfReachText(const QList<PlaceOutOfReach> &places);
 
 /// Something that lies among the caches and stays there, because nothing makes it anew.
 struct KeptContent

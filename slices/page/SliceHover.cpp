@@ -117,9 +117,9 @@ QString SliceHover::descriptionOf(int index) const
     const SliceKind kind = sliceCatalogue()[index].kind;
     const HomeWatch &home = m_services.home;
     const HomeLayout &layout = home.layout();
-    const QString text = layout.details(kind) +
-                         inUseText(home.programsInUse(kind), home.programsSeen()) +
-                         keptText(home.keptContents(kind));
+    const QString text =
+        layout.details(kind) + inUseText(home.programsInUse(kind), home.programsSeen()) +
+        keptText(home.keptContents(kind)) + outOfReachText(layout.outOfReach(kind));
     const bool isWatched = kind == SliceKind::Cache && layout.kind() == HomeKind::Freedesktop &&
                            !layout.locations(kind)->isEmpty();
     return isWatched ? text + cacheInUseText(home.programsSeen()) : text;

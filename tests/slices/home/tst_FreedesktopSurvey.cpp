@@ -146,6 +146,12 @@ void TestFreedesktopSurvey::emptiesNoDownloadsWhileTheUsersFileIsUnreadable()
     QCOMPARE(home.relative(*layout.locations(SliceKind::Downloads) +
                            *layout.locations(SliceKind::Cache)),
              found);
+    QList<PlaceOutOfReach> told;
+    if (found.isEmpty())
+        told.append({".config/user-dirs.dirs", Obstacle::UnclearUserDirs});
+    for (const SliceKind kind :
+         {SliceKind::Downloads, SliceKind::Cache, SliceKind::Trash, SliceKind::LargeFiles})
+        QCOMPARE(layout.outOfReach(kind), told);
 }
 
 void TestFreedesktopSurvey::emptiesNoDownloadsWhenReadingFails()
@@ -159,6 +165,8 @@ void TestFreedesktopSurvey::emptiesNoDownloadsWhenReadingFails()
         const ForwardingSystemCalls failing(
             [&](int, std::string_view name) { return name == call ? EIO : 0; });
         QCOMPARE(downloads(failing), QByteArrayList());
+        QCOMPARE(home.survey({}, failing).outOfReach(SliceKind::Downloads),
+                 (QList<PlaceOutOfReach>{{".config/user-dirs.dirs", Obstacle::UnclearUserDirs}}));
     }
     const MadeHome linked({"Downloads/x"});
     linked.link(".config", linked.outside("dots"));

@@ -2,6 +2,7 @@
 
 #include "slices/cleaning/Cleaning.h"
 #include "slices/exclusions/ExcludedPaths.h"
+#include "slices/home/PlaceOutOfReach.h"
 #include "slices/home/ProgramsInUse.h"
 #include "slices/record/Info.h"
 #include "slices/record/SliceCatalogue.h"
@@ -16,6 +17,7 @@ private Q_SLOTS:
     void asksWithTheSizeWithoutWhatIsInUse();
     void namesTheFolderOfDownloads();
     void saysWhatIsKeptWithItsSize();
+    void saysWhichPlacesAreOutOfReach();
     void saysWhichProgramsKeepTheirFiles();
     void saysWhatIsNoticedOfOpenFiles();
     void namesEveryPlaceLeftAloneWithItsReason();
@@ -79,6 +81,24 @@ void TestCleaningText::saysWhatIsKeptWithItsSize()
     QCOMPARE(keptText({{QStringLiteral("drafts"), std::nullopt},
                        {QStringLiteral("files"), 1'200'000'000}}),
              QStringLiteral(" Not removed, because it is no cache: drafts and files (1.2 GB)."));
+}
+
+void TestCleaningText::saysWhichPlacesAreOutOfReach()
+{
+    const QList<PlaceOutOfReach> places{{".cache", Obstacle::Link},
+                                        {"Fast/cache", Obstacle::OtherFileSystem}};
+    QCOMPARE(outOfReachText({}), QString());
+    QCOMPARE(outOfReachText(places),
+             QStringLiteral(" Left alone: “.cache”, because it is a link and “Fast/cache”, because "
+                            "it is on another disk."));
+    const auto cache = Info::infoWithName(QStringLiteral("Cache"), std::nullopt);
+    const auto trash = Info::infoWithName(QStringLiteral("Trash"), std::nullopt);
+    const auto ofCache = [&](SliceKind kind) {
+        return kind == SliceKind::Cache ? places.first(1) : QList<PlaceOutOfReach>();
+    };
+    QVERIFY(
+        confirmationText({trash, cache}, {{}, {}, {}, ofCache})
+            .contains(QStringLiteral("• Trash\n• Cache (not “.cache”, because it is a link)\n")));
 }
 
 void TestCleaningText::saysWhichProgramsKeepTheirFiles()
