@@ -1,6 +1,6 @@
 #include "slices/cleaning/RecordLocations.h"
 
-#include "slices/home/FolderIdentity.h"
+#include "slices/probe/FolderIdentity.h"
 #include "slices/record/Info.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "slices/home/HomeProbe.h"
+#include "slices/probe/HomeProbe.h"
 
 /// The profiles of a browser in the folder where it keeps them: those that the browser itself knows
 /// and that exist, as paths relative to the home. A folder that merely lies beside them, such as

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "slices/home/HomeLayout.h"
-#include "slices/home/HomeProbe.h"
+#include "slices/probe/HomeProbe.h"
 
 /// A program that was found in a home, with its own files there, as paths relative to the home.
 struct FoundProgram

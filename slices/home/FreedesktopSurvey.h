@@ -3,9 +3,9 @@
 #include "platform/system/SystemResult.h"
 #include "slices/home/FoundPrograms.h"
 #include "slices/home/HomeEnvironment.h"
-#include "slices/home/HomePaths.h"
-#include "slices/home/UserDirs.h"
-#include "slices/home/UserFolders.h"
+#include "slices/probe/HomePaths.h"
+#include "slices/probe/UserDirs.h"
+#include "slices/probe/UserFolders.h"
 
 /// Finds the locations of one freedesktop home. Locations with a fixed name come first. The user's
 /// own files and the environment may then add only locations that lie neither in nor around a known

@@ -1,6 +1,6 @@
 #include "slices/home/KeptPlaces.h"
 
-#include "slices/home/HomeProbe.h"
+#include "slices/probe/HomeProbe.h"
 
 #include <QtGlobal>
 #include <array>

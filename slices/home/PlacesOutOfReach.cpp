@@ -1,7 +1,7 @@
 #include "slices/home/PlacesOutOfReach.h"
 
-#include "slices/home/HomeProbe.h"
 #include "slices/home/KnownPrograms.h"
+#include "slices/probe/HomeProbe.h"
 
 namespace {
 

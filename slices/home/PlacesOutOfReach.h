@@ -1,6 +1,6 @@
 #pragma once
 
-#include "slices/home/PlaceOutOfReach.h"
+#include "slices/probe/PlaceOutOfReach.h"
 #include "slices/record/SliceCatalogue.h"
 
 #include <QList>

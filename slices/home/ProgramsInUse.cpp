@@ -2,7 +2,7 @@
 
 #include "platform/files/AnchoredFolder.h"
 #include "platform/system/SystemCalls.h"
-#include "slices/home/FolderIdentity.h"
+#include "slices/probe/FolderIdentity.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -2,10 +2,10 @@
 
 #include "platform/base/ByteCount.h"
 #include "slices/exclusions/ExcludedPaths.h"
-#include "slices/home/PlaceOutOfReach.h"
 #include "slices/home/ProgramsInUse.h"
 #include "slices/plan/CleaningReport.h"
 #include "slices/plan/RefusalText.h"
+#include "slices/probe/PlaceOutOfReach.h"
 #include "slices/record/Enumeration.h"
 #include "slices/record/Info.h"
 #include "slices/record/SliceCatalogue.h"

@@ -1,6 +1,6 @@
 #include "platform/system/HostSystemCalls.h"
-#include "slices/home/HomeProbe.h"
 #include "slices/home/KeptPlaces.h"
+#include "slices/probe/HomeProbe.h"
 #include "tests/slices/kit/HomeKit.h"
 #include "tests/slices/kit/MadeMachine.h"
 #include "tests/support/disk/HookedSystem.h"

@@ -2,8 +2,8 @@
 
 #include "slices/cleaning/Cleaning.h"
 #include "slices/exclusions/ExcludedPaths.h"
-#include "slices/home/PlaceOutOfReach.h"
 #include "slices/home/ProgramsInUse.h"
+#include "slices/probe/PlaceOutOfReach.h"
 #include "slices/record/Info.h"
 #include "slices/record/SliceCatalogue.h"
 #include "tests/support/run/GuiTestMain.h"

@@ -1,4 +1,4 @@
-#include "slices/home/UserDirs.h"
+#include "slices/probe/UserDirs.h"
 #include "tests/support/run/TestMain.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "slices/home/HomeProbe.h"
+#include "slices/probe/HomeProbe.h"
 
 #include "platform/files/AnchoredFolder.h"
 #include "platform/system/SystemCalls.h"

@@ -1,4 +1,4 @@
-#include "slices/home/FolderIdentity.h"
+#include "slices/probe/FolderIdentity.h"
 
 #include <algorithm>
 

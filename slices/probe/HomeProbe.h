@@ -4,7 +4,7 @@
 #include "platform/files/FolderListing.h"
 #include "platform/system/FileStatus.h"
 #include "platform/system/SystemResult.h"
-#include "slices/home/PlaceOutOfReach.h"
+#include "slices/probe/PlaceOutOfReach.h"
 
 #include <QByteArrayList>
 #include <stop_token>

@@ -1,4 +1,4 @@
-#include "slices/home/UserFolders.h"
+#include "slices/probe/UserFolders.h"
 
 #include <algorithm>
 

@@ -1,5 +1,5 @@
 #include "platform/system/HostSystemCalls.h"
-#include "slices/home/HomePaths.h"
+#include "slices/probe/HomePaths.h"
 #include "tests/slices/kit/HomeKit.h"
 #include "tests/support/disk/HookedSystem.h"
 #include "tests/support/run/TestMain.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "slices/home/HomeProbe.h"
+#include "slices/probe/HomeProbe.h"
 
 /// A folder of a home, identified by its path and by what is there at present: one folder may have
 /// two names, where upper and lower case are the same or where a folder is shown in two places. A

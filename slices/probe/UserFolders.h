@@ -1,7 +1,7 @@
 #pragma once
 
-#include "slices/home/FolderIdentity.h"
-#include "slices/home/HomePaths.h"
+#include "slices/probe/FolderIdentity.h"
+#include "slices/probe/HomePaths.h"
 
 /// The folders of a freedesktop home in which the user keeps his own files. Nothing in them may be
 /// taken for something else, whatever their names and however many links lead to them. One thread.

@@ -1,4 +1,4 @@
-#include "slices/home/HomePaths.h"
+#include "slices/probe/HomePaths.h"
 
 #include "platform/system/SystemCalls.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "slices/home/HomeProbe.h"
+#include "slices/probe/HomeProbe.h"
 
 class SystemCalls;
 
