@@ -8,6 +8,16 @@
 
 namespace {
 
+/// As many as the system itself follows.
+constexpr int kMostLinks = 40;
+
+/// With its slash.
+QByteArray pathAround(const FileUrl &url)
+{
+    const QByteArray path = url.path();
+    return path.first(path.size() - url.lastPathComponent().size());
+}
+
 /// Whether nothing is there, rather than something that could not be looked at.
 bool isGone(int error)
 {
@@ -36,7 +46,11 @@ private:
     void resolve(const FileUrl &url);
     void resolveElsewhere(const FileUrl &url);
     bool keep(const FileUrl &url);
-    void keepTargetOf(const FileUrl &url);
+    bool isLink(const AnchoredPath &place) const;
+    void keepTargetOf(const FileUrl &link);
+    SystemResult<FileUrl> targetOf(const FileUrl &link) const;
+    SystemResult<FileIdentity> identityOf(const FileUrl &url) const;
+    SystemResult<FileDescriptor> openAround(const FileUrl &url) const;
     SystemResult<FileIdentity> identityInGrant(const AnchoredPath &place) const;
     SystemResult<FileIdentity> identityOutside(const FileUrl &url) const;
     SystemResult<FileUrl> withoutLinksOnTheWay(const FileUrl &url) const;
@@ -53,11 +67,19 @@ void Resolver::resolve(const FileUrl &url)
         return resolveElsewhere(url);
     if (const auto identity = identityInGrant(*place)) {
         m_result.identities.push_back(*identity);
+        if (isLink(*place))
+            keepTargetOf(url);
     } else {
         m_result.lost.push_back({url.path(), identity.error()});
         if (identity.error() == ELOOP || identity.error() == ENOTDIR) // a link on the way
             resolveElsewhere(url);
     }
+}
+
+bool Resolver::isLink(const AnchoredPath &place) const
+{
+    const auto status = statusAnchored(m_calls, place);
+    return status && status->kind == FileKind::Link;
 }
 
 /// An exclusion whose path does not lead straight down from the granted folder may still end there.
@@ -76,8 +98,7 @@ void Resolver::resolveElsewhere(const FileUrl &url)
 
 bool Resolver::keep(const FileUrl &url)
 {
-    const auto place = m_access.anchoredPath(url);
-    const auto identity = place && place->anchor ? identityInGrant(*place) : identityOutside(url);
+    const auto identity = identityOf(url);
     if (identity)
         m_result.identities.push_back(*identity);
     else
@@ -85,16 +106,50 @@ bool Resolver::keep(const FileUrl &url)
     return identity.has_value();
 }
 
-/// An exclusion that is itself a link outside the granted folder means what the link leads to.
-void Resolver::keepTargetOf(const FileUrl &url)
+/// An exclusion that is itself a link means the link and what it leads to, past any other link. A
+/// link to nothing keeps only itself.
+void Resolver::keepTargetOf(const FileUrl &link)
 {
-    const auto target = m_calls.realPath(url.path().constData());
-    if (!target || *target == url.path())
-        return; // a link to nothing keeps only itself
-    const FileUrl real =
-        FileUrl::fromPath(*target, url.isFolder() ? FileUrlKind::Folder : FileUrlKind::File);
-    m_result.paths.add(real);
-    keep(real);
+    FileUrl last = link;
+    for (int step = 0; step < kMostLinks; ++step) {
+        const auto next = targetOf(last);
+        const int error = next ? 0 : next.error();
+        if (next && next->path() != last.path())
+            last = *next;
+        else if (next || error == EINVAL || error == ELOOP || isGone(error))
+            return; // no link any more, or one that leads nowhere
+        else
+            return m_result.lost.push_back({last.path(), error, true});
+        const auto identity = identityOf(last);
+        if (!identity && isGone(identity.error()))
+            return;
+        m_result.paths.add(last);
+        keep(last);
+    }
+}
+
+/// What a link holds, as a path without links on the way; EINVAL for what is no link.
+SystemResult<FileUrl> Resolver::targetOf(const FileUrl &link) const
+{
+    const auto folder = openAround(link);
+    if (!folder)
+        return tl::unexpected(folder.error());
+    const auto text = m_calls.readLink(folder->get(), link.lastPathComponent().constData());
+    if (!text)
+        return tl::unexpected(text.error());
+    const QByteArray target = text->startsWith('/') ? *text : pathAround(link) + *text;
+    const QByteArray name = target.sliced(target.lastIndexOf('/') + 1);
+    if (!name.isEmpty() && name != "." && name != "..")
+        return withoutLinksOnTheWay(FileUrl::fromPath(target, FileUrlKind::Folder));
+    return m_calls.realPath(target.constData()).map([](const QByteArray &real) {
+        return FileUrl::fromPath(real, FileUrlKind::Folder);
+    });
+}
+
+SystemResult<FileIdentity> Resolver::identityOf(const FileUrl &url) const
+{
+    const auto place = m_access.anchoredPath(url);
+    return place && place->anchor ? identityInGrant(*place) : identityOutside(url);
 }
 
 SystemResult<FileIdentity> Resolver::identityInGrant(const AnchoredPath &place) const
@@ -108,11 +163,18 @@ SystemResult<FileIdentity> Resolver::identityInGrant(const AnchoredPath &place) 
     return m_calls.identity(folder->get(), name.constData());
 }
 
+SystemResult<FileDescriptor> Resolver::openAround(const FileUrl &url) const
+{
+    const auto place = m_access.anchoredPath(url);
+    if (place && place->anchor && !place->relativePath.isEmpty())
+        return openAnchored(m_calls, anchoredEntry(*place).folder, Descent::AcrossMounts);
+    return m_calls.openRoot(pathAround(url).constData());
+}
+
 SystemResult<FileIdentity> Resolver::identityOutside(const FileUrl &url) const
 {
-    const QByteArray path = url.path();
     const QByteArray name = url.lastPathComponent();
-    const auto folder = m_calls.openRoot(path.first(path.size() - name.size()).constData());
+    const auto folder = m_calls.openRoot(pathAround(url).constData());
     if (!folder)
         return tl::unexpected(folder.error());
     return name.isEmpty() ? m_calls.identityOf(folder->get())
@@ -124,8 +186,7 @@ SystemResult<FileUrl> Resolver::withoutLinksOnTheWay(const FileUrl &url) const
     const QByteArray name = url.lastPathComponent();
     if (name.isEmpty())
         return url;
-    const QByteArray path = url.path();
-    const auto around = m_calls.realPath(path.first(path.size() - name.size()).constData());
+    const auto around = m_calls.realPath(pathAround(url).constData());
     if (!around)
         return tl::unexpected(around.error());
     return FileUrl::fromPath(*around + '/' + name,

@@ -10,7 +10,8 @@ class SystemCalls;
 
 /// The excluded files and folders as the file system knows them. An exclusion keeps what it leads
 /// to, also where its path goes through a link (a home that was moved, a granted home behind one)
-/// or another mount. A value; any thread.
+/// or another mount. One that is itself a link keeps the link and what that leads to. A value; any
+/// thread.
 struct ResolvedExclusions
 {
     /// One that could not be found.

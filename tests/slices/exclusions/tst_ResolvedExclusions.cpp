@@ -4,6 +4,7 @@
 #include "tests/support/disk/HookedSystem.h"
 #include "tests/support/run/TestMain.h"
 
+#include <algorithm>
 #include <cerrno>
 
 class TestResolvedExclusions final : public QObject
@@ -15,7 +16,10 @@ private Q_SLOTS:
 
     void findsWhatLiesInTheGrantedFolder();
     void addsNothingForPlainPaths();
-    void keepsALinkInTheGrantedFolderItself();
+    void keepsALinkAndWhatItLeadsTo_data();
+    void keepsALinkAndWhatItLeadsTo();
+    void keepsTheLinkAloneWhereItLeadsNowhere_data();
+    void keepsTheLinkAloneWhereItLeadsNowhere();
     void knowsAnExclusionBehindALink_data();
     void knowsAnExclusionBehindALink();
     void isLostWithoutHarmWhereNothingIs();
@@ -67,12 +71,45 @@ void TestResolvedExclusions::addsNothingForPlainPaths()
     QCOMPARE(resolved(FileUrl::fromPath("/", FileUrlKind::Folder)).paths.urls().size(), 1);
 }
 
-void TestResolvedExclusions::keepsALinkInTheGrantedFolderItself()
+void TestResolvedExclusions::keepsALinkAndWhatItLeadsTo_data()
 {
-    makeLink(*m_scratch / "home/Downloads/link", *m_scratch / "home/Downloads/Keep");
+    QTest::addColumn<QByteArray>("target");
+    QTest::addRow("by its full path") << (QByteArray("HOME") + "/Downloads/Keep");
+    QTest::addRow("beside it") << QByteArray("Keep");
+    QTest::addRow("around") << QByteArray("../Downloads/Keep");
+    QTest::addRow("past another link") << QByteArray("second");
+}
+
+void TestResolvedExclusions::keepsALinkAndWhatItLeadsTo()
+{
+    QFETCH(QByteArray, target);
+    makeLink(*m_scratch / "home/Downloads/second", "Keep");
+    makeLink(*m_scratch / "home/Downloads/link", target.replace("HOME", *m_scratch / "home"));
+    const CleaningPlan plan =
+        makeCleaningPlan(hostSystemCalls(), *m_home, {contentsOf({m_home->folder("Downloads")})},
+                         excluding({m_home->file("Downloads/link")}));
+    performCleaning(hostSystemCalls(), plan, {});
+    QVERIFY(inodeOf(*m_scratch / "home/Downloads/link") != 0);
+    QVERIFY(exists(*m_scratch / "home/Downloads/Keep/film"));
+    QCOMPARE(inodeOf(*m_scratch / "home/Downloads/second") != 0, target == "second");
+    QVERIFY(!exists(*m_scratch / "home/Downloads/other"));
+}
+
+void TestResolvedExclusions::keepsTheLinkAloneWhereItLeadsNowhere_data()
+{
+    QTest::addColumn<QByteArray>("target");
+    QTest::addRow("to nothing") << QByteArray("gone");
+    QTest::addRow("to itself") << QByteArray("link");
+}
+
+void TestResolvedExclusions::keepsTheLinkAloneWhereItLeadsNowhere()
+{
+    QFETCH(QByteArray, target);
+    makeLink(*m_scratch / "home/Downloads/link", target);
     const ResolvedExclusions found = resolved(m_home->file("Downloads/link"));
     QCOMPARE(found.identities.size(), std::size_t(1));
     QCOMPARE(found.identities[0].inode, inodeOf(*m_scratch / "home/Downloads/link"));
+    QVERIFY(std::ranges::none_of(found.lost, &ResolvedExclusions::Lost::isHidden));
 }
 
 void TestResolvedExclusions::knowsAnExclusionBehindALink_data()
