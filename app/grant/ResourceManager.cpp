@@ -54,6 +54,8 @@ public:
         return AnchoredPath{m_folder.folder, *below};
     }
 
+    std::optional<FileUrl> grantedFolder() const override { return m_folder.url; }
+
 private:
     const QByteArray m_grant;
     const GrantedFolder m_folder;
@@ -189,6 +191,7 @@ FileAccess &ResourceManager::access()
         {
             return home().anchoredPath(url);
         }
+        std::optional<FileUrl> grantedFolder() const override { return home().grantedFolder(); }
     };
     static const Indestructible<LateAccess> access;
     return *access;

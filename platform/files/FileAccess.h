@@ -28,6 +28,8 @@ public:
     /// The path on which the engines find this URL; nothing when the URL does not lie in the
     /// granted folder.
     virtual std::optional<AnchoredPath> anchoredPath(const FileUrl &url) const = 0;
+    /// The granted folder, for which the anchored path is the anchor itself; nothing without one.
+    virtual std::optional<FileUrl> grantedFolder() const { return std::nullopt; }
 };
 
 /// Holds the access as long as this object lives.

@@ -18,6 +18,16 @@ QByteArray pathAround(const FileUrl &url)
     return path.first(path.size() - url.lastPathComponent().size());
 }
 
+/// The folders on the way to an absolute path without a slash at its end, and the path itself.
+QByteArrayList pathsOnTheWay(const QByteArray &path)
+{
+    QByteArrayList paths;
+    for (qsizetype slash = path.indexOf('/', 1); slash > 0; slash = path.indexOf('/', slash + 1))
+        paths.append(path.first(slash));
+    paths.append(path);
+    return paths;
+}
+
 /// Whether nothing is there, rather than something that could not be looked at.
 bool isGone(int error)
 {
@@ -45,6 +55,8 @@ public:
 private:
     void resolve(const FileUrl &url);
     void resolveElsewhere(const FileUrl &url);
+    void addPathsInHome(const FileUrl &url);
+    std::optional<InodeId> idOf(const QByteArray &path) const;
     bool keep(const FileUrl &url);
     bool isLink(const AnchoredPath &place) const;
     void keepTargetOf(const FileUrl &link);
@@ -92,8 +104,38 @@ void Resolver::resolveElsewhere(const FileUrl &url)
     }
     if (*real != url)
         m_result.paths.add(*real);
+    addPathsInHome(*real);
     if (keep(*real))
         keepTargetOf(*real);
+}
+
+/// The home may be shown at another path too, by a mount that no link gives away. What is excluded
+/// there in or around the home is excluded by the home's own path as well.
+void Resolver::addPathsInHome(const FileUrl &url)
+{
+    const auto home = m_access.grantedFolder();
+    const auto homeId = home ? idOf(home->path()) : std::nullopt;
+    if (!homeId)
+        return;
+    const QByteArray path = url.path();
+    for (const QByteArray &around : pathsOnTheWay(path)) {
+        if (idOf(around) == homeId)
+            m_result.paths.add(
+                FileUrl::fromPath(home->path() + path.sliced(around.size()), FileUrlKind::Folder));
+    }
+    const auto excludedId = idOf(path);
+    for (const QByteArray &around : pathsOnTheWay(home->path())) {
+        if (excludedId && idOf(around) == excludedId)
+            m_result.paths.add(FileUrl::fromPath(around, FileUrlKind::Folder));
+    }
+}
+
+/// Nothing for what is no folder, or cannot be looked at.
+std::optional<InodeId> Resolver::idOf(const QByteArray &path) const
+{
+    const auto folder = m_calls.openRoot(path.constData());
+    const auto status = folder ? m_calls.statusOf(folder->get()) : tl::unexpected(folder.error());
+    return status ? std::optional(status->inodeId()) : std::nullopt;
 }
 
 bool Resolver::keep(const FileUrl &url)

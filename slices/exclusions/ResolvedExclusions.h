@@ -10,8 +10,8 @@ class SystemCalls;
 
 /// The excluded files and folders as the file system knows them. An exclusion keeps what it leads
 /// to, also where its path goes through a link (a home that was moved, a granted home behind one)
-/// or another mount. One that is itself a link keeps the link and what that leads to. A value; any
-/// thread.
+/// or another mount, such as one that shows the home a second time. One that is itself a link keeps
+/// the link and what that leads to. A value; any thread.
 struct ResolvedExclusions
 {
     /// One that could not be found.

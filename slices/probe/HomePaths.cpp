@@ -20,6 +20,23 @@ QByteArrayList withoutLast(const QByteArrayList &names)
     return names.first(names.size() - 1);
 }
 
+/// The inode of the folder to which a path leads.
+SystemResult<InodeId> idBehind(const SystemCalls &calls, const QByteArray &path)
+{
+    const auto real = calls.realPath(path.constData());
+    if (!real)
+        return tl::unexpected(real.error());
+    const auto folder = calls.openRoot(real->constData());
+    const auto status = folder ? calls.statusOf(folder->get()) : tl::unexpected(folder.error());
+    return status.map(&FileStatus::inodeId);
+}
+
+bool isSame(const SystemCalls &calls, const QByteArray &home, const QByteArray &other)
+{
+    const auto homeId = idBehind(calls, home);
+    return homeId && homeId == idBehind(calls, other);
+}
+
 /// What is left of the path behind the folder; nothing where it does not lead through it.
 std::optional<QByteArrayList> behind(const QByteArrayList &folder, const QByteArrayList &names)
 {
@@ -47,13 +64,18 @@ QByteArrayList HomePaths::leadingTo(const SystemCalls &calls, const QByteArray &
                                     const QByteArray &otherPath)
 {
     QByteArrayList paths{homePath};
-    if (!otherPath.startsWith('/') || otherPath == homePath)
-        return paths;
-    const auto home = calls.realPath(homePath.constData());
-    const auto other = calls.realPath(otherPath.constData());
-    if (home && other && *home == *other)
-        paths.append(otherPath);
+    for (const QByteArray &other : {otherPath, usualOtherPath(homePath)}) {
+        if (other.startsWith('/') && !paths.contains(other) && isSame(calls, homePath, other))
+            paths.append(other);
+    }
     return paths;
+}
+
+QByteArray HomePaths::usualOtherPath(const QByteArray &homePath)
+{
+    if (homePath.startsWith("/home/"))
+        return "/var" + homePath;
+    return homePath.startsWith("/var/home/") ? homePath.sliced(qstrlen("/var")) : QByteArray();
 }
 
 std::optional<QByteArray> HomePaths::below(const QByteArray &path) const

@@ -14,9 +14,14 @@ public:
     /// the reader must outlive this.
     HomePaths(const HomeProbe &reader, const QByteArrayList &paths);
 
-    /// The home's paths among these: its own, and the other where it leads to the same folder.
+    /// The home's paths: its own, and of the other one and usualOtherPath() those that lead to the
+    /// same folder, through links or as a mount.
     static QByteArrayList leadingTo(const SystemCalls &calls, const QByteArray &homePath,
                                     const QByteArray &otherPath);
+
+    /// The path at which systems with "/home" and "/var/home" often show a home too; empty for any
+    /// other home.
+    static QByteArray usualOtherPath(const QByteArray &homePath);
 
     /// Relative to the home, without "." and the like; nothing for a path that is not strictly
     /// below the home, or that goes through "..". Compares bytes and looks at no disk.

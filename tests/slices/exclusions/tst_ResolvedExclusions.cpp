@@ -2,10 +2,14 @@
 #include "slices/exclusions/ResolvedExclusions.h"
 #include "tests/slices/kit/CleaningKit.h"
 #include "tests/support/disk/HookedSystem.h"
+#include "tests/support/disk/OwnMounts.h"
+#include "tests/support/run/Administrator.h"
+#include "tests/support/run/ChildProcess.h"
 #include "tests/support/run/TestMain.h"
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
 
 class TestResolvedExclusions final : public QObject
 {
@@ -22,6 +26,8 @@ private Q_SLOTS:
     void keepsTheLinkAloneWhereItLeadsNowhere();
     void knowsAnExclusionBehindALink_data();
     void knowsAnExclusionBehindALink();
+    void knowsAnExclusionInAHomeShownElsewhere_data();
+    void knowsAnExclusionInAHomeShownElsewhere();
     void isLostWithoutHarmWhereNothingIs();
     void stopsEverythingWhileItCannotBeLookedAt();
 
@@ -142,6 +148,48 @@ void TestResolvedExclusions::knowsAnExclusionBehindALink()
     performCleaning(hostSystemCalls(), plan, {});
     QVERIFY(exists(*m_scratch / "home/Downloads/Keep/film"));
     QVERIFY(!exists(*m_scratch / "home/Downloads/other"));
+}
+
+void TestResolvedExclusions::knowsAnExclusionInAHomeShownElsewhere_data()
+{
+    QTest::addColumn<QByteArray>("excluded");
+    QTest::addColumn<QByteArray>("text");
+    QTest::addRow("the folder") << QByteArray("var/anna/Downloads") << QByteArray("Whole None");
+    QTest::addRow("in it") << QByteArray("var/anna/Downloads/Keep") << QByteArray("OnTheWay None");
+    QTest::addRow("the home") << QByteArray("var/anna") << QByteArray("Whole Whole");
+    QTest::addRow("around the home") << QByteArray("var") << QByteArray("Whole Whole");
+    QTest::addRow("elsewhere") << QByteArray("other/anna") << QByteArray("None None");
+}
+
+/// A mount shows the folder around the home at a second place.
+void TestResolvedExclusions::knowsAnExclusionInAHomeShownElsewhere()
+{
+    VANTOR_NEEDS_ADMINISTRATOR();
+    QFETCH(QByteArray, excluded);
+    MadeTree tree;
+    for (const char *path : {"home", "home/anna", "home/anna/Downloads", "home/anna/Documents",
+                             "home/anna/Downloads/Keep", "var", "other", "other/anna"})
+        tree.makeFolder(path);
+    const QByteArray text =
+        runInChild(ChildUser::Same, [&] {
+            const OwnMounts mounts(tree);
+            mounts.bind("home", "var");
+            const GrantedFolder access(tree.path("home/anna"));
+            const ResolvedExclusions found = resolveExclusions(
+                hostSystemCalls(), access,
+                excluding({FileUrl::fromPath(tree.path(excluded), FileUrlKind::Folder)}));
+            const auto matchOf = [&](const char *folder) {
+                const auto match = found.paths.matchByPath(access.folder(folder).path() + '/');
+                return match == ExclusionMatch::Whole  ? "Whole"
+                       : match == ExclusionMatch::None ? "None"
+                                                       : "OnTheWay";
+            };
+            std::fprintf(stderr, "%s%s %s",
+                         mounts.areMade() ? "" : "not made: ", matchOf("Downloads"),
+                         matchOf("Documents"));
+            return 0;
+        }).errorText;
+    QTEST(text, "text");
 }
 
 void TestResolvedExclusions::isLostWithoutHarmWhereNothingIs()

@@ -2,7 +2,12 @@
 #include "slices/probe/HomePaths.h"
 #include "tests/slices/kit/HomeKit.h"
 #include "tests/support/disk/HookedSystem.h"
+#include "tests/support/disk/OwnMounts.h"
+#include "tests/support/run/Administrator.h"
+#include "tests/support/run/ChildProcess.h"
 #include "tests/support/run/TestMain.h"
+
+#include <cstdio>
 
 /// What absolute paths mean in a home that is reached by two of them.
 class TestHomePaths final : public QObject
@@ -17,6 +22,8 @@ private Q_SLOTS:
     void followsLinksInsideTheHome();
     void looksAtNothingOutsideTheHome();
     void knowsAnotherPathThatLeadsToTheHome();
+    void knowsAHomeThatIsMountedElsewhereToo();
+    void knowsTheOtherPathOfUsualHomes();
     void seesHiddenFoldersOnTheWay_data();
     void seesHiddenFoldersOnTheWay();
 
@@ -132,6 +139,36 @@ void TestHomePaths::knowsAnotherPathThatLeadsToTheHome()
     for (const QByteArray &other : {m_home.path(), m_home.outside(""), m_home.outside("gone"),
                                     QByteArray("alias"), QByteArray()})
         QCOMPARE(leading(other), QByteArrayList{m_home.path()});
+}
+
+void TestHomePaths::knowsAHomeThatIsMountedElsewhereToo()
+{
+    VANTOR_NEEDS_ADMINISTRATOR();
+    MadeTree tree;
+    for (const char *path : {"home", "home/anna", "var", "other", "other/anna"})
+        tree.makeFolder(path);
+    const QByteArray text =
+        runInChild(ChildUser::Same, [&] {
+            const OwnMounts mounts(tree);
+            mounts.bind("home", "var");
+            const auto isAnother = [&](const char *path) {
+                return HomePaths::leadingTo(hostSystemCalls(), tree.path("home/anna"),
+                                            tree.path(path))
+                           .size() == 2;
+            };
+            std::fprintf(stderr, "%d %d %d", mounts.areMade(), isAnother("var/anna"),
+                         isAnother("other/anna"));
+            return 0;
+        }).errorText;
+    QCOMPARE(text, QByteArray("1 1 0"));
+}
+
+void TestHomePaths::knowsTheOtherPathOfUsualHomes()
+{
+    QCOMPARE(HomePaths::usualOtherPath("/home/anna"), QByteArray("/var/home/anna"));
+    QCOMPARE(HomePaths::usualOtherPath("/var/home/anna"), QByteArray("/home/anna"));
+    for (const char *other : {"/root", "/home", "/homes/anna", "/var/homes/anna", "/data/anna"})
+        QCOMPARE(HomePaths::usualOtherPath(other), QByteArray());
 }
 
 void TestHomePaths::seesHiddenFoldersOnTheWay_data()

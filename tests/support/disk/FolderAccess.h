@@ -46,6 +46,11 @@ public:
         return AnchoredPath{m_anchor, url.path().sliced(m_folder.size() + 1)};
     }
 
+    std::optional<FileUrl> grantedFolder() const override
+    {
+        return FileUrl::fromPath(m_folder, FileUrlKind::Folder);
+    }
+
     /// URLs of what lies in the folder.
     FileUrl folder(const QByteArray &relative) const
     {
