@@ -58,7 +58,7 @@ private:
     void addPathsInHome(const FileUrl &url);
     std::optional<InodeId> idOf(const QByteArray &path) const;
     bool keep(const FileUrl &url);
-    bool isLink(const AnchoredPath &place) const;
+    void keepTargetOf(const FileUrl &url, const AnchoredPath &place);
     void keepTargetOf(const FileUrl &link);
     SystemResult<FileUrl> targetOf(const FileUrl &link) const;
     SystemResult<FileIdentity> identityOf(const FileUrl &url) const;
@@ -79,8 +79,7 @@ void Resolver::resolve(const FileUrl &url)
         return resolveElsewhere(url);
     if (const auto identity = identityInGrant(*place)) {
         m_result.identities.push_back(*identity);
-        if (isLink(*place))
-            keepTargetOf(url);
+        keepTargetOf(url, *place);
     } else {
         m_result.lost.push_back({url.path(), identity.error()});
         if (identity.error() == ELOOP || identity.error() == ENOTDIR) // a link on the way
@@ -88,10 +87,14 @@ void Resolver::resolve(const FileUrl &url)
     }
 }
 
-bool Resolver::isLink(const AnchoredPath &place) const
+/// What may be a link, but does not tell, may lead anywhere.
+void Resolver::keepTargetOf(const FileUrl &url, const AnchoredPath &place)
 {
     const auto status = statusAnchored(m_calls, place);
-    return status && status->kind == FileKind::Link;
+    if (status && status->kind == FileKind::Link)
+        keepTargetOf(url);
+    else if (!status && !isGone(status.error()))
+        m_result.lost.push_back({url.path(), status.error(), true});
 }
 
 /// An exclusion whose path does not lead straight down from the granted folder may still end there.

@@ -245,8 +245,10 @@ void TestSlicesToClean::plansTheFixedPlacesBesideALibrary_data()
     const QByteArray chrome = "Library/Application Support/Google/Chrome/Default/";
     const QByteArray mail = "Library/Containers/com.apple.mail/Data/Library/Mail Downloads/";
     const QByteArrayList none;
-    QTest::newRow("empty") << QByteArrayList{"Library/"}
-                           << QByteArrayList{"Downloads: empty Downloads/"} << none;
+    QTest::newRow("nearly empty") << QByteArrayList{"Library/Logs/"}
+                                  << QByteArrayList{"App Logs: empty Library/Logs/",
+                                                    "Downloads: empty Downloads/"}
+                                  << none;
     QTest::newRow("full")
         << QByteArrayList{".Trash/x",
                           "Library/Caches/x",
@@ -275,7 +277,8 @@ void TestSlicesToClean::plansTheFixedPlacesBesideALibrary_data()
                     {chrome + "Cookies", chrome + "History", chrome + "Web Data",
                      "Library/Safari/History.plist", "Library/Safari/WebpageIcons.db"})
         << none;
-    QTest::newRow("links") << QByteArrayList{".Trash -> Documents",
+    QTest::newRow("links") << QByteArrayList{chrome + "History",
+                                             ".Trash -> Documents",
                                              "Library/Caches -> ../Documents",
                                              "Library/Logs -> ../../elsewhere",
                                              "Library/iTunes -> ../Documents",
@@ -283,7 +286,9 @@ void TestSlicesToClean::plansTheFixedPlacesBesideALibrary_data()
                                              "Library/Safari -> ../Documents",
                                              "Documents/iPad Software Updates/x",
                                              "Documents/History.plist"}
-                           << QByteArrayList{"Downloads: empty Downloads/"}
+                           << QByteArrayList{"Downloads: empty Downloads/",
+                                             "Browser Data: remove, whatever it is, " + chrome +
+                                                 "History"}
                            << each("a link: ", {".Trash", "Library/Caches", "Library/Logs",
                                                 "Library/iTunes/iPad Software Updates",
                                                 "Library/iTunes/iPod Software Updates",

@@ -379,6 +379,7 @@ void TestTrashCleaning::leavesTheFixedTrashAsItIs()
 {
     const Trash trash;
     trash.folderOf(kNobody, "Library");
+    trash.folderOf(kNobody, "Library/Caches");
     trash.folderOf(kNobody, ".Trash");
     trash.readOnlyFolder(".Trash/album");
     trash.tree.makeFile(kTrash + "directorysizes", 90);

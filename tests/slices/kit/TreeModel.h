@@ -41,8 +41,9 @@ public:
     const std::vector<Node> &nodes() const { return m_nodes; }
 
     /// What must be left of the folder when its contents are cleaned.
-    std::set<QByteArray> leftOfContents(const FileUrls &excluded, OtherNames names) const
+    std::set<QByteArray> leftOfContents(const FileUrls &given, OtherNames names) const
     {
+        const FileUrls excluded = withTargets(given, names);
         const bool isTouched = touches(excluded, m_folder);
         const bool isInside = std::any_of(excluded.begin(), excluded.end(), [&](const auto &url) {
             return isWithin(m_folder, url.path());
@@ -57,9 +58,10 @@ public:
     }
 
     /// What must be left of the folder when these of its nodes are removed themselves.
-    std::set<QByteArray> leftOfFiles(const std::vector<Node> &listed, const FileUrls &excluded,
+    std::set<QByteArray> leftOfFiles(const std::vector<Node> &listed, const FileUrls &given,
                                      OtherNames names) const
     {
+        const FileUrls excluded = withTargets(given, names);
         const bool isTouched = std::any_of(listed.begin(), listed.end(), [&](const Node &node) {
             return touches(excluded, node.path);
         });
@@ -157,6 +159,21 @@ private:
     {
         return std::any_of(excluded.begin(), excluded.end(),
                            [&](const FileUrl &url) { return isWithin(url.path(), node.path); });
+    }
+    /// An excluded link stands for what it leads to as well, past further links. Where calls may
+    /// fail, that may not be found out.
+    FileUrls withTargets(const FileUrls &excluded, OtherNames names) const
+    {
+        FileUrls all = excluded;
+        for (qsizetype i = 0; names == OtherNames::Known && i < all.size(); ++i) {
+            std::error_code error;
+            const auto target = std::filesystem::read_symlink(native(all[i].path()), error);
+            const QByteArray path = QByteArray::fromStdString(target.native());
+            const auto isThere = [&](const FileUrl &url) { return url.path() == path; };
+            if (!error && exists(path) && std::none_of(all.begin(), all.end(), isThere))
+                all.append(FileUrl::fromPath(path, FileUrlKind::Folder));
+        }
+        return all;
     }
     /// By its place in the tree, or because it is an excluded item under another name.
     bool isKept(const Node &node, const FileUrls &excluded, OtherNames names) const

@@ -73,6 +73,7 @@ protected:
     std::unique_ptr<PageFixture> m_fixture;
     DiskGate m_folders; ///< before they are opened
     DiskGate m_listings;
+    DiskGate m_sizes;             ///< before the one file in the caches is measured
     std::atomic<int> m_count = 0; ///< of the calls for folders and entries
     bool m_isSilent = false;      ///< whether the kind of the home cannot be told
     WatchedSystemCalls m_calls{[this](int, WatchedCall call, const char *name) {
@@ -83,6 +84,8 @@ protected:
             m_folders.pass();
         if (call == WatchedCall::ReadEntries)
             m_listings.pass();
+        if (call == WatchedCall::Status && qstrcmp(name, "a") == 0)
+            m_sizes.pass();
         return 0;
     }};
     std::unique_ptr<FreeSpaceViewController> m_page;
@@ -129,6 +132,7 @@ inline void FreeSpaceHomeTest::end()
 {
     m_folders.open();
     m_listings.open();
+    m_sizes.open();
     m_page.reset();
     awaitBackgroundThreads();
     QCOMPARE(ResourceManager::accessCount(), 0);

@@ -114,7 +114,7 @@ void TestFreeSpacePrograms::doesNotWaitForSlicesThatAreOff()
     QTRY_COMPARE(m_page->selection().totalSize(), 4'500'000);
     QTRY_VERIFY(m_page->selection().record(SliceKind::Cache).isMeasured());
     firefoxStarts();
-    m_listings.close();
+    m_sizes.close();
     m_page->next();
     QTRY_VERIFY(hasSheet(*m_page->view()));
 }
