@@ -90,7 +90,12 @@ void Resolver::resolve(const FileUrl &url)
 /// What may be a link, but does not tell, may lead anywhere.
 void Resolver::keepTargetOf(const FileUrl &url, const AnchoredPath &place)
 {
-    const auto status = statusAnchored(m_calls, place);
+    if (place.relativePath.isEmpty())
+        return;
+    const auto [around, name] = anchoredEntry(place);
+    const auto folder = openAnchored(m_calls, around, Descent::AcrossMounts);
+    const auto status =
+        folder ? m_calls.status(folder->get(), name.constData()) : tl::unexpected(folder.error());
     if (status && status->kind == FileKind::Link)
         keepTargetOf(url);
     else if (!status && !isGone(status.error()))
