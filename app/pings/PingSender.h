@@ -14,7 +14,8 @@ class QNetworkReply;
 struct PingHelper
 {
     QString program;
-    std::chrono::milliseconds limit = std::chrono::seconds(15); ///< then it is killed
+    static constexpr std::chrono::seconds kLongest{15};
+    std::chrono::milliseconds limit = kLongest; ///< then it is killed
 
     /// The helper that was installed beside the running program.
     static PingHelper besideTheProgram();

@@ -77,8 +77,8 @@ std::optional<SettingsContent> settingsFromText(const QByteArray &text)
     return SettingsContent{values.toObject(), damage.toString()};
 }
 
-SettingsFile::SettingsFile(const QString &folder, const SystemCalls &calls)
-    : m_folder(folder), m_calls(&calls)
+SettingsFile::SettingsFile(QString folder, const SystemCalls &calls)
+    : m_folder(std::move(folder)), m_calls(&calls)
 {
 }
 

@@ -60,7 +60,7 @@ struct SaveOutcome
 class SettingsFile final
 {
 public:
-    SettingsFile(const QString &folder, const SystemCalls &calls);
+    SettingsFile(QString folder, const SystemCalls &calls);
 
     /// The current content; when that is bad, it is set aside and the previous one is taken. With
     /// no file at all, an empty one.

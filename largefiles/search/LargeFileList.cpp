@@ -7,8 +7,8 @@
 #include <QSet>
 #include <algorithm>
 
-LargeFileList::LargeFileList(ReadSizes readSizes, QObject *parent)
-    : QAbstractListModel(parent), m_readSizes(std::move(readSizes))
+LargeFileList::LargeFileList(ReadSizes readSizes, Clock clock, QObject *parent)
+    : QAbstractListModel(parent), m_readSizes(std::move(readSizes)), m_clock(std::move(clock))
 {
 }
 
@@ -140,6 +140,8 @@ void LargeFileList::toggle(int row)
 void LargeFileList::setAdded(File &file, bool isAdded)
 {
     file.setIsAdded(isAdded);
+    if (isAdded && m_picked.empty())
+        m_pickedSince = m_clock ? m_clock() : Moment();
     if (isAdded)
         m_picked.insert(&file);
     else

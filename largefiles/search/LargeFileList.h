@@ -2,6 +2,7 @@
 
 #include "largefiles/search/CurrentSize.h"
 #include "largefiles/search/File.h"
+#include "platform/system/Moment.h"
 
 #include <QAbstractListModel>
 #include <QHash>
@@ -32,8 +33,11 @@ public:
     /// later; a question may stay unanswered when a later one was asked.
     using ReadSizes = std::function<void(const FileUrls &files, Answer answer)>;
 
-    /// Without a way to read sizes, the total is the sum of the sizes found.
-    explicit LargeFileList(ReadSizes readSizes = {}, QObject *parent = nullptr);
+    using Clock = std::function<Moment()>;
+
+    /// Without a way to read sizes, the total is the sum of the sizes found. Without a clock,
+    /// nothing is known of the time of the picks.
+    explicit LargeFileList(ReadSizes readSizes = {}, Clock clock = {}, QObject *parent = nullptr);
     ~LargeFileList() override;
 
     int rowCount(const QModelIndex &parent = {}) const override;
@@ -61,6 +65,8 @@ public:
 
     /// The picked files, the largest first.
     FileUrls selectedURLs() const;
+    /// When the first of them was picked: they were meant as they were then.
+    Moment pickedSince() const { return m_pickedSince; }
     /// The picked total in bytes, and as people read it.
     qint64 selectedSize() const;
     QString sizeString() const;
@@ -87,6 +93,8 @@ private:
     void takeSizes(const FileUrls &files, const QList<CurrentSize> &sizes);
 
     const ReadSizes m_readSizes;
+    const Clock m_clock;
+    Moment m_pickedSince;
     std::unordered_map<QByteArray, std::unique_ptr<File>> m_byPath;
     std::vector<File *> m_files; ///< in list order; bare, because a row in between moves all below
     /// Apart, so that a pick costs what is picked and not what is listed.

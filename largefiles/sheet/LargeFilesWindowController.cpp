@@ -10,6 +10,7 @@
 #include "platform/desktop/Workspace.h"
 #include "platform/look/Fonts.h"
 #include "platform/sheet/Sheet.h"
+#include "platform/system/SystemCalls.h"
 
 #include <QLabel>
 #include <QMenu>
@@ -51,9 +52,11 @@ LargeFilesWindowController::LargeFilesWindowController(const InterfaceLoader &lo
       m_services(std::move(services)),
       m_searchURLs(::searchURLs(m_services.home)),
       m_currentSizes(m_services.calls, m_services.access),
-      m_array([this](const FileUrls &files, LargeFileList::Answer answer) {
-          m_currentSizes.read(files, std::move(answer));
-      }),
+      m_array(
+          [this](const FileUrls &files, LargeFileList::Answer answer) {
+              m_currentSizes.read(files, std::move(answer));
+          },
+          [this] { return m_services.calls.now(); }),
       m_search(m_services.calls, m_services.access, m_array),
       m_picture({m_services.calls, m_services.access}, m_icons, m_services.home.home()),
       m_preview({m_services.calls, m_services.access}, m_array)

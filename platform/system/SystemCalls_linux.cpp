@@ -103,7 +103,8 @@ FileKind kindOfEntry(unsigned char type)
 
 template <typename Time> std::int64_t nanoseconds(const Time &time)
 {
-    return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
+    constexpr std::int64_t kSecond = 1'000'000'000;
+    return time.tv_sec * kSecond + time.tv_nsec;
 }
 
 FileStatus statusFrom(const struct statx &found)

@@ -18,7 +18,8 @@ namespace {
 
 std::int64_t nanoseconds(const timespec &time)
 {
-    return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
+    constexpr std::int64_t kSecond = 1'000'000'000;
+    return time.tv_sec * kSecond + time.tv_nsec;
 }
 
 std::int64_t clockTime(clockid_t clock)

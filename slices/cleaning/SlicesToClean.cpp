@@ -69,6 +69,7 @@ QList<SliceToClean> slicesToClean(const HomeLayout &layout,
 {
     QList<SliceToClean> slices;
     for (const auto &record : chosen) {
+        const qsizetype first = slices.size();
         const FileUrls locations = record->fileURLs().value_or(FileUrls());
         if (!locations.isEmpty() && layout.isInTrash(locations.constFirst())) {
             for (const FileUrl &location : locations)
@@ -76,8 +77,8 @@ QList<SliceToClean> slicesToClean(const HomeLayout &layout,
         } else {
             slices.append(locationsToClean(layout, *record, locations));
         }
+        for (qsizetype i = first; i < slices.size(); ++i)
+            slices[i].confirmed = record->chosenAt().value_or(confirmed);
     }
-    for (SliceToClean &slice : slices)
-        slice.confirmed = confirmed;
     return slices;
 }

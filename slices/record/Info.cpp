@@ -61,6 +61,18 @@ void Info::setFileURLs(const FileUrls &fileURLs, qint64 measuredBytes)
     postSizeChanged();
 }
 
+std::optional<Moment> Info::chosenAt() const
+{
+    const std::scoped_lock lock(m_mutex);
+    return m_chosenAt;
+}
+
+void Info::setChosenAt(const Moment &moment)
+{
+    const std::scoped_lock lock(m_mutex);
+    m_chosenAt = moment;
+}
+
 FileUrls Info::kept() const
 {
     const std::scoped_lock lock(m_mutex);

@@ -26,9 +26,9 @@ enum class FolderState { Unchanged, Changed };
 /// An entry of an open folder.
 struct EntryRef
 {
-    int folder;
+    int folder = -1;
     const QByteArray &folderPath; ///< raw, with a trailing slash; for reports and judgements only
-    const char *name;
+    const char *name = nullptr;
     FolderState around = FolderState::Changed; ///< of `folder`, when it was listed
 
     QByteArray path() const { return folderPath + name; }

@@ -18,6 +18,7 @@ private Q_SLOTS:
     void plansAndSearchesWhatTheUserNames();
     void takesTheTrashAndTheCacheOfTheEnvironment();
     void keepsWhatARecordKeeps();
+    void holdsEachSliceToTheTimeOfItsChoice();
     void plansTheFixedPlacesBesideALibrary_data();
     void plansTheFixedPlacesBesideALibrary();
 };
@@ -235,6 +236,22 @@ void TestSlicesToClean::keepsWhatARecordKeeps()
     const QList<SliceToClean> slices = slicesToClean(layout, {record}, Moment::never());
     QCOMPARE(slices.size(), 1);
     QCOMPARE(slices.first().kept, kept);
+}
+
+/// Single files are meant as they were when they were picked, the others as they were confirmed.
+void TestSlicesToClean::holdsEachSliceToTheTimeOfItsChoice()
+{
+    const MadeHome home({"Downloads/film", ".cache/y"});
+    const HomeLayout layout = home.survey();
+    const auto picked = Info::infoWithName(QStringLiteral("Large Files"),
+                                           FileUrls{home.access().file("Downloads/film")});
+    const auto cache =
+        Info::infoWithName(QStringLiteral("Cache"), layout.locations(SliceKind::Cache));
+    picked->setChosenAt({1, 1, 1});
+    const QList<SliceToClean> slices = slicesToClean(layout, {picked, cache}, {2, 2, 2});
+    QCOMPARE(slices.size(), 2);
+    QCOMPARE(slices.first().confirmed.stamp, 1);
+    QCOMPARE(slices.last().confirmed.stamp, 2);
 }
 
 void TestSlicesToClean::plansTheFixedPlacesBesideALibrary_data()

@@ -3,6 +3,8 @@
 #include "app/grant/ResourceManager.h"
 #include "largefiles/sheet/LargeFilesWindowController.h"
 #include "largefiles/sheet/TextButton.h"
+#include "platform/system/HostSystemCalls.h"
+#include "platform/system/SystemCalls.h"
 #include "slices/page/HomeWatch.h"
 #include "tests/support/disk/ForwardingSystemCalls.h"
 #include "tests/support/page/PageFixture.h"
@@ -42,6 +44,7 @@ private Q_SLOTS:
 
     void holdsTheAccessWhileTheSheetIsUp();
     void givesTheRecordWhatWasPicked();
+    void remembersWhenItWasPicked();
     void countsOnlyWhatMayBeDeleted();
     void staysShutWhenItMayNotPick_data();
     void staysShutWhenItMayNotPick();
@@ -152,6 +155,18 @@ void TestLargeFilesPicking::givesTheRecordWhatWasPicked()
     QVERIFY(!record().isOn());
     QCOMPARE(record().fileURLs().value_or(FileUrls()), FileUrls());
     QCOMPARE(record().fileSizeString().value_or(QString()), QStringLiteral("Click to select"));
+}
+
+/// A file that was replaced since then is not what the user has picked.
+void TestLargeFilesPicking::remembersWhenItWasPicked()
+{
+    openSheet();
+    const Moment before = hostSystemCalls().now();
+    sheet().addButtonPressed(0);
+    const Moment after = hostSystemCalls().now();
+    endSheet(sheet().addButton());
+    const Moment chosen = record().chosenAt().value_or(Moment::never());
+    QVERIFY(before.precise <= chosen.precise && chosen.precise <= after.precise);
 }
 
 /// The size text is the size on the disk; the slice's size is what a cleaning frees.
