@@ -108,7 +108,7 @@ void AppDelegate::tellDamage()
 {
     const QString reason = m_defaults->damageMessage();
     const bool mayBeOpenTwice =
-        m_configuration.instance && reason == m_configuration.instance->doubt();
+        m_configuration.instance != nullptr && reason == m_configuration.instance->doubt();
     presentAlert(m_mainWindowController->window(),
                  {.style = AlertStyle::Warning,
                   .messageText = mayBeOpenTwice ? tr("Vantor may be open more than once.")

@@ -26,12 +26,15 @@ bool isFilmOrSound(const FileUrl &file)
 /// A time as clocks show it: "1:05", "2:00:00".
 QString clockTime(qint64 milliseconds)
 {
+    constexpr qint64 kSixty = 60;
     const qint64 seconds = milliseconds / 1000;
-    const QString tail = QStringLiteral(":%1").arg(seconds % 60, 2, 10, QLatin1Char('0'));
-    const qint64 minutes = seconds / 60;
-    if (minutes < 60)
+    const QString tail = QStringLiteral(":%1").arg(seconds % kSixty, 2, 10, QLatin1Char('0'));
+    const qint64 minutes = seconds / kSixty;
+    if (minutes < kSixty)
         return QString::number(minutes) + tail;
-    return QStringLiteral("%1:%2").arg(minutes / 60).arg(minutes % 60, 2, 10, QLatin1Char('0')) +
+    return QStringLiteral("%1:%2")
+               .arg(minutes / kSixty)
+               .arg(minutes % kSixty, 2, 10, QLatin1Char('0')) +
            tail;
 }
 

@@ -135,7 +135,7 @@ std::optional<Thumbnailer> thumbnailerFor(const QString &mimeType)
     const QMimeType type = QMimeDatabase().mimeTypeForName(mimeType);
     const QStringList names = QStringList{mimeType, type.name()} + type.aliases();
     for (const QString &entry : installedEntries()) {
-        const auto thumbnailer = readThumbnailer(entry);
+        auto thumbnailer = readThumbnailer(entry);
         if (!thumbnailer)
             continue;
         for (const QString &name : names) {

@@ -27,13 +27,13 @@ public:
     /// Tells whether a file may be deleted.
     using Judge = std::function<bool(const FileUrl &file)>;
 
-    FolderSearch(const LargeFileQuery &query, const QByteArrayList &excluded, const FileUrl &folder,
-                 LargeFileListener &listener, const Judge &mayBeDeleted)
+    FolderSearch(const LargeFileQuery &query, const QByteArrayList &excluded, FileUrl folder,
+                 LargeFileListener &listener, Judge mayBeDeleted)
         : m_query(query),
           m_excluded(excluded),
-          m_folder(folder),
+          m_folder(std::move(folder)),
           m_listener(listener),
-          m_mayBeDeleted(mayBeDeleted)
+          m_mayBeDeleted(std::move(mayBeDeleted))
     {
     }
 
@@ -96,7 +96,7 @@ private:
     const QByteArrayList &m_excluded;
     const FileUrl m_folder;
     LargeFileListener &m_listener;
-    const Judge &m_mayBeDeleted;
+    const Judge m_mayBeDeleted;
     std::stop_source m_end;
 
     std::mutex m_mutex; ///< one thing at a time for the listener
@@ -186,6 +186,7 @@ qint64 walk(const SystemCalls &calls, FileDescriptor folder, FolderSearch &searc
     std::vector<SearchVisitor> visitors(threads == 0 ? usefulWalkThreads() : threads,
                                         SearchVisitor(search));
     std::vector<DirectoryVisitor *> team;
+    team.reserve(visitors.size());
     for (SearchVisitor &visitor : visitors)
         team.push_back(&visitor);
     walkDirectory(calls, std::move(folder), {}, search.end(), team);

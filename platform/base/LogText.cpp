@@ -1,5 +1,7 @@
 #include "platform/base/LogText.h"
 
+#include <QList>
+
 namespace {
 
 bool isShown(char32_t character)

@@ -7,9 +7,13 @@
 /// What each process of a program may use.
 struct ProcessLimits
 {
-    std::optional<quint64> memory = 4ULL << 30; ///< address space, in bytes
-    quint64 fileSize = 64ULL << 20;             ///< of each file it writes, in bytes
-    std::optional<std::chrono::seconds> processorTime = std::chrono::seconds(30);
+    static constexpr quint64 kMemory = 4ULL * 1024 * 1024 * 1024;
+    static constexpr quint64 kFileSize = 64ULL * 1024 * 1024;
+    static constexpr std::chrono::seconds kProcessorTime{30};
+
+    std::optional<quint64> memory = kMemory; ///< address space, in bytes
+    quint64 fileSize = kFileSize;            ///< of each file it writes, in bytes
+    std::optional<std::chrono::seconds> processorTime = kProcessorTime;
 };
 
 /// What a program that is not trusted gets from this one. A value.

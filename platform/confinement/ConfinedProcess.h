@@ -26,4 +26,4 @@ struct ConfinedProcess
 /// Once it takes too long or the token says stop, it is killed. The processes that it has started
 /// end with it. One that left its process group on purpose does not: the limits hold for it too,
 /// but nothing waits for it. Any thread but the main one; blocks.
-std::optional<int> runConfined(const ConfinedProcess &process, const std::stop_token &stop);
+std::optional<int> runConfined(const ConfinedProcess &wanted, const std::stop_token &stop);

@@ -42,7 +42,7 @@ public:
 
     void add(std::uint32_t action, int call, std::initializer_list<scmp_arg_cmp> conditions)
     {
-        m_isGood = m_isGood && m_filter &&
+        m_isGood = m_isGood && m_filter != nullptr &&
                    ::seccomp_rule_add_array(m_filter, action, call, unsigned(conditions.size()),
                                             conditions.begin()) == 0;
     }
@@ -50,7 +50,7 @@ public:
     /// For all threads.
     bool apply() const
     {
-        return m_isGood && m_filter &&
+        return m_isGood && m_filter != nullptr &&
                ::seccomp_attr_set(m_filter, SCMP_FLTATR_CTL_TSYNC, 1) == 0 &&
                ::seccomp_load(m_filter) == 0;
     }

@@ -16,8 +16,9 @@ __u64 rightsOf(long version)
     constexpr __u64 kMoveAcross = 1ULL << 13;    // from version 2 on
     constexpr __u64 kTruncate = 1ULL << 14;      // 3
     constexpr __u64 kDeviceControl = 1ULL << 15; // 5
+    constexpr int kHasDeviceControl = 5;
     return kFirst | (version >= 2 ? kMoveAcross : 0) | (version >= 3 ? kTruncate : 0) |
-           (version >= 5 ? kDeviceControl : 0);
+           (version >= kHasDeviceControl ? kDeviceControl : 0);
 }
 
 void letRead(int rules, const char *folder)

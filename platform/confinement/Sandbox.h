@@ -35,7 +35,7 @@ struct Sandbox
     /// Whether the system lets us make sandboxes; tries it. Blocks; not on the main thread.
     bool isUsable() const;
     /// The arguments with which bubblewrap runs the program.
-    QStringList arguments(const SandboxedProgram &program) const;
+    QStringList arguments(const SandboxedProgram &wanted) const;
 
     QString bubblewrap = installedBubblewrap();
     QString entrance = besideTheProgram();

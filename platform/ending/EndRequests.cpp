@@ -13,14 +13,18 @@ namespace {
 constexpr std::array kSignals{SIGTERM, SIGINT, SIGHUP};
 
 /// The end of the pipe to which the handler writes; -1 while there is none.
-volatile std::sig_atomic_t s_writeEnd = -1;
+volatile std::sig_atomic_t &writeEnd()
+{
+    static constinit volatile std::sig_atomic_t value = -1;
+    return value;
+}
 
 /// Runs between any two instructions of any thread, so it may do next to nothing.
 void passOn(int signal)
 {
     const int error = errno;
     const auto number = static_cast<char>(signal);
-    [[maybe_unused]] const ssize_t written = ::write(s_writeEnd, &number, 1);
+    [[maybe_unused]] const ssize_t written = ::write(writeEnd(), &number, 1);
     errno = error;
 }
 
@@ -56,7 +60,7 @@ EndRequests::EndRequests()
     makePrivate(ends[1]);
     m_notifier = std::make_unique<QSocketNotifier>(m_readEnd.get(), QSocketNotifier::Read);
     connect(m_notifier.get(), &QSocketNotifier::activated, this, &EndRequests::takeSignals);
-    s_writeEnd = m_writeEnd.get();
+    writeEnd() = m_writeEnd.get();
     setAction(SIGTERM, passOn, SA_RESTART | SA_RESETHAND);
     setAction(SIGINT, passOn, SA_RESTART | SA_RESETHAND);
     setAction(SIGHUP, passOn, SA_RESTART);
@@ -66,7 +70,7 @@ EndRequests::~EndRequests()
 {
     for (const int signal : kSignals)
         setAction(signal, SIG_DFL, 0);
-    s_writeEnd = -1;
+    writeEnd() = -1;
 }
 
 void EndRequests::takeSignals()
@@ -74,7 +78,7 @@ void EndRequests::takeSignals()
     char number = 0;
     while (::read(m_readEnd.get(), &number, 1) == 1) {
         if (m_signal == 0)
-            m_signal = number;
+            m_signal = static_cast<unsigned char>(number);
         Q_EMIT endAsked();
     }
 }

@@ -14,8 +14,17 @@ using namespace std::chrono_literals;
 /// A removal ends at its next item; only a disk that does not answer takes longer.
 constexpr auto kPatience = 5s;
 
-constinit std::atomic<bool> s_isOn = false;
-constinit std::terminate_handler s_terminate = nullptr;
+std::atomic<bool> &isOn()
+{
+    static constinit std::atomic<bool> value = false;
+    return value;
+}
+
+std::terminate_handler &formerTerminate()
+{
+    static constinit std::terminate_handler value = nullptr;
+    return value;
+}
 
 void stopWork()
 {
@@ -25,7 +34,7 @@ void stopWork()
 
 void leave()
 {
-    if (!s_isOn)
+    if (!isOn())
         return;
     stopWork();
     endProcess({.exitCode = EXIT_FAILURE});
@@ -35,7 +44,7 @@ void leave()
 [[noreturn]] void terminate()
 {
     stopWork();
-    s_terminate();
+    formerTerminate()();
     std::abort();
 }
 
@@ -44,12 +53,12 @@ void leave()
 ExitGuard::ExitGuard()
 {
     [[maybe_unused]] static const bool isRegistered = std::atexit(leave) == 0;
-    s_terminate = std::set_terminate(terminate);
-    s_isOn = true;
+    formerTerminate() = std::set_terminate(terminate);
+    isOn() = true;
 }
 
 ExitGuard::~ExitGuard()
 {
-    s_isOn = false;
-    std::set_terminate(s_terminate);
+    isOn() = false;
+    std::set_terminate(formerTerminate());
 }

@@ -6,8 +6,17 @@
 
 namespace {
 
-volatile std::sig_atomic_t s_lateCode = 0;
-volatile std::sig_atomic_t s_lateSignal = 0;
+volatile std::sig_atomic_t &lateCode()
+{
+    static constinit volatile std::sig_atomic_t value = 0;
+    return value;
+}
+
+volatile std::sig_atomic_t &lateSignal()
+{
+    static constinit volatile std::sig_atomic_t value = 0;
+    return value;
+}
 
 /// Calls only what a signal handler may call.
 [[noreturn]] void leave(int exitCode, int signal)
@@ -25,7 +34,7 @@ volatile std::sig_atomic_t s_lateSignal = 0;
 
 void leaveLate(int)
 {
-    leave(s_lateCode, s_lateSignal);
+    leave(lateCode(), lateSignal());
 }
 
 } // namespace
@@ -37,8 +46,8 @@ void endProcess(const ProcessEnd &end)
 
 void endProcessAfter(std::chrono::seconds patience, const ProcessEnd &end)
 {
-    s_lateCode = end.exitCode;
-    s_lateSignal = end.signal;
+    lateCode() = end.exitCode;
+    lateSignal() = end.signal;
     ::signal(SIGALRM, leaveLate);
     ::alarm(static_cast<unsigned>(patience.count()));
 }
