@@ -54,8 +54,6 @@ public:
 
     /// The picked files, in list order.
     FileUrls selectedURLs() const { return m_array.selectedURLs(); }
-    /// When the first of them was picked.
-    Moment pickedSince() const { return m_array.pickedSince(); }
     /// The picked total, "Zero KB" for none: the present sizes, as far as they have been read.
     QString sizeString() const { return m_array.sizeString(); }
     /// What of it a cleaning would free, in bytes: files that may not be deleted count 0.

@@ -1,10 +1,10 @@
 #include "slices/page/CleaningJob.h"
 
-#include "slices/plan/CleaningReportBuilder.h"
 #include "slices/cleaning/RecordLocations.h"
 #include "slices/cleaning/SlicesToClean.h"
 #include "slices/exclusions/ExcludedPaths.h"
 #include "slices/home/CacheInUse.h"
+#include "slices/plan/CleaningReportBuilder.h"
 #include "slices/record/Info.h"
 #include "slices/sizing/FolderSizing.h"
 

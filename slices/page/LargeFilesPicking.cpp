@@ -61,7 +61,7 @@ void LargeFilesPicking::takePickedFiles()
     record.setFileSizeString(files.isEmpty() ? QString::fromUtf16(kClickToSelect)
                                              : picker.sizeString());
     record.setFileURLs(files, picker.deletableSize());
-    record.setChosenAt(picker.pickedSince());
+    record.setChosenAt(windowController().array().pickedSince());
     Q_EMIT picked();
     m_services.selection.updateSelectedSlicesUserDefaults();
 }

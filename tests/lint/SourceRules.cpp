@@ -100,7 +100,7 @@ bool mayRemove(const SourceText &source)
         QStringLiteral(
             "platform/files/DurableFile.cpp"), // files that it wrote itself beside its own file
         QStringLiteral("platform/system/SystemClocks_linux.cpp"), // a file of its own
-        QStringLiteral("slices/removal/RemovalSteps.cpp"),       // the entries of the plan
+        QStringLiteral("slices/removal/RemovalSteps.cpp"),        // the entries of the plan
         QStringLiteral("slices/removal/ExactRemoval.cpp"), // the same, where it must be exact
     };
     return places.contains(source.path);
@@ -111,8 +111,8 @@ bool mayStartThreads(const SourceText &source)
     static const QStringList places{
         QStringLiteral("platform/threads/BackgroundThreads.cpp"), // all background work
         QStringLiteral("platform/walk/WalkPool.h"),               // a walk that forks and joins
-        QStringLiteral("slices/removal/ParallelRemover.cpp"),    // a removal that forks and joins
-        QStringLiteral("slices/removal/ConfinedRun.cpp"),        // confined for good, and joined
+        QStringLiteral("slices/removal/ParallelRemover.cpp"),     // a removal that forks and joins
+        QStringLiteral("slices/removal/ConfinedRun.cpp"),         // confined for good, and joined
     };
     return places.contains(source.path);
 }
