@@ -1,5 +1,8 @@
 #include "slices/page/CleaningJob.h"
 
+#include "platform/base/Log.h"
+#include "platform/system/SystemCalls.h"
+#include "platform/system/ThreadConfinement.h"
 #include "slices/cleaning/RecordLocations.h"
 #include "slices/cleaning/SlicesToClean.h"
 #include "slices/exclusions/ExcludedPaths.h"
@@ -7,6 +10,8 @@
 #include "slices/plan/CleaningReportBuilder.h"
 #include "slices/record/Info.h"
 #include "slices/sizing/FolderSizing.h"
+
+#include <mutex>
 
 namespace {
 
@@ -21,6 +26,17 @@ QByteArrayList foundInUse(const CleaningReport &report, const CleaningPlan &plan
             found.append(refusal.path);
     }
     return found;
+}
+
+void logConfinementOnce(const SystemCalls &calls)
+{
+    static std::once_flag logged;
+    std::call_once(logged, [&] {
+        qCInfo(logVantor, "%s",
+               calls.confinement().isAvailable()
+                   ? "the kernel confines the threads that remove"
+                   : "the kernel cannot confine threads: the way up is looked at instead");
+    });
 }
 
 CleaningReport cleanDisk(const SystemCalls &calls, FileAccess &access, const Records &chosen,
@@ -39,6 +55,7 @@ CleaningReport cleanDisk(const SystemCalls &calls, FileAccess &access, const Rec
     const CleaningPlan plan =
         makeCleaningPlan(calls, access, slicesToClean(layout, chosen, moment), excluded, inUse);
     CacheInUse caches(calls, layout);
+    logConfinementOnce(calls);
     const auto inUseNow = [&](const CleaningLocation &location, const FileUrl &entry) {
         // The outer folders come first: what is inside one is not told of and subtracted again.
         FileUrls found;
