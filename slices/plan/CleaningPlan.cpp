@@ -27,6 +27,8 @@ private:
     void planSlice(const SliceToClean &slice);
     void planLocation(CleaningLocation location);
     void dropWhatGoesWithNothing();
+    void putFilesInFoldersLast();
+    bool isInPlannedFolder(const CleaningLocation &location) const;
     bool isExcludedByPath(const CleaningLocation &location) const;
     bool anchor(CleaningLocation &location);
     struct Obstacle
@@ -45,6 +47,7 @@ private:
     const QList<SliceToClean> &m_slices;
     CleaningPlan m_plan;
     std::vector<ResolvedExclusions::Lost> m_lost;
+    QByteArrayList m_folders; ///< planned to be emptied; with a slash at the end
 };
 
 CleaningPlan CleaningPlanner::plan(const FileUrls &inUse)
@@ -55,6 +58,7 @@ CleaningPlan CleaningPlanner::plan(const FileUrls &inUse)
         for (const SliceToClean &slice : m_slices)
             planSlice(slice);
         dropWhatGoesWithNothing();
+        putFilesInFoldersLast();
     }
     for (const FileUrl &url : inUse)
         refuse(url.path(), RefusalReason::InUse);
@@ -149,6 +153,28 @@ void CleaningPlanner::dropWhatGoesWithNothing()
                 return slice.fileURLs.contains(location.url);
             });
     }
+}
+
+/// The removal of a single file changes the folder around it, which would look like a change by
+/// somebody else when that folder is emptied.
+void CleaningPlanner::putFilesInFoldersLast()
+{
+    for (const CleaningLocation &location : m_plan.m_locations) {
+        if (location.content == SliceContent::Folders)
+            m_folders.append(location.url.path() + '/');
+    }
+    std::stable_partition(
+        m_plan.m_locations.begin(), m_plan.m_locations.end(),
+        [this](const CleaningLocation &location) { return !isInPlannedFolder(location); });
+}
+
+bool CleaningPlanner::isInPlannedFolder(const CleaningLocation &location) const
+{
+    if (location.content != SliceContent::Files)
+        return false;
+    return std::any_of(m_folders.begin(), m_folders.end(), [&](const QByteArray &folder) {
+        return location.url.path().startsWith(folder);
+    });
 }
 
 bool CleaningPlanner::isExcludedByPath(const CleaningLocation &location) const

@@ -86,7 +86,8 @@ struct CleaningLocation
     RemovalScope whatGoes = RemovalScope::Everything;
 };
 
-/// Exactly what a cleaning may remove: locations in order, and what is kept inside them. Only
+/// Exactly what a cleaning may remove: locations in order, but single files in a location that is
+/// emptied after all others, and what is kept inside them. Only
 /// makeCleaningPlan() makes one. A value that holds the granted folder open; any thread.
 class CleaningPlan final
 {

@@ -37,6 +37,7 @@ private Q_SLOTS:
     void removesWhatStoodThereBefore_data();
     void removesWhatStoodThereBefore();
     void removesAllNamesOfAFile();
+    void takesItsOwnRemovalsForNoChangesByOthers();
     void keepsAnExcludedFileThatTakesAnothersName_data();
     void keepsAnExcludedFileThatTakesAnothersName();
     void putsBackWhatAKilledCleaningHasMovedAside();
@@ -261,6 +262,23 @@ void TestCleaningMoves::removesAllNamesOfAFile()
         std::filesystem::create_hard_link(native(m_downloads + "/a"), native(m_downloads + name));
     }
     const CleaningReport report = cleanSince(momentBetween());
+    QCOMPARE(report.refusalCount, 0U);
+    QVERIFY(tree(m_downloads).empty());
+}
+
+/// Large files were picked in a folder that is emptied, too. Their removal changes the folders
+/// around them.
+void TestCleaningMoves::takesItsOwnRemovalsForNoChangesByOthers()
+{
+    for (const char *name : {"/large", "/folder/large", "/folder/deep/small", "/folder/small"})
+        makeFile(m_downloads + name);
+    const Moment confirmed = momentBetween();
+    SliceToClean large =
+        theFiles({m_home->file("Downloads/large"), m_home->file("Downloads/folder/large")});
+    SliceToClean downloads = contentsOf({m_home->folder("Downloads")});
+    large.confirmed = downloads.confirmed = confirmed;
+    const LogRecorder silenced;
+    const CleaningReport report = clean(*m_home, {large, downloads});
     QCOMPARE(report.refusalCount, 0U);
     QVERIFY(tree(m_downloads).empty());
 }
