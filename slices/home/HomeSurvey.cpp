@@ -37,7 +37,7 @@ SystemResult<bool> isInLibrary(const SystemCalls &calls, const AnchoredPath &hom
 {
     const FileKind wanted =
         slice.content == SliceContent::Folders ? FileKind::Folder : FileKind::Regular;
-    for (const QByteArray path : slice.libraryPaths) {
+    for (const QByteArray path : slice.fixedPaths) {
         if (!path.startsWith(QByteArray(kLibrary) + '/'))
             continue;
         const auto status = statusAnchored(calls, {home.anchor, path});

@@ -16,7 +16,7 @@ constexpr Slices kSlices{{
      .secondaryColor = {103, 166, 56},
      .isOnByDefault = true,
      .reveal = RevealPolicy::Always,
-     .libraryPaths = {".Trash"}},
+     .fixedPaths = {".Trash"}},
     {.kind = SliceKind::LargeFiles,
      .name = u"Large Files",
      .details = u"View all files (except files excluded in the Preferences) organized by size. "
@@ -32,7 +32,7 @@ constexpr Slices kSlices{{
      .color = {167, 118, 235},
      .secondaryColor = {135, 100, 183},
      .isOnByDefault = true,
-     .libraryPaths = {"Library/Caches"}},
+     .fixedPaths = {"Library/Caches"}},
     {.kind = SliceKind::AppLogs,
      .name = u"App Logs",
      .details = u"Similar to Cache, some apps make log files that could end up leading to large "
@@ -40,7 +40,7 @@ constexpr Slices kSlices{{
      .color = {93, 156, 236},
      .secondaryColor = {46, 126, 227},
      .isOnByDefault = true,
-     .libraryPaths = {"Library/Logs"}},
+     .fixedPaths = {"Library/Logs"}},
     {.kind = SliceKind::OldIos,
      .name = u"Old iOS",
      .details = u"Every single iOS update that is downloaded from iTunes is stored on your Mac.",
@@ -50,9 +50,8 @@ constexpr Slices kSlices{{
      .secondaryColor = {123, 186, 82},
      .isOnByDefault = true,
      .reveal = RevealPolicy::WhenThere,
-     .libraryPaths = {"Library/iTunes/iPad Software Updates",
-                      "Library/iTunes/iPod Software Updates",
-                      "Library/iTunes/iPhone Software Updates"}},
+     .fixedPaths = {"Library/iTunes/iPad Software Updates", "Library/iTunes/iPod Software Updates",
+                    "Library/iTunes/iPhone Software Updates"}},
     {.kind = SliceKind::Downloads,
      .name = u"Downloads",
      .details = u"Delete all items in the downloads folder. Please make sure to view and check "
@@ -60,7 +59,7 @@ constexpr Slices kSlices{{
      .color = {242, 175, 37},
      .secondaryColor = {237, 160, 29},
      .reveal = RevealPolicy::Always,
-     .libraryPaths = {"Downloads"}},
+     .fixedPaths = {"Downloads"}},
     {.kind = SliceKind::MailDownloads,
      .name = u"Mail Downloads",
      .details = u"Attachments downloaded in Mail are stored in your hard drive when they are "
@@ -70,7 +69,7 @@ constexpr Slices kSlices{{
      .color = {215, 112, 173},
      .secondaryColor = {220, 86, 165},
      .reveal = RevealPolicy::Always,
-     .libraryPaths = {"Library/Containers/com.apple.mail/Data/Library/Mail Downloads"}},
+     .fixedPaths = {"Library/Containers/com.apple.mail/Data/Library/Mail Downloads"}},
     {.kind = SliceKind::BrowserData,
      .name = u"Browser Data",
      .details = u"Removes browser data from Safari and Chrome such as cookie files and website "
@@ -80,10 +79,10 @@ constexpr Slices kSlices{{
      .color = {62, 173, 228},
      .secondaryColor = {18, 164, 236},
      .content = SliceContent::Files,
-     .libraryPaths = {"Library/Application Support/Google/Chrome/Default/Cookies",
-                      "Library/Application Support/Google/Chrome/Default/History",
-                      "Library/Application Support/Google/Chrome/Default/Web Data",
-                      "Library/Safari/History.plist", "Library/Safari/WebpageIcons.db"}},
+     .fixedPaths = {"Library/Application Support/Google/Chrome/Default/Cookies",
+                    "Library/Application Support/Google/Chrome/Default/History",
+                    "Library/Application Support/Google/Chrome/Default/Web Data",
+                    "Library/Safari/History.plist", "Library/Safari/WebpageIcons.db"}},
 }};
 
 /// A slice is found by its kind, so each row must stand at its kind's index, and none may be
@@ -119,7 +118,7 @@ std::optional<FileUrls> sliceLocations(SliceKind kind, const FileUrl &home)
     const FileUrlKind urlKind =
         slice.content == SliceContent::Folders ? FileUrlKind::Folder : FileUrlKind::File;
     FileUrls urls;
-    for (const char *path : slice.libraryPaths) {
+    for (const char *path : slice.fixedPaths) {
         if (path)
             urls.append(home.appending(path, urlKind));
     }

@@ -60,7 +60,7 @@ struct SliceDescription
     RevealPolicy reveal = RevealPolicy::Never;
     /// The locations in a home with a Library, relative to the home; unused ones are null. In a
     /// freedesktop home a survey finds them.
-    Paths libraryPaths{};
+    Paths fixedPaths{};
 };
 
 /// A slice that is off.
