@@ -133,7 +133,7 @@ bool infoIsFilesNotFolders(const Info &record)
 
 std::optional<SliceKind> sliceKindNamed(const QString &name)
 {
-    const auto slice = std::ranges::find_if(
+    const auto *const slice = std::ranges::find_if(
         kSlices, [&](const SliceDescription &each) { return name == QStringView(each.name); });
     return slice == kSlices.end() ? std::nullopt : std::optional(slice->kind);
 }
