@@ -65,7 +65,7 @@ SliceToClean locationsToClean(const HomeLayout &layout, const Info &record,
 
 QList<SliceToClean> slicesToClean(const HomeLayout &layout,
                                   const std::vector<std::shared_ptr<Info>> &chosen,
-                                  const Moment &confirmed)
+                                  const Confirmation &confirmation)
 {
     QList<SliceToClean> slices;
     for (const auto &record : chosen) {
@@ -77,8 +77,11 @@ QList<SliceToClean> slicesToClean(const HomeLayout &layout,
         } else {
             slices.append(locationsToClean(layout, *record, locations));
         }
-        for (qsizetype i = first; i < slices.size(); ++i)
-            slices[i].confirmed = record->chosenAt().value_or(confirmed);
+        for (qsizetype i = first; i < slices.size(); ++i) {
+            slices[i].confirmed = record->chosenAt().value_or(confirmation.moment);
+            if (!slices[i].onlyWith) // such a file stands beside a location, and is none itself
+                slices[i].known = confirmation.locations;
+        }
     }
     return slices;
 }

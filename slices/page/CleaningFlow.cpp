@@ -25,7 +25,9 @@ bool refusedEverything(const CleaningReport &report)
 } // namespace
 
 CleaningFlow::CleaningFlow(Services services, QObject *parent)
-    : QObject(parent), m_services(std::move(services)), m_job(m_services.calls, m_services.access)
+    : QObject(parent),
+      m_services(std::move(services)),
+      m_job(m_services.calls, m_services.access, m_services.defaults.folder())
 {
     connect(&m_job, &CleaningJob::finished, this, &CleaningFlow::finish);
 }
@@ -58,6 +60,9 @@ std::optional<CleaningEvent> CleaningFlow::act()
         return lookForPrograms();
     case CleaningState::Measuring:
         return measure();
+    case CleaningState::Identifying:
+        identify();
+        break;
     case CleaningState::Asking:
         ask();
         break;
@@ -161,6 +166,31 @@ std::optional<CleaningEvent> CleaningFlow::measure()
     return std::nullopt;
 }
 
+/// Before the question, not after it: whatever takes the place of a location while the user reads
+/// is not what the question is about.
+void CleaningFlow::identify()
+{
+    FileUrls locations;
+    for (const auto &record : m_services.selection.chosen())
+        locations += record->fileURLs().value_or(FileUrls());
+    m_services.home.identify(
+        locations, [this, choice = m_services.selection.choice()](const LocationIdentities &found) {
+            takeIdentities(choice, found);
+        });
+}
+
+void CleaningFlow::takeIdentities(const SliceSelection::Choice &choice,
+                                  const LocationIdentities &found)
+{
+    m_confirmation.locations = found;
+    if (!isReady())
+        handle(CleaningEvent::NotReady);
+    else if (choice != m_services.selection.choice())
+        handle(CleaningEvent::ChoiceChanged);
+    else
+        handle(CleaningEvent::Identified);
+}
+
 void CleaningFlow::ask()
 {
     const HomeWatch &home = m_services.home;
@@ -186,7 +216,7 @@ void CleaningFlow::takeAnswer(const SliceSelection::Choice &asked, int button)
         handle(CleaningEvent::NotReady);
     } else {
         m_consent = asked;
-        m_confirmed = m_services.calls.now();
+        m_confirmation.moment = m_services.calls.now();
         handle(CleaningEvent::Confirmed);
         m_consent.reset(); // an answer that led nowhere is no consent for a later cleaning
     }
@@ -200,7 +230,7 @@ void CleaningFlow::clean()
         m_services.defaults.lookAtFile(
             &m_job, [this, confirmed, use] { use(exclusionsBeside(confirmed)); });
     };
-    m_job.start(m_services.selection.chosen(), findExclusions, m_confirmed,
+    m_job.start(m_services.selection.chosen(), findExclusions, m_confirmation,
                 m_services.home.layout());
 }
 

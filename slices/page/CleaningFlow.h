@@ -9,8 +9,9 @@
 class HomeWatch;
 
 /// Leads from the press of the start button to the result: checks the grant, looks for programs
-/// that run, measures what the question names, asks the user, checks the grant again and cleans. It
-/// is always in one state; the table in CleaningStates.h says which event leads to which state.
+/// that run, measures what the question names, looks at what stands at its locations, asks the
+/// user, checks the grant again and cleans. It is always in one state; the table in
+/// CleaningStates.h says which event leads to which state.
 ///
 /// It removes only what the user has confirmed, and of that nothing that the user excluded before
 /// or during the cleaning. When this is destroyed, a running cleaning stops before its next item.
@@ -65,6 +66,8 @@ private:
     std::optional<CleaningEvent> lookForPrograms();
     std::optional<CleaningEvent> measure();
 
+    void identify();
+    void takeIdentities(const SliceSelection::Choice &choice, const LocationIdentities &found);
     bool isReady() const;
     bool mayClean();
     bool exclusionsAllowCleaning();
@@ -80,6 +83,6 @@ private:
     CleaningState m_state = CleaningState::Idle;
     /// What the user has confirmed, until the grant is checked for it.
     std::optional<SliceSelection::Choice> m_consent;
-    Moment m_confirmed; ///< when the user did so last
+    Confirmation m_confirmation; ///< the last one; its locations since before the question
     CleaningJob m_job;
 };

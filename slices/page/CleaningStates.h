@@ -11,6 +11,7 @@ enum class CleaningState {
     CheckingGrant, ///< whether the granted folder is still there; before and after the question
     LookingForPrograms, ///< what is in use stays, and the question says so
     Measuring,          ///< the sizes that the question names
+    Identifying,        ///< what stands at the locations, so that nothing else there goes
     Asking,             ///< the user has the question
     Cleaning,
 };
@@ -23,9 +24,11 @@ enum class CleaningEvent {
     ProgramsFound,
     Measured,    ///< what had no size has one; its locations may have changed meanwhile
     AllMeasured, ///< nothing is left without a size
-    Confirmed,   ///< by the user, and there is still something to clean
-    Declined,    ///< by the user
-    NotReady,    ///< nothing may be cleaned any more
+    Identified,
+    ChoiceChanged, ///< since the last look
+    Confirmed,     ///< by the user, and there is still something to clean
+    Declined,      ///< by the user
+    NotReady,      ///< nothing may be cleaned any more
     PageLeft,
     Cleaned, ///< as far as it could be
 };
@@ -59,9 +62,14 @@ inline constexpr auto kCleaningTransitions = [] {
         {LookingForPrograms, PageLeft, Idle},
 
         {Measuring, Measured, Measuring},
-        {Measuring, AllMeasured, Asking},
+        {Measuring, AllMeasured, Identifying},
         {Measuring, NotReady, Idle},
         {Measuring, PageLeft, Idle},
+
+        {Identifying, Identified, Asking},
+        {Identifying, ChoiceChanged, Measuring},
+        {Identifying, NotReady, Idle},
+        {Identifying, PageLeft, Idle},
 
         {Asking, Confirmed, CheckingGrant},
         {Asking, Declined, Idle},

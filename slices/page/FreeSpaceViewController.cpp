@@ -248,6 +248,7 @@ void FreeSpaceViewController::showState(CleaningState state, CleaningState befor
         break;
     case CleaningState::LookingForPrograms:
     case CleaningState::Measuring:
+    case CleaningState::Identifying:
         break; // still looking
     case CleaningState::Asking:
         m_startButton->detailText().setText(tr("Click to free"));

@@ -167,3 +167,14 @@ void HomeWatch::measure(SliceSelection::Records records, std::function<void()> t
             return [records = std::move(records), then = std::move(then)] { then(); };
         });
 }
+
+void HomeWatch::identify(FileUrls locations, std::function<void(const LocationIdentities &)> then)
+{
+    m_looking.run([&calls = m_services.calls, &access = m_services.access,
+                   locations = std::move(locations),
+                   then = std::move(then)](const std::stop_token &stop) {
+        const AccessScope scope(access);
+        const LocationIdentities found = lookAtLocations(calls, access, locations, stop);
+        return [found, then] { then(found); };
+    });
+}

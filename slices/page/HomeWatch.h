@@ -3,6 +3,7 @@
 #include "platform/threads/BackgroundQueue.h"
 #include "slices/page/CleaningText.h"
 #include "slices/page/SliceSelection.h"
+#include "slices/plan/Confirmation.h"
 #include "slices/record/Info.h"
 
 #include <QHash>
@@ -56,6 +57,8 @@ public:
 
     /// Goes on when each of these records has a size.
     void measure(SliceSelection::Records records, std::function<void()> then);
+    /// Looks at what stands at these locations, and goes on with it.
+    void identify(FileUrls locations, std::function<void(const LocationIdentities &)> then);
     /// Stops measuring the records. Only look() starts new measures.
     void stopMeasuring();
 

@@ -25,7 +25,7 @@ private:
     void takeExclusions();
     void takeKept();
     void planSlice(const SliceToClean &slice);
-    void planLocation(CleaningLocation location);
+    void planLocation(CleaningLocation location, const SliceToClean &slice);
     void dropWhatGoesWithNothing();
     void putFilesInFoldersLast();
     bool isInPlannedFolder(const CleaningLocation &location) const;
@@ -118,11 +118,12 @@ void CleaningPlanner::planSlice(const SliceToClean &slice)
                       {},
                       isTouched,
                       slice.readOnlyFolders,
-                      slice.whatGoes});
+                      slice.whatGoes},
+                     slice);
     }
 }
 
-void CleaningPlanner::planLocation(CleaningLocation location)
+void CleaningPlanner::planLocation(CleaningLocation location, const SliceToClean &slice)
 {
     if (isExcludedByPath(location)) {
         m_plan.m_excludedLocations.append(location.url);
@@ -136,6 +137,8 @@ void CleaningPlanner::planLocation(CleaningLocation location)
             refuse(location.url.path(), isKept.error().reason, isKept.error().error);
     } else if (*isKept) {
         m_plan.m_excludedLocations.append(location.url);
+    } else if (slice.known && slice.known->value(location.url.path()) != location.identity) {
+        refuse(location.url.path(), RefusalReason::ChangedLater);
     } else if (!refuseUnresolved(location)) {
         m_plan.m_locations.push_back(std::move(location));
     }

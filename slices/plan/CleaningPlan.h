@@ -2,8 +2,8 @@
 
 #include "platform/files/FileAccess.h"
 #include "platform/system/FileStatus.h"
-#include "platform/system/Moment.h"
 #include "slices/exclusions/ExcludedPaths.h"
+#include "slices/plan/Confirmation.h"
 #include "slices/record/SliceCatalogue.h"
 #include "slices/sizing/ReadOnlyFolders.h"
 
@@ -39,6 +39,9 @@ struct SliceToClean
     FileUrls kept = {}; ///< in use inside the locations; need not be there
     /// What programs may begin to use during the cleaning, at and inside the locations.
     FileUrls programLocations = {};
+    /// What stood at the locations when the user was asked; anything else there stays. Nothing:
+    /// whatever stands there is meant.
+    std::optional<LocationIdentities> known = {};
     /// When this location is not cleaned, the slice stays too. The location may be another slice's.
     std::optional<FileUrl> onlyWith = {};
 };
@@ -123,10 +126,11 @@ private:
 /// Plans the cleaning of the chosen slices, in their order. What a slice keeps is kept like an
 /// exclusion. Fails closed: an exclusion that cannot be read stops everything; an exclusion that
 /// cannot be found stops the location around it; a location that is not a plain folder or file of
-/// the granted folder's own file system is refused. A location that does not exist is simply not in
-/// the plan. A slice that goes only with another location is not in the plan when that location is
-/// not. The plan also lists, after all other refusals, what is in use. Touches the file system, so
-/// not for the main thread; the caller holds the access, from here until the cleaning is done.
+/// the granted folder's own file system is refused, and so is one that is not what the user was
+/// asked about. A location that does not exist is simply not in the plan. A slice that goes only
+/// with another location is not in the plan when that location is not. The plan also lists, after
+/// all other refusals, what is in use. Touches the file system, so not for the main thread; the
+/// caller holds the access, from here until the cleaning is done.
 CleaningPlan makeCleaningPlan(const SystemCalls &calls, const FileAccess &access,
                               const QList<SliceToClean> &slices, const ExcludedPaths &excluded,
                               const FileUrls &inUse = {});

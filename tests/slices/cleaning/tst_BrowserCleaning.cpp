@@ -1,6 +1,7 @@
 #include "platform/system/HostSystemCalls.h"
 #include "slices/cleaning/SlicesToClean.h"
 #include "slices/record/Info.h"
+#include "tests/slices/kit/Consent.h"
 #include "tests/slices/kit/FailingRemoval.h"
 #include "tests/slices/kit/HomeKit.h"
 #include "tests/support/run/TestMain.h"
@@ -15,7 +16,8 @@ CleaningReport cleanBrowserData(const MadeHome &home, const HomeLayout &layout,
 {
     const auto record = Info::infoWithName(QStringLiteral("Browser Data"),
                                            layout.locations(SliceKind::BrowserData));
-    return clean(home.access(), slicesToClean(layout, {record}, Moment::never()), excluded, calls);
+    return clean(home.access(), slicesToClean(layout, {record}, consentTo(home.access(), {record})),
+                 excluded, calls);
 }
 
 } // namespace

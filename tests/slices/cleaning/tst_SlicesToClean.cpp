@@ -233,7 +233,7 @@ void TestSlicesToClean::keepsWhatARecordKeeps()
     const FileUrls kept{home.access().folder(".cache/mozilla")};
     const auto record = Info::infoWithName(QStringLiteral("Cache"), std::nullopt);
     record->setLocations(*layout.locations(SliceKind::Cache), kept);
-    const QList<SliceToClean> slices = slicesToClean(layout, {record}, Moment::never());
+    const QList<SliceToClean> slices = slicesToClean(layout, {record}, {});
     QCOMPARE(slices.size(), 1);
     QCOMPARE(slices.first().kept, kept);
 }
@@ -248,7 +248,7 @@ void TestSlicesToClean::holdsEachSliceToTheTimeOfItsChoice()
     const auto cache =
         Info::infoWithName(QStringLiteral("Cache"), layout.locations(SliceKind::Cache));
     picked->setChosenAt({1, 1, 1});
-    const QList<SliceToClean> slices = slicesToClean(layout, {picked, cache}, {2, 2, 2});
+    const QList<SliceToClean> slices = slicesToClean(layout, {picked, cache}, {{2, 2, 2}, {}});
     QCOMPARE(slices.size(), 2);
     QCOMPARE(slices.first().confirmed.stamp, 1);
     QCOMPARE(slices.last().confirmed.stamp, 2);

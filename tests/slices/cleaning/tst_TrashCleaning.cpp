@@ -3,6 +3,7 @@
 #include "slices/cleaning/SlicesToClean.h"
 #include "slices/record/Info.h"
 #include "slices/sizing/FolderSizing.h"
+#include "tests/slices/kit/Consent.h"
 #include "tests/slices/kit/FailingRemoval.h"
 #include "tests/slices/kit/HomeKit.h"
 #include "tests/slices/kit/WatchedFolder.h"
@@ -111,8 +112,10 @@ private:
             Info::infoWithName(QString::fromUtf16(sliceCatalogue()[indexOf(kind)].name), locations);
         const CleaningReport report = performCleaning(
             calls,
-            makeCleaningPlan(calls, access, slicesToClean(layout, {record}, Moment::never()),
-                             excluded),
+            makeCleaningPlan(
+                calls, access,
+                slicesToClean(layout, {record}, consentTo(std::as_const(access), {record})),
+                excluded),
             stop);
         return QByteArray::number(shown) + ", " + QByteArray::number(report.removedItems) + ", " +
                QByteArray::number(report.failureCount + report.refusalCount);
@@ -225,8 +228,8 @@ void TestTrashCleaning::leavesTheRightsOfWhatWasPutBack()
     const auto record =
         Info::infoWithName(QStringLiteral("Trash"), layout.locations(SliceKind::Trash));
     Trash::runAsOwner([&] {
-        ::clean(trash.access, slicesToClean(layout, {record}, Moment::never()), {},
-                ChildsCalls(calls));
+        ::clean(trash.access, slicesToClean(layout, {record}, consentTo(trash.access, {record})),
+                {}, ChildsCalls(calls));
         return 0;
     });
     QVERIFY(trash.has(album + "2/inside"));

@@ -3,6 +3,7 @@
 #include "slices/cleaning/RecordLocations.h"
 #include "slices/cleaning/SlicesToClean.h"
 #include "slices/record/Info.h"
+#include "tests/slices/kit/Consent.h"
 #include "tests/slices/kit/HomeKit.h"
 #include "tests/support/disk/HookedSystem.h"
 
@@ -18,7 +19,8 @@ inline CleaningPlan planOfEverything(const MadeHome &home, const HomeLayout &lay
         records.push_back(
             Info::infoWithName(QString::fromUtf16(slice.name), layout.locations(slice.kind)));
     setRecordLocations(records, layout, ProgramsInUse::find(calls, home.access(), layout));
-    return makeCleaningPlan(calls, home.access(), slicesToClean(layout, records, Moment::never()),
+    return makeCleaningPlan(calls, home.access(),
+                            slicesToClean(layout, records, consentTo(home.access(), records)),
                             excluding(excluded));
 }
 

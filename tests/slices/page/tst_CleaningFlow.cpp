@@ -49,9 +49,9 @@ void TestCleaningFlow::goesFromThePressToTheResult()
     QVERIFY(isHistoryThere());
     answer(kGoOnButton);
     QTRY_COMPARE(m_freed, QList<qint64>{4500});
-    QCOMPARE(m_states,
-             QList<State>({State::CheckingGrant, State::LookingForPrograms, State::Measuring,
-                           State::Asking, State::CheckingGrant, State::Cleaning, State::Idle}));
+    QCOMPARE(m_states, QList<State>({State::CheckingGrant, State::LookingForPrograms,
+                                     State::Measuring, State::Identifying, State::Asking,
+                                     State::CheckingGrant, State::Cleaning, State::Idle}));
     QVERIFY(!isHistoryThere());
     QVERIFY(m_fixture->exists(".cache/a")); // is off
 }
@@ -64,8 +64,9 @@ void TestCleaningFlow::measuresWhatTheQuestionNames()
     QTRY_COMPARE(m_asked.size(), 1);
     QVERIFY(m_asked[0].first.informativeText.contains(
         QStringLiteral("(4 KB without the files of Firefox, which is in use)")));
-    QCOMPARE(m_states, QList<State>({State::CheckingGrant, State::LookingForPrograms,
-                                     State::Measuring, State::Measuring, State::Asking}));
+    QCOMPARE(m_states,
+             QList<State>({State::CheckingGrant, State::LookingForPrograms, State::Measuring,
+                           State::Measuring, State::Identifying, State::Asking}));
 }
 
 void TestCleaningFlow::beginsNothing_data()
@@ -177,8 +178,8 @@ void TestCleaningFlow::givesUpWhereverItIs_data()
     };
     for (const auto &[state, visit] :
          {std::pair(State::CheckingGrant, 1), std::pair(State::LookingForPrograms, 1),
-          std::pair(State::Measuring, 1), std::pair(State::Asking, 1),
-          std::pair(State::CheckingGrant, 2)}) {
+          std::pair(State::Measuring, 1), std::pair(State::Identifying, 1),
+          std::pair(State::Asking, 1), std::pair(State::CheckingGrant, 2)}) {
         add(state, visit, "left", leave);
         add(state, visit, "nothing chosen any more", switchOff);
         add(state, visit, "no page any more", hide);

@@ -10,11 +10,13 @@ using State = CleaningState;
 using Event = CleaningEvent;
 
 constexpr std::array kStates{State::Idle,      State::CheckingGrant, State::LookingForPrograms,
-                             State::Measuring, State::Asking,        State::Cleaning};
+                             State::Measuring, State::Identifying,   State::Asking,
+                             State::Cleaning};
 constexpr std::array kEvents{Event::Pressed,       Event::GrantUsable,   Event::GrantUnusable,
                              Event::ConsentStands, Event::ProgramsFound, Event::Measured,
-                             Event::AllMeasured,   Event::Confirmed,     Event::Declined,
-                             Event::NotReady,      Event::PageLeft,      Event::Cleaned};
+                             Event::AllMeasured,   Event::Identified,    Event::ChoiceChanged,
+                             Event::Confirmed,     Event::Declined,      Event::NotReady,
+                             Event::PageLeft,      Event::Cleaned};
 
 /// Where each event leads, as the cleaning is meant to go.
 struct Step
@@ -35,9 +37,13 @@ constexpr Step kSteps[]{
     {"programs are known", State::LookingForPrograms, Event::ProgramsFound, State::Measuring},
     {"left at the programs", State::LookingForPrograms, Event::PageLeft, State::Idle},
     {"some sizes are known", State::Measuring, Event::Measured, State::Measuring},
-    {"all sizes are known", State::Measuring, Event::AllMeasured, State::Asking},
+    {"all sizes are known", State::Measuring, Event::AllMeasured, State::Identifying},
     {"no choice at the sizes", State::Measuring, Event::NotReady, State::Idle},
     {"left at the sizes", State::Measuring, Event::PageLeft, State::Idle},
+    {"locations are known", State::Identifying, Event::Identified, State::Asking},
+    {"another choice at the locations", State::Identifying, Event::ChoiceChanged, State::Measuring},
+    {"no choice at the locations", State::Identifying, Event::NotReady, State::Idle},
+    {"left at the locations", State::Identifying, Event::PageLeft, State::Idle},
     {"a consent", State::Asking, Event::Confirmed, State::CheckingGrant},
     {"no consent", State::Asking, Event::Declined, State::Idle},
     {"no choice at the consent", State::Asking, Event::NotReady, State::Idle},
