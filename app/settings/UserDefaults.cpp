@@ -25,7 +25,7 @@ Value valueOf(const QJsonValue &stored, const QJsonValue &registered,
 } // namespace
 
 UserDefaults::UserDefaults(const QString &folder, const SystemCalls &calls, QObject *parent)
-    : QObject(parent)
+    : QObject(parent), m_folder(folder)
 {
     SettingsFile file(folder, calls);
     const SettingsContent content = file.load();

@@ -39,6 +39,9 @@ public:
     /// Saves what is not saved yet.
     ~UserDefaults() override;
 
+    /// Where the settings are kept, and small files beside them.
+    const QString &folder() const { return m_folder; }
+
     /// Sets the values that getters return for keys that are not stored. Writes nothing.
     void registerDefaults(const QJsonObject &defaults);
 
@@ -106,6 +109,7 @@ private:
     void takeOutcome(const SaveOutcome &outcome);
     void takeOver(const ForeignSettings &foreign);
 
+    QString m_folder;
     QJsonObject m_stored;
     QJsonObject m_registered;
     QString m_damage;

@@ -3,6 +3,7 @@
 #include "platform/base/Log.h"
 #include "platform/system/SystemCalls.h"
 #include "platform/system/ThreadConfinement.h"
+#include "slices/cleaning/CleaningNote.h"
 #include "slices/cleaning/RecordLocations.h"
 #include "slices/cleaning/SlicesToClean.h"
 #include "slices/exclusions/ExcludedPaths.h"
@@ -39,11 +40,24 @@ void logConfinementOnce(const SystemCalls &calls)
     });
 }
 
-CleaningReport cleanDisk(const SystemCalls &calls, FileAccess &access, const Records &chosen,
-                         const HomeLayout &layout, const ExcludedPaths &excluded,
-                         const Moment &moment, const std::stop_token &stop)
+/// What a cleaning works with and on.
+struct Work
 {
+    const SystemCalls &calls;
+    FileAccess &access;
+    QString settingsFolder;
+    Records chosen;
+    HomeLayout layout;
+    ExcludedPaths excluded;
+    Confirmation confirmation;
+};
+
+CleaningReport cleanDisk(const Work &work, const std::stop_token &stop)
+{
+    const auto &[calls, access, settingsFolder, chosen, layout, excluded, confirmation] = work;
     const AccessScope scope(access);
+    CleaningNote note(calls, settingsFolder);
+    const QList<CleaningRefusal> leftAside = note.putBack(access, stop);
     const FileUrls inUse =
         takeAwayLocationsInUse(chosen, ProgramsInUse::find(calls, access, layout));
     const auto sizeOf = [&](const FileUrl &url, const FileUrls &kept) {
@@ -52,8 +66,8 @@ CleaningReport cleanDisk(const SystemCalls &calls, FileAccess &access, const Rec
         return location ? measureFolder(calls, *location, stop, 0, rules).bytes : 0;
     };
     ProgramLocationSizes sizes = measureProgramLocations(chosen, layout, sizeOf);
-    const CleaningPlan plan =
-        makeCleaningPlan(calls, access, slicesToClean(layout, chosen, moment), excluded, inUse);
+    const CleaningPlan plan = makeCleaningPlan(
+        calls, access, slicesToClean(layout, chosen, confirmation), excluded, inUse);
     CacheInUse caches(calls, layout);
     logConfinementOnce(calls);
     const auto inUseNow = [&](const CleaningLocation &location, const FileUrl &entry) {
@@ -65,8 +79,12 @@ CleaningReport cleanDisk(const SystemCalls &calls, FileAccess &access, const Rec
         addSizes(sizes, chosen, found, sizeOf);
         return found;
     };
+    note.begin(plan);
     CleaningReport report = performCleaning(calls, plan, stop, inUseNow);
+    note.end();
     takeAwaySizes(sizes, foundInUse(report, plan));
+    report.refusals += leftAside;
+    report.refusalCount += std::uint64_t(leftAside.size());
     return report;
 }
 
@@ -78,8 +96,9 @@ CleaningReport refusedReport()
 
 } // namespace
 
-CleaningJob::CleaningJob(const SystemCalls &calls, FileAccess &access, QObject *parent)
-    : QObject(parent), m_calls(calls), m_access(access)
+CleaningJob::CleaningJob(const SystemCalls &calls, FileAccess &access, QString settingsFolder,
+                         QObject *parent)
+    : QObject(parent), m_calls(calls), m_access(access), m_settingsFolder(std::move(settingsFolder))
 {
 }
 
@@ -93,18 +112,18 @@ void CleaningJob::requestStop()
     m_stop.request_stop();
 }
 
-void CleaningJob::start(Records chosen, Exclusions exclusions, const Moment &confirmed,
+void CleaningJob::start(Records chosen, Exclusions exclusions, Confirmation confirmation,
                         HomeLayout layout)
 {
     Q_ASSERT(!m_isRunning);
     m_isRunning = true;
     m_stop = std::stop_source();
     m_chosen = std::move(chosen);
-    m_confirmed.clear();
+    m_locations.clear();
     for (const auto &record : m_chosen)
-        m_confirmed.emplace_back(record->fileURLs().value_or(FileUrls()), record->kept());
+        m_locations.emplace_back(record->fileURLs().value_or(FileUrls()), record->kept());
     m_exclusions = std::move(exclusions);
-    m_moment = confirmed;
+    m_confirmation = std::move(confirmation);
     m_layout = std::move(layout);
     m_measures.run([this, records = m_chosen](const std::stop_token &) mutable {
         for (const auto &record : records)
@@ -127,23 +146,24 @@ void CleaningJob::remove(const std::optional<ExcludedPaths> &excluded)
         finish(refusedReport());
         return;
     }
-    m_removals.run([this, records = m_chosen, confirmed = m_confirmed, layout = m_layout,
-                    excluded = *excluded, moment = m_moment,
-                    source = m_stop](const std::stop_token &end) mutable {
-        const std::stop_callback endWithTheProgram(end, [&source] { source.request_stop(); });
-        const std::stop_token stop = source.get_token();
-        restore(records, confirmed);
-        CleaningReport report;
-        report.wasStopped = true;
-        if (!stop.stop_requested())
-            report = cleanDisk(m_calls, m_access, records, layout, excluded, moment, stop);
-        return [this, report] { finish(report); };
-    });
+    const Work work{m_calls,  m_access,  m_settingsFolder, m_chosen,
+                    m_layout, *excluded, m_confirmation};
+    m_removals.run(
+        [this, work, locations = m_locations, source = m_stop](const std::stop_token &end) mutable {
+            const std::stop_callback endWithTheProgram(end, [&source] { source.request_stop(); });
+            const std::stop_token stop = source.get_token();
+            restore(work.chosen, locations);
+            CleaningReport report;
+            report.wasStopped = true;
+            if (!stop.stop_requested())
+                report = cleanDisk(work, stop);
+            return [this, report] { finish(report); };
+        });
 }
 
 /// Gives the records back the locations that were confirmed: changes since the start of the
 /// cleaning do not count.
-void CleaningJob::restore(const Records &chosen, const Confirmed &confirmed)
+void CleaningJob::restore(const Records &chosen, const Locations &confirmed)
 {
     for (std::size_t i = 0; i < chosen.size(); ++i) {
         const auto &[locations, kept] = confirmed[i];

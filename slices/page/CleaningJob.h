@@ -29,18 +29,20 @@ public:
     /// job lives. Called on the main thread, right before the first removal is planned.
     using Exclusions = std::function<void(const UseExclusions &)>;
 
-    /// Both live as long as the program.
-    CleaningJob(const SystemCalls &calls, FileAccess &access, QObject *parent = nullptr);
+    /// `calls` and `access` live as long as the program. `settingsFolder` gets a note while a
+    /// cleaning moves entries aside.
+    CleaningJob(const SystemCalls &calls, FileAccess &access, QString settingsFolder,
+                QObject *parent = nullptr);
     ~CleaningJob() override;
 
-    /// Cleans the chosen slices, with the locations that they have at this moment. What has changed
-    /// since `confirmed` stays. First waits for
-    /// the slices that are still being measured, so that the freed size is the size that was there.
+    /// Cleans the chosen slices, with the locations that they have at this moment, as far as the
+    /// confirmation covers them. First waits for the slices that are still being measured, so that
+    /// the freed size is the size that was there.
     /// In a layout with programs, the locations of programs that were started meanwhile are left
     /// alone, and taken from the records. A program that starts during the cleaning keeps its
     /// locations that are not cleaned yet, and every program keeps the folders of the cache in
     /// which it is using something; these are subtracted from the sizes.
-    void start(Records chosen, Exclusions exclusions, const Moment &confirmed,
+    void start(Records chosen, Exclusions exclusions, Confirmation confirmation,
                HomeLayout layout = {});
 
     /// Nothing is removed from now on. The end of the cleaning is still reported.
@@ -55,20 +57,21 @@ Q_SIGNALS:
 
 private:
     /// The locations of each record, and what is kept inside them.
-    using Confirmed = std::vector<std::pair<FileUrls, FileUrls>>;
+    using Locations = std::vector<std::pair<FileUrls, FileUrls>>;
 
-    static void restore(const Records &chosen, const Confirmed &confirmed);
+    static void restore(const Records &chosen, const Locations &confirmed);
     void findExclusions();
     void remove(const std::optional<ExcludedPaths> &excluded);
     void finish(const CleaningReport &report);
 
     const SystemCalls &m_calls;
     FileAccess &m_access;
+    QString m_settingsFolder;
     bool m_isRunning = false;
     Records m_chosen;
-    Confirmed m_confirmed;
+    Locations m_locations;
     Exclusions m_exclusions;
-    Moment m_moment;
+    Confirmation m_confirmation;
     HomeLayout m_layout;
     std::stop_source m_stop;
     BackgroundQueue<OwnersEnd::Abandon, Queueing::All> m_measures;

@@ -6,6 +6,7 @@
 #include "slices/record/Info.h"
 #include "slices/record/SliceCatalogue.h"
 #include "slices/sizing/FolderSizing.h"
+#include "tests/slices/kit/Consent.h"
 #include "tests/support/disk/HookedSystem.h"
 #include "tests/support/page/PageFixture.h"
 #include "tests/support/run/BackgroundThreadsAwaited.h"
@@ -72,11 +73,17 @@ private Q_SLOTS:
     void waitsForNoMeasureAtItsEnd();
     void asksForTheExclusionsAfterMeasuring();
     void removesNothingBeforeItKnowsTheExclusions();
+    void givesBackNamesThatAnUnfinishedCleaningHasTaken();
     void cleansWhatItWasStartedWith();
     void removesNothingWhileTheExclusionsAreUnknown();
 
 private:
     std::shared_ptr<Info> record(SliceKind kind) const;
+    static void start(CleaningJob &job, const CleaningJob::Records &chosen,
+                      const CleaningJob::Exclusions &exclusions = kNothingExcluded)
+    {
+        job.start(chosen, exclusions, consentTo(ResourceManager::access(), chosen));
+    }
     CleaningReport clean(const std::vector<std::shared_ptr<Info>> &chosen);
     void makeTrash(int files);
 
@@ -109,11 +116,11 @@ std::shared_ptr<Info> TestCleaningJob::record(SliceKind kind) const
 
 CleaningReport TestCleaningJob::clean(const std::vector<std::shared_ptr<Info>> &chosen)
 {
-    CleaningJob job(m_calls, ResourceManager::access());
+    CleaningJob job(m_calls, ResourceManager::access(), m_fixture->defaults().folder());
     CleaningReport report;
     QSignalSpy finished(&job, &CleaningJob::finished);
     connect(&job, &CleaningJob::finished, this, [&](const CleaningReport &done) { report = done; });
-    job.start(chosen, kNothingExcluded, Moment::never());
+    start(job, chosen);
     if (!finished.wait())
         qFatal("the cleaning did not end");
     return report;
@@ -158,12 +165,12 @@ void TestCleaningJob::measuresBeforeItRemoves()
 
 void TestCleaningJob::tellsOnTheMainThread()
 {
-    CleaningJob job(m_calls, ResourceManager::access());
+    CleaningJob job(m_calls, ResourceManager::access(), m_fixture->defaults().folder());
     QThread *heardOn = nullptr;
     connect(
         &job, &CleaningJob::finished, this, [&] { heardOn = QThread::currentThread(); },
         Qt::DirectConnection);
-    job.start({}, kNothingExcluded, Moment::never());
+    job.start({}, kNothingExcluded, {});
     QVERIFY(job.isRunning());
     QTRY_COMPARE(heardOn, QThread::currentThread());
     QVERIFY(!job.isRunning());
@@ -189,12 +196,12 @@ void TestCleaningJob::stopsBeforeTheNextItem()
     makeTrash(kFiles);
     Gate gate;
     m_calls.setHook(gate.hook());
-    CleaningJob job(m_calls, ResourceManager::access());
+    CleaningJob job(m_calls, ResourceManager::access(), m_fixture->defaults().folder());
     const auto atEnd = qScopeGuard([&] { gate.open(); }); // also where the test fails
     CleaningReport report;
     QSignalSpy finished(&job, &CleaningJob::finished);
     connect(&job, &CleaningJob::finished, this, [&](const CleaningReport &done) { report = done; });
-    job.start({record(SliceKind::Trash)}, kNothingExcluded, Moment::never());
+    start(job, {record(SliceKind::Trash)});
     QTRY_VERIFY(gate.arrivals() > 0); // in the midst of it
     job.requestStop();
     gate.open();
@@ -211,9 +218,9 @@ void TestCleaningJob::isOverOnceItIsDestroyed()
     Gate gate;
     m_calls.setHook(gate.hook());
     {
-        CleaningJob job(m_calls, ResourceManager::access());
+        CleaningJob job(m_calls, ResourceManager::access(), m_fixture->defaults().folder());
         const auto atEnd = qScopeGuard([&] { gate.open(); });
-        job.start({record(SliceKind::Trash)}, kNothingExcluded, Moment::never());
+        start(job, {record(SliceKind::Trash)});
         QTRY_VERIFY(gate.arrivals() > 0);
     }
     // The thread that removes holds the access.
@@ -234,8 +241,8 @@ void TestCleaningJob::waitsForNoMeasureAtItsEnd()
          },
          nullptr});
     {
-        CleaningJob job(m_calls, ResourceManager::access());
-        job.start({trash}, kNothingExcluded, Moment::never());
+        CleaningJob job(m_calls, ResourceManager::access(), m_fixture->defaults().folder());
+        start(job, {trash});
         isMeasuring.acquire();
     } // else this would never be left
     mayEnd.release();
@@ -251,28 +258,56 @@ void TestCleaningJob::asksForTheExclusionsAfterMeasuring()
     const FileUrl keep = m_fixture->homeUrl().appending(".Trash/keep", FileUrlKind::File);
     const auto trash = record(SliceKind::Trash);
     bool wasMeasured = false;
-    CleaningJob job(m_calls, ResourceManager::access());
+    CleaningJob job(m_calls, ResourceManager::access(), m_fixture->defaults().folder());
     QSignalSpy finished(&job, &CleaningJob::finished);
     const auto exclusions = [&](const CleaningJob::UseExclusions &use) {
         wasMeasured = trash->isMeasured();
         use(ExcludedPaths::fromStoredStrings({QString::fromLatin1(keep.absoluteString())}));
     };
-    job.start({trash}, exclusions, Moment::never());
+    start(job, {trash}, exclusions);
     QVERIFY(finished.wait());
     QVERIFY(wasMeasured);
     QVERIFY(m_fixture->exists(".Trash/keep"));
+}
+
+/// The first cleaning is not over when the second begins, as if it had been killed. What lies aside
+/// is not of a slice that the second one cleans.
+void TestCleaningJob::givesBackNamesThatAnUnfinishedCleaningHasTaken()
+{
+    m_fixture->makeFile(".Trash/a", 5);
+    m_fixture->makeFile(".Trash/keep", 5);
+    m_fixture->makeFile("Downloads/b", 5);
+    const FileUrl keep = m_fixture->homeUrl().appending(".Trash/keep", FileUrlKind::File);
+    const auto exclusions = [&](const CleaningJob::UseExclusions &use) {
+        use(ExcludedPaths::fromStoredStrings({QString::fromLatin1(keep.absoluteString())}));
+    };
+    Gate gate;
+    std::atomic<bool> movesAside = false;
+    m_calls.setHook([&, hold = gate.hook()](int number, std::string_view name) {
+        movesAside = movesAside || name == "moveToFree";
+        return movesAside ? hold(number, name) : 0;
+    });
+    CleaningJob unfinished(m_calls, ResourceManager::access(), m_fixture->defaults().folder());
+    const auto atEnd = qScopeGuard([&] { gate.open(); });
+    start(unfinished, {record(SliceKind::Trash)}, exclusions);
+    QTRY_COMPARE(gate.arrivals(), 1); // moved aside, and not removed yet
+    QVERIFY(!m_fixture->exists(".Trash/a"));
+    CleaningJob next(hostSystemCalls(), ResourceManager::access(), m_fixture->defaults().folder());
+    QSignalSpy finished(&next, &CleaningJob::finished);
+    start(next, {record(SliceKind::Downloads)});
+    QVERIFY(finished.wait());
+    QVERIFY(m_fixture->exists(".Trash/a") && !m_fixture->exists("Downloads/b"));
 }
 
 /// However long it takes to find out what is excluded.
 void TestCleaningJob::removesNothingBeforeItKnowsTheExclusions()
 {
     m_fixture->makeFile(".Trash/a", 5);
-    CleaningJob job(m_calls, ResourceManager::access());
+    CleaningJob job(m_calls, ResourceManager::access(), m_fixture->defaults().folder());
     QSignalSpy finished(&job, &CleaningJob::finished);
     CleaningJob::UseExclusions answer;
-    job.start(
-        {record(SliceKind::Trash)}, [&](const CleaningJob::UseExclusions &use) { answer = use; },
-        Moment::never());
+    start(job, {record(SliceKind::Trash)},
+          [&](const CleaningJob::UseExclusions &use) { answer = use; });
     QTRY_VERIFY(answer);
     awaitBackgroundThreads();
     QCoreApplication::processEvents();
@@ -289,13 +324,13 @@ void TestCleaningJob::cleansWhatItWasStartedWith()
     m_fixture->makeFile(".Trash/a", 5);
     m_fixture->makeFile("Documents/keep", 70);
     const auto trash = record(SliceKind::Trash);
-    CleaningJob job(m_calls, ResourceManager::access());
+    CleaningJob job(m_calls, ResourceManager::access(), m_fixture->defaults().folder());
     QSignalSpy finished(&job, &CleaningJob::finished);
     const auto exclusions = [&](const CleaningJob::UseExclusions &use) {
         trash->setLocations({m_fixture->homeUrl().appending("Documents", FileUrlKind::Folder)}, {});
         kNothingExcluded(use);
     };
-    job.start({trash}, exclusions, Moment::never());
+    start(job, {trash}, exclusions);
     QVERIFY(finished.wait());
     QVERIFY(!m_fixture->exists(".Trash/a"));
     QVERIFY(m_fixture->exists("Documents/keep"));
@@ -305,13 +340,12 @@ void TestCleaningJob::cleansWhatItWasStartedWith()
 void TestCleaningJob::removesNothingWhileTheExclusionsAreUnknown()
 {
     m_fixture->makeFile(".Trash/a", 5);
-    CleaningJob job(m_calls, ResourceManager::access());
+    CleaningJob job(m_calls, ResourceManager::access(), m_fixture->defaults().folder());
     QSignalSpy finished(&job, &CleaningJob::finished);
     QTest::ignoreMessage(QtInfoMsg,
                          "File might be locked: everything: nobody knows what is excluded");
-    job.start(
-        {record(SliceKind::Trash)},
-        [](const CleaningJob::UseExclusions &use) { use(std::nullopt); }, Moment::never());
+    start(job, {record(SliceKind::Trash)},
+          [](const CleaningJob::UseExclusions &use) { use(std::nullopt); });
     QVERIFY(finished.wait());
     QVERIFY(m_fixture->exists(".Trash/a"));
 }

@@ -5,6 +5,7 @@
 #include "slices/page/CleaningJob.h"
 #include "slices/record/Info.h"
 #include "slices/sizing/FolderSizing.h"
+#include "tests/slices/kit/Consent.h"
 #include "tests/support/disk/ForwardingSystemCalls.h"
 #include "tests/support/page/FirefoxProfiles.h"
 #include "tests/support/page/PageFixture.h"
@@ -118,13 +119,13 @@ CleaningReport TestCleaningJobInUse::clean(const QList<SliceKind> &kinds)
         m_chosen.push_back(
             Info::infoWithName(QString::fromUtf16(sliceCatalogue()[indexOf(kind)].name),
                                layout.locations(kind), {measure, nullptr}));
-    CleaningJob job(m_calls, ResourceManager::access());
+    CleaningJob job(m_calls, ResourceManager::access(), m_fixture->defaults().folder());
     CleaningReport report;
     QSignalSpy finished(&job, &CleaningJob::finished);
     connect(&job, &CleaningJob::finished, this, [&](const CleaningReport &done) { report = done; });
     job.start(
         m_chosen, [](const CleaningJob::UseExclusions &use) { use(ExcludedPaths()); },
-        Moment::never(), layout);
+        consentTo(ResourceManager::access(), m_chosen), layout);
     if (!finished.wait())
         qFatal("the cleaning did not end");
     return report;

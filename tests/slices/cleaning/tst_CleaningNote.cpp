@@ -1,0 +1,165 @@
+#include "slices/cleaning/CleaningNote.h"
+#include "tests/slices/kit/Interlopers.h"
+#include "tests/support/run/ChildProcess.h"
+#include "tests/support/run/TestMain.h"
+
+#include <QFile>
+#include <csignal>
+#include <unistd.h>
+
+class TestCleaningNote final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void leadsToWhatAKillHasLeft_data();
+    void leadsToWhatAKillHasLeft();
+    void isForgottenOnceTheCleaningHasEnded();
+    void isNotWrittenWhereNothingIsExcluded();
+    void keepsWhatCouldNotBePutBack();
+    void leadsNowhereOutsideTheGrant();
+    void isNoHarmWhenItIsDamaged();
+    void goesWithoutANoteWhenNoneCanBeWritten();
+
+private:
+    CleaningPlan plan(const FileUrls &excluded) const
+    {
+        return makeCleaningPlan(hostSystemCalls(), *m_home, {m_slice}, excluding(excluded));
+    }
+    bool cleanAndDie(const QByteArray &name) const;
+    QList<CleaningRefusal> putBack() const
+    {
+        const LogRecorder silenced;
+        CleaningNote note(hostSystemCalls(), m_settings);
+        const QList<CleaningRefusal> left = note.putBack(*m_home, {});
+        note.end();
+        return left;
+    }
+    bool isNoted(const QByteArray &text) const
+    {
+        QFile file(m_settings + QStringLiteral("/cleaning"));
+        return file.open(QIODevice::ReadOnly) && file.readAll().contains(text);
+    }
+
+    std::unique_ptr<CleaningGround> m_scratch;
+    std::unique_ptr<GrantedFolder> m_home;
+    QString m_settings;
+    QByteArray m_downloads;
+    SliceToClean m_slice;
+};
+
+void TestCleaningNote::init()
+{
+    m_scratch = std::make_unique<CleaningGround>();
+    m_settings = QFile::decodeName(*m_scratch / "settings");
+    m_downloads = *m_scratch / "home/Downloads";
+    makeFile(m_downloads + "/kept");
+    makeFile(m_downloads + "/file");
+    makeFile(m_downloads + "/a/b/deep");
+    makeFile(*m_scratch / "home/.cache/thing");
+    m_home = std::make_unique<GrantedFolder>(*m_scratch / "home");
+    m_slice = contentsOf({m_home->folder("Downloads")});
+}
+
+/// Cleans as the program does, in another process, which is killed when an entry of this name has
+/// just been moved aside.
+bool TestCleaningNote::cleanAndDie(const QByteArray &name) const
+{
+    const ChildOutcome outcome = runInChild(ChildUser::Same, [&] {
+        const Swapper calls("removeFile", ".vantor-aside." + name, [] { ::raise(SIGKILL); });
+        const LogRecorder silenced;
+        CleaningNote note(hostSystemCalls(), m_settings);
+        const CleaningPlan doomed = plan({m_home->file("Downloads/kept")});
+        note.begin(doomed);
+        performCleaning(calls, doomed, {});
+        return 0;
+    });
+    return outcome.signal == SIGKILL;
+}
+
+void TestCleaningNote::leadsToWhatAKillHasLeft_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<bool>("isSingle");
+    QTest::addRow("directly in the location") << QByteArray("file") << false;
+    QTest::addRow("deep inside") << QByteArray("a/b/deep") << false;
+    QTest::addRow("a single file") << QByteArray("file") << true;
+}
+
+/// The next cleaning is of something else.
+void TestCleaningNote::leadsToWhatAKillHasLeft()
+{
+    QFETCH(QByteArray, name);
+    QFETCH(bool, isSingle);
+    if (isSingle)
+        m_slice = theFiles({m_home->file("Downloads/" + name)});
+    QVERIFY(cleanAndDie(name.sliced(name.lastIndexOf('/') + 1)));
+    QVERIFY(!exists(m_downloads + '/' + name));
+    m_slice = contentsOf({m_home->folder(".cache")});
+    QVERIFY(putBack().isEmpty());
+    QVERIFY(exists(m_downloads + '/' + name));
+    QVERIFY(!isNoted("Downloads"));
+}
+
+void TestCleaningNote::isForgottenOnceTheCleaningHasEnded()
+{
+    CleaningNote note(hostSystemCalls(), m_settings);
+    note.begin(plan({m_home->file("Downloads/kept")}));
+    QVERIFY(isNoted("Downloads"));
+    note.end();
+    QVERIFY(!isNoted("Downloads"));
+}
+
+/// There nothing is moved aside.
+void TestCleaningNote::isNotWrittenWhereNothingIsExcluded()
+{
+    CleaningNote note(hostSystemCalls(), m_settings);
+    note.begin(plan({}));
+    note.end();
+    QVERIFY(!QFile::exists(m_settings));
+}
+
+void TestCleaningNote::keepsWhatCouldNotBePutBack()
+{
+    QVERIFY(cleanAndDie("file"));
+    makeFile(m_downloads + "/file", "of the user's own");
+    const QList<CleaningRefusal> left = putBack();
+    QCOMPARE(left.size(), 1);
+    QCOMPARE(left.first().path, m_downloads + "/.vantor-aside.file");
+    QVERIFY(isNoted("Downloads"));
+    move(m_downloads + "/file", m_downloads + "/other");
+    QVERIFY(putBack().isEmpty());
+    QVERIFY(exists(m_downloads + "/file") && !isNoted("Downloads"));
+}
+
+void TestCleaningNote::leadsNowhereOutsideTheGrant()
+{
+    const QByteArray outside = *m_scratch / "outside/.vantor-aside.file";
+    QVERIFY(cleanAndDie("file"));
+    makeFile(outside);
+    m_home = std::make_unique<GrantedFolder>(*m_scratch / "home/.cache");
+    QVERIFY(putBack().isEmpty());
+    QVERIFY(exists(m_downloads + "/.vantor-aside.file") && exists(outside));
+}
+
+void TestCleaningNote::isNoHarmWhenItIsDamaged()
+{
+    QVERIFY(cleanAndDie("file"));
+    makeFile(QFile::encodeName(m_settings) + "/cleaning", "below file:///\nin nowhere\n\n/");
+    QVERIFY(putBack().isEmpty());
+    QVERIFY(exists(m_downloads + "/.vantor-aside.file"));
+}
+
+/// It cleans all the same: what is left aside is found when its own folder is cleaned again.
+void TestCleaningNote::goesWithoutANoteWhenNoneCanBeWritten()
+{
+    makeFile(QFile::encodeName(m_settings), "a file where the folder should be");
+    LogRecorder log;
+    CleaningNote note(hostSystemCalls(), m_settings);
+    note.begin(plan({m_home->file("Downloads/kept")}));
+    QVERIFY(log.lines().contains(QStringLiteral("no note of the cleaning could be written")));
+}
+
+VANTOR_TEST_MAIN(TestCleaningNote)
+#include "tst_CleaningNote.moc"
