@@ -29,24 +29,31 @@ std::optional<FileUrl> folderSizeBook(const FileUrl &location)
                              FileUrlKind::File);
 }
 
-/// One folder of the trash: each has a rule of its own.
-QList<SliceToClean> trashToClean(const QString &name, const FileUrl &location)
+/// The file that lists the sizes of the folders in the trash, if this folder has one beside it.
+std::optional<SliceToClean> folderSizesToClean(const QString &name, const FileUrl &location)
 {
-    QList<SliceToClean> slices;
-    if (const std::optional<FileUrl> book = folderSizeBook(location)) {
-        slices.append({.name = name,
-                       .fileURLs = {*book},
-                       .content = SliceContent::Files,
-                       .whatGoes = RemovalScope::RegularFiles,
-                       .onlyWith = location});
-    }
+    const std::optional<FileUrl> book = folderSizeBook(location);
+    if (!book)
+        return std::nullopt;
+    SliceToClean slice;
+    slice.name = name;
+    slice.fileURLs = {*book};
+    slice.content = SliceContent::Files;
+    slice.whatGoes = RemovalScope::RegularFiles;
+    slice.onlyWith = location;
+    return slice;
+}
+
+/// One folder of the trash: each has a rule of its own.
+SliceToClean trashToClean(const QString &name, const FileUrl &location)
+{
     const bool holdsTrashInfo = location.path().endsWith("/info");
-    slices.append(
-        {.name = name,
-         .fileURLs = {location},
-         .readOnlyFolders = ReadOnlyFolders::Emptied,
-         .whatGoes = holdsTrashInfo ? RemovalScope::LoneTrashInfo : RemovalScope::Everything});
-    return slices;
+    SliceToClean slice;
+    slice.name = name;
+    slice.fileURLs = {location};
+    slice.readOnlyFolders = ReadOnlyFolders::Emptied;
+    slice.whatGoes = holdsTrashInfo ? RemovalScope::LoneTrashInfo : RemovalScope::Everything;
+    return slice;
 }
 
 /// All of a slice but the trash.
@@ -72,8 +79,11 @@ QList<SliceToClean> slicesToClean(const HomeLayout &layout,
         const qsizetype first = slices.size();
         const FileUrls locations = record->fileURLs().value_or(FileUrls());
         if (!locations.isEmpty() && layout.isInTrash(locations.constFirst())) {
-            for (const FileUrl &location : locations)
-                slices += trashToClean(record->name(), location);
+            for (const FileUrl &location : locations) {
+                if (const auto sizes = folderSizesToClean(record->name(), location))
+                    slices.append(*sizes);
+                slices.append(trashToClean(record->name(), location));
+            }
         } else {
             slices.append(locationsToClean(layout, *record, locations));
         }
