@@ -5,25 +5,14 @@
 
 namespace {
 
-/// The folders in which the patterns of the survey begin, and those that have fixed names.
 QByteArrayList usualPlaces(SliceKind kind)
 {
-    switch (kind) {
-    case SliceKind::Trash:
-        return {".local/share/Trash/files", ".local/share/Trash/info"};
-    case SliceKind::Cache:
-        return {".cache"};
-    case SliceKind::AppLogs:
-        return {".local/share", ".local/state", ".config", ".npm/_logs"};
-    case SliceKind::OldIos:
-        return {".wine/drive_c/users"};
-    case SliceKind::LargeFiles:
-    case SliceKind::Downloads:
-    case SliceKind::MailDownloads:
-    case SliceKind::BrowserData:
-        break;
+    QByteArrayList places;
+    for (const char *path : sliceDescription(kind).usualPaths) {
+        if (path)
+            places.append(path);
     }
-    return {};
+    return places;
 }
 
 QByteArrayList attachmentPlaces()

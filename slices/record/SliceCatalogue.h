@@ -40,8 +40,8 @@ enum class RevealPolicy {
     WhenThere, ///< for locations that few machines have: when one of them exists
 };
 
-/// All that the program knows of one slice before it looks at any disk. A new slice is a kind, a
-/// row of these, a drawing of the row's name, and a function of FreedesktopSurvey that finds it.
+/// All that the program knows of one slice before it looks at any disk. A new slice is a kind (and
+/// one more in the count), a row of these, a drawing of the row's name, and a function of FreedesktopSurvey that finds it.
 struct SliceDescription
 {
     static constexpr std::size_t kMostPaths = 5;
@@ -61,6 +61,9 @@ struct SliceDescription
     /// The locations in a home with a Library, relative to the home; unused ones are null. In a
     /// freedesktop home a survey finds them.
     Paths fixedPaths{};
+    /// Where a freedesktop home usually has the content, or the folders in which the survey begins
+    /// to look for it; unused ones are null. The user is told when they cannot be reached.
+    Paths usualPaths{};
 };
 
 /// A slice that is off.
