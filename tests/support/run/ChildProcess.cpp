@@ -13,13 +13,6 @@ namespace {
 
 constexpr int kCouldNotDropRights = 127;
 
-bool dropRights()
-{
-    if (::geteuid() != 0)
-        return true; // an ordinary user runs the tests
-    return ::setgroups(0, nullptr) == 0 && ::setgid(kNobody) == 0 && ::setuid(kNobody) == 0;
-}
-
 /// noexcept: an exception must not reach the caller, which is a copy of the test.
 [[noreturn]] void runAndLeave(ChildUser user, const std::function<int()> &work,
                               int errorPipe) noexcept
@@ -31,7 +24,7 @@ bool dropRights()
     qInstallMessageHandler(nullptr);
     for (const int signal : {SIGABRT, SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTERM})
         ::signal(signal, SIG_DFL);
-    if (user == ChildUser::Nobody && !dropRights())
+    if (user == ChildUser::Nobody && !becomeNobody())
         ::_exit(kCouldNotDropRights);
     ::_exit(work());
 }
@@ -50,6 +43,13 @@ QByteArray readToEnd(int descriptor)
 }
 
 } // namespace
+
+bool becomeNobody()
+{
+    if (::geteuid() != 0)
+        return true; // an ordinary user runs the tests
+    return ::setgroups(0, nullptr) == 0 && ::setgid(kNobody) == 0 && ::setuid(kNobody) == 0;
+}
 
 ChildOutcome runInChild(ChildUser user, const std::function<int()> &work)
 {

@@ -19,6 +19,9 @@ struct ChildOutcome
     QByteArray errorText;
 };
 
+/// Gives up this process's rights for good. False where that fails; an ordinary user keeps its own.
+bool becomeNobody();
+
 /// Runs `work` in a separate process, a copy of this one without its other threads, and waits for
 /// it. For work that ends the process, and for faults that root's rights would hide. QVERIFY and
 /// the like do not reach the parent from there: use the return value, 0 to 127.
