@@ -6,20 +6,6 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
-namespace {
-
-/// What was made until now was there before; what is made from now on comes later. The clock that
-/// stamps changes goes in ticks, and may be two of them behind.
-Moment momentBetween()
-{
-    const std::int64_t latest = hostSystemCalls().now().precise;
-    while (hostSystemCalls().now().stamp <= latest)
-        ;
-    return hostSystemCalls().now();
-}
-
-} // namespace
-
 Q_DECLARE_METATYPE(std::function<void(const QByteArray &)>)
 
 /// Users go on working while it cleans: they move, save and rename.

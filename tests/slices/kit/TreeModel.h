@@ -17,6 +17,7 @@ public:
         QByteArray path; ///< absolute
         bool isFolder = false;
         ino_t inode = 0;
+        bool isLater = false; ///< it was changed after the confirmation; of a folder: itself
     };
 
     /// Whether the other names of an excluded file are recognised. Where the calls for that may
@@ -29,6 +30,17 @@ public:
     {
         makeFile(outside + "/precious", "p");
         grow(m_folder, outside, 0);
+        identify();
+    }
+
+    const std::vector<Node> &nodes() const { return m_nodes; }
+    const QByteArray &folder() const { return m_folder; }
+
+    /// For whoever changes the tree: the nodes, to be kept as the disk has them.
+    std::vector<Node> &nodes() { return m_nodes; }
+    /// Finds out the inode numbers anew.
+    void identify()
+    {
         for (Node &node : m_nodes) {
             struct stat found
             {
@@ -37,8 +49,22 @@ public:
             node.inode = found.st_ino;
         }
     }
-
-    const std::vector<Node> &nodes() const { return m_nodes; }
+    /// Something came into this folder, left it, or got another name in it.
+    void noteChangeIn(const QByteArray &folder)
+    {
+        m_isLater = m_isLater || folder == m_folder;
+        for (Node &node : m_nodes)
+            node.isLater = node.isLater || node.path == folder;
+    }
+    /// The same tree if nothing had been changed after the confirmation.
+    TreeModel asIfUnchanged() const
+    {
+        TreeModel model = *this;
+        model.m_isLater = false;
+        for (Node &node : model.m_nodes)
+            node.isLater = false;
+        return model;
+    }
 
     /// What must be left of the folder when its contents are cleaned.
     std::set<QByteArray> leftOfContents(const FileUrls &given, OtherNames names) const
@@ -51,7 +77,8 @@ public:
         std::set<QByteArray> kept;
         for (const Node &node : m_nodes) {
             if (isInside || (isTouched && isKeptByText(node, excluded)) ||
-                isKept(node, excluded, names) || isInKeptPackage(node, excluded))
+                isKept(node, excluded, names) || isInKeptPackage(node, excluded) ||
+                isLeftAsLater(node, m_folder))
                 keepWithParents(node.path, kept);
         }
         return kept;
@@ -67,7 +94,8 @@ public:
         });
         const auto isRemoved = [&](const Node &node) {
             return std::any_of(listed.begin(), listed.end(), [&](const Node &gone) {
-                return isWithin(node.path, gone.path) &&
+                return isWithin(node.path, gone.path) && !gone.isLater &&
+                       !isLeftAsLater(node, gone.path) &&
                        !(isTouched && isKeptByText(gone, excluded)) &&
                        !isKept(gone, excluded, names) && !isAround(gone, excluded);
             });
@@ -193,6 +221,24 @@ private:
                    isWithin(node.path, package.path) && isAround(package, excluded);
         });
     }
+    /// It was changed, or lies in a folder that may have come there: one that was changed, in one
+    /// that was changed. `top` is what is cleaned.
+    bool isLeftAsLater(const Node &node, const QByteArray &top) const
+    {
+        const auto mayHaveCome = [&](const Node &folder) {
+            return folder.isFolder && folder.isLater && isWithin(node.path, folder.path) &&
+                   folder.path != top && isWithin(folder.path, top) && isAroundLater(folder);
+        };
+        return (node.isLater && !node.isFolder) ||
+               std::any_of(m_nodes.begin(), m_nodes.end(), mayHaveCome);
+    }
+    bool isAroundLater(const Node &node) const
+    {
+        const QByteArray around = node.path.first(node.path.lastIndexOf('/'));
+        const auto isAround = [&](const Node &other) { return other.path == around; };
+        const auto found = std::find_if(m_nodes.begin(), m_nodes.end(), isAround);
+        return found == m_nodes.end() ? m_isLater : found->isLater;
+    }
     void keepWithParents(QByteArray path, std::set<QByteArray> &kept) const
     {
         for (; path.size() > m_folder.size(); path.truncate(path.lastIndexOf('/')))
@@ -202,4 +248,5 @@ private:
     QByteArray m_folder;
     QRandomGenerator &m_random;
     std::vector<Node> m_nodes;
+    bool m_isLater = false; ///< the folder itself was changed after the confirmation
 };

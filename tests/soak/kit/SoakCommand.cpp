@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QLocale>
+#include <QLoggingCategory>
 #include <QRandomGenerator>
 #include <cstdio>
 #include <thread>
@@ -32,6 +33,7 @@ SoakCommand::SoakCommand(const char *description, const char *amount,
          option("processes", "As many processes work side by side.", "P")});
     m_parser.addOptions(more);
     m_parser.process(*QCoreApplication::instance());
+    QLoggingCategory::setFilterRules(QStringLiteral("*=false")); // a million cleanings log much
     read();
 }
 

@@ -18,6 +18,8 @@ public:
 
     /// Where it is mounted; it belongs to the user.
     QByteArray folder() const { return m_folder; }
+    /// Whether the process may mount.
+    bool isAdministrator() const { return m_isAdministrator; }
     /// For the table: "ext4, ordinary user".
     QByteArray where() const;
 
