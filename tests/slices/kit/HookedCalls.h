@@ -70,6 +70,31 @@ public:
         return hooked("moveToFree", parent, from,
                       [&] { return ForwardingSystemCalls::moveToFree(parent, from, to); });
     }
+    SystemResult<void> rename(int parent, const char *from, const char *to) const override
+    {
+        return hooked("rename", parent, from,
+                      [&] { return ForwardingSystemCalls::rename(parent, from, to); });
+    }
+    SystemResult<void> setPermissions(int descriptor, std::uint16_t permissions) const override
+    {
+        return hooked("setPermissions", descriptor, "", [&] {
+            return ForwardingSystemCalls::setPermissions(descriptor, permissions);
+        });
+    }
+    SystemResult<QByteArray> readLink(int parent, const char *name) const override
+    {
+        return hooked("readLink", parent, name,
+                      [&] { return ForwardingSystemCalls::readLink(parent, name); });
+    }
+    SystemResult<QByteArray> realPath(const char *path) const override
+    {
+        return hooked("realPath", -1, path, [&] { return ForwardingSystemCalls::realPath(path); });
+    }
+    SystemResult<std::int64_t> clockDifference(int folder) const override
+    {
+        return hooked("clockDifference", folder, "",
+                      [&] { return ForwardingSystemCalls::clockDifference(folder); });
+    }
 
 private:
     template <typename Call>

@@ -4,36 +4,57 @@
 #include "tests/slices/kit/HookedCalls.h"
 #include "tests/support/run/Outside.h"
 
+#include <atomic>
+#include <cstdio>
+#include <fcntl.h>
 #include <functional>
+#include <map>
 
-/// Does something hostile right before one of the calls, so that every moment is tried on purpose.
+/// Does something hostile right before some of the calls, so that every moment is tried on purpose.
 class Interloper final : public HookedCalls
 {
 public:
-    Interloper(int call, std::function<void()> action) : m_call(call), m_action(std::move(action))
+    using Action = std::function<void()>;
+
+    /// The actions by the number of the call. In memory one thread removes, and makes the same
+    /// calls every time.
+    explicit Interloper(std::map<int, Action> actions = {}, bool isInMemory = true)
+        : m_actions(std::move(actions)), m_isInMemory(isInMemory)
     {
     }
 
-    /// One thread: the same calls every time.
-    bool isInMemory(int) const override { return true; }
-    std::optional<int> before(const char *, int, const char *) const override
+    bool isInMemory(int) const override { return m_isInMemory; }
+    std::optional<int> before(const char *call, int, const char *) const override
     {
-        if (m_count++ == m_call)
-            doOutside(m_action);
+        const auto found = m_actions.find(m_count++);
+        if (found != m_actions.end()) {
+            m_hasInterruptedRemoval =
+                m_hasInterruptedRemoval || QByteArrayView(call) == "removeFile";
+            doOutside(found->second);
+        }
         return {};
     }
     int count() const { return m_count; }
+    /// Whether an action came right before a file was removed.
+    bool hasInterruptedRemoval() const { return m_hasInterruptedRemoval; }
 
 private:
-    int m_call;
-    std::function<void()> m_action;
-    mutable int m_count = 0;
+    std::map<int, Action> m_actions;
+    bool m_isInMemory;
+    mutable std::atomic<int> m_count = 0;
+    mutable std::atomic<bool> m_hasInterruptedRemoval = false;
 };
 
 inline void move(const QByteArray &from, const QByteArray &to)
 {
     std::error_code ignored; // what is gone already cannot be moved any more
     std::filesystem::rename(native(from), native(to), ignored);
+}
+
+/// Each takes the other's place in one instant.
+inline void exchange(const QByteArray &one, const QByteArray &other)
+{
+    (void)::renameat2(AT_FDCWD, one.constData(), AT_FDCWD, other.constData(), RENAME_EXCHANGE);
 }
 
 /// Does something right before one certain call on one certain name.
