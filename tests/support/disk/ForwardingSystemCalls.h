@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <functional>
+#include <memory>
 #include <string_view>
 
 /// Hands every call on to another SystemCalls, but asks a hook first. The hook gets the call's
@@ -76,11 +77,26 @@ public:
     SystemResult<std::int64_t> clockDifference(int folder) const override;
     const ThreadConfinement &confinement() const override;
 
+protected:
+    struct CallMade
+    {
+        const char *name;
+        int folder;        ///< or whatever is open on which it works; -1 for none
+        const char *entry; ///< the name or path on which it works; "" for none
+    };
+    /// For those who derive from this: before each call that can fail, those that confine threads
+    /// among them. Runs on the thread of the call, before the hook. An errno fails the call.
+    virtual int beforeCall(const CallMade &made) const;
+
 private:
-    template <typename Call> auto forwarded(std::string_view name, Call call) const;
+    class Confinement;
+
+    template <typename Call>
+    auto forwarded(const CallMade &made, Call call) const -> decltype(call());
 
     Hook m_hook;
     bool m_canConfine = true;
     const SystemCalls &m_next;
+    const std::unique_ptr<const ThreadConfinement> m_confinement;
     mutable std::atomic<int> m_count = 0;
 };

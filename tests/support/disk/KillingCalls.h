@@ -1,0 +1,34 @@
+#pragma once
+
+#include "tests/support/disk/ForwardingSystemCalls.h"
+
+#include <atomic>
+#include <csignal>
+#include <unistd.h>
+
+/// The host's calls, before one of which the process is killed. Any thread.
+class KillingCalls final : public ForwardingSystemCalls
+{
+public:
+    enum class Medium { Memory, Disk };
+
+    /// `call` counts from 0.
+    explicit KillingCalls(int call, Medium medium = Medium::Memory) : m_call(call), m_medium(medium)
+    {
+    }
+
+    /// Whatever the medium really is: in memory, one thread makes the same calls every time.
+    bool isInMemory(int) const override { return m_medium == Medium::Memory; }
+
+private:
+    int beforeCall(const CallMade &) const override
+    {
+        if (m_count++ == m_call)
+            ::kill(::getpid(), SIGKILL);
+        return 0;
+    }
+
+    const int m_call;
+    const Medium m_medium;
+    mutable std::atomic<int> m_count = 0;
+};
