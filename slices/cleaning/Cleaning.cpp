@@ -48,6 +48,7 @@ public:
 private:
     void clean(const CleaningLocation &location);
     void emptyFolder(const CleaningLocation &location, const FileUrls &inUse);
+    void passOverTrashInfo(const CleaningLocation &location, FolderListing &listing);
     std::vector<FolderListing> takeOutOfPrograms(const CleaningLocation &location,
                                                  FolderListing &listing) const;
     void removeUnlessInUse(const Emptying &emptying, FolderListing entry);
@@ -111,7 +112,7 @@ void CleaningRun::emptyFolder(const CleaningLocation &location, const FileUrls &
     if (!listing)
         return refuse(location, RefusalReason::PartlyListed, listing.error());
     if (location.whatGoes == RemovalScope::LoneTrashInfo)
-        passOverTrashInfoInNeed(m_calls, location.path, *listing);
+        passOverTrashInfo(location, *listing);
     if (!protection.isTouched())
         logContents(location, *listing);
     const HeldFolder held{folder->get(),
@@ -126,6 +127,14 @@ void CleaningRun::emptyFolder(const CleaningLocation &location, const FileUrls &
     emptier.remove(held, std::move(*listing));
     for (FolderListing &entry : ofPrograms)
         removeUnlessInUse(emptying, std::move(entry));
+}
+
+void CleaningRun::passOverTrashInfo(const CleaningLocation &location, FolderListing &listing)
+{
+    const auto report = [&](const QByteArray &name, int error) {
+        m_builder.refused(location.url.path() + '/' + name, RefusalReason::Unreadable, error);
+    };
+    passOverTrashInfoInNeed(m_calls, location.path, listing, report);
 }
 
 /// Takes the entries at, or on the way to, the locations of programs out of the listing, each by
@@ -183,8 +192,12 @@ void CleaningRun::removeFile(const CleaningLocation &location)
     // The name may stand for something else by now. From here on it is removed as what it is now.
     if (location.whatGoes == RemovalScope::RegularFiles && status->kind != FileKind::Regular)
         return refuse(location, RefusalReason::NotAFile, 0);
-    if (location.whatGoes == RemovalScope::RegularFiles &&
-        journalStillNeeded(m_calls, folder->get(), name))
+    const auto isNeeded = location.whatGoes == RemovalScope::RegularFiles
+                              ? journalStillNeeded(m_calls, folder->get(), name)
+                              : false;
+    if (!isNeeded)
+        return refuse(location, RefusalReason::Unreadable, isNeeded.error());
+    if (*isNeeded)
         return;
     const auto clockAhead = m_calls.clockDifference(folder->get());
     if (!clockAhead)

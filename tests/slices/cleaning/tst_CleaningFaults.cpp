@@ -1,44 +1,23 @@
 #include "platform/system/HostSystemCalls.h"
 #include "platform/system/SystemCalls.h"
-#include "tests/slices/kit/CleaningKit.h"
+#include "tests/slices/kit/FaultCase.h"
 #include "tests/slices/kit/HookedCalls.h"
+#include "tests/support/disk/PossibleErrors.h"
 #include "tests/support/run/TestMain.h"
 
-#include <atomic>
 #include <cerrno>
+
+Q_DECLARE_METATYPE(FaultWorld)
 
 namespace {
 
-/// Counts the calls, and fails one of them.
-class OneFault final : public HookedCalls
-{
-public:
-    OneFault(int call, int error, bool isInMemory = true)
-        : m_call(call), m_error(error), m_isInMemory(isInMemory)
-    {
-    }
-
-    bool isInMemory(int) const override { return m_isInMemory; }
-    std::optional<int> before(const char *call, int, const char *) const override
-    {
-        if (m_count.fetch_add(1) != m_call)
-            return {};
-        m_failed = call;
-        return m_error;
-    }
-    int count() const { return m_count; }
-    QByteArray failed() const { return m_failed.load(); }
-
-private:
-    int m_call;
-    int m_error;
-    bool m_isInMemory;
-    mutable std::atomic<int> m_count = 0;
-    mutable std::atomic<const char *> m_failed = "";
-};
+using Tree = FaultWorld::Tree;
+constexpr auto kMemory = FailingCalls::Medium::Memory;
+constexpr auto kDisk = FailingCalls::Medium::Disk;
 
 } // namespace
 
+/// What a cleaning does when calls of the system fail. Pairs of faults are left to the soak.
 class TestCleaningFaults final : public QObject
 {
     Q_OBJECT
@@ -46,107 +25,70 @@ class TestCleaningFaults final : public QObject
 private Q_SLOTS:
     void losesNothingWhicheverCallFails_data();
     void losesNothingWhicheverCallFails();
+    void comesToAnEndWhicheverCallFailsForGood_data();
+    void comesToAnEndWhicheverCallFailsForGood();
     void leavesAPartlyListedFolderWholly();
     void staysSilentAboutWhatIsGoneAlready();
-
-private:
-    struct Outcome
-    {
-        CleaningReport report;
-        std::set<QByteArray> left;
-        int calls = 0;
-        QByteArray failed;
-    };
-    static Outcome cleanWith(int call, int error, bool isInMemory, bool isConfined);
-    static void makeTree(const QByteArray &home);
 };
-
-/// Every kind of entry, exclusions at two depths, a package, and one level more than the remover
-/// holds open.
-void TestCleaningFaults::makeTree(const QByteArray &home)
-{
-    for (const char *name : {"Keep/a", "b", "c/d", "c/e/f", "c/e/.g", "h/kept", "h/i/j", "P.app/k",
-                             "q/1/2/3/4/5/6/7/8/9/10/11/12/13/14/deep", "q/1/2/r"})
-        makeFile(home + "/Downloads/" + name);
-    makeFolder(home + "/Downloads/empty");
-    makeLink(home + "/Downloads/link", home);
-    makeFile(home + "/Library/one");
-    makeFile(home + "/Library/two");
-}
-
-TestCleaningFaults::Outcome TestCleaningFaults::cleanWith(int call, int error, bool isInMemory,
-                                                          bool isConfined)
-{
-    const CleaningGround scratch;
-    const QByteArray home = scratch / "home";
-    makeTree(home);
-    const GrantedFolder granted(home);
-    const FileUrls excluded{granted.folder("Downloads/Keep"), granted.file("Downloads/h/kept"),
-                            granted.file("Library/two")};
-    const QList<SliceToClean> slices{
-        contentsOf({granted.folder("Downloads")}),
-        theFiles({granted.file("Library/one"), granted.file("Library/two")})};
-    OneFault calls(call, error, isInMemory);
-    if (!isConfined)
-        calls.letNothingBeConfined();
-    const LogRecorder silenced;
-    const CleaningReport report = clean(granted, slices, excluding(excluded), calls);
-    Outcome outcome{report, {}, calls.count(), calls.failed()};
-    for (const QByteArray &path : tree(home))
-        outcome.left.insert(home + '/' + path);
-    // Recognised by their ends: the scratch folder is a different one each time.
-    for (const char *kept : {"Downloads/Keep/a", "Downloads/h/kept", "Library/two"}) {
-        if (!exists(home + '/' + kept))
-            qFatal("call %d, errno %d: lost %s", call, error, kept);
-    }
-    return outcome;
-}
 
 void TestCleaningFaults::losesNothingWhicheverCallFails_data()
 {
-    QTest::addColumn<bool>("isInMemory");
-    QTest::addColumn<bool>("isConfined");
-    QTest::addColumn<QList<int>>("errors");
-    const QList<int> all{EIO,   EACCES,  EPERM,  EBUSY, ENOMEM, EMFILE, ENOTEMPTY, EXDEV,
-                         ELOOP, ENOTDIR, EISDIR, EROFS, ESTALE, EINTR,  ENOENT};
-    QTest::addRow("in memory") << true << false << all;
-    QTest::addRow("on disk") << false << false
-                             << QList<int>{EIO, EACCES, EBUSY, EMFILE, ESTALE, ENOENT};
-    QTest::addRow("confined") << true << true << QList<int>{EACCES, ENOENT};
+    QTest::addColumn<FaultWorld>("world");
+    const auto row = [](const FaultWorld &world) { QTest::newRow(world.name) << world; };
+    row({"in memory", Tree::Large, kMemory, true, false});
+    row({"nothing excluded", Tree::Small, kMemory, false, false});
+    row({"on disk", Tree::Small, kDisk, true, false});
+    row({"confined", Tree::Small, kMemory, true, true});
 }
 
 void TestCleaningFaults::losesNothingWhicheverCallFails()
 {
-    QFETCH(bool, isInMemory);
-    QFETCH(bool, isConfined);
-    QFETCH(QList<int>, errors);
-    constexpr std::size_t kKept = 7; // two folders around, three files and the folders of theirs
-    const Outcome sound = cleanWith(-1, 0, isInMemory, isConfined);
-    QCOMPARE(sound.left.size(), kKept);
-    QVERIFY(sound.calls > 80);
-    const std::size_t descriptors = openDescriptors();
-    int told = 0;
-    for (int call = 0; call < sound.calls; ++call) {
-        for (const int error : errors) {
-            const Outcome outcome = cleanWith(call, error, isInMemory, isConfined);
-            const auto where = QByteArray::number(call) + ' ' + outcome.failed + ", errno " +
-                               QByteArray::number(error);
-            const bool isSilent =
-                outcome.report.failures.isEmpty() && outcome.report.refusals.isEmpty();
-            told += isSilent ? 0 : 1;
-            QVERIFY2(!isSilent || error == ENOENT || outcome.left.size() == kKept, where);
-            const auto isReported = [&](const auto &entry) {
-                return std::any_of(outcome.left.begin(), outcome.left.end(), [&](const auto &path) {
-                    return path == entry.path || path.startsWith(entry.path + '/');
-                });
-            };
-            QVERIFY2(std::all_of(outcome.report.failures.begin(), outcome.report.failures.end(),
-                                 isReported),
-                     where);
+    QFETCH(FaultWorld, world);
+    const FaultOutcome sound = cleanWithFaults(world, {});
+    QVERIFY2(sound.wrong.isEmpty(), sound.wrong);
+    QCOMPARE(sound.left, 0U);
+    QVERIFY(sound.isSilent);
+    std::size_t told = 0;
+    std::size_t faults = 0;
+    for (std::size_t call = 0; call < sound.calls.size(); ++call) {
+        const std::size_t errors = possibleErrors(sound.calls[call]).size();
+        QVERIFY2(errors > 0, sound.calls[call]);
+        for (std::size_t which = 0; which < errors; ++which) {
+            const FaultOutcome outcome = cleanWithFaults(world, {{call, which}});
+            QVERIFY2(outcome.wrong.isEmpty(), outcome.wrong);
+            told += outcome.isSilent ? 0 : 1;
+            faults += outcome.faults;
         }
     }
-    QCOMPARE(openDescriptors(), descriptors);
-    QVERIFY(told > sound.calls * (errors.size() - 1) * 2 / 3);
+    QVERIFY(faults > 300);
+    QVERIFY2(told > faults / 2, QByteArray::number(qulonglong(told)));
+}
+
+void TestCleaningFaults::comesToAnEndWhicheverCallFailsForGood_data()
+{
+    QTest::addColumn<FaultWorld>("world");
+    const auto row = [](const FaultWorld &world) { QTest::newRow(world.name) << world; };
+    row({"in memory", Tree::Large, kMemory, true, false});
+    row({"confined", Tree::Small, kDisk, true, true});
+}
+
+/// From its first call on; the soak tries all of them.
+void TestCleaningFaults::comesToAnEndWhicheverCallFailsForGood()
+{
+    QFETCH(FaultWorld, world);
+    const FaultOutcome sound = cleanWithFaults(world, {});
+    std::set<QByteArray> names;
+    for (std::size_t call = 0; call < sound.calls.size(); ++call) {
+        if (!names.insert(sound.calls[call]).second)
+            continue;
+        for (const int error : {EAGAIN, EINTR, EIO}) {
+            const FaultOutcome outcome =
+                cleanWithFaults(world, {{call, 0, Fault::Lasts::ForGood, error}});
+            QVERIFY2(outcome.wrong.isEmpty(), outcome.wrong);
+            QVERIFY(outcome.faults > 0);
+        }
+    }
+    QVERIFY(names.size() > 10);
 }
 
 void TestCleaningFaults::leavesAPartlyListedFolderWholly()
@@ -196,7 +138,9 @@ void TestCleaningFaults::staysSilentAboutWhatIsGoneAlready()
         }
     };
     const CleaningGround scratch;
-    makeTree(scratch / "home");
+    for (const char *name : {"a", "b/c", "b/d/e", "P.app/f"})
+        makeFile(scratch / "home/Downloads/" + name);
+    makeLink(scratch / "home/Downloads/link", scratch.path());
     const GrantedFolder granted(scratch / "home");
     const CleaningReport report =
         clean(granted, {contentsOf({granted.folder("Downloads")})}, {}, Quicker());
