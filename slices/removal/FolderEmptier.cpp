@@ -3,6 +3,7 @@
 #include "platform/files/AnchoredFolder.h"
 #include "platform/system/SystemCalls.h"
 #include "slices/removal/ConfinedRun.h"
+#include "slices/removal/ExactRemoval.h"
 #include "slices/removal/ParallelRemover.h"
 
 #include <cerrno>
@@ -83,9 +84,10 @@ FolderEmptier::Parts FolderEmptier::judge(const HeldFolder &folder, const QByteA
             m_steps.judge({folder.descriptor, folder.path, name, folder.state}, entry);
         if (judged.match == ExclusionMatch::OnTheWay)
             m_onTheWay.push_back({relativePath, name, entry, folder.state, &folder.way});
+        // Only who removes the files may give an entry of this folder its own name back.
+        const bool isEntered = judged.kind == FileKind::Folder && !ExactRemoval::isPrivate(name);
         if (judged.match == ExclusionMatch::None)
-            (judged.kind == FileKind::Folder ? parts.folders : parts.files)
-                .append({name, entry.inode, judged.kind});
+            (isEntered ? parts.folders : parts.files).append({name, entry.inode, judged.kind});
     }
     // What is on the way outlives the folder that is held now.
     if (!m_onTheWay.empty() && m_onTheWay.back().way == &folder.way) {

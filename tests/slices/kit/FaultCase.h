@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/slices/kit/CleaningKit.h"
+#include "tests/slices/kit/NotedCleaning.h"
 #include "tests/support/disk/FailingCalls.h"
 
 /// One cleaning of a made home while calls of the system fail, and the judgement of what is left.
@@ -57,7 +57,8 @@ public:
             excluded = {granted.folder("Downloads/Keep"), granted.file("Downloads/h/kept"),
                         granted.file("Library/two")};
         const LogRecorder silenced;
-        return ::clean(granted, slices(granted), excluding(excluded), calls);
+        return cleanNoted(m_scratch / "settings", granted, slices(granted), excluding(excluded),
+                          calls);
     }
 
     /// What must not be; empty where all is well.
