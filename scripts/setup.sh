@@ -17,8 +17,8 @@ declare -A PACKAGES=(
     # Tools for the tests' own file systems and attributes, and for keys that come from outside the
     # program.
     [testing]="e2fsprogs xdotool"
-    # What the long tests need beside: disks of another make.
-    [soaking]="btrfs-progs mount"
+    # What the long tests need beside: disks of another make and disks whose power can be cut.
+    [soaking]="e2fsprogs btrfs-progs xfsprogs libfuse3-dev mount"
     # Tools that check a change before it is sent.
     [checking]="clang-format clang-tidy git"
 )
@@ -97,7 +97,7 @@ This is not Debian, so nothing is installed for you. Vantor needs:
   tl::expected (headers), libseccomp (headers), zlib (headers), xcb and xcb-shape (headers), pkg-config, OpenGL (headers), shared-mime-info, xdg-utils, bubblewrap
   the static OpenType files of the Inter typeface (their folder goes into VANTOR_FONT_DIR)
   without a desktop: Xvfb and xvfb-run, xauth, openbox
-  for the tests: e2fsprogs, xdotool; for the long ones: btrfs-progs
+  for the tests: e2fsprogs, xdotool; for the long ones: e2fsprogs, btrfs-progs, xfsprogs, libfuse 3 (headers)
   to check a change: clang-format, clang-tidy (14 or later), git
 NEEDS
     local tool
