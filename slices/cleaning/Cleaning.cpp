@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <new>
 #include <set>
 
 namespace {
@@ -46,6 +47,7 @@ public:
     CleaningReport run();
 
 private:
+    void cleanNext(std::size_t index);
     void clean(const CleaningLocation &location);
     void emptyFolder(const CleaningLocation &location, const FileUrls &inUse);
     void passOverTrashInfo(const CleaningLocation &location, FolderListing &listing);
@@ -72,12 +74,22 @@ private:
 CleaningReport CleaningRun::run()
 {
     const auto &locations = m_plan.locations();
-    for (std::size_t i = 0; i < locations.size() && !m_stop.stop_requested(); ++i) {
-        if (locations[i].content == SliceContent::Files)
-            logFiles(i);
-        clean(locations[i]);
-    }
+    for (std::size_t i = 0; i < locations.size() && !m_stop.stop_requested(); ++i)
+        cleanNext(i);
     return m_builder.finish(m_stop.stop_requested());
+}
+
+/// Goes on with the next location when the memory runs out: some of it is free again by then.
+void CleaningRun::cleanNext(std::size_t index)
+{
+    const CleaningLocation &location = m_plan.locations()[index];
+    try {
+        if (location.content == SliceContent::Files)
+            logFiles(index);
+        clean(location);
+    } catch (const std::bad_alloc &) {
+        m_builder.tell([&] { return location.url.path(); }, RefusalReason::OutOfMemory, ENOMEM);
+    }
 }
 
 void CleaningRun::clean(const CleaningLocation &location)
@@ -266,5 +278,12 @@ void CleaningRun::logFiles(std::size_t first)
 CleaningReport performCleaning(const SystemCalls &calls, const CleaningPlan &plan,
                                std::stop_token stop, const InUseCheck &inUse)
 {
-    return CleaningRun(calls, plan, std::move(stop), inUse).run();
+    try {
+        return CleaningRun(calls, plan, std::move(stop), inUse).run();
+    } catch (const std::bad_alloc &) {
+        // It got no further than its beginning: a run ends with a report.
+        CleaningReportBuilder builder(plan.refusals());
+        builder.tell([] { return QByteArray(); }, RefusalReason::OutOfMemory, ENOMEM);
+        return builder.finish(false);
+    }
 }

@@ -17,7 +17,8 @@ using InUseCheck = std::function<FileUrls(const CleaningLocation &, const FileUr
 /// location whose plan says so. Those that stay get their rights back. A location that is in use
 /// when the cleaning comes to it stays, and so does what is in use inside it. For this the entries
 /// at, or on the way to, the locations of programs come last, each by itself. Goes on after a
-/// failure; looks at the stop token before every item. Runs on the caller's thread, with a second
+/// failure, with the next location also when the memory runs out; looks at the stop token before
+/// every item. Runs on the caller's thread, with a second
 /// one where the disk gains by it, and writes the log lines of the cleaning. Blocks: not for the
 /// main thread.
 CleaningReport performCleaning(const SystemCalls &calls, const CleaningPlan &plan,

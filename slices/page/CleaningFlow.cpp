@@ -13,13 +13,14 @@ namespace {
 /// The button of the questions that goes on; the other one cancels.
 constexpr int kGoOnButton = 1;
 
-/// Whether nothing was cleaned because the exclusions are not known for certain.
+/// Whether nothing was cleaned because the exclusions are not known for certain, or there was no
+/// memory for it.
 bool refusedEverything(const CleaningReport &report)
 {
     const RefusalReason first = report.refusals.value(0).reason;
     return report.refusalCount > 0 && report.removedItems == 0 &&
            (first == RefusalReason::UnknownExclusions ||
-            first == RefusalReason::UnparsableExclusion);
+            first == RefusalReason::UnparsableExclusion || first == RefusalReason::OutOfMemory);
 }
 
 } // namespace

@@ -12,7 +12,9 @@
 #include "slices/record/Info.h"
 #include "slices/sizing/FolderSizing.h"
 
+#include <cerrno>
 #include <mutex>
+#include <new>
 
 namespace {
 
@@ -88,10 +90,9 @@ CleaningReport cleanDisk(const Work &work, const std::stop_token &stop)
     return report;
 }
 
-CleaningReport refusedReport()
+CleaningReport refusedReport(RefusalReason reason, int error = 0)
 {
-    return CleaningReportBuilder({{QByteArray(), RefusalReason::UnknownExclusions, 0}})
-        .finish(false);
+    return CleaningReportBuilder({{QByteArray(), reason, error}}).finish(false);
 }
 
 } // namespace
@@ -143,7 +144,7 @@ void CleaningJob::findExclusions()
 void CleaningJob::remove(const std::optional<ExcludedPaths> &excluded)
 {
     if (!excluded) {
-        finish(refusedReport());
+        finish(refusedReport(RefusalReason::UnknownExclusions));
         return;
     }
     const Work work{m_calls,  m_access,  m_settingsFolder, m_chosen,
@@ -152,11 +153,15 @@ void CleaningJob::remove(const std::optional<ExcludedPaths> &excluded)
         [this, work, locations = m_locations, source = m_stop](const std::stop_token &end) mutable {
             const std::stop_callback endWithTheProgram(end, [&source] { source.request_stop(); });
             const std::stop_token stop = source.get_token();
-            restore(work.chosen, locations);
             CleaningReport report;
             report.wasStopped = true;
-            if (!stop.stop_requested())
-                report = cleanDisk(work, stop);
+            try {
+                restore(work.chosen, locations);
+                if (!stop.stop_requested())
+                    report = cleanDisk(work, stop);
+            } catch (const std::bad_alloc &) {
+                report = refusedReport(RefusalReason::OutOfMemory, ENOMEM);
+            }
             return [this, report] { finish(report); };
         });
 }

@@ -63,7 +63,12 @@ enum class RefusalReason {
     ChangedLater,    ///< it came, was moved or was changed after the user had confirmed
     Unconfined,      ///< the kernel did not confine the threads, although it can
     InUse,           ///< a program is using it, which the user was not told when asked
+    RightsChanged,   ///< the cleaning made it writable, and could not give its rights back
+    OutOfMemory,     ///< there was no memory to go on
 };
+
+/// For whoever goes through all reasons.
+inline constexpr RefusalReason kLastRefusalReason = RefusalReason::OutOfMemory;
 
 struct CleaningRefusal
 {

@@ -3,9 +3,12 @@
 #include "platform/base/Log.h"
 #include "slices/plan/RefusalText.h"
 
+#include <cerrno>
 #include <system_error>
 
 namespace {
+
+constexpr qsizetype kRoom = 16;
 
 /// What people and tests read: the URL, which is plain ASCII whatever the name.
 QByteArray textOf(const QByteArray &path, FileUrlKind kind)
@@ -41,13 +44,24 @@ void logLocked(const CleaningRefusal &refusal)
            refusalText(refusal.reason).logged, error.c_str());
 }
 
+/// A line that there is no memory for is left out: the report counts, not the log.
+template <typename Log> void ifPossible(const Log &log)
+{
+    try {
+        log();
+    } catch (const std::bad_alloc &) {
+        return;
+    }
+}
+
 } // namespace
 
 CleaningReportBuilder::CleaningReportBuilder(const QList<CleaningRefusal> &planned)
     : m_plannedRefusals(static_cast<std::uint64_t>(planned.size())),
       m_isLogging(logVantor().isInfoEnabled())
 {
-    m_report.refusals = planned;
+    m_report.refusals.reserve(planned.size() + kRoom);
+    m_report.refusals.append(planned);
     m_report.refusalCount = m_plannedRefusals;
     for (const CleaningRefusal &refusal : planned)
         logLocked(refusal);
@@ -72,19 +86,43 @@ void CleaningReportBuilder::logRemoval(const QByteArray &path, FileUrlKind kind)
 void CleaningReportBuilder::failed(const QByteArray &path, int error)
 {
     const std::scoped_lock lock(m_mutex);
-    if (++m_report.failureCount > CleaningReport::kMaxReported)
-        return;
-    m_report.failures.append({path, error});
-    logLocked(m_report.failures.last());
+    if (m_report.failureCount < CleaningReport::kMaxReported) {
+        m_report.failures.append({path, error});
+        ifPossible([&] { logLocked(m_report.failures.constLast()); });
+    }
+    ++m_report.failureCount;
 }
 
 void CleaningReportBuilder::refused(const QByteArray &path, RefusalReason reason, int error)
 {
     const std::scoped_lock lock(m_mutex);
-    if (++m_report.refusalCount > m_plannedRefusals + CleaningReport::kMaxReported)
-        return;
-    m_report.refusals.append({path, reason, error});
-    logLocked(m_report.refusals.last());
+    if (m_report.refusalCount < m_plannedRefusals + CleaningReport::kMaxReported)
+        append({path, reason, error});
+    ++m_report.refusalCount;
+}
+
+/// Leaves room for one more, so that finish() needs no memory for its row.
+void CleaningReportBuilder::append(const CleaningRefusal &refusal)
+{
+    QList<CleaningRefusal> &rows = m_report.refusals;
+    if (rows.capacity() < rows.size() + 2)
+        rows.reserve(2 * rows.size() + kRoom);
+    rows.append(refusal);
+    ifPossible([&] { logLocked(refusal); });
+}
+
+std::optional<std::set<QByteArray>> CleaningReportBuilder::namedPaths()
+{
+    const std::scoped_lock lock(m_mutex);
+    const auto listed = std::uint64_t(m_report.failures.size() + m_report.refusals.size());
+    if (listed < m_report.failureCount + m_report.refusalCount)
+        return std::nullopt;
+    std::set<QByteArray> paths;
+    for (const CleaningFailure &failure : m_report.failures)
+        paths.insert(failure.path);
+    for (const CleaningRefusal &refusal : m_report.refusals)
+        paths.insert(refusal.path);
+    return paths;
 }
 
 CleaningReport CleaningReportBuilder::finish(bool wasStopped)
@@ -92,7 +130,12 @@ CleaningReport CleaningReportBuilder::finish(bool wasStopped)
     const std::scoped_lock lock(m_mutex);
     m_report.removedItems = m_removed.load(std::memory_order_relaxed);
     m_report.wasStopped = wasStopped;
-    logTheRest();
+    if (m_lostRows) {
+        ++m_report.refusalCount;
+        m_report.refusals.append({QByteArray(), RefusalReason::OutOfMemory, ENOMEM});
+        ifPossible([&] { logLocked(m_report.refusals.constLast()); });
+    }
+    ifPossible([&] { logTheRest(); });
     return m_report;
 }
 

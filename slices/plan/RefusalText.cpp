@@ -36,6 +36,11 @@ RefusalText refusalText(RefusalReason reason)
         return {"the system refused to confine its cleaning", "its cleaning cannot be confined"};
     case RefusalReason::InUse:
         return {"a program is using it", "used by a program"};
+    case RefusalReason::RightsChanged:
+        return {"it was made writable to be emptied, and its own rights could not be set again",
+                "its rights could not be given back"};
+    case RefusalReason::OutOfMemory:
+        return {"there was not enough memory to go on", "not enough memory"};
     }
     Q_UNREACHABLE();
 }

@@ -1,5 +1,7 @@
 #include "slices/removal/ConfinedRun.h"
 
+#include <cerrno>
+#include <new>
 #include <system_error>
 #include <thread>
 
@@ -24,22 +26,31 @@ SystemResult<void> ConfinedRun::run(const std::function<void()> &step)
 {
     if (!m_made)
         return m_made;
-    if (m_layers.empty()) {
-        step();
-        return {};
-    }
-    SystemResult<void> entered;
+    if (m_layers.empty())
+        return enterAndDo(step);
+    SystemResult<void> done;
     try {
         // Confinement is for good: the thread ends with the step.
-        std::jthread thread([&] {
-            entered = enter();
-            if (entered)
-                step();
-        });
+        const std::jthread thread([&] { done = enterAndDo(step); });
     } catch (const std::system_error &error) {
         return tl::unexpected(error.code().value());
+    } catch (const std::bad_alloc &) {
+        return tl::unexpected(ENOMEM);
     }
-    return entered;
+    return done;
+}
+
+/// An exception that leaves its thread would end the program.
+SystemResult<void> ConfinedRun::enterAndDo(const std::function<void()> &step) const noexcept
+{
+    try {
+        const auto entered = enter();
+        if (entered)
+            step();
+        return entered;
+    } catch (const std::bad_alloc &) {
+        return tl::unexpected(ENOMEM);
+    }
 }
 
 SystemResult<void> ConfinedRun::enter() const

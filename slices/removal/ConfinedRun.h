@@ -20,11 +20,13 @@ public:
     /// For the last layer. The folder is open.
     void allow(int folder, FolderRights rights);
 
-    /// Returns when the step is done; an errno if it was not run.
+    /// Returns when the step is done; an errno if it was not run. ENOMEM also if the memory ran out
+    /// in its midst.
     SystemResult<void> run(const std::function<void()> &step);
 
 private:
     SystemResult<void> enter() const;
+    SystemResult<void> enterAndDo(const std::function<void()> &step) const noexcept;
 
     const ThreadConfinement &m_confinement;
     std::vector<FileDescriptor> m_layers;

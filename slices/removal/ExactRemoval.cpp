@@ -5,6 +5,7 @@
 #include <QHash>
 #include <cerrno>
 #include <climits>
+#include <new>
 
 namespace {
 
@@ -52,16 +53,27 @@ tl::expected<void, ExactRemoval::Failure> ExactRemoval::remove(int folder, const
     const auto moved = moveToFree(folder, name, aside.constData());
     if (!moved)
         return tl::unexpected(Failure{moved.error(), {}});
-    SystemResult<void> outcome = tl::unexpected(ESTALE);
-    const auto found = m_calls.status(folder, aside.constData());
-    if (found && isSame(*found, expected))
-        outcome = found->kind == FileKind::Folder ? m_calls.removeFolder(folder, aside.constData())
-                                                  : m_calls.removeFile(folder, aside.constData());
+    const auto outcome = removeIfSame(folder, aside.constData(), expected);
     if (outcome)
         return {};
     const auto back = moveToFree(folder, aside.constData(), name);
     const bool isBack = back || back.error() == ENOENT;
     return tl::unexpected(Failure{outcome.error(), isBack ? QByteArray() : aside});
+}
+
+/// Whatever happens, it returns, for the entry has to get its name back.
+SystemResult<void> ExactRemoval::removeIfSame(int folder, const char *aside,
+                                              const FileStatus &expected) const
+{
+    try {
+        const auto found = m_calls.status(folder, aside);
+        if (found && isSame(*found, expected))
+            return found->kind == FileKind::Folder ? m_calls.removeFolder(folder, aside)
+                                                   : m_calls.removeFile(folder, aside);
+        return tl::unexpected(ESTALE);
+    } catch (const std::bad_alloc &) {
+        return tl::unexpected(ENOMEM);
+    }
 }
 
 SystemResult<void> ExactRemoval::putBack(int folder, const char *privateName) const

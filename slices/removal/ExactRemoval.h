@@ -33,6 +33,8 @@ public:
     SystemResult<void> putBack(int folder, const char *privateName) const;
 
 private:
+    SystemResult<void> removeIfSame(int folder, const char *aside,
+                                    const FileStatus &expected) const;
     SystemResult<void> moveToFree(int folder, const char *name, const char *newName) const;
 
     const SystemCalls &m_calls;

@@ -14,6 +14,11 @@ namespace {
 /// other. More than two threads gain nothing.
 constexpr unsigned kThreadsForDisks = 2;
 
+EntryRef refTo(const HeldFolder &folder, const EmptiedFolders::Folder &inside)
+{
+    return {folder.descriptor, folder.path, inside.name.constData(), folder.state};
+}
+
 } // namespace
 
 FolderEmptier::FolderEmptier(const SystemCalls &calls, const RemovalContext &context, int location,
@@ -151,22 +156,27 @@ void FolderEmptier::allowEach(ConfinedRun &run, const HeldFolder &folder,
 }
 
 void FolderEmptier::removeFiles(const HeldFolder &folder, const FolderListing &files,
-                                const EmptiedFolders &emptied)
+                                EmptiedFolders &emptied)
 {
-    if (files.size() == 0 && emptied.all().empty())
+    if (files.size() == 0 && emptied.isEmpty())
         return;
     ConfinedRun run(m_calls.confinement());
     run.addLayer();
     run.allow(m_location, FolderRights::RemovingEntries);
     confined(run, folder.path, [&] {
         removeAll(folder, files);
-        for (const EmptiedFolders::Folder &empty : emptied.all()) {
-            if (!m_stop.stop_requested())
-                m_steps.removeFolder(
-                    {folder.descriptor, folder.path, empty.name.constData(), folder.state},
-                    empty.inode);
-        }
+        removeEmptied(folder, emptied);
     });
+    for (EmptiedFolders::Folder &empty : emptied.all())
+        m_steps.tellOfRights(refTo(folder, empty), empty.rights);
+}
+
+void FolderEmptier::removeEmptied(const HeldFolder &folder, EmptiedFolders &emptied)
+{
+    for (EmptiedFolders::Folder &empty : emptied.all()) {
+        if (!m_stop.stop_requested())
+            m_steps.removeFolder(refTo(folder, empty), empty.inode, empty.rights);
+    }
 }
 
 void FolderEmptier::removeAll(const HeldFolder &folder, FolderListing entries)
@@ -182,6 +192,9 @@ void FolderEmptier::confined(ConfinedRun &run, const QByteArray &path,
 {
     if (m_stop.stop_requested())
         return;
-    if (const auto ran = run.run(step); !ran)
+    const auto ran = run.run(step);
+    if (!ran && ran.error() == ENOMEM)
+        m_steps.ranOutOfMemory(path);
+    else if (!ran)
         m_context.builder.refused(path.chopped(1), RefusalReason::Unconfined, ran.error());
 }

@@ -51,8 +51,8 @@ private:
                 const FolderListing &entries);
     void emptyFolders(HeldFolder folder, FolderListing folders, EmptiedFolders &emptied);
     void allowEach(ConfinedRun &run, const HeldFolder &folder, const FolderListing &folders) const;
-    void removeFiles(const HeldFolder &folder, const FolderListing &files,
-                     const EmptiedFolders &emptied);
+    void removeFiles(const HeldFolder &folder, const FolderListing &files, EmptiedFolders &emptied);
+    void removeEmptied(const HeldFolder &folder, EmptiedFolders &emptied);
     void removeAll(const HeldFolder &folder, FolderListing entries);
     void confined(ConfinedRun &run, const QByteArray &path, const std::function<void()> &step);
 

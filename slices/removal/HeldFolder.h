@@ -16,6 +16,7 @@ public:
     {
         QByteArray name;
         std::uint64_t inode = 0;
+        LentRights rights = {}; ///< given back already
     };
 
     void add(Folder folder)
@@ -24,7 +25,8 @@ public:
         m_folders.push_back(std::move(folder));
     }
     /// When all threads are done.
-    const std::vector<Folder> &all() const { return m_folders; }
+    std::vector<Folder> &all() { return m_folders; }
+    bool isEmpty() const { return m_folders.empty(); }
 
 private:
     std::mutex m_mutex;

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <new>
 #include <system_error>
 #include <thread>
+#include <utility>
 
 namespace {
 
@@ -23,7 +25,7 @@ struct ParallelRemover::SharedFolder
     FileDescriptor owned;
     HeldFolder held;
     FolderListing listing;
-    std::optional<std::uint16_t> formerRights;
+    LentRights rights;
     std::atomic<std::size_t> openWork = 1; ///< jobs, folders inside, and the thread that sets it up
     std::atomic<bool> stays = false;
     std::atomic<bool> isLost = false; ///< it was moved away
@@ -46,8 +48,10 @@ public:
     void run();
 
 private:
+    void perform(const Job &job);
     void deal(const Job &job);
     void enter(const Job &job);
+    void empty(const FolderPointer &folder);
     void share(const FolderPointer &folder);
     bool isInPlace(SharedFolder &folder);
 
@@ -61,15 +65,20 @@ void ParallelRemover::Worker::run()
 {
     Job job;
     while (m_parallel.take(job)) {
-        if (m_parallel.m_stop.stop_requested())
-            job.folder->stays = true;
-        else if (job.kind == Job::Kind::Deal)
-            deal(job);
-        else
-            enter(job);
+        m_parallel.guarded(*job.folder, [&] { perform(job); });
         m_parallel.release(std::move(job.folder));
         m_parallel.finishJob();
     }
+}
+
+void ParallelRemover::Worker::perform(const Job &job)
+{
+    if (m_parallel.isStopped())
+        job.folder->stays = true;
+    else if (job.kind == Job::Kind::Deal)
+        deal(job);
+    else
+        enter(job);
 }
 
 void ParallelRemover::Worker::deal(const Job &job)
@@ -77,7 +86,7 @@ void ParallelRemover::Worker::deal(const Job &job)
     SharedFolder &folder = *job.folder;
     std::vector<Job> inside;
     for (std::size_t i = job.first; i < job.last; ++i) {
-        if (m_parallel.m_stop.stop_requested() || !isInPlace(folder)) {
+        if (m_parallel.isStopped() || !isInPlace(folder)) {
             folder.stays = true;
             break;
         }
@@ -90,7 +99,6 @@ void ParallelRemover::Worker::deal(const Job &job)
             inside.push_back({Job::Kind::Enter, job.folder, i, i + 1});
         }
     }
-    folder.openWork += inside.size();
     m_parallel.add(std::move(inside));
 }
 
@@ -121,23 +129,27 @@ void ParallelRemover::Worker::enter(const Job &job)
         return;
     }
     const auto folder = std::make_shared<SharedFolder>();
-    folder->around = job.folder;
-    ++folder->around->openWork;
-    folder->indexAround = job.first;
     folder->owned = std::move(entered->descriptor);
+    folder->rights = std::move(entered->rights);
     folder->held = {folder->owned.get(),
                     ref.path() + '/',
                     EntryPolicy::Removed,
                     entered->state,
                     {&job.folder->held.way, entered->inode}};
-    folder->formerRights = entered->formerRights;
-    if (m_parallel.m_aliveFolders++ < kMostFolders) {
-        folder->listing = std::move(entered->listing);
-        share(folder);
-    } else if (!m_remover.removeListed(folder->held, std::move(entered->listing))) {
-        folder->stays = true;
-    }
+    folder->listing = std::move(entered->listing);
+    folder->indexAround = job.first;
+    folder->around = job.folder;
+    ++folder->around->openWork;
+    m_parallel.guarded(*folder, [&] { empty(folder); });
     m_parallel.release(folder);
+}
+
+void ParallelRemover::Worker::empty(const FolderPointer &folder)
+{
+    if (m_parallel.m_aliveFolders++ < kMostFolders)
+        share(folder);
+    else if (!m_remover.removeListed(folder->held, std::exchange(folder->listing, {})))
+        folder->stays = true;
 }
 
 /// Hands out all stretches of the folder except the first, which this thread takes at once.
@@ -154,6 +166,8 @@ ParallelRemover::ParallelRemover(const RemovalSteps &steps, std::stop_token stop
 
 void ParallelRemover::removeListed(const HeldFolder &folder, FolderListing listing)
 {
+    Worker worker(*this); // before there are jobs that only it may do
+    m_path = folder.path;
     const auto outermost = std::make_shared<SharedFolder>();
     outermost->held = folder;
     outermost->listing = std::move(listing);
@@ -162,11 +176,35 @@ void ParallelRemover::removeListed(const HeldFolder &folder, FolderListing listi
     std::vector<std::jthread> helpers;
     try {
         while (helpers.size() + 1 < m_threads)
-            helpers.emplace_back([this] { Worker(*this).run(); });
+            helpers.emplace_back([this] { help(); });
     } catch (const std::system_error &) {
         // The system gives no more threads: those that run do all the work.
+    } catch (const std::bad_alloc &) {
+        // The same.
     }
-    Worker(*this).run();
+    worker.run();
+}
+
+void ParallelRemover::help()
+{
+    try {
+        Worker(*this).run();
+    } catch (const std::bad_alloc &) {
+        // No room for another worker: those that run do all the work.
+    }
+}
+
+/// A job whose memory runs out leaves its folder, and ends like any other: else those that wait for
+/// it would wait for ever, and the folders around would keep the rights that are not theirs.
+template <typename Work> void ParallelRemover::guarded(SharedFolder &folder, const Work &work)
+{
+    try {
+        work();
+    } catch (const std::bad_alloc &) {
+        folder.stays = true;
+        if (!m_ranOutOfMemory.exchange(true))
+            m_steps.ranOutOfMemory(m_path);
+    }
 }
 
 /// The entries from `first` on, in jobs that each hold on to the folder.
@@ -177,7 +215,6 @@ std::vector<ParallelRemover::Job> ParallelRemover::stretchesOf(const FolderPoint
     for (; first < folder->listing.size(); first += kStretch) {
         const std::size_t last = std::min(first + kStretch, folder->listing.size());
         stretches.push_back({Job::Kind::Deal, folder, first, last});
-        ++folder->openWork;
     }
     return stretches;
 }
@@ -193,16 +230,20 @@ bool ParallelRemover::take(Job &job)
     return true;
 }
 
-/// The first of them will be the next to be taken.
+/// The first of them will be the next to be taken. Counts them when they are in, so that the counts
+/// are right if there is no memory for them.
 void ParallelRemover::add(std::vector<Job> jobs)
 {
     if (jobs.empty())
         return;
     {
         const std::scoped_lock lock(m_mutex);
-        m_unfinished += jobs.size();
+        const std::size_t before = m_jobs.size();
         m_jobs.insert(m_jobs.end(), std::make_move_iterator(jobs.rbegin()),
                       std::make_move_iterator(jobs.rend()));
+        for (std::size_t i = before; i < m_jobs.size(); ++i)
+            ++m_jobs[i].folder->openWork;
+        m_unfinished += m_jobs.size() - before;
     }
     m_changed.notify_all();
 }
@@ -221,21 +262,25 @@ void ParallelRemover::release(FolderPointer folder)
 {
     while (--folder->openWork == 0 && folder->around) {
         const FolderPointer around = folder->around;
-        m_steps.giveBack(folder->held.descriptor, folder->formerRights);
+        folder->rights.giveBack();
         folder->owned.reset();
         --m_aliveFolders;
-        if (folder->stays || m_stop.stop_requested() || !isRemoved(*folder))
-            around->stays = true;
+        guarded(*around, [&] {
+            if (folder->stays || isStopped() || !isRemoved(*folder))
+                around->stays = true;
+        });
+        m_steps.tellOfRights(around->ref(folder->indexAround), folder->rights);
         folder = around;
     }
 }
 
 /// Whether a folder that is empty now is gone, or is removed later.
-bool ParallelRemover::isRemoved(const SharedFolder &folder) const
+bool ParallelRemover::isRemoved(SharedFolder &folder) const
 {
     const EntryRef ref = folder.around->ref(folder.indexAround);
+    const std::uint64_t inode = folder.held.way.inode;
     if (!folder.around->held.emptied)
-        return m_steps.removeFolder(ref, folder.held.way.inode) == RemovalSteps::EntryOutcome::Gone;
-    folder.around->held.emptied->add({ref.name, folder.held.way.inode});
+        return m_steps.removeFolder(ref, inode, folder.rights) == EntryOutcome::Gone;
+    folder.around->held.emptied->add({ref.name, inode, std::move(folder.rights)});
     return true;
 }

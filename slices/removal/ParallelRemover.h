@@ -17,7 +17,8 @@ public:
     /// `threads` counts the caller's, which works with the others.
     ParallelRemover(const RemovalSteps &steps, std::stop_token stop, unsigned threads);
 
-    /// Removes what the listing names in the folder, with all that it holds. Once.
+    /// Removes what the listing names in the folder, with all that it holds. Once. Memory that runs
+    /// out is reported, and ends it like a stop.
     void removeListed(const HeldFolder &folder, FolderListing listing);
 
 private:
@@ -36,16 +37,21 @@ private:
     class Worker;
 
     std::vector<Job> stretchesOf(const FolderPointer &folder, std::size_t first) const;
+    void help();
+    template <typename Work> void guarded(SharedFolder &folder, const Work &work);
+    bool isStopped() const { return m_stop.stop_requested() || m_ranOutOfMemory; }
     bool take(Job &job);
     void add(std::vector<Job> jobs);
     void finishJob();
     void release(FolderPointer folder);
-    bool isRemoved(const SharedFolder &folder) const;
+    bool isRemoved(SharedFolder &folder) const;
 
     const RemovalSteps &m_steps;
     std::stop_token m_stop;
     unsigned m_threads;
+    QByteArray m_path; ///< of the outermost folder
     std::atomic<int> m_aliveFolders = 0;
+    std::atomic<bool> m_ranOutOfMemory = false;
 
     std::mutex m_mutex; ///< guards all below
     std::condition_variable m_changed;

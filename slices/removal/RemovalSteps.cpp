@@ -66,9 +66,9 @@ RemovalSteps::enter(const EntryRef &ref, const FolderListing::Entry &entry,
     if (!listing)
         return tl::unexpected(refused(ref, RefusalReason::PartlyListed, listing.error()));
     const FolderState state = stateOf(opened->get());
-    const auto formerRights = makeWritable(ref, opened->get(), *status, *listing);
+    LentRights rights = makeWritable(ref, opened->get(), *status, *listing);
     return EnteredFolder{std::move(*opened), status->inode, std::move(*listing), state,
-                         formerRights};
+                         std::move(rights)};
 }
 
 FolderState RemovalSteps::stateOf(int folder) const
@@ -79,17 +79,16 @@ FolderState RemovalSteps::stateOf(int folder) const
 
 /// Uses the descriptor: the name may stand for another folder by now. Where the system refuses the
 /// change, the removals inside fail and report it.
-std::optional<std::uint16_t> RemovalSteps::makeWritable(const EntryRef &ref, int folder,
-                                                        const FileStatus &status,
-                                                        const FolderListing &listing) const
+LentRights RemovalSteps::makeWritable(const EntryRef &ref, int folder, const FileStatus &status,
+                                      const FolderListing &listing) const
 {
     constexpr unsigned kAllOfTheOwners = 0700;
     if (m_protection.readOnlyFolders() == ReadOnlyFolders::Stay ||
         !isOwnAndReadOnly(status, m_calls.actingUser()) || !mayMakeWritable(ref, status, listing))
-        return std::nullopt;
+        return {};
     const auto changed = m_calls.setPermissions(
         folder, static_cast<std::uint16_t>(status.permissions | kAllOfTheOwners));
-    return changed ? std::optional(status.permissions) : std::nullopt;
+    return changed ? LentRights(m_calls, folder, status.permissions) : LentRights();
 }
 
 /// A folder on the way to something kept stays, and so do its rights. A folder that has left its
@@ -108,12 +107,6 @@ bool RemovalSteps::mayMakeWritable(const EntryRef &ref, const FileStatus &status
     return found && found->inodeId() == status.inodeId();
 }
 
-void RemovalSteps::giveBack(int folder, std::optional<std::uint16_t> formerRights) const
-{
-    if (formerRights)
-        m_calls.setPermissions(folder, *formerRights);
-}
-
 SystemResult<FolderListing> RemovalSteps::list(int folder, std::span<char> space) const
 {
     auto listing = FolderListing::ofFolder(m_calls, folder, space);
@@ -124,15 +117,25 @@ SystemResult<FolderListing> RemovalSteps::list(int folder, std::span<char> space
 
 SystemResult<FileDescriptor> RemovalSteps::back(int folder, std::uint64_t inode) const
 {
-    auto parent = m_calls.openParent(folder);
-    if (!parent)
-        return parent;
-    const auto status = m_calls.statusOf(parent->get());
+    return ifSame(m_calls.openParent(folder), inode);
+}
+
+SystemResult<FileDescriptor> RemovalSteps::reenter(const EntryRef &ref, std::uint64_t inode) const
+{
+    return ifSame(m_calls.openFolder(ref.folder, ref.name, Descent::Strict), inode);
+}
+
+SystemResult<FileDescriptor> RemovalSteps::ifSame(SystemResult<FileDescriptor> folder,
+                                                  std::uint64_t inode) const
+{
+    if (!folder)
+        return folder;
+    const auto status = m_calls.statusOf(folder->get());
     if (!status)
         return tl::unexpected(status.error());
     if (status->inodeId() != InodeId{m_protection.device(), inode})
         return tl::unexpected(ESTALE);
-    return parent;
+    return folder;
 }
 
 bool RemovalSteps::isInPlace(int folder, std::span<const std::uint64_t> inside,
@@ -223,8 +226,8 @@ RemovalSteps::EntryOutcome RemovalSteps::removeLinkedFile(const EntryRef &ref) c
     return outcome;
 }
 
-RemovalSteps::EntryOutcome RemovalSteps::removeFolder(const EntryRef &ref,
-                                                      std::uint64_t inode) const
+RemovalSteps::EntryOutcome RemovalSteps::removeFolder(const EntryRef &ref, std::uint64_t inode,
+                                                      LentRights &rights) const
 {
     const auto status = m_calls.status(ref.folder, ref.name);
     if (!status)
@@ -232,7 +235,10 @@ RemovalSteps::EntryOutcome RemovalSteps::removeFolder(const EntryRef &ref,
     if (status->kind != FileKind::Folder ||
         status->inodeId() != InodeId{m_protection.device(), inode})
         return refused(ref, RefusalReason::Changed, ESTALE);
-    return settled(takeAway(ref, *status), ref);
+    const auto answer = takeAway(ref, *status);
+    if (answer)
+        rights.forget();
+    return settled(answer, ref);
 }
 
 /// Where something on the volume is excluded, it must not go even if it takes another's name in the
@@ -263,6 +269,18 @@ RemovalSteps::EntryOutcome RemovalSteps::putBack(const EntryRef &ref) const
 void RemovalSteps::abandon(const QByteArray &path, int error) const
 {
     m_builder.refused(path, RefusalReason::Changed, error);
+}
+
+void RemovalSteps::tellOfRights(const EntryRef &ref, LentRights &rights) const noexcept
+{
+    if (const auto error = rights.failure())
+        m_builder.tell([&] { return ref.path(); }, RefusalReason::RightsChanged, *error);
+    rights.forget();
+}
+
+void RemovalSteps::ranOutOfMemory(const QByteArray &folderPath) const noexcept
+{
+    m_builder.tell([&] { return folderPath.chopped(1); }, RefusalReason::OutOfMemory, ENOMEM);
 }
 
 RemovalSteps::EntryOutcome RemovalSteps::settled(const SystemResult<void> &answer,

@@ -8,9 +8,8 @@
 #include "slices/plan/Protection.h"
 #include "slices/removal/FolderWay.h"
 #include "slices/removal/LaterChanges.h"
+#include "slices/removal/LentRights.h"
 #include "slices/removal/LinkedFiles.h"
-
-#include <optional>
 
 class SystemCalls;
 
@@ -44,9 +43,7 @@ struct EnteredFolder
     std::uint64_t inode = 0;
     FolderListing listing;
     FolderState state = FolderState::Changed;
-    /// The rights that the folder had before the cleaning changed them; nothing where nothing was
-    /// changed.
-    std::optional<std::uint16_t> formerRights;
+    LentRights rights = {}; ///< changed for the cleaning; before the descriptor at the end
 };
 
 /// What the steps of a removal have in common with others; all outlive them.
@@ -110,10 +107,8 @@ public:
 
     /// Opens the folder around an open one, which must have this inode number.
     SystemResult<FileDescriptor> back(int folder, std::uint64_t inode) const;
-
-    /// Gives a folder back the rights that enter() changed: before its removal, because someone may
-    /// have moved it elsewhere meanwhile, and also where something stays in it.
-    void giveBack(int folder, std::optional<std::uint16_t> formerRights) const;
+    /// Opens a folder again that was entered, from the folder around it.
+    SystemResult<FileDescriptor> reenter(const EntryRef &ref, std::uint64_t inode) const;
 
     /// Whether an open folder still lies in the location: `inside` are the inode numbers of the
     /// folders around it, from the inside out; `around` goes on from there, nothing for the
@@ -121,22 +116,30 @@ public:
     bool isInPlace(int folder, std::span<const std::uint64_t> inside,
                    const FolderWay *around) const;
 
-    /// Removes a folder that was entered and should be empty by now.
-    EntryOutcome removeFolder(const EntryRef &ref, std::uint64_t inode) const;
+    /// Removes a folder that was entered and should be empty by now. It has its rights back
+    /// already, because someone may have moved it elsewhere meanwhile.
+    EntryOutcome removeFolder(const EntryRef &ref, std::uint64_t inode, LentRights &rights) const;
+
+    /// Reports a folder that did not get its rights back. Forgets them.
+    void tellOfRights(const EntryRef &ref, LentRights &rights) const noexcept;
 
     /// Reports a folder that was entered but to which there is no way back, with all that is left
     /// in it.
     void abandon(const QByteArray &path, int error) const;
+    /// Reports a folder, by its path with a slash at the end, of which something is left because
+    /// the memory ran out.
+    void ranOutOfMemory(const QByteArray &folderPath) const noexcept;
 
 private:
-    std::optional<std::uint16_t> makeWritable(const EntryRef &ref, int folder,
-                                              const FileStatus &status,
-                                              const FolderListing &listing) const;
+    LentRights makeWritable(const EntryRef &ref, int folder, const FileStatus &status,
+                            const FolderListing &listing) const;
     bool mayMakeWritable(const EntryRef &ref, const FileStatus &status,
                          const FolderListing &listing) const;
     EntryOutcome removeFile(const EntryRef &ref) const;
     EntryOutcome removeLinkedFile(const EntryRef &ref) const;
     tl::expected<FileStatus, EntryOutcome> fileAt(const EntryRef &ref) const;
+    SystemResult<FileDescriptor> ifSame(SystemResult<FileDescriptor> folder,
+                                        std::uint64_t inode) const;
     SystemResult<void> takeAway(const EntryRef &ref, const FileStatus &status) const;
     EntryOutcome putBack(const EntryRef &ref) const;
     bool leadsTo(int folder, std::span<const std::uint64_t> inside, const FolderWay *around) const;

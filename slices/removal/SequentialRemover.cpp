@@ -1,6 +1,7 @@
 #include "slices/removal/SequentialRemover.h"
 
 #include <cerrno>
+#include <new>
 
 namespace {
 
@@ -18,6 +19,21 @@ SequentialRemover::SequentialRemover(const RemovalSteps &steps, std::stop_token 
 
 bool SequentialRemover::removeListed(const HeldFolder &folder, FolderListing listing)
 {
+    start(folder, std::move(listing));
+    try {
+        removeAll();
+    } catch (const std::bad_alloc &) {
+        m_levels.front().stays = true;
+        m_steps.ranOutOfMemory(folder.path);
+    }
+    leaveAll();
+    const bool isAllGone = isDone() && !m_levels.front().stays;
+    m_levels.clear();
+    return isAllGone;
+}
+
+void SequentialRemover::start(const HeldFolder &folder, FolderListing listing)
+{
     m_startDescriptor = folder.descriptor;
     m_path = folder.path;
     m_firstOpen = 1;
@@ -33,21 +49,21 @@ bool SequentialRemover::removeListed(const HeldFolder &folder, FolderListing lis
                         false,
                         folder.state,
                         {}});
-    const auto isDone = [this] {
-        return m_levels.size() == 1 && m_levels.front().next == m_levels.front().listing.size();
-    };
-    while (!isDone()) {
-        if (m_stop.stop_requested())
-            break;
+}
+
+bool SequentialRemover::isDone() const
+{
+    return m_levels.size() == 1 && m_levels.front().next == m_levels.front().listing.size();
+}
+
+void SequentialRemover::removeAll()
+{
+    while (!isDone() && !m_stop.stop_requested()) {
         if (m_placeCheck.isDue())
             checkPlace();
         else
             step();
     }
-    leaveAll();
-    const bool isAllGone = isDone() && !m_levels.front().stays;
-    m_levels.clear();
-    return isAllGone;
 }
 
 void SequentialRemover::step()
@@ -81,7 +97,7 @@ void SequentialRemover::enter(const EntryRef &ref, const FolderListing::Entry &e
     m_path += '/';
     m_levels.push_back({std::move(entered->descriptor), entered->inode, std::move(entered->listing),
                         0, m_path.size(), EntryPolicy::Removed, false, entered->state,
-                        entered->formerRights});
+                        std::move(entered->rights)});
     closeOuterLevel();
 }
 
@@ -108,22 +124,24 @@ void SequentialRemover::leave()
     m_levels.pop_back();
     Level &outer = m_levels.back();
     m_path.truncate(outer.pathSize);
-    m_steps.giveBack(inner.descriptor.get(), inner.formerRights);
-    if (!reopen(outer, inner))
-        return;
+    inner.rights.giveBack();
+    const auto reopened = reopen(outer, inner);
     inner.descriptor.reset();
-    if (inner.stays || !removesEmptied(inner))
+    if (!reopened || inner.stays || !removesEmptied(inner))
         outer.stays = true;
+    m_steps.tellOfRights(refIn(outer, outer.next - 1), inner.rights);
+    if (!reopened)
+        abandonClosedLevels(reopened.error());
 }
 
 /// Whether a folder that is empty now is gone, or is removed later.
-bool SequentialRemover::removesEmptied(const Level &inner)
+bool SequentialRemover::removesEmptied(Level &inner)
 {
     Level &outer = m_levels.back();
     const EntryRef ref = refIn(outer, outer.next - 1);
     if (!m_emptied || m_levels.size() > 1)
-        return m_steps.removeFolder(ref, inner.inode) == EntryOutcome::Gone;
-    m_emptied->add({ref.name, inner.inode});
+        return m_steps.removeFolder(ref, inner.inode, inner.rights) == EntryOutcome::Gone;
+    m_emptied->add({ref.name, inner.inode, std::move(inner.rights)});
     return true;
 }
 
@@ -132,39 +150,69 @@ void SequentialRemover::leaveAll()
 {
     while (m_levels.size() > 1) {
         m_levels.back().stays = true;
-        leave();
+        if (m_levels.back().descriptor.isValid())
+            leave();
+        else
+            abandonClosedLevels(ESTALE);
     }
 }
 
-bool SequentialRemover::reopen(Level &level, const Level &inner)
+SystemResult<void> SequentialRemover::reopen(Level &level, const Level &inner)
 {
     const std::size_t index = m_levels.size() - 1;
     if (index == 0 || level.descriptor.isValid())
-        return true;
+        return {};
     auto descriptor = m_steps.back(inner.descriptor.get(), level.inode);
-    if (!descriptor) {
-        abandonClosedLevels(descriptor.error());
-        return false;
-    }
+    if (!descriptor)
+        return tl::unexpected(descriptor.error());
     level.descriptor = std::move(*descriptor);
+    level.rights.folderIsOpenAs(level.descriptor.get());
     m_firstOpen = index;
-    return true;
+    return {};
 }
 
 /// All levels but the outermost are closed, and the way back to them is lost.
 void SequentialRemover::abandonClosedLevels(int error)
 {
-    m_steps.abandon(m_path.first(m_levels[1].pathSize - 1), error);
+    giveBackFromAbove();
+    const QByteArray path = m_path.first(m_levels[1].pathSize - 1);
+    tellOfClosedLevels();
     m_levels.resize(1);
     m_levels.front().stays = true;
-    m_path.truncate(m_levels.front().pathSize);
     m_firstOpen = 1;
+    m_steps.abandon(path, error);
+}
+
+/// Those of the closed levels that are still in their places can be reached from the outermost.
+void SequentialRemover::giveBackFromAbove()
+{
+    for (std::size_t i = 1; i < m_levels.size(); ++i) {
+        const Level &outer = m_levels[i - 1];
+        Level &level = m_levels[i];
+        auto opened = m_steps.reenter(refIn(outer, outer.next - 1), level.inode);
+        if (!opened)
+            return;
+        level.rights.folderIsOpenAs(opened->get());
+        level.rights.giveBack();
+        level.descriptor = std::move(*opened);
+        m_levels[i - 1].descriptor.reset(); // there may be thousands
+    }
+}
+
+/// From the inside out.
+void SequentialRemover::tellOfClosedLevels()
+{
+    for (std::size_t i = m_levels.size() - 1; i > 0; --i) {
+        const Level &outer = m_levels[i - 1];
+        m_path.truncate(outer.pathSize);
+        m_steps.tellOfRights(refIn(outer, outer.next - 1), m_levels[i].rights);
+    }
 }
 
 void SequentialRemover::closeOuterLevel()
 {
     if (m_levels.size() - m_firstOpen > kOpenLevels)
-        m_levels[m_firstOpen++].descriptor.reset();
+        m_levels[m_firstOpen++].close();
 }
 
 int SequentialRemover::descriptorOf(const Level &level) const

@@ -16,8 +16,8 @@ public:
     SequentialRemover(const RemovalSteps &steps, std::stop_token stop);
 
     /// Removes what the listing names in the folder, with all that it holds. Returns whether all is
-    /// gone. A stop takes effect before the next entry; the folders on the way down then have their
-    /// own rights again.
+    /// gone. A stop takes effect before the next entry; so does memory that runs out, which is
+    /// reported. The folders on the way down then have their own rights again.
     bool removeListed(const HeldFolder &folder, FolderListing listing);
 
 private:
@@ -32,17 +32,28 @@ private:
         EntryPolicy policy = EntryPolicy::Removed;
         bool stays = false; ///< something in it was left
         FolderState state = FolderState::Changed;
-        std::optional<std::uint16_t> formerRights;
+        LentRights rights = {};
+
+        void close()
+        {
+            rights.folderIsClosed();
+            descriptor.reset();
+        }
     };
 
+    void start(const HeldFolder &folder, FolderListing listing);
+    bool isDone() const;
+    void removeAll();
     void step();
     void enter(const EntryRef &ref, const FolderListing::Entry &entry);
     void checkPlace();
     void leave();
     void leaveAll();
-    bool removesEmptied(const Level &inner);
-    bool reopen(Level &level, const Level &inner);
+    bool removesEmptied(Level &inner);
+    SystemResult<void> reopen(Level &level, const Level &inner);
     void abandonClosedLevels(int error);
+    void giveBackFromAbove();
+    void tellOfClosedLevels();
     void closeOuterLevel();
     int descriptorOf(const Level &level) const;
     EntryRef refIn(const Level &level, std::size_t index) const;

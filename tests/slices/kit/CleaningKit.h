@@ -19,6 +19,23 @@
 
 /// What the tests of cleaning share: locations to clean, trees, and what is left of them.
 
+/// Read-only folders in it, too.
+inline void removeTree(const std::filesystem::path &path)
+{
+    std::error_code error;
+    std::filesystem::remove_all(path, error);
+    if (!error)
+        return;
+    constexpr auto kAll = std::filesystem::perms::owner_all;
+    std::filesystem::permissions(path, kAll, error);
+    for (auto entry = std::filesystem::recursive_directory_iterator(path, error);
+         entry != std::filesystem::recursive_directory_iterator(); entry.increment(error)) {
+        if (entry->is_directory(error) && !entry->is_symlink(error))
+            std::filesystem::permissions(*entry, kAll, error);
+    }
+    std::filesystem::remove_all(path, error);
+}
+
 /// A folder of the test's own, gone with it. In memory, where that is fast enough to try thousands
 /// of trees; no test cleans outside one.
 class CleaningGround final
@@ -34,11 +51,7 @@ public:
             qFatal("a test of cleaning needs a folder of its own");
         m_path = QByteArray::fromStdString(pattern);
     }
-    ~CleaningGround()
-    {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_path.toStdString(), ignored);
-    }
+    ~CleaningGround() { removeTree(m_path.toStdString()); }
     CleaningGround(const CleaningGround &) = delete;
     CleaningGround &operator=(const CleaningGround &) = delete;
 

@@ -24,12 +24,13 @@ public:
     }
 
     bool isInMemory(int) const override { return m_isInMemory; }
-    std::optional<int> before(const char *call, int, const char *) const override
+    std::optional<int> before(const char *call, int, const char *name) const override
     {
         const auto found = m_actions.find(m_count++);
         if (found != m_actions.end()) {
             m_hasInterruptedRemoval =
                 m_hasInterruptedRemoval || QByteArrayView(call) == "removeFile";
+            m_interrupted = QByteArray(call) + ' ' + name;
             doOutside(found->second);
         }
         return {};
@@ -37,12 +38,15 @@ public:
     int count() const { return m_count; }
     /// Whether an action came right before a file was removed.
     bool hasInterruptedRemoval() const { return m_hasInterruptedRemoval; }
+    /// The call before which the last action came, and the name in the call. For one thread.
+    QByteArray interrupted() const { return m_interrupted; }
 
 private:
     std::map<int, Action> m_actions;
     bool m_isInMemory;
     mutable std::atomic<int> m_count = 0;
     mutable std::atomic<bool> m_hasInterruptedRemoval = false;
+    mutable QByteArray m_interrupted;
 };
 
 inline void move(const QByteArray &from, const QByteArray &to)

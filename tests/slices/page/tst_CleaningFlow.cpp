@@ -1,5 +1,7 @@
 #include "tests/slices/page/CleaningFlowTest.h"
 
+#include <QScopeGuard>
+
 namespace {
 
 using State = CleaningState;
@@ -7,6 +9,7 @@ using State = CleaningState;
 } // namespace
 
 /// The way from the press of the start button to the result.
+
 class TestCleaningFlow final : public CleaningFlowTest
 {
     Q_OBJECT
@@ -37,6 +40,7 @@ private Q_SLOTS:
     void keepsWhatAnotherProgramExcludes();
     void freesNothingWhenTheSettingsCannotBeReadAnyMore();
     void freesNothingOnceTheExclusionsAreUnknown();
+    void freesNothingWithoutMemory();
     void cleansOnWhenThePageIsLeft();
     void removesNothingOnceItIsStopped();
 };
@@ -338,6 +342,16 @@ void TestCleaningFlow::freesNothingOnceTheExclusionsAreUnknown()
 {
     QVERIFY(reachConsent());
     forgetTheExclusions();
+    m_disk.answer();
+    QTRY_COMPARE(m_freed, QList<qint64>{0});
+    QVERIFY(isHistoryThere());
+}
+
+void TestCleaningFlow::freesNothingWithoutMemory()
+{
+    QVERIFY(reachConsent());
+    const auto giveBack = qScopeGuard([this] { m_disk.takeMemoryAt({}); });
+    m_disk.takeMemoryAt(QStringLiteral("identity")); // while it plans
     m_disk.answer();
     QTRY_COMPARE(m_freed, QList<qint64>{0});
     QVERIFY(isHistoryThere());

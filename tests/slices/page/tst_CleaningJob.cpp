@@ -18,6 +18,7 @@
 #include <QThread>
 #include <atomic>
 #include <cerrno>
+#include <new>
 #include <semaphore>
 
 namespace {
@@ -76,6 +77,7 @@ private Q_SLOTS:
     void givesBackNamesThatAnUnfinishedCleaningHasTaken();
     void cleansWhatItWasStartedWith();
     void removesNothingWhileTheExclusionsAreUnknown();
+    void endsWhenThereIsNoMemoryForAPlan();
 
 private:
     std::shared_ptr<Info> record(SliceKind kind) const;
@@ -348,6 +350,20 @@ void TestCleaningJob::removesNothingWhileTheExclusionsAreUnknown()
           [](const CleaningJob::UseExclusions &use) { use(std::nullopt); });
     QVERIFY(finished.wait());
     QVERIFY(m_fixture->exists(".Trash/a"));
+}
+
+void TestCleaningJob::endsWhenThereIsNoMemoryForAPlan()
+{
+    makeTrash(3);
+    m_calls.setHook([](int, std::string_view name) {
+        if (name == "identityOf")
+            throw std::bad_alloc();
+        return 0;
+    });
+    const CleaningReport report = clean({record(SliceKind::Trash)});
+    QCOMPARE(report.refusals.size(), 1);
+    QCOMPARE(report.refusals.first().reason, RefusalReason::OutOfMemory);
+    QVERIFY(m_fixture->exists(".Trash/2"));
 }
 
 VANTOR_GUI_TEST_MAIN(TestCleaningJob)

@@ -127,7 +127,7 @@ void TestCleaningText::namesEveryPlaceLeftAloneWithItsReason()
 {
     CleaningReport report;
     QStringList reasons;
-    for (int reason = 0; reason <= static_cast<int>(RefusalReason::InUse); ++reason) {
+    for (int reason = 0; reason <= static_cast<int>(kLastRefusalReason); ++reason) {
         report.refusals = {{"/home/anna/place", static_cast<RefusalReason>(reason), 0}};
         const QString text = leftAloneText(report);
         QVERIFY(text.startsWith(QStringLiteral("/home/anna/place: ")));

@@ -13,6 +13,8 @@ class TestCleaningReportBuilder final : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void saysInOneRowThatRowsAreLost();
+    void knowsWhatItNames();
     void init();
 
     void logsCandidatesAndEachRemoval();
@@ -237,6 +239,32 @@ void TestCleaningReportBuilder::countsWhatItNoLongerLists()
     QCOMPARE(report.failures.last().path, QByteArray("/f9999"));
     QCOMPARE(log.lines().size(), 1 + 2 * CleaningReport::kMaxReported + 1);
     QCOMPARE(log.lines().last(), QStringLiteral("File might be locked: 20 more"));
+}
+
+void TestCleaningReportBuilder::saysInOneRowThatRowsAreLost()
+{
+    const LogRecorder silenced;
+    CleaningReportBuilder builder({{"/planned", RefusalReason::Link, ENOTDIR}});
+    builder.refused("/a", RefusalReason::Unreadable, EIO);
+    for (int i = 0; i < 3; ++i)
+        builder.tell([]() -> QByteArray { throw std::bad_alloc(); }, RefusalReason::Changed, 0);
+    const CleaningReport report = builder.finish(false);
+    QCOMPARE(report.refusalCount, 3U);
+    QCOMPARE(report.refusals.size(), 3);
+    QVERIFY(report.refusals.constLast().path.isEmpty());
+    QCOMPARE(report.refusals.constLast().reason, RefusalReason::OutOfMemory);
+}
+
+void TestCleaningReportBuilder::knowsWhatItNames()
+{
+    const LogRecorder silenced;
+    CleaningReportBuilder builder({{"/planned", RefusalReason::Link, ENOTDIR}});
+    builder.refused("/refused", RefusalReason::Unreadable, EIO);
+    builder.failed("/failed", EIO);
+    QCOMPARE(builder.namedPaths(), std::set<QByteArray>({"/planned", "/refused", "/failed"}));
+    for (int i = 0; i < CleaningReport::kMaxReported; ++i)
+        builder.failed("/more", EIO);
+    QVERIFY(!builder.namedPaths()); // the last is not in the list
 }
 
 VANTOR_TEST_MAIN(TestCleaningReportBuilder)

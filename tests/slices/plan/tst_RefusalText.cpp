@@ -14,7 +14,7 @@ private Q_SLOTS:
 void TestRefusalText::tellsTheReasonsApart()
 {
     QSet<QByteArray> texts;
-    const int count = static_cast<int>(RefusalReason::InUse) + 1;
+    const int count = static_cast<int>(kLastRefusalReason) + 1;
     for (int reason = 0; reason < count; ++reason) {
         const RefusalText text = refusalText(static_cast<RefusalReason>(reason));
         texts.insert(text.told);

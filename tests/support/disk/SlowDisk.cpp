@@ -1,5 +1,6 @@
 #include "tests/support/disk/SlowDisk.h"
 
+#include <new>
 #include <utility>
 
 void SlowDisk::hang(const QString &name)
@@ -24,6 +25,12 @@ int SlowDisk::waiting() const
     return m_waiting;
 }
 
+void SlowDisk::takeMemoryAt(const QString &name)
+{
+    const std::scoped_lock lock(m_mutex);
+    m_takesMemoryAt = name;
+}
+
 QStringList SlowDisk::takeAskedHere()
 {
     const std::scoped_lock lock(m_mutex);
@@ -42,5 +49,7 @@ int SlowDisk::hear(std::string_view call)
         m_changed.wait(lock, [this] { return !m_hangs; });
         --m_waiting;
     }
+    if (std::this_thread::get_id() != m_here && name == m_takesMemoryAt)
+        throw std::bad_alloc();
     return 0;
 }

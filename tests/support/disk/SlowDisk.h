@@ -27,6 +27,9 @@ public:
     /// How many calls wait.
     int waiting() const;
 
+    /// From now on calls of this name, of other threads, find no memory.
+    void takeMemoryAt(const QString &name);
+
     /// The calls on this thread since this function was last called, without single status calls.
     QStringList takeAskedHere();
 
@@ -38,6 +41,7 @@ private:
     std::condition_variable m_changed;
     bool m_hangs = false;
     QString m_hangsAt; ///< the call that hangs; all when empty
+    QString m_takesMemoryAt;
     int m_waiting = 0;
     QStringList m_askedHere;
     HookedSystem m_calls{[this](int, std::string_view name) { return hear(name); }};
