@@ -216,9 +216,15 @@ void CleaningRun::removeFile(const CleaningLocation &location)
         return refuse(location, RefusalReason::Unreadable, clockAhead.error());
     const LaterChanges changes(m_calls, location.confirmed, *clockAhead);
     const Protection protection(m_plan, location, identity->device);
+    const auto holder = m_calls.statusOf(folder->get());
+    if (!holder)
+        return refuse(location, RefusalReason::Unreadable, holder.error());
     const QByteArray path = location.url.path();
-    const HeldFolder held{folder->get(), path.first(path.size() - name.size()),
-                          EntryPolicy::Logged};
+    const HeldFolder held{folder->get(),
+                          path.first(path.size() - name.size()),
+                          EntryPolicy::Logged,
+                          FolderState::Changed,
+                          {nullptr, holder->inode}};
     FolderEmptier(m_calls, {location, protection, changes, m_linkedFiles, m_builder}, folder->get(),
                   EntryOrder::AsListed, m_stop)
         .removeSingle(held,

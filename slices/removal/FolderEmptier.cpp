@@ -7,6 +7,7 @@
 #include "slices/removal/ParallelRemover.h"
 
 #include <cerrno>
+#include <utility>
 
 namespace {
 
@@ -54,13 +55,10 @@ void FolderEmptier::remove(const HeldFolder &folder, FolderListing entries)
 
 void FolderEmptier::removeSingle(const HeldFolder &folder, FolderListing entry)
 {
-    ConfinedRun run(m_calls.confinement());
-    run.addLayer();
-    run.allow(folder.descriptor, FolderRights::RemovingEntries);
+    EmptiedFolders emptied;
     if (entry.at(0).kind == FileKind::Folder)
-        run.allow(folder.descriptor, FolderRights::Listing);
-    confined(run, folder.path,
-             [&] { SequentialRemover(m_steps, m_stop).removeListed(folder, std::move(entry)); });
+        emptyPackage(folder, std::exchange(entry, {}), emptied);
+    removeFiles(folder, entry, emptied);
 }
 
 /// First the folders beside are emptied, by a thread that reaches nothing else. Then the files
@@ -140,6 +138,15 @@ void FolderEmptier::emptyFolders(HeldFolder folder, FolderListing folders, Empti
     allowEach(run, folder, folders);
     folder.emptied = &emptied;
     confined(run, folder.path, [&] { removeAll(folder, std::move(folders)); });
+}
+
+void FolderEmptier::emptyPackage(HeldFolder folder, FolderListing package, EmptiedFolders &emptied)
+{
+    ConfinedRun run(m_calls.confinement());
+    run.addLayer();
+    allowEach(run, folder, package);
+    folder.emptied = &emptied;
+    confined(run, folder.path, [&] { removeAll(folder, std::move(package)); });
 }
 
 void FolderEmptier::allowEach(ConfinedRun &run, const HeldFolder &folder,

@@ -25,7 +25,8 @@ public:
     /// Removes what the listing names in the location, with all that it holds. What is kept is
     /// asked for now: it may have grown since the last call.
     void remove(const HeldFolder &folder, FolderListing entries);
-    /// Removes one entry of the folder around a location of single files.
+    /// Removes one entry of the folder around a location of single files. If that is a package, the
+    /// thread that empties it reaches nothing beside it.
     void removeSingle(const HeldFolder &folder, FolderListing entry);
 
 private:
@@ -50,6 +51,7 @@ private:
     Parts judge(const HeldFolder &folder, const QByteArray &relativePath,
                 const FolderListing &entries);
     void emptyFolders(HeldFolder folder, FolderListing folders, EmptiedFolders &emptied);
+    void emptyPackage(HeldFolder folder, FolderListing package, EmptiedFolders &emptied);
     void allowEach(ConfinedRun &run, const HeldFolder &folder, const FolderListing &folders) const;
     void removeFiles(const HeldFolder &folder, const FolderListing &files, EmptiedFolders &emptied);
     void removeEmptied(const HeldFolder &folder, EmptiedFolders &emptied);

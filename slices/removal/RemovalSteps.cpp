@@ -141,10 +141,10 @@ SystemResult<FileDescriptor> RemovalSteps::ifSame(SystemResult<FileDescriptor> f
 bool RemovalSteps::isInPlace(int folder, std::span<const std::uint64_t> inside,
                              const FolderWay *around) const
 {
-    if (m_location.content != SliceContent::Folders)
-        return true;
     if (!leadsTo(folder, inside, around))
         return false;
+    if (m_location.content != SliceContent::Folders)
+        return true;
     const auto location = openAnchored(m_calls, m_location.path, Descent::Strict);
     if (!location)
         return location.error() != ENOENT;
