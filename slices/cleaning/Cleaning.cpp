@@ -4,6 +4,8 @@
 #include "platform/files/AnchoredFolder.h"
 #include "platform/system/SystemCalls.h"
 #include "slices/cleaning/DependentItems.h"
+#include "slices/cleaning/KnownReasons.h"
+#include "slices/cleaning/TrashRecords.h"
 #include "slices/removal/FolderEmptier.h"
 
 #include <algorithm>
@@ -40,6 +42,7 @@ public:
           m_stop(std::move(stop)),
           m_inUse(inUse),
           m_builder(plan.refusals()),
+          m_trashRecords(calls, plan),
           m_space(kListingSpace)
     {
     }
@@ -50,12 +53,15 @@ private:
     void cleanNext(std::size_t index);
     void clean(const CleaningLocation &location);
     void emptyFolder(const CleaningLocation &location, const FileUrls &inUse);
-    void passOverTrashInfo(const CleaningLocation &location, FolderListing &listing);
     std::vector<FolderListing> takeOutOfPrograms(const CleaningLocation &location,
                                                  FolderListing &listing) const;
     void removeUnlessInUse(const Emptying &emptying, FolderListing entry);
     void keepInUse(const Emptying &emptying, const FileUrl &location);
     void removeFile(const CleaningLocation &location);
+    void removeEntry(const CleaningLocation &location, int folder, const Protection &protection,
+                     FolderListing entry);
+    bool staysWithItsItem(const CleaningLocation &location, int folder,
+                          const Protection &protection);
     bool isAsPlanned(const CleaningLocation &location, const SystemResult<FileIdentity> &found);
     void refuse(const CleaningLocation &location, RefusalReason reason, int error);
 
@@ -68,6 +74,7 @@ private:
     const InUseCheck &m_inUse;
     CleaningReportBuilder m_builder;
     LinkedFiles m_linkedFiles;
+    const TrashRecords m_trashRecords;
     std::vector<char> m_space;
 };
 
@@ -118,13 +125,15 @@ void CleaningRun::emptyFolder(const CleaningLocation &location, const FileUrls &
     Protection protection(m_plan, location, identity->device);
     const EntryOrder order =
         m_calls.isInMemory(folder->get()) ? EntryOrder::AsListed : EntryOrder::ByInode;
-    FolderEmptier emptier(m_calls, {location, protection, changes, m_linkedFiles, m_builder},
-                          folder->get(), order, m_stop);
+    FolderEmptier emptier(
+        m_calls, {location, protection, changes, m_linkedFiles, m_builder, itemOfFilesIn(location)},
+        folder->get(), order, m_stop);
     auto listing = emptier.steps().list(folder->get(), m_space);
     if (!listing)
         return refuse(location, RefusalReason::PartlyListed, listing.error());
     if (location.whatGoes == RemovalScope::LoneTrashInfo)
-        passOverTrashInfo(location, *listing);
+        m_trashRecords.passOver(location, KnownReasons(m_plan, protection, m_builder), m_builder,
+                                *listing);
     if (!protection.isTouched())
         logContents(location, *listing);
     const HeldFolder held{folder->get(),
@@ -139,14 +148,6 @@ void CleaningRun::emptyFolder(const CleaningLocation &location, const FileUrls &
     emptier.remove(held, std::move(*listing));
     for (FolderListing &entry : ofPrograms)
         removeUnlessInUse(emptying, std::move(entry));
-}
-
-void CleaningRun::passOverTrashInfo(const CleaningLocation &location, FolderListing &listing)
-{
-    const auto report = [&](const QByteArray &name, int error) {
-        m_builder.refused(location.url.path() + '/' + name, RefusalReason::Unreadable, error);
-    };
-    passOverTrashInfoInNeed(m_calls, location.path, listing, report);
 }
 
 /// Takes the entries at, or on the way to, the locations of programs out of the listing, each by
@@ -204,31 +205,48 @@ void CleaningRun::removeFile(const CleaningLocation &location)
     // The name may stand for something else by now. From here on it is removed as what it is now.
     if (location.whatGoes == RemovalScope::RegularFiles && status->kind != FileKind::Regular)
         return refuse(location, RefusalReason::NotAFile, 0);
-    const auto isNeeded = location.whatGoes == RemovalScope::RegularFiles
-                              ? journalStillNeeded(m_calls, folder->get(), name)
-                              : false;
-    if (!isNeeded)
-        return refuse(location, RefusalReason::Unreadable, isNeeded.error());
-    if (*isNeeded)
-        return;
-    const auto clockAhead = m_calls.clockDifference(folder->get());
+    const Protection protection(m_plan, location, identity->device);
+    if (!staysWithItsItem(location, folder->get(), protection))
+        removeEntry(location, folder->get(), protection,
+                    FolderListing::ofEntry({name.constData(), status->inode, status->kind}));
+}
+
+void CleaningRun::removeEntry(const CleaningLocation &location, int folder,
+                              const Protection &protection, FolderListing entry)
+{
+    const auto clockAhead = m_calls.clockDifference(folder);
     if (!clockAhead)
         return refuse(location, RefusalReason::Unreadable, clockAhead.error());
+    const auto status = m_calls.statusOf(folder);
+    if (!status)
+        return refuse(location, RefusalReason::Unreadable, status.error());
     const LaterChanges changes(m_calls, location.confirmed, *clockAhead);
-    const Protection protection(m_plan, location, identity->device);
-    const auto holder = m_calls.statusOf(folder->get());
-    if (!holder)
-        return refuse(location, RefusalReason::Unreadable, holder.error());
     const QByteArray path = location.url.path();
-    const HeldFolder held{folder->get(),
-                          path.first(path.size() - name.size()),
+    const HeldFolder held{folder,
+                          path.first(path.lastIndexOf('/') + 1),
                           EntryPolicy::Logged,
                           FolderState::Changed,
-                          {nullptr, holder->inode}};
-    FolderEmptier(m_calls, {location, protection, changes, m_linkedFiles, m_builder}, folder->get(),
-                  EntryOrder::AsListed, m_stop)
-        .removeSingle(held,
-                      FolderListing::ofEntry({name.constData(), status->inode, status->kind}));
+                          {nullptr, status->inode}};
+    FolderEmptier(
+        m_calls, {location, protection, changes, m_linkedFiles, m_builder, itemOfFilesIn(location)},
+        folder, EntryOrder::AsListed, m_stop)
+        .removeSingle(held, std::move(entry));
+}
+
+bool CleaningRun::staysWithItsItem(const CleaningLocation &location, int folder,
+                                   const Protection &protection)
+{
+    const auto [around, name] = anchoredEntry(location.path);
+    const ItemOfFile itemOf = itemOfFilesIn(location);
+    const QByteArray item = itemOf ? itemOf(name) : QByteArray();
+    const auto found =
+        item.isEmpty() ? tl::unexpected(ENOENT) : m_calls.status(folder, item.constData());
+    if (!found && found.error() == ENOENT)
+        return false;
+    const QByteArray path = location.url.path().chopped(name.size()) + item;
+    if (!KnownReasons(m_plan, protection, m_builder).explain(path, found))
+        refuse(location, RefusalReason::StillNeeded, found ? 0 : found.error());
+    return true;
 }
 
 bool CleaningRun::isAsPlanned(const CleaningLocation &location,

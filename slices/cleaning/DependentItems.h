@@ -1,25 +1,15 @@
 #pragma once
 
-#include "platform/files/FileAccess.h"
-#include "platform/files/FolderListing.h"
-#include "platform/system/SystemResult.h"
+#include "slices/plan/CleaningPlan.h"
+#include "slices/removal/RemovalSteps.h"
 
-#include <functional>
+/// What a cleaning leaves because something else that stays would be lost without it: a trash info
+/// file, without which its item could not be put back, and a journal, with which the content of its
+/// database would be lost. The cleaning comes to the other item first, and looks for it once more
+/// right before the file goes. In doubt the other item is there.
 
-class SystemCalls;
+/// Which items the files directly in a location, or the location's own file, belong to.
+ItemOfFile itemOfFilesIn(const CleaningLocation &location);
 
-/// What a cleaning leaves because something else that stays would be lost without it. The cleaning
-/// comes to the other item first. If that still exists, it was kept or refused, or could not be
-/// removed, and the report says so. In doubt it exists, and the report has to name what stays.
-
-/// Whether a file of this name in an open folder is the journal of a database that is still there:
-/// the content of a database is lost with its journal. An errno when that cannot be told.
-SystemResult<bool> journalStillNeeded(const SystemCalls &calls, int folder, const QByteArray &name);
-
-/// Is told of what stays in doubt, with the errno.
-using ReportDoubt = std::function<void(const QByteArray &name, int error)>;
-
-/// Takes out of the listing of a trash's folder "info" each trash info file whose item is still in
-/// the folder "files" beside it: without that file the item could not be put back.
-void passOverTrashInfoInNeed(const SystemCalls &calls, const AnchoredPath &info,
-                             FolderListing &listing, const ReportDoubt &report);
+/// "../files/X" for the trash info file "X.trashinfo"; nothing for other names.
+QByteArray itemOfTrashInfo(const QByteArray &name);

@@ -48,6 +48,7 @@ private:
     CleaningPlan m_plan;
     std::vector<ResolvedExclusions::Lost> m_lost;
     QByteArrayList m_folders; ///< planned to be emptied; with a slash at the end
+    FileUrls m_missing;       ///< asked for, but not there
 };
 
 CleaningPlan CleaningPlanner::plan(const FileUrls &inUse)
@@ -133,7 +134,9 @@ void CleaningPlanner::planLocation(CleaningLocation location, const SliceToClean
         return;
     const auto isKept = examine(location);
     if (!isKept) {
-        if (isKept.error().error != ENOENT)
+        if (isKept.error().error == ENOENT)
+            m_missing.append(location.url);
+        else
             refuse(location.url.path(), isKept.error().reason, isKept.error().error);
     } else if (*isKept) {
         m_plan.m_excludedLocations.append(location.url);
@@ -148,7 +151,7 @@ void CleaningPlanner::dropWhatGoesWithNothing()
 {
     std::vector<CleaningLocation> &locations = m_plan.m_locations;
     for (const SliceToClean &slice : m_slices) {
-        const bool goes = !slice.onlyWith ||
+        const bool goes = !slice.onlyWith || m_missing.contains(*slice.onlyWith) ||
                           std::ranges::find(locations, *slice.onlyWith, &CleaningLocation::url) !=
                               locations.end();
         if (!goes)

@@ -42,7 +42,8 @@ struct SliceToClean
     /// What stood at the locations when the user was asked; anything else there stays. Nothing:
     /// whatever stands there is meant.
     std::optional<LocationIdentities> known = {};
-    /// When this location is not cleaned, the slice stays too. The location may be another slice's.
+    /// When this location is there and is not cleaned, the slice stays too. The location may be
+    /// another slice's.
     std::optional<FileUrl> onlyWith = {};
 };
 
@@ -63,6 +64,8 @@ enum class RefusalReason {
     ChangedLater,    ///< it came, was moved or was changed after the user had confirmed
     Unconfined,      ///< the kernel did not confine the threads, although it can
     InUse,           ///< a program is using it, which the user was not told when asked
+    StillNeeded,     ///< a record or a journal, whose item is there
+    PerhapsNeeded,   ///< a record, whose item was perhaps just being moved to the trash
     RightsChanged,   ///< the cleaning made it writable, and could not give its rights back
     OutOfMemory,     ///< there was no memory to go on
 };
@@ -133,9 +136,9 @@ private:
 /// cannot be found stops the location around it; a location that is not a plain folder or file of
 /// the granted folder's own file system is refused, and so is one that is not what the user was
 /// asked about. A location that does not exist is simply not in the plan. A slice that goes only
-/// with another location is not in the plan when that location is not. The plan also lists, after
-/// all other refusals, what is in use. Touches the file system, so not for the main thread; the
-/// caller holds the access, from here until the cleaning is done.
+/// with another location is not in the plan when that location is there and not in the plan. The
+/// plan also lists, after all other refusals, what is in use. Touches the file system, so not for
+/// the main thread; the caller holds the access, from here until the cleaning is done.
 CleaningPlan makeCleaningPlan(const SystemCalls &calls, const FileAccess &access,
                               const QList<SliceToClean> &slices, const ExcludedPaths &excluded,
                               const FileUrls &inUse = {});

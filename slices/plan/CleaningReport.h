@@ -13,7 +13,7 @@ struct CleaningFailure
 
 /// What a cleaning did. A planned item that still exists has one of these reasons: the plan keeps
 /// it; one of the two lists names it or a folder around it; or it belongs to such an item, as its
-/// trash info file or as its journal. A folder whose rights the cleaning changed
+/// trash info file, its journal or its book of sizes. A folder whose rights the cleaning changed
 /// and could not set again is named too. Beyond a bound the lists only count. A refusal of
 /// everything because of memory stands for rows that there was no memory for.
 struct CleaningReport

@@ -36,6 +36,11 @@ RefusalText refusalText(RefusalReason reason)
         return {"the system refused to confine its cleaning", "its cleaning cannot be confined"};
     case RefusalReason::InUse:
         return {"a program is using it", "used by a program"};
+    case RefusalReason::StillNeeded:
+        return {"what it belongs to is still there", "its item is still there"};
+    case RefusalReason::PerhapsNeeded:
+        return {"what it belongs to was perhaps still on its way to the Trash",
+                "its item was perhaps still on its way to the trash"};
     case RefusalReason::RightsChanged:
         return {"it was made writable to be emptied, and its own rights could not be set again",
                 "its rights could not be given back"};

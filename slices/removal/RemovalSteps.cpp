@@ -196,7 +196,20 @@ tl::expected<FileStatus, RemovalSteps::EntryOutcome> RemovalSteps::fileAt(const 
         return tl::unexpected(EntryOutcome::Stays);
     if (status->kind == FileKind::Folder)
         return tl::unexpected(refused(ref, RefusalReason::Changed, EISDIR));
+    if (isNeeded(ref))
+        return tl::unexpected(refused(ref, RefusalReason::StillNeeded, 0));
     return *status;
+}
+
+/// In doubt the other item is there. Looked up by its path, which a confined thread may do where it
+/// may not open the folder around it: a mere guess, if that is a link by now.
+bool RemovalSteps::isNeeded(const EntryRef &ref) const
+{
+    const QByteArray item = m_itemOf ? m_itemOf(ref.name) : QByteArray();
+    if (item.isEmpty())
+        return false;
+    const auto found = m_calls.status(ref.folder, item.constData());
+    return found || found.error() != ENOENT;
 }
 
 RemovalSteps::EntryOutcome RemovalSteps::removeFile(const EntryRef &ref) const

@@ -46,6 +46,10 @@ struct EnteredFolder
     LentRights rights = {}; ///< changed for the cleaning; before the descriptor at the end
 };
 
+/// Says which other item a file belongs to, as a path relative to the file's folder; nothing for
+/// most. The file stays for as long as that item is there.
+using ItemOfFile = QByteArray (*)(const QByteArray &name);
+
 /// What the steps of a removal have in common with others; all outlive them.
 struct RemovalContext
 {
@@ -54,6 +58,7 @@ struct RemovalContext
     const LaterChanges &changes;  ///< of the location
     LinkedFiles &linkedFiles;     ///< of the cleaning
     CleaningReportBuilder &builder;
+    ItemOfFile itemOf = nullptr;
 };
 
 /// The single steps of a removal, and the only place in the program that unlinks. Every step works
@@ -73,6 +78,7 @@ public:
           m_changes(context.changes),
           m_linkedFiles(context.linkedFiles),
           m_builder(context.builder),
+          m_itemOf(context.itemOf),
           m_order(order)
     {
     }
@@ -138,6 +144,7 @@ private:
     EntryOutcome removeFile(const EntryRef &ref) const;
     EntryOutcome removeLinkedFile(const EntryRef &ref) const;
     tl::expected<FileStatus, EntryOutcome> fileAt(const EntryRef &ref) const;
+    bool isNeeded(const EntryRef &ref) const;
     SystemResult<FileDescriptor> ifSame(SystemResult<FileDescriptor> folder,
                                         std::uint64_t inode) const;
     SystemResult<void> takeAway(const EntryRef &ref, const FileStatus &status) const;
@@ -155,6 +162,7 @@ private:
     const LaterChanges &m_changes;
     LinkedFiles &m_linkedFiles;
     CleaningReportBuilder &m_builder;
+    ItemOfFile m_itemOf;
     EntryOrder m_order;
 };
 

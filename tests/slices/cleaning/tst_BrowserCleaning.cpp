@@ -4,11 +4,31 @@
 #include "tests/slices/kit/Consent.h"
 #include "tests/slices/kit/FailingRemoval.h"
 #include "tests/slices/kit/HomeKit.h"
+#include "tests/slices/kit/Interlopers.h"
 #include "tests/support/run/TestMain.h"
 
+#include <atomic>
+#include <cerrno>
 #include <unistd.h>
 
 namespace {
+
+/// The database cannot be looked at, from this look on.
+class Unreadable final : public HookedCalls
+{
+public:
+    explicit Unreadable(int look) : m_look(look) {}
+
+    std::optional<int> before(const char *call, int, const char *name) const override
+    {
+        const bool isIt = qstrcmp(call, "status") == 0 && qstrcmp(name, "Cookies") == 0;
+        return isIt && ++m_looks >= m_look ? std::optional(EIO) : std::nullopt;
+    }
+
+private:
+    int m_look;
+    mutable std::atomic<int> m_looks = 0;
+};
 
 CleaningReport cleanBrowserData(const MadeHome &home, const HomeLayout &layout,
                                 const ExcludedPaths &excluded = {},
@@ -31,6 +51,8 @@ private Q_SLOTS:
     void removesNoFolderPutInThePlaceOfABrowsersFile();
     void keepsTheJournalsOfADatabaseThatStays();
     void keepsTheJournalsOfADatabaseThatCannotBeLookedAt();
+    void keepsTheJournalWhenTheLastLookFails();
+    void keepsTheJournalOfADatabaseThatComesMeanwhile();
 };
 
 void TestBrowserCleaning::removesNoFolderPutInThePlaceOfABrowsersFile()
@@ -53,8 +75,10 @@ void TestBrowserCleaning::keepsTheJournalsOfADatabaseThatStays()
                          profile + "History-wal", profile + "History-shm", profile + "Web Data",
                          profile + "Web Data-journal"});
     const FailingRemoval calls("Cookies");
-    cleanBrowserData(home, home.survey(), excluding({home.access().file(profile + "History")}),
-                     calls);
+    const CleaningReport report = cleanBrowserData(
+        home, home.survey(), excluding({home.access().file(profile + "History")}), calls);
+    QCOMPARE(report.failures.size(), 1); // the others belong to it, or to what is excluded
+    QVERIFY(report.refusals.isEmpty());
     const std::set<QByteArray> left = tree(home.path(profile.chopped(1)));
     QCOMPARE(left, std::set<QByteArray>(
                        {"Cookies", "Cookies-journal", "History", "History-wal", "History-shm"}));
@@ -62,20 +86,54 @@ void TestBrowserCleaning::keepsTheJournalsOfADatabaseThatStays()
 
 void TestBrowserCleaning::keepsTheJournalsOfADatabaseThatCannotBeLookedAt()
 {
-    class Unreadable final : public HookedCalls
-    {
-    public:
-        std::optional<int> before(const char *call, int, const char *name) const override
-        {
-            const bool isIt = qstrcmp(call, "status") == 0 && qstrcmp(name, "Cookies") == 0;
-            return isIt ? std::optional(EIO) : std::nullopt;
-        }
-    };
     const QByteArray profile = ".config/chromium/Default/";
     const MadeHome home({profile + "Cookies", profile + "Cookies-journal", profile + "History"});
-    cleanBrowserData(home, home.survey(), {}, Unreadable());
+    const CleaningReport report = cleanBrowserData(home, home.survey(), {}, Unreadable(1));
     QCOMPARE(tree(home.path(profile.chopped(1))),
              std::set<QByteArray>({"Cookies", "Cookies-journal"}));
+    QCOMPARE(report.refusals.size(), 1); // the journal belongs to what it names
+    QCOMPARE(report.refusals.first().path, home.path(profile + "Cookies"));
+}
+
+/// The plan's look and the one after it find that it is gone.
+void TestBrowserCleaning::keepsTheJournalWhenTheLastLookFails()
+{
+    const QByteArray profile = ".config/chromium/Default/";
+    const MadeHome home({profile + "Cookies", profile + "Cookies-journal"});
+    const HomeLayout layout = home.survey();
+    move(home.path(profile + "Cookies"), home.path("Cookies"));
+    const CleaningReport report = cleanBrowserData(home, layout, {}, Unreadable(3));
+    QVERIFY(exists(home.path(profile + "Cookies-journal")));
+    QCOMPARE(report.refusals.value(0).reason, RefusalReason::StillNeeded);
+}
+
+/// Between any two calls. Only when it comes after the last look, before the removal itself, the
+/// journal goes.
+void TestBrowserCleaning::keepsTheJournalOfADatabaseThatComesMeanwhile()
+{
+    const QByteArray profile = ".config/chromium/Default/";
+    int kept = 0;
+    int calls = 1; // grows with what each run needs
+    for (int call = 0; call < calls; ++call) {
+        const MadeHome home({profile + "Cookies", profile + "Cookies-journal"});
+        const HomeLayout layout = home.survey();
+        move(home.path(profile + "Cookies"), home.path("Cookies"));
+        const QByteArray journal = home.path(profile + "Cookies-journal");
+        bool hadJournal = false;
+        const Interloper arrival({{call, [&] {
+                                       hadJournal = exists(journal);
+                                       move(home.path("Cookies"), home.path(profile + "Cookies"));
+                                   }}});
+        const CleaningReport report = cleanBrowserData(home, layout, {}, arrival);
+        calls = std::max(calls, arrival.count());
+        const bool isChosen = !exists(home.path(profile + "Cookies")); // it goes with its journal
+        if (!hadJournal || isChosen || arrival.interrupted() == "removeFile Cookies-journal")
+            continue;
+        QVERIFY2(exists(journal), arrival.interrupted());
+        QVERIFY2(report.refusalCount > 0, arrival.interrupted());
+        ++kept;
+    }
+    QVERIFY2(kept > 5, QByteArray::number(kept));
 }
 
 VANTOR_TEST_MAIN(TestBrowserCleaning)

@@ -1,6 +1,7 @@
 #include "platform/system/HostSystemCalls.h"
 #include "platform/system/ThreadConfinement.h"
 #include "tests/slices/kit/Interlopers.h"
+#include "tests/slices/kit/Moments.h"
 #include "tests/support/run/TestMain.h"
 
 #include <fcntl.h>

@@ -314,7 +314,7 @@ void TestLentRights::givesThemBackToBothPartsOfATornTree()
     int calls = 1;
     for (int call = -1; call < calls; ++call) {
         makeReadOnlyChain(20);
-        Interloper tearing(call, [&] { move(top + "/2/3", saved); });
+        Interloper tearing({{call, [&] { move(top + "/2/3", saved); }}});
         if (!isConfined)
             tearing.letNothingBeConfined();
         const CleaningReport report = cleanWith(tearing);

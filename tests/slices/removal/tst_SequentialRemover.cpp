@@ -114,7 +114,7 @@ void TestSequentialRemover::doesNotFollowAFolderThatWasMovedAway()
     makeAll();
     const GrantedFolder granted(scratch / "home");
     const auto cleanOnce = [&](int call) {
-        const Interloper calls(call, [&] { move(top + "/3", scratch / "outside/3"); });
+        const Interloper calls({{call, [&] { move(top + "/3", scratch / "outside/3"); }}});
         const CleaningReport report =
             clean(granted, {contentsOf({granted.folder("Downloads")})}, {}, calls);
         const bool isTold = exists(top) == !report.refusals.isEmpty();
