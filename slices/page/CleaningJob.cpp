@@ -126,12 +126,15 @@ void CleaningJob::start(Records chosen, Exclusions exclusions, Confirmation conf
     m_exclusions = std::move(exclusions);
     m_confirmation = std::move(confirmation);
     m_layout = std::move(layout);
-    m_measures.run([this, records = m_chosen](const std::stop_token &) mutable {
-        for (const auto &record : records)
-            record->fileSizeString();
-        // Carries the records back: the last reference to one must not end on this thread.
-        return [this, records = std::move(records)] { findExclusions(); };
-    });
+    m_measures.run(
+        [this, records = m_chosen, stop = m_stop.get_token()](const std::stop_token &end) mutable {
+            for (const auto &record : records) {
+                if (!stop.stop_requested() && !end.stop_requested())
+                    record->fileSizeString();
+            }
+            // Carries the records back: the last reference to one must not end on this thread.
+            return [this, records = std::move(records)] { findExclusions(); };
+        });
 }
 
 // Back on the main thread between measuring and removing: measuring may have taken minutes, and

@@ -1,6 +1,7 @@
 #include "slices/page/HomeWatch.h"
 
 #include "platform/base/ByteCount.h"
+#include "platform/threads/BackgroundThreads.h"
 #include "slices/cleaning/RecordLocations.h"
 #include "slices/home/HomeSurvey.h"
 #include "slices/sizing/FolderSizing.h"
@@ -89,8 +90,12 @@ Info::Measure HomeWatch::measureFunction() const
         const auto readOnlyFolders =
             layout.isInTrash(url) ? ReadOnlyFolders::Emptied : ReadOnlyFolders::Stay;
         const SizingRules rules{readOnlyFolders, pathsInside(url, kept)};
-        const qint64 bytes = sizeForFolderAtPath(calls, access, url, stop, rules);
-        return stop.stop_requested() ? std::nullopt : std::optional(bytes);
+        std::stop_source either; // where the program ends from outside, nobody destroys the watch
+        const auto end = [&either] { either.request_stop(); };
+        const std::stop_callback withTheWatch(stop, end);
+        const std::stop_callback withTheProgram(endOfBackgroundThreads(), end);
+        const qint64 bytes = sizeForFolderAtPath(calls, access, url, either.get_token(), rules);
+        return either.stop_requested() ? std::nullopt : std::optional(bytes);
     };
 }
 
@@ -160,12 +165,14 @@ void HomeWatch::measureKept()
 void HomeWatch::measure(SliceSelection::Records records, std::function<void()> then)
 {
     // The records go back with the reply: their last references must not end on the other thread.
-    m_looking.run(
-        [records = std::move(records), then = std::move(then)](const std::stop_token &) mutable {
-            for (const auto &record : records)
+    m_looking.run([records = std::move(records),
+                   then = std::move(then)](const std::stop_token &stop) mutable {
+        for (const auto &record : records) {
+            if (!stop.stop_requested())
                 record->fileSizeString();
-            return [records = std::move(records), then = std::move(then)] { then(); };
-        });
+        }
+        return [records = std::move(records), then = std::move(then)] { then(); };
+    });
 }
 
 void HomeWatch::identify(FileUrls locations, std::function<void(const LocationIdentities &)> then)

@@ -72,6 +72,7 @@ private Q_SLOTS:
     void stopsBeforeTheNextItem();
     void isOverOnceItIsDestroyed();
     void waitsForNoMeasureAtItsEnd();
+    void measuresNoMoreOnceItIsStopped();
     void asksForTheExclusionsAfterMeasuring();
     void removesNothingBeforeItKnowsTheExclusions();
     void givesBackNamesThatAnUnfinishedCleaningHasTaken();
@@ -252,6 +253,30 @@ void TestCleaningJob::waitsForNoMeasureAtItsEnd()
     QCoreApplication::processEvents();
     QVERIFY(trash->isMeasured());
     QVERIFY(m_fixture->exists(".Trash/a"));
+}
+
+void TestCleaningJob::measuresNoMoreOnceItIsStopped()
+{
+    CleaningJob job(m_calls, ResourceManager::access(), m_fixture->defaults().folder());
+    std::atomic<int> measures = 0;
+    const auto stopping = [&](const FileUrl &, const FileUrls &) {
+        ++measures;
+        job.requestStop();
+        return 5;
+    };
+    CleaningJob::Records chosen;
+    for (const SliceKind kind : {SliceKind::AppLogs, SliceKind::Downloads})
+        chosen.push_back(Info::infoWithName(
+            QString::fromUtf16(sliceCatalogue()[indexOf(kind)].name),
+            FileUrls{m_fixture->homeUrl().appending("Downloads", FileUrlKind::Folder)},
+            {stopping, nullptr}));
+    CleaningReport report;
+    QSignalSpy finished(&job, &CleaningJob::finished);
+    connect(&job, &CleaningJob::finished, this, [&](const CleaningReport &done) { report = done; });
+    start(job, chosen);
+    QVERIFY(finished.wait());
+    QVERIFY(report.wasStopped);
+    QCOMPARE(measures.load(), 1);
 }
 
 void TestCleaningJob::asksForTheExclusionsAfterMeasuring()

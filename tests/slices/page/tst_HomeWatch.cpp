@@ -2,10 +2,12 @@
 
 #include "app/grant/ResourceManager.h"
 #include "app/settings/SettingsKeys.h"
+#include "platform/threads/BackgroundThreads.h"
 #include "tests/support/disk/SlowDisk.h"
 #include "tests/support/page/FirefoxProfiles.h"
 #include "tests/support/page/PageFixture.h"
 #include "tests/support/run/BackgroundThreadsAwaited.h"
+#include "tests/support/run/ChildProcess.h"
 #include "tests/support/run/GuiTestMain.h"
 
 #include <QSignalSpy>
@@ -30,6 +32,7 @@ private Q_SLOTS:
     void changesNoRecordThatIsBeingCleaned();
     void measuresBesideTheMainThreadAndTellsOfEachSize();
     void measuresNothingAnyMoreOnceItIsTold();
+    void measuresNothingAnyMoreWhenTheProgramEnds();
     void goesOnOnceTheRecordsAreMeasured();
 
 private:
@@ -212,6 +215,22 @@ void TestHomeWatch::measuresNothingAnyMoreOnceItIsTold()
     look();
     QVERIFY(record(SliceKind::Cache).fileSizeString().has_value());
     QCOMPARE(record(SliceKind::Cache).fileSize(), 2000);
+}
+
+/// From outside: then nobody destroys the watch. In a process of its own, because that is for good.
+void TestHomeWatch::measuresNothingAnyMoreWhenTheProgramEnds()
+{
+    look();
+    enum { NotMeasured, Measured };
+    const auto measured = [this] {
+        return record(SliceKind::Cache).fileSizeString() ? Measured : NotMeasured;
+    };
+    QCOMPARE(runInChild(ChildUser::Same, measured).exitCode, int(Measured));
+    const ChildOutcome ending = runInChild(ChildUser::Same, [&] {
+        stopBackgroundThreads();
+        return int(measured());
+    });
+    QCOMPARE(ending.exitCode, int(NotMeasured));
 }
 
 void TestHomeWatch::goesOnOnceTheRecordsAreMeasured()
