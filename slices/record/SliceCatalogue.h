@@ -41,7 +41,8 @@ enum class RevealPolicy {
 };
 
 /// All that the program knows of one slice before it looks at any disk. A new slice is a kind (and
-/// one more in the count), a row of these, a drawing of the row's name, and a function of FreedesktopSurvey that finds it.
+/// one more in the count), a row of these, a drawing of the row's name, and a function of
+/// FreedesktopSurvey that finds it.
 struct SliceDescription
 {
     static constexpr std::size_t kMostPaths = 5;

@@ -2,7 +2,6 @@
 
 #include "platform/system/FileDescriptor.h"
 #include "platform/system/HostSystemCalls.h"
-#include "platform/system/SystemCalls.h"
 #include "slices/cleaning/Cleaning.h"
 #include "tests/support/disk/FolderAccess.h"
 #include "tests/support/disk/OpenedFolder.h"
@@ -139,16 +138,6 @@ inline SliceToClean theFiles(const FileUrls &files)
             .fileURLs = files,
             .confirmed = Moment::never(),
             .content = SliceContent::Files};
-}
-
-/// What was made until now was there before; what is made from now on comes later. The clock that
-/// stamps changes goes in ticks, and may be two of them behind.
-inline Moment momentBetween()
-{
-    const std::int64_t latest = hostSystemCalls().now().precise;
-    while (hostSystemCalls().now().stamp <= latest)
-        ;
-    return hostSystemCalls().now();
 }
 
 /// Plans and performs, as the page does.
