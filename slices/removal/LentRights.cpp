@@ -3,6 +3,7 @@
 #include "platform/system/SystemCalls.h"
 
 #include <cerrno>
+#include <new>
 #include <utility>
 
 LentRights::LentRights(const SystemCalls &calls, int folder, std::uint16_t former)
@@ -32,12 +33,16 @@ LentRights &LentRights::operator=(LentRights &&other) noexcept
     return *this;
 }
 
-void LentRights::giveBack()
+void LentRights::giveBack() noexcept
 {
     if (!m_former || m_folder == kClosed)
         return;
-    const auto changed = m_calls->setPermissions(m_folder, *m_former);
-    m_error = changed ? 0 : changed.error();
+    try {
+        const auto changed = m_calls->setPermissions(m_folder, *m_former);
+        m_error = changed ? 0 : changed.error();
+    } catch (const std::bad_alloc &) {
+        m_error = ENOMEM;
+    }
     m_former.reset();
 }
 

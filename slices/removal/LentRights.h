@@ -25,7 +25,7 @@ public:
     void folderIsClosed() { m_folder = kClosed; }
 
     /// Gives them back now, if that was not tried yet.
-    void giveBack();
+    void giveBack() noexcept;
     /// The errno with which they could not be given back, or were not because the folder is closed;
     /// nothing when all is well.
     std::optional<int> failure() const;
