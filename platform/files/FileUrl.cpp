@@ -22,13 +22,18 @@ QByteArray withoutSpareSlashes(const QByteArray &path)
     return result;
 }
 
+bool isHexDigit(char character)
+{
+    return std::isxdigit(static_cast<unsigned char>(character)) != 0;
+}
+
+/// Asked digit by digit: as a number "4 " would be read too, and the decoder makes some other byte
+/// of it.
 bool isWellEscaped(const QByteArray &text)
 {
     for (qsizetype i = text.indexOf('%'); i >= 0; i = text.indexOf('%', i + 1)) {
         const QByteArray digits = text.mid(i + 1, 2);
-        bool isHex = false;
-        digits.toInt(&isHex, 16);
-        if (digits.size() != 2 || !isHex || !std::isxdigit(static_cast<unsigned char>(digits[0])))
+        if (digits.size() != 2 || !isHexDigit(digits[0]) || !isHexDigit(digits[1]))
             return false;
     }
     return true;

@@ -65,10 +65,26 @@ void TestFileUrl::dropsSpareSlashes()
 void TestFileUrl::refusesWhatIsNotOneAbsolutePath_data()
 {
     QTest::addColumn<QString>("text");
-    for (const char *text :
-         {"", "/home/u", "home", "http://example.invalid/a", "file://host/a", "file:a",
-          "file:///a?b", "file:///a#b", "file:///a%", "file:///a%4", "file:///a%zz", "file:///a%+1",
-          "file:///a%00b", "file:///a/../b", "file:///./a", "file:///a/%2e%2e/b", "file://"})
+    for (const char *text : {"",
+                             "/home/u",
+                             "home",
+                             "http://example.invalid/a",
+                             "file://host/a",
+                             "file:a",
+                             "file:///a?b",
+                             "file:///a#b",
+                             "file:///a%",
+                             "file:///a%4",
+                             "file:///a%zz",
+                             "file:///a%+1",
+                             "file:///a%4 ",
+                             "file:///a%4\t/b",
+                             "file:///a%4\n",
+                             "file:///a%00b",
+                             "file:///a/../b",
+                             "file:///./a",
+                             "file:///a/%2e%2e/b",
+                             "file://"})
         QTest::addRow("%s", text) << QString::fromLatin1(text);
 }
 
