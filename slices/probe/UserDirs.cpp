@@ -73,7 +73,7 @@ std::optional<QByteArray> takeQuoted(QByteArrayView &rest)
             return std::nullopt;
         if (rest.front() == '\\')
             rest = rest.sliced(1);
-        if (rest.isEmpty())
+        if (rest.isEmpty() || rest.front() == '\0') // no path holds a NUL
             return std::nullopt;
         value += rest.front();
         rest = rest.sliced(1);

@@ -79,6 +79,7 @@ void TestUserDirs::followsTheRulesOfTheFile_data()
     row("more behind", "XDG_DOWNLOAD_DIR=\"$HOME/get\"more", "?-");
     row("exported", "export XDG_DOWNLOAD_DIR=\"$HOME/get\"", "?-");
     row("a NUL", QByteArray("XDG_DOWNLOAD_DIR=\"$HOME/a\0b\"", 28), "?-");
+    row("an escaped NUL", QByteArray("XDG_DOWNLOAD_DIR=\"$HOME/a\\\0b\"", 29), "?-");
     row("another name", "XDG_DOWNLOAD_DIRS=\"$HOME/get\"", "-");
     row("something else", "PATH=$HOME/bin:$PATH", "-");
     row("nothing", "", "-");
