@@ -44,6 +44,9 @@ QVariant ExcludedFilesModel::headerData(int section, Qt::Orientation orientation
 
 QVariant ExcludedFilesModel::data(const QModelIndex &index, int role) const
 {
+    // The view asks without an index, too: when something is copied while no row is current.
+    if (!index.isValid())
+        return {};
     const Row &row = m_rows.at(index.row());
     if (role == IsUsableRole)
         return isUsable(row);

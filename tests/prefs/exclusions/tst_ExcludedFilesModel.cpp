@@ -29,6 +29,7 @@ private Q_SLOTS:
     void endsTheMeasurementOfARemovedRow();
     void leavesNothingBehind();
     void saysItsColumns();
+    void saysNothingOfARowThatIsNotThere();
 
 private:
     void makeModel(FileAccess *access);
@@ -244,6 +245,15 @@ void TestExcludedFilesModel::saysItsColumns()
              QStringLiteral("Name"));
     QCOMPARE(m_model->headerData(kSize, Qt::Horizontal, Qt::DisplayRole).toString(),
              QStringLiteral("Size"));
+}
+
+void TestExcludedFilesModel::saysNothingOfARowThatIsNotThere()
+{
+    append("Movies", FileUrlKind::Folder);
+    const QPersistentModelIndex removed = m_model->index(0, kName);
+    QVERIFY(!m_model->data({}, Qt::DisplayRole).isValid());
+    m_model->remove({0});
+    QVERIFY(!m_model->data(removed, Qt::DisplayRole).isValid());
 }
 
 VANTOR_TEST_MAIN(TestExcludedFilesModel)

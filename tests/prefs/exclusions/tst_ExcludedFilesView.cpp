@@ -24,6 +24,7 @@ private Q_SLOTS:
     void asksForRemovalByKey_data();
     void asksForRemovalByKey();
     void selectsWholeRows();
+    void copiesNothingWhileNoRowIsCurrent();
     void saysWhatItIsForWhileItIsEmpty();
     void paintsRows();
     void paintsASelectedRowOnAPalePatch();
@@ -174,6 +175,14 @@ void TestExcludedFilesView::selectsWholeRows()
     QCOMPARE(m_view->selectedRows(), QList<int>{1});
     QTest::keyClick(m_view.get(), Qt::Key_A, Qt::ControlModifier);
     QCOMPARE(m_view->selectedRows().size(), 2);
+}
+
+void TestExcludedFilesView::copiesNothingWhileNoRowIsCurrent()
+{
+    m_model->setStoredStrings({QStringLiteral("file:///home/anna/a")});
+    QVERIFY(!m_view->currentIndex().isValid());
+    QTest::keySequence(m_view.get(), QKeySequence::Copy);
+    QVERIFY(m_view->selectedRows().isEmpty());
 }
 
 void TestExcludedFilesView::saysWhatItIsForWhileItIsEmpty()
