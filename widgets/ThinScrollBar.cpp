@@ -16,6 +16,8 @@ ThinScrollBar::ThinScrollBar(Qt::Orientation orientation, QWidget *parent)
     : QScrollBar(orientation, parent)
 {
     setAttribute(Qt::WA_Hover);
+    setContextMenuPolicy(
+        Qt::PreventContextMenu); // the toolkit's menu runs an event loop of its own
 }
 
 QSize ThinScrollBar::sizeHint() const

@@ -4,11 +4,13 @@
 #include "platform/look/FileIcons.h"
 #include "platform/openpanel/ChooserItems.h"
 
+#include <QCompleter>
 #include <QFileDialog>
 #include <QGridLayout>
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QListView>
+#include <QScrollBar>
 #include <QSplitter>
 #include <QToolButton>
 #include <QTreeView>
@@ -117,6 +119,14 @@ std::optional<DialogParts> DialogParts::find(const QFileDialog &dialog,
     return std::nullopt;
 }
 
+/// The menu of a scroll bar runs an event loop of its own, and the panel may end meanwhile.
+void DialogParts::preventMenus(QAbstractItemView &view)
+{
+    view.setContextMenuPolicy(Qt::NoContextMenu);
+    for (QScrollBar *const bar : {view.horizontalScrollBar(), view.verticalScrollBar()})
+        bar->setContextMenuPolicy(Qt::PreventContextMenu);
+}
+
 void DialogParts::arrange(QFileDialog &dialog) const
 {
     hideSpareParts(dialog);
@@ -143,6 +153,8 @@ void DialogParts::arrangeBar() const
     grid->removeWidget(name);
     grid->addWidget(name, line, at, 1, -1); // also where the buttons were
     grid->setColumnStretch(at, 1);
+    if (QCompleter *const completer = name->completer())
+        preventMenus(*completer->popup());
     int place = 0;
     for (QToolButton *const button : {back, forward, toParent}) {
         bar->removeWidget(button);
@@ -152,7 +164,7 @@ void DialogParts::arrangeBar() const
 
 void DialogParts::arrangePlaces(int width) const
 {
-    places->setContextMenuPolicy(Qt::NoContextMenu);
+    preventMenus(*places);
     places->setAcceptDrops(false);
     places->setDragEnabled(false);
     places->setIconSize(kIconSize);
@@ -170,7 +182,7 @@ void DialogParts::arrangeList() const
     header.resizeSection(ChooserItems::Date, kDateWidth);
     header.hideSection(ChooserItems::Type);
     header.setContextMenuPolicy(Qt::NoContextMenu);
-    list->setContextMenuPolicy(Qt::NoContextMenu);
+    preventMenus(*list);
     list->setDragEnabled(false);
     list->setSelectionMode(QAbstractItemView::SingleSelection);
     list->setAccessibleName(QStringLiteral("Files and folders"));

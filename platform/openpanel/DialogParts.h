@@ -3,6 +3,7 @@
 #include <QString>
 #include <optional>
 
+class QAbstractItemView;
 class QFileDialog;
 class QGridLayout;
 class QHBoxLayout;
@@ -47,6 +48,7 @@ struct DialogParts
     void arrange(QFileDialog &dialog) const;
 
 private:
+    static void preventMenus(QAbstractItemView &view);
     void arrangeBar() const;
     void arrangePlaces(int width) const;
     void arrangeList() const;

@@ -1,6 +1,8 @@
 #include "tests/support/run/GuiTestMain.h"
 #include "widgets/ThinScrollBar.h"
 
+#include <QTimer>
+
 class TestThinScrollBar final : public QObject
 {
     Q_OBJECT
@@ -10,6 +12,7 @@ private Q_SLOTS:
     void paintsItsHandleOnly();
     void paintsNothingWhenThereIsNothingToScroll();
     void darkensWhileItIsHeld();
+    void hasNoMenu();
 };
 
 namespace {
@@ -69,6 +72,23 @@ void TestThinScrollBar::darkensWhileItIsHeld()
     const QColor before = bar.grab().toImage().pixelColor(onHandle);
     bar.setSliderDown(true);
     QVERIFY(bar.grab().toImage().pixelColor(onHandle).lightness() < before.lightness());
+}
+
+/// The toolkit's own menu of a scroll bar holds up whoever opens it until it is closed.
+void TestThinScrollBar::hasNoMenu()
+{
+    ThinScrollBar bar(Qt::Vertical);
+    bar.setRange(0, 100);
+    bar.show();
+    bool hadMenu = false;
+    QTimer::singleShot(0, &bar, [&hadMenu] {
+        hadMenu = QApplication::activePopupWidget() != nullptr;
+        if (hadMenu)
+            QApplication::activePopupWidget()->close();
+    });
+    QTest::mousePress(bar.windowHandle(), Qt::RightButton, {}, {6, 6});
+    QTest::mouseRelease(bar.windowHandle(), Qt::RightButton, {}, {6, 6});
+    QVERIFY(!hadMenu);
 }
 
 VANTOR_GUI_TEST_MAIN(TestThinScrollBar)

@@ -7,10 +7,13 @@
 #include "tests/support/run/GuiTestMain.h"
 #include "tests/support/run/LogRecorder.h"
 
+#include <QCompleter>
 #include <QDialogButtonBox>
 #include <QDir>
 #include <QGridLayout>
 #include <QLineEdit>
+#include <QListView>
+#include <QScrollBar>
 #include <QToolButton>
 #include <QTreeView>
 
@@ -22,6 +25,7 @@ class TestFileChooser final : public QObject
 private Q_SLOTS:
     void initTestCase();
     void findsAllPartsOfThisToolkit();
+    void givesItsScrollBarsNoMenus();
     void leavesADialogOfAnotherLayoutAsItIs_data();
     void leavesADialogOfAnotherLayoutAsItIs();
     void choosesAFileWithoutAPart_data() { addMissingParts(); }
@@ -145,6 +149,21 @@ void TestFileChooser::findsAllPartsOfThisToolkit()
     dialog.setOption(QFileDialog::DontUseNativeDialog);
     QVERIFY(DialogParts::find(dialog, {}));
     QVERIFY(log.lines().isEmpty());
+}
+
+void TestFileChooser::givesItsScrollBarsNoMenus()
+{
+    QFileDialog dialog;
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
+    const auto parts = DialogParts::find(dialog, {});
+    QVERIFY(parts);
+    parts->arrange(dialog);
+    for (const QAbstractItemView *view :
+         {static_cast<QAbstractItemView *>(parts->list),
+          static_cast<QAbstractItemView *>(parts->places), parts->name->completer()->popup()}) {
+        QCOMPARE(view->verticalScrollBar()->contextMenuPolicy(), Qt::PreventContextMenu);
+        QCOMPARE(view->horizontalScrollBar()->contextMenuPolicy(), Qt::PreventContextMenu);
+    }
 }
 
 void TestFileChooser::leavesADialogOfAnotherLayoutAsItIs_data()
