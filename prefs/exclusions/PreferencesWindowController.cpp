@@ -12,6 +12,7 @@
 #include <QAbstractButton>
 #include <QEvent>
 #include <QLabel>
+#include <QPointer>
 #include <QShortcut>
 #include <algorithm>
 
@@ -107,7 +108,10 @@ QList<std::shared_ptr<File>> PreferencesWindowController::array() const
 void PreferencesWindowController::add()
 {
     OpenPanel panel;
-    panel.shouldEnable = [this](const QByteArray &path) { return shouldEnable(path); };
+    // The panel outlives the window it is up over by a moment.
+    panel.shouldEnable = [this, host = QPointer<QWidget>(window())](const QByteArray &path) {
+        return host && shouldEnable(path);
+    };
     panel.prompt = tr("Choose a file or folder that Vantor must never touch.");
     panel.title = tr("Add");
     presentOpenPanel(*window(), panel, [this](const std::optional<QByteArray> &path) {

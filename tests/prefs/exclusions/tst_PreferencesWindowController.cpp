@@ -3,7 +3,10 @@
 #include "tests/support/page/StillStyle.h"
 #include "tests/support/run/GuiTestMain.h"
 
+#include <QDir>
 #include <QLineEdit>
+#include <QPointer>
+#include <QTreeView>
 #include <filesystem>
 
 class TestPreferencesWindowController final : public QObject
@@ -20,6 +23,7 @@ private Q_SLOTS:
     void addsWhatThePanelChose();
     void keepsWhatWasAddedBeforeTheDiskAnswers();
     void savesAndTellsWhenThePanelIsCancelled();
+    void endsBeneathAPanel();
     void enablesWhatContainsTheHomeFoldersPath_data();
     void enablesWhatContainsTheHomeFoldersPath();
     void enablesEverythingWithoutHomeFolder();
@@ -151,6 +155,24 @@ void TestPreferencesWindowController::savesAndTellsWhenThePanelIsCancelled()
     QTRY_COMPARE(posted.count(), 1);
     QCOMPARE(m_fixture->setting(), before);
     QCOMPARE(m_controller->array().size(), 1);
+}
+
+/// The panel ends a little later, and may ask once more what may be chosen.
+void TestPreferencesWindowController::endsBeneathAPanel()
+{
+    QVERIFY(QDir::home().mkpath(QStringLiteral("Movies")));
+    m_controller->setHomeFolder({}); // everything may be chosen
+    m_fixture->button("addButton")->click();
+    QWidget &window = *m_controller->window();
+    QTRY_VERIFY(sheetPanel(window) && sheetPanel(window)->findChild<QTreeView *>());
+    const QPointer<QTreeView> list = sheetPanel(window)->findChild<QTreeView *>();
+    QTRY_VERIFY(list->model()->rowCount(list->rootIndex()) > 0);
+    const QModelIndex item = list->model()->index(0, 0, list->rootIndex());
+    QVERIFY(item.flags().testFlag(Qt::ItemIsEnabled));
+    m_fixture->controller.reset();
+    m_controller = nullptr;
+    QVERIFY(list && !item.flags().testFlag(Qt::ItemIsEnabled));
+    QTRY_VERIFY(!list);
 }
 
 void TestPreferencesWindowController::enablesWhatContainsTheHomeFoldersPath_data()
