@@ -36,7 +36,7 @@ QString LargeFileList::accessibleText(const File &file)
 
 QVariant LargeFileList::data(const QModelIndex &index, int role) const
 {
-    if (!checkIndex(index, CheckIndexOption::IndexIsValid))
+    if (!index.isValid())
         return {};
     const File &file = fileAt(index.row());
     switch (role) {

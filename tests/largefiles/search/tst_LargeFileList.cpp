@@ -3,6 +3,7 @@
 
 #include <QAbstractItemModelTester>
 #include <QElapsedTimer>
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <random>
 
@@ -180,13 +181,13 @@ void TestLargeFileList::showsNameSizeAndPick()
     list.insert(fileOf("<b>.mov", 7));
     const QModelIndex index = list.index(0);
     QCOMPARE(index.data(Qt::DisplayRole).toString(), QStringLiteral("<b>.mov"));
-    QVERIFY(index.data(Qt::ToolTipRole)
-                .toString()
-                .contains(QStringLiteral(">/home/anna/Movies/&lt;b&gt;.mov<")));
+    const QString toolTip = index.data(Qt::ToolTipRole).toString();
+    QVERIFY(toolTip.contains(QStringLiteral(">/home/anna/Movies/&lt;b&gt;.mov<")));
     QCOMPARE(index.data(LargeFileList::SizeStringRole).toString(), QStringLiteral("7"));
     QCOMPARE(index.data(LargeFileList::IsAddedRole).toBool(), false);
     list.toggle(0);
     QCOMPARE(index.data(LargeFileList::IsAddedRole).toBool(), true);
+    QTest::failOnWarning(QRegularExpression(QStringLiteral("."))); // a view may ask so
     QVERIFY(!list.data({}, Qt::DisplayRole).isValid());
 }
 
@@ -268,9 +269,8 @@ void TestLargeFileList::selectsInListOrder()
 {
     LargeFileList list;
     fill(list, {"a1", "b4", "c3", "d9"});
-    list.toggle(3);
-    list.toggle(0);
-    list.toggle(2);
+    for (const int row : {3, 0, 2})
+        list.toggle(row);
     QCOMPARE(namesOf(list.selectedURLs()), (QByteArrayList{"d", "c", "a"}));
     list.insert(fileOf("e", 100));
     QCOMPARE(namesOf(list.selectedURLs()), (QByteArrayList{"d", "c", "a"}));
