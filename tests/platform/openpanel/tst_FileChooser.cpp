@@ -26,6 +26,7 @@ private Q_SLOTS:
     void initTestCase();
     void findsAllPartsOfThisToolkit();
     void givesItsScrollBarsNoMenus();
+    void hasReadEachFolderThatItShows();
     void leavesADialogOfAnotherLayoutAsItIs_data();
     void leavesADialogOfAnotherLayoutAsItIs();
     void choosesAFileWithoutAPart_data() { addMissingParts(); }
@@ -164,6 +165,23 @@ void TestFileChooser::givesItsScrollBarsNoMenus()
         QCOMPARE(view->verticalScrollBar()->contextMenuPolicy(), Qt::PreventContextMenu);
         QCOMPARE(view->horizontalScrollBar()->contextMenuPolicy(), Qt::PreventContextMenu);
     }
+}
+
+/// Up to the computer, which is no folder, and back again.
+void TestFileChooser::hasReadEachFolderThatItShows()
+{
+    FileIcons icons;
+    FileChooser chooser({}, QDir::homePath(), icons, {}, nullptr);
+    chooser.show();
+    QTRY_VERIFY(!chooser.isReading());
+    chooser.enter(QStringLiteral("/"));
+    QTRY_VERIFY(!chooser.isReading());
+    auto *const up = chooser.findChild<QToolButton *>(QStringLiteral("toParentButton"));
+    QVERIFY(up);
+    up->click();
+    QTRY_VERIFY(!chooser.isReading());
+    chooser.enter(QDir::homePath());
+    QTRY_VERIFY(!chooser.isReading());
 }
 
 void TestFileChooser::leavesADialogOfAnotherLayoutAsItIs_data()
