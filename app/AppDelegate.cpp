@@ -180,13 +180,18 @@ void AppDelegate::applicationWillTerminate()
         qCWarning(logVantor).noquote() << logText(saved.error());
 }
 
+bool AppDelegate::startThisProgram()
+{
+    return QProcess::startDetached(QCoreApplication::applicationFilePath(), {});
+}
+
 void AppDelegate::restart()
 {
     applicationWillTerminate();
     OneInstance *const instance = m_configuration.instance;
     if (instance)
         instance->close(); // otherwise the new one would hand over to this one
-    if (QProcess::startDetached(QCoreApplication::applicationFilePath(), {})) {
+    if (m_configuration.startAnother()) {
         // Not quit(), which a window with a sheet refuses: two would then write the settings.
         QCoreApplication::exit();
         return;

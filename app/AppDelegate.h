@@ -26,6 +26,9 @@ class AppDelegate final : public QObject
     Q_OBJECT
 
 public:
+    /// Starts the program that runs, without arguments. Returns at once.
+    static bool startThisProgram();
+
     /// What differs between a user's run and a run in a test.
     struct Configuration
     {
@@ -38,6 +41,8 @@ public:
         LabelController::Reader readVolume = startUpVolumeSizes;
         /// Makes the view that shows the tutorial. Without it the tutorial is shown as rich text.
         InterfaceLoader::Factory makeTutorialView = {};
+        /// Starts the program once more, beside this run of it. False when that fails.
+        std::function<bool()> startAnother = startThisProgram;
         /// Hears of a second start; outlives it all. Null where there can be none.
         OneInstance *instance = nullptr;
     };

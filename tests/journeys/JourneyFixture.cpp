@@ -21,8 +21,10 @@ void addKindsOfHomes()
         QTest::newRow("freedesktop") << HomeKind::Freedesktop;
 }
 
-JourneyFixture::JourneyFixture(HomeKind kind)
-    : m_home(m_place, 1, kind), m_workspace(std::make_shared<RecordingWorkspace>())
+JourneyFixture::JourneyFixture(HomeKind kind, const SystemCalls &calls)
+    : m_home(m_place, 1, kind),
+      m_calls({}, calls),
+      m_workspace(std::make_shared<RecordingWorkspace>())
 {
 }
 
@@ -43,6 +45,8 @@ void JourneyFixture::start(Tutorial tutorial, Pace pace)
     configuration.realHomeDirectory = [this] { return m_home.path(); };
     configuration.pingHelper.program.clear();
     configuration.workspace = m_workspace;
+    m_wasRestarted = false;
+    configuration.startAnother = [this] { return m_wasRestarted = true; };
     m_application = std::make_unique<AppDelegate>(std::move(configuration));
     m_application->applicationDidFinishLaunching();
     if (tutorial == Tutorial::Declined)

@@ -24,7 +24,9 @@ public:
     /// At a user's pace, or in haste: then nothing fades, and no page waits.
     enum class Pace { User, Hasty };
 
-    explicit JourneyFixture(HomeKind kind = HomeKind::Library);
+    /// `calls` must outlive it.
+    explicit JourneyFixture(HomeKind kind = HomeKind::Library,
+                            const SystemCalls &calls = hostSystemCalls());
     ~JourneyFixture();
     JourneyFixture(const JourneyFixture &) = delete;
     JourneyFixture &operator=(const JourneyFixture &) = delete;
@@ -46,13 +48,16 @@ public:
     const SampleHome &home() const { return m_home; }
     AppDelegate &application() { return *m_application; }
     RecordingWorkspace &workspace() { return *m_workspace; }
-    Journey &journey() { return *m_journey; }
+    Journey &journey() const { return *m_journey; }
+    /// Whether the program has ended itself since its start, to be started again.
+    bool wasRestarted() const { return m_wasRestarted; }
     FreeSpaceViewController &slicesPage() { return m_journey->controller().freeSpacePage(); }
 
 private:
     ScratchFolder m_place;
     SampleHome m_home;
     HookedSystem m_calls;
+    bool m_wasRestarted = false;
     std::shared_ptr<RecordingWorkspace> m_workspace;
     std::unique_ptr<AppDelegate> m_application;
     std::unique_ptr<Journey> m_journey;
