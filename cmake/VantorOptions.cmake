@@ -8,6 +8,7 @@ set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR})
 
 set(VANTOR_SANITIZE "" CACHE STRING "Sanitizers, as the compiler names them: address,undefined or thread")
+option(VANTOR_FUZZ "Build the fuzzer's programs, with clang and its sanitizers" OFF)
 
 add_library(vantor_options INTERFACE)
 target_compile_options(vantor_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor
@@ -15,6 +16,10 @@ target_compile_options(vantor_options INTERFACE -Wall -Wextra -Wpedantic -Wshado
 target_compile_definitions(vantor_options INTERFACE QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII
     QT_NO_KEYWORDS QT_NO_FOREACH QT_DISABLE_DEPRECATED_BEFORE=0x060400)
 target_include_directories(vantor_options INTERFACE ${PROJECT_SOURCE_DIR})
+if(VANTOR_FUZZ)
+    # Another compiler has other warnings; the usual one has given its own.
+    target_compile_options(vantor_options INTERFACE -w)
+endif()
 if(VANTOR_SANITIZE)
     # A target with foreign code that does not work under the sanitizers sets VANTOR_UNSANITIZED.
     set(sanitized "$<NOT:$<BOOL:$<TARGET_PROPERTY:VANTOR_UNSANITIZED>>>")
@@ -23,10 +28,10 @@ if(VANTOR_SANITIZE)
     target_link_options(vantor_options INTERFACE "$<${sanitized}:-fsanitize=${VANTOR_SANITIZE}>")
 endif()
 
-# This linker needs less than half the time of the system's default one.
+# This linker needs less than half the time of the system's default one. It warns of the fuzzer.
 include(CheckLinkerFlag)
 check_linker_flag(CXX -fuse-ld=gold VANTOR_HAS_GOLD)
-if(VANTOR_HAS_GOLD)
+if(VANTOR_HAS_GOLD AND NOT VANTOR_FUZZ)
     target_link_options(vantor_options INTERFACE -fuse-ld=gold)
 endif()
 

@@ -17,8 +17,10 @@ declare -A PACKAGES=(
     # Tools for the tests' own file systems and attributes, and for keys that come from outside the
     # program.
     [testing]="e2fsprogs xdotool"
-    # What the long tests need beside: disks of another make and disks whose power can be cut.
-    [soaking]="e2fsprogs btrfs-progs xfsprogs libfuse3-dev mount"
+    # What the long tests need beside: disks of another make and disks whose power can be cut, and
+    # the fuzzer.
+    [soaking]="e2fsprogs btrfs-progs xfsprogs libfuse3-dev mount
+        clang libclang-rt-14-dev"
     # Tools that check a change before it is sent.
     [checking]="clang-format clang-tidy git"
 )
