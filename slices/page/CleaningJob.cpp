@@ -56,9 +56,12 @@ struct Work
 
 CleaningReport cleanDisk(const Work &work, const std::stop_token &stop)
 {
-    const auto &[calls, access, settingsFolder, chosen, layout, excluded, confirmation] = work;
-    const AccessScope scope(access);
-    CleaningNote note(calls, settingsFolder);
+    const SystemCalls &calls = work.calls;
+    const FileAccess &access = work.access;
+    const Records &chosen = work.chosen;
+    const HomeLayout &layout = work.layout;
+    const AccessScope scope(work.access);
+    CleaningNote note(calls, work.settingsFolder);
     const QList<CleaningRefusal> leftAside = note.putBack(access, stop);
     const FileUrls inUse =
         takeAwayLocationsInUse(chosen, ProgramsInUse::find(calls, access, layout));
@@ -69,7 +72,7 @@ CleaningReport cleanDisk(const Work &work, const std::stop_token &stop)
     };
     ProgramLocationSizes sizes = measureProgramLocations(chosen, layout, sizeOf);
     const CleaningPlan plan = makeCleaningPlan(
-        calls, access, slicesToClean(layout, chosen, confirmation), excluded, inUse);
+        calls, access, slicesToClean(layout, chosen, work.confirmation), work.excluded, inUse);
     CacheInUse caches(calls, layout);
     logConfinementOnce(calls);
     const auto inUseNow = [&](const CleaningLocation &location, const FileUrl &entry) {
