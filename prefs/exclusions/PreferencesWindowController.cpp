@@ -110,7 +110,7 @@ void PreferencesWindowController::add()
     OpenPanel panel;
     // The panel outlives the window it is up over by a moment.
     panel.shouldEnable = [this, host = QPointer<QWidget>(window())](const QByteArray &path) {
-        return host && shouldEnable(path);
+        return !host.isNull() && shouldEnable(path);
     };
     panel.prompt = tr("Choose a file or folder that Vantor must never touch.");
     panel.title = tr("Add");
