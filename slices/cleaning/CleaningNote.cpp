@@ -58,6 +58,8 @@ QList<CleaningRefusal> CleaningNote::putBack(const FileAccess &access, const std
     for (const QByteArray &line : read()) {
         const auto url = folderOf(line);
         const auto path = url ? access.anchoredPath(*url) : std::nullopt;
+        if (url && !path) // of another home, which may be granted again
+            m_unfinished.append(line);
         if (!path || !path->anchor || hasDotComponent(path->relativePath))
             continue;
         AsideSearch search(m_calls, stop);

@@ -141,6 +141,9 @@ void TestCleaningNote::leadsNowhereOutsideTheGrant()
     m_home = std::make_unique<GrantedFolder>(*m_scratch / "home/.cache");
     QVERIFY(putBack().isEmpty());
     QVERIFY(exists(m_downloads + "/.vantor-aside.file") && exists(outside));
+    m_home = std::make_unique<GrantedFolder>(*m_scratch / "home"); // granted again
+    QVERIFY(putBack().isEmpty());
+    QVERIFY(exists(m_downloads + "/file") && exists(outside));
 }
 
 void TestCleaningNote::isNoHarmWhenItIsDamaged()
