@@ -5,7 +5,7 @@
 #include "platform/system/SystemCalls.h"
 
 #include <QDir>
-#include <QFileInfo>
+#include <QFile>
 #include <QJsonDocument>
 #include <cerrno>
 #include <system_error>
@@ -176,17 +176,14 @@ DurableContent SettingsFile::expected() const
     return {DurableState::Good, *m_file->known(), 0};
 }
 
-/// The folder's own path may lead through links; below it, none is followed.
 SystemResult<void> SettingsFile::open()
 {
     if (m_file)
         return {};
-    const QString resolved = QFileInfo(m_folder).canonicalFilePath();
-    const QByteArray path = QFile::encodeName(resolved.isEmpty() ? m_folder : resolved);
-    auto folder = m_calls->openRoot(path);
-    if (!folder)
-        return tl::unexpected(folder.error());
-    m_file.emplace(*m_calls, std::move(*folder), kFileName);
+    auto file = DurableFile::in(*m_calls, m_folder, kFileName);
+    if (!file)
+        return tl::unexpected(file.error());
+    m_file.emplace(std::move(*file));
     return {};
 }
 

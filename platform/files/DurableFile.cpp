@@ -5,6 +5,8 @@
 #include "platform/system/SystemCalls.h"
 
 #include <QDateTime>
+#include <QFile>
+#include <QFileInfo>
 #include <array>
 #include <cerrno>
 #include <zlib.h>
@@ -46,6 +48,17 @@ tl::unexpected<DurableError> failed(int error)
 DurableFile::DurableFile(const SystemCalls &calls, FileDescriptor folder, QByteArray name)
     : m_calls(calls), m_folder(std::move(folder)), m_name(std::move(name))
 {
+}
+
+SystemResult<DurableFile> DurableFile::in(const SystemCalls &calls, const QString &folder,
+                                          QByteArray name)
+{
+    const QString resolved = QFileInfo(folder).canonicalFilePath();
+    const QByteArray path = QFile::encodeName(resolved.isEmpty() ? folder : resolved);
+    auto opened = calls.openRoot(path.constData());
+    if (!opened)
+        return tl::unexpected(opened.error());
+    return DurableFile(calls, std::move(*opened), std::move(name));
 }
 
 DurableContent DurableFile::read(Generation generation)

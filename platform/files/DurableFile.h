@@ -4,6 +4,7 @@
 #include "platform/system/SystemResult.h"
 
 #include <QByteArray>
+#include <QString>
 #include <optional>
 
 class SystemCalls;
@@ -55,6 +56,11 @@ public:
     static constexpr qsizetype kLargestContent = qsizetype{16} * 1024 * 1024;
 
     DurableFile(const SystemCalls &calls, FileDescriptor folder, QByteArray name);
+
+    /// The file of this name in the folder at a path, which may lead through links; an errno where
+    /// there is no such folder.
+    static SystemResult<DurableFile> in(const SystemCalls &calls, const QString &folder,
+                                        QByteArray name);
 
     DurableContent read(Generation generation);
 

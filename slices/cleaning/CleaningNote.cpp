@@ -2,12 +2,11 @@
 
 #include "platform/base/Log.h"
 #include "platform/base/LogText.h"
+#include "platform/files/DurableFile.h"
 #include "platform/system/SystemCalls.h"
 #include "slices/removal/AsideSearch.h"
 
 #include <QDir>
-#include <QFile>
-#include <QFileInfo>
 #include <QSet>
 #include <cerrno>
 
@@ -105,20 +104,10 @@ void CleaningNote::end()
     m_hasBegun = false;
 }
 
-/// The folder's own path may lead through links.
-std::optional<DurableFile> CleaningNote::open() const
-{
-    const QString resolved = QFileInfo(m_folder).canonicalFilePath();
-    auto folder = m_calls.openRoot(QFile::encodeName(resolved).constData());
-    if (!folder)
-        return std::nullopt;
-    return DurableFile(m_calls, std::move(*folder), kFileName);
-}
-
 /// Whatever stands there leads to no more than names given back, so a damaged note counts as none.
 QByteArrayList CleaningNote::read() const
 {
-    auto file = open();
+    auto file = DurableFile::in(m_calls, m_folder, kFileName);
     if (!file)
         return {};
     const DurableContent content = file->read(Generation::Current);
@@ -129,7 +118,7 @@ QByteArrayList CleaningNote::read() const
 void CleaningNote::write(const QByteArrayList &lines) const
 {
     QDir().mkpath(m_folder);
-    auto file = open();
+    auto file = DurableFile::in(m_calls, m_folder, kFileName);
     if (!file || !file->write(lines.join('\n'), Replace::Anything))
         qCWarning(logVantor, "no note of the cleaning could be written");
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "platform/files/DurableFile.h"
 #include "slices/plan/CleaningPlan.h"
 
 #include <QString>
@@ -29,7 +28,6 @@ public:
     void end();
 
 private:
-    std::optional<DurableFile> open() const;
     QByteArrayList read() const;
     void write(const QByteArrayList &lines) const;
 
