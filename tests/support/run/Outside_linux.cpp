@@ -13,7 +13,12 @@ namespace {
 class Outside final
 {
 public:
-    Outside() : m_thread([this](const std::stop_token &stop) { serve(stop); }) {}
+    /// Waits until the thread has nothing to do: one that still starts holds locks of the
+    /// allocator, and a process that is forked meanwhile would never see them released.
+    Outside() : m_thread([this](const std::stop_token &stop) { serve(stop); })
+    {
+        run([] {});
+    }
 
     void run(const std::function<void()> &action)
     {
