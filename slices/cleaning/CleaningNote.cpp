@@ -84,8 +84,6 @@ void CleaningNote::begin(const CleaningPlan &plan)
     QByteArrayList lines = m_unfinished;
     QSet<QByteArray> all(lines.begin(), lines.end());
     for (const CleaningLocation &location : plan.locations()) {
-        if (!plan.hasExclusionsOn(location.identity.device))
-            continue;
         for (const QByteArray &line : linesFor(location)) {
             if (!all.contains(line))
                 lines.append(line);

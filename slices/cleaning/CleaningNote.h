@@ -22,7 +22,7 @@ public:
     /// what could not get it. The caller holds the access.
     QList<CleaningRefusal> putBack(const FileAccess &access, const std::stop_token &stop);
 
-    /// Writes the note, if this plan needs one.
+    /// Writes the note, unless there is nothing to clean.
     void begin(const CleaningPlan &plan);
     /// The cleaning has ended in order. What is still left of others stays noted.
     void end();

@@ -254,11 +254,12 @@ RemovalSteps::EntryOutcome RemovalSteps::removeFolder(const EntryRef &ref, std::
     return settled(answer, ref);
 }
 
-/// Where something on the volume is excluded, it must not go even if it takes another's name in the
-/// last instant. That costs more calls than everything else, so only there.
+/// What takes another's name in the last instant must not go. To compare it then costs more calls
+/// than everything else. So it is done where something on the volume is excluded, and where others
+/// are at work: they have changed the folder since the user confirmed, or something of it stays.
 SystemResult<void> RemovalSteps::takeAway(const EntryRef &ref, const FileStatus &status) const
 {
-    if (m_protection.isExact())
+    if (m_protection.isExact() || ref.around == FolderState::Changed || ref.isKept)
         return ExactRemoval(m_calls)
             .remove(ref.folder, ref.name, status)
             .map_error([&](const ExactRemoval::Failure &failure) {

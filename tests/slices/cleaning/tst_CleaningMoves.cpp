@@ -9,6 +9,33 @@
 
 Q_DECLARE_METATYPE(std::function<void(const QByteArray &)>)
 
+namespace {
+
+/// Does something between the look at an entry of this name and the first step of its removal.
+class AfterTheLook final : public HookedCalls
+{
+public:
+    AfterTheLook(QByteArrayView name, std::function<void()> action)
+        : m_name(name), m_action(std::move(action))
+    {
+    }
+
+    bool isInMemory(int) const override { return true; }
+    std::optional<int> before(const char *call, int, const char *name) const override
+    {
+        const QByteArrayView step(call);
+        if ((step == "removeFile" || step == "moveToFree") && m_name == name)
+            doOutside(m_action);
+        return {};
+    }
+
+private:
+    QByteArrayView m_name;
+    std::function<void()> m_action;
+};
+
+} // namespace
+
 /// Users go on working while it cleans: they move, save and rename.
 class TestCleaningMoves final : public QObject
 {
@@ -27,6 +54,8 @@ private Q_SLOTS:
     void takesItsOwnRemovalsForNoChangesByOthers();
     void keepsAnExcludedFileThatTakesAnothersName_data();
     void keepsAnExcludedFileThatTakesAnothersName();
+    void keepsWhatIsSavedOverANameWhereOthersAreAtWork_data();
+    void keepsWhatIsSavedOverANameWhereOthersAreAtWork();
     void putsBackWhatAKilledCleaningHasMovedAside();
     void cleansNothingThatTheKernelDoesNotConfine();
 
@@ -290,6 +319,32 @@ void TestCleaningMoves::keepsAnExcludedFileThatTakesAnothersName()
     const QByteArray place = m_downloads + "/doomed/file";
     QVERIFY(exists(place) && std::filesystem::file_size(native(place)) == 8);
     QCOMPARE(report.refusalCount + report.failureCount, 1U);
+}
+
+void TestCleaningMoves::keepsWhatIsSavedOverANameWhereOthersAreAtWork_data()
+{
+    QTest::addColumn<QByteArrayList>("saved");
+    QTest::addRow("a file has come since the confirmation") << QByteArrayList{"new"};
+    QTest::addRow("others have been written") << QByteArrayList{"older", "newer"};
+}
+
+/// Between the look and the removal, while nothing is excluded.
+void TestCleaningMoves::keepsWhatIsSavedOverANameWhereOthersAreAtWork()
+{
+    QFETCH(QByteArrayList, saved);
+    const QByteArray folder = m_downloads + "/doomed/";
+    makeFile(folder + "older");
+    makeFile(folder + "file", "doomed");
+    makeFile(folder + "newer");
+    makeFile(*m_scratch / "home/Documents/saving", "precious");
+    const Moment confirmed = momentBetween();
+    for (const QByteArray &name : std::as_const(saved))
+        makeFile(folder + name, "written");
+    const QByteArray place = folder + "file";
+    const AfterTheLook calls("file", [&] { move(*m_scratch / "home/Documents/saving", place); });
+    const CleaningReport report = cleanSince(confirmed, {}, calls);
+    QVERIFY(exists(place) && std::filesystem::file_size(native(place)) == 8);
+    QCOMPARE(report.refusalCount + report.failureCount, std::size_t(saved.size()) + 1);
 }
 
 void TestCleaningMoves::putsBackWhatAKilledCleaningHasMovedAside()

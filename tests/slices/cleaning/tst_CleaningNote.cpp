@@ -16,7 +16,8 @@ private Q_SLOTS:
     void leadsToWhatAKillHasLeft_data();
     void leadsToWhatAKillHasLeft();
     void isForgottenOnceTheCleaningHasEnded();
-    void isNotWrittenWhereNothingIsExcluded();
+    void isWrittenWhereNothingIsExcluded();
+    void isNotWrittenForNothing();
     void keepsWhatCouldNotBePutBack();
     void leadsNowhereOutsideTheGrant();
     void isNoHarmWhenItIsDamaged();
@@ -111,11 +112,18 @@ void TestCleaningNote::isForgottenOnceTheCleaningHasEnded()
     QVERIFY(!isNoted("Downloads"));
 }
 
-/// There nothing is moved aside.
-void TestCleaningNote::isNotWrittenWhereNothingIsExcluded()
+/// There entries are moved aside too, where others are at work.
+void TestCleaningNote::isWrittenWhereNothingIsExcluded()
 {
     CleaningNote note(hostSystemCalls(), m_settings);
     note.begin(plan({}));
+    QVERIFY(isNoted("Downloads"));
+}
+
+void TestCleaningNote::isNotWrittenForNothing()
+{
+    CleaningNote note(hostSystemCalls(), m_settings);
+    note.begin({});
     note.end();
     QVERIFY(!QFile::exists(m_settings));
 }
