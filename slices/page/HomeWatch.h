@@ -3,7 +3,7 @@
 #include "platform/threads/BackgroundQueue.h"
 #include "slices/page/CleaningText.h"
 #include "slices/page/SliceSelection.h"
-#include "slices/plan/Confirmation.h"
+#include "slices/record/Confirmation.h"
 #include "slices/record/Info.h"
 
 #include <QHash>

@@ -3,7 +3,7 @@
 #include "platform/files/FileAccess.h"
 #include "platform/system/FileStatus.h"
 #include "slices/exclusions/ExcludedPaths.h"
-#include "slices/plan/Confirmation.h"
+#include "slices/record/Confirmation.h"
 #include "slices/record/SliceCatalogue.h"
 #include "slices/sizing/ReadOnlyFolders.h"
 

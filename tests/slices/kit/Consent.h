@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/system/HostSystemCalls.h"
-#include "slices/plan/Confirmation.h"
+#include "slices/record/Confirmation.h"
 #include "slices/record/Info.h"
 
 #include <memory>

@@ -1,4 +1,4 @@
-#include "slices/plan/Confirmation.h"
+#include "slices/record/Confirmation.h"
 
 #include "platform/files/AnchoredFolder.h"
 #include "platform/system/SystemCalls.h"

@@ -1,4 +1,4 @@
-#include "slices/plan/Confirmation.h"
+#include "slices/record/Confirmation.h"
 #include "tests/slices/kit/Interlopers.h"
 #include "tests/support/run/TestMain.h"
 
