@@ -141,11 +141,12 @@ void LargeFileList::setAdded(File &file, bool isAdded)
 {
     file.setIsAdded(isAdded);
     if (isAdded && m_picked.empty())
-        m_pickedSince = m_clock ? m_clock() : Moment();
+        m_choice.moment = m_clock ? m_clock() : Moment();
     if (isAdded)
         m_picked.insert(&file);
     else
         m_picked.erase(&file);
+    m_choice.locations.remove(file.fileURL().path());
 }
 
 void LargeFileList::setAdded(const QList<int> &rows, bool isAdded)
@@ -219,8 +220,11 @@ void LargeFileList::refreshSizes()
 {
     const quint64 question = ++m_question;
     const FileUrls files = selectedURLs();
-    if (files.isEmpty())
-        return m_currentSizes.clear();
+    if (files.isEmpty()) {
+        m_currentSizes.clear();
+        m_choice.locations.clear();
+        return;
+    }
     if (!m_readSizes)
         return;
     m_readSizes(files, [list = QPointer(this), question, files](const QList<CurrentSize> &sizes) {
@@ -239,7 +243,11 @@ void LargeFileList::takeSizes(const FileUrls &files, const QList<CurrentSize> &s
 {
     m_currentSizes.clear();
     m_currentSizes.reserve(files.size());
-    for (qsizetype i = 0; i < std::min(files.size(), sizes.size()); ++i)
-        m_currentSizes.insert(files[i].path(), sizes[i]);
+    for (qsizetype i = 0; i < std::min(files.size(), sizes.size()); ++i) {
+        const QByteArray path = files[i].path();
+        m_currentSizes.insert(path, sizes[i]);
+        if (sizes[i].identity != FileIdentity() && !m_choice.locations.contains(path))
+            m_choice.locations.insert(path, sizes[i].identity);
+    }
     Q_EMIT sizeStringChanged();
 }

@@ -2,7 +2,7 @@
 
 #include "largefiles/search/CurrentSize.h"
 #include "largefiles/search/File.h"
-#include "platform/system/Moment.h"
+#include "slices/record/Confirmation.h"
 
 #include <QAbstractListModel>
 #include <QHash>
@@ -65,8 +65,9 @@ public:
 
     /// The picked files, the largest first.
     FileUrls selectedURLs() const;
-    /// When the first of them was picked: they were meant as they were then.
-    Moment pickedSince() const { return m_pickedSince; }
+    /// When the first of them was picked, and what each was when its size was first read after its
+    /// own pick: they were meant as they were then.
+    const Confirmation &picked() const { return m_choice; }
     /// The picked total in bytes, and as people read it.
     qint64 selectedSize() const;
     QString sizeString() const;
@@ -94,7 +95,7 @@ private:
 
     const ReadSizes m_readSizes;
     const Clock m_clock;
-    Moment m_pickedSince;
+    Confirmation m_choice;
     std::unordered_map<QByteArray, std::unique_ptr<File>> m_byPath;
     std::vector<File *> m_files; ///< in list order; bare, because a row in between moves all below
     /// Apart, so that a pick costs what is picked and not what is listed.

@@ -9,16 +9,32 @@
 
 namespace {
 
-SystemResult<FileStatus> statusOf(const SystemCalls &calls,
-                                  const std::optional<AnchoredPath> &place)
+/// A file's name in the open folder around it.
+struct OpenEntry
+{
+    FileDescriptor folder;
+    QByteArray name;
+};
+
+SystemResult<OpenEntry> openAround(const SystemCalls &calls,
+                                   const std::optional<AnchoredPath> &place)
 {
     if (!place)
         return tl::unexpected(EACCES);
     const AnchoredEntry entry = anchoredEntry(*place);
-    const auto folder = openOnVolume(calls, entry.folder);
+    auto folder = openOnVolume(calls, entry.folder);
     if (!folder)
         return tl::unexpected(folder.error());
-    return calls.status(folder->get(), entry.name.constData());
+    return OpenEntry{std::move(*folder), entry.name};
+}
+
+SystemResult<FileStatus> statusOf(const SystemCalls &calls,
+                                  const std::optional<AnchoredPath> &place)
+{
+    const auto entry = openAround(calls, place);
+    if (!entry)
+        return tl::unexpected(entry.error());
+    return calls.status(entry->folder.get(), entry->name.constData());
 }
 
 bool hasVanished(const SystemResult<FileStatus> &status)
@@ -30,10 +46,16 @@ bool hasVanished(const SystemResult<FileStatus> &status)
 
 CurrentSize sizeAt(const SystemCalls &calls, const std::optional<AnchoredPath> &place)
 {
-    const auto status = statusOf(calls, place);
+    const auto entry = openAround(calls, place);
+    if (!entry)
+        return {};
+    const int folder = entry->folder.get();
+    const char *const name = entry->name.constData();
+    const auto status = calls.status(folder, name);
     if (!status || status->kind != FileKind::Regular)
         return {};
-    return {byteCountOf(status->size), mayBeDeleted(calls, *place)};
+    return {byteCountOf(status->size), mayBeDeleted(calls, *place),
+            calls.identity(folder, name).value_or(FileIdentity())};
 }
 
 } // namespace

@@ -68,6 +68,17 @@ SliceToClean locationsToClean(const HomeLayout &layout, const Info &record,
             .programLocations = programLocations(layout, locations)};
 }
 
+/// What the user chose is meant as it was then, not as it was when the question was asked.
+Confirmation consentTo(const Info &record, const Confirmation &confirmation)
+{
+    const std::optional<Confirmation> choice = record.choice();
+    if (!choice)
+        return confirmation;
+    LocationIdentities locations = confirmation.locations;
+    locations.insert(choice->locations);
+    return {choice->moment, locations};
+}
+
 } // namespace
 
 QList<SliceToClean> slicesToClean(const HomeLayout &layout,
@@ -87,10 +98,11 @@ QList<SliceToClean> slicesToClean(const HomeLayout &layout,
         } else {
             slices.append(locationsToClean(layout, *record, locations));
         }
+        const Confirmation consent = consentTo(*record, confirmation);
         for (qsizetype i = first; i < slices.size(); ++i) {
-            slices[i].confirmed = record->chosenAt().value_or(confirmation.moment);
+            slices[i].confirmed = consent.moment;
             if (!slices[i].onlyWith) // such a file stands beside a location, and is none itself
-                slices[i].known = confirmation.locations;
+                slices[i].known = consent.locations;
         }
     }
     return slices;

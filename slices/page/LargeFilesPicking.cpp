@@ -61,7 +61,7 @@ void LargeFilesPicking::takePickedFiles()
     record.setFileSizeString(files.isEmpty() ? QString::fromUtf16(kClickToSelect)
                                              : picker.sizeString());
     record.setFileURLs(files, picker.deletableSize());
-    record.setChosenAt(windowController().array().pickedSince());
+    record.setChoice(windowController().array().picked());
     Q_EMIT picked();
     m_services.selection.updateSelectedSlicesUserDefaults();
 }
@@ -69,13 +69,14 @@ void LargeFilesPicking::takePickedFiles()
 /// A size may be read only after the sheet has gone.
 void LargeFilesPicking::followSize()
 {
-    const LargeFilesWindowController &picker = windowController();
+    LargeFilesWindowController &picker = windowController();
     Info &record = m_services.selection.record(SliceKind::LargeFiles);
     if (isPicking() || !m_services.mayChange() || !record.isOn() ||
         record.fileURLs() != picker.selectedURLs())
         return;
     record.setFileSizeString(picker.sizeString());
     record.setFileSize(picker.deletableSize());
+    record.setChoice(picker.array().picked());
     Q_EMIT sizeChanged();
 }
 

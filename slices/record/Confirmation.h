@@ -18,10 +18,10 @@ using LocationIdentities = QHash<QByteArray, FileIdentity>;
 LocationIdentities lookAtLocations(const SystemCalls &calls, const FileAccess &access,
                                    const FileUrls &locations, const std::stop_token &stop = {});
 
-/// The user's consent to a cleaning.
+/// The user's consent to a cleaning, or the choice of single files for one.
 struct Confirmation
 {
     Moment moment; ///< what has changed since then stays
-    /// What stood at the locations when the user was asked. Anything else there now stays.
+    /// What stood at the locations then. Anything else there now stays.
     LocationIdentities locations;
 };

@@ -61,16 +61,16 @@ void Info::setFileURLs(const FileUrls &fileURLs, qint64 measuredBytes)
     postSizeChanged();
 }
 
-std::optional<Moment> Info::chosenAt() const
+std::optional<Confirmation> Info::choice() const
 {
     const std::scoped_lock lock(m_mutex);
-    return m_chosenAt;
+    return m_choice;
 }
 
-void Info::setChosenAt(const Moment &moment)
+void Info::setChoice(const Confirmation &choice)
 {
     const std::scoped_lock lock(m_mutex);
-    m_chosenAt = moment;
+    m_choice = choice;
 }
 
 FileUrls Info::kept() const

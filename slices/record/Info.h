@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/files/FileUrl.h"
-#include "platform/system/Moment.h"
+#include "slices/record/Confirmation.h"
 
 #include <QObject>
 #include <functional>
@@ -61,10 +61,10 @@ public:
     /// The same for locations whose size was just measured elsewhere; returns at once.
     void setFileURLs(const FileUrls &fileURLs, qint64 measuredBytes);
 
-    /// When the user chose the locations, if they are the user's own choice: they were meant as
-    /// they were then.
-    std::optional<Moment> chosenAt() const;
-    void setChosenAt(const Moment &moment);
+    /// When the user chose the locations, if they are the user's own choice, and what stood there
+    /// then, as far as it is known: they were meant as they were.
+    std::optional<Confirmation> choice() const;
+    void setChoice(const Confirmation &choice);
 
     /// Folders inside the locations that stay, with all that they hold, because a program uses
     /// them.
@@ -112,7 +112,7 @@ private:
     std::mutex m_measuring;     ///< held while the locations are walked for the size text
     mutable std::mutex m_mutex; ///< guards what the measuring threads share with the main thread
     std::optional<Locations> m_locations;
-    std::optional<Moment> m_chosenAt;
+    std::optional<Confirmation> m_choice;
     std::optional<QString> m_fileSizeString;
     qint64 m_fileSize = 0;
 };

@@ -1,4 +1,5 @@
 #include "largefiles/search/LargeFileList.h"
+#include "tests/largefiles/search/ToldSizes.h"
 #include "tests/support/run/TestMain.h"
 
 #include <QAbstractItemModelTester>
@@ -17,14 +18,6 @@ File fileOf(const QByteArray &name, qint64 size)
     return file;
 }
 
-QByteArrayList namesOf(const FileUrls &urls)
-{
-    QByteArrayList names;
-    for (const FileUrl &url : urls)
-        names.append(url.lastPathComponent());
-    return names;
-}
-
 QByteArray namesOf(const LargeFileList &list)
 {
     return namesOf(list.fileURLs()).join(' ');
@@ -36,39 +29,6 @@ void fill(LargeFileList &list, const QByteArrayList &files)
     for (const QByteArray &file : files)
         list.insert(fileOf(file.left(1), file.mid(1).toLongLong()));
 }
-
-/// A disk whose file sizes the test sets; answers when it is told to.
-class Disk
-{
-public:
-    QHash<QByteArray, qint64> sizes; ///< by name
-    QByteArrayList locked;           ///< names of files that may not be deleted
-    int questions = 0;
-
-    LargeFileList::ReadSizes reader()
-    {
-        return [this](const FileUrls &files, const LargeFileList::Answer &answer) {
-            ++questions;
-            QList<CurrentSize> read;
-            for (const QByteArray &name : namesOf(files))
-                read.append({sizes.value(name), !locked.contains(name)});
-            m_waiting.append([answer, read] { answer(read); });
-            if (!m_isSlow)
-                answerAll();
-        };
-    }
-
-    void setSlow() { m_isSlow = true; }
-    void answerAll()
-    {
-        for (const auto &answer : std::exchange(m_waiting, {}))
-            answer();
-    }
-
-private:
-    bool m_isSlow = false;
-    QList<std::function<void()>> m_waiting;
-};
 
 struct Found
 {
@@ -98,6 +58,7 @@ private Q_SLOTS:
     void totalsWhatIsOnTheDiskNow();
     void totalsWhatWasFoundUntilTheDiskAnswers();
     void ignoresTheAnswerToAnOlderQuestion();
+    void remembersWhatWasPicked();
     void ignoresAnAnswerAfterItsEnd();
     void stopsAtTheLargestTotal();
     void emptiesOnDeleteData();
@@ -278,7 +239,7 @@ void TestLargeFileList::selectsInListOrder()
 
 void TestLargeFileList::totalsWhatIsOnTheDiskNow()
 {
-    Disk disk;
+    ToldSizes disk;
     disk.sizes = {{"a", 70}, {"b", 40}}; // c has vanished
     disk.locked = {"a"};
     LargeFileList list(disk.reader());
@@ -302,7 +263,7 @@ void TestLargeFileList::totalsWhatIsOnTheDiskNow()
 
 void TestLargeFileList::totalsWhatWasFoundUntilTheDiskAnswers()
 {
-    Disk disk;
+    ToldSizes disk;
     disk.setSlow();
     disk.sizes = {{"a", 70}};
     LargeFileList list(disk.reader());
@@ -319,13 +280,13 @@ void TestLargeFileList::totalsWhatWasFoundUntilTheDiskAnswers()
 
 void TestLargeFileList::ignoresTheAnswerToAnOlderQuestion()
 {
-    Disk disk;
+    ToldSizes disk;
     disk.setSlow();
     disk.sizes = {{"a", 70}};
     LargeFileList list(disk.reader());
     fill(list, {"a5"});
     list.toggle(0);
-    Disk late = disk;
+    ToldSizes late = disk;
     disk.sizes["a"] = 80;
     list.refreshSizes();
     disk.answerAll();
@@ -334,9 +295,39 @@ void TestLargeFileList::ignoresTheAnswerToAnOlderQuestion()
     QCOMPARE(list.selectedSize(), 80);
 }
 
+/// A file is meant as it was at its pick, whatever stands at its path later.
+void TestLargeFileList::remembersWhatWasPicked()
+{
+    ToldSizes disk;
+    LargeFileList list(disk.reader());
+    fill(list, {"a1", "b2"});
+    const auto inodeOf = [&list](const QByteArray &name) {
+        return list.picked().locations.value("/home/anna/Movies/" + name).inode;
+    };
+    const auto show = [&disk](std::uint64_t inode) {
+        FileIdentity shown;
+        shown.inode = inode;
+        disk.identities = {{"a", shown}, {"b", shown}};
+    };
+    show(7);
+    list.setAdded({0, 1}, true);
+    QCOMPARE(inodeOf("a"), std::uint64_t(7));
+    show(8);
+    list.refreshSizes();
+    QCOMPARE(inodeOf("a"), std::uint64_t(7));
+    list.setAdded({0}, false); // the larger one, b
+    list.setAdded({0}, true);
+    QCOMPARE(inodeOf("b"), std::uint64_t(8));
+    list.dropPicks();
+    QVERIFY(list.picked().locations.isEmpty());
+    disk.identities.clear();
+    list.setAdded({0, 1}, true);
+    QVERIFY(list.picked().locations.isEmpty());
+}
+
 void TestLargeFileList::ignoresAnAnswerAfterItsEnd()
 {
-    Disk disk;
+    ToldSizes disk;
     disk.setSlow();
     {
         LargeFileList list(disk.reader());

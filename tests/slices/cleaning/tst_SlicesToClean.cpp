@@ -19,6 +19,7 @@ private Q_SLOTS:
     void takesTheTrashAndTheCacheOfTheEnvironment();
     void keepsWhatARecordKeeps();
     void holdsEachSliceToTheTimeOfItsChoice();
+    void holdsAFileToWhatWasPicked();
     void plansTheFixedPlacesBesideALibrary_data();
     void plansTheFixedPlacesBesideALibrary();
 };
@@ -247,11 +248,31 @@ void TestSlicesToClean::holdsEachSliceToTheTimeOfItsChoice()
                                            FileUrls{home.access().file("Downloads/film")});
     const auto cache =
         Info::infoWithName(QStringLiteral("Cache"), layout.locations(SliceKind::Cache));
-    picked->setChosenAt({1, 1, 1});
+    picked->setChoice({{1, 1, 1}, {}});
     const QList<SliceToClean> slices = slicesToClean(layout, {picked, cache}, {{2, 2, 2}, {}});
     QCOMPARE(slices.size(), 2);
     QCOMPARE(slices.first().confirmed.stamp, 1);
     QCOMPARE(slices.last().confirmed.stamp, 2);
+}
+
+/// A folder that was exchanged between the pick and the question has other files in it.
+void TestSlicesToClean::holdsAFileToWhatWasPicked()
+{
+    const MadeHome home({"Downloads/film", "Downloads/unknown", "other/film"});
+    const FileUrl film = home.access().file("Downloads/film");
+    const FileUrl unknown = home.access().file("Downloads/unknown");
+    const auto record = Info::infoWithName(QStringLiteral("Large Files"), FileUrls{film, unknown});
+    record->setChoice({{1, 1, 1}, lookAtLocations(hostSystemCalls(), home.access(), {film})});
+    QCOMPARE(
+        std::rename(home.path("other/film").constData(), home.path("Downloads/film").constData()),
+        0);
+    const LocationIdentities asked =
+        lookAtLocations(hostSystemCalls(), home.access(), {film, unknown});
+    const QList<SliceToClean> slices = slicesToClean(home.survey(), {record}, {{2, 2, 2}, asked});
+    const LocationIdentities known = slices.first().known.value_or(LocationIdentities());
+    QVERIFY(known.value(film.path()) != asked.value(film.path()));
+    QCOMPARE(known.value(film.path()), record->choice()->locations.value(film.path()));
+    QCOMPARE(known.value(unknown.path()), asked.value(unknown.path()));
 }
 
 void TestSlicesToClean::plansTheFixedPlacesBesideALibrary_data()

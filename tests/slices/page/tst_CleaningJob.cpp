@@ -27,6 +27,9 @@ const CleaningJob::Exclusions kNothingExcluded = [](const CleaningJob::UseExclus
     use(ExcludedPaths());
 };
 
+/// No note can be written in there, so that every removal of a file is one of the cleaning's.
+const QString kNoFolder = QStringLiteral("/dev/null/none");
+
 /// Holds every removal of a file until it is opened.
 class Gate final
 {
@@ -119,7 +122,7 @@ std::shared_ptr<Info> TestCleaningJob::record(SliceKind kind) const
 
 CleaningReport TestCleaningJob::clean(const std::vector<std::shared_ptr<Info>> &chosen)
 {
-    CleaningJob job(m_calls, ResourceManager::access(), m_fixture->defaults().folder());
+    CleaningJob job(m_calls, ResourceManager::access(), kNoFolder);
     CleaningReport report;
     QSignalSpy finished(&job, &CleaningJob::finished);
     connect(&job, &CleaningJob::finished, this, [&](const CleaningReport &done) { report = done; });
@@ -168,7 +171,7 @@ void TestCleaningJob::measuresBeforeItRemoves()
 
 void TestCleaningJob::tellsOnTheMainThread()
 {
-    CleaningJob job(m_calls, ResourceManager::access(), m_fixture->defaults().folder());
+    CleaningJob job(m_calls, ResourceManager::access(), kNoFolder);
     QThread *heardOn = nullptr;
     connect(
         &job, &CleaningJob::finished, this, [&] { heardOn = QThread::currentThread(); },
@@ -199,7 +202,7 @@ void TestCleaningJob::stopsBeforeTheNextItem()
     makeTrash(kFiles);
     Gate gate;
     m_calls.setHook(gate.hook());
-    CleaningJob job(m_calls, ResourceManager::access(), m_fixture->defaults().folder());
+    CleaningJob job(m_calls, ResourceManager::access(), kNoFolder);
     const auto atEnd = qScopeGuard([&] { gate.open(); }); // also where the test fails
     CleaningReport report;
     QSignalSpy finished(&job, &CleaningJob::finished);
@@ -221,7 +224,7 @@ void TestCleaningJob::isOverOnceItIsDestroyed()
     Gate gate;
     m_calls.setHook(gate.hook());
     {
-        CleaningJob job(m_calls, ResourceManager::access(), m_fixture->defaults().folder());
+        CleaningJob job(m_calls, ResourceManager::access(), kNoFolder);
         const auto atEnd = qScopeGuard([&] { gate.open(); });
         start(job, {record(SliceKind::Trash)});
         QTRY_VERIFY(gate.arrivals() > 0);
@@ -244,7 +247,7 @@ void TestCleaningJob::waitsForNoMeasureAtItsEnd()
          },
          nullptr});
     {
-        CleaningJob job(m_calls, ResourceManager::access(), m_fixture->defaults().folder());
+        CleaningJob job(m_calls, ResourceManager::access(), kNoFolder);
         start(job, {trash});
         isMeasuring.acquire();
     } // else this would never be left
@@ -257,7 +260,7 @@ void TestCleaningJob::waitsForNoMeasureAtItsEnd()
 
 void TestCleaningJob::measuresNoMoreOnceItIsStopped()
 {
-    CleaningJob job(m_calls, ResourceManager::access(), m_fixture->defaults().folder());
+    CleaningJob job(m_calls, ResourceManager::access(), kNoFolder);
     std::atomic<int> measures = 0;
     const auto stopping = [&](const FileUrl &, const FileUrls &) {
         ++measures;
@@ -285,7 +288,7 @@ void TestCleaningJob::asksForTheExclusionsAfterMeasuring()
     const FileUrl keep = m_fixture->homeUrl().appending(".Trash/keep", FileUrlKind::File);
     const auto trash = record(SliceKind::Trash);
     bool wasMeasured = false;
-    CleaningJob job(m_calls, ResourceManager::access(), m_fixture->defaults().folder());
+    CleaningJob job(m_calls, ResourceManager::access(), kNoFolder);
     QSignalSpy finished(&job, &CleaningJob::finished);
     const auto exclusions = [&](const CleaningJob::UseExclusions &use) {
         wasMeasured = trash->isMeasured();
@@ -330,7 +333,7 @@ void TestCleaningJob::givesBackNamesThatAnUnfinishedCleaningHasTaken()
 void TestCleaningJob::removesNothingBeforeItKnowsTheExclusions()
 {
     m_fixture->makeFile(".Trash/a", 5);
-    CleaningJob job(m_calls, ResourceManager::access(), m_fixture->defaults().folder());
+    CleaningJob job(m_calls, ResourceManager::access(), kNoFolder);
     QSignalSpy finished(&job, &CleaningJob::finished);
     CleaningJob::UseExclusions answer;
     start(job, {record(SliceKind::Trash)},
@@ -351,7 +354,7 @@ void TestCleaningJob::cleansWhatItWasStartedWith()
     m_fixture->makeFile(".Trash/a", 5);
     m_fixture->makeFile("Documents/keep", 70);
     const auto trash = record(SliceKind::Trash);
-    CleaningJob job(m_calls, ResourceManager::access(), m_fixture->defaults().folder());
+    CleaningJob job(m_calls, ResourceManager::access(), kNoFolder);
     QSignalSpy finished(&job, &CleaningJob::finished);
     const auto exclusions = [&](const CleaningJob::UseExclusions &use) {
         trash->setLocations({m_fixture->homeUrl().appending("Documents", FileUrlKind::Folder)}, {});
@@ -367,7 +370,7 @@ void TestCleaningJob::cleansWhatItWasStartedWith()
 void TestCleaningJob::removesNothingWhileTheExclusionsAreUnknown()
 {
     m_fixture->makeFile(".Trash/a", 5);
-    CleaningJob job(m_calls, ResourceManager::access(), m_fixture->defaults().folder());
+    CleaningJob job(m_calls, ResourceManager::access(), kNoFolder);
     QSignalSpy finished(&job, &CleaningJob::finished);
     QTest::ignoreMessage(QtInfoMsg,
                          "File might be locked: everything: nobody knows what is excluded");

@@ -12,8 +12,10 @@
 #include "tests/support/run/BackgroundThreadsAwaited.h"
 #include "tests/support/run/GuiTestMain.h"
 
+#include <QDir>
 #include <QFile>
 #include <QSignalSpy>
+#include <semaphore>
 
 namespace {
 
@@ -45,6 +47,7 @@ private Q_SLOTS:
     void holdsTheAccessWhileTheSheetIsUp();
     void givesTheRecordWhatWasPicked();
     void remembersWhenItWasPicked();
+    void remembersWhatWasPicked();
     void countsOnlyWhatMayBeDeleted();
     void staysShutWhenItMayNotPick_data();
     void staysShutWhenItMayNotPick();
@@ -165,8 +168,44 @@ void TestLargeFilesPicking::remembersWhenItWasPicked()
     sheet().addButtonPressed(0);
     const Moment after = hostSystemCalls().now();
     endSheet(sheet().addButton());
-    const Moment chosen = record().chosenAt().value_or(Moment::never());
+    const Moment chosen = record().choice().value_or(Confirmation()).moment;
     QVERIFY(before.precise <= chosen.precise && chosen.precise <= after.precise);
+}
+
+/// Also where its folder has been exchanged since then, which the file's own times do not tell.
+void TestLargeFilesPicking::remembersWhatWasPicked()
+{
+    openSheet();
+    const auto found = [this] {
+        const AccessScope scope(ResourceManager::access());
+        return lookAtLocations(m_calls, ResourceManager::access(), {film()}).value(film().path());
+    };
+    const FileIdentity before = found();
+    const auto remembered = [this] {
+        return record().choice().value_or(Confirmation()).locations.value(film().path());
+    };
+    std::binary_semaphore isGone(0);
+    m_calls.setHook([&](int, std::string_view name) {
+        if (name == "identity")
+            isGone.acquire();
+        return 0;
+    });
+    sheet().addButtonPressed(0);
+    endSheet(sheet().addButton());
+    QVERIFY(remembered() == FileIdentity()); // the disk is slow, the user is not
+    isGone.release();
+    QTRY_COMPARE(remembered(), before);
+    awaitBackgroundThreads();
+    m_calls.setHook({});
+    m_fixture->makeFile("Movies.new/film.mov", kFilm + 1);
+    QDir home(QFile::decodeName(m_fixture->home()));
+    QVERIFY(home.rename(QStringLiteral("Movies"), QStringLiteral("Movies.old")));
+    QVERIFY(home.rename(QStringLiteral("Movies.new"), QStringLiteral("Movies")));
+    QVERIFY(found() != before);
+    QSignalSpy changed(m_picking.get(), &LargeFilesPicking::sizeChanged);
+    sheet().array().refreshSizes();
+    QVERIFY(changed.wait());
+    QCOMPARE(remembered(), before);
 }
 
 /// The size text is the size on the disk; the slice's size is what a cleaning frees.
