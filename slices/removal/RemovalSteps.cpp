@@ -6,6 +6,16 @@
 
 #include <cerrno>
 
+namespace {
+
+/// Whether this error of a look says nothing about what was looked at.
+bool tellsNothing(int error)
+{
+    return error == EMFILE || error == ENFILE || error == ENOMEM || error == EAGAIN;
+}
+
+} // namespace
+
 RefusalReason refusalReason(int error)
 {
     switch (error) {
@@ -147,9 +157,28 @@ bool RemovalSteps::isInPlace(int folder, std::span<const std::uint64_t> inside,
         return true;
     const auto location = openAnchored(m_calls, m_location.path, Descent::Strict);
     if (!location)
-        return location.error() != ENOENT;
+        return location.error() == EACCES ? standsUnopened() : tellsNothing(location.error());
     const auto status = m_calls.statusOf(location->get());
-    return !status || status->inodeId() == m_location.identity.inodeId();
+    return status ? status->inodeId() == m_location.identity.inodeId()
+                  : tellsNothing(status.error());
+}
+
+/// For a thread that may not open the location, or what took its place: it may still look at the
+/// names on the way.
+bool RemovalSteps::standsUnopened() const
+{
+    const auto &[anchor, path] = m_location.path;
+    for (qsizetype end = 0; end < path.size();) {
+        end = path.indexOf('/', end + 1);
+        end = end < 0 ? path.size() : end;
+        const auto status = m_calls.status(anchor->get(), path.first(end).constData());
+        if (!status)
+            return tellsNothing(status.error());
+        if (status->kind != FileKind::Folder ||
+            (end == path.size() && status->inodeId() != m_location.identity.inodeId()))
+            return false;
+    }
+    return true;
 }
 
 bool RemovalSteps::leadsTo(int folder, std::span<const std::uint64_t> inside,
@@ -164,7 +193,7 @@ bool RemovalSteps::leadsTo(int folder, std::span<const std::uint64_t> inside,
         if (!parent && parent.error() == EACCES)
             return leadsToUnseen(folder, std::span(expected).subspan(i));
         if (!parent)
-            return parent.error() != ESTALE;
+            return tellsNothing(parent.error());
         held = std::move(*parent);
         folder = held.get();
     }
@@ -178,9 +207,9 @@ bool RemovalSteps::leadsToUnseen(int folder, std::span<const std::uint64_t> abov
     for (const std::uint64_t inode : above) {
         up += up.isEmpty() ? ".." : "/..";
         const auto status = m_calls.status(folder, up.constData());
-        if (!status)
-            return true;
-        if (status->inodeId() != InodeId{m_protection.device(), inode})
+        if (!status && !tellsNothing(status.error()))
+            return false;
+        if (status && status->inodeId() != InodeId{m_protection.device(), inode})
             return false;
     }
     return true;

@@ -119,7 +119,8 @@ public:
 
     /// Whether an open folder still lies in the location: `inside` are the inode numbers of the
     /// folders around it, from the inside out; `around` goes on from there, nothing for the
-    /// location itself. A folder that cannot be looked at counts as still there.
+    /// location itself. What cannot be looked at is no longer there, unless only this process lacks
+    /// something for the look: a confined thread may not open what took the location's place.
     bool isInPlace(int folder, std::span<const std::uint64_t> inside,
                    const FolderWay *around) const;
 
@@ -151,6 +152,7 @@ private:
     SystemResult<void> takeAway(const EntryRef &ref, const FileStatus &status) const;
     EntryOutcome putBack(const EntryRef &ref) const;
     bool leadsTo(int folder, std::span<const std::uint64_t> inside, const FolderWay *around) const;
+    bool standsUnopened() const;
     bool leadsToUnseen(int folder, std::span<const std::uint64_t> above) const;
     EntryOutcome settled(const SystemResult<void> &answer, const EntryRef &ref) const;
     EntryOutcome refused(const EntryRef &ref, RefusalReason reason, int error) const;

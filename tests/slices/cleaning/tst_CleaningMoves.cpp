@@ -45,6 +45,7 @@ private Q_SLOTS:
     void init();
     void leavesAFolderThatIsDraggedOut_data();
     void leavesAFolderThatIsDraggedOut();
+    void leavesALocationThatIsDraggedAway_data();
     void leavesALocationThatIsDraggedAway();
     void keepsWhatComesAfterTheConfirmation_data();
     void keepsWhatComesAfterTheConfirmation();
@@ -158,17 +159,38 @@ void TestCleaningMoves::leavesAFolderThatIsDraggedOut()
     QVERIFY(report.refusalCount > 0);
 }
 
-/// The folder itself is what the user has chosen, but where it stood.
+void TestCleaningMoves::leavesALocationThatIsDraggedAway_data()
+{
+    QTest::addColumn<Action>("comeInstead");
+    QTest::addColumn<bool>("isConfined");
+    const std::pair<const char *, Action> rows[] = {
+        {"nothing comes", [](const QByteArray &) {}},
+        {"another folder comes", [](const QByteArray &path) { makeFolder(path); }},
+        {"a link comes", [](const QByteArray &path) { makeLink(path, "Documents"); }},
+        {"a file comes", [](const QByteArray &path) { makeFile(path); }},
+    };
+    for (const auto &[name, action] : rows) {
+        QTest::addRow("%s", name) << action << true;
+        QTest::addRow("%s, no confinement", name) << action << false;
+    }
+}
+
+/// The folder itself is what the user has chosen, but where it stood. A program may make it anew.
 void TestCleaningMoves::leavesALocationThatIsDraggedAway()
 {
+    QFETCH(Action, comeInstead);
+    QFETCH(bool, isConfined);
     for (int i = 0; i < 3000; ++i)
         makeFile(m_downloads + "/f" + QByteArray::number(i), {});
     const QByteArray saved = *m_scratch / "home/Documents/saved";
     std::size_t atTheMove = 0;
-    const Swapper calls("removeFile", "f1500", [&] {
+    Swapper calls("removeFile", "f1500", [&] {
         move(m_downloads, saved);
+        comeInstead(m_downloads);
         atTheMove = tree(saved).size();
     });
+    if (!isConfined)
+        calls.letNothingBeConfined();
     const CleaningReport report = cleanSince(Moment::never(), {}, calls);
     QVERIFY(atTheMove > 1000);
     QVERIFY(atTheMove - tree(saved).size() <= 256);
