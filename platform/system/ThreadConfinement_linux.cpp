@@ -1,5 +1,7 @@
 #include "platform/system/ThreadConfinement.h"
 
+#include "platform/base/Indestructible.h"
+
 #include <QtGlobal>
 #include <cerrno>
 #include <cstdint>
@@ -84,6 +86,6 @@ public:
 
 const ThreadConfinement &hostConfinement()
 {
-    static const HostConfinement confinement;
-    return confinement;
+    static const Indestructible<HostConfinement> confinement;
+    return *confinement;
 }
