@@ -2,6 +2,7 @@
 
 #include "largefiles/preview/ThumbnailCache.h"
 #include "largefiles/preview/Thumbnailers.h"
+#include "platform/base/Indestructible.h"
 #include "platform/base/Log.h"
 #include "platform/look/FileImages.h"
 
@@ -35,12 +36,12 @@ QImage pictureByProgram(const GuardedFile &device, const FileUrl &file, int side
                         const std::stop_token &stop)
 {
     const QString type = mimeTypeOf(file);
-    static const QStringList decoded{
-        QStringLiteral("image/bmp"),  QStringLiteral("image/gif"),
-        QStringLiteral("image/jpeg"), QStringLiteral("image/png"),
-        QStringLiteral("image/tiff"), QStringLiteral("image/vnd.microsoft.icon"),
-        QStringLiteral("image/webp"), QStringLiteral("image/x-icns")};
-    if (decoded.contains(type))
+    static const Indestructible<QStringList> decoded(
+        QStringList{QStringLiteral("image/bmp"), QStringLiteral("image/gif"),
+                    QStringLiteral("image/jpeg"), QStringLiteral("image/png"),
+                    QStringLiteral("image/tiff"), QStringLiteral("image/vnd.microsoft.icon"),
+                    QStringLiteral("image/webp"), QStringLiteral("image/x-icns")});
+    if ((*decoded).contains(type))
         return {};
     const auto thumbnailer = thumbnailerFor(type);
     if (!thumbnailer)
