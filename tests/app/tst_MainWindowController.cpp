@@ -9,7 +9,7 @@
 #include "chart/PieChart.h"
 #include "platform/look/ViewAlpha.h"
 #include "prefs/window/ColorWindow.h"
-#include "tests/support/disk/SlowDisk.h"
+#include "tests/support/calls/SlowDisk.h"
 #include "tests/support/page/PageFixture.h"
 #include "tests/support/page/SheetDriver.h"
 #include "tests/support/run/GuiTestMain.h"

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/AppDelegate.h"
-#include "tests/support/disk/HookedSystem.h"
+#include "tests/support/calls/HookedSystem.h"
 #include "tests/support/page/Journey.h"
 #include "tests/support/page/PageFixture.h"
 #include "tests/support/page/SampleHome.h"

@@ -1,8 +1,8 @@
 #include "app/grant/GrantCheck.h"
 #include "platform/system/HostSystemCalls.h"
 
+#include "tests/support/calls/SlowDisk.h"
 #include "tests/support/disk/ScratchFolder.h"
-#include "tests/support/disk/SlowDisk.h"
 #include "tests/support/page/ResourceManagerReset.h"
 #include "tests/support/run/TestMain.h"
 

@@ -1,6 +1,6 @@
 #include "app/grant/ResourceManager.h"
 #include "platform/system/HostSystemCalls.h"
-#include "tests/support/disk/HookedSystem.h"
+#include "tests/support/calls/HookedSystem.h"
 #include "tests/support/disk/ScratchFolder.h"
 #include "tests/support/page/ResourceManagerReset.h"
 #include "tests/support/run/ChildProcess.h"

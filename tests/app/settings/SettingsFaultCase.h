@@ -3,7 +3,7 @@
 #include "app/settings/SettingsFile.h"
 #include "platform/system/HostSystemCalls.h"
 #include "tests/app/settings/SettingsUnderway.h"
-#include "tests/support/disk/FailingCalls.h"
+#include "tests/support/calls/FailingCalls.h"
 
 #include <QDir>
 #include <QTemporaryDir>

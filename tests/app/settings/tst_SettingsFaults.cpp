@@ -1,5 +1,5 @@
 #include "tests/app/settings/SettingsFaultCase.h"
-#include "tests/support/disk/PossibleErrors.h"
+#include "tests/support/calls/PossibleErrors.h"
 #include "tests/support/run/TestMain.h"
 
 #include <cerrno>

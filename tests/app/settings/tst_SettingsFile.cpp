@@ -1,6 +1,6 @@
 #include "platform/system/HostSystemCalls.h"
 #include "tests/app/settings/SettingsFolder.h"
-#include "tests/support/disk/HookedSystem.h"
+#include "tests/support/calls/HookedSystem.h"
 #include "tests/support/run/Administrator.h"
 #include "tests/support/run/ChildProcess.h"
 #include "tests/support/run/TestMain.h"

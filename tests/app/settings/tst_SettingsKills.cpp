@@ -1,6 +1,6 @@
 #include "platform/system/HostSystemCalls.h"
 #include "tests/app/settings/SettingsUnderway.h"
-#include "tests/support/disk/KillingCalls.h"
+#include "tests/support/calls/KillingCalls.h"
 #include "tests/support/run/KilledProcess.h"
 #include "tests/support/run/TestMain.h"
 

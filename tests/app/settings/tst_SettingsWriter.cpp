@@ -1,6 +1,6 @@
 #include "app/settings/SettingsWriter.h"
 #include "tests/app/settings/SettingsFolder.h"
-#include "tests/support/disk/HookedSystem.h"
+#include "tests/support/calls/HookedSystem.h"
 #include "tests/support/run/TestMain.h"
 
 #include <QSemaphore>

@@ -2,7 +2,7 @@
 #include "app/settings/UserDefaults.h"
 #include "platform/system/HostSystemCalls.h"
 #include "tests/app/settings/SettingsFolder.h"
-#include "tests/support/disk/HookedSystem.h"
+#include "tests/support/calls/HookedSystem.h"
 #include "tests/support/run/TestMain.h"
 
 #include <QSignalSpy>

@@ -1,8 +1,8 @@
 #include "largefiles/preview/Thumbnail.h"
 #include "largefiles/preview/ThumbnailCache.h"
 #include "platform/system/HostSystemCalls.h"
+#include "tests/support/calls/ForwardingSystemCalls.h"
 #include "tests/support/disk/FolderAccess.h"
-#include "tests/support/disk/ForwardingSystemCalls.h"
 #include "tests/support/disk/ScratchFolder.h"
 #include "tests/support/run/GuiTestMain.h"
 

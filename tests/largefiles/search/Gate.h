@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/support/disk/WatchedSystemCalls.h"
+#include "tests/support/calls/WatchedSystemCalls.h"
 
 #include <QByteArray>
 #include <cerrno>

@@ -1,6 +1,6 @@
 #include "platform/system/HostSystemCalls.h"
 #include "tests/largefiles/search/SearchKit.h"
-#include "tests/support/disk/WatchedSystemCalls.h"
+#include "tests/support/calls/WatchedSystemCalls.h"
 #include "tests/support/run/LogRecorder.h"
 #include "tests/support/run/TestMain.h"
 

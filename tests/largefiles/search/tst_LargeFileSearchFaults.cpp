@@ -1,7 +1,7 @@
 #include "platform/system/HostSystemCalls.h"
 #include "tests/largefiles/search/SearchKit.h"
+#include "tests/support/calls/WatchedSystemCalls.h"
 #include "tests/support/disk/OwnMounts.h"
-#include "tests/support/disk/WatchedSystemCalls.h"
 #include "tests/support/run/Administrator.h"
 #include "tests/support/run/ChildProcess.h"
 #include "tests/support/run/LogRecorder.h"

@@ -4,7 +4,7 @@
 #include "platform/system/HostSystemCalls.h"
 #include "tests/largefiles/search/Gate.h"
 #include "tests/largefiles/search/SearchKit.h"
-#include "tests/support/disk/WatchedSystemCalls.h"
+#include "tests/support/calls/WatchedSystemCalls.h"
 #include "tests/support/run/TestMain.h"
 
 #include <QElapsedTimer>

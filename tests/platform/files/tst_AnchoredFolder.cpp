@@ -1,7 +1,7 @@
 #include "platform/files/AnchoredFolder.h"
 #include "platform/system/HostSystemCalls.h"
 #include "platform/system/SystemCalls.h"
-#include "tests/support/disk/ForwardingSystemCalls.h"
+#include "tests/support/calls/ForwardingSystemCalls.h"
 #include "tests/support/disk/MadeTree.h"
 #include "tests/support/run/TestMain.h"
 

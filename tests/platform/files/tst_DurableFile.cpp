@@ -1,6 +1,6 @@
 #include "platform/system/SystemResult.h"
 #include "tests/platform/files/DurableFileFolder.h"
-#include "tests/support/disk/ForwardingSystemCalls.h"
+#include "tests/support/calls/ForwardingSystemCalls.h"
 #include "tests/support/run/TestMain.h"
 
 #include <cerrno>

@@ -1,5 +1,5 @@
 #include "tests/platform/files/DurableFileFolder.h"
-#include "tests/support/disk/HookedSystem.h"
+#include "tests/support/calls/HookedSystem.h"
 #include "tests/support/disk/TinyDisk.h"
 #include "tests/support/run/ChildProcess.h"
 #include "tests/support/run/TestMain.h"

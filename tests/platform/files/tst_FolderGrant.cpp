@@ -2,7 +2,7 @@
 #include "platform/system/FileStatus.h"
 #include "platform/system/HostSystemCalls.h"
 #include "platform/system/SystemResult.h"
-#include "tests/support/disk/ForwardingSystemCalls.h"
+#include "tests/support/calls/ForwardingSystemCalls.h"
 #include "tests/support/disk/ScratchFolder.h"
 #include "tests/support/run/Administrator.h"
 #include "tests/support/run/ChildProcess.h"

@@ -1,7 +1,7 @@
 #include "platform/system/HostSystemCalls.h"
 
 #include "platform/system/SystemCalls.h"
-#include "tests/support/disk/FailingKernel.h"
+#include "tests/support/calls/FailingKernel.h"
 #include "tests/support/run/ChildProcess.h"
 #include "tests/support/run/TestMain.h"
 

@@ -1,8 +1,8 @@
 #include "platform/system/FileStatus.h"
 #include "platform/system/SystemResult.h"
 #include "tests/platform/walk/WalkRecord.h"
-#include "tests/support/disk/PoorListing.h"
-#include "tests/support/disk/WatchedSystemCalls.h"
+#include "tests/support/calls/PoorListing.h"
+#include "tests/support/calls/WatchedSystemCalls.h"
 #include "tests/support/run/TestMain.h"
 
 #include <cerrno>

@@ -1,5 +1,5 @@
 #include "tests/platform/walk/WalkRecord.h"
-#include "tests/support/disk/WatchedSystemCalls.h"
+#include "tests/support/calls/WatchedSystemCalls.h"
 #include "tests/support/run/TestMain.h"
 
 #include <cerrno>

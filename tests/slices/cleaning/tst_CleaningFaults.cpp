@@ -2,7 +2,7 @@
 #include "platform/system/SystemCalls.h"
 #include "tests/slices/kit/FaultCase.h"
 #include "tests/slices/kit/HookedCalls.h"
-#include "tests/support/disk/PossibleErrors.h"
+#include "tests/support/calls/PossibleErrors.h"
 #include "tests/support/run/TestMain.h"
 
 #include <cerrno>

@@ -1,7 +1,7 @@
 #include "platform/system/HostSystemCalls.h"
 #include "slices/cleaning/Cleaning.h"
 #include "tests/slices/kit/CleaningKit.h"
-#include "tests/support/disk/HookedSystem.h"
+#include "tests/support/calls/HookedSystem.h"
 #include "tests/support/run/TestMain.h"
 
 namespace {

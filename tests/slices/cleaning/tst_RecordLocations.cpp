@@ -3,7 +3,7 @@
 #include "slices/record/Info.h"
 #include "slices/sizing/FolderSizing.h"
 #include "tests/slices/kit/HomeKit.h"
-#include "tests/support/disk/HookedSystem.h"
+#include "tests/support/calls/HookedSystem.h"
 #include "tests/support/run/TestMain.h"
 
 #include <unistd.h>

@@ -7,7 +7,7 @@
 #include "tests/slices/kit/FailingRemoval.h"
 #include "tests/slices/kit/HomeKit.h"
 #include "tests/slices/kit/WatchedFolder.h"
-#include "tests/support/disk/ForwardingSystemCalls.h"
+#include "tests/support/calls/ForwardingSystemCalls.h"
 #include "tests/support/disk/MadeTree.h"
 #include "tests/support/run/ChildProcess.h"
 #include "tests/support/run/TestMain.h"

@@ -1,7 +1,7 @@
 #include "platform/system/HostSystemCalls.h"
 #include "slices/exclusions/ResolvedExclusions.h"
 #include "tests/slices/kit/CleaningKit.h"
-#include "tests/support/disk/HookedSystem.h"
+#include "tests/support/calls/HookedSystem.h"
 #include "tests/support/disk/OwnMounts.h"
 #include "tests/support/run/Administrator.h"
 #include "tests/support/run/ChildProcess.h"

@@ -2,7 +2,7 @@
 #include "slices/home/BrowserProfiles.h"
 
 #include "tests/slices/kit/HomeKit.h"
-#include "tests/support/disk/HookedSystem.h"
+#include "tests/support/calls/HookedSystem.h"
 #include "tests/support/run/TestMain.h"
 
 #include <cerrno>

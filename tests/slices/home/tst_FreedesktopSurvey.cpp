@@ -1,7 +1,7 @@
 #include "platform/system/Descent.h"
 #include "platform/system/SystemResult.h"
 #include "tests/slices/kit/HomeKit.h"
-#include "tests/support/disk/ForwardingSystemCalls.h"
+#include "tests/support/calls/ForwardingSystemCalls.h"
 #include "tests/support/run/TestMain.h"
 
 #include <cerrno>

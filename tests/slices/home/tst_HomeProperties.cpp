@@ -3,7 +3,7 @@
 #include "slices/sizing/FolderSizing.h"
 #include "tests/slices/kit/PlanKit.h"
 #include "tests/slices/kit/RandomHome.h"
-#include "tests/support/disk/ForwardingSystemCalls.h"
+#include "tests/support/calls/ForwardingSystemCalls.h"
 #include "tests/support/run/TestMain.h"
 
 #include <QFileInfo>

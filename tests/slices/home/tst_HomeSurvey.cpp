@@ -1,6 +1,6 @@
 #include "platform/system/HostSystemCalls.h"
 #include "tests/slices/kit/HomeKit.h"
-#include "tests/support/disk/HookedSystem.h"
+#include "tests/support/calls/HookedSystem.h"
 #include "tests/support/run/TestMain.h"
 
 #include <cerrno>

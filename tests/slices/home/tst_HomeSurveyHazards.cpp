@@ -3,7 +3,7 @@
 #include "platform/system/SystemResult.h"
 #include "tests/slices/kit/EveryLocation.h"
 #include "tests/slices/kit/PlanKit.h"
-#include "tests/support/disk/ForwardingSystemCalls.h"
+#include "tests/support/calls/ForwardingSystemCalls.h"
 #include "tests/support/disk/OwnMounts.h"
 #include "tests/support/run/ChildProcess.h"
 #include "tests/support/run/LogRecorder.h"

@@ -3,7 +3,7 @@
 #include "slices/probe/HomeProbe.h"
 #include "tests/slices/kit/HomeKit.h"
 #include "tests/slices/kit/MadeMachine.h"
-#include "tests/support/disk/HookedSystem.h"
+#include "tests/support/calls/HookedSystem.h"
 #include "tests/support/run/TestMain.h"
 
 #include <cerrno>

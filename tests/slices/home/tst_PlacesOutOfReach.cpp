@@ -2,7 +2,7 @@
 #include "slices/home/PlacesOutOfReach.h"
 #include "slices/probe/HomeProbe.h"
 #include "tests/slices/kit/HomeKit.h"
-#include "tests/support/disk/HookedSystem.h"
+#include "tests/support/calls/HookedSystem.h"
 #include "tests/support/disk/OwnMounts.h"
 #include "tests/support/run/Administrator.h"
 #include "tests/support/run/ChildProcess.h"

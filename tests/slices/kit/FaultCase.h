@@ -1,7 +1,7 @@
 #pragma once
 
 #include "tests/slices/kit/NotedCleaning.h"
-#include "tests/support/disk/FailingCalls.h"
+#include "tests/support/calls/FailingCalls.h"
 
 /// One cleaning of a made home while calls of the system fail, and the judgement of what is left.
 

@@ -3,7 +3,7 @@
 #include "platform/system/Descent.h"
 #include "platform/system/FileStatus.h"
 #include "platform/system/SystemResult.h"
-#include "tests/support/disk/ForwardingSystemCalls.h"
+#include "tests/support/calls/ForwardingSystemCalls.h"
 
 #include <optional>
 

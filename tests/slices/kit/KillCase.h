@@ -1,7 +1,7 @@
 #pragma once
 
 #include "tests/slices/kit/NotedCleaning.h"
-#include "tests/support/disk/KillingCalls.h"
+#include "tests/support/calls/KillingCalls.h"
 #include "tests/support/run/KilledProcess.h"
 
 #include <QRandomGenerator>

@@ -5,7 +5,7 @@
 #include "slices/record/Info.h"
 #include "tests/slices/kit/Consent.h"
 #include "tests/slices/kit/HomeKit.h"
-#include "tests/support/disk/HookedSystem.h"
+#include "tests/support/calls/HookedSystem.h"
 
 /// What the tests of whole plans share: a plan of all slices, and how it reads.
 

@@ -5,7 +5,7 @@
 #include "platform/system/HostSystemCalls.h"
 #include "slices/page/CleaningFlow.h"
 #include "slices/page/HomeWatch.h"
-#include "tests/support/disk/SlowDisk.h"
+#include "tests/support/calls/SlowDisk.h"
 #include "tests/support/page/FirefoxProfiles.h"
 #include "tests/support/page/PageFixture.h"
 #include "tests/support/run/BackgroundThreadsAwaited.h"

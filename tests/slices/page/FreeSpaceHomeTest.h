@@ -9,7 +9,7 @@
 #include "prefs/popover/Popover.h"
 #include "slices/page/FreeSpaceViewController.h"
 #include "slices/page/SliceHoverButtons.h"
-#include "tests/support/disk/WatchedSystemCalls.h"
+#include "tests/support/calls/WatchedSystemCalls.h"
 #include "tests/support/page/FirefoxProfiles.h"
 #include "tests/support/page/PageFixture.h"
 #include "tests/support/page/RecordingPageDelegate.h"

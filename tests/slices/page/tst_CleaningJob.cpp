@@ -7,7 +7,7 @@
 #include "slices/record/SliceCatalogue.h"
 #include "slices/sizing/FolderSizing.h"
 #include "tests/slices/kit/Consent.h"
-#include "tests/support/disk/HookedSystem.h"
+#include "tests/support/calls/HookedSystem.h"
 #include "tests/support/page/PageFixture.h"
 #include "tests/support/run/BackgroundThreadsAwaited.h"
 #include "tests/support/run/GuiTestMain.h"

@@ -6,7 +6,7 @@
 #include "slices/record/Info.h"
 #include "slices/sizing/FolderSizing.h"
 #include "tests/slices/kit/Consent.h"
-#include "tests/support/disk/ForwardingSystemCalls.h"
+#include "tests/support/calls/ForwardingSystemCalls.h"
 #include "tests/support/page/FirefoxProfiles.h"
 #include "tests/support/page/PageFixture.h"
 #include "tests/support/run/GuiTestMain.h"

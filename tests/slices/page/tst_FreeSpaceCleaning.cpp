@@ -6,7 +6,7 @@
 #include "platform/look/ViewAlpha.h"
 #include "platform/system/HostSystemCalls.h"
 #include "slices/page/FreeSpaceViewController.h"
-#include "tests/support/disk/WatchedSystemCalls.h"
+#include "tests/support/calls/WatchedSystemCalls.h"
 #include "tests/support/page/PageFixture.h"
 #include "tests/support/page/RecordingPageDelegate.h"
 #include "tests/support/page/RunningFade.h"

@@ -3,7 +3,7 @@
 #include "app/settings/SettingsKeys.h"
 #include "slices/page/FreeSpaceViewController.h"
 #include "slices/record/Info.h"
-#include "tests/support/disk/SlowDisk.h"
+#include "tests/support/calls/SlowDisk.h"
 #include "tests/support/page/PageFixture.h"
 #include "tests/support/run/GuiTestMain.h"
 

@@ -11,7 +11,7 @@
 #include "platform/sheet/Alert.h"
 #include "prefs/popover/Popover.h"
 #include "slices/page/SliceHoverButtons.h"
-#include "tests/support/disk/SlowDisk.h"
+#include "tests/support/calls/SlowDisk.h"
 #include "tests/support/page/PageFixture.h"
 #include "tests/support/page/RecordingPageDelegate.h"
 #include "tests/support/page/SheetDriver.h"

@@ -3,7 +3,7 @@
 #include "app/grant/ResourceManager.h"
 #include "app/settings/SettingsKeys.h"
 #include "platform/threads/BackgroundThreads.h"
-#include "tests/support/disk/SlowDisk.h"
+#include "tests/support/calls/SlowDisk.h"
 #include "tests/support/page/FirefoxProfiles.h"
 #include "tests/support/page/PageFixture.h"
 #include "tests/support/run/BackgroundThreadsAwaited.h"

@@ -6,7 +6,7 @@
 #include "platform/system/HostSystemCalls.h"
 #include "platform/system/SystemCalls.h"
 #include "slices/page/HomeWatch.h"
-#include "tests/support/disk/ForwardingSystemCalls.h"
+#include "tests/support/calls/ForwardingSystemCalls.h"
 #include "tests/support/page/PageFixture.h"
 #include "tests/support/page/SheetDriver.h"
 #include "tests/support/run/BackgroundThreadsAwaited.h"

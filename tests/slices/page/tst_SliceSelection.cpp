@@ -6,7 +6,7 @@
 #include "app/settings/SettingsKeys.h"
 #include "platform/look/Images.h"
 #include "slices/exclusions/ExcludedPaths.h"
-#include "tests/support/disk/ForwardingSystemCalls.h"
+#include "tests/support/calls/ForwardingSystemCalls.h"
 #include "tests/support/page/PageFixture.h"
 #include "tests/support/run/GuiTestMain.h"
 

@@ -1,6 +1,6 @@
 #include "slices/removal/AsideSearch.h"
 #include "tests/slices/kit/CleaningKit.h"
-#include "tests/support/disk/HookedSystem.h"
+#include "tests/support/calls/HookedSystem.h"
 #include "tests/support/run/TestMain.h"
 
 #include <cerrno>

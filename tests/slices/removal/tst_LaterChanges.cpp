@@ -1,6 +1,6 @@
 #include "slices/removal/LaterChanges.h"
 
-#include "tests/support/disk/ForwardingSystemCalls.h"
+#include "tests/support/calls/ForwardingSystemCalls.h"
 #include "tests/support/run/TestMain.h"
 
 namespace {

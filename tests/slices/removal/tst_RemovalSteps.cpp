@@ -3,7 +3,7 @@
 #include "slices/removal/RemovalSteps.h"
 #include "tests/slices/kit/CleaningKit.h"
 #include "tests/slices/kit/HookedCalls.h"
-#include "tests/support/disk/PoorListing.h"
+#include "tests/support/calls/PoorListing.h"
 #include "tests/support/run/TestMain.h"
 
 #include <cerrno>

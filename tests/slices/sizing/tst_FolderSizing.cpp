@@ -2,8 +2,8 @@
 #include "platform/system/HostSystemCalls.h"
 #include "platform/system/SystemResult.h"
 #include "slices/sizing/FolderSizing.h"
+#include "tests/support/calls/ForwardingSystemCalls.h"
 #include "tests/support/disk/FolderAccess.h"
-#include "tests/support/disk/ForwardingSystemCalls.h"
 #include "tests/support/disk/MadeTree.h"
 #include "tests/support/run/TestMain.h"
 

@@ -1,7 +1,7 @@
 #include "platform/system/HostSystemCalls.h"
 #include "slices/sizing/FolderSizing.h"
 #include "tests/slices/kit/CleaningKit.h"
-#include "tests/support/disk/ForwardingSystemCalls.h"
+#include "tests/support/calls/ForwardingSystemCalls.h"
 #include "tests/support/disk/OwnMounts.h"
 #include "tests/support/run/ChildProcess.h"
 #include "tests/support/run/TestMain.h"

@@ -1,6 +1,6 @@
 #include "slices/sizing/FolderSizing.h"
+#include "tests/support/calls/WatchedSystemCalls.h"
 #include "tests/support/disk/MadeTree.h"
-#include "tests/support/disk/WatchedSystemCalls.h"
 #include "tests/support/run/TestMain.h"
 
 #include <cerrno>

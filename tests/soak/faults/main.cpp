@@ -2,7 +2,7 @@
 #include "tests/slices/kit/FaultCase.h"
 #include "tests/soak/kit/PartRun.h"
 #include "tests/soak/kit/Workers.h"
-#include "tests/support/disk/PossibleErrors.h"
+#include "tests/support/calls/PossibleErrors.h"
 #include "tests/support/run/ScratchEnvironment.h"
 
 #include <QCoreApplication>

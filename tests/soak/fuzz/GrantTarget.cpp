@@ -2,7 +2,7 @@
 #include "platform/system/HostSystemCalls.h"
 #include "tests/soak/fuzz/Edits.h"
 #include "tests/soak/fuzz/FuzzTargets.h"
-#include "tests/support/disk/ForwardingSystemCalls.h"
+#include "tests/support/calls/ForwardingSystemCalls.h"
 #include "tests/support/disk/ScratchFolder.h"
 #include "tests/support/run/Must.h"
 

@@ -1,4 +1,4 @@
-#include "tests/support/disk/ForwardingSystemCalls.h"
+#include "tests/support/calls/ForwardingSystemCalls.h"
 
 #include "platform/system/ThreadConfinement.h"
 #include "tests/support/run/BackgroundThreadsAwaited.h"

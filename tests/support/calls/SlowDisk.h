@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/support/disk/HookedSystem.h"
+#include "tests/support/calls/HookedSystem.h"
 
 #include <QStringList>
 #include <condition_variable>

@@ -1,4 +1,4 @@
-#include "tests/support/disk/SlowDisk.h"
+#include "tests/support/calls/SlowDisk.h"
 
 #include <new>
 #include <utility>

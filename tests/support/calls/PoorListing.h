@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/system/SystemResult.h"
-#include "tests/support/disk/ForwardingSystemCalls.h"
+#include "tests/support/calls/ForwardingSystemCalls.h"
 
 #include <dirent.h>
 #include <span>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/support/disk/ForwardingSystemCalls.h"
+#include "tests/support/calls/ForwardingSystemCalls.h"
 
 #include <QByteArray>
 #include <mutex>

@@ -1,4 +1,4 @@
-#include "tests/support/disk/PossibleErrors.h"
+#include "tests/support/calls/PossibleErrors.h"
 
 #include <cerrno>
 #include <map>

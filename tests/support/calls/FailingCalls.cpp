@@ -1,6 +1,6 @@
-#include "tests/support/disk/FailingCalls.h"
+#include "tests/support/calls/FailingCalls.h"
 
-#include "tests/support/disk/PossibleErrors.h"
+#include "tests/support/calls/PossibleErrors.h"
 
 #include <algorithm>
 #include <cstring>

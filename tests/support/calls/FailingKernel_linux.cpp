@@ -1,4 +1,4 @@
-#include "tests/support/disk/FailingKernel.h"
+#include "tests/support/calls/FailingKernel.h"
 
 #include <array>
 #include <cstddef>

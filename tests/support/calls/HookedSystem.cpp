@@ -1,6 +1,6 @@
-#include "tests/support/disk/HookedSystem.h"
+#include "tests/support/calls/HookedSystem.h"
 
-#include "tests/support/disk/ForwardingSystemCalls.h"
+#include "tests/support/calls/ForwardingSystemCalls.h"
 
 HookedSystem::HookedSystem(Hook hook, const SystemCalls &next)
     : m_calls(std::make_unique<ForwardingSystemCalls>(std::move(hook), next))
