@@ -3,7 +3,7 @@
 #include "platform/system/SystemCalls.h"
 
 #include "tests/slices/kit/CleaningKit.h"
-#include "tests/slices/kit/HookedCalls.h"
+#include "tests/support/calls/HookedCalls.h"
 #include "tests/support/run/TestMain.h"
 
 #include <array>

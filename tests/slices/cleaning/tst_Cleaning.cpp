@@ -1,7 +1,7 @@
 #include "platform/system/HostSystemCalls.h"
 #include "slices/cleaning/Cleaning.h"
 #include "tests/slices/kit/CleaningKit.h"
-#include "tests/slices/kit/HookedCalls.h"
+#include "tests/support/calls/HookedCalls.h"
 #include "tests/support/run/TestMain.h"
 
 class TestCleaning final : public QObject

@@ -1,7 +1,7 @@
 #include "platform/system/HostSystemCalls.h"
 #include "platform/system/SystemCalls.h"
 #include "tests/slices/kit/FaultCase.h"
-#include "tests/slices/kit/HookedCalls.h"
+#include "tests/support/calls/HookedCalls.h"
 #include "tests/support/calls/PossibleErrors.h"
 #include "tests/support/run/TestMain.h"
 

@@ -1,8 +1,8 @@
 #include "platform/system/FileStatus.h"
 #include "platform/system/SystemResult.h"
 #include "tests/slices/kit/CleaningKit.h"
-#include "tests/slices/kit/HookedCalls.h"
 #include "tests/slices/kit/ScarceMemory.h"
+#include "tests/support/calls/HookedCalls.h"
 #include "tests/support/run/TestMain.h"
 
 #include <algorithm>

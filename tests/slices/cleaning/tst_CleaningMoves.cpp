@@ -1,7 +1,8 @@
 #include "platform/system/HostSystemCalls.h"
 #include "platform/system/ThreadConfinement.h"
 #include "tests/slices/kit/Interlopers.h"
-#include "tests/slices/kit/Moments.h"
+#include "tests/support/calls/ForwardingSystemCalls.h"
+#include "tests/support/disk/Moments.h"
 #include "tests/support/run/TestMain.h"
 
 #include <fcntl.h>

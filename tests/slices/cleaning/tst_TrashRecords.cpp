@@ -7,7 +7,7 @@
 #include "tests/slices/kit/Consent.h"
 #include "tests/slices/kit/HomeKit.h"
 #include "tests/slices/kit/Interlopers.h"
-#include "tests/slices/kit/Moments.h"
+#include "tests/support/disk/Moments.h"
 #include "tests/support/run/TestMain.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/slices/kit/HookedCalls.h"
+#include "tests/support/calls/HookedCalls.h"
 
 #include <cerrno>
 

@@ -2,7 +2,7 @@
 
 #include "platform/system/ThreadConfinement.h"
 #include "tests/slices/kit/HostileMoves.h"
-#include "tests/slices/kit/Moments.h"
+#include "tests/support/disk/Moments.h"
 
 #include <array>
 #include <random>

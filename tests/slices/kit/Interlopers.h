@@ -1,7 +1,7 @@
 #pragma once
 
 #include "tests/slices/kit/CleaningKit.h"
-#include "tests/slices/kit/HookedCalls.h"
+#include "tests/support/calls/HookedCalls.h"
 #include "tests/support/run/Outside.h"
 
 #include <atomic>

@@ -2,7 +2,7 @@
 
 #include "tests/slices/kit/BusyUser.h"
 #include "tests/slices/kit/FaultyCalls.h"
-#include "tests/slices/kit/Moments.h"
+#include "tests/support/disk/Moments.h"
 
 /// One random cleaning, compared with set arithmetic: a tree, exclusions, and what is chosen of it,
 /// all from one number. Some cases are confined, in some the user goes on working after the

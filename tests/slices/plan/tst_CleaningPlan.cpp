@@ -3,7 +3,8 @@
 #include "platform/system/SystemResult.h"
 #include "slices/plan/CleaningPlan.h"
 #include "tests/slices/kit/CleaningKit.h"
-#include "tests/slices/kit/HookedCalls.h"
+#include "tests/support/calls/ForwardingSystemCalls.h"
+#include "tests/support/calls/HookedCalls.h"
 #include "tests/support/run/TestMain.h"
 
 #include <cerrno>

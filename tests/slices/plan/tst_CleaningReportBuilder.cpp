@@ -2,7 +2,7 @@
 #include "slices/plan/CleaningReportBuilder.h"
 
 #include "tests/slices/kit/CleaningKit.h"
-#include "tests/slices/kit/HookedCalls.h"
+#include "tests/support/calls/HookedCalls.h"
 #include "tests/support/run/TestMain.h"
 
 #include <QDir>

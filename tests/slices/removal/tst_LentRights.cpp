@@ -3,6 +3,7 @@
 #include "platform/system/FileStatus.h"
 #include "platform/system/SystemResult.h"
 #include "tests/slices/kit/Interlopers.h"
+#include "tests/support/calls/ForwardingSystemCalls.h"
 #include "tests/support/run/TestMain.h"
 
 #include <cerrno>
@@ -21,7 +22,7 @@ mode_t modeOf(const QByteArray &path)
 }
 
 /// Fails to take a right to write away, and a call of another name.
-class Stubborn : public HookedCalls
+class Stubborn : public ForwardingSystemCalls
 {
 public:
     Stubborn(const QByteArray &alsoFails, bool isInMemory)
@@ -30,19 +31,23 @@ public:
     }
 
     bool isInMemory(int) const override { return m_isInMemory; }
-    std::optional<int> before(const char *call, int, const char *) const override
-    {
-        return m_alsoFails == call ? std::optional(EBUSY) : std::nullopt;
-    }
     SystemResult<void> setPermissions(int folder, std::uint16_t permissions) const override
     {
         constexpr unsigned kToWrite = 0200;
         if ((permissions & kToWrite) == 0)
             return tl::unexpected(EIO);
-        return HookedCalls::setPermissions(folder, permissions);
+        return ForwardingSystemCalls::setPermissions(folder, permissions);
     }
 
 private:
+    /// For those who do something before a call of this name.
+    virtual void watch(const char *, const char *) const {}
+    int beforeCall(const CallMade &made) const override
+    {
+        watch(made.name, made.entry);
+        return m_alsoFails == made.name ? EBUSY : 0;
+    }
+
     QByteArray m_alsoFails;
     bool m_isInMemory;
 };
@@ -277,14 +282,14 @@ void TestLentRights::tellsOfAFolderThatWasDraggedOut()
         explicit Dragged(std::function<void()> drag) : Stubborn({}, true), m_drag(std::move(drag))
         {
         }
-        std::optional<int> before(const char *call, int, const char *name) const override
+
+    private:
+        void watch(const char *call, const char *name) const override
         {
             if (qstrcmp(call, "status") == 0 && qstrcmp(name, "album") == 0 && ++m_looks == 2)
                 doOutside(m_drag);
-            return {};
         }
 
-    private:
         std::function<void()> m_drag;
         mutable int m_looks = 0;
     };
@@ -342,14 +347,14 @@ void TestLentRights::tellsOfEachFolderOfATornTree()
         explicit Tearing(std::function<void()> tear) : Stubborn({}, true), m_tear(std::move(tear))
         {
         }
-        std::optional<int> before(const char *call, int, const char *) const override
+
+    private:
+        void watch(const char *call, const char *) const override
         {
             if (qstrcmp(call, "removeFile") == 0)
                 doOutside(m_tear);
-            return {};
         }
 
-    private:
         std::function<void()> m_tear;
     };
     const QByteArray top = makeReadOnlyChain(20);

@@ -1,7 +1,7 @@
 #include "slices/removal/ParallelRemover.h"
 
 #include "tests/slices/kit/CleaningKit.h"
-#include "tests/slices/kit/HookedCalls.h"
+#include "tests/support/calls/HookedCalls.h"
 #include "tests/support/run/TestMain.h"
 
 #include <chrono>
@@ -16,20 +16,11 @@ class OnDisk : public HookedCalls
 {
 public:
     bool isInMemory(int) const override { return false; }
-    std::optional<int> before(const char *, int, const char *) const override { return {}; }
-    /// On the thread that removes.
-    SystemResult<void> removeFile(int parent, const char *name) const override
+    std::optional<int> before(const char *call, int, const char *) const override
     {
-        {
-            std::unique_lock lock(m_mutex);
-            m_threads.insert(std::this_thread::get_id());
-            m_changed.notify_all();
-            if (m_waitsForTwo)
-                m_changed.wait_for(lock, kLongest, [this] { return m_threads.size() > 1; });
-            if (m_stop && ++m_removals == m_stopAfter)
-                m_stop->request_stop();
-        }
-        return HookedCalls::removeFile(parent, name);
+        if (QByteArrayView(call) == "removeFile")
+            watch();
+        return {};
     }
 
     /// Lets the first thread remove nothing before there is a second one.
@@ -44,6 +35,18 @@ public:
 
 private:
     static constexpr std::chrono::seconds kLongest{30};
+
+    /// On the thread that removes.
+    void watch() const
+    {
+        std::unique_lock lock(m_mutex);
+        m_threads.insert(std::this_thread::get_id());
+        m_changed.notify_all();
+        if (m_waitsForTwo)
+            m_changed.wait_for(lock, kLongest, [this] { return m_threads.size() > 1; });
+        if (m_stop && ++m_removals == m_stopAfter)
+            m_stop->request_stop();
+    }
 
     mutable std::mutex m_mutex;
     mutable std::condition_variable m_changed;

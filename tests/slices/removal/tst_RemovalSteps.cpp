@@ -2,7 +2,7 @@
 #include "platform/system/SystemResult.h"
 #include "slices/removal/RemovalSteps.h"
 #include "tests/slices/kit/CleaningKit.h"
-#include "tests/slices/kit/HookedCalls.h"
+#include "tests/support/calls/HookedCalls.h"
 #include "tests/support/calls/PoorListing.h"
 #include "tests/support/run/TestMain.h"
 

@@ -1,6 +1,7 @@
 #include "slices/removal/SequentialRemover.h"
 
 #include "tests/slices/kit/Interlopers.h"
+#include "tests/support/calls/HookedSystem.h"
 #include "tests/support/run/Must.h"
 #include "tests/support/run/TestMain.h"
 
@@ -56,7 +57,7 @@ void TestSequentialRemover::removesADeepTreeWithFewDescriptors()
     QFETCH(CleaningGround::Medium, medium);
     QFETCH(int, levels);
     QFETCH(bool, isConfined);
-    ForwardingSystemCalls calls;
+    HookedSystem calls;
     if (!isConfined)
         calls.letNothingBeConfined();
     const QByteArray name(100, 'd');

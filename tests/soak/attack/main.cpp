@@ -1,10 +1,10 @@
 // Another process makes hostile moves as fast as it can, while this one cleans again and again.
 // Each attack is tried on a simple deleter first, which has to lose something.
 #include "tests/slices/kit/CleaningKit.h"
-#include "tests/slices/kit/Moments.h"
 #include "tests/soak/attack/Duel.h"
 #include "tests/soak/kit/SideBySide.h"
 #include "tests/soak/kit/SoakCommand.h"
+#include "tests/support/disk/Moments.h"
 
 #include <QCoreApplication>
 #include <cstdio>

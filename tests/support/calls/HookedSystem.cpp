@@ -19,6 +19,11 @@ void HookedSystem::setHook(Hook hook)
     m_calls->setHook(std::move(hook));
 }
 
+void HookedSystem::letNothingBeConfined()
+{
+    m_calls->letNothingBeConfined();
+}
+
 int HookedSystem::callCount() const
 {
     return m_calls->callCount();

@@ -1,12 +1,9 @@
-#pragma once
+#include "tests/support/disk/Moments.h"
 
 #include "platform/system/HostSystemCalls.h"
-#include "platform/system/Moment.h"
 #include "platform/system/SystemCalls.h"
 
-/// What was made until now was there before; what is made from now on comes later. The clock that
-/// stamps changes goes in ticks, and may be two of them behind.
-inline Moment momentBetween()
+Moment momentBetween()
 {
     const std::int64_t latest = hostSystemCalls().now().precise;
     while (hostSystemCalls().now().stamp <= latest)
@@ -14,8 +11,7 @@ inline Moment momentBetween()
     return hostSystemCalls().now();
 }
 
-/// A moment at which all that was made until now is a minute old.
-inline Moment inAMinute()
+Moment inAMinute()
 {
     constexpr std::int64_t kMinute = 60'000'000'000;
     const Moment now = momentBetween();

@@ -1,0 +1,40 @@
+#include "tests/support/calls/HookedCalls.h"
+
+#include "tests/support/calls/ForwardingSystemCalls.h"
+
+class HookedCalls::Calls final : public ForwardingSystemCalls
+{
+public:
+    explicit Calls(const HookedCalls &owner) : m_owner(owner) {}
+
+    bool isInMemory(int folder) const override { return m_owner.isInMemory(folder); }
+
+private:
+    int beforeCall(const CallMade &made) const override
+    {
+        return m_owner.before(made.name, made.folder, made.entry).value_or(0);
+    }
+
+    const HookedCalls &m_owner;
+};
+
+HookedCalls::HookedCalls() : m_calls(std::make_unique<Calls>(*this))
+{
+}
+
+HookedCalls::~HookedCalls() = default;
+
+bool HookedCalls::isInMemory(int folder) const
+{
+    return m_calls->ForwardingSystemCalls::isInMemory(folder);
+}
+
+void HookedCalls::letNothingBeConfined()
+{
+    m_calls->letNothingBeConfined();
+}
+
+HookedCalls::operator const SystemCalls &() const
+{
+    return *m_calls;
+}
