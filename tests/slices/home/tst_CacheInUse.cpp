@@ -2,7 +2,7 @@
 
 #include "platform/system/SystemCalls.h"
 #include "tests/slices/kit/HomeKit.h"
-#include "tests/slices/kit/MadeMachine.h"
+#include "tests/support/calls/MadeMachine.h"
 #include "tests/support/run/OtherProcess.h"
 #include "tests/support/run/TestMain.h"
 

@@ -2,8 +2,8 @@
 #include "slices/home/KeptPlaces.h"
 #include "slices/probe/HomeProbe.h"
 #include "tests/slices/kit/HomeKit.h"
-#include "tests/slices/kit/MadeMachine.h"
 #include "tests/support/calls/HookedSystem.h"
+#include "tests/support/calls/MadeMachine.h"
 #include "tests/support/run/TestMain.h"
 
 #include <cerrno>

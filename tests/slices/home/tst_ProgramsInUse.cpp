@@ -1,5 +1,5 @@
 #include "tests/slices/kit/HomeKit.h"
-#include "tests/slices/kit/MadeMachine.h"
+#include "tests/support/calls/MadeMachine.h"
 #include "tests/support/run/TestMain.h"
 
 #include <cerrno>

@@ -1,6 +1,6 @@
 #include "platform/system/SystemCalls.h"
 #include "tests/slices/kit/HomeKit.h"
-#include "tests/slices/kit/MadeMachine.h"
+#include "tests/support/calls/MadeMachine.h"
 #include "tests/support/run/Administrator.h"
 #include "tests/support/run/ProcessView.h"
 #include "tests/support/run/TestMain.h"

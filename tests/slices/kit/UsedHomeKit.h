@@ -1,7 +1,7 @@
 #pragma once
 
 #include "tests/slices/kit/HomeKit.h"
-#include "tests/slices/kit/MadeMachine.h"
+#include "tests/support/calls/MadeMachine.h"
 
 #include <algorithm>
 
