@@ -1,7 +1,7 @@
 #include "largefiles/preview/Thumbnail.h"
 #include "largefiles/preview/ThumbnailCache.h"
 #include "platform/system/HostSystemCalls.h"
-#include "tests/support/calls/ForwardingSystemCalls.h"
+#include "tests/support/calls/HookedSystem.h"
 #include "tests/support/disk/FolderAccess.h"
 #include "tests/support/disk/ScratchFolder.h"
 #include "tests/support/run/GuiTestMain.h"
@@ -142,7 +142,7 @@ private Q_SLOTS:
         const FileUrl pipe = FileUrl::fromPath(m_folder.path("pipe.png"), FileUrlKind::File);
         QVERIFY(isIcon(pipe));
         int opened = 0;
-        const ForwardingSystemCalls calls([&opened](int, std::string_view name) {
+        const HookedSystem calls([&opened](int, std::string_view name) {
             opened += name == "openFile" ? 1 : 0;
             return 0;
         });

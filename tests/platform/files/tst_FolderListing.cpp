@@ -1,9 +1,9 @@
 #include "platform/files/FolderListing.h"
 #include "platform/system/HostSystemCalls.h"
-#include "platform/system/SystemCalls.h"
 
 #include "tests/slices/kit/CleaningKit.h"
 #include "tests/support/calls/HookedCalls.h"
+#include "tests/support/disk/OpenedFolder.h"
 #include "tests/support/run/TestMain.h"
 
 #include <array>
@@ -28,9 +28,9 @@ namespace {
 SystemResult<FolderListing> listed(const QByteArray &path,
                                    const SystemCalls &calls = hostSystemCalls())
 {
-    const auto folder = hostSystemCalls().openRoot(path.constData());
+    const FileDescriptor folder = openedFolder(path);
     std::array<char, 1024> space{};
-    return FolderListing::ofFolder(calls, folder->get(), space);
+    return FolderListing::ofFolder(calls, folder.get(), space);
 }
 
 } // namespace

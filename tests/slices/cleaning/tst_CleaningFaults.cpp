@@ -1,11 +1,11 @@
-#include "platform/system/HostSystemCalls.h"
-#include "platform/system/SystemCalls.h"
 #include "tests/slices/kit/FaultCase.h"
 #include "tests/support/calls/HookedCalls.h"
 #include "tests/support/calls/PossibleErrors.h"
 #include "tests/support/run/TestMain.h"
 
 #include <cerrno>
+#include <fcntl.h>
+#include <unistd.h>
 
 Q_DECLARE_METATYPE(FaultWorld)
 
@@ -131,9 +131,9 @@ void TestCleaningFaults::staysSilentAboutWhatIsGoneAlready()
         std::optional<int> before(const char *call, int parent, const char *name) const override
         {
             if (QByteArrayView(call) == "removeFile")
-                (void)hostSystemCalls().removeFile(parent, name);
+                ::unlinkat(parent, name, 0);
             if (QByteArrayView(call) == "removeFolder")
-                (void)hostSystemCalls().removeFolder(parent, name);
+                ::unlinkat(parent, name, AT_REMOVEDIR);
             return {};
         }
     };

@@ -1,4 +1,5 @@
 #include "tests/slices/kit/KillCase.h"
+#include "tests/support/calls/HookedCalls.h"
 #include "tests/support/run/TestMain.h"
 
 Q_DECLARE_METATYPE(KillWorld)
@@ -7,24 +8,23 @@ namespace {
 
 /// In the last instant somebody gives an excluded file the name of one that goes. The process is
 /// killed once that is moved aside.
-class KillingExchange final : public ForwardingSystemCalls
+class KillingExchange final : public HookedCalls
 {
 public:
     KillingExchange(QByteArray kept, QByteArray doomed)
         : m_kept(std::move(kept)), m_doomed(std::move(doomed))
     {
     }
-
-private:
-    int beforeCall(const CallMade &made) const override
+    std::optional<int> before(const char *call, int, const char *name) const override
     {
         if (m_isMoved)
             ::kill(::getpid(), SIGKILL);
-        m_isMoved = qstrcmp(made.name, "moveToFree") == 0 && m_doomed.endsWith(made.entry) &&
+        m_isMoved = qstrcmp(call, "moveToFree") == 0 && m_doomed.endsWith(name) &&
                     ::rename(m_kept.constData(), m_doomed.constData()) == 0;
-        return 0;
+        return {};
     }
 
+private:
     const QByteArray m_kept;
     const QByteArray m_doomed;
     mutable bool m_isMoved = false;

@@ -7,7 +7,8 @@
 #include "tests/slices/kit/FailingRemoval.h"
 #include "tests/slices/kit/HomeKit.h"
 #include "tests/slices/kit/WatchedFolder.h"
-#include "tests/support/calls/ForwardingSystemCalls.h"
+#include "tests/support/calls/HookedCalls.h"
+#include "tests/support/calls/HookedSystem.h"
 #include "tests/support/disk/MadeTree.h"
 #include "tests/support/run/ChildProcess.h"
 #include "tests/support/run/TestMain.h"
@@ -27,14 +28,14 @@ constexpr bool kIsOneThreadDue = false;
 
 /// Under the thread sanitizer a child of a process that has several threads is to start none, for
 /// it takes them for those of its parent: there a cleaning believes that no disk is waited for.
-class ChildsCalls final : public ForwardingSystemCalls
+class ChildsCalls final : public HookedCalls
 {
 public:
-    explicit ChildsCalls(const SystemCalls &calls) : ForwardingSystemCalls({}, calls) {}
+    using HookedCalls::HookedCalls;
 
     bool isInMemory(int descriptor) const override
     {
-        return kIsOneThreadDue || ForwardingSystemCalls::isInMemory(descriptor);
+        return kIsOneThreadDue || HookedCalls::isInMemory(descriptor);
     }
 };
 
@@ -176,7 +177,7 @@ void TestTrashCleaning::leavesThoseOfOthers()
 {
     const Trash trash;
     trash.readOnlyFolder(kTrash + "files/root's", 0);
-    const ForwardingSystemCalls calls([](int, std::string_view name) {
+    const HookedSystem calls([](int, std::string_view name) {
         if (name == "setPermissions")
             qFatal("tried to change the rights");
         return 0;
@@ -244,7 +245,7 @@ void TestTrashCleaning::leavesTheRightsAroundWhatIsKeptByIdentity()
     std::filesystem::create_hard_link(native(trash.tree.path("kept")),
                                       native(trash.tree.path(kTrash + "files/album/other name")));
     trash.tree.setMode(kTrash + "files/album", 0555);
-    const ForwardingSystemCalls calls([](int, std::string_view name) {
+    const HookedSystem calls([](int, std::string_view name) {
         if (name == "setPermissions")
             qFatal("tried to change the rights");
         return 0;
@@ -277,7 +278,7 @@ void TestTrashCleaning::givesTheRightsBackWhenItIsStopped()
     for (const QByteArray &folder : folders)
         trash.tree.setMode(folder, 0555);
     std::stop_source stop;
-    const ForwardingSystemCalls calls([&](int, std::string_view name) {
+    const HookedSystem calls([&](int, std::string_view name) {
         if (name == "removeFile")
             stop.request_stop();
         return 0;
@@ -300,7 +301,7 @@ void TestTrashCleaning::saysWhenTheRightCannotBeGivenBack()
 {
     const Trash trash;
     trash.readOnlyFolder(kTrash + "files/album");
-    const ForwardingSystemCalls calls(
+    const HookedSystem calls(
         [](int, std::string_view name) { return name == "setPermissions" ? EPERM : 0; });
     QCOMPARE(trash.clean(SliceKind::Trash, {}, calls), QByteArray("700, 0, 1"));
     QVERIFY(trash.has(kTrash + "files/album/inside"));
@@ -322,7 +323,7 @@ void TestTrashCleaning::removesTheBookOfSizesFirst()
     const Trash trash;
     trash.folderOf(kNobody, kTrash + "files/album");
     trash.tree.makeFile(kTrash + "directorysizes", 90);
-    const ForwardingSystemCalls calls(
+    const HookedSystem calls(
         [](int, std::string_view name) { return name == "removeFolder" ? EIO : 0; });
     trash.clean(SliceKind::Trash, {}, calls);
     QVERIFY(trash.has(kTrash + "files/album"));

@@ -1,45 +1,47 @@
 #pragma once
 
-#include "tests/support/calls/ForwardingSystemCalls.h"
+#include "tests/support/calls/HookedCalls.h"
+#include "tests/support/run/Must.h"
 
 #include <QByteArray>
+#include <functional>
+#include <sys/stat.h>
 
 /// Watches one folder: an action runs right before it is listed, and may make the listing fail. A
 /// process that changes the folder's rights is ended: a look at the rights afterwards is not
 /// enough, because they are given back.
-class WatchedFolder final : public ForwardingSystemCalls
+class WatchedFolder final : public HookedCalls
 {
 public:
     explicit WatchedFolder(
         const QByteArray &folder, std::function<int()> before = [] { return 0; })
         : m_before(std::move(before))
     {
-        const auto opened = ForwardingSystemCalls::openRoot(folder.constData());
-        m_inode = ForwardingSystemCalls::statusOf(opened->get())->inode;
+        must(::lstat(folder.constData(), &m_folder) == 0, "a folder to watch");
     }
 
-    SystemResult<std::size_t> readEntries(int folder, std::span<char> buffer) const override
+    std::optional<int> before(const char *call, int parent, const char *) const override
     {
-        const int error = isWatched(folder) ? m_before() : 0;
-        if (error != 0)
-            return tl::unexpected(error);
-        return ForwardingSystemCalls::readEntries(folder, buffer);
-    }
-
-    SystemResult<void> setPermissions(int folder, std::uint16_t permissions) const override
-    {
-        if (isWatched(folder))
+        const bool isListing = qstrcmp(call, "readEntries") == 0;
+        const bool isRightsChange = qstrcmp(call, "setPermissions") == 0;
+        if (!(isListing || isRightsChange) || !isWatched(parent))
+            return {};
+        if (isRightsChange)
             qFatal("tried to change the rights");
-        return ForwardingSystemCalls::setPermissions(folder, permissions);
+        return m_before();
     }
 
 private:
     bool isWatched(int folder) const
     {
-        const auto status = ForwardingSystemCalls::statusOf(folder);
-        return status && status->inode == m_inode;
+        struct stat found
+        {
+        };
+        return ::fstat(folder, &found) == 0 && found.st_ino == m_folder.st_ino;
     }
 
     std::function<int()> m_before;
-    std::uint64_t m_inode = 0;
+    struct stat m_folder
+    {
+    };
 };

@@ -1,7 +1,7 @@
 #include "platform/system/HostSystemCalls.h"
 #include "slices/sizing/FolderSizing.h"
 #include "tests/slices/kit/CleaningKit.h"
-#include "tests/support/calls/ForwardingSystemCalls.h"
+#include "tests/support/calls/HookedCalls.h"
 #include "tests/support/disk/OwnMounts.h"
 #include "tests/support/run/ChildProcess.h"
 #include "tests/support/run/TestMain.h"
@@ -12,7 +12,7 @@ namespace {
 
 /// Makes a cleaning believe that everything lies in memory, so that it works on one thread: the
 /// child of a process with several threads must start none.
-class OneThreadCalls final : public ForwardingSystemCalls
+class OneThreadCalls final : public HookedCalls
 {
 public:
     bool isInMemory(int) const override { return true; }

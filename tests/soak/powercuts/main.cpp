@@ -4,6 +4,7 @@
 #include "tests/soak/kit/PartRun.h"
 #include "tests/soak/powercuts/CutDisk.h"
 #include "tests/soak/powercuts/LoopMount.h"
+#include "tests/support/calls/ForwardingSystemCalls.h"
 #include "tests/support/disk/MountNamespace.h"
 #include "tests/support/run/ScratchEnvironment.h"
 

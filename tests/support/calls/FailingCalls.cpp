@@ -42,20 +42,20 @@ QByteArray FailingCalls::text() const
     return text.trimmed();
 }
 
-int FailingCalls::beforeCall(const CallMade &made) const
+std::optional<int> FailingCalls::before(const char *call, int, const char *name) const
 {
     const std::scoped_lock lock(m_mutex);
-    m_made.push_back(made.name);
+    m_made.push_back(call);
     for (const Fault &fault : m_faults) {
         const int error = errorOfLast(fault);
         if (error == 0)
             continue;
         const QByteArray number = QByteArray::number(qulonglong(m_made.size() - 1));
         if (m_happened.size() < kMostRemembered)
-            m_happened.push_back({number + ' ' + made.name + ' ' + made.entry, error});
+            m_happened.push_back({number + ' ' + call + ' ' + name, error});
         return error;
     }
-    return 0;
+    return {};
 }
 
 /// With which error the call that was made last fails by this fault; 0 for none.

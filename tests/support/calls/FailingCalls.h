@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/support/calls/ForwardingSystemCalls.h"
+#include "tests/support/calls/HookedCalls.h"
 
 #include <QByteArray>
 #include <mutex>
@@ -20,7 +20,7 @@ struct Fault
 };
 
 /// The host's calls, some of which fail. Remembers which calls were made. Any thread.
-class FailingCalls final : public ForwardingSystemCalls
+class FailingCalls final : public HookedCalls
 {
 public:
     enum class Medium { Memory, Disk };
@@ -32,6 +32,7 @@ public:
 
     /// Whatever the medium really is.
     bool isInMemory(int) const override { return m_medium == Medium::Memory; }
+    std::optional<int> before(const char *call, int parent, const char *name) const override;
 
     /// The names of all calls so far, by their number.
     std::vector<const char *> made() const;
@@ -48,7 +49,6 @@ private:
         int error;
     };
 
-    int beforeCall(const CallMade &made) const override;
     int errorOfLast(const Fault &fault) const;
 
     const std::vector<Fault> m_faults;

@@ -5,7 +5,10 @@
 class HookedCalls::Calls final : public ForwardingSystemCalls
 {
 public:
-    explicit Calls(const HookedCalls &owner) : m_owner(owner) {}
+    Calls(const HookedCalls &owner, const SystemCalls &next)
+        : ForwardingSystemCalls({}, next), m_owner(owner)
+    {
+    }
 
     bool isInMemory(int folder) const override { return m_owner.isInMemory(folder); }
 
@@ -18,11 +21,16 @@ private:
     const HookedCalls &m_owner;
 };
 
-HookedCalls::HookedCalls() : m_calls(std::make_unique<Calls>(*this))
+HookedCalls::HookedCalls(const SystemCalls &next) : m_calls(std::make_unique<Calls>(*this, next))
 {
 }
 
 HookedCalls::~HookedCalls() = default;
+
+std::optional<int> HookedCalls::before(const char *, int, const char *) const
+{
+    return {};
+}
 
 bool HookedCalls::isInMemory(int folder) const
 {

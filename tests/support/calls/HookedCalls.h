@@ -11,14 +11,15 @@
 class HookedCalls
 {
 public:
-    HookedCalls();
+    explicit HookedCalls(const SystemCalls &next = hostSystemCalls());
+    /// Waits for background threads that may be calling.
     virtual ~HookedCalls();
     HookedCalls(const HookedCalls &) = delete;
     HookedCalls &operator=(const HookedCalls &) = delete;
 
     /// Before the call of this name; an errno makes it fail with that instead. Runs on the thread
     /// of the call.
-    virtual std::optional<int> before(const char *call, int parent, const char *name) const = 0;
+    virtual std::optional<int> before(const char *call, int parent, const char *name) const;
     /// What is said of the disk; the truth, unless a test says something else.
     virtual bool isInMemory(int folder) const;
 

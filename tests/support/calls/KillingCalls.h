@@ -1,13 +1,13 @@
 #pragma once
 
-#include "tests/support/calls/ForwardingSystemCalls.h"
+#include "tests/support/calls/HookedCalls.h"
 
 #include <atomic>
 #include <csignal>
 #include <unistd.h>
 
 /// The host's calls, before one of which the process is killed. Any thread.
-class KillingCalls final : public ForwardingSystemCalls
+class KillingCalls final : public HookedCalls
 {
 public:
     enum class Medium { Memory, Disk };
@@ -19,15 +19,14 @@ public:
 
     /// Whatever the medium really is: in memory, one thread makes the same calls every time.
     bool isInMemory(int) const override { return m_medium == Medium::Memory; }
-
-private:
-    int beforeCall(const CallMade &) const override
+    std::optional<int> before(const char *, int, const char *) const override
     {
         if (m_count++ == m_call)
             ::kill(::getpid(), SIGKILL);
-        return 0;
+        return {};
     }
 
+private:
     const int m_call;
     const Medium m_medium;
     mutable std::atomic<int> m_count = 0;
