@@ -1,7 +1,7 @@
 #include "platform/system/HostSystemCalls.h"
 #include "platform/system/ThreadConfinement.h"
 #include "tests/slices/kit/Interlopers.h"
-#include "tests/support/calls/ForwardingSystemCalls.h"
+#include "tests/support/calls/HookedCalls.h"
 #include "tests/support/disk/Moments.h"
 #include "tests/support/run/TestMain.h"
 
@@ -397,7 +397,7 @@ void TestCleaningMoves::cleansNothingThatTheKernelDoesNotConfine()
         }
         SystemResult<void> enterForGood(int) const override { return tl::unexpected(E2BIG); }
     };
-    class RefusingCalls final : public ForwardingSystemCalls
+    class RefusingCalls final : public HookedCalls
     {
     public:
         const ThreadConfinement &confinement() const override { return m_refusing; }

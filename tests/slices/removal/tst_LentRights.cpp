@@ -3,11 +3,12 @@
 #include "platform/system/FileStatus.h"
 #include "platform/system/SystemResult.h"
 #include "tests/slices/kit/Interlopers.h"
-#include "tests/support/calls/ForwardingSystemCalls.h"
+#include "tests/support/calls/HookedCalls.h"
 #include "tests/support/run/TestMain.h"
 
 #include <cerrno>
 #include <fcntl.h>
+#include <sys/stat.h>
 
 namespace {
 
@@ -22,7 +23,7 @@ mode_t modeOf(const QByteArray &path)
 }
 
 /// Fails to take a right to write away, and a call of another name.
-class Stubborn : public ForwardingSystemCalls
+class Stubborn : public HookedCalls
 {
 public:
     Stubborn(const QByteArray &alsoFails, bool isInMemory)
@@ -31,21 +32,26 @@ public:
     }
 
     bool isInMemory(int) const override { return m_isInMemory; }
-    SystemResult<void> setPermissions(int folder, std::uint16_t permissions) const override
+    std::optional<int> before(const char *call, int folder, const char *name) const final
     {
-        constexpr unsigned kToWrite = 0200;
-        if ((permissions & kToWrite) == 0)
-            return tl::unexpected(EIO);
-        return ForwardingSystemCalls::setPermissions(folder, permissions);
+        watch(call, name);
+        if (m_alsoFails == call)
+            return EBUSY;
+        const bool isTaken = qstrcmp(call, "setPermissions") == 0 && isWritable(folder);
+        return isTaken ? std::optional(EIO) : std::nullopt;
     }
 
 private:
     /// For those who do something before a call of this name.
     virtual void watch(const char *, const char *) const {}
-    int beforeCall(const CallMade &made) const override
+
+    /// A folder that is writable already is given no right to write: the call takes it away.
+    static bool isWritable(int folder)
     {
-        watch(made.name, made.entry);
-        return m_alsoFails == made.name ? EBUSY : 0;
+        struct stat found
+        {
+        };
+        return ::fstat(folder, &found) == 0 && (found.st_mode & S_IWUSR) != 0;
     }
 
     QByteArray m_alsoFails;
@@ -226,14 +232,15 @@ void TestLentRights::tellsOfRightsThatCouldNotBeGivenBack()
             : Stubborn(fails, isInMemory), m_stop(stop)
         {
         }
-        SystemResult<void> removeFile(int parent, const char *name) const override
-        {
-            if (m_stop && QByteArrayView(name).endsWith("inside"))
-                m_stop->request_stop();
-            return Stubborn::removeFile(parent, name);
-        }
 
     private:
+        void watch(const char *call, const char *name) const override
+        {
+            const bool isIt = qstrcmp(call, "removeFile") == 0 && m_stop;
+            if (isIt && QByteArrayView(name).endsWith("inside"))
+                m_stop->request_stop();
+        }
+
         std::stop_source *m_stop;
     };
     const QByteArray album = makeReadOnly("album");

@@ -11,6 +11,7 @@ public:
     }
 
     bool isInMemory(int folder) const override { return m_owner.isInMemory(folder); }
+    const ThreadConfinement &confinement() const override { return m_owner.confinement(); }
 
 private:
     int beforeCall(const CallMade &made) const override
@@ -35,6 +36,11 @@ std::optional<int> HookedCalls::before(const char *, int, const char *) const
 bool HookedCalls::isInMemory(int folder) const
 {
     return m_calls->ForwardingSystemCalls::isInMemory(folder);
+}
+
+const ThreadConfinement &HookedCalls::confinement() const
+{
+    return m_calls->ForwardingSystemCalls::confinement();
 }
 
 void HookedCalls::letNothingBeConfined()

@@ -5,6 +5,8 @@
 #include <memory>
 #include <optional>
 
+class ThreadConfinement;
+
 /// The host's system calls with a hook before each that can fail: a test can count them, fail them,
 /// or do something behind the engine's back (doOutside()). To be derived from. It stands for
 /// SystemCalls without being them, so that tests need not know which calls there are. Any thread.
@@ -22,6 +24,8 @@ public:
     virtual std::optional<int> before(const char *call, int parent, const char *name) const;
     /// What is said of the disk; the truth, unless a test says something else.
     virtual bool isInMemory(int folder) const;
+    /// How threads are confined; as the host does, unless a test does something else.
+    virtual const ThreadConfinement &confinement() const;
 
     /// See ForwardingSystemCalls.
     void letNothingBeConfined();
