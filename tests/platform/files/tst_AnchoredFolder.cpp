@@ -1,17 +1,22 @@
 #include "platform/files/AnchoredFolder.h"
 #include "platform/system/HostSystemCalls.h"
-#include "platform/system/SystemCalls.h"
-#include "tests/support/calls/ForwardingSystemCalls.h"
+#include "tests/support/calls/SubVolume.h"
 #include "tests/support/disk/MadeTree.h"
+#include "tests/support/run/Must.h"
 #include "tests/support/run/TestMain.h"
 
 #include <cerrno>
+#include <sys/stat.h>
 
 namespace {
 
 std::uint64_t inodeOf(const FileDescriptor &folder)
 {
-    return hostSystemCalls().statusOf(folder.get())->inode;
+    struct stat found
+    {
+    };
+    must(::fstat(folder.get(), &found) == 0, "an open folder");
+    return found.st_ino;
 }
 
 /// The errno of opening the folder; 0 when it can be opened.
@@ -116,27 +121,10 @@ void TestAnchoredFolder::refusesWhatLeadsElsewhere()
 
 void TestAnchoredFolder::staysOnTheAnchorsVolume()
 {
-    // Like a sub-volume: it opens like any folder, but has its own device number.
-    class SubVolume final : public ForwardingSystemCalls
-    {
-    public:
-        explicit SubVolume(std::uint64_t inode) : m_inode(inode) {}
-        SystemResult<FileStatus> statusOf(int descriptor) const override
-        {
-            auto status = ForwardingSystemCalls::statusOf(descriptor);
-            status->device += status->inode == m_inode ? 1 : 0;
-            return status;
-        }
-
-    private:
-        std::uint64_t m_inode;
-    };
     const MadeTree tree;
     tree.makeFolder("volume");
     tree.makeFolder("plain");
-    const auto volume =
-        openAnchored(hostSystemCalls(), {tree.descriptor(), "volume"}, Descent::Strict);
-    const SubVolume calls(inodeOf(*volume));
+    const SubVolume calls(tree.path("volume"));
     QVERIFY(openOnVolume(calls, {tree.descriptor(), "plain"}));
     QVERIFY(openOnVolume(calls, {tree.descriptor(), {}}));
     const auto opened = openOnVolume(calls, {tree.descriptor(), "volume"});

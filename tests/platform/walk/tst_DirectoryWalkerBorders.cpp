@@ -1,33 +1,9 @@
 #include "platform/system/HostSystemCalls.h"
-#include "platform/system/SystemCalls.h"
 #include "tests/platform/walk/WalkRecord.h"
-#include "tests/support/calls/ForwardingSystemCalls.h"
+#include "tests/support/calls/SubVolume.h"
 #include "tests/support/disk/OwnMounts.h"
 #include "tests/support/run/ChildProcess.h"
 #include "tests/support/run/TestMain.h"
-
-namespace {
-
-/// A file system on which one folder is a sub-volume: it has its own device number, but is no mount
-/// point.
-class SubvolumeCalls final : public ForwardingSystemCalls
-{
-public:
-    explicit SubvolumeCalls(std::uint64_t inode) : m_inode(inode) {}
-
-    SystemResult<FileStatus> statusOf(int descriptor) const override
-    {
-        auto status = ForwardingSystemCalls::statusOf(descriptor);
-        if (status && status->inode == m_inode)
-            ++status->device;
-        return status;
-    }
-
-private:
-    const std::uint64_t m_inode;
-};
-
-} // namespace
 
 /// What a walk does not cross.
 class TestDirectoryWalkerBorders final : public QObject
@@ -117,8 +93,8 @@ void TestDirectoryWalkerBorders::staysOutOfSubvolumes()
     tree.makeFile("volume/file");
     tree.makeFolder("folder");
     tree.makeFile("folder/file");
-    const auto volume = hostSystemCalls().status(tree.descriptor()->get(), "volume");
-    const SubvolumeCalls calls(volume->inode);
+    const SubVolume volume(tree.path("volume"));
+    const SystemCalls &calls = volume;
     RecordedWalk walk(tree);
     walk.calls = calls;
     const WalkRecord record = walk.run();

@@ -1,39 +1,30 @@
 #include "platform/system/HostSystemCalls.h"
-#include "platform/system/SystemResult.h"
 #include "slices/sizing/FolderSizing.h"
 #include "tests/slices/kit/PlanKit.h"
 #include "tests/slices/kit/RandomHome.h"
-#include "tests/support/calls/ForwardingSystemCalls.h"
+#include "tests/support/calls/HookedSystem.h"
+#include "tests/support/calls/MadeMachine.h"
 #include "tests/support/run/TestMain.h"
 
 #include <QFileInfo>
 #include <QProcess>
 #include <algorithm>
+#include <unistd.h>
 
 namespace {
 
 constexpr int kHomes = 800;
 
-/// A machine that runs just these.
-class RunningPrograms final : public ForwardingSystemCalls
-{
-public:
-    explicit RunningPrograms(const QByteArrayList &names) : m_names(names) {}
-
-    SystemResult<QByteArrayList> programNames() const override { return m_names; }
-
-private:
-    const QByteArrayList m_names;
-};
-
 CleaningPlan planFor(const RandomHome &made)
 {
-    const RunningPrograms calls(made.running);
+    MadeMachine machine;
+    machine.processes = {::getpid()}; // which has the locks
+    machine.programs = made.running;
     FileUrls excluded;
     for (const QByteArray &path : made.excluded)
         excluded.append(FileUrl::fromPath(
             made.home.path(path), path.endsWith('/') ? FileUrlKind::Folder : FileUrlKind::File));
-    return planOfEverything(made.home, made.home.survey(made.environment), excluded, calls);
+    return planOfEverything(made.home, made.home.survey(made.environment), excluded, machine);
 }
 
 /// Whether an excluded path keeps this one: it keeps what it holds and what holds it. Because the
@@ -267,7 +258,7 @@ void TestHomeProperties::removesWhatIsPlannedAndNothingElse()
         const auto nothingMoreInUse = [](const CleaningLocation &, const FileUrl &) {
             return FileUrls();
         };
-        ForwardingSystemCalls calls;
+        HookedSystem calls;
         calls.letNothingBeConfined(); // its threads take longer than all else
         removed += performCleaning(calls, plan, {}, nothingMoreInUse).removedItems;
         const QByteArray flaw = difference(tree(made.home.path()), rest);

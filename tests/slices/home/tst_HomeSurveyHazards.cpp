@@ -1,9 +1,9 @@
-#include "platform/system/FileStatus.h"
 #include "platform/system/HostSystemCalls.h"
-#include "platform/system/SystemResult.h"
 #include "tests/slices/kit/EveryLocation.h"
 #include "tests/slices/kit/PlanKit.h"
-#include "tests/support/calls/ForwardingSystemCalls.h"
+#include "tests/support/calls/HookedCalls.h"
+#include "tests/support/calls/HookedSystem.h"
+#include "tests/support/calls/SubVolume.h"
 #include "tests/support/disk/OwnMounts.h"
 #include "tests/support/run/ChildProcess.h"
 #include "tests/support/run/LogRecorder.h"
@@ -16,32 +16,10 @@ namespace {
 
 /// Makes a cleaning believe that everything lies in memory, so that it works on one thread: the
 /// child of a process with several threads must start none.
-class OneThreadCalls final : public ForwardingSystemCalls
+class OneThreadCalls final : public HookedCalls
 {
 public:
     bool isInMemory(int) const override { return true; }
-};
-
-/// One folder is a volume of its own: it opens like any other, and only its device number tells.
-class SubVolumeCalls final : public ForwardingSystemCalls
-{
-public:
-    explicit SubVolumeCalls(const QByteArray &folder)
-    {
-        const auto opened = ForwardingSystemCalls::openRoot(folder.constData());
-        m_inode = ForwardingSystemCalls::statusOf(opened->get())->inode;
-    }
-
-    SystemResult<FileStatus> statusOf(int descriptor) const override
-    {
-        auto status = ForwardingSystemCalls::statusOf(descriptor);
-        if (status && status->inode == m_inode)
-            ++status->device;
-        return status;
-    }
-
-private:
-    std::uint64_t m_inode = 0;
 };
 
 QByteArrayList pathsOf(const Found &found,
@@ -172,7 +150,7 @@ void TestHomeSurveyHazards::followsNoLink()
     QVERIFY(plan.refusals().isEmpty());
     const std::set<QByteArray> behind = everythingAt(moved);
     const std::set<QByteArray> before = tree(home.path());
-    ForwardingSystemCalls calls;
+    HookedSystem calls;
     calls.letNothingBeConfined(); // its threads take longer than all else
     QVERIFY(performCleaning(calls, plan, {}).removedItems > 0);
     QCOMPARE(everythingAt(moved), behind);
@@ -212,7 +190,7 @@ void TestHomeSurveyHazards::leavesMountsAlone()
 void TestHomeSurveyHazards::leavesSubVolumesAlone()
 {
     const MadeHome home(kPlainHome);
-    const SubVolumeCalls calls(home.path(".cache"));
+    const SubVolume calls(home.path(".cache"));
     Found expected = kPlainLocations;
     expected.erase(SliceKind::Cache);
     QCOMPARE(locationsOf(home, home.survey({}, calls)), expected);
@@ -222,12 +200,12 @@ void TestHomeSurveyHazards::leavesSubVolumesAlone()
 void TestHomeSurveyHazards::findsNothingItMayNotRead()
 {
     const MadeHome home(kPlainHome);
-    ForwardingSystemCalls calls;
+    HookedSystem calls;
     home.survey({}, calls);
     const int count = calls.callCount();
     QVERIFY(count > 20);
     for (int number = 2; number <= count; ++number) {
-        calls.setHook(ForwardingSystemCalls::failing(number, EIO));
+        calls.setHook(HookedSystem::failing(number, EIO));
         for (const auto &[kind, paths] : locationsOf(home, home.survey({}, calls))) {
             for (const QByteArray &path : paths)
                 QVERIFY2(kPlainLocations.at(kind).contains(path), path);

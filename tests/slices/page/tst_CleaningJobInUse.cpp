@@ -6,7 +6,7 @@
 #include "slices/record/Info.h"
 #include "slices/sizing/FolderSizing.h"
 #include "tests/slices/kit/Consent.h"
-#include "tests/support/calls/ForwardingSystemCalls.h"
+#include "tests/support/calls/MadeMachine.h"
 #include "tests/support/page/FirefoxProfiles.h"
 #include "tests/support/page/PageFixture.h"
 #include "tests/support/run/GuiTestMain.h"
@@ -19,26 +19,6 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <unistd.h>
-
-namespace {
-
-/// A machine that runs just these.
-class RunningPrograms final : public ForwardingSystemCalls
-{
-public:
-    // Changed only by the thread that cleans, during the cleaning.
-    QByteArrayList programs;
-    SystemResult<QByteArrayList> usedFiles; ///< relative to the home
-    bool seesOpenFiles = false;
-
-    SystemResult<QByteArrayList> programNames() const override { return programs; }
-    SystemResult<QByteArrayList> filesInUse(int folder) const override
-    {
-        return seesOpenFiles ? hostSystemCalls().filesInUse(folder) : usedFiles;
-    }
-};
-
-} // namespace
 
 /// What a cleaning does about programs that begin to use what it was asked to remove.
 class TestCleaningJobInUse final : public QObject
@@ -73,22 +53,24 @@ private:
     HomeLayout layout() const
     {
         const AccessScope scope(ResourceManager::access());
-        return surveyHome(m_calls, ResourceManager::access(), m_fixture->homeUrl(), {});
+        return surveyHome(m_machine, ResourceManager::access(), m_fixture->homeUrl(), {});
     }
     CleaningReport clean(const QList<SliceKind> &kinds);
     void startFirefoxAtTheFirst(std::string_view call);
 
     CleaningJob::Records m_chosen; ///< of the last cleaning
     std::unique_ptr<PageFixture> m_fixture;
-    RunningPrograms m_calls;
+    /// Changed only by the thread that cleans, during the cleaning.
+    MadeMachine m_machine;
 };
 
 void TestCleaningJobInUse::init()
 {
-    m_calls.setHook({});
-    m_calls.programs.clear();
-    m_calls.usedFiles = QByteArrayList{};
-    m_calls.seesOpenFiles = false;
+    m_machine.setHook({});
+    m_machine.processes = {::getpid()};
+    m_machine.programs = QByteArrayList();
+    m_machine.usedFiles = QByteArrayList{};
+    m_machine.hasFilesOfTheHost = false;
     m_fixture = std::make_unique<PageFixture>(HomeKind::Freedesktop);
     m_fixture->grantHome();
     QVERIFY(ResourceManager::homeFolder() == m_fixture->homeUrl());
@@ -111,7 +93,7 @@ CleaningReport TestCleaningJobInUse::clean(const QList<SliceKind> &kinds)
 {
     const HomeLayout layout = this->layout();
     const auto measure = [this](const FileUrl &url, const FileUrls &kept) {
-        return sizeForFolderAtPath(m_calls, ResourceManager::access(), url, {},
+        return sizeForFolderAtPath(m_machine, ResourceManager::access(), url, {},
                                    {.kept = pathsInside(url, kept)});
     };
     m_chosen.clear();
@@ -119,7 +101,7 @@ CleaningReport TestCleaningJobInUse::clean(const QList<SliceKind> &kinds)
         m_chosen.push_back(
             Info::infoWithName(QString::fromUtf16(sliceCatalogue()[indexOf(kind)].name),
                                layout.locations(kind), {measure, nullptr}));
-    CleaningJob job(m_calls, ResourceManager::access(), m_fixture->defaults().folder());
+    CleaningJob job(m_machine, ResourceManager::access(), m_fixture->defaults().folder());
     CleaningReport report;
     QSignalSpy finished(&job, &CleaningJob::finished);
     connect(&job, &CleaningJob::finished, this, [&](const CleaningReport &done) { report = done; });
@@ -145,7 +127,7 @@ void TestCleaningJobInUse::keepsWhatAProgramStartedMeanwhileUses()
 
 void TestCleaningJobInUse::startFirefoxAtTheFirst(std::string_view call)
 {
-    m_calls.setHook([this, call, hasStarted = false](int, std::string_view name) mutable {
+    m_machine.setHook([this, call, hasStarted = false](int, std::string_view name) mutable {
         if (name == call && !std::exchange(hasStarted, true))
             firefoxStarts();
         return 0;
@@ -167,7 +149,7 @@ void TestCleaningJobInUse::keepsTheCacheOfAProgramThatRuns()
 
 void TestCleaningJobInUse::tellsNothingOfWhatIsNotThere()
 {
-    m_calls.programs = {"chrome", "geary"};
+    m_machine.programs = QByteArrayList{"chrome", "geary"};
     const CleaningReport report = clean({SliceKind::Cache});
     QVERIFY(!m_fixture->exists(".cache/other"));
     QCOMPARE(report.refusalCount, 0U);
@@ -178,9 +160,9 @@ void TestCleaningJobInUse::takesNoSizeOffTwice()
 {
     m_fixture->makeFile(".cache/BraveSoftware/Brave-Browser/c", 100);
     m_fixture->makeFile(".config/BraveSoftware/Brave-Browser/Default/x", 1);
-    m_calls.setHook([this](int, std::string_view name) {
-        if (name == "removeFile" && m_calls.programs.isEmpty()) {
-            m_calls.programs = {"brave"};
+    m_machine.setHook([this](int, std::string_view name) {
+        if (name == "removeFile" && m_machine.programs->isEmpty()) {
+            m_machine.programs = QByteArrayList{"brave"};
             m_fixture->folder().makeLink("anna/.config/BraveSoftware/Brave-Browser/SingletonLock",
                                          "elsewhere-1");
         }
@@ -243,7 +225,7 @@ void TestCleaningJobInUse::countsNothingAsFreedThatStayed()
 /// Firefox writes as soon as it has started.
 void TestCleaningJobInUse::takesOffNoMoreThanWasMeasured()
 {
-    m_calls.setHook([this, hasStarted = false](int, std::string_view name) mutable {
+    m_machine.setHook([this, hasStarted = false](int, std::string_view name) mutable {
         if (name == "removeFile" && !std::exchange(hasStarted, true)) {
             firefoxStarts();
             m_fixture->makeFile(".cache/mozilla/firefox/a/new", 1000);
@@ -275,7 +257,7 @@ void TestCleaningJobInUse::logsWhatStaysForAProgram()
 void TestCleaningJobInUse::keepsWhatAnyProgramHoldsOpen()
 {
     m_fixture->makeFile(".cache/player/a/song", 40);
-    m_calls.seesOpenFiles = true;
+    m_machine.hasFilesOfTheHost = true;
     const OtherProcess player([this] {
         const QByteArray song = m_fixture->home() + "/.cache/player/a/song";
         must(::open(song.constData(), O_RDONLY) >= 0, "an open file");
@@ -293,9 +275,9 @@ void TestCleaningJobInUse::keepsWhatAnyProgramHoldsOpen()
 /// Between the trash and the cache.
 void TestCleaningJobInUse::keepsWhatAnyProgramHasBegunToUse()
 {
-    m_calls.setHook([this](int, std::string_view name) {
+    m_machine.setHook([this](int, std::string_view name) {
         if (name == "removeFile")
-            m_calls.usedFiles = QByteArrayList{".cache/other/c"};
+            m_machine.usedFiles = QByteArrayList{".cache/other/c"};
         return 0;
     });
     const CleaningReport report = clean({SliceKind::Trash, SliceKind::Cache});
@@ -310,10 +292,10 @@ void TestCleaningJobInUse::keepsWhatAnyProgramHasBegunToUse()
 /// Its lock tells of the folder, too.
 void TestCleaningJobInUse::takesAFolderInUseOffOnlyOnce()
 {
-    m_calls.setHook([this, hasStarted = false](int, std::string_view name) mutable {
+    m_machine.setHook([this, hasStarted = false](int, std::string_view name) mutable {
         if (name == "removeFile" && !std::exchange(hasStarted, true)) {
             firefoxStarts();
-            m_calls.usedFiles = QByteArrayList{".cache/mozilla/firefox/a/c"};
+            m_machine.usedFiles = QByteArrayList{".cache/mozilla/firefox/a/c"};
         }
         return 0;
     });
@@ -325,7 +307,7 @@ void TestCleaningJobInUse::takesAFolderInUseOffOnlyOnce()
 
 void TestCleaningJobInUse::keepsACacheThatCannotBeLookedAt()
 {
-    m_calls.usedFiles = tl::unexpected(EMFILE);
+    m_machine.usedFiles = tl::unexpected(EMFILE);
     const CleaningReport report = clean({SliceKind::Trash, SliceKind::Cache});
     QVERIFY(!m_fixture->exists(".local/share/Trash/files/t"));
     QVERIFY(m_fixture->exists(".cache/other/c"));

@@ -3,12 +3,11 @@
 #include "app/grant/ResourceManager.h"
 #include "chart/PieChart.h"
 #include "platform/sheet/Alert.h"
-#include "platform/system/SystemResult.h"
 #include "prefs/popover/Popover.h"
 #include "slices/page/CleaningText.h"
 #include "slices/page/HomeWatch.h"
 #include "slices/page/SliceHoverButtons.h"
-#include "tests/support/calls/ForwardingSystemCalls.h"
+#include "tests/support/calls/MadeMachine.h"
 #include "tests/support/calls/SlowDisk.h"
 #include "tests/support/page/FirefoxProfiles.h"
 #include "tests/support/page/PageFixture.h"
@@ -18,17 +17,6 @@
 
 #include <QLabel>
 #include <QSignalSpy>
-
-namespace {
-
-/// A container in which other processes cannot be seen.
-class ContainerCalls final : public ForwardingSystemCalls
-{
-public:
-    bool seesAllProcesses() const override { return false; }
-};
-
-} // namespace
 
 /// What is offered for the slice under the pointer. A chart is there, but no page.
 class TestSliceHover final : public QObject
@@ -68,7 +56,7 @@ private:
     }
 
     SlowDisk m_disk;
-    const ContainerCalls m_container;
+    MadeMachine m_container;
     QStringList m_told;
     std::unique_ptr<PageFixture> m_fixture;
     std::unique_ptr<SliceSelection> m_selection;
@@ -212,6 +200,7 @@ void TestSliceHover::tellsWhatStaysOfTheCache()
 
 void TestSliceHover::tellsWhereProgramsCannotBeSeen()
 {
+    m_container.isSeenWhole = false;
     begin(HomeKind::Freedesktop, m_container);
     m_fixture->makeFile(".cache/mozilla/a", 5);
     m_home->look();

@@ -1,12 +1,11 @@
 #include "platform/system/HostSystemCalls.h"
-#include "platform/system/SystemResult.h"
 #include "slices/page/SliceSelection.h"
 
 #include "app/grant/ResourceManager.h"
 #include "app/settings/SettingsKeys.h"
 #include "platform/look/Images.h"
 #include "slices/exclusions/ExcludedPaths.h"
-#include "tests/support/calls/ForwardingSystemCalls.h"
+#include "tests/support/calls/MadeMachine.h"
 #include "tests/support/page/PageFixture.h"
 #include "tests/support/run/GuiTestMain.h"
 
@@ -16,13 +15,6 @@
 namespace {
 
 const QList<bool> kDefaultSelection{true, false, true, true, true, false, false, false};
-
-/// A machine that runs one program.
-class RunningBrowser final : public ForwardingSystemCalls
-{
-public:
-    SystemResult<QByteArrayList> programNames() const override { return QByteArrayList{"browser"}; }
-};
 
 /// Counts who works with the granted folder.
 class CountingAccess final : public FileAccess
@@ -211,8 +203,10 @@ void TestSliceSelection::rebuildWithOneOfTwoInUse()
         {QStringLiteral("Browser"), {ProgramLock::Style::ProcessName, "browser"}, {busy}}};
     const auto layout = HomeLayout::freedesktop(m_fixture->homeUrl(), findings);
     const AccessScope scope(ResourceManager::access());
-    const RunningBrowser calls;
-    m_selection->rebuild(layout, {}, ProgramsInUse::find(calls, ResourceManager::access(), layout));
+    MadeMachine machine;
+    machine.programs = QByteArrayList{"browser"};
+    m_selection->rebuild(layout, {},
+                         ProgramsInUse::find(machine, ResourceManager::access(), layout));
     QCOMPARE(m_selection->record(SliceKind::BrowserData).fileURLs(), FileUrls{idle});
 }
 

@@ -1,35 +1,10 @@
-#include "platform/system/FileStatus.h"
-#include "platform/system/SystemResult.h"
 #include "slices/removal/RemovalSteps.h"
 #include "tests/slices/kit/CleaningKit.h"
-#include "tests/support/calls/HookedCalls.h"
 #include "tests/support/calls/PoorListing.h"
+#include "tests/support/calls/SubVolume.h"
 #include "tests/support/run/TestMain.h"
 
 #include <cerrno>
-
-namespace {
-
-/// A folder that is a volume of its own without being a mount, as some file systems have them.
-class SubVolume final : public ForwardingSystemCalls
-{
-public:
-    SubVolume(ino_t inode, bool isInMemory) : m_inode(inode), m_isInMemory(isInMemory) {}
-    bool isInMemory(int) const override { return m_isInMemory; }
-    SystemResult<FileStatus> statusOf(int descriptor) const override
-    {
-        auto status = ForwardingSystemCalls::statusOf(descriptor);
-        if (status && status->inode == m_inode)
-            ++status->device;
-        return status;
-    }
-
-private:
-    ino_t m_inode;
-    bool m_isInMemory;
-};
-
-} // namespace
 
 class TestRemovalSteps final : public QObject
 {
@@ -93,11 +68,9 @@ void TestRemovalSteps::leavesVolumesThatAreNoMounts_data()
 void TestRemovalSteps::leavesVolumesThatAreNoMounts()
 {
     QFETCH(bool, isInMemory);
-    struct stat found
-    {
-    };
-    ::lstat((m_downloads + "/folder/inner").constData(), &found);
-    const CleaningReport report = cleanWith(SubVolume(found.st_ino, isInMemory));
+    SubVolume volume(m_downloads + "/folder/inner");
+    volume.setInMemory(isInMemory);
+    const CleaningReport report = cleanWith(volume);
     QCOMPARE(tree(m_downloads), std::set<QByteArray>({"folder", "folder/inner", "folder/inner/a"}));
     QVERIFY(report.failures.isEmpty());
     QCOMPARE(report.refusals.size(), 1);

@@ -1,15 +1,20 @@
 #pragma once
 
 #include "platform/system/SystemResult.h"
-#include "tests/support/calls/ForwardingSystemCalls.h"
+#include "tests/support/calls/HookedSystem.h"
 
+#include <QByteArrayList>
+#include <memory>
 #include <set>
 
-/// A machine called "desk" on which just these run.
-class MadeMachine final : public ForwardingSystemCalls
+/// A machine called "desk" on which just these run; its files are the host's. What it says is set
+/// before the calls, or by a hook on the thread of the call.
+class MadeMachine final
 {
 public:
-    using ForwardingSystemCalls::ForwardingSystemCalls;
+    MadeMachine();
+    /// Waits for background threads that may be calling.
+    ~MadeMachine();
 
     std::set<std::int64_t> processes;
     SystemResult<QByteArrayList> programs;
@@ -17,17 +22,17 @@ public:
     bool isSeenWhole = true;
     std::set<QByteArray> servedSockets;
     SystemResult<QByteArrayList> usedFiles; ///< relative to the home
+    bool hasFilesOfTheHost = false;         ///< in use, whatever `usedFiles` says
     mutable int looksAtFiles = 0;
 
-    bool isRunning(std::int64_t process) const override { return processes.contains(process); }
-    SystemResult<QByteArrayList> programNames() const override { return programs; }
-    QByteArray hostName() const override { return "desk"; }
-    bool seesAllProcesses() const override { return isSeenWhole; }
-    SystemResult<QByteArrayList> filesInUse(int) const override
-    {
-        ++looksAtFiles;
-        return usedFiles;
-    }
-    bool isListening(const char *socket) const override { return servedSockets.contains(socket); }
-    SystemResult<bool> isLocked(int) const override { return locked; }
+    /// See HookedSystem.
+    void setHook(HookedSystem::Hook hook);
+
+    /// Lets a test pass this object where SystemCalls are expected.
+    operator const SystemCalls &() const;
+
+private:
+    class Calls;
+
+    const std::unique_ptr<Calls> m_calls;
 };

@@ -1,25 +1,22 @@
 #pragma once
 
-#include "platform/system/SystemResult.h"
-#include "tests/support/calls/ForwardingSystemCalls.h"
+#include <memory>
 
-#include <dirent.h>
-#include <span>
+class SystemCalls;
 
 /// A file system whose listings name the entries, but neither their kinds nor inode numbers that
-/// mean anything.
-class PoorListing final : public ForwardingSystemCalls
+/// mean anything. Any thread.
+class PoorListing final
 {
 public:
-    SystemResult<std::size_t> readEntries(int folder, std::span<char> buffer) const override
-    {
-        const auto filled = ForwardingSystemCalls::readEntries(folder, buffer);
-        for (std::size_t at = 0; filled && at < *filled;) {
-            auto *entry = reinterpret_cast<dirent64 *>(buffer.data() + at);
-            entry->d_type = DT_UNKNOWN;
-            entry->d_ino = 1;
-            at += entry->d_reclen;
-        }
-        return filled;
-    }
+    PoorListing();
+    ~PoorListing();
+
+    /// Lets a test pass this object where SystemCalls are expected.
+    operator const SystemCalls &() const;
+
+private:
+    class Calls;
+
+    const std::unique_ptr<const Calls> m_calls;
 };
