@@ -3,7 +3,6 @@
 #include "app/settings/UserDefaults.h"
 #include "platform/files/FolderGrant.h"
 #include "platform/system/HostSystemCalls.h"
-#include "platform/system/SystemCalls.h"
 #include "tests/program/VirtualDisplay.h"
 #include "tests/support/disk/MadeTree.h"
 #include "tests/support/run/Must.h"
@@ -13,6 +12,7 @@
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <csignal>
+#include <sys/stat.h>
 
 namespace {
 
@@ -24,6 +24,7 @@ constexpr auto kBetweenPictures = 100ms;
 constexpr int kFolders = 2;             ///< that the user has thrown away
 constexpr int kFilesInAFolder = 10'000; ///< enough that the cleaning is met in the midst of them
 constexpr unsigned kReadOnly = 0500;
+constexpr mode_t kFile = S_IFREG | 0600;
 
 const QByteArray kTrash = ".local/share/Trash/files";
 
@@ -111,7 +112,7 @@ void TestProgramEnd::makeHome()
         m_tree->makeFolder(name);
         const FileDescriptor folder = m_tree->open(name);
         for (int file = 0; file < kFilesInAFolder; ++file)
-            must(hostSystemCalls().createFile(folder.get(), QByteArray::number(file)).has_value(),
+            must(::mknodat(folder.get(), QByteArray::number(file).constData(), kFile, 0) == 0,
                  "a file");
         m_tree->setMode(name, kReadOnly);
     }

@@ -1,6 +1,6 @@
 #include "slices/home/CacheInUse.h"
 
-#include "platform/system/SystemCalls.h"
+#include "platform/system/HostSystemCalls.h"
 #include "tests/slices/kit/HomeKit.h"
 #include "tests/support/calls/MadeMachine.h"
 #include "tests/support/run/OtherProcess.h"

@@ -1,10 +1,11 @@
-#include "platform/system/SystemCalls.h"
+#include "platform/system/HostSystemCalls.h"
 #include "tests/slices/kit/HomeKit.h"
 #include "tests/support/calls/MadeMachine.h"
 #include "tests/support/run/Administrator.h"
 #include "tests/support/run/ProcessView.h"
 #include "tests/support/run/TestMain.h"
 
+#include <QSysInfo>
 #include <cerrno>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -114,8 +115,9 @@ void TestProgramsOutOfSight::takesEveryLockForHeld()
         return int(found.without(files).size());
     };
     QCOMPARE(runInChildSeeing(view, leftSeen).exitCode, 2); // there are no locks
+    const QByteArray machine = QSysInfo::machineHostName().toLocal8Bit();
     for (const QByteArray &number : {QByteArray::number(::getpid()), endedProcess()}) {
-        home.link(".config/vivaldi/SingletonLock", hostSystemCalls().hostName() + '-' + number);
+        home.link(".config/vivaldi/SingletonLock", machine + '-' + number);
         home.link(".mozilla/firefox/a/lock", "127.0.1.1:+" + number);
         QCOMPARE(runInChildSeeing(view, leftSeen).exitCode, 0);
         QVERIFY(::unlink(home.path(".config/vivaldi/SingletonLock").constData()) == 0);

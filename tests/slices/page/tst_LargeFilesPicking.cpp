@@ -3,10 +3,9 @@
 #include "app/grant/ResourceManager.h"
 #include "largefiles/sheet/LargeFilesWindowController.h"
 #include "largefiles/sheet/TextButton.h"
-#include "platform/system/HostSystemCalls.h"
-#include "platform/system/SystemCalls.h"
+#include "platform/system/Moment.h"
 #include "slices/page/HomeWatch.h"
-#include "tests/support/calls/ForwardingSystemCalls.h"
+#include "tests/support/calls/HookedSystem.h"
 #include "tests/support/page/PageFixture.h"
 #include "tests/support/page/SheetDriver.h"
 #include "tests/support/run/BackgroundThreadsAwaited.h"
@@ -15,23 +14,13 @@
 #include <QDir>
 #include <QFile>
 #include <QSignalSpy>
+#include <cerrno>
+#include <chrono>
 #include <semaphore>
 
 namespace {
 
 constexpr qint64 kFilm = 300'000'000;
-
-/// The system, in which folders may be read-only: for the administrator no folder is.
-class ReadOnlySystem final : public ForwardingSystemCalls
-{
-public:
-    bool mayChangeEntries(int folder) const override
-    {
-        return !isReadOnly && ForwardingSystemCalls::mayChangeEntries(folder);
-    }
-
-    std::atomic_bool isReadOnly = false;
-};
 
 } // namespace
 
@@ -66,7 +55,7 @@ private:
         return m_fixture->homeUrl().appending("Movies/film.mov", FileUrlKind::File);
     }
 
-    ReadOnlySystem m_calls;
+    HookedSystem m_calls;
     bool m_grantIsUsable = true;
     bool m_mayPick = true;
     bool m_mayChange = true;
@@ -80,7 +69,6 @@ private:
 void TestLargeFilesPicking::init()
 {
     m_grantIsUsable = m_mayPick = m_mayChange = true;
-    m_calls.isReadOnly = false;
     m_calls.setHook({});
     m_fixture = std::make_unique<PageFixture>();
     m_fixture->grantHome();
@@ -164,12 +152,14 @@ void TestLargeFilesPicking::givesTheRecordWhatWasPicked()
 void TestLargeFilesPicking::remembersWhenItWasPicked()
 {
     openSheet();
-    const Moment before = hostSystemCalls().now();
+    const auto before = std::chrono::system_clock::now();
     sheet().addButtonPressed(0);
-    const Moment after = hostSystemCalls().now();
+    const auto after = std::chrono::system_clock::now();
     endSheet(sheet().addButton());
-    const Moment chosen = record().choice().value_or(Confirmation()).moment;
-    QVERIFY(before.precise <= chosen.precise && chosen.precise <= after.precise);
+    const Moment moment = record().choice().value_or(Confirmation()).moment;
+    const std::chrono::sys_time<std::chrono::nanoseconds> chosen(
+        std::chrono::nanoseconds(moment.precise));
+    QVERIFY(before <= chosen && chosen <= after);
 }
 
 /// Also where its folder has been exchanged since then, which the file's own times do not tell.
@@ -215,7 +205,10 @@ void TestLargeFilesPicking::countsOnlyWhatMayBeDeleted()
     sheet().addButtonPressed(0);
     endSheet(sheet().addButton());
     QTRY_COMPARE(record().fileSize(), kFilm);
-    m_calls.isReadOnly = true;
+    awaitBackgroundThreads();
+    // As in a folder that is read-only: for the administrator none is.
+    m_calls.setHook(
+        [](int, std::string_view name) { return name == "mayChangeEntries" ? EROFS : 0; });
     QSignalSpy changed(m_picking.get(), &LargeFilesPicking::sizeChanged);
     sheet().array().refreshSizes();
     QVERIFY(changed.wait());
