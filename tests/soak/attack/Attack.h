@@ -1,7 +1,7 @@
 #pragma once
 
 #include "tests/soak/attack/AttackGround.h"
-#include "tests/soak/attack/NaiveDeleter.h"
+#include "tests/soak/attack/TrustingDeleter.h"
 
 #include <memory>
 #include <vector>
@@ -23,7 +23,7 @@ public:
     /// Whether something in the location is excluded.
     virtual bool hasExclusion() const { return false; }
     /// The simple way to delete that falls for it.
-    virtual NaiveDeleter::Way victim() const { return NaiveDeleter::Way::ByPath; }
+    virtual TrustingDeleter::Way victim() const { return TrustingDeleter::Way::ByPath; }
 
     /// Whether what is lost by it is among what docs/safety.md says is not kept.
     virtual bool isKnownRest() const { return false; }

@@ -87,7 +87,7 @@ public:
                               : "a folder is dragged out, nothing is excluded";
     }
     bool hasExclusion() const override { return m_hasExclusion; }
-    NaiveDeleter::Way victim() const override { return NaiveDeleter::Way::ByDescriptor; }
+    TrustingDeleter::Way victim() const override { return TrustingDeleter::Way::ByDescriptor; }
     int strike() override
     {
         const QByteArray folder = ground().location() + '/' +

@@ -21,24 +21,24 @@ std::vector<std::unique_ptr<Attack>> allAttacks(const AttackGround &ground)
     return attacks;
 }
 
-class NaiveCleaner final : public AttackedCleaner
+class TrustingCleaner final : public AttackedCleaner
 {
 public:
-    NaiveCleaner(const Attack &attack, const AttackGround &ground)
+    TrustingCleaner(const Attack &attack, const AttackGround &ground)
         : m_ground(ground), m_way(attack.victim())
     {
     }
     void confirm() override { m_confirmed = momentBetween().stamp; }
     std::uint64_t clean() override
     {
-        NaiveDeleter deleter(m_way, m_ground.excluded(), m_confirmed);
+        TrustingDeleter deleter(m_way, m_ground.excluded(), m_confirmed);
         deleter.empty(m_ground.location());
         return deleter.removed();
     }
 
 private:
     AttackGround m_ground;
-    NaiveDeleter::Way m_way;
+    TrustingDeleter::Way m_way;
     std::int64_t m_confirmed = 0;
 };
 
@@ -119,7 +119,7 @@ private:
         constexpr int kMostTimes = 10;
         Result all;
         for (int time = 0; time < kMostTimes && all.score.lost == 0; ++time) {
-            const std::optional<Result> more = result(seconds, scoreOf<NaiveCleaner>);
+            const std::optional<Result> more = result(seconds, scoreOf<TrustingCleaner>);
             if (!more)
                 return std::nullopt;
             all.seconds += more->seconds;

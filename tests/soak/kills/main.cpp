@@ -1,7 +1,7 @@
 #include "platform/system/HostSystemCalls.h"
 #include "tests/app/settings/SettingsUnderway.h"
 #include "tests/slices/kit/KillCase.h"
-#include "tests/soak/kills/NaiveDeleter.h"
+#include "tests/soak/kills/AsideDeleter.h"
 #include "tests/soak/kit/PartRun.h"
 #include "tests/soak/kit/Workers.h"
 #include "tests/support/run/ScratchEnvironment.h"
@@ -129,7 +129,7 @@ void soakNaive(PartRun &run)
         const CleaningGround ground;
         const KillHome home(ground.path(), {}, quint32(random()));
         const WorkEnd end =
-            runAndKill([&] { cleanNaively(home.home()); }, microseconds(random() % 1000));
+            runAndKill([&] { cleanByMovingAside(home.home()); }, microseconds(random() % 1000));
         return resultOf({end, home.lost()});
     });
 }

@@ -1,4 +1,4 @@
-#include "tests/soak/attack/NaiveDeleter.h"
+#include "tests/soak/attack/TrustingDeleter.h"
 
 #include <QByteArrayList>
 #include <cstring>
@@ -30,7 +30,7 @@ std::int64_t timeOf(const struct stat &status)
 
 } // namespace
 
-void NaiveDeleter::empty(const QByteArray &folder)
+void TrustingDeleter::empty(const QByteArray &folder)
 {
     if (m_way == Way::ByPath)
         return emptyByPath(folder);
@@ -40,7 +40,7 @@ void NaiveDeleter::empty(const QByteArray &folder)
     ::close(opened);
 }
 
-void NaiveDeleter::emptyByPath(const QByteArray &folder)
+void TrustingDeleter::emptyByPath(const QByteArray &folder)
 {
     for (const QByteArray &name : namesIn(::open(folder.constData(), O_RDONLY | O_CLOEXEC))) {
         const QByteArray path = folder + '/' + name;
@@ -58,7 +58,7 @@ void NaiveDeleter::emptyByPath(const QByteArray &folder)
     }
 }
 
-void NaiveDeleter::emptyByDescriptor(int folder, const QByteArray &path)
+void TrustingDeleter::emptyByDescriptor(int folder, const QByteArray &path)
 {
     for (const QByteArray &name : namesIn(::openat(folder, ".", O_RDONLY | O_CLOEXEC))) {
         struct stat status

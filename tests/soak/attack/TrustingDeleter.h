@@ -3,9 +3,9 @@
 #include <QByteArray>
 #include <cstdint>
 
-/// Empties a folder as simple programs do: looks, and then acts on what it has seen. The attacks
-/// have to find something to destroy here, or they would prove nothing elsewhere.
-class NaiveDeleter final
+/// Empties a folder as simple programs do: looks, and then trusts that what it has seen is still
+/// so. The attacks have to find something to destroy here, or they would prove nothing elsewhere.
+class TrustingDeleter final
 {
 public:
     enum class Way {
@@ -15,7 +15,7 @@ public:
 
     /// `excluded` is a path that it leaves alone. What has changed since the confirmation, it
     /// leaves too.
-    NaiveDeleter(Way way, const QByteArray &excluded, std::int64_t confirmed)
+    TrustingDeleter(Way way, const QByteArray &excluded, std::int64_t confirmed)
         : m_way(way), m_excluded(excluded), m_confirmed(confirmed)
     {
     }
