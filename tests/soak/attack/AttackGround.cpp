@@ -20,7 +20,7 @@ void fill(const QByteArray &folder)
     for (int i = 0; i < AttackGround::kFolders; ++i)
         std::filesystem::create_directories(
             (folder + '/' + AttackGround::folderName(i)).toStdString());
-    for (int i = 0; i < AttackGround::kFolders * AttackGround::kFilesInAFolder; ++i)
+    for (int i = 0; i < AttackGround::kFiles; ++i)
         makeFile(folder + '/' + AttackGround::fileName(i));
 }
 
@@ -38,7 +38,7 @@ void AttackGround::makeAnew() const
 int AttackGround::missingOutside() const
 {
     int missing = 0;
-    for (int i = 0; i < kFolders * kFilesInAFolder; ++i)
+    for (int i = 0; i < kFiles; ++i)
         missing += ::access((outside() + '/' + fileName(i)).constData(), F_OK) == 0 ? 0 : 1;
     return missing;
 }

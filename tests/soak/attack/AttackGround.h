@@ -10,6 +10,7 @@ class AttackGround final
 public:
     static constexpr int kFolders = 16;
     static constexpr int kFilesInAFolder = 20;
+    static constexpr int kFiles = kFolders * kFilesInAFolder;
 
     explicit AttackGround(const QByteArray &path) : m_path(path) {}
 

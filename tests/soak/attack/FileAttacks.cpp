@@ -1,15 +1,13 @@
 #include "tests/soak/attack/Attack.h"
 #include "tests/soak/attack/WatchedFile.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <fcntl.h>
 #include <filesystem>
 #include <optional>
+#include <utility>
 
 namespace {
-
-constexpr int kFiles = AttackGround::kFolders * AttackGround::kFilesInAFolder;
 
 /// A file that must stay and one that is chosen exchange their names.
 class ExchangeAttack : public Attack
@@ -99,7 +97,7 @@ public:
     bool isKnownRest() const override { return !m_hasExclusion; }
     int strike() override
     {
-        if (m_tried == kFiles)
+        if (m_tried == AttackGround::kFiles)
             return 0; // none is saved over twice in a cleaning
         ++m_tried;
         const QByteArray saving = ground().path("home/Documents/saving");
@@ -111,11 +109,8 @@ public:
     }
     int finish() override
     {
-        const auto lost = std::count_if(m_saved.begin(), m_saved.end(),
-                                        [](const WatchedFile &saved) { return saved.isLost(); });
-        m_saved.clear();
         m_tried = 0;
-        return int(lost);
+        return lostOf(std::exchange(m_saved, {}));
     }
 
 private:

@@ -1,4 +1,5 @@
 #include "tests/soak/attack/Attack.h"
+#include "tests/soak/attack/WatchedFile.h"
 
 #include <cstdio>
 #include <dirent.h>
@@ -123,7 +124,14 @@ public:
     {
         return swapTwice('/' + AttackGround::folderName(nextNumber() % AttackGround::kFolders));
     }
-    int finish() override { return ground().missingOutside(); }
+    void prepare() override
+    {
+        Attack::prepare();
+        for (int i = 0; i < AttackGround::kFiles; ++i)
+            m_outside.emplace_back(ground().outside() + '/' + AttackGround::fileName(i));
+    }
+    /// A folder that was aside for a moment when it was to go back is elsewhere now, but not lost.
+    int finish() override { return lostOf(std::exchange(m_outside, {})); }
 
 protected:
     int swapTwice(const QByteArray &folder)
@@ -136,6 +144,9 @@ protected:
         };
         return swap() ? 1 + int(swap()) : 0;
     }
+
+private:
+    std::vector<WatchedFile> m_outside;
 };
 
 class RootTwinAttack final : public TwinAttack

@@ -2,6 +2,7 @@
 
 #include "tests/support/run/Must.h"
 
+#include <algorithm>
 #include <array>
 #include <climits>
 #include <cstdio>
@@ -30,4 +31,10 @@ void WatchedFile::bringBack(const QByteArray &path) const
     const ssize_t size = ::readlink(link.constData(), present.data(), present.size() - 1);
     if (size > 0)
         std::rename(present.data(), path.constData());
+}
+
+int lostOf(const std::vector<WatchedFile> &files)
+{
+    return int(std::count_if(files.begin(), files.end(),
+                             [](const WatchedFile &file) { return file.isLost(); }));
 }

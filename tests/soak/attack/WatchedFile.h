@@ -3,6 +3,7 @@
 #include "platform/system/FileDescriptor.h"
 
 #include <QByteArray>
+#include <vector>
 
 /// A file that must not be lost. It is held open, so it is known whether it has a name left,
 /// wherever that is by now.
@@ -19,3 +20,6 @@ public:
 private:
     FileDescriptor m_file;
 };
+
+/// How many of them are.
+int lostOf(const std::vector<WatchedFile> &files);
