@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tests/soak/attack/Attack.h"
+#include "tests/support/run/SharedMemory.h"
 
 #include <atomic>
 #include <chrono>
@@ -26,37 +27,31 @@ public:
 class Duel final
 {
 public:
+    /// Of several duels together.
     struct Score
     {
-        std::uint64_t moves = 0;
-        std::uint64_t cleanings = 0;
-        std::uint64_t removed = 0;
-        std::uint64_t lost = 0;
-
-        Score &operator+=(const Score &other);
+        std::atomic<std::uint64_t> moves = 0;
+        std::atomic<std::uint64_t> cleanings = 0;
+        std::atomic<std::uint64_t> removed = 0;
+        std::atomic<std::uint64_t> lost = 0;
     };
 
-    explicit Duel(Attack &attack);
+    /// The score is shared by all processes that add to it.
+    Duel(Attack &attack, Score &score);
     ~Duel();
     Duel(const Duel &) = delete;
     Duel &operator=(const Duel &) = delete;
 
-    Score run(std::chrono::milliseconds time, AttackedCleaner &cleaner);
+    void run(std::chrono::milliseconds time, AttackedCleaner &cleaner);
 
 private:
     enum class Phase { Preparing, Ready, Striking, Finishing, End };
-    /// Seen by both processes.
-    struct Shared
-    {
-        std::atomic<Phase> phase = Phase::Preparing;
-        std::atomic<std::uint64_t> moves = 0;
-        std::atomic<std::uint64_t> lost = 0;
-    };
 
     [[noreturn]] void attackAll();
     void awaitReady() const;
 
     Attack &m_attack;
-    Shared *m_shared;
+    Score &m_score;
+    const SharedMemory<std::atomic<Phase>> m_phase;
     pid_t m_process;
 };

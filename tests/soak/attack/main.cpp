@@ -2,16 +2,15 @@
 // Each attack is tried on a simple deleter first, which has to lose something.
 #include "tests/slices/kit/CleaningKit.h"
 #include "tests/soak/attack/Duel.h"
-#include "tests/soak/kit/SideBySide.h"
-#include "tests/soak/kit/SoakCommand.h"
+#include "tests/soak/kit/SoakDisk.h"
+#include "tests/soak/kit/Workers.h"
 #include "tests/support/disk/Moments.h"
+#include "tests/support/run/SharedMemory.h"
 
 #include <QCoreApplication>
-#include <cstdio>
+#include <algorithm>
 
 namespace {
-
-using std::chrono::milliseconds;
 
 std::vector<std::unique_ptr<Attack>> allAttacks(const AttackGround &ground)
 {
@@ -70,83 +69,74 @@ private:
     SliceToClean m_slice;
 };
 
-template <typename Cleaner>
-Duel::Score scoreOf(Attack &attack, const AttackGround &ground, milliseconds time)
+/// What one attack on one deleter has come to, in several pairs of processes.
+struct Result
 {
-    Duel duel(attack);
-    Cleaner cleaner(attack, ground);
-    return duel.run(time, cleaner);
-}
+    std::int64_t seconds = 0;
+    bool isWhole = true; ///< no process died
+    SharedMemory<Duel::Score> score;
+};
 
 /// One attack on both.
 class Trial final
 {
 public:
-    Trial(const SoakCommand &command, const SoakDisk &disk, std::size_t attack)
-        : m_command(command), m_disk(disk), m_attack(attack)
+    Trial(const Workers &workers, const SoakDisk &disk, std::size_t attack)
+        : m_workers(workers), m_disk(disk), m_attack(attack)
     {
     }
 
-    /// Whether the simple deleter has lost something, and Vantor nothing.
-    bool run() const
+    /// The simple deleter has to lose something, and Vantor nothing.
+    void run() const
     {
-        const auto amount = static_cast<std::int64_t>(m_command.amount());
-        const std::optional<Result> naive = resultOfNaive(std::min(amount, kMostForNaive));
-        const std::optional<Result> vantor = result(amount, scoreOf<Vantor>);
-        if (!naive || !vantor)
-            return false; // a process died, and has said why
-        const std::uint64_t lost = vantor->score.lost;
-        const bool isKnown = attack()->isKnownRest() && lost > 0;
-        print("a simple deleter", *naive,
-              naive->score.lost > 0 ? "" : ": the attack proves nothing");
-        print("Vantor", *vantor, isKnown ? ", which docs/safety.md says" : "");
-        return naive->score.lost > 0 && (lost == 0 || isKnown) && vantor->score.moves > 0 &&
-               vantor->score.removed > 0;
+        const auto amount = static_cast<std::int64_t>(m_workers.part().amount());
+        Result trusting;
+        Result vantor;
+        contestTrusting(std::min(amount, kMostForTrusting), trusting);
+        contest<Vantor>(amount, vantor);
+        const bool isProof = trusting.score->lost > 0;
+        print("a simple deleter", trusting, isProof ? "" : ": the attack proves nothing", isProof);
+        const bool isLost = vantor.score->lost > 0;
+        const bool isKnown = isLost && attack()->isKnownRest();
+        print("Vantor", vantor, isKnown ? ", which docs/safety.md says" : "",
+              (!isLost || isKnown) && vantor.score->moves > 0 && vantor.score->removed > 0);
     }
 
 private:
-    static constexpr std::int64_t kMostForNaive = 10; ///< seconds
-    using Contest = Duel::Score (*)(Attack &, const AttackGround &, milliseconds);
-    struct Result
-    {
-        std::int64_t seconds = 0;
-        Duel::Score score;
-    };
+    static constexpr std::int64_t kMostForTrusting = 10; ///< seconds
 
     /// On a busy machine it may take some time until something is lost.
-    std::optional<Result> resultOfNaive(std::int64_t seconds) const
+    void contestTrusting(std::int64_t seconds, Result &result) const
     {
         constexpr int kMostTimes = 10;
-        Result all;
-        for (int time = 0; time < kMostTimes && all.score.lost == 0; ++time) {
-            const std::optional<Result> more = result(seconds, scoreOf<TrustingCleaner>);
-            if (!more)
-                return std::nullopt;
-            all.seconds += more->seconds;
-            all.score += more->score;
-        }
-        return all;
+        for (int time = 0; time < kMostTimes && result.score->lost == 0 && result.isWhole; ++time)
+            contest<TrustingCleaner>(seconds, result);
     }
 
     /// Several pairs of processes side by side, each on a ground of its own.
-    std::optional<Result> result(std::int64_t seconds, Contest contest) const
+    template <typename Cleaner> void contest(std::int64_t seconds, Result &result) const
     {
-        const int pairs = std::max(1, m_command.processes() / 2);
-        const auto score = sideBySide<Duel::Score>(pairs, [&](int number) {
+        const int pairs = std::max(1, m_workers.count() / 2);
+        const auto dead = workSideBySide(pairs, [&](int number) {
             const AttackGround ground(m_disk.folder() + '/' + QByteArray::number(number));
-            return contest(*attack(ground), ground, std::chrono::seconds(seconds));
+            const auto attacker = attack(ground);
+            Duel duel(*attacker, *result.score);
+            Cleaner cleaner(*attacker, ground);
+            duel.run(std::chrono::seconds(seconds), cleaner);
         });
-        return score ? std::optional(Result{seconds, *score}) : std::nullopt;
+        result.seconds += seconds;
+        result.isWhole = result.isWhole && dead.empty();
     }
 
-    void print(const char *whose, const Result &result, const char *remark) const
+    void print(const char *whose, const Result &result, const char *remark, bool isWell) const
     {
-        const auto &[seconds, score] = result;
-        printRow(QByteArray("attack on ") + whose + ": " + attack()->description(), m_disk.where(),
-                 counted(std::uint64_t(seconds)) + " s, " + counted(score.moves) + " moves, " +
-                     counted(score.cleanings) + " cleanings of " + counted(score.removed) +
-                     " items",
-                 counted(score.lost) + " lost" + remark);
+        const Duel::Score &score = *result.score;
+        m_workers.part().print(
+            {QByteArray("attack on ") + whose + ": " + attack()->description(), m_disk.where(),
+             grouped(std::uint64_t(result.seconds)) + " s, " + grouped(score.moves) + " moves, " +
+                 grouped(score.cleanings) + " cleanings of " + grouped(score.removed) + " items",
+             grouped(score.lost) + " lost" + remark + (result.isWhole ? "" : ", a process died"),
+             isWell && result.isWhole ? 0U : 1U});
     }
 
     std::unique_ptr<Attack> attack(const AttackGround &ground = AttackGround({})) const
@@ -154,7 +144,7 @@ private:
         return std::move(allAttacks(ground)[m_attack]);
     }
 
-    const SoakCommand &m_command;
+    const Workers &m_workers;
     const SoakDisk &m_disk;
     std::size_t m_attack;
 };
@@ -164,20 +154,20 @@ private:
 int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
-    const SoakCommand command(
-        "Attacks cleanings from another process.", "How many seconds each attack lasts.",
-        {{QStringLiteral("attack"), QStringLiteral("Only the attack of this name."),
-          QStringLiteral("NAME")}});
-    const SoakDisk disk(command.disk(), command.user());
+    SoakPart part(
+        {"Attacks cleanings from another process.", "How many seconds each attack lasts."},
+        SoakDisk::options() + Workers::options() +
+            QList{soakOption("attack", "Only the attack of this name.", "NAME")});
+    const Workers workers(part);
+    const SoakDisk disk(part);
     const auto attacks = allAttacks(AttackGround({}));
     int tried = 0;
-    bool isWell = true;
     for (std::size_t i = 0; i < attacks.size(); ++i) {
-        if ((command.isSet("attack") && command.value("attack") != attacks[i]->name()) ||
+        if ((part.isSet("attack") && part.value("attack") != attacks[i]->name()) ||
             (attacks[i]->needsAdministrator() && !disk.isAdministrator()))
             continue;
         ++tried;
-        isWell = Trial(command, disk, i).run() && isWell;
+        Trial(workers, disk, i).run();
     }
-    return isWell && tried > 0 ? EXIT_SUCCESS : EXIT_FAILURE;
+    return tried > 0 ? part.exitCode() : EXIT_FAILURE;
 }

@@ -1,6 +1,5 @@
 #include "tests/app/settings/SettingsFaultCase.h"
 #include "tests/slices/kit/FaultCase.h"
-#include "tests/soak/kit/PartRun.h"
 #include "tests/soak/kit/Workers.h"
 #include "tests/support/calls/PossibleErrors.h"
 #include "tests/support/run/ScratchEnvironment.h"
@@ -54,33 +53,35 @@ QByteArray words(std::uint64_t findings)
                          : grouped(findings) + " FOUND";
 }
 
-void printRow(PartRun &run, const char *what, const QByteArray &where, const CaseTotals &totals,
-              const char *unit, std::uint64_t wanted)
+void printRow(const Workers &workers, const char *what, const QByteArray &where,
+              const CaseTotals &totals, const char *unit, std::uint64_t wanted)
 {
-    run.print({what, where, totals.done, unit, words(totals.found), totals.found, wanted});
+    workers.part().print({what, where, grouped(totals.done) + ' ' + unit, words(totals.found),
+                          totals.found, totals.done, wanted});
 }
 
-void makeSingles(PartRun &run, const QByteArray &where, const World &world)
+void makeSingles(const Workers &workers, const QByteArray &where, const World &world)
 {
     const std::vector<Fault> faults = faultsOf(world({}).calls, 0);
-    const CaseTotals totals =
-        makeCases(faults.size(), faults.size(), [&](std::uint64_t number) -> CaseResult {
-            return {1, found(world({faults[number]}))};
-        });
-    printRow(run, "every call fails with every error", where, totals, "faults", faults.size());
+    const auto make = [&](std::uint64_t number) -> CaseResult {
+        return {1, found(world({faults[number]}))};
+    };
+    const CaseTotals totals = workers.makeCases(faults.size(), faults.size(), make);
+    printRow(workers, "every call fails with every error", where, totals, "faults", faults.size());
 }
 
 /// With the errors after which calls are made again, and others.
-void makeLasting(PartRun &run, const QByteArray &where, const World &world)
+void makeLasting(const Workers &workers, const QByteArray &where, const World &world)
 {
     constexpr std::array kErrors{EAGAIN, EINTR, EIO, ENOMEM, EMFILE};
     const std::uint64_t most = world({}).calls.size() * kErrors.size();
-    const CaseTotals totals = makeCases(most, most, [&](std::uint64_t number) -> CaseResult {
+    const auto make = [&](std::uint64_t number) -> CaseResult {
         const Fault fault{number / kErrors.size(), 0, Fault::Lasts::ForGood,
                           kErrors[number % kErrors.size()]};
         return {1, found(world({fault}))};
-    });
-    printRow(run, "a call fails for good", where, totals, "faults", most);
+    };
+    const CaseTotals totals = workers.makeCases(most, most, make);
+    printRow(workers, "a call fails for good", where, totals, "faults", most);
 }
 
 std::vector<First> firstsOf(const World &world)
@@ -96,16 +97,16 @@ std::vector<First> firstsOf(const World &world)
 
 /// All pairs, or as many as wanted, spread evenly over all. A second call that two threads make now
 /// and then only is not counted.
-void makePairs(PartRun &run, const QByteArray &where, const World &world)
+void makePairs(const Workers &workers, const QByteArray &where, const World &world)
 {
     const std::vector<First> firsts = firstsOf(world);
     const First &last = firsts.back();
     const std::uint64_t all = last.pairsBefore + faultsOf(last.calls, last.fault.call + 1).size();
-    const std::uint64_t wanted = std::min(run.amount(), all);
+    const std::uint64_t wanted = std::min(workers.part().amount(), all);
     std::fprintf(stderr, "%s: %s of %s pairs\n", where.constData(), grouped(wanted).constData(),
                  grouped(all).constData());
     const auto isTaken = [&](std::uint64_t pair) {
-        const std::uint64_t place = (pair + run.seed()) % all;
+        const std::uint64_t place = (pair + workers.part().seed()) % all;
         return (place + 1) * wanted / all > place * wanted / all;
     };
     const auto make = [&](std::uint64_t number) {
@@ -121,8 +122,8 @@ void makePairs(PartRun &run, const QByteArray &where, const World &world)
         }
         return result;
     };
-    const CaseTotals totals = makeCases(all, firsts.size(), make);
-    printRow(run, "pairs of failing calls", where, totals, "pairs", wanted - wanted / 10);
+    const CaseTotals totals = workers.makeCases(all, firsts.size(), make);
+    printRow(workers, "pairs of failing calls", where, totals, "pairs", wanted - wanted / 10);
 }
 
 World cleaning(const FaultWorld &world)
@@ -133,7 +134,7 @@ World cleaning(const FaultWorld &world)
     };
 }
 
-void soakCleaning(PartRun &run)
+void soakCleaning(const Workers &workers)
 {
     using Tree = FaultWorld::Tree;
     constexpr auto kMemory = FailingCalls::Medium::Memory;
@@ -144,15 +145,15 @@ void soakCleaning(PartRun &run)
           FaultWorld{", confined", Tree::Large, kMemory, true, true},
           FaultWorld{", nothing excluded", Tree::Large, kMemory, false, false}}) {
         const QByteArray where = QByteArray("cleaning, tmpfs") + world.name;
-        makeSingles(run, where, cleaning(world));
-        makeLasting(run, where, cleaning(world));
+        makeSingles(workers, where, cleaning(world));
+        makeLasting(workers, where, cleaning(world));
         FaultWorld small = world;
         small.tree = Tree::Small;
-        makePairs(run, where, cleaning(small));
+        makePairs(workers, where, cleaning(small));
     }
 }
 
-void soakSettings(PartRun &run)
+void soakSettings(const Workers &workers)
 {
     const CleaningGround ground;
     const QString folder = QString::fromUtf8(ground.path());
@@ -160,9 +161,9 @@ void soakSettings(PartRun &run)
         const SettingsFaultOutcome outcome = saveWithFaults(folder, faults);
         return {outcome.wrong, outcome.calls, outcome.faults};
     };
-    makeSingles(run, "saving settings, tmpfs", world);
-    makeLasting(run, "saving settings, tmpfs", world);
-    makePairs(run, "saving settings, tmpfs", world);
+    makeSingles(workers, "saving settings, tmpfs", world);
+    makeLasting(workers, "saving settings, tmpfs", world);
+    makePairs(workers, "saving settings, tmpfs", world);
 }
 
 } // namespace
@@ -171,12 +172,13 @@ int main(int argc, char **argv)
 {
     const ScratchEnvironment environment;
     const QCoreApplication application(argc, argv);
-    PartRun run({argv, argv + argc},
-                {"Lets the calls of a cleaning and of a save of the settings fail.",
-                 "at most how many pairs of failing calls in each world; all are tried if "
-                 "there are fewer",
-                 "1000000", ""});
-    soakCleaning(run);
-    soakSettings(run);
-    return run.exitCode();
+    SoakPart part({"Lets the calls of a cleaning and of a save of the settings fail.",
+                   "At most how many pairs of failing calls in each world; all are tried if there "
+                   "are fewer.",
+                   "1000000"},
+                  Workers::options());
+    const Workers workers(part);
+    soakCleaning(workers);
+    soakSettings(workers);
+    return part.exitCode();
 }

@@ -1,7 +1,7 @@
 // Runs the fuzzer's programs one after the other and prints a row for each.
 
 #include "tests/soak/fuzz/FuzzTargets.h"
-#include "tests/soak/kit/SoakCommand.h"
+#include "tests/soak/kit/SoakPart.h"
 #include "tests/support/run/Must.h"
 
 #include <QCoreApplication>
@@ -15,8 +15,7 @@ namespace {
 
 struct Run
 {
-    std::uint64_t seconds = 0;
-    quint32 seed = 0;
+    SoakPart &part;
     QDir programs;
     QDir findings; ///< where the inputs of findings are kept
 };
@@ -29,8 +28,8 @@ QString named(const FuzzTarget &target)
 QStringList argumentsFor(const FuzzTarget &target, const Run &run, const QString &workFolder)
 {
     return {
-        QStringLiteral("-max_total_time=%1").arg(run.seconds),
-        QStringLiteral("-seed=%1").arg(run.seed),
+        QStringLiteral("-max_total_time=%1").arg(run.part.amount()),
+        QStringLiteral("-seed=%1").arg(run.part.seed()),
         QStringLiteral("-artifact_prefix=%1/%2-").arg(run.findings.absolutePath(), named(target)),
         QStringLiteral("-print_final_stats=1"),
         QStringLiteral("-use_value_profile=1"),
@@ -48,8 +47,8 @@ qulonglong executionsIn(const QByteArray &log)
     return count.match(QString::fromLatin1(log)).captured(1).toULongLong();
 }
 
-/// Prints the target's row. Returns whether nothing was found.
-bool fuzz(const FuzzTarget &target, const Run &run)
+/// Prints the target's row.
+void fuzz(const FuzzTarget &target, const Run &run)
 {
     const QTemporaryDir workFolder;
     QProcess fuzzer;
@@ -64,10 +63,10 @@ bool fuzz(const FuzzTarget &target, const Run &run)
                         executions > 0;
     if (!isWell)
         std::fprintf(stderr, "%s\n%s", target.name, log.right(8192).constData());
-    printRow("fuzzing " + QByteArray(target.description),
-             "libFuzzer, address and undefined behaviour sanitizers",
-             counted(executions) + " inputs", isWell ? "0 findings" : "a finding");
-    return isWell;
+    run.part.print({"fuzzing " + QByteArray(target.description),
+                    "libFuzzer, address and undefined behaviour sanitizers",
+                    grouped(executions) + " inputs", isWell ? "0 findings" : "a finding",
+                    isWell ? 0U : 1U});
 }
 
 } // namespace
@@ -75,17 +74,14 @@ bool fuzz(const FuzzTarget &target, const Run &run)
 int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
-    const SoakCommand command(
-        "Fuzzes the readers of what others have written.", "Seconds for each target.",
-        {{QStringLiteral("target"), QStringLiteral("Only this target."), QStringLiteral("NAME")}});
+    SoakPart part({"Fuzzes the readers of what others have written.", "Seconds for each target."},
+                  {soakOption("target", "Only this target.", "NAME")});
     const QDir programs(QStringLiteral(VANTOR_FUZZ_PROGRAMS));
-    const Run run{command.amount(), command.seed(), programs,
-                  QDir(programs.filePath(QStringLiteral("findings")))};
+    const Run run{part, programs, QDir(programs.filePath(QStringLiteral("findings")))};
     must(run.findings.mkpath(QStringLiteral(".")), "a folder for findings");
-    bool isWell = true;
     for (const FuzzTarget &target : fuzzTargets()) {
-        if (!command.isSet("target") || command.value("target") == target.name)
-            isWell = fuzz(target, run) && isWell;
+        if (!part.isSet("target") || part.value("target") == target.name)
+            fuzz(target, run);
     }
-    return isWell ? 0 : 1;
+    return part.exitCode();
 }

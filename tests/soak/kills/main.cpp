@@ -2,7 +2,6 @@
 #include "tests/app/settings/SettingsUnderway.h"
 #include "tests/slices/kit/KillCase.h"
 #include "tests/soak/kills/AsideDeleter.h"
-#include "tests/soak/kit/PartRun.h"
 #include "tests/soak/kit/Workers.h"
 #include "tests/support/run/ScratchEnvironment.h"
 
@@ -22,9 +21,9 @@ constexpr int kNever = -1;
 constexpr std::uint64_t kMostCasesPerKill = 50;
 
 /// The same in every process that makes this case of this row.
-std::mt19937_64 randomOf(const PartRun &run, std::uint64_t row, std::uint64_t number)
+std::mt19937_64 randomOf(const Workers &workers, std::uint64_t row, std::uint64_t number)
 {
-    std::seed_seq seeds{run.seed(), row, number};
+    std::seed_seq seeds{std::uint64_t(workers.part().seed()), row, number};
     return std::mt19937_64(seeds);
 }
 
@@ -63,27 +62,28 @@ microseconds durationOf(const KillWorld &world)
     return least;
 }
 
-void printRow(PartRun &run, const QByteArray &what, const QByteArray &where, std::uint64_t wanted,
-              const std::function<CaseResult(std::uint64_t)> &make)
+void printRow(const Workers &workers, const QByteArray &what, const QByteArray &where,
+              std::uint64_t wanted, const std::function<CaseResult(std::uint64_t)> &make)
 {
-    const CaseTotals totals = makeCases(wanted, kMostCasesPerKill * wanted, make);
-    run.print({what, where, totals.done, "kills",
-               totals.found == 0 ? QByteArray("0 lost, 0 left aside, 0 not completed")
-                                 : grouped(totals.found) + " FOUND",
-               totals.found, wanted});
+    const CaseTotals totals = workers.makeCases(wanted, kMostCasesPerKill * wanted, make);
+    workers.part().print({what, where, grouped(totals.done) + " kills",
+                          totals.found == 0 ? QByteArray("0 lost, 0 left aside, 0 not completed")
+                                            : grouped(totals.found) + " FOUND",
+                          totals.found, totals.done, wanted});
 }
 
-void soakCleaning(PartRun &run, const KillWorld &world, std::uint64_t row, std::uint64_t wanted)
+void soakCleaning(const Workers &workers, const KillWorld &world, std::uint64_t row,
+                  std::uint64_t wanted)
 {
     const QByteArray where = QByteArray("cleaning, tmpfs, ") + world.name;
     const int calls = callsOf(world);
-    printRow(run, "kills before a call", where, wanted, [&](std::uint64_t number) {
-        auto random = randomOf(run, row, number);
+    printRow(workers, "kills before a call", where, wanted, [&](std::uint64_t number) {
+        auto random = randomOf(workers, row, number);
         return resultOf(killAtCall(world, quint32(random()), int(random() % unsigned(calls))));
     });
     const microseconds duration = durationOf(world);
-    printRow(run, "kills at random moments", where, wanted, [&](std::uint64_t number) {
-        auto random = randomOf(run, row + 1, number);
+    printRow(workers, "kills at random moments", where, wanted, [&](std::uint64_t number) {
+        auto random = randomOf(workers, row + 1, number);
         const auto after = microseconds(random() % std::uint64_t(duration.count()));
         return resultOf(killAtTime(world, quint32(random()), after));
     });
@@ -98,23 +98,23 @@ CaseResult killSaves(const std::function<WorkEnd(const SettingsUnderway &)> &kil
     return resultOf({end, settings.wrong(hostSystemCalls())});
 }
 
-void soakSettings(PartRun &run, std::uint64_t row, std::uint64_t wanted)
+void soakSettings(const Workers &workers, std::uint64_t row, std::uint64_t wanted)
 {
     constexpr int kSaves = 3;
     constexpr int kCalls = 60;
     constexpr int kEndless = std::numeric_limits<int>::max() - 1;
     constexpr std::uint64_t kLongest = 3000; // microseconds: dozens of saves
-    printRow(run, "kills before a call", "saving settings, tmpfs", wanted,
+    printRow(workers, "kills before a call", "saving settings, tmpfs", wanted,
              [&](std::uint64_t number) {
-                 auto random = randomOf(run, row, number);
+                 auto random = randomOf(workers, row, number);
                  return killSaves([&](const SettingsUnderway &settings) {
                      const int call = int(random() % kCalls);
                      return runAndKill([&] { settings.save(KillingCalls(call), 1, kSaves); });
                  });
              });
-    printRow(run, "kills at random moments", "saving settings, tmpfs", wanted,
+    printRow(workers, "kills at random moments", "saving settings, tmpfs", wanted,
              [&](std::uint64_t number) {
-                 auto random = randomOf(run, row + 1, number);
+                 auto random = randomOf(workers, row + 1, number);
                  return killSaves([&](const SettingsUnderway &settings) {
                      return runAndKill([&] { settings.save(hostSystemCalls(), 1, kEndless); },
                                        microseconds(random() % kLongest));
@@ -122,31 +122,21 @@ void soakSettings(PartRun &run, std::uint64_t row, std::uint64_t wanted)
              });
 }
 
-void soakNaive(PartRun &run)
+void soakNaive(const Workers &workers)
 {
-    printRow(run, "kills of a naive deleter", "tmpfs", run.amount(), [&](std::uint64_t number) {
-        auto random = randomOf(run, 0, number);
+    const auto make = [&](std::uint64_t number) {
+        auto random = randomOf(workers, 0, number);
         const CleaningGround ground;
         const KillHome home(ground.path(), {}, quint32(random()));
         const WorkEnd end =
             runAndKill([&] { cleanByMovingAside(home.home()); }, microseconds(random() % 1000));
         return resultOf({end, home.lost()});
-    });
+    };
+    printRow(workers, "kills of a naive deleter", "tmpfs", workers.part().amount(), make);
 }
 
-} // namespace
-
-int main(int argc, char **argv)
+void soakAll(const Workers &workers)
 {
-    const ScratchEnvironment environment;
-    const QCoreApplication application(argc, argv);
-    PartRun run({argv, argv + argc},
-                {"Kills processes that clean, or save settings.", "how many kills in all", "20000",
-                 "kills a deleter that moves what is kept out of the way for the time being"});
-    if (run.isNaive()) {
-        soakNaive(run);
-        return run.exitCode();
-    }
     using Excluded = KillWorld::Excluded;
     constexpr auto kMemory = KillingCalls::Medium::Memory;
     constexpr auto kDisk = KillingCalls::Medium::Disk;
@@ -157,12 +147,31 @@ int main(int argc, char **argv)
         {"excluded inside, confined, two threads", Excluded::Inside, kDisk, true},
     };
     const std::uint64_t rows = 2 * worlds.size() + 2;
-    const std::uint64_t each = (run.amount() + rows - 1) / rows;
+    const std::uint64_t each = (workers.part().amount() + rows - 1) / rows;
     std::uint64_t row = 0;
     for (const KillWorld &world : worlds) {
-        soakCleaning(run, world, row, each);
+        soakCleaning(workers, world, row, each);
         row += 2;
     }
-    soakSettings(run, row, each);
-    return run.exitCode();
+    soakSettings(workers, row, each);
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const ScratchEnvironment environment;
+    const QCoreApplication application(argc, argv);
+    SoakPart part(
+        {"Kills processes that clean, or save settings.", "How many kills in all.", "20000"},
+        Workers::options() +
+            QList{soakOption(
+                "naive",
+                "Kills a deleter that moves what is kept out of the way for the time being.")});
+    const Workers workers(part);
+    if (part.isSet("naive"))
+        soakNaive(workers);
+    else
+        soakAll(workers);
+    return part.exitCode();
 }

@@ -1,8 +1,6 @@
 #pragma once
 
-#include "tests/support/run/ChildProcess.h"
-
-#include <QByteArray>
+#include "tests/soak/kit/SoakPart.h"
 
 /// An empty file system of this process's own: in memory, seen by no other process, and gone with
 /// this one and its children. Made once, at the start, by a process with one thread. A disk that
@@ -10,11 +8,11 @@
 class SoakDisk final
 {
 public:
-    enum class Kind { Memory, Ext4, Btrfs };
-
-    /// From here on the process has the rights of `user` and no others. Kinds but Memory, and other
-    /// users, need the administrator.
-    SoakDisk(Kind kind, ChildUser user);
+    /// --on says what kind of disk it is, --as who works on it.
+    static QList<QCommandLineOption> options();
+    /// From here on the process has the rights of that user and no others. Kinds but tmpfs, and
+    /// other users, need the administrator.
+    explicit SoakDisk(const SoakPart &part);
 
     /// Where it is mounted; it belongs to the user.
     QByteArray folder() const { return m_folder; }
@@ -24,7 +22,7 @@ public:
     QByteArray where() const;
 
 private:
-    Kind m_kind;
+    QByteArray m_kind;
     QByteArray m_folder;
     bool m_isAdministrator = false;
 };

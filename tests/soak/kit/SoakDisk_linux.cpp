@@ -1,6 +1,7 @@
 #include "tests/soak/kit/SoakDisk.h"
 
 #include "tests/support/disk/MountNamespace.h"
+#include "tests/support/run/ChildProcess.h"
 #include "tests/support/run/Must.h"
 
 #include <QProcess>
@@ -17,6 +18,8 @@ constexpr auto kBase = "/media";
 /// Sparse: takes only the memory that is used.
 constexpr off_t kSize = 2'000'000'000;
 constexpr mode_t kForAll = 0755;
+constexpr auto kMemory = "tmpfs";
+constexpr auto kUser = "user";
 
 void run(const char *program, const QStringList &arguments)
 {
@@ -28,34 +31,46 @@ void run(const char *program, const QStringList &arguments)
          program);
 }
 
-QByteArray mountDisk(const char *fileSystem)
+QByteArray chosen(const SoakPart &part, const char *option, const QByteArrayList &all)
+{
+    QByteArray value = part.value(option);
+    if (!all.contains(value))
+        SoakPart::complain(option);
+    return value;
+}
+
+QByteArray mountDisk(const QByteArray &fileSystem)
 {
     const QByteArray image = QByteArray(kBase) + "/image";
-    const QByteArray folder = QByteArray(kBase) + "/disk";
+    QByteArray folder = QByteArray(kBase) + "/disk";
     const int file = ::open(image.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
     must(file >= 0 && ::ftruncate(file, kSize) == 0, "an image of a disk");
     ::close(file);
     must(::mkdir(folder.constData(), kForAll) == 0, "a folder for a disk");
-    const QString name = QString::fromLatin1(fileSystem);
-    run(("mkfs." + QByteArray(fileSystem)).constData(),
-        {QStringLiteral("-q"), QString::fromLatin1(image)});
+    run(("mkfs." + fileSystem).constData(), {QStringLiteral("-q"), QString::fromLatin1(image)});
     // The loop device goes with the mount, and the mount with the process.
-    run("mount", {QStringLiteral("-t"), name, QStringLiteral("-o"), QStringLiteral("loop"),
-                  QString::fromLatin1(image), QString::fromLatin1(folder)});
+    run("mount", {QStringLiteral("-t"), QString::fromLatin1(fileSystem), QStringLiteral("-o"),
+                  QStringLiteral("loop"), QString::fromLatin1(image), QString::fromLatin1(folder)});
     return folder;
 }
 
 } // namespace
 
-SoakDisk::SoakDisk(Kind kind, ChildUser user) : m_kind(kind), m_folder(kBase)
+QList<QCommandLineOption> SoakDisk::options()
 {
+    return {soakOption("on", "The disk, made for this run: tmpfs, ext4 or btrfs.", "DISK", kMemory),
+            soakOption("as", "Who does it: administrator or user.", "WHO", kUser)};
+}
+
+SoakDisk::SoakDisk(const SoakPart &part)
+    : m_kind(chosen(part, "on", {kMemory, "ext4", "btrfs"})), m_folder(kBase)
+{
+    const bool isUser = chosen(part, "as", {"administrator", kUser}) == kUser;
     must(enterMountNamespace(), "mounts of its own");
     must(::mount("soak", kBase, "tmpfs", 0, "mode=755") == 0, "a disk in memory");
-    if (kind == Kind::Ext4)
-        m_folder = mountDisk("ext4");
-    if (kind == Kind::Btrfs)
-        m_folder = mountDisk("btrfs");
-    if (user == ChildUser::Nobody && ::geteuid() == 0) {
+    if (m_kind != kMemory)
+        m_folder = mountDisk(m_kind);
+    if (isUser && ::geteuid() == 0) {
         must(::chown(m_folder.constData(), kNobody, kNobody) == 0 && becomeNobody(),
              "an ordinary user");
         // Who has given up rights may not look at itself in /proc, unless it says that it may.
@@ -66,7 +81,5 @@ SoakDisk::SoakDisk(Kind kind, ChildUser user) : m_kind(kind), m_folder(kBase)
 
 QByteArray SoakDisk::where() const
 {
-    const char *const names[] = {"tmpfs", "ext4", "btrfs"};
-    return QByteArray(names[int(m_kind)]) +
-           (m_isAdministrator ? ", administrator" : ", ordinary user");
+    return m_kind + (m_isAdministrator ? ", administrator" : ", ordinary user");
 }

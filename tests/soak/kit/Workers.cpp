@@ -6,83 +6,119 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstring>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
-#include <vector>
 
 namespace {
 
 constexpr unsigned kLongestCase = 300; // seconds
-constexpr unsigned kMostWorkers = 64;
+constexpr int kMostWorkers = 256;
 constexpr std::uint64_t kMostPrinted = 40;
 
 /// What the processes count together.
 struct Tally
 {
-    std::atomic<std::uint64_t> next = 0;                          ///< the number of the next case
-    std::atomic<std::uint64_t> done = 0;                          ///< cases that count
-    std::atomic<std::uint64_t> found = 0;                         ///< findings
-    std::array<std::atomic<std::uint64_t>, kMostWorkers> cases{}; ///< which each one makes now
+    std::atomic<std::uint64_t> next = 0;  ///< the number of the next case
+    std::atomic<std::uint64_t> done = 0;  ///< cases that count
+    std::atomic<std::uint64_t> found = 0; ///< findings
+    /// Which one each process makes now.
+    std::array<std::atomic<std::uint64_t>, kMostWorkers> cases{};
 };
 
-void work(Tally &tally, unsigned worker, std::uint64_t wanted, std::uint64_t most,
-          const std::function<CaseResult(std::uint64_t)> &make)
+void tell(std::uint64_t number, const char *wrong)
 {
-    while (tally.done < wanted) {
-        const std::uint64_t number = tally.next++;
-        if (number >= most)
-            return;
-        tally.cases[worker] = number;
-        ::alarm(kLongestCase);
-        const CaseResult result = make(number);
-        ::alarm(0);
-        tally.done += result.counts;
-        for (const QByteArray &wrong : result.wrong) {
-            if (tally.found++ < kMostPrinted)
-                std::fprintf(stderr, "FOUND in case %llu: %s\n",
-                             static_cast<unsigned long long>(number), wrong.constData());
-        }
-    }
+    std::fprintf(stderr, "FOUND in case %llu: %s\n", static_cast<unsigned long long>(number),
+                 wrong);
 }
 
-/// A process that did not come to its end is a finding.
-void await(pid_t process, unsigned worker, Tally &tally)
+/// Whether the process came to its end.
+bool isDone(pid_t process)
 {
     int status = 0;
-    ::waitpid(process, &status, 0);
-    if (WIFEXITED(status) && WEXITSTATUS(status) == 0)
-        return;
-    ++tally.found;
-    std::fprintf(stderr,
-                 "FOUND: a process ended by signal %d (%d: it took too long) in case %llu\n",
-                 WIFSIGNALED(status) ? WTERMSIG(status) : 0, SIGALRM,
-                 static_cast<unsigned long long>(tally.cases[worker]));
+    while (::waitpid(process, &status, 0) < 0 && errno == EINTR)
+        continue;
+    if (WIFSIGNALED(status))
+        std::fprintf(stderr, "a process was ended by signal %d (%s)\n", WTERMSIG(status),
+                     ::strsignal(WTERMSIG(status)));
+    else if (WEXITSTATUS(status) != 0)
+        std::fprintf(stderr, "a process ended with %d\n", WEXITSTATUS(status));
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
 } // namespace
 
-CaseTotals makeCases(std::uint64_t wanted, std::uint64_t most,
-                     const std::function<CaseResult(std::uint64_t)> &make)
+QByteArray CaseTotals::deaths() const
+{
+    if (died == 0)
+        return {};
+    return ", " + grouped(died) + (died == 1 ? " process died" : " processes died");
+}
+
+QList<QCommandLineOption> Workers::options()
+{
+    return {soakOption("processes", "As many processes work side by side.", "P")};
+}
+
+Workers::Workers(SoakPart &part)
+    : m_part(part), m_count(std::clamp(int(std::thread::hardware_concurrency()), 1, kMostWorkers))
+{
+    bool isNumber = true;
+    if (part.isSet("processes"))
+        m_count = part.value("processes").toInt(&isNumber);
+    if (!isNumber || m_count < 1 || m_count > kMostWorkers)
+        SoakPart::complain("processes");
+}
+
+CaseTotals Workers::makeCases(std::uint64_t wanted, std::uint64_t most,
+                              const std::function<CaseResult(std::uint64_t number)> &make) const
 {
     const SharedMemory<Tally> tally;
-    std::vector<pid_t> workers;
-    const unsigned count =
-        std::min(std::max(std::thread::hardware_concurrency(), 1U), kMostWorkers);
-    for (unsigned worker = 0; worker < count; ++worker) {
+    const auto work = [&](int worker) {
+        while (tally->done < wanted) {
+            const std::uint64_t number = tally->next++;
+            if (number >= most)
+                return;
+            tally->cases[std::size_t(worker)] = number;
+            ::alarm(kLongestCase);
+            const CaseResult result = make(number);
+            ::alarm(0);
+            tally->done += result.counts;
+            for (const QByteArray &wrong : result.wrong) {
+                if (tally->found++ < kMostPrinted)
+                    tell(number, wrong.constData());
+            }
+        }
+    };
+    const std::vector<int> dead = workSideBySide(m_count, work);
+    for (const int worker : dead)
+        tell(tally->cases[std::size_t(worker)], "its process did not come to its end");
+    return {tally->done, tally->found + dead.size(), dead.size()};
+}
+
+std::vector<int> workSideBySide(int processes, const std::function<void(int number)> &work)
+{
+    std::vector<pid_t> started;
+    std::fflush(nullptr); // or each process would print it again
+    for (int number = 0; number < processes; ++number) {
         const pid_t process = ::fork();
         must(process >= 0, "a process");
         if (process == 0) {
             ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-            work(*tally, worker, wanted, most, make);
+            work(number);
             ::_exit(0);
         }
-        workers.push_back(process);
+        started.push_back(process);
     }
-    for (unsigned worker = 0; worker < workers.size(); ++worker)
-        await(workers[worker], worker, *tally);
-    return {tally->done, tally->found};
+    std::vector<int> dead;
+    for (int number = 0; number < processes; ++number) {
+        if (!isDone(started[std::size_t(number)]))
+            dead.push_back(number);
+    }
+    return dead;
 }

@@ -1,37 +1,25 @@
 // Cleans random trees and compares what is left with set arithmetic. The short form is
 // slices/cleaning/tst_CleaningModel.
 #include "tests/slices/kit/ModelCase.h"
-#include "tests/soak/kit/SideBySide.h"
-#include "tests/soak/kit/SoakCommand.h"
+#include "tests/soak/kit/SoakDisk.h"
+#include "tests/soak/kit/Workers.h"
+#include "tests/support/run/SharedMemory.h"
 
 #include <QCoreApplication>
-#include <cstdio>
+#include <atomic>
 
 namespace {
 
+/// What the processes count together.
 struct Tally
 {
-    std::uint64_t cases = 0;
-    std::uint64_t entries = 0;
-    std::uint64_t confined = 0;
-    std::uint64_t busy = 0;
-    std::uint64_t failedCalls = 0;
-    std::uint64_t lost = 0;
-    std::uint64_t left = 0;
-    std::uint64_t wrong = 0;
-
-    Tally &operator+=(const Tally &other)
-    {
-        cases += other.cases;
-        entries += other.entries;
-        confined += other.confined;
-        busy += other.busy;
-        failedCalls += other.failedCalls;
-        lost += other.lost;
-        left += other.left;
-        wrong += other.wrong;
-        return *this;
-    }
+    std::atomic<std::uint64_t> entries = 0;
+    std::atomic<std::uint64_t> confined = 0;
+    std::atomic<std::uint64_t> busy = 0;
+    std::atomic<std::uint64_t> failedCalls = 0;
+    std::atomic<std::uint64_t> lost = 0;
+    std::atomic<std::uint64_t> left = 0;
+    std::atomic<std::uint64_t> wrong = 0;
 };
 
 /// Half of the cases have calls that fail; half are dealt with as on a disk, with two threads.
@@ -41,17 +29,13 @@ ModelCase::Conditions conditionsOf(quint32 seed)
     return {seed / 2 % 2 == 0 ? 0 : kFailuresPerThousand, seed / 4 % 2 == 0};
 }
 
-void tell(quint32 seed, const ModelCase::Outcome &outcome)
+ModelCase::Outcome outcomeOf(const QByteArray &folder, quint32 seed, Tally &tally)
 {
-    std::fprintf(stderr, "--amount 1 --processes 1 --seed %u: %s\n", seed,
-                 outcome.words().constData());
-}
-
-void tryCase(const QByteArray &folder, quint32 seed, Tally &tally)
-{
+    const std::size_t descriptors = openDescriptors();
     ModelCase tried(folder, seed, conditionsOf(seed));
-    const ModelCase::Outcome outcome = tried.run();
-    ++tally.cases;
+    ModelCase::Outcome outcome = tried.run();
+    if (openDescriptors() != descriptors)
+        outcome.wrong.append("descriptors were left open");
     tally.entries += outcome.removed + outcome.kept;
     tally.confined += tried.isConfined() ? 1 : 0;
     tally.busy += tried.isBusy() ? 1 : 0;
@@ -59,8 +43,17 @@ void tryCase(const QByteArray &folder, quint32 seed, Tally &tally)
     tally.lost += std::uint64_t(outcome.lost.size());
     tally.left += std::uint64_t(outcome.leftBehind.size());
     tally.wrong += std::uint64_t(outcome.wrong.size());
+    return outcome;
+}
+
+CaseResult tryCase(const QByteArray &folder, quint32 seed, Tally &tally)
+{
+    const ModelCase::Outcome outcome = outcomeOf(folder, seed, tally);
+    CaseResult result;
     if (!outcome.isRight())
-        tell(seed, outcome);
+        result.wrong.append("--amount 1 --seed " + QByteArray::number(seed) + ": " +
+                            outcome.words());
+    return result;
 }
 
 } // namespace
@@ -68,31 +61,21 @@ void tryCase(const QByteArray &folder, quint32 seed, Tally &tally)
 int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
-    const SoakCommand command("Compares random cleanings with set arithmetic.",
-                              "How many cleanings.");
-    const SoakDisk disk(command.disk(), command.user());
-    const auto total = sideBySide<Tally>(command.processes(), [&](int number) {
-        Tally tally;
-        const std::size_t descriptors = openDescriptors();
-        for (std::uint64_t i = std::uint64_t(number); i < command.amount();
-             i += std::uint64_t(command.processes()))
-            tryCase(disk.folder(), command.seed() + quint32(i), tally);
-        // The first case opens what doOutside() needs, and no descriptor.
-        if (openDescriptors() != descriptors) {
-            std::fputs("descriptors were left open\n", stderr);
-            ++tally.wrong;
-        }
-        return tally;
-    });
-    if (!total)
-        return EXIT_FAILURE; // a process died, and has said why
-    printRow("random cleanings against the model", disk.where(),
-             counted(total->cases) + " cases of " + counted(total->entries) + " entries, " +
-                 counted(total->confined) + " confined, " + counted(total->busy) +
-                 " with later changes, " + counted(total->failedCalls) + " failed calls",
-             counted(total->lost) + " lost, " + counted(total->left) + " left behind, " +
-                 counted(total->wrong) + " wrong reports");
-    return total->lost + total->left + total->wrong == 0 && total->cases == command.amount()
-               ? EXIT_SUCCESS
-               : EXIT_FAILURE;
+    SoakPart part({"Compares random cleanings with set arithmetic.", "How many cleanings."},
+                  SoakDisk::options() + Workers::options());
+    const Workers workers(part);
+    const SoakDisk disk(part);
+    const SharedMemory<Tally> tally;
+    const CaseTotals totals =
+        workers.makeCases(part.amount(), part.amount(), [&](std::uint64_t number) {
+            return tryCase(disk.folder(), part.seed() + quint32(number), *tally);
+        });
+    part.print({"random cleanings against the model", disk.where(),
+                grouped(totals.done) + " cases of " + grouped(tally->entries) + " entries, " +
+                    grouped(tally->confined) + " confined, " + grouped(tally->busy) +
+                    " with later changes, " + grouped(tally->failedCalls) + " failed calls",
+                grouped(tally->lost) + " lost, " + grouped(tally->left) + " left behind, " +
+                    grouped(tally->wrong) + " wrong reports" + totals.deaths(),
+                totals.found, totals.done, part.amount()});
+    return part.exitCode();
 }

@@ -1,6 +1,6 @@
 // Lets a monkey play with the program for so many events, home after home, and prints a row.
 
-#include "tests/soak/kit/SoakCommand.h"
+#include "tests/soak/kit/SoakPart.h"
 #include "tests/soak/monkey/MonkeyRound.h"
 #include "tests/soak/monkey/ProcessFigures.h"
 #include "tests/soak/monkey/ToolkitWarnings.h"
@@ -44,20 +44,20 @@ private:
     bool m_isStarted = false;
 };
 
-void printTally(const MonkeyTally &tally, const Growth &growth, qsizetype warnings)
+SoakPart::Row rowOf(const MonkeyTally &tally, const Growth &growth, qsizetype warnings)
 {
     const QByteArray sanitizers(VANTOR_SANITIZERS);
     const QByteArray memory =
         kIsMemoryMeasured ? QByteArray::number(growth.memory() / 1024) + " KB and " : "";
-    printRow("random events at the window",
-             QGuiApplication::platformName().toUtf8() +
-                 (sanitizers.isEmpty() ? "" : ", sanitizers: ") + sanitizers,
-             counted(tally.events) + " events",
-             counted(tally.findings.size()) + " findings, " + counted(warnings) +
-                 " warnings of the toolkit; " + counted(tally.cleanings) +
-                 " cleanings that were agreed to removed " + counted(tally.removed) + " items, " +
-                 counted(tally.earlyPresses) + " early presses none; it grew by " + memory +
-                 QByteArray::number(growth.descriptors()) + " descriptors");
+    return {"random events at the window",
+            QGuiApplication::platformName().toUtf8() +
+                (sanitizers.isEmpty() ? "" : ", sanitizers: ") + sanitizers,
+            grouped(tally.events) + " events",
+            grouped(tally.findings.size()) + " findings, " + grouped(warnings) +
+                " warnings of the toolkit; " + grouped(tally.cleanings) +
+                " cleanings that were agreed to removed " + grouped(tally.removed) + " items, " +
+                grouped(tally.earlyPresses) + " early presses none; it grew by " + memory +
+                QByteArray::number(growth.descriptors()) + " descriptors"};
 }
 
 void tell(const QStringList &texts)
@@ -66,9 +66,11 @@ void tell(const QStringList &texts)
         std::fprintf(stderr, "  %s\n", qPrintable(text));
 }
 
-/// Plays until the events are sent or something is found. Returns whether nothing was.
-bool play(int events, quint32 seed)
+/// Plays until the events are sent or something is found, and prints the row.
+void play(SoakPart &part)
 {
+    const int events = static_cast<int>(part.amount());
+    quint32 seed = part.seed();
     ToolkitWarnings warnings;
     qsizetype warningCount = 0;
     MonkeyTally tally;
@@ -84,9 +86,11 @@ bool play(int events, quint32 seed)
             growth.look();
     }
     tell(tally.findings);
-    printTally(tally, growth, warningCount);
     const bool isEnough = tally.cleanings > 0 || events < 5 * kEventsOfRound;
-    return tally.findings.isEmpty() && warningCount == 0 && growth.isSmall() && isEnough;
+    SoakPart::Row row = rowOf(tally, growth, warningCount);
+    row.findings = std::uint64_t(tally.findings.size() + warningCount) +
+                   (growth.isSmall() ? 0 : 1) + (isEnough ? 0 : 1);
+    part.print(row);
 }
 
 } // namespace
@@ -100,8 +104,8 @@ int main(int argc, char **argv)
     const QApplication application(argc, argv);
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     QApplication::setQuitOnLastWindowClosed(false);
-    const SoakCommand command("Lets a monkey play with the program.", "Events to send.");
-    const bool isWell = play(static_cast<int>(command.amount()), command.seed());
+    SoakPart part({"Lets a monkey play with the program.", "Events to send."});
+    play(part);
     awaitBackgroundThreads();
-    return isWell ? 0 : 1;
+    return part.exitCode();
 }

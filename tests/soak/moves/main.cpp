@@ -1,113 +1,129 @@
 // Makes every hostile move before every call of a cleaning: every moment is tried on purpose. The
 // short form is slices/cleaning/tst_CleaningRaces.
 #include "tests/slices/kit/Interleavings.h"
-#include "tests/soak/kit/SideBySide.h"
-#include "tests/soak/kit/SoakCommand.h"
+#include "tests/soak/kit/SoakDisk.h"
+#include "tests/soak/kit/Workers.h"
+#include "tests/support/run/SharedMemory.h"
 
 #include <QCoreApplication>
-#include <cstdio>
+#include <algorithm>
+#include <atomic>
+#include <optional>
 #include <random>
+#include <unistd.h>
 
 namespace {
 
-struct Tally
-{
-    std::uint64_t tried = 0;
-    std::uint64_t lost = 0;
-    std::uint64_t explained = 0;
-
-    Tally &operator+=(const Tally &other)
-    {
-        tried += other.tried;
-        lost += other.lost;
-        explained += other.explained;
-        return *this;
-    }
-};
-
-struct Calls
-{
-    Interleavings::CallCounts counts{};
-
-    Calls &operator+=(const Calls &other)
-    {
-        counts = other.counts; // there is one
-        return *this;
-    }
-};
-
 using Many = std::vector<Interleavings::Interleaving>;
 
+/// How many of them are one case: those that wait for the same tick of the clock.
+constexpr std::uint64_t kAtOnce = 64;
+
 /// All of them as often as the amount asks for, in random order: of less than all it is a sample.
-Many chosen(const Interleavings &interleavings, const SoakCommand &command)
+Many chosen(const Interleavings &interleavings, const SoakPart &part)
 {
-    std::mt19937 random(command.seed());
+    std::mt19937 random(part.seed());
     Many all = interleavings.all();
     Many chosen;
-    while (chosen.size() < command.amount()) {
-        if (command.isSet("pairs")) {
+    while (chosen.size() < part.amount()) {
+        if (part.isSet("pairs")) {
             chosen.push_back(interleavings.anyPair(random));
             continue;
         }
         std::shuffle(all.begin(), all.end(), random);
-        const auto missing = std::min<std::uint64_t>(command.amount() - chosen.size(), all.size());
+        const auto missing = std::min<std::uint64_t>(part.amount() - chosen.size(), all.size());
         chosen.insert(chosen.end(), all.begin(), all.begin() + std::ptrdiff_t(missing));
     }
     return chosen;
 }
 
-Tally tryShare(const SoakCommand &command, const Interleavings &interleavings, int number)
+/// The cleanings that are tried: some at a time, by each process in a folder of its own.
+class Trial final
 {
-    const Many all = chosen(interleavings, command);
-    const auto share = [&](int part) {
-        return all.begin() + std::ptrdiff_t(all.size()) * part / command.processes();
-    };
-    Tally tally;
-    interleavings.run(share(number), share(number + 1), [&](const auto &one, const auto &outcome) {
-        ++tally.tried;
-        if (outcome.lost.isEmpty())
-            return;
-        ++(outcome.isExplained ? tally.explained : tally.lost);
-        if (!outcome.isExplained)
-            std::fprintf(stderr, "%s: lost %s\n", interleavings.words(one).constData(),
-                         outcome.lost.join(", ").constData());
-    });
-    return tally;
-}
+public:
+    Trial(const SoakPart &part, const SoakDisk &disk, Mounting mounting,
+          const Interleavings::CallCounts &counts)
+        : m_disk(disk),
+          m_mounting(mounting),
+          m_counts(counts),
+          m_chosen(chosen(Interleavings({}, mounting, counts), part))
+    {
+    }
+
+    std::uint64_t cases() const { return (m_chosen.size() + kAtOnce - 1) / kAtOnce; }
+    CaseResult make(std::uint64_t number) const
+    {
+        const auto first = m_chosen.begin() + std::ptrdiff_t(number * kAtOnce);
+        const auto last = first + std::min(std::ptrdiff_t(kAtOnce), m_chosen.end() - first);
+        const Interleavings &interleavings = ofThisProcess();
+        CaseResult result{0, {}};
+        interleavings.run(first, last, [&](const auto &one, const auto &outcome) {
+            ++result.counts;
+            if (outcome.lost.isEmpty())
+                return;
+            if (outcome.isExplained)
+                ++*m_explained;
+            else
+                result.wrong.append(interleavings.words(one) + ": lost " + outcome.lost.join(", "));
+        });
+        return result;
+    }
+
+    /// With a loss in the last instant, where nothing is excluded.
+    std::uint64_t explained() const { return *m_explained; }
+
+private:
+    const Interleavings &ofThisProcess() const
+    {
+        if (!m_interleavings) {
+            const QByteArray folder = m_disk.folder() + '/' + QByteArray::number(::getpid());
+            makeFolder(folder);
+            m_interleavings.emplace(folder, m_mounting, m_counts);
+        }
+        return *m_interleavings;
+    }
+
+    const SoakDisk &m_disk;
+    const Mounting m_mounting;
+    const Interleavings::CallCounts m_counts;
+    const Many m_chosen;
+    mutable std::optional<Interleavings> m_interleavings; ///< made after the fork
+    const SharedMemory<std::atomic<std::uint64_t>> m_explained;
+};
 
 /// In a process of its own, because it leaves a thread behind. The same for all, so that they share
-/// one list.
-std::optional<Calls> countCalls(const SoakDisk &disk)
+/// one list. Nothing if the process died.
+std::optional<Interleavings::CallCounts> countCalls(const SoakDisk &disk)
 {
-    return sideBySide<Calls>(1,
-                             [&](int) { return Calls{Interleavings::countCalls(disk.folder())}; });
+    const SharedMemory<Interleavings::CallCounts> counts;
+    const auto dead =
+        workSideBySide(1, [&](int) { *counts = Interleavings::countCalls(disk.folder()); });
+    return dead.empty() ? std::optional(*counts) : std::nullopt;
 }
 
-int run(const SoakCommand &command, const SoakDisk &disk)
+int run(const Workers &workers, const SoakDisk &disk)
 {
-    const auto calls = countCalls(disk);
-    if (!calls)
-        return EXIT_FAILURE; // the process died, and has said why
+    SoakPart &part = workers.part();
+    const auto counts = countCalls(disk);
+    if (!counts)
+        return EXIT_FAILURE; // the process has said why
     // After a mount it is not seen what a second move loses below it.
-    const bool mayMount = disk.isAdministrator() && !command.isSet("pairs");
-    const Mounting mounting = mayMount ? Mounting::Allowed : Mounting::NotAllowed;
-    const auto total = sideBySide<Tally>(command.processes(), [&](int number) {
-        const QByteArray folder = disk.folder() + '/' + QByteArray::number(number);
-        makeFolder(folder);
-        return tryShare(command, Interleavings(folder, mounting, calls->counts), number);
-    });
-    if (!total)
-        return EXIT_FAILURE;
-    const std::size_t all = Interleavings({}, mounting, calls->counts).all().size();
-    printRow(
-        command.isSet("pairs") ? "two hostile moves before two calls"
-                               : "hostile moves before every call",
-        disk.where(),
-        counted(total->tried) + " cleanings" +
-            (command.isSet("pairs") ? QByteArray() : " of " + counted(all) + " different ones"),
-        counted(total->lost) + " with a loss, " + counted(total->explained) +
-            " where nothing was excluded, as docs/safety.md says");
-    return total->lost == 0 && total->tried == command.amount() ? EXIT_SUCCESS : EXIT_FAILURE;
+    const bool arePairs = part.isSet("pairs");
+    const Mounting mounting =
+        disk.isAdministrator() && !arePairs ? Mounting::Allowed : Mounting::NotAllowed;
+    const Trial trial(part, disk, mounting, *counts);
+    const CaseTotals totals = workers.makeCases(
+        part.amount(), trial.cases(), [&](std::uint64_t number) { return trial.make(number); });
+    const std::size_t all = Interleavings({}, mounting, *counts).all().size();
+    part.print({arePairs ? "two hostile moves before two calls" : "hostile moves before every call",
+                disk.where(),
+                grouped(totals.done) + " cleanings" +
+                    (arePairs ? QByteArray() : " of " + grouped(all) + " different ones"),
+                grouped(totals.found - totals.died) + " with a loss" + totals.deaths() + ", " +
+                    grouped(trial.explained()) +
+                    " where nothing was excluded, as docs/safety.md says",
+                totals.found, totals.done, part.amount()});
+    return part.exitCode();
 }
 
 } // namespace
@@ -115,10 +131,11 @@ int run(const SoakCommand &command, const SoakDisk &disk)
 int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
-    const SoakCommand command(
-        "Makes hostile moves before every call of a cleaning.",
-        "How many cleanings; all moves before all calls are some 50,000.",
-        {{QStringLiteral("pairs"), QStringLiteral("Two random moves before two random calls.")}});
-    const SoakDisk disk(command.disk(), command.user());
-    return run(command, disk);
+    SoakPart part({"Makes hostile moves before every call of a cleaning.",
+                   "How many cleanings; all moves before all calls are some 50,000."},
+                  SoakDisk::options() + Workers::options() +
+                      QList{soakOption("pairs", "Two random moves before two random calls.")});
+    const Workers workers(part);
+    const SoakDisk disk(part);
+    return run(workers, disk);
 }

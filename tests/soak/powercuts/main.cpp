@@ -1,7 +1,7 @@
 #include "platform/system/HostSystemCalls.h"
 #include "tests/app/settings/SettingsUnderway.h"
 #include "tests/slices/kit/KillCase.h"
-#include "tests/soak/kit/PartRun.h"
+#include "tests/soak/kit/SoakPart.h"
 #include "tests/soak/powercuts/CutDisk.h"
 #include "tests/soak/powercuts/LoopMount.h"
 #include "tests/support/calls/ForwardingSystemCalls.h"
@@ -222,7 +222,7 @@ private:
 using Cut = QByteArray (Trial::*)(quint32);
 
 /// Cuts the power so many times, and prints the row. A case that hangs ends the program.
-void soak(PartRun &run, const FileSystem &fileSystem, const char *what, const SystemCalls &calls,
+void soak(SoakPart &part, const FileSystem &fileSystem, const char *what, const SystemCalls &calls,
           Cut cut, std::uint64_t wanted)
 {
     const QByteArray where = QByteArray(fileSystem.name) + " on a disk with a cache";
@@ -230,7 +230,7 @@ void soak(PartRun &run, const FileSystem &fileSystem, const char *what, const Sy
     Trial trial(fileSystem, calls);
     std::uint64_t found = 0;
     for (std::uint64_t i = 0; i < wanted; ++i) {
-        const auto seed = quint32(run.seed() + i);
+        const auto seed = part.seed() + quint32(i);
         ::alarm(kLongestCase);
         const QByteArray wrong = (trial.*cut)(seed);
         ::alarm(0);
@@ -246,7 +246,7 @@ void soak(PartRun &run, const FileSystem &fileSystem, const char *what, const Sy
         words += ", " + grouped(trial.saves()) + " saves acknowledged";
     if (trial.partlyCleaned() > 0)
         words += ", " + grouped(trial.partlyCleaned()) + " homes partly cleaned";
-    run.print({what, where, wanted, "power cuts", words, found, wanted});
+    part.print({what, where, grouped(wanted) + " power cuts", words, found, wanted, wanted});
 }
 
 } // namespace
@@ -255,33 +255,35 @@ int main(int argc, char **argv)
 {
     const ScratchEnvironment environment;
     const QCoreApplication application(argc, argv);
-    PartRun run({argv, argv + argc},
-                {"Cuts the power while settings are saved, or a home is cleaned. For root.",
-                 "how many power cuts in all", "500", "saves without waiting for the disk"});
+    SoakPart part({"Cuts the power while settings are saved, or a home is cleaned. For root.",
+                   "How many power cuts in all.", "500"},
+                  {soakOption("naive", "Saves without waiting for the disk.")});
     if (::geteuid() != 0 || !enterMountNamespace()) {
-        std::puts("power cuts\tall file systems\t0 power cuts\tnot run (needs an administrator)");
-        return 0;
+        part.print(
+            {"power cuts", "all file systems", "0 power cuts", "not run (needs an administrator)"});
+        return part.exitCode();
     }
     QList<FileSystem> found;
     for (const FileSystem &each : fileSystems()) {
         if (!QStandardPaths::findExecutable(QString::fromLatin1(each.maker)).isEmpty())
             found.append(each);
         else
-            std::printf("power cuts\t%s\t0 power cuts\tnot run (needs %s)\n", each.name,
-                        each.maker);
+            part.print({"power cuts", each.name, "0 power cuts",
+                        QByteArray("not run (needs ") + each.maker + ')'});
     }
     if (found.isEmpty())
         return 1;
     const NeverSyncing neverSyncing;
-    const SystemCalls &calls = run.isNaive() ? neverSyncing : hostSystemCalls();
+    const bool isNaive = part.isSet("naive");
+    const SystemCalls &calls = isNaive ? neverSyncing : hostSystemCalls();
     const auto rows = 2 * std::uint64_t(found.size());
-    const std::uint64_t each = (run.amount() + rows - 1) / rows;
+    const std::uint64_t each = (part.amount() + rows - 1) / rows;
     for (const FileSystem &fileSystem : found) {
-        soak(run, fileSystem, "power cuts while settings are saved", calls, &Trial::cutWhileSaving,
+        soak(part, fileSystem, "power cuts while settings are saved", calls, &Trial::cutWhileSaving,
              each);
-        if (!run.isNaive())
-            soak(run, fileSystem, "power cuts while a home is cleaned", calls,
+        if (!isNaive)
+            soak(part, fileSystem, "power cuts while a home is cleaned", calls,
                  &Trial::cutWhileCleaning, each);
     }
-    return run.exitCode();
+    return part.exitCode();
 }
