@@ -1,10 +1,36 @@
 #include "platform/system/HostSystemCalls.h"
 #include "tests/slices/kit/Interleavings.h"
+#include "tests/support/run/Confinement.h"
 #include "tests/support/run/TestMain.h"
 
 #include <QRandomGenerator>
 #include <algorithm>
+#include <map>
 #include <random>
+#include <set>
+
+namespace {
+
+/// The numbers of the calls of a cleaning by one thread that confine a thread, by their names.
+std::map<QByteArray, std::set<int>> confiningCalls(const QByteArray &around,
+                                                   AttackedHome::Exclusion exclusion)
+{
+    std::map<QByteArray, std::set<int>> found{
+        {"makeRules", {}}, {"allow", {}}, {"enterForGood", {}}};
+    int count = 1;
+    for (int number = 0; number < count; ++number) {
+        const AttackedHome home(around + "/home", exclusion);
+        const Interloper calls({{number, [] {}}});
+        home.clean(Moment::never(), calls);
+        count = calls.count();
+        if (const auto call = found.find(calls.interrupted().split(' ').first());
+            call != found.end())
+            call->second.insert(number);
+    }
+    return found;
+}
+
+} // namespace
 
 class TestCleaningRaces final : public QObject
 {
@@ -12,6 +38,8 @@ class TestCleaningRaces final : public QObject
 
 private Q_SLOTS:
     void losesNothing();
+    void losesNothingWhileThreadsAreBeingConfined_data();
+    void losesNothingWhileThreadsAreBeingConfined();
     void knowsAnExcludedFolderInAnothersPlace();
     void keepsTheWayToWhatWasMovedAway_data();
     void keepsTheWayToWhatWasMovedAway();
@@ -46,6 +74,41 @@ void TestCleaningRaces::losesNothing()
     });
     QVERIFY2(lost.isEmpty(), lost.join('\n'));
     QVERIFY(chosenLeft < 2 * chosen.size()); // of five: most go nevertheless
+}
+
+void TestCleaningRaces::losesNothingWhileThreadsAreBeingConfined_data()
+{
+    QTest::addColumn<AttackedHome::Exclusion>("exclusion");
+    QTest::addRow("something excluded") << AttackedHome::Exclusion::Keep;
+    QTest::addRow("nothing excluded") << AttackedHome::Exclusion::None;
+}
+
+/// The rules name open folders, which others may move between one call and the next.
+void TestCleaningRaces::losesNothingWhileThreadsAreBeingConfined()
+{
+    VANTOR_NEEDS_CONFINEMENT;
+    QFETCH(AttackedHome::Exclusion, exclusion);
+    const CleaningGround ground;
+    const LogRecorder silenced;
+    std::set<int> calls;
+    for (const auto &[name, numbers] : confiningCalls(ground.path(), exclusion)) {
+        QVERIFY2(!numbers.empty(), name.constData());
+        calls.insert(numbers.begin(), numbers.end());
+    }
+    const Interleavings interleavings(ground.path(), Mounting::NotAllowed,
+                                      Interleavings::countCalls(ground.path()));
+    std::vector<Interleavings::Interleaving> chosen = interleavings.all();
+    std::erase_if(chosen, [&](const Interleavings::Interleaving &one) {
+        return one.way.exclusion != exclusion ||
+               one.way.confinement != AttackedHome::Confinement::On || !one.way.isInMemory ||
+               !calls.contains(one.first.call);
+    });
+    QByteArrayList lost;
+    interleavings.run(chosen.begin(), chosen.end(), [&](const auto &one, const auto &outcome) {
+        if (!outcome.lost.isEmpty())
+            lost.append(interleavings.words(one) + ": " + outcome.lost.join(", "));
+    });
+    QVERIFY2(lost.isEmpty(), lost.join('\n'));
 }
 
 /// The listing saw another folder under this name; only the opened folder tells which one it is.
