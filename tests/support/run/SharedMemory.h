@@ -10,17 +10,11 @@
 template <typename Value> class SharedMemory final
 {
 public:
-    SharedMemory()
-        : m_memory(::mmap(nullptr, sizeof(Value), PROT_READ | PROT_WRITE,
-                          MAP_SHARED | MAP_ANONYMOUS, -1, 0))
-    {
-        must(m_memory != MAP_FAILED, "memory to share");
-        m_value = new (m_memory) Value();
-    }
+    SharedMemory() : m_value(new (mapped()) Value()) {}
     ~SharedMemory()
     {
         m_value->~Value();
-        ::munmap(m_memory, sizeof(Value));
+        ::munmap(m_value, sizeof(Value));
     }
     SharedMemory(const SharedMemory &) = delete;
     SharedMemory &operator=(const SharedMemory &) = delete;
@@ -29,6 +23,13 @@ public:
     Value &operator*() const { return *m_value; }
 
 private:
-    void *m_memory = nullptr;
-    Value *m_value = nullptr;
+    static void *mapped()
+    {
+        void *const memory = ::mmap(nullptr, sizeof(Value), PROT_READ | PROT_WRITE,
+                                    MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+        must(memory != MAP_FAILED, "memory to share");
+        return memory;
+    }
+
+    Value *m_value;
 };
