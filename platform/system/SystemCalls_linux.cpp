@@ -126,14 +126,15 @@ FileStatus statusFrom(const struct statx &found)
     return status;
 }
 
-/// Asks without waiting for a server, and without mounting what is mounted on demand.
+/// Mounts nothing that is mounted on demand. Never answers from what is known to be old: where a
+/// server or another process keeps the files, a time from before the last write would let a file
+/// go that has just been saved.
 SystemResult<struct statx> statxAt(int parent, const char *name, int flags, unsigned mask)
 {
-    constexpr int kQuietly = AT_STATX_DONT_SYNC | AT_NO_AUTOMOUNT;
     struct statx found
     {
     };
-    if (::statx(parent, name, flags | kQuietly, mask, &found) != 0)
+    if (::statx(parent, name, flags | AT_NO_AUTOMOUNT, mask, &found) != 0)
         return lastError();
     return found;
 }
