@@ -358,7 +358,5 @@ RemovalSteps::kindOf(const EntryRef &ref, const FolderListing::Entry &entry) con
     const auto status = m_calls.status(ref.folder, ref.name);
     if (!status)
         return tl::unexpected(refused(ref, RefusalReason::Unreadable, status.error()));
-    if (m_protection.keepsInode(status->inode))
-        return tl::unexpected(EntryOutcome::Stays);
     return status->kind;
 }
