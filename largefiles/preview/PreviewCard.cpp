@@ -80,6 +80,7 @@ void PreviewCard::setUpText()
     m_text->setFrameShape(QFrame::NoFrame);
     m_text->setContextMenuPolicy(Qt::NoContextMenu);
     m_text->setVerticalScrollBar(new ThinScrollBar(Qt::Vertical, m_text));
+    m_text->setHorizontalScrollBar(new ThinScrollBar(Qt::Horizontal, m_text));
     m_text->setAccessibleName(tr("Beginning of the file"));
 }
 

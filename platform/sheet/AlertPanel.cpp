@@ -45,6 +45,8 @@ public:
         setFrameShape(QFrame::NoFrame);
         setWidgetResizable(true);
         setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        // The bar's menu runs an event loop of its own, and the alert may end meanwhile.
+        verticalScrollBar()->setContextMenuPolicy(Qt::PreventContextMenu);
         viewport()->setAutoFillBackground(false);
         connect(verticalScrollBar(), &QScrollBar::rangeChanged, this, [this](int, int maximum) {
             setFocusPolicy(maximum > 0 ? Qt::StrongFocus : Qt::NoFocus);

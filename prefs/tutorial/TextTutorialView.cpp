@@ -44,6 +44,7 @@ TextTutorialView::TextTutorialView(QWidget *parent)
     setFocusProxy(m_browser);
     m_browser->setFrameShape(QFrame::NoFrame);
     m_browser->setVerticalScrollBar(new ThinScrollBar(Qt::Vertical, m_browser));
+    m_browser->setHorizontalScrollBar(new ThinScrollBar(Qt::Horizontal, m_browser));
     m_browser->setOpenLinks(false);
     m_browser->setAccessibleName(tr("Tutorial"));
     m_browser->document()->setDefaultFont(interfaceFont(Typeface::Light, kTextSize));

@@ -11,6 +11,7 @@
 #include <QPainter>
 #include <QPdfWriter>
 #include <QPlainTextEdit>
+#include <QScrollBar>
 #include <QStringListModel>
 
 /// A table of files and a panel that previews its selected rows.
@@ -191,6 +192,7 @@ private Q_SLOTS:
         QVERIFY(files.panel.hasFocus());
         files.shown();
         auto *const text = files.panel.findChild<QPlainTextEdit *>();
+        QCOMPARE(text->horizontalScrollBar()->contextMenuPolicy(), Qt::PreventContextMenu);
         files.press(Qt::Key_Tab);
         QVERIFY(text->hasFocus());
         files.press(Qt::Key_Down);

@@ -257,6 +257,7 @@ void TestAlert::scrollsWhatDoesNotFit()
         QRect(alertIn(host)->mapTo(&host.window, QPoint()), alertIn(host)->size())));
     auto *const area = alertIn(host)->findChild<QScrollArea *>();
     QVERIFY(area->verticalScrollBar()->maximum() > 0);
+    QCOMPARE(area->verticalScrollBar()->contextMenuPolicy(), Qt::PreventContextMenu);
     QCOMPARE(area->horizontalScrollBar()->maximum(), 0);
     press(host, Qt::Key_Tab); // from the button to the text
     QCOMPARE(QApplication::focusWidget(), area);

@@ -4,6 +4,7 @@
 #include <QAccessible>
 #include <QFile>
 #include <QRegularExpression>
+#include <QScrollBar>
 #include <QTextBrowser>
 
 class TestTextTutorialView final : public QObject
@@ -16,6 +17,7 @@ private Q_SLOTS:
     void namesNoPictureThatIsMissing();
     void showsItsPicturesSharply();
     void scrollsByKeyboard();
+    void givesItsScrollBarsNoMenus();
     void isReadByAScreenReader();
     void fetchesNothingFromTheNetwork();
     void leavesTheStylesOfTheWebViewOut();
@@ -96,6 +98,14 @@ void TestTextTutorialView::scrollsByKeyboard()
     const QImage before = view.grab().toImage();
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_PageDown);
     QTRY_VERIFY(view.grab().toImage() != before);
+}
+
+/// Their menus would run an event loop of their own.
+void TestTextTutorialView::givesItsScrollBarsNoMenus()
+{
+    const TextTutorialView view;
+    for (const QScrollBar *bar : view.findChildren<QScrollBar *>())
+        QCOMPARE(bar->contextMenuPolicy(), Qt::PreventContextMenu);
 }
 
 void TestTextTutorialView::isReadByAScreenReader()
