@@ -10,33 +10,6 @@
 
 Q_DECLARE_METATYPE(std::function<void(const QByteArray &)>)
 
-namespace {
-
-/// Does something between the look at an entry of this name and the first step of its removal.
-class AfterTheLook final : public HookedCalls
-{
-public:
-    AfterTheLook(QByteArrayView name, std::function<void()> action)
-        : m_name(name), m_action(std::move(action))
-    {
-    }
-
-    bool isInMemory(int) const override { return true; }
-    std::optional<int> before(const char *call, int, const char *name) const override
-    {
-        const QByteArrayView step(call);
-        if ((step == "removeFile" || step == "moveToFree") && m_name == name)
-            doOutside(m_action);
-        return {};
-    }
-
-private:
-    QByteArrayView m_name;
-    std::function<void()> m_action;
-};
-
-} // namespace
-
 /// Users go on working while it cleans: they move, save and rename.
 class TestCleaningMoves final : public QObject
 {
