@@ -72,6 +72,15 @@ QString text(QPoint place)
     return QStringLiteral("%1,%2").arg(place.x()).arg(place.y());
 }
 
+/// An object and all that is around it, from the inside out.
+QString placeOf(const QObject *object)
+{
+    QStringList classes;
+    for (; object; object = object->parent())
+        classes.append(QString::fromLatin1(object->metaObject()->className()));
+    return classes.isEmpty() ? QStringLiteral("nobody") : classes.join(QStringLiteral(" in "));
+}
+
 } // namespace
 
 WindowMonkey::WindowMonkey(quint32 seed) : m_random(seed)
@@ -135,9 +144,7 @@ void WindowMonkey::closePopups()
         return; // the event alone takes long
     ++m_nestedLoops;
     while (QWidget *const popup = QApplication::activePopupWidget()) {
-        const QObject *const owner = popup->parent();
-        note(QStringLiteral("held up by a popup of %1")
-                 .arg(QLatin1String(owner ? owner->metaObject()->className() : "nobody")));
+        note(QStringLiteral("held up by a popup of %1").arg(placeOf(popup->parent())));
         popup->close();
     }
 }
