@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <dirent.h>
 #include <fcntl.h>
+#include <filesystem>
 #include <sys/mount.h>
 #include <unistd.h>
 #include <utility>
@@ -180,9 +181,10 @@ public:
     }
     int finish() override
     {
-        for (int i = 0; i < AttackGround::kFolders; ++i)
-            ::umount2((ground().location() + '/' + AttackGround::folderName(i)).constData(),
-                      MNT_DETACH);
+        // A folder may have been moved aside while it was mounted over.
+        for (const auto &entry :
+             std::filesystem::directory_iterator(ground().location().toStdString()))
+            ::umount2(entry.path().c_str(), MNT_DETACH | UMOUNT_NOFOLLOW);
         return ground().missingOutside();
     }
 };
