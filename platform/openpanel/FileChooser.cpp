@@ -122,11 +122,11 @@ void FileChooser::followReading()
     if (!files)
         return; // nothing would tell when it ends
     m_unread.insert(directory().absolutePath());
-    // It is entered by its name, has no path, and nothing tells that it was read.
+    // It has no path: it is entered by its name or without any, and nothing tells that it was read.
     const QString computer = files->myComputer().toString();
     connect(this, &QFileDialog::directoryEntered, this, [this, computer](const QString &path) {
         const QString folder = QDir::cleanPath(path);
-        if (path != computer && !m_read.contains(folder))
+        if (!path.isEmpty() && path != computer && !m_read.contains(folder))
             m_unread.insert(folder);
     });
     connect(files, &QFileSystemModel::directoryLoaded, this, [this](const QString &path) {

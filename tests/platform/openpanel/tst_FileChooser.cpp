@@ -14,6 +14,7 @@
 #include <QLineEdit>
 #include <QListView>
 #include <QScrollBar>
+#include <QSignalSpy>
 #include <QToolButton>
 #include <QTreeView>
 
@@ -181,6 +182,13 @@ void TestFileChooser::hasReadEachFolderThatItShows()
     up->click();
     QTRY_VERIFY(!chooser.isReading());
     chooser.enter(QDir::homePath());
+    QTRY_VERIFY(!chooser.isReading());
+    auto *const places = chooser.findChild<QListView *>(QStringLiteral("sidebar"));
+    QVERIFY(places);
+    const QSignalSpy entered(&chooser, &QFileDialog::directoryEntered);
+    const QRect computer = places->visualRect(places->model()->index(0, 0));
+    QTest::mouseClick(places->viewport(), Qt::LeftButton, {}, computer.center());
+    QCOMPARE(entered.size(), 1);
     QTRY_VERIFY(!chooser.isReading());
 }
 
