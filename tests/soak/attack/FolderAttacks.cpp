@@ -182,9 +182,14 @@ public:
     int finish() override
     {
         // A folder may have been moved aside while it was mounted over.
+        std::vector<std::filesystem::path> folders;
         for (const auto &entry :
-             std::filesystem::directory_iterator(ground().location().toStdString()))
-            ::umount2(entry.path().c_str(), MNT_DETACH | UMOUNT_NOFOLLOW);
+             std::filesystem::recursive_directory_iterator(ground().location().toStdString())) {
+            if (entry.is_directory() && !entry.is_symlink())
+                folders.push_back(entry.path());
+        }
+        for (const auto &folder : folders)
+            ::umount2(folder.c_str(), MNT_DETACH | UMOUNT_NOFOLLOW);
         return ground().missingOutside();
     }
 };
