@@ -1,6 +1,5 @@
 #include "slices/removal/RemovalSteps.h"
 
-#include "platform/files/AnchoredFolder.h"
 #include "platform/system/SystemCalls.h"
 #include "slices/removal/ExactRemoval.h"
 
@@ -153,19 +152,12 @@ bool RemovalSteps::isInPlace(int folder, std::span<const std::uint64_t> inside,
 {
     if (!leadsTo(folder, inside, around))
         return false;
-    if (m_location.content != SliceContent::Folders)
-        return true;
-    const auto location = openAnchored(m_calls, m_location.path, Descent::Strict);
-    if (!location)
-        return location.error() == EACCES ? standsUnopened() : tellsNothing(location.error());
-    const auto status = m_calls.statusOf(location->get());
-    return status ? status->inodeId() == m_location.identity.inodeId()
-                  : tellsNothing(status.error());
+    return m_location.content != SliceContent::Folders || locationStands();
 }
 
-/// For a thread that may not open the location, or what took its place: it may still look at the
-/// names on the way.
-bool RemovalSteps::standsUnopened() const
+/// Opens nothing: a confined thread may open neither the location nor what took its place, but it
+/// may look at the names on the way.
+bool RemovalSteps::locationStands() const
 {
     const auto &[anchor, path] = m_location.path;
     for (qsizetype end = 0; end < path.size();) {

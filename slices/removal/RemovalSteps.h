@@ -152,7 +152,7 @@ private:
     SystemResult<void> takeAway(const EntryRef &ref, const FileStatus &status) const;
     EntryOutcome putBack(const EntryRef &ref) const;
     bool leadsTo(int folder, std::span<const std::uint64_t> inside, const FolderWay *around) const;
-    bool standsUnopened() const;
+    bool locationStands() const;
     bool leadsToUnseen(int folder, std::span<const std::uint64_t> above) const;
     EntryOutcome settled(const SystemResult<void> &answer, const EntryRef &ref) const;
     EntryOutcome refused(const EntryRef &ref, RefusalReason reason, int error) const;
