@@ -78,8 +78,6 @@ void CleaningPlanner::takeExclusions()
     ResolvedExclusions resolved = resolveExclusions(m_calls, m_access, m_plan.m_excluded);
     m_plan.m_excluded = std::move(resolved.paths);
     m_plan.m_excludedIdentities = std::move(resolved.identities);
-    for (const FileIdentity &identity : m_plan.m_excludedIdentities)
-        m_plan.m_volumes.insert(identity.device);
     m_lost = std::move(resolved.lost);
 }
 

@@ -9,7 +9,6 @@
 
 #include <QList>
 #include <optional>
-#include <set>
 #include <vector>
 
 class SystemCalls;
@@ -113,9 +112,6 @@ public:
     /// Of everything that is kept and was found: it is kept wherever it turns up, under any name.
     const std::vector<FileIdentity> &excludedIdentities() const { return m_excludedIdentities; }
 
-    /// Whether the user has excluded something on this volume.
-    bool hasExclusionsOn(std::uint64_t device) const { return m_volumes.contains(device); }
-
     /// What programs may begin to use, at and inside the locations; it need not exist.
     const FileUrls &programLocations() const { return m_programLocations; }
 
@@ -127,7 +123,6 @@ private:
     FileUrls m_excludedLocations;
     ExcludedPaths m_excluded;
     std::vector<FileIdentity> m_excludedIdentities;
-    std::set<std::uint64_t> m_volumes; ///< with exclusions
     FileUrls m_programLocations;
 };
 

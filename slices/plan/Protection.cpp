@@ -18,7 +18,6 @@ Protection::Protection(const CleaningPlan &plan, const CleaningLocation &locatio
     : m_excluded(plan.excluded()),
       m_device(device),
       m_isTouched(location.isTouched),
-      m_isExact(plan.hasExclusionsOn(device)),
       m_readOnlyFolders(location.readOnlyFolders)
 {
     for (const FileIdentity &identity : plan.excludedIdentities()) {

@@ -18,10 +18,6 @@ public:
     /// Whether the items inside have to be judged by their paths.
     bool isTouched() const { return m_isTouched; }
 
-    /// Whether each item has to be compared in the instant in which it goes: the user has excluded
-    /// something on this volume, and it could take the name of something that goes.
-    bool isExact() const { return m_isExact; }
-
     /// Whether an excluded item has this inode number. Sound without a look at the file system's
     /// handle: a number that was reused meanwhile only keeps something more.
     bool keepsInode(std::uint64_t inode) const;
@@ -38,6 +34,5 @@ private:
     std::vector<std::uint64_t> m_inodes;
     std::uint64_t m_device;
     bool m_isTouched;
-    bool m_isExact;
     ReadOnlyFolders m_readOnlyFolders;
 };

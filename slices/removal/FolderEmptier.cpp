@@ -11,9 +11,9 @@
 
 namespace {
 
-/// While one thread waits for the disk, the other works. In memory they would only wait for each
-/// other. More than two threads gain nothing.
-constexpr unsigned kThreadsForDisks = 2;
+/// While one thread waits for the disk, the others work. In memory they would only wait for each
+/// other. More than four threads gain nothing.
+constexpr unsigned kThreadsForDisks = 4;
 
 EntryRef refTo(const HeldFolder &folder, const EmptiedFolders::Folder &inside)
 {

@@ -32,7 +32,7 @@ struct ParallelRemover::SharedFolder
 
     EntryRef ref(std::size_t index) const
     {
-        return {held.descriptor, held.path, listing.name(listing.at(index)), held.state, stays};
+        return {held.descriptor, held.path, listing.name(listing.at(index)), held.state};
     }
 };
 

@@ -275,22 +275,17 @@ RemovalSteps::EntryOutcome RemovalSteps::removeFolder(const EntryRef &ref, std::
     return settled(answer, ref);
 }
 
-/// What takes another's name in the last instant must not go. To compare it then costs more calls
-/// than everything else. So it is done where something on the volume is excluded, and where others
-/// are at work: they have changed the folder since the user confirmed, or something of it stays.
+/// What takes another's name in the last instant must not go.
 SystemResult<void> RemovalSteps::takeAway(const EntryRef &ref, const FileStatus &status) const
 {
-    if (m_protection.isExact() || ref.around == FolderState::Changed || ref.isKept)
-        return ExactRemoval(m_calls)
-            .remove(ref.folder, ref.name, status)
-            .map_error([&](const ExactRemoval::Failure &failure) {
-                if (!failure.leftAs.isEmpty())
-                    m_builder.refused(ref.folderPath + failure.leftAs, RefusalReason::Changed,
-                                      failure.error);
-                return failure.error;
-            });
-    return status.kind == FileKind::Folder ? m_calls.removeFolder(ref.folder, ref.name)
-                                           : m_calls.removeFile(ref.folder, ref.name);
+    return ExactRemoval(m_calls)
+        .remove(ref.folder, ref.name, status)
+        .map_error([&](const ExactRemoval::Failure &failure) {
+            if (!failure.leftAs.isEmpty())
+                m_builder.refused(ref.folderPath + failure.leftAs, RefusalReason::Changed,
+                                  failure.error);
+            return failure.error;
+        });
 }
 
 /// A cleaning was killed in the midst of an exact removal: what lies under the private name may be

@@ -29,7 +29,6 @@ struct EntryRef
     const QByteArray &folderPath; ///< raw, with a trailing slash; for reports and judgements only
     const char *name = nullptr;
     FolderState around = FolderState::Changed; ///< of `folder`, when it was listed
-    bool isKept = true; ///< whether something in `folder` is known to stay; in doubt it is
 
     QByteArray path() const { return folderPath + name; }
 };

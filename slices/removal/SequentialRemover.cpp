@@ -222,6 +222,5 @@ int SequentialRemover::descriptorOf(const Level &level) const
 
 EntryRef SequentialRemover::refIn(const Level &level, std::size_t index) const
 {
-    return {descriptorOf(level), m_path, level.listing.name(level.listing.at(index)), level.state,
-            level.stays};
+    return {descriptorOf(level), m_path, level.listing.name(level.listing.at(index)), level.state};
 }

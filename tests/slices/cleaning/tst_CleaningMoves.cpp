@@ -29,8 +29,8 @@ private Q_SLOTS:
     void takesItsOwnRemovalsForNoChangesByOthers();
     void keepsAnExcludedFileThatTakesAnothersName_data();
     void keepsAnExcludedFileThatTakesAnothersName();
-    void keepsWhatIsSavedOverANameWhereOthersAreAtWork_data();
-    void keepsWhatIsSavedOverANameWhereOthersAreAtWork();
+    void keepsWhatIsSavedOverANameInTheLastInstant_data();
+    void keepsWhatIsSavedOverANameInTheLastInstant();
     void putsBackWhatAKilledCleaningHasMovedAside();
     void cleansNothingThatTheKernelDoesNotConfine();
 
@@ -158,7 +158,7 @@ void TestCleaningMoves::leavesALocationThatIsDraggedAway()
         makeFile(m_downloads + "/f" + QByteArray::number(i), {});
     const QByteArray saved = *m_scratch / "home/Documents/saved";
     std::size_t atTheMove = 0;
-    Swapper calls("removeFile", "f1500", [&] {
+    Swapper calls("moveToFree", "f1500", [&] {
         move(m_downloads, saved);
         comeInstead(m_downloads);
         atTheMove = tree(saved).size();
@@ -317,15 +317,16 @@ void TestCleaningMoves::keepsAnExcludedFileThatTakesAnothersName()
     QCOMPARE(report.refusalCount + report.failureCount, 1U);
 }
 
-void TestCleaningMoves::keepsWhatIsSavedOverANameWhereOthersAreAtWork_data()
+void TestCleaningMoves::keepsWhatIsSavedOverANameInTheLastInstant_data()
 {
     QTest::addColumn<QByteArrayList>("saved");
+    QTest::addRow("it is the first change in its folder") << QByteArrayList();
     QTest::addRow("a file has come since the confirmation") << QByteArrayList{"new"};
     QTest::addRow("others have been written") << QByteArrayList{"older", "newer"};
 }
 
 /// Between the look and the removal, while nothing is excluded.
-void TestCleaningMoves::keepsWhatIsSavedOverANameWhereOthersAreAtWork()
+void TestCleaningMoves::keepsWhatIsSavedOverANameInTheLastInstant()
 {
     QFETCH(QByteArrayList, saved);
     const QByteArray folder = m_downloads + "/doomed/";

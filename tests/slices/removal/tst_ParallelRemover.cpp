@@ -111,7 +111,7 @@ void TestParallelRemover::sharesAWideFolderBetweenThreads()
     OnDisk calls;
     calls.waitForTwo();
     const CleaningReport report = cleanWith(calls);
-    QCOMPARE(calls.threads(), std::size_t(2));
+    QVERIFY(calls.threads() >= 2);
     QCOMPARE(report.removedItems, std::uint64_t(kFiles + 1));
     QVERIFY(tree(m_downloads).empty());
 }
