@@ -3,6 +3,7 @@
 #include "platform/system/HostSystemCalls.h"
 #include "platform/system/SystemCalls.h"
 #include "slices/cleaning/Cleaning.h"
+#include "slices/removal/AsideNames.h"
 #include "slices/sizing/FolderSizing.h"
 
 #include <QElapsedTimer>
@@ -10,6 +11,7 @@
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QTemporaryDir>
 #include <cstdio>
 
 namespace {
@@ -85,13 +87,15 @@ bool cleanOne(const QString &path, const ExcludedPaths &excluded)
     const auto place = access.anchoredPath(url);
     const qint64 bytes = place ? measureFolder(hostSystemCalls(), *place, {}).bytes : 0;
 
+    const QTemporaryDir notes;
+    AsideNames names(hostSystemCalls(), notes.path());
     QElapsedTimer timer;
     timer.start();
     const CleaningReport report = performCleaning(
         hostSystemCalls(),
         makeCleaningPlan(hostSystemCalls(), access,
                          {{path, {url}, hostSystemCalls().now(), content}}, excluded),
-        {});
+        {}, {}, &names);
     const double seconds = double(timer.nsecsElapsed()) / 1e9;
 
     complain(report);

@@ -51,6 +51,11 @@ public:
     /// The user whose rights decide in a folder with the sticky bit.
     virtual ActingUser actingUser() const = 0;
 
+    /// Opens an entry of any kind, a link itself, for statusOf() alone; "." makes another
+    /// descriptor of the folder, which also serves as one. The file cannot go wholly while this is
+    /// open.
+    virtual SystemResult<FileDescriptor> openEntry(int parent, const char *name) const = 0;
+
     virtual SystemResult<void> removeFile(int parent, const char *name) const = 0;
     virtual SystemResult<void> removeFolder(int parent, const char *name) const = 0;
     /// Sets the mode's lower twelve bits of what the descriptor holds open.
@@ -67,7 +72,11 @@ public:
     virtual SystemResult<FileDescriptor> createFile(int parent, const char *name) const = 0;
     virtual SystemResult<std::size_t> read(int file, std::span<char> buffer) const = 0;
     virtual SystemResult<std::size_t> write(int file, std::span<const char> bytes) const = 0;
+    /// Writes at this many bytes from the start of the file.
+    virtual SystemResult<std::size_t> writeAt(int file, std::span<const char> bytes,
+                                              std::int64_t offset) const = 0;
     virtual SystemResult<void> sync(int descriptor) const = 0;
+    /// Gives an entry another name in its folder. What has that name goes.
     virtual SystemResult<void> rename(int parent, const char *from, const char *to) const = 0;
     /// Gives an entry another name in its folder, which must be free (EEXIST). EINVAL where the
     /// file system cannot see to that.

@@ -271,6 +271,11 @@ public:
 
     ActingUser actingUser() const override { return {::geteuid(), holdsOwnersCapability()}; }
 
+    SystemResult<FileDescriptor> openEntry(int parent, const char *name) const override
+    {
+        return opened(::openat(parent, name, O_PATH | O_NOFOLLOW | O_CLOEXEC));
+    }
+
     SystemResult<void> removeFile(int parent, const char *name) const override
     {
         return checked(::unlinkat(parent, name, 0));
@@ -309,7 +314,6 @@ public:
     }
 
     bool isRunning(std::int64_t process) const override { return isProcessRunning(process); }
-
     bool seesAllProcesses() const override { return isProcessListWhole(); }
 
     SystemResult<QByteArrayList> programNames() const override
@@ -349,6 +353,12 @@ public:
     SystemResult<std::size_t> write(int file, std::span<const char> bytes) const override
     {
         return counted(::write(file, bytes.data(), bytes.size()));
+    }
+
+    SystemResult<std::size_t> writeAt(int file, std::span<const char> bytes,
+                                      std::int64_t offset) const override
+    {
+        return counted(::pwrite(file, bytes.data(), bytes.size(), offset));
     }
 
     SystemResult<void> sync(int descriptor) const override { return checked(::fsync(descriptor)); }

@@ -36,11 +36,12 @@ class CleaningRun final
 {
 public:
     CleaningRun(const SystemCalls &calls, const CleaningPlan &plan, std::stop_token stop,
-                const InUseCheck &inUse)
+                const InUseCheck &inUse, AsideNames *asideNames)
         : m_calls(calls),
           m_plan(plan),
           m_stop(std::move(stop)),
           m_inUse(inUse),
+          m_asideNames(asideNames),
           m_builder(plan.refusals()),
           m_trashRecords(calls, plan),
           m_space(kListingSpace)
@@ -72,6 +73,7 @@ private:
     const CleaningPlan &m_plan;
     std::stop_token m_stop;
     const InUseCheck &m_inUse;
+    AsideNames *m_asideNames;
     CleaningReportBuilder m_builder;
     LinkedFiles m_linkedFiles;
     const TrashRecords m_trashRecords;
@@ -125,9 +127,10 @@ void CleaningRun::emptyFolder(const CleaningLocation &location, const FileUrls &
     Protection protection(m_plan, location, identity->device);
     const EntryOrder order =
         m_calls.isInMemory(folder->get()) ? EntryOrder::AsListed : EntryOrder::ByInode;
-    FolderEmptier emptier(
-        m_calls, {location, protection, changes, m_linkedFiles, m_builder, itemOfFilesIn(location)},
-        folder->get(), order, m_stop);
+    FolderEmptier emptier(m_calls,
+                          {location, protection, changes, m_linkedFiles, m_builder,
+                           itemOfFilesIn(location), m_asideNames},
+                          folder->get(), order, m_stop);
     auto listing = emptier.steps().list(folder->get(), m_space);
     if (!listing)
         return refuse(location, RefusalReason::PartlyListed, listing.error());
@@ -227,9 +230,10 @@ void CleaningRun::removeEntry(const CleaningLocation &location, int folder,
                           EntryPolicy::Logged,
                           FolderState::Changed,
                           {nullptr, status->inode}};
-    FolderEmptier(
-        m_calls, {location, protection, changes, m_linkedFiles, m_builder, itemOfFilesIn(location)},
-        folder, EntryOrder::AsListed, m_stop)
+    FolderEmptier(m_calls,
+                  {location, protection, changes, m_linkedFiles, m_builder, itemOfFilesIn(location),
+                   m_asideNames},
+                  folder, EntryOrder::AsListed, m_stop)
         .removeSingle(held, std::move(entry));
 }
 
@@ -300,10 +304,11 @@ void CleaningRun::logFiles(std::size_t first)
 } // namespace
 
 CleaningReport performCleaning(const SystemCalls &calls, const CleaningPlan &plan,
-                               std::stop_token stop, const InUseCheck &inUse)
+                               std::stop_token stop, const InUseCheck &inUse,
+                               AsideNames *asideNames)
 {
     try {
-        return CleaningRun(calls, plan, std::move(stop), inUse).run();
+        return CleaningRun(calls, plan, std::move(stop), inUse, asideNames).run();
     } catch (const std::bad_alloc &) {
         // It got no further than its beginning: a run ends with a report.
         CleaningReportBuilder builder(plan.refusals());

@@ -5,6 +5,7 @@
 #include <functional>
 #include <stop_token>
 
+class AsideNames;
 class SystemCalls;
 
 /// Finds what is in use at and inside an entry, which is the location or lies in it. Asked right
@@ -22,4 +23,5 @@ using InUseCheck = std::function<FileUrls(const CleaningLocation &, const FileUr
 /// one where the disk gains by it, and writes the log lines of the cleaning. Blocks: not for the
 /// main thread.
 CleaningReport performCleaning(const SystemCalls &calls, const CleaningPlan &plan,
-                               std::stop_token stop, const InUseCheck &inUse = {});
+                               std::stop_token stop, const InUseCheck &inUse = {},
+                               AsideNames *asideNames = nullptr);

@@ -61,7 +61,7 @@ QList<CleaningRefusal> CleaningNote::putBack(const FileAccess &access, const std
             m_unfinished.append(line);
         if (!path || !path->anchor || hasDotComponent(path->relativePath))
             continue;
-        AsideSearch search(m_calls, stop);
+        AsideSearch search(m_calls, m_folder, stop);
         if (line.startsWith(kBelow))
             search.lookThrough(*path);
         else
@@ -76,6 +76,8 @@ QList<CleaningRefusal> CleaningNote::putBack(const FileAccess &access, const std
         if (!search.isComplete() || !search.left().isEmpty())
             m_unfinished.append(line);
     }
+    if (m_unfinished.isEmpty())
+        AsideNames::forgetAll(m_calls, m_folder);
     return left;
 }
 
@@ -91,8 +93,10 @@ void CleaningNote::begin(const CleaningPlan &plan)
         }
     }
     m_hasBegun = lines != m_unfinished;
-    if (m_hasBegun)
-        write(lines);
+    if (!m_hasBegun)
+        return;
+    write(lines);
+    m_names.emplace(m_calls, m_folder);
 }
 
 void CleaningNote::end()
@@ -100,6 +104,9 @@ void CleaningNote::end()
     if (m_hasBegun || read() != m_unfinished)
         write(m_unfinished);
     m_hasBegun = false;
+    if (m_names)
+        m_names->forget();
+    m_names.reset();
 }
 
 /// Whatever stands there leads to no more than names given back, so a damaged note counts as none.

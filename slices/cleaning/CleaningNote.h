@@ -1,8 +1,10 @@
 #pragma once
 
 #include "slices/plan/CleaningPlan.h"
+#include "slices/removal/AsideNames.h"
 
 #include <QString>
+#include <optional>
 #include <stop_token>
 
 /// A note on the disk of the locations that a cleaning takes entries of aside before it removes
@@ -24,6 +26,8 @@ public:
 
     /// Writes the note, unless there is nothing to clean.
     void begin(const CleaningPlan &plan);
+    /// Where the cleaning notes what lies in slots; nothing before it begins.
+    AsideNames *names() { return m_names ? &*m_names : nullptr; }
     /// The cleaning has ended in order. What is still left of others stays noted.
     void end();
 
@@ -34,5 +38,6 @@ private:
     const SystemCalls &m_calls;
     QString m_folder;
     QByteArrayList m_unfinished; ///< the lines of the locations in which something is left
+    std::optional<AsideNames> m_names;
     bool m_hasBegun = false;
 };

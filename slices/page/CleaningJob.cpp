@@ -85,7 +85,7 @@ CleaningReport cleanDisk(const Work &work, const std::stop_token &stop)
         return found;
     };
     note.begin(plan);
-    CleaningReport report = performCleaning(calls, plan, stop, inUseNow);
+    CleaningReport report = performCleaning(calls, plan, stop, inUseNow, note.names());
     note.end();
     takeAwaySizes(sizes, foundInUse(report, plan));
     report.refusals += leftAside;

@@ -32,6 +32,8 @@ public:
     void logRemoval(const QByteArray &path, FileUrlKind kind) const;
 
     void removed() { m_removed.fetch_add(1, std::memory_order_relaxed); }
+    /// One that was counted is still there.
+    void takeBack() { m_removed.fetch_sub(1, std::memory_order_relaxed); }
     void failed(const QByteArray &path, int error);
     void refused(const QByteArray &path, RefusalReason reason, int error);
     /// The same for where nothing may be thrown; `path` makes the path. If there is no memory for

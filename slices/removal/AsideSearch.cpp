@@ -3,6 +3,7 @@
 #include "platform/files/AnchoredFolder.h"
 #include "platform/files/FolderListing.h"
 #include "platform/system/SystemCalls.h"
+#include "slices/removal/AsideNames.h"
 #include "slices/removal/ExactRemoval.h"
 
 #include <cerrno>
@@ -17,8 +18,11 @@ AnchoredPath inside(const AnchoredPath &folder, const QByteArray &name)
 
 } // namespace
 
-AsideSearch::AsideSearch(const SystemCalls &calls, std::stop_token stop)
-    : m_calls(calls), m_stop(std::move(stop)), m_space(kListingSpace)
+AsideSearch::AsideSearch(const SystemCalls &calls, QString noteFolder, std::stop_token stop)
+    : m_calls(calls),
+      m_noteFolder(std::move(noteFolder)),
+      m_stop(std::move(stop)),
+      m_space(kListingSpace)
 {
 }
 
@@ -57,9 +61,15 @@ QByteArrayList AsideSearch::putBackIn(const AnchoredPath &folder)
     QByteArrayList folders;
     for (std::size_t i = 0; i < listing->size(); ++i) {
         const FolderListing::Entry &entry = listing->at(i);
-        const char *const name = listing->name(entry);
-        if (ExactRemoval::isPrivate(name)) {
-            const auto back = ExactRemoval(m_calls).putBack(opened->get(), name);
+        QByteArray name = listing->name(entry);
+        if (AsideNames::isPrivate(name.constData()))
+            name = takenOutOfSlot(opened->get(), name.constData());
+        if (name.isEmpty())
+            continue; // it has gone
+        if (AsideNames::isPrivate(name.constData())) {
+            m_left.append(inside(folder, name).relativePath);
+        } else if (ExactRemoval::isPrivate(name.constData())) {
+            const auto back = ExactRemoval(m_calls).putBack(opened->get(), name.constData());
             if (back || back.error() != ENOENT)
                 (back ? m_found : m_left).append(inside(folder, name).relativePath);
         }
@@ -68,4 +78,16 @@ QByteArrayList AsideSearch::putBackIn(const AnchoredPath &folder)
             folders.append(name);
     }
     return folders;
+}
+
+/// What lies in a slot gets the private name that tells its own: the notes do not stay.
+QByteArray AsideSearch::takenOutOfSlot(int folder, const char *slot) const
+{
+    const auto status = m_calls.status(folder, slot);
+    if (!status)
+        return status.error() == ENOENT ? QByteArray() : QByteArray(slot);
+    const QByteArray name =
+        ExactRemoval::privateName(AsideNames::nameOf(m_calls, m_noteFolder, slot, status->inode));
+    const auto moved = ExactRemoval(m_calls).moveToFree(folder, slot, name.constData());
+    return moved ? name : QByteArray(slot);
 }

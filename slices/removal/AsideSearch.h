@@ -3,6 +3,7 @@
 #include "platform/files/FileAccess.h"
 
 #include <QByteArrayList>
+#include <QString>
 #include <stop_token>
 #include <vector>
 
@@ -14,7 +15,8 @@ class SystemCalls;
 class AsideSearch final
 {
 public:
-    AsideSearch(const SystemCalls &calls, std::stop_token stop);
+    /// `noteFolder` holds the notes of the slots' names (AsideNames).
+    AsideSearch(const SystemCalls &calls, QString noteFolder, std::stop_token stop);
 
     /// Looks in a folder and in all below.
     void lookThrough(const AnchoredPath &folder);
@@ -30,8 +32,10 @@ public:
 
 private:
     QByteArrayList putBackIn(const AnchoredPath &folder);
+    QByteArray takenOutOfSlot(int folder, const char *slot) const;
 
     const SystemCalls &m_calls;
+    QString m_noteFolder;
     std::stop_token m_stop;
     std::vector<char> m_space;
     QByteArrayList m_found;

@@ -15,21 +15,6 @@ constexpr QByteArrayView kPrefix(".vantor-aside.");
 constexpr QByteArrayView kLongPrefix(".vantor-aside-long.");
 constexpr qsizetype kDigits = 8;
 
-QByteArray privateName(const QByteArray &name)
-{
-    if (name.size() + kPrefix.size() <= NAME_MAX)
-        return kPrefix.toByteArray() + name;
-    const QByteArray number = QByteArray::number(qulonglong(qHash(name) & 0xFFFFFFFFU), 16);
-    const QByteArray start = kLongPrefix.toByteArray() + number.rightJustified(kDigits, '0') + '.';
-    return start + name.first(NAME_MAX - start.size());
-}
-
-bool isSame(const FileStatus &found, const FileStatus &expected)
-{
-    return found.inodeId() == expected.inodeId() && found.kind == expected.kind &&
-           found.size == expected.size && found.contentChanged == expected.contentChanged;
-}
-
 /// How much of a private name stands before the old name; 0 in other names.
 qsizetype prefixSize(QByteArrayView name)
 {
@@ -40,6 +25,21 @@ qsizetype prefixSize(QByteArrayView name)
 }
 
 } // namespace
+
+bool ExactRemoval::isSame(const FileStatus &found, const FileStatus &expected)
+{
+    return found.inodeId() == expected.inodeId() && found.kind == expected.kind &&
+           found.size == expected.size && found.contentChanged == expected.contentChanged;
+}
+
+QByteArray ExactRemoval::privateName(const QByteArray &name)
+{
+    if (name.size() + kPrefix.size() <= NAME_MAX)
+        return kPrefix.toByteArray() + name;
+    const QByteArray number = QByteArray::number(qulonglong(qHash(name) & 0xFFFFFFFFU), 16);
+    const QByteArray start = kLongPrefix.toByteArray() + number.rightJustified(kDigits, '0') + '.';
+    return start + name.first(NAME_MAX - start.size());
+}
 
 bool ExactRemoval::isPrivate(const char *name)
 {

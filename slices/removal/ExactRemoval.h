@@ -27,6 +27,13 @@ public:
     tl::expected<void, Failure> remove(int folder, const char *name,
                                        const FileStatus &expected) const;
 
+    /// Whether a look found what an earlier one had found, with nothing written into it since.
+    static bool isSame(const FileStatus &found, const FileStatus &expected);
+    /// Gives an entry another name that no entry has (EEXIST).
+    SystemResult<void> moveToFree(int folder, const char *name, const char *newName) const;
+
+    /// The name that an entry has meanwhile.
+    static QByteArray privateName(const QByteArray &name);
     /// Whether this is the private name of something that was left so by a kill.
     static bool isPrivate(const char *name);
     /// Gives what was left under a private name its own name back; EEXIST if that is taken.
@@ -35,7 +42,6 @@ public:
 private:
     SystemResult<void> removeIfSame(int folder, const char *aside,
                                     const FileStatus &expected) const;
-    SystemResult<void> moveToFree(int folder, const char *name, const char *newName) const;
 
     const SystemCalls &m_calls;
 };

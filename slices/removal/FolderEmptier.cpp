@@ -26,7 +26,8 @@ FolderEmptier::FolderEmptier(const SystemCalls &calls, const RemovalContext &con
                              EntryOrder order, std::stop_token stop)
     : m_calls(calls),
       m_context(context),
-      m_steps(calls, context, order),
+      m_leftAside(calls, context.builder),
+      m_steps(calls, context, order, m_leftAside),
       m_location(location),
       m_order(order),
       m_stop(std::move(stop)),
@@ -204,4 +205,5 @@ void FolderEmptier::confined(ConfinedRun &run, const QByteArray &path,
         m_steps.ranOutOfMemory(path);
     else if (!ran)
         m_context.builder.refused(path.chopped(1), RefusalReason::Unconfined, ran.error());
+    m_leftAside.giveNamesBack();
 }

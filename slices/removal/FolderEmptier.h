@@ -60,6 +60,7 @@ private:
 
     const SystemCalls &m_calls;
     const RemovalContext m_context;
+    LeftAside m_leftAside;
     const RemovalSteps m_steps;
     int m_location;
     EntryOrder m_order;

@@ -30,9 +30,9 @@ struct ParallelRemover::SharedFolder
     std::atomic<bool> stays = false;
     std::atomic<bool> isLost = false; ///< it was moved away
 
-    EntryRef ref(std::size_t index) const
+    EntryRef ref(std::size_t index, AsideSlot *slot = nullptr) const
     {
-        return {held.descriptor, held.path, listing.name(listing.at(index)), held.state};
+        return {held.descriptor, held.path, listing.name(listing.at(index)), held.state, slot};
     }
 };
 
@@ -41,7 +41,10 @@ class ParallelRemover::Worker final
 {
 public:
     explicit Worker(ParallelRemover &parallel)
-        : m_parallel(parallel), m_remover(parallel.m_steps, parallel.m_stop), m_space(kListingSpace)
+        : m_parallel(parallel),
+          m_remover(parallel.m_steps, parallel.m_stop),
+          m_space(kListingSpace),
+          m_slot(parallel.m_steps.slot())
     {
     }
 
@@ -50,6 +53,7 @@ public:
 private:
     void perform(const Job &job);
     void deal(const Job &job);
+    void dealWithEach(const Job &job);
     void enter(const Job &job);
     void empty(const FolderPointer &folder);
     void share(const FolderPointer &folder);
@@ -58,6 +62,7 @@ private:
     ParallelRemover &m_parallel;
     SequentialRemover m_remover;
     std::vector<char> m_space;
+    AsideSlot m_slot;
     PlaceCheck m_placeCheck;
 };
 
@@ -84,14 +89,24 @@ void ParallelRemover::Worker::perform(const Job &job)
 void ParallelRemover::Worker::deal(const Job &job)
 {
     SharedFolder &folder = *job.folder;
+    m_parallel.guarded(folder, [&] { dealWithEach(job); });
+    m_parallel.guarded(folder, [&] {
+        if (m_parallel.m_steps.emptySlot(m_slot, folder.held.path) == EntryOutcome::Stays)
+            folder.stays = true;
+    });
+}
+
+void ParallelRemover::Worker::dealWithEach(const Job &job)
+{
+    SharedFolder &folder = *job.folder;
     std::vector<Job> inside;
     for (std::size_t i = job.first; i < job.last; ++i) {
         if (m_parallel.isStopped() || !isInPlace(folder)) {
             folder.stays = true;
             break;
         }
-        const auto outcome =
-            m_parallel.m_steps.deal(folder.ref(i), folder.listing.at(i), folder.held.policy);
+        const auto outcome = m_parallel.m_steps.deal(folder.ref(i, &m_slot), folder.listing.at(i),
+                                                     folder.held.policy);
         if (outcome == EntryOutcome::Stays) {
             folder.stays = true;
             m_placeCheck.hurry();

@@ -1,6 +1,7 @@
 #include "slices/removal/RemovalSteps.h"
 
 #include "platform/system/SystemCalls.h"
+#include "slices/removal/AsideNames.h"
 #include "slices/removal/ExactRemoval.h"
 
 #include <cerrno>
@@ -33,7 +34,7 @@ RemovalSteps::deal(const EntryRef &ref, const FolderListing::Entry &entry, Entry
 {
     if (m_protection.keepsInode(entry.inode))
         return EntryOutcome::Stays;
-    if (ExactRemoval::isPrivate(ref.name))
+    if (ExactRemoval::isPrivate(ref.name) || AsideNames::isPrivate(ref.name))
         return putBack(ref);
     const auto kind = kindOf(ref, entry);
     if (!kind)
@@ -278,20 +279,34 @@ RemovalSteps::EntryOutcome RemovalSteps::removeFolder(const EntryRef &ref, std::
 /// What takes another's name in the last instant must not go.
 SystemResult<void> RemovalSteps::takeAway(const EntryRef &ref, const FileStatus &status) const
 {
-    return ExactRemoval(m_calls)
-        .remove(ref.folder, ref.name, status)
-        .map_error([&](const ExactRemoval::Failure &failure) {
-            if (!failure.leftAs.isEmpty())
-                m_builder.refused(ref.folderPath + failure.leftAs, RefusalReason::Changed,
-                                  failure.error);
-            return failure.error;
-        });
+    const auto failed = [&](const ExactRemoval::Failure &failure) {
+        return m_leftAside.note(ref.folder, ref.folderPath, ref.name, failure);
+    };
+    if (ref.slot && status.kind != FileKind::Folder && status.links == 1) {
+        if (const auto taken = ref.slot->take(ref.folder, ref.name, status))
+            return taken->map_error(failed);
+    }
+    return ExactRemoval(m_calls).remove(ref.folder, ref.name, status).map_error(failed);
+}
+
+RemovalSteps::EntryOutcome RemovalSteps::emptySlot(AsideSlot &slot,
+                                                   const QByteArray &folderPath) const
+{
+    const auto left = slot.empty();
+    if (!left)
+        return EntryOutcome::Gone;
+    m_builder.takeBack();
+    const EntryRef ref{left->folder, folderPath, left->name.constData()};
+    const int error = m_leftAside.note(ref.folder, folderPath, ref.name, left->failure);
+    return settled(tl::unexpected(error), ref);
 }
 
 /// A cleaning was killed in the midst of an exact removal: what lies under the private name may be
-/// what was to stay.
+/// what was to stay. What lies in a slot waits for the search that reads the notes.
 RemovalSteps::EntryOutcome RemovalSteps::putBack(const EntryRef &ref) const
 {
+    if (AsideNames::isPrivate(ref.name))
+        return refused(ref, RefusalReason::Changed, EEXIST);
     const auto back = ExactRemoval(m_calls).putBack(ref.folder, ref.name);
     return refused(ref, RefusalReason::Changed, back ? 0 : back.error());
 }

@@ -6,8 +6,10 @@
 #include "platform/system/SystemResult.h"
 #include "slices/plan/CleaningReportBuilder.h"
 #include "slices/plan/Protection.h"
+#include "slices/removal/AsideSlot.h"
 #include "slices/removal/FolderWay.h"
 #include "slices/removal/LaterChanges.h"
+#include "slices/removal/LeftAside.h"
 #include "slices/removal/LentRights.h"
 #include "slices/removal/LinkedFiles.h"
 
@@ -29,6 +31,7 @@ struct EntryRef
     const QByteArray &folderPath; ///< raw, with a trailing slash; for reports and judgements only
     const char *name = nullptr;
     FolderState around = FolderState::Changed; ///< of `folder`, when it was listed
+    AsideSlot *slot = nullptr;                 ///< of the calling thread, for files of `folder`
 
     QByteArray path() const { return folderPath + name; }
 };
@@ -59,6 +62,7 @@ struct RemovalContext
     LinkedFiles &linkedFiles;     ///< of the cleaning
     CleaningReportBuilder &builder;
     ItemOfFile itemOf = nullptr;
+    AsideNames *asideNames = nullptr; ///< of the cleaning
 };
 
 /// The single steps of a removal, and the only place in the program that unlinks. Every step works
@@ -71,7 +75,8 @@ struct RemovalContext
 class RemovalSteps final
 {
 public:
-    RemovalSteps(const SystemCalls &calls, const RemovalContext &context, EntryOrder order)
+    RemovalSteps(const SystemCalls &calls, const RemovalContext &context, EntryOrder order,
+                 LeftAside &leftAside)
         : m_calls(calls),
           m_location(context.location),
           m_protection(context.protection),
@@ -79,7 +84,9 @@ public:
           m_linkedFiles(context.linkedFiles),
           m_builder(context.builder),
           m_itemOf(context.itemOf),
-          m_order(order)
+          m_asideNames(context.asideNames),
+          m_order(order),
+          m_leftAside(leftAside)
     {
     }
 
@@ -88,6 +95,12 @@ public:
         Stays,
         Enter, ///< a folder whose entries have to go first
     };
+
+    /// A slot for the files of one folder after the other.
+    AsideSlot slot() const { return {m_calls, m_asideNames}; }
+    /// Removes the last file in the slot: Gone, or Stays with a report. After the last entry of a
+    /// folder, and while the folder is open.
+    EntryOutcome emptySlot(AsideSlot &slot, const QByteArray &folderPath) const;
 
     /// Handles an entry as it was listed: removes what is no folder, unless it is kept.
     EntryOutcome deal(const EntryRef &ref, const FolderListing::Entry &entry,
@@ -165,7 +178,9 @@ private:
     LinkedFiles &m_linkedFiles;
     CleaningReportBuilder &m_builder;
     ItemOfFile m_itemOf;
+    AsideNames *m_asideNames;
     EntryOrder m_order;
+    LeftAside &m_leftAside;
 };
 
 /// Why a folder could not be opened, by the errno. It was a folder when it was found.

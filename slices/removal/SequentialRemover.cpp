@@ -13,7 +13,7 @@ constexpr std::size_t kOpenLevels = 12;
 } // namespace
 
 SequentialRemover::SequentialRemover(const RemovalSteps &steps, std::stop_token stop)
-    : m_steps(steps), m_stop(std::move(stop)), m_space(kListingSpace)
+    : m_steps(steps), m_stop(std::move(stop)), m_space(kListingSpace), m_slot(steps.slot())
 {
 }
 
@@ -27,6 +27,7 @@ bool SequentialRemover::removeListed(const HeldFolder &folder, FolderListing lis
         m_steps.ranOutOfMemory(folder.path);
     }
     leaveAll();
+    emptySlot();
     const bool isAllGone = isDone() && !m_levels.front().stays;
     m_levels.clear();
     return isAllGone;
@@ -87,6 +88,7 @@ void SequentialRemover::step()
 
 void SequentialRemover::enter(const EntryRef &ref, const FolderListing::Entry &entry)
 {
+    emptySlot();
     auto entered = m_steps.enter(ref, entry, m_space);
     if (!entered) {
         if (entered.error() == EntryOutcome::Stays)
@@ -118,8 +120,15 @@ void SequentialRemover::checkPlace()
     level.stays = true;
 }
 
+void SequentialRemover::emptySlot()
+{
+    if (m_steps.emptySlot(m_slot, m_path) == EntryOutcome::Stays)
+        m_levels.back().stays = true;
+}
+
 void SequentialRemover::leave()
 {
+    emptySlot();
     Level inner = std::move(m_levels.back());
     m_levels.pop_back();
     Level &outer = m_levels.back();
@@ -220,7 +229,8 @@ int SequentialRemover::descriptorOf(const Level &level) const
     return &level == &m_levels.front() ? m_startDescriptor : level.descriptor.get();
 }
 
-EntryRef SequentialRemover::refIn(const Level &level, std::size_t index) const
+EntryRef SequentialRemover::refIn(const Level &level, std::size_t index)
 {
-    return {descriptorOf(level), m_path, level.listing.name(level.listing.at(index)), level.state};
+    return {descriptorOf(level), m_path, level.listing.name(level.listing.at(index)), level.state,
+            &m_slot};
 }

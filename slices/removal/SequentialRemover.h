@@ -47,6 +47,7 @@ private:
     void step();
     void enter(const EntryRef &ref, const FolderListing::Entry &entry);
     void checkPlace();
+    void emptySlot();
     void leave();
     void leaveAll();
     bool removesEmptied(Level &inner);
@@ -56,7 +57,7 @@ private:
     void tellOfClosedLevels();
     void closeOuterLevel();
     int descriptorOf(const Level &level) const;
-    EntryRef refIn(const Level &level, std::size_t index) const;
+    EntryRef refIn(const Level &level, std::size_t index);
 
     const RemovalSteps &m_steps;
     std::stop_token m_stop;
@@ -65,6 +66,7 @@ private:
     int m_startDescriptor = -1;
     FolderWay m_way; ///< of the outermost
     EmptiedFolders *m_emptied = nullptr;
+    AsideSlot m_slot; ///< for the innermost
     PlaceCheck m_placeCheck;
     std::size_t m_firstOpen = 1; ///< the levels from here on, and the outermost, are open
     QByteArray m_path;

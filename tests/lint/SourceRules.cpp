@@ -101,7 +101,9 @@ bool mayRemove(const SourceText &source)
             "platform/files/DurableFile.cpp"), // files that it wrote itself beside its own file
         QStringLiteral("platform/system/SystemClocks_linux.cpp"), // a file of its own
         QStringLiteral("slices/removal/RemovalSteps.cpp"),        // the entries of the plan
-        QStringLiteral("slices/removal/ExactRemoval.cpp"), // the same, where it must be exact
+        QStringLiteral("slices/removal/ExactRemoval.cpp"),        // the same, if it is the one
+        QStringLiteral("slices/removal/AsideSlot.cpp"),           // the same, file after file
+        QStringLiteral("slices/removal/AsideNames.cpp"),          // a file of its own
     };
     return places.contains(source.path);
 }

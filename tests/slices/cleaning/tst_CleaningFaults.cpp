@@ -1,4 +1,5 @@
 #include "tests/slices/kit/FaultCase.h"
+#include "tests/slices/kit/StepsOfRemoval.h"
 #include "tests/support/calls/HookedCalls.h"
 #include "tests/support/calls/PossibleErrors.h"
 #include "tests/support/run/TestMain.h"
@@ -61,7 +62,8 @@ void TestCleaningFaults::losesNothingWhicheverCallFails()
         }
     }
     QVERIFY(faults > 300);
-    QVERIFY2(told > faults / 2, QByteArray::number(qulonglong(told)));
+    // The others are made up for: there are more ways than one to remove a file.
+    QVERIFY2(told > faults / 3, QByteArray::number(qulonglong(told)));
 }
 
 void TestCleaningFaults::comesToAnEndWhicheverCallFailsForGood_data()
@@ -130,9 +132,7 @@ void TestCleaningFaults::staysSilentAboutWhatIsGoneAlready()
     public:
         std::optional<int> before(const char *call, int parent, const char *name) const override
         {
-            if (QByteArrayView(call) == "removeFile")
-                ::unlinkat(parent, name, 0);
-            if (QByteArrayView(call) == "removeFolder")
+            if (takesAside(call, name) && ::unlinkat(parent, name, 0) != 0)
                 ::unlinkat(parent, name, AT_REMOVEDIR);
             return {};
         }

@@ -1,4 +1,5 @@
 #include "tests/slices/kit/KillCase.h"
+#include "tests/slices/kit/StepsOfRemoval.h"
 #include "tests/support/calls/HookedCalls.h"
 #include "tests/support/run/TestMain.h"
 
@@ -119,7 +120,9 @@ void TestCleaningKills::aKillKeepsWhatHasTakenAnothersName()
     });
     QCOMPARE(end, WorkEnd::Killed);
     const auto all = [&] { return tree(home + "/Downloads"); };
-    QCOMPARE(all(), std::set<QByteArray>({"folder", "folder/.vantor-aside.doomed"}));
+    QCOMPARE(all().size(), std::size_t(2));
+    const QByteArray aside = *all().rbegin();
+    QVERIFY2(aside.startsWith("folder/") && isPrivateName(aside.sliced(7)), aside);
 
     // What was excluded cannot be found, so all around it is left alone.
     QCOMPARE(cleanWith(hostSystemCalls()).refusalCount, 1U);

@@ -104,7 +104,7 @@ void TestCleaningMoves::leavesAFolderThatIsDraggedOut()
         bool isInMemory(int) const override { return m_isInMemory; }
         std::optional<int> before(const char *call, int, const char *name) const override
         {
-            if (QByteArrayView(call) == "removeFile" && !QByteArrayView(name).endsWith("kept"))
+            if (takesAside(call, name) && !QByteArrayView(name).endsWith("kept"))
                 m_first();
             return {};
         }
@@ -127,6 +127,8 @@ void TestCleaningMoves::leavesAFolderThatIsDraggedOut()
     const FileUrls excluded = hasExclusion ? FileUrls{m_home->file("Downloads/kept")} : FileUrls();
     const CleaningReport report = cleanSince(Moment::never(), excluded, calls);
     QVERIFY(atTheMove > 0);
+    for (const QByteArray &name : tree(saved))
+        QVERIFY2(!isPrivateName(name), name); // all have their own names again
     const std::size_t lost = atTheMove - tree(saved).size();
     QVERIFY2(lost <= (isConfined && hostConfinement().isAvailable() ? 0 : kMostUnnoticed),
              QByteArray::number(qulonglong(lost)));
@@ -158,7 +160,7 @@ void TestCleaningMoves::leavesALocationThatIsDraggedAway()
         makeFile(m_downloads + "/f" + QByteArray::number(i), {});
     const QByteArray saved = *m_scratch / "home/Documents/saved";
     std::size_t atTheMove = 0;
-    Swapper calls("moveToFree", "f1500", [&] {
+    Swapper calls("takeAside", "f1500", [&] {
         move(m_downloads, saved);
         comeInstead(m_downloads);
         atTheMove = tree(saved).size();
@@ -298,7 +300,7 @@ void TestCleaningMoves::takesItsOwnRemovalsForNoChangesByOthers()
 void TestCleaningMoves::keepsAnExcludedFileThatTakesAnothersName_data()
 {
     QTest::addColumn<QByteArray>("call");
-    for (const char *call : {"status", "moveToFree"})
+    for (const char *call : {"status", "takeAside"})
         QTest::addRow("before %s", call) << QByteArray(call);
 }
 

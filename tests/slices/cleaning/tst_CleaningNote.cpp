@@ -19,6 +19,7 @@ private Q_SLOTS:
     void isWrittenWhereNothingIsExcluded();
     void isNotWrittenForNothing();
     void keepsWhatCouldNotBePutBack();
+    void keepsWhatCouldNotBeTakenOutOfItsSlot();
     void leadsNowhereOutsideTheGrant();
     void isNoHarmWhenItIsDamaged();
     void goesWithoutANoteWhenNoneCanBeWritten();
@@ -28,7 +29,13 @@ private:
     {
         return makeCleaningPlan(hostSystemCalls(), *m_home, {m_slice}, excluding(excluded));
     }
-    bool cleanAndDie(const QByteArray &name) const;
+    enum class Aside { UnderItsOwn, InASlot };
+    bool cleanAndDie(const QByteArray &name, Aside aside = Aside::UnderItsOwn) const;
+    /// What the settings' folder holds beside the note itself.
+    qsizetype furtherNotes() const
+    {
+        return QDir(m_settings).entryList({QStringLiteral("aside-*")}, QDir::Files).size();
+    }
     QList<CleaningRefusal> putBack() const
     {
         const LogRecorder silenced;
@@ -65,15 +72,17 @@ void TestCleaningNote::init()
 
 /// Cleans as the program does, in another process, which is killed when an entry of this name has
 /// just been moved aside.
-bool TestCleaningNote::cleanAndDie(const QByteArray &name) const
+bool TestCleaningNote::cleanAndDie(const QByteArray &name, Aside aside) const
 {
     const ChildOutcome outcome = runInChild(ChildUser::Same, [&] {
-        const Swapper calls("removeFile", ".vantor-aside." + name, [] { ::raise(SIGKILL); });
+        const bool isSlot = aside == Aside::InASlot;
+        const Swapper calls(isSlot ? "afterTakingAside" : "removeFile",
+                            isSlot ? name : ".vantor-aside." + name, [] { ::raise(SIGKILL); });
         const LogRecorder silenced;
         CleaningNote note(hostSystemCalls(), m_settings);
         const CleaningPlan doomed = plan({m_home->file("Downloads/kept")});
         note.begin(doomed);
-        performCleaning(calls, doomed, {});
+        performCleaning(calls, doomed, {}, {}, isSlot ? note.names() : nullptr);
         return 0;
     });
     return outcome.signal == SIGKILL;
@@ -83,9 +92,14 @@ void TestCleaningNote::leadsToWhatAKillHasLeft_data()
 {
     QTest::addColumn<QByteArray>("name");
     QTest::addColumn<bool>("isSingle");
-    QTest::addRow("directly in the location") << QByteArray("file") << false;
-    QTest::addRow("deep inside") << QByteArray("a/b/deep") << false;
-    QTest::addRow("a single file") << QByteArray("file") << true;
+    QTest::addColumn<bool>("isInSlot");
+    for (const bool isInSlot : {false, true}) {
+        const char *where = isInSlot ? "in a slot" : "under its own";
+        QTest::addRow("directly in the location, %s", where)
+            << QByteArray("file") << false << isInSlot;
+        QTest::addRow("deep inside, %s", where) << QByteArray("a/b/deep") << false << isInSlot;
+        QTest::addRow("a single file, %s", where) << QByteArray("file") << true << isInSlot;
+    }
 }
 
 /// The next cleaning is of something else.
@@ -95,12 +109,15 @@ void TestCleaningNote::leadsToWhatAKillHasLeft()
     QFETCH(bool, isSingle);
     if (isSingle)
         m_slice = theFiles({m_home->file("Downloads/" + name)});
-    QVERIFY(cleanAndDie(name.sliced(name.lastIndexOf('/') + 1)));
+    QFETCH(bool, isInSlot);
+    QVERIFY(cleanAndDie(name.sliced(name.lastIndexOf('/') + 1),
+                        isInSlot ? Aside::InASlot : Aside::UnderItsOwn));
     QVERIFY(!exists(m_downloads + '/' + name));
     m_slice = contentsOf({m_home->folder(".cache")});
     QVERIFY(putBack().isEmpty());
     QVERIFY(exists(m_downloads + '/' + name));
     QVERIFY(!isNoted("Downloads"));
+    QCOMPARE(furtherNotes(), 0);
 }
 
 void TestCleaningNote::isForgottenOnceTheCleaningHasEnded()
@@ -108,11 +125,12 @@ void TestCleaningNote::isForgottenOnceTheCleaningHasEnded()
     CleaningNote note(hostSystemCalls(), m_settings);
     note.begin(plan({m_home->file("Downloads/kept")}));
     QVERIFY(isNoted("Downloads"));
+    QCOMPARE(furtherNotes(), 1);
     note.end();
     QVERIFY(!isNoted("Downloads"));
+    QCOMPARE(furtherNotes(), 0);
 }
 
-/// There entries are moved aside too, where others are at work.
 void TestCleaningNote::isWrittenWhereNothingIsExcluded()
 {
     CleaningNote note(hostSystemCalls(), m_settings);
@@ -139,6 +157,20 @@ void TestCleaningNote::keepsWhatCouldNotBePutBack()
     move(m_downloads + "/file", m_downloads + "/other");
     QVERIFY(putBack().isEmpty());
     QVERIFY(exists(m_downloads + "/file") && !isNoted("Downloads"));
+}
+
+/// It waits under a private name that tells its own.
+void TestCleaningNote::keepsWhatCouldNotBeTakenOutOfItsSlot()
+{
+    QVERIFY(cleanAndDie("file", Aside::InASlot));
+    makeFile(m_downloads + "/file", "of the user's own");
+    const QList<CleaningRefusal> left = putBack();
+    QCOMPARE(left.size(), 1);
+    QCOMPARE(left.first().path, m_downloads + "/.vantor-aside.file");
+    move(m_downloads + "/file", m_downloads + "/other");
+    QVERIFY(putBack().isEmpty());
+    QVERIFY(exists(m_downloads + "/file") && !isNoted("Downloads"));
+    QCOMPARE(furtherNotes(), 0);
 }
 
 void TestCleaningNote::leadsNowhereOutsideTheGrant()

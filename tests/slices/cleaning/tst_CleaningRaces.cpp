@@ -157,15 +157,15 @@ void TestCleaningRaces::removesNothingAsWhatItWasNotListedAs_data()
     QTest::addColumn<QByteArray>("name");
     QTest::addColumn<QByteArray>("replacement");
     QTest::addRow("file, now a folder")
-        << QByteArray("moveToFree") << QByteArray("file") << QByteArray("folder");
+        << QByteArray("takeAside") << QByteArray("file") << QByteArray("folder");
     QTest::addRow("folder, now a file")
         << QByteArray("openFolder") << QByteArray("folder") << QByteArray("file");
     QTest::addRow("folder, now a link")
         << QByteArray("openFolder") << QByteArray("folder") << QByteArray("link");
     QTest::addRow("emptied folder, now a file")
-        << QByteArray("moveToFree") << QByteArray("folder") << QByteArray("file");
+        << QByteArray("takeAside") << QByteArray("folder") << QByteArray("file");
     QTest::addRow("emptied folder, now a link")
-        << QByteArray("moveToFree") << QByteArray("folder") << QByteArray("link");
+        << QByteArray("takeAside") << QByteArray("folder") << QByteArray("link");
 }
 
 void TestCleaningRaces::removesNothingAsWhatItWasNotListedAs()

@@ -71,7 +71,8 @@ public:
         for (const Found &found : allFiles()) {
             after.insert(found.text);
             const bool isOutside = !found.path.startsWith(m_ground + "/home/Downloads/");
-            const bool isOurs = found.path.contains("/.vantor-aside"); // moved by the cleaning
+            const bool isOurs = isPrivateName(
+                found.path.sliced(found.path.lastIndexOf('/') + 1)); // moved by the cleaning
             const bool isLater = found.changed >= confirmed.stamp && !isOurs;
             if (!found.text.startsWith("chosen") || isLater)
                 m_protected.insert(found.text);

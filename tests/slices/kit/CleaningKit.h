@@ -3,11 +3,13 @@
 #include "platform/system/FileDescriptor.h"
 #include "platform/system/HostSystemCalls.h"
 #include "slices/cleaning/Cleaning.h"
+#include "slices/removal/AsideNames.h"
 #include "tests/support/disk/FolderAccess.h"
 #include "tests/support/disk/OpenedFolder.h"
 #include "tests/support/run/LogRecorder.h"
 
 #include <QByteArrayList>
+#include <QFile>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -145,5 +147,8 @@ inline CleaningReport clean(const FileAccess &access, const QList<SliceToClean> 
                             const ExcludedPaths &excluded = {},
                             const SystemCalls &calls = hostSystemCalls())
 {
-    return performCleaning(calls, makeCleaningPlan(calls, access, slices, excluded), {});
+    const CleaningGround notes;
+    AsideNames names(hostSystemCalls(), QFile::decodeName(notes.path()));
+    return performCleaning(calls, makeCleaningPlan(calls, access, slices, excluded), {}, {},
+                           &names);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tests/slices/kit/StepsOfRemoval.h"
 #include "tests/support/calls/HookedCalls.h"
 
 #include <cerrno>
@@ -12,8 +13,7 @@ public:
 
     std::optional<int> before(const char *call, int, const char *name) const override
     {
-        // Where something is excluded, a file is moved to a name of the cleaning's own before.
-        const bool isIt = qstrcmp(call, "removeFile") == 0 && QByteArrayView(name).endsWith(m_name);
+        const bool isIt = takesAside(call, name) && m_name == name;
         return isIt ? std::optional(EBUSY) : std::nullopt;
     }
 

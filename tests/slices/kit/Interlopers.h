@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tests/slices/kit/CleaningKit.h"
+#include "tests/slices/kit/StepsOfRemoval.h"
 #include "tests/support/calls/HookedCalls.h"
 #include "tests/support/run/Outside.h"
 
@@ -28,8 +29,8 @@ public:
     {
         const auto found = m_actions.find(m_count++);
         if (found != m_actions.end()) {
-            m_hasInterruptedRemoval =
-                m_hasInterruptedRemoval || QByteArrayView(call) == "removeFile";
+            m_hasInterruptedRemoval = m_hasInterruptedRemoval || takesAside(call, name) ||
+                                      QByteArrayView(call) == "removeFile";
             m_interrupted = QByteArray(call) + ' ' + name;
             doOutside(found->second);
         }
@@ -61,7 +62,8 @@ inline void exchange(const QByteArray &one, const QByteArray &other)
     (void)::renameat2(AT_FDCWD, one.constData(), AT_FDCWD, other.constData(), RENAME_EXCHANGE);
 }
 
-/// Does something right before one certain call on one certain name.
+/// Does something right before one certain call on one certain name; "takeAside" stands for the
+/// first step of its removal, "afterTakingAside" for the call after that.
 class Swapper final : public HookedCalls
 {
 public:
@@ -74,7 +76,16 @@ public:
     bool isInMemory(int) const override { return m_isInMemory; }
     std::optional<int> before(const char *call, int, const char *name) const override
     {
-        if (m_call == call && m_name == name)
+        if (m_isDue) // the entry has left its name with the call before
+            doOutside(std::exchange(m_swap, [] {}));
+        const bool isIt = m_call == "takeAside" || m_call == "afterTakingAside"
+                              ? takesAside(call, name)
+                              : m_call == call;
+        if (!isIt || m_name != name)
+            return {};
+        if (m_call == "afterTakingAside")
+            m_isDue = true;
+        else
             doOutside(m_swap);
         return {};
     }
@@ -82,7 +93,8 @@ public:
 private:
     QByteArray m_call;
     QByteArray m_name;
-    std::function<void()> m_swap;
+    mutable std::function<void()> m_swap;
+    mutable bool m_isDue = false;
     bool m_isInMemory;
 };
 
@@ -98,8 +110,7 @@ public:
     bool isInMemory(int) const override { return true; }
     std::optional<int> before(const char *call, int, const char *name) const override
     {
-        const QByteArrayView step(call);
-        if ((step == "removeFile" || step == "moveToFree") && m_name == name)
+        if (takesAside(call, name) && m_name == name)
             doOutside(m_action);
         return {};
     }

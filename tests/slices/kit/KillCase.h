@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tests/slices/kit/NotedCleaning.h"
+#include "tests/slices/kit/StepsOfRemoval.h"
 #include "tests/support/calls/KillingCalls.h"
 #include "tests/support/run/KilledProcess.h"
 
@@ -71,7 +72,7 @@ public:
     {
         const auto left = tree(home());
         const bool hasPrivate = std::any_of(left.begin(), left.end(), [](const QByteArray &each) {
-            return each.contains(kPrivate);
+            return isPrivateName(nameOf(each));
         });
         return hasPrivate || (left.size() < m_inodes.size() && !wrongAtLast().isEmpty());
     }
@@ -97,8 +98,7 @@ public:
     QByteArray wrongWhenKilled() const
     {
         for (const QByteArray &relative : tree(home())) {
-            const auto was = m_inodes.find(ownName(relative));
-            if (was == m_inodes.end() || was->second != inodeOf(home() + '/' + relative))
+            if (!isKnown(relative))
                 return "a stranger: " + relative;
         }
         return lost();
@@ -107,7 +107,7 @@ public:
     QByteArray wrongWhenCleanedAgain() const
     {
         for (const QByteArray &relative : tree(home())) {
-            if (relative.contains(kPrivate))
+            if (isPrivateName(nameOf(relative)))
                 return "not put back: " + relative;
         }
         return wrongWhenKilled();
@@ -158,7 +158,24 @@ private:
     }
 
     /// The path without what was put before a name to move the entry aside.
-    static QByteArray ownName(QByteArray relative) { return relative.replace(kPrivate, ""); }
+    static QByteArray nameOf(const QByteArray &relative)
+    {
+        return relative.sliced(relative.lastIndexOf('/') + 1);
+    }
+    /// Whether it was there before, in its folder. A slot does not tell a file's own name.
+    bool isKnown(QByteArray relative) const
+    {
+        const ino_t inode = inodeOf(home() + '/' + relative);
+        const QByteArray folder = relative.chopped(nameOf(relative).size());
+        if (nameOf(relative).startsWith(".vantor-slot.")) {
+            return std::any_of(m_inodes.begin(), m_inodes.end(), [&](const auto &known) {
+                return known.second == inode &&
+                       known.first.chopped(nameOf(known.first).size()) == folder;
+            });
+        }
+        const auto was = m_inodes.find(relative.replace(kPrivate, ""));
+        return was != m_inodes.end() && was->second == inode;
+    }
 
     static ino_t inodeOf(const QByteArray &path)
     {

@@ -15,7 +15,7 @@ inline CleaningReport cleanNoted(const QByteArray &noteFolder, const FileAccess 
     const QList<CleaningRefusal> leftAside = note.putBack(access, {});
     const CleaningPlan plan = makeCleaningPlan(calls, access, slices, excluded);
     note.begin(plan);
-    CleaningReport report = performCleaning(calls, plan, {});
+    CleaningReport report = performCleaning(calls, plan, {}, {}, note.names());
     note.end();
     report.refusals += leftAside;
     report.refusalCount += std::uint64_t(leftAside.size());

@@ -39,7 +39,7 @@ private:
 
 void TestAsideSearch::findsWhatWasLeftInATree()
 {
-    AsideSearch search(hostSystemCalls(), {});
+    AsideSearch search(hostSystemCalls(), {}, {});
     search.lookThrough(path({}));
     QCOMPARE(tree(m_home), std::set<QByteArray>({"here", "a", "a/b", "a/b/deep", "a/folder",
                                                  "a/folder/inside", "a/file"}));
@@ -50,7 +50,7 @@ void TestAsideSearch::findsWhatWasLeftInATree()
 
 void TestAsideSearch::staysInOneFolder()
 {
-    AsideSearch search(hostSystemCalls(), {});
+    AsideSearch search(hostSystemCalls(), {}, {});
     search.lookIn(path("a"));
     QCOMPARE(search.found(), QByteArrayList{"a/.vantor-aside.folder"});
     QVERIFY(exists(m_home + "/.vantor-aside.here"));
@@ -61,7 +61,7 @@ void TestAsideSearch::followsNoLink()
 {
     makeFile(*m_scratch / "outside/.vantor-aside.file");
     makeLink(m_home + "/a/link", *m_scratch / "outside");
-    AsideSearch search(hostSystemCalls(), {});
+    AsideSearch search(hostSystemCalls(), {}, {});
     search.lookThrough(path({}));
     search.lookIn(path("a/link"));
     QVERIFY(exists(*m_scratch / "outside/.vantor-aside.file"));
@@ -71,7 +71,7 @@ void TestAsideSearch::followsNoLink()
 void TestAsideSearch::takesNoNameFromAnother()
 {
     makeFile(m_home + "/here", "the user's own");
-    AsideSearch search(hostSystemCalls(), {});
+    AsideSearch search(hostSystemCalls(), {}, {});
     search.lookIn(path({}));
     QCOMPARE(search.left(), QByteArrayList{".vantor-aside.here"});
     QVERIFY(exists(m_home + "/.vantor-aside.here"));
@@ -94,13 +94,13 @@ void TestAsideSearch::saysWhenItCouldNotSeeAll()
     QFETCH(bool, isComplete);
     HookedSystem calls(
         [&](int, std::string_view name) { return name == "openFolder" ? error : 0; });
-    AsideSearch search(calls, {});
+    AsideSearch search(calls, {}, {});
     search.lookThrough(path("a"));
     QCOMPARE(search.isComplete(), isComplete);
     QVERIFY(search.found().isEmpty());
     std::stop_source stop;
     stop.request_stop();
-    AsideSearch stopped(hostSystemCalls(), stop.get_token());
+    AsideSearch stopped(hostSystemCalls(), {}, stop.get_token());
     stopped.lookThrough(path({}));
     QVERIFY(!stopped.isComplete() && stopped.found().isEmpty());
 }

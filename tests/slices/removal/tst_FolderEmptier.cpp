@@ -12,10 +12,10 @@ class InTheMidst final : public HookedCalls
 public:
     explicit InTheMidst(std::function<void()> action) : m_action(std::move(action)) {}
 
-    std::optional<int> before(const char *call, int, const char *) const override
+    std::optional<int> before(const char *call, int, const char *name) const override
     {
         constexpr int kMidst = 100;
-        if (qstrcmp(call, "removeFile") == 0 && ++m_removals == kMidst)
+        if (takesAside(call, name) && ++m_removals == kMidst)
             doOutside(m_action);
         return {};
     }

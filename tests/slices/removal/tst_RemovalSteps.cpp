@@ -1,9 +1,11 @@
 #include "slices/removal/RemovalSteps.h"
 #include "tests/slices/kit/CleaningKit.h"
+#include "tests/support/calls/HookedCalls.h"
 #include "tests/support/calls/PoorListing.h"
 #include "tests/support/calls/SubVolume.h"
 #include "tests/support/run/TestMain.h"
 
+#include <algorithm>
 #include <cerrno>
 
 class TestRemovalSteps final : public QObject
@@ -16,6 +18,7 @@ private Q_SLOTS:
     void knowsExclusionsThatAreListedWithoutTheirNumbers();
     void leavesVolumesThatAreNoMounts_data();
     void leavesVolumesThatAreNoMounts();
+    void countsNothingThatStaysInTheEnd();
     void explainsWhyAFolderCouldNotBeEntered();
 
 private:
@@ -76,6 +79,28 @@ void TestRemovalSteps::leavesVolumesThatAreNoMounts()
     QCOMPARE(report.refusals.size(), 1);
     QCOMPARE(report.refusals.first().path, m_downloads + "/folder/inner");
     QCOMPARE(report.refusals.first().reason, RefusalReason::OtherFileSystem);
+}
+
+/// The last file of a folder is removed for good only when all have been taken aside.
+void TestRemovalSteps::countsNothingThatStaysInTheEnd()
+{
+    class Stubborn final : public HookedCalls
+    {
+    public:
+        bool isInMemory(int) const override { return true; }
+        std::optional<int> before(const char *call, int, const char *) const override
+        {
+            return qstrcmp(call, "removeFile") == 0 ? std::optional(EIO) : std::nullopt;
+        }
+    };
+    const CleaningReport report = cleanWith(Stubborn());
+    QCOMPARE(report.failureCount, std::uint64_t(report.failures.size()));
+    const std::set<QByteArray> left = tree(m_downloads);
+    QCOMPARE(report.removedItems, 6 - left.size());
+    for (const CleaningFailure &failure : report.failures)
+        QVERIFY2(exists(failure.path), failure.path);
+    QVERIFY(std::ranges::any_of(report.failures,
+                                [](const auto &failure) { return failure.error == EIO; }));
 }
 
 void TestRemovalSteps::explainsWhyAFolderCouldNotBeEntered()

@@ -167,6 +167,11 @@ bool ForwardingSystemCalls::isInMemory(int folder) const
     return m_next.isInMemory(folder);
 }
 
+SystemResult<FileDescriptor> ForwardingSystemCalls::openEntry(int parent, const char *name) const
+{
+    return forwarded({"openEntry", parent, name}, [&] { return m_next.openEntry(parent, name); });
+}
+
 SystemResult<void> ForwardingSystemCalls::removeFile(int parent, const char *name) const
 {
     return forwarded({"removeFile", parent, name}, [&] { return m_next.removeFile(parent, name); });
@@ -239,6 +244,12 @@ SystemResult<std::size_t> ForwardingSystemCalls::read(int file, std::span<char> 
 SystemResult<std::size_t> ForwardingSystemCalls::write(int file, std::span<const char> bytes) const
 {
     return forwarded({"write", file, ""}, [&] { return m_next.write(file, bytes); });
+}
+
+SystemResult<std::size_t> ForwardingSystemCalls::writeAt(int file, std::span<const char> bytes,
+                                                         std::int64_t offset) const
+{
+    return forwarded({"writeAt", file, ""}, [&] { return m_next.writeAt(file, bytes, offset); });
 }
 
 SystemResult<void> ForwardingSystemCalls::sync(int descriptor) const

@@ -52,6 +52,7 @@ public:
     bool mayChangeEntries(int folder) const override;
     ActingUser actingUser() const override;
     bool isInMemory(int folder) const override;
+    SystemResult<FileDescriptor> openEntry(int parent, const char *name) const override;
     SystemResult<void> removeFile(int parent, const char *name) const override;
     SystemResult<void> removeFolder(int parent, const char *name) const override;
     SystemResult<void> setPermissions(int descriptor, std::uint16_t permissions) const override;
@@ -70,6 +71,8 @@ public:
     SystemResult<FileDescriptor> createFile(int parent, const char *name) const override;
     SystemResult<std::size_t> read(int file, std::span<char> buffer) const override;
     SystemResult<std::size_t> write(int file, std::span<const char> bytes) const override;
+    SystemResult<std::size_t> writeAt(int file, std::span<const char> bytes,
+                                      std::int64_t offset) const override;
     SystemResult<void> sync(int descriptor) const override;
     SystemResult<void> rename(int parent, const char *from, const char *to) const override;
     SystemResult<void> moveToFree(int parent, const char *from, const char *to) const override;

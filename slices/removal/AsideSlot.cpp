@@ -1,0 +1,90 @@
+#include "slices/removal/AsideSlot.h"
+
+#include "platform/system/SystemCalls.h"
+#include "slices/removal/AsideNames.h"
+
+#include <QtGlobal>
+#include <cerrno>
+#include <cstring>
+
+AsideSlot::AsideSlot(const SystemCalls &calls, AsideNames *names) : m_calls(calls), m_names(names)
+{
+    const auto number = names ? names->takeSlot() : std::nullopt;
+    if (!number)
+        return;
+    m_number = *number;
+    m_slot = names->privateName(m_number);
+}
+
+AsideSlot::~AsideSlot()
+{
+    if (m_number >= 0)
+        m_names->giveBackSlot(m_number);
+}
+
+/// The file before this one is held open until it has been replaced: so the system gives its blocks
+/// back when the folder is no longer locked, and other threads can go on.
+std::optional<AsideSlot::Outcome> AsideSlot::take(int folder, const char *name,
+                                                  const FileStatus &expected)
+{
+    Q_ASSERT(!isHolding() || m_folder == folder);
+    // A move onto another name of the same file does nothing, and reports that all is well.
+    const bool isSameFile = isHolding() && m_inode == expected.inodeId();
+    if (m_number < 0 || isSameFile || !m_names->note(m_number, name, expected.inode))
+        return std::nullopt;
+    const auto moved = isHolding() ? m_calls.rename(folder, name, m_slot.constData())
+                                   : m_calls.moveToFree(folder, name, m_slot.constData());
+    if (!moved)
+        return std::nullopt;
+    m_file.reset();
+    return compare(folder, name, expected);
+}
+
+AsideSlot::Outcome AsideSlot::compare(int folder, const char *name, const FileStatus &expected)
+{
+    auto file = m_calls.openEntry(folder, m_slot.constData());
+    const auto found = file ? m_calls.statusOf(file->get()) : tl::unexpected(file.error());
+    if (!found)
+        return tl::unexpected(putBack(folder, name, found.error()));
+    if (!ExactRemoval::isSame(*found, expected))
+        return tl::unexpected(putBack(folder, name, ESTALE));
+    m_file = std::move(*file);
+    m_inode = expected.inodeId();
+    m_folder = folder;
+    std::strncpy(m_heldName.data(), name, m_heldName.size() - 1);
+    return {};
+}
+
+/// The name may be taken, or the folder out of this thread's reach by now.
+ExactRemoval::Failure AsideSlot::putBack(int folder, const char *name, int error) const
+{
+    const ExactRemoval removal(m_calls);
+    const auto back = removal.moveToFree(folder, m_slot.constData(), name);
+    if (back || back.error() == ENOENT)
+        return {error, {}};
+    QByteArray telling = ExactRemoval::privateName(name);
+    const auto moved = removal.moveToFree(folder, m_slot.constData(), telling.constData());
+    return {error, moved ? telling : m_slot};
+}
+
+std::optional<AsideSlot::Left> AsideSlot::empty()
+{
+    if (!isHolding())
+        return std::nullopt;
+    const auto removed = removeHeld();
+    m_file.reset();
+    if (removed || removed.error() == ENOENT)
+        return std::nullopt;
+    return Left{m_folder, m_heldName.data(), putBack(m_folder, m_heldName.data(), removed.error())};
+}
+
+/// A move that failed may have happened all the same.
+SystemResult<void> AsideSlot::removeHeld() const
+{
+    const auto found = m_calls.status(m_folder, m_slot.constData());
+    if (!found)
+        return tl::unexpected(found.error());
+    if (found->inodeId() != m_inode)
+        return tl::unexpected(ESTALE);
+    return m_calls.removeFile(m_folder, m_slot.constData());
+}
