@@ -1,5 +1,6 @@
 #include "chart/slice/SliceGeometry.h"
 
+#include <QLineF>
 #include <QtMath>
 #include <cmath>
 #include <numbers>
@@ -7,6 +8,21 @@
 namespace {
 
 constexpr double kFullTurn = 2 * std::numbers::pi;
+
+/// The toolkit draws smooth shapes in bands of some forty rows, and for each band it walks along
+/// every line that touches it, from end to end. With lines no longer than this, in points, each is
+/// walked once or twice; with long ones most of the time of a fill goes there.
+constexpr double kLongestLine = 12;
+
+/// Adds a straight line as a row of short ones; they end in the same place.
+void addShortLines(QPainterPath &path, QPointF end)
+{
+    const QPointF begin = path.currentPosition();
+    const int count = static_cast<int>(QLineF(begin, end).length() / kLongestLine) + 1;
+    for (int i = 1; i < count; ++i)
+        path.lineTo(begin + (end - begin) * i / count);
+    path.lineTo(end);
+}
 
 } // namespace
 
@@ -21,10 +37,14 @@ QPainterPath SliceGeometry::createArcPath() const
 {
     QPainterPath path;
     path.setFillRule(Qt::WindingFill);
-    path.moveTo(center);
+    const QRectF circle(center.x() - radius, center.y() - radius, 2 * radius, 2 * radius);
     // Qt counts angles against its own y axis. Hence these signs in a plane whose y grows upwards.
-    path.arcTo(QRectF(center.x() - radius, center.y() - radius, 2 * radius, 2 * radius),
-               -qRadiansToDegrees(start), -qRadiansToDegrees(sweep()));
+    QPainterPath arc;
+    arc.arcMoveTo(circle, -qRadiansToDegrees(start));
+    path.moveTo(center);
+    addShortLines(path, arc.currentPosition());
+    path.arcTo(circle, -qRadiansToDegrees(start), -qRadiansToDegrees(sweep()));
+    addShortLines(path, center);
     path.closeSubpath();
     return path;
 }
