@@ -1,5 +1,7 @@
 #include "platform/look/AlphaVeil.h"
 
+#include "platform/look/OwnThreadPainting.h"
+
 #include <QEvent>
 #include <QPaintEvent>
 #include <QPainter>
@@ -25,7 +27,7 @@ void AlphaVeil::paintEvent(QPaintEvent *event)
     QPainter painter(this);
     painter.setOpacity(m_cover);
     const QWidget &behind = *parentWidget();
-    painter.fillRect(event->rect(), behind.palette().brush(behind.backgroundRole()));
+    painter.fillRect(event->rect(), rowByRowBrush(behind.palette().color(behind.backgroundRole())));
 }
 
 bool AlphaVeil::eventFilter(QObject *watched, QEvent *event)

@@ -2,6 +2,7 @@
 
 #include "platform/look/ViewAlpha.h"
 #include "tests/support/run/GuiTestMain.h"
+#include "tests/support/run/HeldPool.h"
 
 #include <QPainter>
 #include <QPushButton>
@@ -27,6 +28,7 @@ private Q_SLOTS:
     void fades();
     void diesWithTheWidget();
     void isNothingWithoutAParent();
+    void paintsWithoutThePool();
 };
 
 namespace {
@@ -229,6 +231,18 @@ void TestAlphaVeil::isNothingWithoutAParent()
     QCOMPARE(alphaValue(page), 0.5);
     page.resize(20, 20);
     QCOMPARE(qGray(page.grab().toImage().pixel(10, 10)), 0);
+}
+
+void TestAlphaVeil::paintsWithoutThePool()
+{
+    Stage stage;
+    stage.stage.resize(900, 700);
+    stage.page.resize(900, 700);
+    setAlphaValue(stage.page, 0.4);
+    const HeldPool pool;
+    const QImage seen = stage.stage.grab().toImage();
+    QVERIFY(!pool.wasWaitedFor());
+    QCOMPARE(qGray(seen.pixel(450, 350)), 120);
 }
 
 VANTOR_GUI_TEST_MAIN(TestAlphaVeil)
