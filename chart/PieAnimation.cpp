@@ -3,6 +3,10 @@
 #include "chart/PieView.h"
 #include "platform/look/ViewAlpha.h"
 
+#include <QEvent>
+#include <QWindow>
+#include <algorithm>
+
 namespace {
 
 constexpr std::chrono::milliseconds kFrame{1000 / 60};
@@ -13,8 +17,39 @@ PieAnimation::PieAnimation(PieView &view) : QObject(&view), m_view(view)
 {
     m_updateTimer.setObjectName(QStringLiteral("updateTimer"));
     m_updateTimer.setTimerType(Qt::PreciseTimer);
-    m_updateTimer.setInterval(kFrame);
     connect(&m_updateTimer, &QTimer::timeout, this, &PieAnimation::updateTimerFired);
+    view.installEventFilter(this);
+}
+
+/// What is painted can be seen, so its frames go on.
+bool PieAnimation::eventFilter(QObject *, QEvent *event)
+{
+    if (event->type() == QEvent::Paint && isRunning() &&
+        m_updateTimer.intervalAsDuration() > kFrame)
+        m_updateTimer.start(kFrame);
+    return false;
+}
+
+bool PieAnimation::isSeen() const
+{
+    const QWidget &window = *m_view.window();
+    return m_view.isVisible() && !window.isMinimized() && window.windowHandle() &&
+           window.windowHandle()->isExposed();
+}
+
+std::chrono::milliseconds PieAnimation::timeToTheEnd() const
+{
+    const auto last = std::ranges::max_element(m_running, {}, &ArcAnimation::end);
+    return std::chrono::ceil<std::chrono::milliseconds>((*last)->end() - m_clock());
+}
+
+/// The window system tells of a window that it covers or takes away in many ways, and not always.
+/// So this asks at each frame.
+void PieAnimation::wakeUpLater()
+{
+    const auto pause = isSeen() ? kFrame : std::max(kFrame, timeToTheEnd());
+    if (!m_updateTimer.isActive() || m_updateTimer.intervalAsDuration() != pause)
+        m_updateTimer.start(pause);
 }
 
 void PieAnimation::prepare(SliceLayer &layer, Arc from, Arc to)
@@ -44,14 +79,17 @@ void PieAnimation::updateTimerFired()
     // A copy, because a receiver of the signal of the last end may put in other slices.
     for (const auto &layer : SliceLayers(m_view.sliceLayers()))
         layer->arc().finishAnimations(now);
+    if (isRunning())
+        wakeUpLater();
+    else
+        m_updateTimer.stop();
 }
 
 void PieAnimation::animationDidStart(const ArcAnimation &animation)
 {
     Q_EMIT started();
-    if (!m_updateTimer.isActive())
-        m_updateTimer.start();
     m_running.push_back(&animation);
+    wakeUpLater();
 }
 
 void PieAnimation::animationDidStop(const ArcAnimation &animation, Completion completion)

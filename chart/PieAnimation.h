@@ -19,6 +19,9 @@ struct Arc
 /// Moves the slices of a pie: it begins the animations of their arcs together, advances them frame
 /// by frame, and knows when the last one is over.
 ///
+/// While nobody can see the pie there are no frames: the next wake-up is the end of the movement.
+/// A pie that stands still has no timer at all.
+///
 /// Owned by the pie. Main thread only.
 class PieAnimation final : public QObject, private ArcAnimationDelegate
 {
@@ -55,7 +58,13 @@ Q_SIGNALS:
     /// The last running animation has reached its end: the slices stand still.
     void finished();
 
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
+    void wakeUpLater();
+    bool isSeen() const;
+    std::chrono::milliseconds timeToTheEnd() const;
     void animationDidStart(const ArcAnimation &animation) override;
     void animationDidStop(const ArcAnimation &animation, Completion completion) override;
 

@@ -54,6 +54,8 @@ public:
     /// The start value before the beginning, the end value from the end on.
     double valueAt(MediaTime time) const;
     bool isOverAt(MediaTime time) const;
+    /// When it is over, once it has begun.
+    MediaTime end() const { return m_begin + m_duration; }
 
 private:
     double m_fromValue;

@@ -5,6 +5,11 @@
 #include "tests/support/run/GuiTestMain.h"
 
 #include <QSignalSpy>
+#include <QTimer>
+#include <QWindow>
+
+using Hide = std::function<void(QWidget &)>;
+Q_DECLARE_METATYPE(Hide)
 
 class TestPieAnimation final : public QObject
 {
@@ -18,9 +23,31 @@ private Q_SLOTS:
     void isOverAtOnceWithoutDuration();
     void goesOnFromWhereTheSliceIsSeen();
     void bearsThatSlicesGoWhenItEnds();
+    void hasNoTimerWhileItStandsStill();
+    void hasNoFramesWhileNobodySees_data();
+    void hasNoFramesWhileNobodySees();
+    void paintsNothingWhileItIsHidden();
+    void goesOnWhenItIsSeenAgain();
+    void endsInTimeWhereNobodySees();
 };
 
 namespace {
+
+/// Counts how often a widget is painted.
+class PaintCounter final : public QObject
+{
+public:
+    explicit PaintCounter(QWidget &widget) { widget.installEventFilter(this); }
+
+    int count = 0;
+
+protected:
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        count += event->type() == QEvent::Paint;
+        return false;
+    }
+};
 
 /// Two slices, and a clock that the test sets.
 class HeldAnimation final
@@ -33,6 +60,16 @@ public:
     HeldAnimation()
     {
         animation.setClock([this] { return now; });
+    }
+
+    QTimer &timer() { return *animation.findChild<QTimer *>(QStringLiteral("updateTimer")); }
+
+    void show()
+    {
+        pie.show();
+        if (!QTest::qWaitForWindowExposed(&pie))
+            qFatal("the pie does not come up");
+        QCoreApplication::processEvents();
     }
 
     void begin(std::size_t place, Arc from, Arc to)
@@ -137,6 +174,83 @@ void TestPieAnimation::bearsThatSlicesGoWhenItEnds()
     });
     held.pass(0.75);
     QVERIFY(held.pie.sliceLayers().empty());
+}
+
+void TestPieAnimation::hasNoTimerWhileItStandsStill()
+{
+    HeldAnimation held;
+    held.show();
+    QVERIFY(!held.timer().isActive());
+    held.begin(0, {1, 1}, {1, 3});
+    QVERIFY(held.timer().isActive());
+    held.pass(0.75);
+    QVERIFY(!held.timer().isActive());
+    held.begin(0, {1, 1}, {1, 2});
+    held.pie.slice(0).arc().removeAllAnimations(); // nothing is left that could end
+    held.pass(0.01);
+    QVERIFY(!held.timer().isActive());
+}
+
+void TestPieAnimation::hasNoFramesWhileNobodySees_data()
+{
+    QTest::addColumn<Hide>("hide");
+    QTest::newRow("hidden") << Hide([](QWidget &window) { window.hide(); });
+    QTest::newRow("minimised") << Hide([](QWidget &window) { window.showMinimized(); });
+}
+
+void TestPieAnimation::hasNoFramesWhileNobodySees()
+{
+    QFETCH(const Hide, hide);
+    HeldAnimation held;
+    held.show();
+    held.begin(0, {1, 1}, {1, 3});
+    QCOMPARE(held.timer().interval(), 16);
+    hide(held.pie);
+    held.pass(0.25); // the frame that was due
+    QCOMPARE(held.timer().interval(), 500);
+    held.begin(1, {1, 1}, {2, 3}); // ends after the first one
+    QCOMPARE(held.timer().interval(), 750);
+}
+
+void TestPieAnimation::paintsNothingWhileItIsHidden()
+{
+    HeldAnimation held;
+    held.show();
+    held.pie.hide();
+    const PaintCounter painted(held.pie);
+    held.begin(0, {1, 1}, {1, 3});
+    held.pass(0.3);
+    held.pass(0.45);
+    QCoreApplication::processEvents();
+    QCOMPARE(painted.count, 0);
+    held.show();
+    QTRY_COMPARE(painted.count, 1); // as it is now
+}
+
+void TestPieAnimation::goesOnWhenItIsSeenAgain()
+{
+    HeldAnimation held;
+    held.show();
+    held.pie.hide();
+    held.begin(0, {1, 1}, {1, 3});
+    QCOMPARE(held.timer().interval(), 750);
+    held.show();
+    QTRY_COMPARE(held.timer().interval(), 16);
+    held.pass(0.75);
+    QVERIFY(!held.timer().isActive());
+}
+
+void TestPieAnimation::endsInTimeWhereNobodySees()
+{
+    MadePie pie(2);
+    PieAnimation animation(pie); // by the real clock
+    animation.setSpeed(0.1);
+    QSignalSpy finished(&animation, &PieAnimation::finished);
+    animation.prepare(pie.slice(0), {1, 1}, {1, 3});
+    animation.commit();
+    QVERIFY(finished.wait());
+    QCOMPARE(pie.slice(0).geometry().sweep(), 2.0);
+    QCOMPARE(finished.count(), 1);
 }
 
 VANTOR_GUI_TEST_MAIN(TestPieAnimation)

@@ -109,6 +109,8 @@ void TestPieChart::movesItsLabelsWithItsSlices()
 void TestPieChart::runsItsTimerWhileItMovesAlone()
 {
     HeldChart held;
+    held.window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&held.window));
     const auto timer = held.chart.findChild<QTimer *>(QStringLiteral("updateTimer"));
     QVERIFY(timer);
     QVERIFY(!timer->isActive());
