@@ -2,25 +2,11 @@
 
 #include "chart/slice/SlicePainting.h"
 #include "platform/base/Log.h"
+#include "platform/look/OwnThreadPainting.h"
 
 #include <QPaintEvent>
 #include <QPainter>
-#include <array>
 #include <utility>
-
-namespace {
-
-struct Ring
-{
-    QColor color;
-    double width = 0;
-};
-/// The focus ring, inside the slice's edge: a light band with a dark rim, visible on any colour and
-/// before any background. Painted from the widest to the narrowest.
-constexpr std::array kFocusRings{Ring{QColor(0, 0, 0, 90), 6}, Ring{QColor(255, 255, 255), 5},
-                                 Ring{QColor(0, 0, 0, 140), 1.5}};
-
-} // namespace
 
 PieView::PieView(QWidget *parent) : BackgroundView(parent)
 {
@@ -122,10 +108,35 @@ void PieView::setRingedSlice(int index)
         update();
 }
 
+int PieView::drawings() const
+{
+    int drawings = m_ring.drawings();
+    for (const auto &layer : m_sliceLayers)
+        drawings += layer->picture().drawings();
+    return drawings;
+}
+
+qsizetype PieView::pictureBytes() const
+{
+    qsizetype bytes = m_ring.bytes();
+    for (const auto &layer : m_sliceLayers)
+        bytes += layer->picture().bytes();
+    return bytes;
+}
+
 void PieView::resizeEvent(QResizeEvent *event)
 {
     BackgroundView::resizeEvent(event);
     refreshSliceLayers(LayerState::Presentation);
+}
+
+/// The pages of the program live as long as it does; only the one that is seen needs pictures.
+void PieView::hideEvent(QHideEvent *event)
+{
+    BackgroundView::hideEvent(event);
+    m_ring.forget();
+    for (const auto &layer : m_sliceLayers)
+        layer->picture().forget();
 }
 
 void PieView::paintEvent(QPaintEvent *event)
@@ -133,12 +144,27 @@ void PieView::paintEvent(QPaintEvent *event)
     BackgroundView::paintEvent(event);
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
+    paintByRectangles(painter, event->region(),
+                      [&](const QRect &part) { paintPart(painter, part); });
+}
+
+void PieView::paintPart(QPainter &painter, const QRect &exposed)
+{
+    paintShapes(painter, exposed);
+    paintLabels(painter, exposed);
+}
+
+void PieView::paintShapes(QPainter &painter, const QRect &exposed)
+{
     painter.save();
     painter.setTransform(plane().transform(), true);
-    paintSlices(painter, m_sliceLayers, plane().fromWidget(QRectF(event->rect())));
-    paintFocusRing(painter);
+    const QRectF seen = plane().fromWidget(QRectF(rect()));
+    paintSlices(painter, m_sliceLayers, plane().fromWidget(QRectF(exposed)), seen);
+    if (const SliceLayer *ringed = layerOfSlice(m_ringedSlice))
+        paintFocusRing(painter, *ringed, seen, m_ring);
+    else
+        m_ring.forget();
     painter.restore();
-    paintLabels(painter, event->rect());
 }
 
 void PieView::paintLabels(QPainter &painter, const QRect &exposed) const
@@ -149,14 +175,4 @@ void PieView::paintLabels(QPainter &painter, const QRect &exposed) const
         if (labelExtent(label).intersects(exposed))
             label.paint(painter, plane().toWidget(label.position()), layer->infoOpacity());
     }
-}
-
-void PieView::paintFocusRing(QPainter &painter) const
-{
-    const SliceLayer *layer = layerOfSlice(m_ringedSlice);
-    if (!layer)
-        return;
-    painter.setClipPath(layer->path(), Qt::IntersectClip);
-    for (const Ring &ring : kFocusRings)
-        painter.strokePath(layer->path(), QPen(ring.color, 2 * ring.width));
 }

@@ -62,11 +62,17 @@ public:
     /// Puts the focus ring on a slice, on none for -1.
     void setRingedSlice(int index);
 
+    /// How often a slice or the ring was drawn and not copied from its picture.
+    int drawings() const;
+    /// The memory of the pictures. A view that is hidden has none.
+    qsizetype pictureBytes() const;
+
 protected:
     /// For the derived class, which puts slices in and takes them out.
     SliceLayers &ownSliceLayers() { return m_sliceLayers; }
 
     void resizeEvent(QResizeEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:
@@ -74,12 +80,14 @@ private:
     void refreshSliceLayer(SliceLayer &layer, LayerState state);
     QRectF labelExtent(const InfoLayer &label) const;
     QRectF extentOf(const SliceLayer &layer) const;
+    void paintPart(QPainter &painter, const QRect &exposed);
+    void paintShapes(QPainter &painter, const QRect &exposed);
     void paintLabels(QPainter &painter, const QRect &exposed) const;
-    void paintFocusRing(QPainter &painter) const;
 
     std::optional<QPointF> m_center;
     std::optional<double> m_pieRadius;
     std::optional<double> m_infoRadius;
     SliceLayers m_sliceLayers;
     int m_ringedSlice = -1;
+    SlicePicture m_ring;
 };

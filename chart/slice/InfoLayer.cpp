@@ -1,6 +1,7 @@
 #include "chart/slice/InfoLayer.h"
 
 #include "platform/look/Images.h"
+#include "platform/look/OwnThreadPainting.h"
 #include "slices/record/Info.h"
 #include "slices/record/SizeText.h"
 #include "slices/record/SliceCatalogue.h"
@@ -245,12 +246,8 @@ void InfoLayer::paint(QPainter &painter, QPointF middle, double opacity)
         m_pictureScale = device.m11();
         m_picture = drawn(m_pictureScale);
     }
-    // The picture stands on whole pixels of the device; otherwise each of its pixels would be
-    // smeared over two.
     const QRectF area = bounds();
-    const QPointF corner = device.map(middle + QPointF(area.left(), -area.bottom()));
-    const QPointF sharp = device.inverted().map(QPointF(corner.toPoint()));
     painter.setOpacity(opacity);
-    painter.drawPixmap(sharp, m_picture);
+    copyToPixels(painter, middle + QPointF(area.left(), -area.bottom()), m_picture);
     painter.setOpacity(1);
 }

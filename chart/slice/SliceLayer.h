@@ -4,6 +4,7 @@
 #include "chart/slice/InfoLayer.h"
 #include "chart/slice/SliceArc.h"
 #include "chart/slice/SliceGeometry.h"
+#include "chart/slice/SlicePicture.h"
 
 #include <QColor>
 #include <QPainterPath>
@@ -87,6 +88,9 @@ public:
     QBrush brush() const;
     bool isOpaque() const { return brush().isOpaque(); }
 
+    /// What the shape looks like while it stands still.
+    SlicePicture &picture() { return m_picture; }
+
 private:
     int m_index = 0;
     double m_value = 0;
@@ -99,6 +103,7 @@ private:
     QPointF m_shadowOffset;
     std::optional<GradientLayer> m_gradientLayer;
     std::unique_ptr<InfoLayer> m_infoLayer;
+    SlicePicture m_picture;
 };
 
 using SliceLayers = std::vector<std::shared_ptr<SliceLayer>>;

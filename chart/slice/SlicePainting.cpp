@@ -1,7 +1,10 @@
 #include "chart/slice/SlicePainting.h"
 
+#include "platform/look/OwnThreadPainting.h"
+
 #include <QPainter>
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <numbers>
 #include <span>
@@ -16,6 +19,24 @@ constexpr double kUnderlap = 2;
 
 constexpr QColor kSeparatorColor(255, 255, 255, 60);
 constexpr double kSeparatorWidth = 1;
+
+struct Ring
+{
+    QColor color;
+    double width = 0;
+};
+/// The focus ring, inside the slice's edge: a light band with a dark rim, visible on any colour and
+/// before any background. Painted from the widest to the narrowest.
+constexpr std::array kFocusRings{Ring{QColor(0, 0, 0, 90), 6}, Ring{QColor(255, 255, 255), 5},
+                                 Ring{QColor(0, 0, 0, 140), 1.5}};
+
+/// The part of the slice that can be seen, with what is painted around its shape.
+QRectF seenExtent(const QPainter &painter, const SliceLayer &layer, const QRectF &seen)
+{
+    const double pixel = 1 / std::abs(painter.deviceTransform().m11());
+    const double around = kUnderlap * pixel;
+    return layer.path().boundingRect().adjusted(-around, -around, around, around) & seen;
+}
 
 bool isSameAngle(double first, double second)
 {
@@ -41,20 +62,36 @@ QPointF rimPoint(const SliceGeometry &geometry, double angle, double inset)
 
 /// Paints a line along the edge in the slice's own colours; it reaches below the neighbour. It ends
 /// before the rim, where the neighbour's edge is smooth too.
-void paintUnderlap(QPainter &painter, const SliceLayer &layer, ArcKey edge)
+void paintUnderlap(QPainter &painter, const SliceLook &look, double angle)
 {
-    const SliceGeometry &geometry = layer.geometry();
     const double pixel = 1 / std::abs(painter.deviceTransform().m11());
-    const double angle = edge == ArcKey::EndAngle ? geometry.end : geometry.start;
-    painter.setPen(QPen(layer.brush(), kUnderlap * pixel, Qt::SolidLine, Qt::FlatCap));
-    painter.drawLine(geometry.center, rimPoint(geometry, angle, pixel));
+    painter.setPen(QPen(look.brush, kUnderlap * pixel, Qt::SolidLine, Qt::FlatCap));
+    painter.drawLine(look.geometry.center, rimPoint(look.geometry, angle, pixel));
+}
+
+/// The slice's brush, as one that the toolkit fills on this thread.
+QBrush ownThreadBrush(const SliceLayer &layer)
+{
+    const QBrush brush = layer.brush();
+    const bool isPlain = brush.style() == Qt::SolidPattern;
+    return isPlain && !brush.isOpaque() ? rowByRowBrush(brush.color()) : brush;
+}
+
+void paintShape(QPainter &painter, const QPainterPath &path, const SliceLook &look)
+{
+    painter.fillPath(path, look.brush);
+    if (look.reachesBelowStart)
+        paintUnderlap(painter, look, look.geometry.start);
+    if (look.reachesBelowEnd)
+        paintUnderlap(painter, look, look.geometry.end);
 }
 
 /// Paints a thin light line wherever two slices meet, so that neighbours of the same colour look
 /// separate.
 void paintSeparators(QPainter &painter, const SliceLayers &layers)
 {
-    painter.setPen(QPen(kSeparatorColor, kSeparatorWidth, Qt::SolidLine, Qt::FlatCap));
+    painter.setPen(
+        QPen(rowByRowBrush(kSeparatorColor), kSeparatorWidth, Qt::SolidLine, Qt::FlatCap));
     for (const auto &layer : layers) {
         const SliceGeometry &geometry = layer->geometry();
         if (geometry.sweep() > 0 && layer->isOpaque() && isShared(*layer, ArcKey::EndAngle, layers))
@@ -64,20 +101,32 @@ void paintSeparators(QPainter &painter, const SliceLayers &layers)
 
 } // namespace
 
-void paintSlices(QPainter &painter, const SliceLayers &layers, const QRectF &exposed)
+void paintSlices(QPainter &painter, const SliceLayers &layers, const QRectF &exposed,
+                 const QRectF &seen)
 {
     OtherLayers over(layers); // the slices that are painted later
     for (const auto &layer : layers) {
         over = over.subspan(1);
-        const QBrush brush = layer->brush();
-        if (brush.style() == Qt::NoBrush || layer->geometry().sweep() <= 0 ||
-            !layer->path().boundingRect().intersects(exposed))
+        const SliceLook look{layer->geometry(), ownThreadBrush(*layer),
+                             isShared(*layer, ArcKey::StartAngle, over),
+                             isShared(*layer, ArcKey::EndAngle, over)};
+        const QRectF extent = seenExtent(painter, *layer, seen);
+        if (look.brush.style() == Qt::NoBrush || look.geometry.sweep() <= 0 ||
+            !extent.intersects(exposed))
             continue;
-        painter.fillPath(layer->path(), brush);
-        for (const ArcKey edge : {ArcKey::StartAngle, ArcKey::EndAngle}) {
-            if (isShared(*layer, edge, over))
-                paintUnderlap(painter, *layer, edge);
-        }
+        layer->picture().paint(painter, look, extent,
+                               [&](QPainter &target) { paintShape(target, layer->path(), look); });
     }
     paintSeparators(painter, layers);
+}
+
+void paintFocusRing(QPainter &painter, const SliceLayer &layer, const QRectF &seen,
+                    SlicePicture &picture)
+{
+    const QRectF extent = seenExtent(painter, layer, seen);
+    picture.paint(painter, {layer.geometry(), {}}, extent, [&layer](QPainter &target) {
+        target.setClipPath(layer.path(), Qt::IntersectClip);
+        for (const Ring &ring : kFocusRings)
+            target.strokePath(layer.path(), QPen(rowByRowBrush(ring.color), 2 * ring.width));
+    });
 }
