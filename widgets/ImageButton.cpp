@@ -1,6 +1,7 @@
 #include "widgets/ImageButton.h"
 
 #include "platform/look/Images.h"
+#include "platform/look/OwnThreadPainting.h"
 
 #include <QPainter>
 
@@ -44,7 +45,7 @@ void ImageButton::paintEvent(QPaintEvent *)
     if (!hasFocus())
         return;
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(kFocusColor, kFocusWidth));
+    painter.setPen(QPen(rowByRowBrush(kFocusColor), kFocusWidth));
     const double inset = kFocusWidth / 2;
     painter.drawEllipse(QRectF(rect()).adjusted(inset, inset, -inset, -inset));
 }

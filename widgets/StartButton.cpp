@@ -2,6 +2,7 @@
 
 #include "platform/look/Fonts.h"
 #include "platform/look/Images.h"
+#include "platform/look/OwnThreadPainting.h"
 #include "widgets/TextField.h"
 
 #include <QKeyEvent>
@@ -218,7 +219,7 @@ void StartButton::paintRing(const QColor &color, double thickness)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(color, thickness));
+    painter.setPen(QPen(rowByRowBrush(color), thickness));
     const double radius = width() * kRingRadius;
     painter.drawEllipse(QRectF(rect()).center(), radius, radius);
 }
@@ -227,7 +228,9 @@ void StartButton::paintEvent(QPaintEvent *)
 {
     const QString image =
         isDown() ? QStringLiteral("circleButtonPressed") : QStringLiteral("circleButton");
-    QPainter(this).drawPixmap(0, 0, imageNamed(image, devicePixelRatioF(), size()));
+    QPainter painter(this);
+    copyToPixels(painter, {}, imageNamed(image, devicePixelRatioF(), size()));
+    painter.end();
     if (m_isHovered && !isDown())
         paintRing(kHoverColor, 2);
     if (hasFocus() && m_showsFocus)

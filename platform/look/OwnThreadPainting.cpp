@@ -3,6 +3,13 @@
 #include <QLinearGradient>
 #include <QPainter>
 
+namespace {
+
+/// Below a mask, or a clip of many rectangles, each row is a span; the engine hands over 96 spans.
+constexpr int kRowsAtOnce = 64;
+
+} // namespace
+
 QBrush rowByRowBrush(const QColor &color)
 {
     QLinearGradient gradient(0, 0, 0, 1); // beyond its ends it goes on in the same colour
@@ -30,7 +37,10 @@ void copyToPixels(QPainter &painter, QPointF corner, const QPixmap &picture)
     const QTransform device = painter.deviceTransform();
     painter.save();
     painter.setTransform(device.inverted(), true); // the device's own coordinates
-    painter.drawPixmap(QRect(device.map(corner).toPoint(), picture.size()), picture,
-                       picture.rect());
+    const QPoint pixel = device.map(corner).toPoint();
+    for (int y = 0; y < picture.height(); y += kRowsAtOnce) {
+        const QRect rows = QRect(0, y, picture.width(), kRowsAtOnce) & picture.rect();
+        painter.drawPixmap(rows.translated(pixel), picture, rows);
+    }
     painter.restore();
 }

@@ -16,9 +16,10 @@ class QPainter;
 /// translucent colour, a picture below a clip of many rectangles. It never hands over
 /// - an opaque colour, which it only copies,
 /// - a gradient from top to bottom, which it fills row by row,
-/// - a picture below no clip or one rectangle, which it copies without spans.
+/// - a picture below no clip or one rectangle, which it copies without spans,
+/// - few rows at a time.
 ///
-/// Everything that paints large areas keeps to these three.
+/// Everything that paints large areas keeps to these.
 
 /// A brush for a translucent colour: a gradient from top to bottom between the colour and itself.
 /// What it paints equals what the plain colour paints.
@@ -32,4 +33,5 @@ void paintByRectangles(QPainter &painter, const QRegion &region,
 /// Copies a picture of the device's scale to where its top left corner comes to lie, on whole
 /// pixels of the device: otherwise each of its pixels would be smeared over two. The toolkit copies
 /// pixels at every scale this way; by itself it computes each of them unless the scale is 1 or 2.
+/// Copies few rows at a time, for a painter that is clipped to a mask.
 void copyToPixels(QPainter &painter, QPointF corner, const QPixmap &picture);

@@ -2,6 +2,7 @@
 #include "platform/look/Images.h"
 #include "platform/look/ViewAlpha.h"
 #include "tests/support/run/GuiTestMain.h"
+#include "tests/support/run/HeldPool.h"
 #include "tests/widgets/Ink.h"
 #include "widgets/StartButton.h"
 #include "widgets/TextField.h"
@@ -106,6 +107,7 @@ private Q_SLOTS:
     void showsTheFocusThatCameByKeyboard();
     void fadesAsAWhole();
     void isReadOutAsAButton();
+    void paintsWithoutThePool();
 };
 
 void TestStartButton::startsDisabledWithTwoEmptyTexts()
@@ -334,6 +336,24 @@ void TestStartButton::isReadOutAsAButton()
 
     reader->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
     QTRY_COMPARE(scene.triggered.count(), 1);
+}
+
+void TestStartButton::paintsWithoutThePool()
+{
+    QWidget window;
+    window.setPalette(QPalette(Qt::white));
+    window.resize(600, 600);
+    StartButton button(&window);
+    button.resize(600, 600); // as many rows as at three times the scale
+    button.setEnabled(true);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    QTest::mouseMove(&button, {300, 300}); // with the ring of the pointer
+    window.grab();                         // draws the disc for this size, once
+    const HeldPool pool;
+    const QImage seen = window.grab().toImage();
+    QVERIFY(!pool.wasWaitedFor());
+    QVERIFY(seen.pixel(300, 20) != seen.pixel(2, 2)); // disc and ground
 }
 
 VANTOR_GUI_TEST_MAIN(TestStartButton)

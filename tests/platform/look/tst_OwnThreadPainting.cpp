@@ -79,6 +79,12 @@ void copyIntoManyRectangles(QPainter &painter)
     paintByRectangles(painter, region, [&](const QRect &) { copyToPixels(painter, {}, picture); });
 }
 
+void copyIntoAMask(QPainter &painter)
+{
+    painter.setClipRegion(QRegion(0, 0, kSide, kSide, QRegion::Ellipse));
+    copyToPixels(painter, {}, stripes({kSide, kSide}));
+}
+
 } // namespace
 
 void TestOwnThreadPainting::doesNotWaitForThePool_data()
@@ -88,6 +94,7 @@ void TestOwnThreadPainting::doesNotWaitForThePool_data()
     QTest::newRow("a veil") << Paint(coverAsAVeil);
     QTest::newRow("a stroke in a clip") << Paint(strokeInAClip);
     QTest::newRow("a picture below many rectangles") << Paint(copyIntoManyRectangles);
+    QTest::newRow("a picture below a mask") << Paint(copyIntoAMask);
 }
 
 void TestOwnThreadPainting::doesNotWaitForThePool()
