@@ -1,5 +1,8 @@
 // Measures what a frame of the pie costs in software rendering: medians of whole repaints of a
-// window that shows nothing else. On a busy machine read the processor time.
+// window that shows nothing else. On a busy machine read the processor time; on one processor,
+// where nothing can be handed to another one:
+//
+//   perf stat -e context-switches taskset -c 2 vantor-paint-bench --scale 3
 //
 //   vantor-paint-bench [--size points] [--scale factor] [--frames count] [--save folder]
 //
@@ -9,6 +12,7 @@
 #include "platform/look/Images.h"
 #include "platform/threads/BackgroundThreads.h"
 #include "slices/record/Info.h"
+#include "widgets/ImageButton.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -21,6 +25,7 @@
 #include <chrono>
 #include <cstdio>
 #include <ctime>
+#include <functional>
 
 namespace {
 
@@ -54,6 +59,7 @@ constexpr double kNanosecond = 1e-9;
 constexpr std::chrono::minutes kPatience(1); // for sizes that are texts
 constexpr QColor kOffPrimary(134, 134, 134);
 constexpr QColor kOffSecondary(110, 110, 110);
+constexpr QColor kHovered(250, 250, 250);
 
 /// Eight slices of the same size, some of them grey, or of many sizes.
 class Slices final : public PieChartDataSource, public PieChartDelegate
@@ -69,6 +75,7 @@ public:
 
     bool hasGrey = false;
     bool isUneven = false;
+    int hoveredSlice = -1;
 
     int numberOfSlicesInPieChart(PieChart &) override { return static_cast<int>(kContents.size()); }
 
@@ -84,6 +91,8 @@ public:
 
     std::optional<QColor> colorForSliceAtIndex(PieChart &, int index) override
     {
+        if (index == hoveredSlice)
+            return kHovered;
         return isGrey(index) ? kOffPrimary : kContents[static_cast<std::size_t>(index)].primary;
     }
 
@@ -140,8 +149,12 @@ public:
         measure("moving, gradients", kAmidst);
         m_time += MediaTime(1);
         m_chart.updateTimerFired();
+        measureHover();
         m_chart.interaction().focusSlice(0);
         measure("settled, focus ring", 0);
+        m_slices.isUneven = false;
+        m_chart.reloadData();
+        measure("moving, focus ring", kAmidst);
     }
 
 private:
@@ -152,8 +165,26 @@ private:
         QCoreApplication::sendPostedEvents();
     }
 
+    /// The buttons that come up under the pointer, on a slice whose look changes with it.
+    void measureHover()
+    {
+        ImageButton button(&m_chart);
+        button.setImageName(QStringLiteral("infoButton"));
+        button.resize(button.sizeHint());
+        button.show();
+        int frame = 0;
+        measure("settled, hover", 0, [&] {
+            m_slices.hoveredSlice = frame++ % static_cast<int>(kContents.size());
+            m_chart.reloadGradients();
+            button.move(m_chart.sliceRect(m_slices.hoveredSlice).center());
+        });
+        m_slices.hoveredSlice = -1;
+        m_chart.reloadGradients();
+    }
+
     /// Each frame is a little later than the one before; `at` is seconds into the animation.
-    void measure(const char *name, double at)
+    void measure(
+        const char *name, double at, const std::function<void()> &change = [] {})
     {
         std::vector<double> times;
         std::vector<double> processorTimes;
@@ -166,6 +197,7 @@ private:
             const std::clock_t processorBegin = std::clock();
             if (at > 0)
                 m_chart.updateTimerFired();
+            change();
             m_window.repaint();
             const auto ticks = static_cast<double>(std::clock() - processorBegin);
             processorTimes.push_back(ticks / CLOCKS_PER_SEC / kMillisecond);

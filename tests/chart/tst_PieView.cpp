@@ -243,7 +243,7 @@ void TestPieView::paintsWithoutThePool()
     // Parts of it, as when two labels change at the same time.
     QImage image(1200, 900, QImage::Format_ARGB32_Premultiplied);
     image.setDevicePixelRatio(3);
-    const QRegion parts = QRegion(10, 10, 200, 150) + QRegion(150, 100, 200, 180);
+    const QRegion parts = QRegion(60, 10, 100, 280) + QRegion(220, 10, 100, 280);
     held.chart.render(&image, parts.boundingRect().topLeft(), parts, QWidget::RenderFlags());
     QVERIFY(!pool.wasWaitedFor());
 }
