@@ -8,6 +8,10 @@ enum ExitCode { kDone = 0, kFailed = 1, kUsageError = 2 };
 /// `size PATH...`: measures each location and prints one JSON object per line.
 int runSizeCommand(const QStringList &arguments);
 
+/// `walk [--threads N] FOLDER`: a bare walk, the yardstick for `size`. Prints one JSON object with
+/// the same fields; the bytes are those of all entries, whatever their rights.
+int runWalkCommand(const QStringList &arguments);
+
 /// `search HOME`: searches a home's main folders for large files, just as the program does, and
 /// prints one JSON object.
 int runSearchCommand(const QStringList &arguments);

@@ -10,6 +10,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <cstdio>
+#include <ctime>
 
 namespace {
 
@@ -35,7 +36,9 @@ bool measure(const QString &path, unsigned threads)
     }
     QElapsedTimer timer;
     timer.start();
+    const std::clock_t started = std::clock();
     const FolderSize size = measureFolder(hostSystemCalls(), *place, {}, threads);
+    const double processor = static_cast<double>(std::clock() - started) / CLOCKS_PER_SEC;
     const double seconds = static_cast<double>(timer.nsecsElapsed()) / 1e9;
 
     const QJsonObject line{{QStringLiteral("path"), path},
@@ -43,6 +46,7 @@ bool measure(const QString &path, unsigned threads)
                            {QStringLiteral("items"), size.items},
                            {QStringLiteral("complete"), size.isComplete},
                            {QStringLiteral("seconds"), seconds},
+                           {QStringLiteral("processor_seconds"), processor},
                            {QStringLiteral("peak_rss_bytes"), peakResidentBytes()}};
     std::puts(QJsonDocument(line).toJson(QJsonDocument::Compact).constData());
     return true;

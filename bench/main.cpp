@@ -15,6 +15,7 @@ struct Command
 
 constexpr std::array kCommands{
     Command{"size", "size [--threads N] PATH...", &runSizeCommand},
+    Command{"walk", "walk [--threads N] FOLDER", &runWalkCommand},
     Command{"search", "search [--threads N] HOME", &runSearchCommand},
     Command{"clean", "clean PATH... [--exclude URL]... --yes", &runCleanCommand},
     Command{"trees", "trees FOLDER", &runTreesCommand},
