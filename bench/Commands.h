@@ -21,6 +21,6 @@ int runSearchCommand(const QStringList &arguments);
 /// object per path. `seconds` is the time of the removal alone. Does nothing without --yes.
 int runCleanCommand(const QStringList &arguments);
 
-/// `trees FOLDER`: makes the three trees with which the engines are measured, "cache", "flat" and
-/// "deep". The folder must not hold any of these names.
+/// `trees FOLDER`: makes the four trees with which the engines are measured, "cache", "flat", "deep"
+/// and "home". The folder must not hold any of these names.
 int runTreesCommand(const QStringList &arguments);

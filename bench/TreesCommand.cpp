@@ -35,6 +35,19 @@ constexpr Span kNestedFolders{50, 600}; ///< of an application
 constexpr Span kNestedFiles{0, 12};     ///< in each of these
 constexpr Span kOneInTen{0, 9};
 
+constexpr Span kLargeBytes{100'000'001, 900'000'000};
+constexpr unsigned kProjects = 120;
+constexpr Span kProjectFolders{20, 120};
+constexpr Span kProjectFiles{0, 12}; ///< in each of these
+constexpr unsigned kAlbums = 1200;
+constexpr Span kTracks{6, 20};
+constexpr unsigned kEvents = 150;
+constexpr Span kPhotos{50, 500};
+constexpr unsigned kDownloads = 4000;
+constexpr unsigned kFilms = 300;
+constexpr unsigned kLargeFilms = 200;
+constexpr unsigned kHiddenFiles = 20'000; ///< neither measured nor searched
+
 void require(bool done, const std::string &name)
 {
     if (!done) {
@@ -62,13 +75,13 @@ public:
         return made;
     }
 
-    void files(int parent, unsigned count)
+    void files(int parent, unsigned count, Span bytes = kFileBytes)
     {
         for (unsigned i = 0; i < count; ++i) {
             const std::string name = hashedName();
             const FileDescriptor file(
                 ::openat(parent, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kFileMode));
-            require(file.isValid() && ::ftruncate(file.get(), pick(kFileBytes)) == 0, name);
+            require(file.isValid() && ::ftruncate(file.get(), pick(bytes)) == 0, name);
             ++m_entries;
         }
     }
@@ -145,6 +158,42 @@ void makeDeep(int top)
     }
 }
 
+/// Folders as a project has them: some nested, with few files.
+void makeProject(TreeMaker &maker, int parent, const std::string &name)
+{
+    std::vector<FileDescriptor> folders;
+    folders.push_back(maker.folder(parent, name));
+    for (unsigned left = maker.pick(kProjectFolders); left > 0; --left) {
+        const int around = folders[maker.pick({0, folders.size() - 1})].get();
+        folders.push_back(maker.folder(around, "folder" + std::to_string(left)));
+        maker.files(folders.back().get(), maker.pick(kProjectFiles));
+    }
+}
+
+/// A home with the folders that a desktop makes, for the search too.
+void makeHome(int top)
+{
+    TreeMaker maker;
+    const FileDescriptor home = maker.folder(top, "home");
+    const FileDescriptor documents = maker.folder(home.get(), "Documents");
+    for (unsigned i = 0; i < kProjects; ++i)
+        makeProject(maker, documents.get(), "project" + std::to_string(i));
+    const FileDescriptor music = maker.folder(home.get(), "Music");
+    for (unsigned i = 0; i < kAlbums; ++i)
+        maker.files(maker.folder(music.get(), "album" + std::to_string(i)).get(),
+                    maker.pick(kTracks));
+    const FileDescriptor pictures = maker.folder(home.get(), "Pictures");
+    for (unsigned i = 0; i < kEvents; ++i)
+        maker.files(maker.folder(pictures.get(), "event" + std::to_string(i)).get(),
+                    maker.pick(kPhotos));
+    maker.files(maker.folder(home.get(), "Downloads").get(), kDownloads);
+    const FileDescriptor videos = maker.folder(home.get(), "Videos");
+    maker.files(videos.get(), kFilms);
+    maker.files(videos.get(), kLargeFilms, kLargeBytes);
+    maker.files(maker.folder(home.get(), ".hidden").get(), kHiddenFiles);
+    makeHashedCache(maker, maker.folder(home.get(), "Desktop").get());
+}
+
 } // namespace
 
 int runTreesCommand(const QStringList &arguments)
@@ -159,5 +208,6 @@ int runTreesCommand(const QStringList &arguments)
     makeCache(top.get());
     makeFlat(top.get());
     makeDeep(top.get());
+    makeHome(top.get());
     return kDone;
 }
