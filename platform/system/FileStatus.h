@@ -32,6 +32,8 @@ struct FileStatus
     bool isImmutable = false; ///< by attribute: it can be neither changed nor removed
     bool isAppendOnly = false;
     bool isMountRoot = false;
+    /// Owner and group have numbers of their own here, and the file system tells the attributes.
+    bool tellsAll = false;
 
     InodeId inodeId() const { return {device, inode}; }
 };

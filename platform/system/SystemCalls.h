@@ -4,6 +4,7 @@
 #include "platform/system/Descent.h"
 #include "platform/system/FileDescriptor.h"
 #include "platform/system/FileStatus.h"
+#include "platform/system/FileSystemTraits.h"
 #include "platform/system/Moment.h"
 #include "platform/system/ProcessCalls.h"
 #include "platform/system/SystemResult.h"
@@ -48,6 +49,7 @@ public:
     virtual bool mayChangeEntries(int folder) const = 0;
     /// Whether the folder lives in memory alone, so that no call waits for a disk.
     virtual bool isInMemory(int folder) const = 0;
+    virtual FileSystemTraits fileSystemTraits(int folder) const = 0;
     /// The user whose rights decide in a folder with the sticky bit.
     virtual ActingUser actingUser() const = 0;
 

@@ -17,7 +17,6 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <linux/capability.h>
-#include <linux/magic.h>
 #include <linux/openat2.h>
 #include <memory>
 #include <sys/stat.h>
@@ -110,6 +109,7 @@ template <typename Time> std::int64_t nanoseconds(const Time &time)
 FileStatus statusFrom(const struct statx &found)
 {
     constexpr unsigned kPermissionBits = 07777;
+    constexpr unsigned kNoNumberHere = 65534;
     FileStatus status;
     status.kind = kindOfMode(found.stx_mode);
     status.permissions = static_cast<std::uint16_t>(found.stx_mode & kPermissionBits);
@@ -123,6 +123,8 @@ FileStatus statusFrom(const struct statx &found)
     status.isImmutable = (found.stx_attributes & STATX_ATTR_IMMUTABLE) != 0;
     status.isAppendOnly = (found.stx_attributes & STATX_ATTR_APPEND) != 0;
     status.isMountRoot = (found.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
+    status.tellsAll = (found.stx_attributes_mask & STATX_ATTR_IMMUTABLE) != 0 &&
+                      found.stx_uid != kNoNumberHere && found.stx_gid != kNoNumberHere;
     return status;
 }
 
@@ -144,8 +146,8 @@ FileKind kindFrom(const struct statx &found)
     return kindOfMode(found.stx_mode);
 }
 
-constexpr unsigned kStatusMask = STATX_TYPE | STATX_MODE | STATX_UID | STATX_SIZE | STATX_INO |
-                                 STATX_NLINK | STATX_MTIME | STATX_CTIME;
+constexpr unsigned kStatusMask = STATX_TYPE | STATX_MODE | STATX_UID | STATX_GID | STATX_SIZE |
+                                 STATX_INO | STATX_NLINK | STATX_MTIME | STATX_CTIME;
 
 /// Some file systems give no handles; there only inode and birth time distinguish entries.
 QByteArray handleAt(int parent, const char *name, int flags)
@@ -260,13 +262,10 @@ public:
         return ::faccessat(folder, ".", W_OK | X_OK, AT_EACCESS) == 0;
     }
 
-    bool isInMemory(int folder) const override
+    bool isInMemory(int folder) const override { return livesInMemory(folder); }
+    FileSystemTraits fileSystemTraits(int folder) const override
     {
-        struct statfs fileSystem
-        {
-        };
-        return ::fstatfs(folder, &fileSystem) == 0 &&
-               (fileSystem.f_type == TMPFS_MAGIC || fileSystem.f_type == RAMFS_MAGIC);
+        return fileSystemTraitsOf(folder);
     }
 
     ActingUser actingUser() const override { return {::geteuid(), holdsOwnersCapability()}; }

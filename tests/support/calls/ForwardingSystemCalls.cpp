@@ -172,6 +172,11 @@ SystemResult<FileDescriptor> ForwardingSystemCalls::openEntry(int parent, const 
     return forwarded({"openEntry", parent, name}, [&] { return m_next.openEntry(parent, name); });
 }
 
+FileSystemTraits ForwardingSystemCalls::fileSystemTraits(int folder) const
+{
+    return m_next.fileSystemTraits(folder);
+}
+
 SystemResult<void> ForwardingSystemCalls::removeFile(int parent, const char *name) const
 {
     return forwarded({"removeFile", parent, name}, [&] { return m_next.removeFile(parent, name); });

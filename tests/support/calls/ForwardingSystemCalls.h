@@ -53,6 +53,7 @@ public:
     ActingUser actingUser() const override;
     bool isInMemory(int folder) const override;
     SystemResult<FileDescriptor> openEntry(int parent, const char *name) const override;
+    FileSystemTraits fileSystemTraits(int folder) const override;
     SystemResult<void> removeFile(int parent, const char *name) const override;
     SystemResult<void> removeFolder(int parent, const char *name) const override;
     SystemResult<void> setPermissions(int descriptor, std::uint16_t permissions) const override;

@@ -17,6 +17,8 @@ public:
     ~Calls() override { awaitBackgroundThreads(); }
 
     int count() const { return m_count; }
+    void setTraits(const FileSystemTraits &traits) { m_traits = traits; }
+    FileSystemTraits fileSystemTraits(int) const override { return m_traits; }
 
     SystemResult<FileDescriptor> openFolder(int parent, const char *relativePath,
                                             Descent descent) const override
@@ -72,6 +74,7 @@ private:
     }
 
     const Before m_before;
+    FileSystemTraits m_traits;
     mutable std::atomic<int> m_count = 0;
 };
 
@@ -103,6 +106,11 @@ WatchedSystemCalls::~WatchedSystemCalls() = default;
 WatchedSystemCalls::operator const SystemCalls &() const
 {
     return *m_calls;
+}
+
+void WatchedSystemCalls::setTraits(const FileSystemTraits &traits)
+{
+    m_calls->setTraits(traits);
 }
 
 int WatchedSystemCalls::count() const

@@ -2,6 +2,7 @@
 
 #include "platform/system/Descent.h"
 #include "platform/system/FileStatus.h"
+#include "platform/system/FileSystemTraits.h"
 #include "platform/system/SystemResult.h"
 #include <functional>
 #include <memory>
@@ -22,7 +23,8 @@ enum class WatchedCall {
 /// call's number, from 0 on, its kind and the name on which it works ("" where there is none).
 /// `before` may change the files, or return an errno with which the call then fails. It runs on the
 /// thread that makes the call. Each listing is sorted by name, so a test knows on any file system
-/// what comes first.
+/// what comes first. Unless told otherwise it vouches for no trait of the file system, so that the
+/// calls are the same on each.
 class WatchedSystemCalls final
 {
 public:
@@ -36,6 +38,7 @@ public:
     operator const SystemCalls &() const;
 
     int count() const;
+    void setTraits(const FileSystemTraits &traits);
 
 private:
     class Calls;

@@ -10,7 +10,9 @@ enum class ChildUser {
     Nobody,
 };
 
-constexpr unsigned kNobody = 65534; ///< user and group of ChildUser::Nobody
+/// User and group of ChildUser::Nobody. Not 65534: the system also shows that number for owners
+/// that have none here.
+constexpr unsigned kNobody = 65533;
 
 struct ChildOutcome
 {
