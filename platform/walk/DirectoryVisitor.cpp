@@ -5,7 +5,7 @@ bool DirectoryVisitor::shouldEnter(const WalkedFolder &, const char *)
     return true;
 }
 
-EntryDetail DirectoryVisitor::entered(const WalkedFolder &, int)
+EntryDetail DirectoryVisitor::entered(const EnteredFolder &)
 {
     return EntryDetail::Status;
 }

@@ -5,6 +5,14 @@
 /// How much of a folder's entries a visitor wants to know.
 enum class EntryDetail { Status, NameAlone };
 
+/// A folder that is about to be listed.
+struct EnteredFolder
+{
+    const WalkedFolder &folder; ///< to be kept no longer than the call
+    const FileStatus &status;
+    int descriptor; ///< lent for the call
+};
+
 /// Something found that is no folder.
 struct WalkedEntry
 {
@@ -23,10 +31,10 @@ public:
     /// Whether to enter a subfolder; only its name is known. Not called for the start of the walk.
     virtual bool shouldEnter(const WalkedFolder &parent, const char *name);
 
-    /// A folder was entered: called once for each folder, before anything is found in it. The
-    /// descriptor is lent for the call only. When this returns EntryDetail::NameAlone, the folder's
-    /// entries come without status, which saves a system call for each.
-    virtual EntryDetail entered(const WalkedFolder &folder, int descriptor);
+    /// A folder was entered: called once for each folder, before anything is found in it. When this
+    /// returns EntryDetail::NameAlone, the folder's entries come without status, which saves a
+    /// system call for each.
+    virtual EntryDetail entered(const EnteredFolder &entered);
 
     /// An entry that is no folder. Links are found, never followed. It may lie in a folder that the
     /// visitor of another thread has entered.

@@ -1,5 +1,6 @@
 #include "platform/walk/DirectoryWalker.h"
 
+#include "platform/system/SystemCalls.h"
 #include "platform/walk/WalkWorker.h"
 
 #include <algorithm>
@@ -23,8 +24,9 @@ void walkDirectory(const SystemCalls &calls, FileDescriptor start, const WalkOpt
 {
     const std::size_t openLevels =
         std::max(options.openFolders / visitors.size(), kFewestOpenLevels);
+    const FileSystemTraits fileSystem = calls.fileSystemTraits(start.get());
     const auto workerFor = [&](WalkPool &pool, unsigned number) {
-        return WalkWorker(calls, options, pool, *visitors[number], openLevels);
+        return WalkWorker(calls, options, pool, *visitors[number], fileSystem, openLevels);
     };
     WalkPool pool(static_cast<unsigned>(visitors.size()), std::move(stop),
                   [&](unsigned number) { workerFor(pool, number).takeWork(); });

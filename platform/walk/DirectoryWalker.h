@@ -18,7 +18,8 @@ unsigned usefulWalkThreads();
 /// share, one more for each further visitor (at least one visitor is needed). One thread alone
 /// calls each visitor; several visitors are called at the same time. The entries come in any order.
 ///
-/// Every entry's status is asked for at most once. Links are not followed, other file systems and
+/// Every entry's status is asked for at most once, and where the file system lists to the end, a
+/// folder that fits into one listing is listed once. Links are not followed, other file systems and
 /// mount points are not entered, and nothing is looked up by a path. The walk goes from descriptor
 /// to descriptor, so neither the depth nor a folder that is moved in the meantime can lead it to a
 /// wrong folder.

@@ -32,6 +32,7 @@ private:
 struct WalkLevel
 {
     WalkedFolderRef folder;
+    InodeId id = {};
     std::shared_ptr<const FileDescriptor> descriptor; ///< null while it is closed to keep the bound
     EntryDetail detail = EntryDetail::Status;
     FolderNames waiting;

@@ -8,8 +8,8 @@
 namespace {
 
 constexpr std::size_t kBufferBytes = 32'768;
-// When a buffer is filled further than this, a long directory entry no longer fits: the folder most
-// likely has more.
+// Only when a buffer is filled further than this, the longest directory entry may no longer fit:
+// the folder most likely has more.
 constexpr std::size_t kFullBufferBytes = kBufferBytes - 512;
 
 /// An entry that is gone or became something else in the meantime is no failure; neither is one on
@@ -27,11 +27,13 @@ bool isOutOfDescriptors(int error)
 } // namespace
 
 WalkWorker::WalkWorker(const SystemCalls &calls, const WalkOptions &options, WalkPool &pool,
-                       DirectoryVisitor &visitor, std::size_t openLevels)
+                       DirectoryVisitor &visitor, const FileSystemTraits &fileSystem,
+                       std::size_t openLevels)
     : m_calls(calls),
       m_options(options),
       m_pool(pool),
       m_visitor(visitor),
+      m_fileSystem(fileSystem),
       m_openLimit(openLevels),
       m_buffer(kBufferBytes)
 {
@@ -45,11 +47,7 @@ void WalkWorker::begin(FileDescriptor start)
         m_visitor.failed(*unknown, "", status.error());
         return;
     }
-    WalkLevel level;
-    level.folder = WalkedFolderRef::start(*status);
-    level.descriptor = std::make_shared<const FileDescriptor>(std::move(start));
-    level.detail = m_visitor.entered(*level.folder, level.descriptor->get());
-    push(std::move(level));
+    push(levelOf(WalkedFolderRef::start(*status), *status, std::move(start)));
     listTop();
     walkLevels();
 }
@@ -93,17 +91,25 @@ void WalkWorker::enterNextSubfolder()
         return failed(name, status.error());
     // A sub-volume is a file system of its own, but it has no mount point by which it could be
     // noticed.
-    if (status->device != top().folder->status().device)
+    if (status->device != top().id.device)
         return;
 
-    WalkLevel level;
-    level.folder = top().folder.child(name, *status);
-    level.descriptor = std::make_shared<const FileDescriptor>(std::move(*opened));
-    level.detail = m_visitor.entered(*level.folder, level.descriptor->get());
+    WalkLevel level = levelOf(top().folder.child(name, *status), *status, std::move(*opened));
     if (top().waiting.isEmpty())
         m_levels.pop_back(); // no thread has to come back to it
     push(std::move(level));
     listTop();
+}
+
+WalkLevel WalkWorker::levelOf(WalkedFolderRef folder, const FileStatus &status,
+                              FileDescriptor descriptor)
+{
+    const EntryDetail detail = m_visitor.entered({*folder, status, descriptor.get()});
+    return {std::move(folder),
+            status.inodeId(),
+            std::make_shared<const FileDescriptor>(std::move(descriptor)),
+            detail,
+            {}};
 }
 
 SystemResult<FileDescriptor> WalkWorker::openSubfolder(const char *name)
@@ -140,6 +146,8 @@ void WalkWorker::listTop()
             shareEntries(entries);
         else
             lookAt(entries);
+        if (m_fileSystem.listsToTheEnd && *filled <= kFullBufferBytes)
+            return;
     }
 }
 
@@ -194,7 +202,7 @@ void WalkWorker::leaveTop()
     m_levels.pop_back();
     if (top().descriptor)
         return;
-    auto reopened = climb(left, *top().folder);
+    auto reopened = climb(left, top());
     if (!reopened)
         return giveUpWaiting(reopened.error());
     top().descriptor = std::make_shared<const FileDescriptor>(std::move(*reopened));
@@ -203,11 +211,11 @@ void WalkWorker::leaveTop()
 
 /// Opens a folder somewhere above an open one. A folder on the way may have been moved in the
 /// meantime, so the way up may end in another folder than the one wanted.
-SystemResult<FileDescriptor> WalkWorker::climb(const WalkLevel &from, const WalkedFolder &to)
+SystemResult<FileDescriptor> WalkWorker::climb(const WalkLevel &from, const WalkLevel &to)
 {
     FileDescriptor held;
     int below = from.descriptor->get();
-    for (const WalkedFolder *at = &*from.folder; at != &to; at = at->parent()) {
+    for (const WalkedFolder *at = &*from.folder; at != &*to.folder; at = at->parent()) {
         auto opened = m_calls.openParent(below);
         if (!opened)
             return opened;
@@ -217,7 +225,7 @@ SystemResult<FileDescriptor> WalkWorker::climb(const WalkLevel &from, const Walk
     const auto status = m_calls.statusOf(below);
     if (!status)
         return tl::unexpected(status.error());
-    if (status->inodeId() != to.status().inodeId())
+    if (status->inodeId() != to.id)
         return tl::unexpected(ESTALE);
     return held;
 }
@@ -235,7 +243,7 @@ void WalkWorker::giveUpWaiting(int error)
 void WalkWorker::shareEntries(std::span<const char> entries)
 {
     const WalkLevel &level = top();
-    m_pool.give({{level.folder, level.descriptor, level.detail, {}},
+    m_pool.give({{level.folder, level.id, level.descriptor, level.detail, {}},
                  std::vector<char>(entries.begin(), entries.end())});
 }
 
@@ -247,7 +255,8 @@ void WalkWorker::shareSubfolders()
                                     m_levels.end(), isWaiting);
     FolderNames half = level->waiting.takeFirstHalf();
     m_waiting -= half.count();
-    m_pool.give({{level->folder, level->descriptor, level->detail, std::move(half)}, {}});
+    m_pool.give(
+        {{level->folder, level->id, level->descriptor, level->detail, std::move(half)}, {}});
     if (level->waiting.isEmpty() && &*level != &top())
         m_levels.erase(level);
 }

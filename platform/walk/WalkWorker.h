@@ -2,6 +2,7 @@
 
 #include "platform/system/DirectoryEntries.h"
 #include "platform/system/FileDescriptor.h"
+#include "platform/system/FileSystemTraits.h"
 #include "platform/system/SystemResult.h"
 #include "platform/walk/WalkOptions.h"
 #include "platform/walk/WalkPool.h"
@@ -18,7 +19,8 @@ class WalkWorker final
 {
 public:
     WalkWorker(const SystemCalls &calls, const WalkOptions &options, WalkPool &pool,
-               DirectoryVisitor &visitor, std::size_t openLevels);
+               DirectoryVisitor &visitor, const FileSystemTraits &fileSystem,
+               std::size_t openLevels);
 
     /// Enters the folder where the walk starts, and walks all that this thread does not give away.
     void begin(FileDescriptor start);
@@ -33,6 +35,7 @@ private:
 
     void walkLevels();
     void enterNextSubfolder();
+    WalkLevel levelOf(WalkedFolderRef folder, const FileStatus &status, FileDescriptor descriptor);
     SystemResult<FileDescriptor> openSubfolder(const char *name);
     void push(WalkLevel level);
     void listTop();
@@ -41,7 +44,7 @@ private:
     void addSubfolder(const char *name);
 
     void leaveTop();
-    SystemResult<FileDescriptor> climb(const WalkLevel &from, const WalkedFolder &to);
+    SystemResult<FileDescriptor> climb(const WalkLevel &from, const WalkLevel &to);
     void giveUpWaiting(int error);
     void closeUpperLevels(std::size_t openLevels);
 
@@ -53,6 +56,7 @@ private:
     const WalkOptions m_options;
     WalkPool &m_pool;
     DirectoryVisitor &m_visitor;
+    const FileSystemTraits m_fileSystem; ///< of all that is walked
     const std::size_t m_openLimit;
 
     std::vector<char> m_buffer;

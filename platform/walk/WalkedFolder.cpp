@@ -1,10 +1,35 @@
 #include "platform/walk/WalkedFolder.h"
 
+#include <new>
+
+WalkedFolder::WalkedFolder(const WalkedFolder *parent, std::string_view name,
+                           const FileStatus &status)
+    : m_parent(parent),
+      m_owner(status.owner),
+      m_permissions(status.permissions),
+      m_nameLength(static_cast<std::uint16_t>(name.size()))
+{
+    name.copy(reinterpret_cast<char *>(this + 1), m_nameLength);
+}
+
+const WalkedFolder *WalkedFolder::make(const WalkedFolder *parent, std::string_view name,
+                                       const FileStatus &status)
+{
+    void *space = ::operator new(sizeof(WalkedFolder) + name.size());
+    return ::new (space) WalkedFolder(parent, name, status);
+}
+
+void WalkedFolder::destroy(const WalkedFolder *folder)
+{
+    folder->~WalkedFolder();
+    ::operator delete(const_cast<WalkedFolder *>(folder));
+}
+
 QByteArray WalkedFolder::pathTo(std::string_view entryName) const
 {
     std::size_t length = entryName.size();
     for (const WalkedFolder *folder = this; folder->m_parent != nullptr; folder = folder->m_parent)
-        length += folder->m_name.size() + 1;
+        length += folder->name().size() + 1;
     if (entryName.empty() && length > 0)
         --length; // the path of a folder ends in its name
 
@@ -15,8 +40,8 @@ QByteArray WalkedFolder::pathTo(std::string_view entryName) const
         --end;
     for (const WalkedFolder *folder = this; folder->m_parent != nullptr;
          folder = folder->m_parent) {
-        end -= folder->m_name.size();
-        folder->m_name.copy(end, folder->m_name.size());
+        end -= folder->name().size();
+        folder->name().copy(end, folder->name().size());
         --end;
     }
     return path;
@@ -24,13 +49,13 @@ QByteArray WalkedFolder::pathTo(std::string_view entryName) const
 
 WalkedFolderRef WalkedFolderRef::start(const FileStatus &status)
 {
-    return WalkedFolderRef(new WalkedFolder(nullptr, {}, status));
+    return WalkedFolderRef(WalkedFolder::make(nullptr, {}, status));
 }
 
 WalkedFolderRef WalkedFolderRef::child(std::string_view name, const FileStatus &status) const
 {
     retain(m_folder);
-    return WalkedFolderRef(new WalkedFolder(m_folder, name, status));
+    return WalkedFolderRef(WalkedFolder::make(m_folder, name, status));
 }
 
 void WalkedFolderRef::retain(const WalkedFolder *folder)
@@ -43,7 +68,7 @@ void WalkedFolderRef::release(const WalkedFolder *folder)
 {
     while (folder != nullptr && folder->m_references.fetch_sub(1, std::memory_order_acq_rel) == 1) {
         const WalkedFolder *parent = folder->m_parent;
-        delete folder;
+        WalkedFolder::destroy(folder);
         folder = parent;
     }
 }

@@ -4,7 +4,7 @@
 
 #include <QByteArray>
 #include <atomic>
-#include <string>
+#include <cstdint>
 #include <string_view>
 #include <utility>
 
@@ -12,16 +12,22 @@ class WalkedFolderRef;
 
 /// A folder that a walk entered: its name and the chain of folders above it up to where the walk
 /// started, so that the path of anything found can be made when it is asked for. Never changes once
-/// made; the chain lives as long as a WalkedFolderRef holds its lower end. Any thread.
+/// made; the chain lives as long as a WalkedFolderRef holds its lower end. A walk may be a hundred
+/// thousand folders deep, so it keeps no more than visitors need, and the name right behind itself.
+/// Any thread.
 class WalkedFolder final
 {
 public:
     /// Null for the folder where the walk started.
     const WalkedFolder *parent() const { return m_parent; }
     /// The raw bytes of the name; empty for the folder where the walk started.
-    std::string_view name() const { return m_name; }
-    /// The folder's status at the time when it was entered.
-    const FileStatus &status() const { return m_status; }
+    std::string_view name() const
+    {
+        return {reinterpret_cast<const char *>(this + 1), m_nameLength};
+    }
+    /// Owner and permissions at the time when it was entered.
+    std::uint32_t owner() const { return m_owner; }
+    std::uint16_t permissions() const { return m_permissions; }
 
     /// The path of an entry of this folder relative to where the walk started; of the folder itself
     /// for an empty name. May be longer than any system call takes.
@@ -29,16 +35,17 @@ public:
 
 private:
     friend class WalkedFolderRef;
-    WalkedFolder(const WalkedFolder *parent, std::string_view name, const FileStatus &status)
-        : m_parent(parent), m_name(name), m_status(status)
-    {
-    }
+    static const WalkedFolder *make(const WalkedFolder *parent, std::string_view name,
+                                    const FileStatus &status);
+    static void destroy(const WalkedFolder *folder);
+    WalkedFolder(const WalkedFolder *parent, std::string_view name, const FileStatus &status);
     ~WalkedFolder() = default;
 
     const WalkedFolder *m_parent;
-    std::string m_name;
-    FileStatus m_status;
     mutable std::atomic<std::uint32_t> m_references{1};
+    std::uint32_t m_owner;
+    std::uint16_t m_permissions;
+    std::uint16_t m_nameLength;
 };
 
 /// Keeps a WalkedFolder and all above it alive. Copies and moves; one reference belongs to one

@@ -6,14 +6,22 @@
 #include "platform/system/SystemCalls.h"
 #include "platform/walk/DirectoryWalker.h"
 
-#include <algorithm>
+#include <QSet>
 #include <cerrno>
+#include <cstring>
 #include <vector>
 
 namespace {
 
 constexpr std::uint16_t kStickyBit = 01000;
 constexpr std::size_t kCacheLine = 64;
+
+/// What of a folder's status decides about a single entry.
+struct FolderRights
+{
+    std::uint32_t owner;
+    std::uint16_t permissions;
+};
 
 bool isNotImmutable(const FileStatus &entry)
 {
@@ -26,10 +34,17 @@ bool allowsRemoval(const SystemCalls &calls, int descriptor, const FileStatus &f
     return isNotImmutable(folder) && calls.mayChangeEntries(descriptor);
 }
 
+/// Whether the mode alone gives the owner the right to take things out. It never refuses it here:
+/// an administrator may have the right all the same.
+bool isGivenByMode(const FileStatus &folder, const ActingUser &user)
+{
+    return folder.tellsAll && folder.owner == user.user && !isOwnAndReadOnly(folder, user);
+}
+
 /// Whether a folder that allows removal allows it for this entry. In a sticky folder a user may
 /// remove only his own entries, or any entry if the folder is his own. An entry on which something
 /// is mounted is held by the mount.
-bool allowsRemovalOf(const FileStatus &entry, const FileStatus &folder, const ActingUser &user)
+bool allowsRemovalOf(const FileStatus &entry, const FolderRights &folder, const ActingUser &user)
 {
     if (entry.isMountRoot)
         return false;
@@ -38,12 +53,53 @@ bool allowsRemovalOf(const FileStatus &entry, const FileStatus &folder, const Ac
            folder.owner == user.user;
 }
 
+/// What is known of a location before the walk.
+struct StartOfSizing
+{
+    ActingUser user;
+    bool allowsRemoval; ///< the location itself
+    /// Whether the mode decides in folders of the user's own. Believed only where the system has
+    /// just allowed removal: a whole volume may be closed for reasons that no mode tells.
+    bool modeDecidesForOwner;
+};
+
+StartOfSizing startOfSizing(const SystemCalls &calls, int folder)
+{
+    const bool allows = calls.mayChangeEntries(folder);
+    return {calls.actingUser(), allows,
+            allows && calls.fileSystemTraits(folder).modeDecidesForOwner};
+}
+
+/// What a cleaning will keep inside a location. Asked about every entry, however much is kept: for
+/// most the name alone decides.
+class KeptPaths final
+{
+public:
+    explicit KeptPaths(const QByteArrayList &paths) : m_paths(paths.begin(), paths.end())
+    {
+        for (const QByteArray &path : paths)
+            m_names.insert(path.sliced(path.lastIndexOf('/') + 1));
+    }
+
+    bool holds(const WalkedFolder &folder, const char *name) const
+    {
+        return !m_names.isEmpty() &&
+               m_names.contains(QByteArray::fromRawData(name, qsizetype(std::strlen(name)))) &&
+               m_paths.contains(folder.pathTo(name));
+    }
+
+private:
+    QSet<QByteArray> m_paths;
+    QSet<QByteArray> m_names; ///< the last names of these
+};
+
 /// Sums up what one thread of the walk finds.
 class alignas(kCacheLine) SizingVisitor final : public DirectoryVisitor
 {
 public:
-    SizingVisitor(const SystemCalls &calls, const ActingUser &user, const SizingRules &rules)
-        : m_calls(calls), m_user(user), m_rules(rules)
+    SizingVisitor(const SystemCalls &calls, const StartOfSizing &start, const KeptPaths &kept,
+                  ReadOnlyFolders readOnlyFolders)
+        : m_calls(calls), m_start(start), m_kept(kept), m_readOnlyFolders(readOnlyFolders)
     {
     }
 
@@ -52,54 +108,59 @@ public:
     bool shouldEnter(const WalkedFolder &parent, const char *name) override
     {
         ++m_size.items;
-        return !isKept(parent, name);
+        return !m_kept.holds(parent, name);
     }
 
-    EntryDetail entered(const WalkedFolder &folder, int descriptor) override
+    EntryDetail entered(const EnteredFolder &entered) override
     {
-        const bool allows =
-            allowsRemoval(m_calls, descriptor, folder.status()) || willAllowRemoval(folder);
-        return allows ? EntryDetail::Status : EntryDetail::NameAlone;
+        const bool goes = isNotImmutable(entered.status) &&
+                          (mayChangeEntries(entered) || willAllowRemoval(entered));
+        return goes ? EntryDetail::Status : EntryDetail::NameAlone;
     }
 
     void found(const WalkedEntry &entry) override
     {
         ++m_size.items;
         if (entry.status && isNotImmutable(*entry.status) &&
-            allowsRemovalOf(*entry.status, entry.folder.status(), m_user) &&
-            !isKept(entry.folder, entry.name))
+            allowsRemovalOf(*entry.status, {entry.folder.owner(), entry.folder.permissions()},
+                            m_start.user) &&
+            !m_kept.holds(entry.folder, entry.name))
             m_size.bytes = sumOfByteCounts(m_size.bytes, byteCountOf(entry.status->size));
     }
 
     void failed(const WalkedFolder &, const char *, int) override { m_size.isComplete = false; }
 
 private:
-    /// Called for every entry: for most the name alone decides.
-    bool isKept(const WalkedFolder &folder, const char *name) const
+    /// Asks only where the mode does not settle it, and about the location itself just once.
+    bool mayChangeEntries(const EnteredFolder &entered) const
     {
-        return std::any_of(m_rules.kept.begin(), m_rules.kept.end(), [&](const QByteArray &kept) {
-            return kept.endsWith(name) && folder.pathTo(name) == kept;
-        });
+        if (entered.folder.parent() == nullptr)
+            return m_start.allowsRemoval;
+        return (m_start.modeDecidesForOwner && isGivenByMode(entered.status, m_start.user)) ||
+               m_calls.mayChangeEntries(entered.descriptor);
     }
 
     /// Whether a cleaning will make the folder allow removal. The location itself keeps its rights.
-    bool willAllowRemoval(const WalkedFolder &folder) const
+    bool willAllowRemoval(const EnteredFolder &entered) const
     {
-        return m_rules.readOnlyFolders == ReadOnlyFolders::Emptied && folder.parent() != nullptr &&
-               isNotImmutable(folder.status()) && isOwnAndReadOnly(folder.status(), m_user);
+        return m_readOnlyFolders == ReadOnlyFolders::Emptied &&
+               entered.folder.parent() != nullptr && isOwnAndReadOnly(entered.status, m_start.user);
     }
 
     const SystemCalls &m_calls;
-    const ActingUser m_user;
-    const SizingRules &m_rules;
+    const StartOfSizing m_start;
+    const KeptPaths &m_kept;
+    const ReadOnlyFolders m_readOnlyFolders;
     FolderSize m_size;
 };
 
 FolderSize sizeOfFolder(const SystemCalls &calls, FileDescriptor folder,
                         const std::stop_token &stop, unsigned threads, const SizingRules &rules)
 {
-    std::vector<SizingVisitor> visitors(threads == 0 ? usefulWalkThreads() : threads,
-                                        SizingVisitor(calls, calls.actingUser(), rules));
+    const KeptPaths kept(rules.kept);
+    std::vector<SizingVisitor> visitors(
+        threads == 0 ? usefulWalkThreads() : threads,
+        SizingVisitor(calls, startOfSizing(calls, folder.get()), kept, rules.readOnlyFolders));
     std::vector<DirectoryVisitor *> team;
     team.reserve(visitors.size());
     for (SizingVisitor &visitor : visitors)
@@ -140,7 +201,8 @@ ItemVerdict verdictOn(const SystemCalls &calls, int folder, const FileStatus &fo
                       const FileStatus &item)
 {
     return {allowsRemoval(calls, folder, folderStatus) &&
-                allowsRemovalOf(item, folderStatus, calls.actingUser()),
+                allowsRemovalOf(item, {folderStatus.owner, folderStatus.permissions},
+                                calls.actingUser()),
             isNotImmutable(item)};
 }
 

@@ -36,9 +36,9 @@ public:
     {
         return !entersFolder || entersFolder(parent.pathTo(name));
     }
-    EntryDetail entered(const WalkedFolder &folder, int) override
+    EntryDetail entered(const EnteredFolder &entered) override
     {
-        record.entered.append(folder.pathTo({}));
+        record.entered.append(entered.folder.pathTo({}));
         return detailOf ? detailOf(record.entered.last()) : EntryDetail::Status;
     }
     void found(const WalkedEntry &entry) override

@@ -2,6 +2,7 @@
 #include "platform/system/SystemResult.h"
 #include "tests/platform/walk/WalkRecord.h"
 #include "tests/support/calls/PoorListing.h"
+#include "tests/support/calls/ShortListing.h"
 #include "tests/support/calls/WatchedSystemCalls.h"
 #include "tests/support/run/TestMain.h"
 
@@ -21,6 +22,10 @@ private Q_SLOTS:
     void entersOnlyWhatTheVisitorWants();
     void asksForNoStatusWhereNamesAreEnough();
     void asksForEachStatusOnce();
+    void findsEverythingHoweverLittleIsListed_data();
+    void findsEverythingHoweverLittleIsListed();
+    void listsAgainOnlyWhatMayGoOn_data();
+    void listsAgainOnlyWhatMayGoOn();
     void learnsKindsFromTheStatusWhereTheFolderDoesNotSay();
     void toleratesWhatVanishes_data();
     void toleratesWhatVanishes();
@@ -173,6 +178,61 @@ void TestDirectoryWalker::asksForEachStatusOnce()
     walk.run();
     QCOMPARE(byName, kFiles);
     QCOMPARE(byDescriptor, 2); // the start and its one folder
+}
+
+void TestDirectoryWalker::findsEverythingHoweverLittleIsListed_data()
+{
+    QTest::addColumn<std::size_t>("bytesAtATime");
+    QTest::addRow("one entry or two") << std::size_t(100);
+    QTest::addRow("some") << std::size_t(1000);
+}
+
+void TestDirectoryWalker::findsEverythingHoweverLittleIsListed()
+{
+    QFETCH(std::size_t, bytesAtATime);
+    const MadeTree tree;
+    QByteArrayList files;
+    constexpr int kFiles = 50;
+    for (int i = 0; i < kFiles; ++i) {
+        files.append(QByteArray::number(i));
+        tree.makeFile(files.last());
+    }
+    const ShortListing calls(bytesAtATime);
+    RecordedWalk walk(tree);
+    walk.calls = calls;
+    QCOMPARE(walk.run().found, sorted(files));
+}
+
+void TestDirectoryWalker::listsAgainOnlyWhatMayGoOn_data()
+{
+    QTest::addColumn<int>("files");
+    QTest::addColumn<int>("listings");
+    constexpr int kFull = 32768 / 280; // entries of the longest names that a listing takes
+    QTest::addRow("nothing") << 0 << 1;
+    QTest::addRow("a few") << 3 << 1;
+    QTest::addRow("as many as surely leave room for one more") << kFull - 2 << 1;
+    QTest::addRow("as many as fit") << kFull << 2;
+    QTest::addRow("more than fit") << kFull + 20 << 2;
+    QTest::addRow("twice as many") << 2 * kFull << 3;
+}
+
+void TestDirectoryWalker::listsAgainOnlyWhatMayGoOn()
+{
+    QFETCH(int, files);
+    const MadeTree tree;
+    constexpr int kLongestName = 255;
+    for (int i = 0; i < files; ++i)
+        tree.makeFile(QByteArray::number(i).rightJustified(kLongestName, 'n'));
+    int listings = 0;
+    WatchedSystemCalls calls([&](int, WatchedCall call, const char *) {
+        listings += call == WatchedCall::ReadEntries ? 1 : 0;
+        return 0;
+    });
+    calls.setTraits({true, false});
+    RecordedWalk walk(tree);
+    walk.calls = calls;
+    QCOMPARE(walk.run().found.size(), files);
+    QTEST(listings, "listings");
 }
 
 void TestDirectoryWalker::learnsKindsFromTheStatusWhereTheFolderDoesNotSay()

@@ -31,7 +31,8 @@ void TestWalkedFolder::tellsPathsFromTheStart()
 void TestWalkedFolder::keepsTheFoldersAboveAlive()
 {
     FileStatus status;
-    status.inode = 7;
+    status.owner = 7;
+    status.permissions = 0751;
     WalkedFolderRef lowest;
     {
         const WalkedFolderRef start = WalkedFolderRef::start(status);
@@ -39,7 +40,8 @@ void TestWalkedFolder::keepsTheFoldersAboveAlive()
         lowest = middle.child("lowest", {});
     }
     QCOMPARE(lowest->pathTo(""), QByteArray("middle/lowest"));
-    QCOMPARE(lowest->parent()->parent()->status().inode, std::uint64_t(7));
+    QCOMPARE(lowest->parent()->parent()->owner(), 7U);
+    QCOMPARE(lowest->parent()->parent()->permissions(), std::uint16_t(0751));
     QVERIFY(lowest->parent()->parent()->parent() == nullptr);
 }
 

@@ -5,7 +5,10 @@
 #include "tests/support/run/ChildProcess.h"
 #include "tests/support/run/TestMain.h"
 
+#include <array>
+#include <cstdint>
 #include <cstdio>
+#include <sys/xattr.h>
 
 namespace {
 
@@ -39,6 +42,32 @@ QByteArray measuredBy(ChildUser user, const MadeTree &tree, const QByteArray &lo
         .errorText;
 }
 
+/// One row of an access list, as the file system keeps it.
+struct AccessEntry
+{
+    std::uint16_t tag;
+    std::uint16_t rights;
+    std::uint32_t user;
+};
+
+/// Gives a folder a mode, and an access list with a row of its own for that user, whose mask is the
+/// group's part of the mode. False where there are no access lists.
+bool giveToNobody(const QByteArray &path, unsigned mode, int rights)
+{
+    constexpr std::uint32_t kVersion = 2;
+    constexpr std::uint32_t kNone = 0xffffffff;
+    const auto part = [&](unsigned shift) { return std::uint16_t((mode >> shift) & 7U); };
+    const std::array<AccessEntry, 5> entries{AccessEntry{0x01, part(6), kNone},
+                                             {0x02, std::uint16_t(rights), kNobody},
+                                             {0x04, part(0), kNone},
+                                             {0x10, part(3), kNone},
+                                             {0x20, part(0), kNone}};
+    QByteArray list(reinterpret_cast<const char *>(&kVersion), sizeof kVersion);
+    list.append(reinterpret_cast<const char *>(entries.data()), sizeof entries);
+    return ::setxattr(path.constData(), "system.posix_acl_access", list.constData(),
+                      std::size_t(list.size()), 0) == 0;
+}
+
 } // namespace
 
 /// What a measurement counts depends on what this process could remove.
@@ -50,6 +79,8 @@ private Q_SLOTS:
     void followsTheRightsOfTheFolder_data();
     void followsTheRightsOfTheFolder();
     void judgesEveryFolderByItself();
+    void followsAccessLists_data();
+    void followsAccessLists();
     void followsTheStickyBit_data();
     void followsTheStickyBit();
     void judgesSingleItemsByTheirFolder_data();
@@ -107,6 +138,43 @@ void TestFolderSizingRights::judgesEveryFolderByItself()
     QCOMPARE(measuredBy(ChildUser::Nobody, tree, {}), QByteArray("10, incomplete"));
     QCOMPARE(measuredBy(ChildUser::Nobody, tree, "locked"), QByteArray("10, incomplete"));
     QCOMPARE(measuredBy(ChildUser::Same, tree, {}), QByteArray("1110"));
+}
+
+void TestFolderSizingRights::followsAccessLists_data()
+{
+    QTest::addColumn<unsigned>("owner");
+    QTest::addColumn<unsigned>("mode");
+    QTest::addColumn<int>("forNobody");
+    QTest::addColumn<QByteArray>("byNobody");
+    constexpr int kAll = 7;
+    constexpr int kReadAndSearch = 5;
+    QTest::addRow("foreign, given") << kRoot << 0775U << kAll << QByteArray("10");
+    QTest::addRow("foreign, taken") << kRoot << 0777U << kReadAndSearch << QByteArray("0");
+    QTest::addRow("foreign, masked") << kRoot << 0715U << kAll << QByteArray("0, incomplete");
+    QTest::addRow("own, taken") << kNobody << 0700U << 0 << QByteArray("10");
+    QTest::addRow("own, given") << kNobody << 0577U << kAll << QByteArray("0");
+}
+
+/// The group's bits are the mask of the list, so the mode shows them. Not for the owner: of him the
+/// list says what the mode says.
+void TestFolderSizingRights::followsAccessLists()
+{
+    VANTOR_NEEDS_ADMINISTRATOR();
+    QFETCH(unsigned, owner);
+    QFETCH(unsigned, mode);
+    QFETCH(int, forNobody);
+    const MadeTree tree;
+    tree.makeFolder("folder");
+    tree.makeFolder("folder/inside");
+    tree.makeFile("folder/inside/file", 10);
+    if (!giveToNobody(tree.path("folder/inside"), mode, forNobody))
+        QSKIP("no access lists here");
+    tree.setOwner("folder/inside", owner);
+    tree.setOwner("folder", kNobody);
+    // The folder around it is the user's own, so the mode may decide in it.
+    QTEST(measuredBy(ChildUser::Nobody, tree, "folder"), "byNobody");
+    QTEST(measuredBy(ChildUser::Nobody, tree, "folder/inside"), "byNobody");
+    QCOMPARE(measuredBy(ChildUser::Same, tree, "folder"), QByteArray("10"));
 }
 
 void TestFolderSizingRights::followsTheStickyBit_data()
