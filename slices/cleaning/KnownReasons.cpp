@@ -24,9 +24,7 @@ bool KnownReasons::explainAllOf(const QByteArray &folder) const
 
 bool KnownReasons::isInExcludedLocation(const QByteArray &path) const
 {
-    return std::ranges::any_of(m_plan.excludedLocations(), [&](const FileUrl &excluded) {
-        return path == excluded.path() || path.startsWith(excluded.path() + '/');
-    });
+    return m_plan.isInExcludedLocation(path);
 }
 
 bool KnownReasons::isNamed(const QByteArray &path) const

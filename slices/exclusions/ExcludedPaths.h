@@ -1,36 +1,14 @@
 #pragma once
 
 #include "platform/files/FileUrl.h"
+#include "slices/exclusions/PrefixSet.h"
 
+#include <QHash>
 #include <QStringList>
-#include <vector>
 
-/// How much of a file or folder an exclusion keeps.
-enum class ExclusionMatch {
-    None,
-    OnTheWay, ///< it stays, but what else it holds may go
-    Whole,    ///< it stays with all that it holds
-};
-
-/// A sorted set of byte strings. Answers in logarithmic time whether a member begins a text, or a
-/// text begins a member.
-class PrefixSet final
-{
-public:
-    PrefixSet() = default;
-    explicit PrefixSet(std::vector<QByteArray> texts);
-    PrefixSet with(const QByteArray &text) const;
-
-    /// Whole when a member begins the text (or equals it), OnTheWay when the text begins a member.
-    ExclusionMatch match(const QByteArray &text) const;
-
-private:
-    std::vector<QByteArray> m_all;
-    std::vector<QByteArray> m_shortest; ///< without those that another member begins
-};
-
-/// The files and folders that the user excluded from cleaning, as the settings keep them. A value;
-/// any thread. Matching is done on raw bytes, never on decoded text: decoding would turn a name
+/// The files and folders that the user excluded from cleaning, as the settings keep them. A value,
+/// implicitly shared: a copy costs nothing however many they are, one more costs a logarithm. Any
+/// thread. Matching is done on raw bytes, never on decoded text: decoding would turn a name
 /// that is no UTF-8 into another file's name.
 class ExcludedPaths final
 {
@@ -54,10 +32,6 @@ public:
     /// False for no locations. Writes a log line for each match. The caller holds the access.
     bool containsExcludedFile(const FileUrls &urls) const;
 
-    /// Whether some excluded path contains this location's path anywhere: such a location is
-    /// cleaned item by item.
-    bool touches(const FileUrl &location) const;
-
     /// The rule on URL texts: whole when an exclusion's text is contained in the candidate's, on
     /// the way when it is the other way round. A folder's text ends in a slash, so that an excluded
     /// file "…/ab" also keeps "…/abc", while an excluded folder "…/ab/" does not.
@@ -74,6 +48,7 @@ public:
 private:
     FileUrls m_urls;
     QStringList m_unparsable;
-    PrefixSet m_texts; ///< raw paths, folders' with their trailing slash
-    PrefixSet m_paths; ///< raw paths, all with a trailing slash
+    PrefixSet m_texts;              ///< raw paths, folders' with their trailing slash
+    PrefixSet m_paths;              ///< raw paths, all with a trailing slash
+    QHash<QByteArray, int> m_times; ///< how often a path is excluded
 };

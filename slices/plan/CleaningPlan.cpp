@@ -3,7 +3,10 @@
 #include "platform/files/AnchoredFolder.h"
 #include "platform/system/SystemCalls.h"
 #include "slices/exclusions/ResolvedExclusions.h"
+#include "slices/exclusions/TouchedLocations.h"
+#include "slices/plan/LostExclusions.h"
 
+#include <QSet>
 #include <algorithm>
 #include <cerrno>
 
@@ -24,11 +27,11 @@ private:
     bool refuseUnparsable();
     void takeExclusions();
     void takeKept();
-    void planSlice(const SliceToClean &slice);
+    void indexIdentities();
+    void planSlice(const SliceToClean &slice, const TouchedLocations &touched);
     void planLocation(CleaningLocation location, const SliceToClean &slice);
     void dropWhatGoesWithNothing();
     void putFilesInFoldersLast();
-    bool isInPlannedFolder(const CleaningLocation &location) const;
     bool isExcludedByPath(const CleaningLocation &location) const;
     bool anchor(CleaningLocation &location);
     struct Obstacle
@@ -39,6 +42,7 @@ private:
     tl::expected<bool, Obstacle> examine(CleaningLocation &location) const;
     Obstacle obstacle(int folder, const QByteArray &name, int error) const;
     bool isExcluded(const FileIdentity &identity) const;
+    void leaveOut(const FileUrl &url);
     bool refuseUnresolved(const CleaningLocation &location);
     void refuse(const QByteArray &path, RefusalReason reason, int error = 0);
 
@@ -46,9 +50,8 @@ private:
     const FileAccess &m_access;
     const QList<SliceToClean> &m_slices;
     CleaningPlan m_plan;
-    std::vector<ResolvedExclusions::Lost> m_lost;
-    QByteArrayList m_folders; ///< planned to be emptied; with a slash at the end
-    FileUrls m_missing;       ///< asked for, but not there
+    LostExclusions m_lost;
+    QSet<QByteArray> m_missing; ///< asked for, but not there; texts of URLs
 };
 
 CleaningPlan CleaningPlanner::plan(const FileUrls &inUse)
@@ -56,8 +59,10 @@ CleaningPlan CleaningPlanner::plan(const FileUrls &inUse)
     if (!refuseUnparsable()) {
         takeExclusions();
         takeKept();
+        indexIdentities();
+        const TouchedLocations touched(m_plan.m_excluded.urls());
         for (const SliceToClean &slice : m_slices)
-            planSlice(slice);
+            planSlice(slice, touched);
         dropWhatGoesWithNothing();
         putFilesInFoldersLast();
     }
@@ -78,7 +83,7 @@ void CleaningPlanner::takeExclusions()
     ResolvedExclusions resolved = resolveExclusions(m_calls, m_access, m_plan.m_excluded);
     m_plan.m_excluded = std::move(resolved.paths);
     m_plan.m_excludedIdentities = std::move(resolved.identities);
-    m_lost = std::move(resolved.lost);
+    m_lost = LostExclusions(resolved.lost);
 }
 
 /// An exclusion that is missing stops the cleaning around it. A location of a program that is
@@ -97,18 +102,29 @@ void CleaningPlanner::takeKept()
                                        resolved.identities.begin(), resolved.identities.end());
 }
 
-void CleaningPlanner::planSlice(const SliceToClean &slice)
+void CleaningPlanner::indexIdentities()
+{
+    std::map<std::uint64_t, std::vector<std::uint64_t>> inodes;
+    for (const FileIdentity &identity : m_plan.m_excludedIdentities)
+        inodes[identity.device].push_back(identity.inode);
+    for (auto &[device, numbers] : inodes) {
+        std::sort(numbers.begin(), numbers.end());
+        m_plan.m_excludedInodes[device] =
+            std::make_shared<const std::vector<std::uint64_t>>(std::move(numbers));
+    }
+}
+
+void CleaningPlanner::planSlice(const SliceToClean &slice, const TouchedLocations &touched)
 {
     m_plan.m_programLocations += slice.programLocations;
-    const ExcludedPaths &excluded = m_plan.m_excluded;
     const bool isAnyTouched =
         std::any_of(slice.fileURLs.begin(), slice.fileURLs.end(),
-                    [&](const FileUrl &url) { return excluded.touches(url); });
+                    [&](const FileUrl &url) { return touched.isTouched(url); });
     for (const FileUrl &url : slice.fileURLs) {
         // As soon as an exclusion touches one file of the slice, all its files are judged: none may
         // slip through because it was listed beside another.
         const bool isTouched =
-            slice.content == SliceContent::Files ? isAnyTouched : excluded.touches(url);
+            slice.content == SliceContent::Files ? isAnyTouched : touched.isTouched(url);
         planLocation({slice.name,
                       url,
                       {},
@@ -124,20 +140,18 @@ void CleaningPlanner::planSlice(const SliceToClean &slice)
 
 void CleaningPlanner::planLocation(CleaningLocation location, const SliceToClean &slice)
 {
-    if (isExcludedByPath(location)) {
-        m_plan.m_excludedLocations.append(location.url);
-        return;
-    }
+    if (isExcludedByPath(location))
+        return leaveOut(location.url);
     if (!anchor(location))
         return;
     const auto isKept = examine(location);
     if (!isKept) {
         if (isKept.error().error == ENOENT)
-            m_missing.append(location.url);
+            m_missing.insert(location.url.absoluteString());
         else
             refuse(location.url.path(), isKept.error().reason, isKept.error().error);
     } else if (*isKept) {
-        m_plan.m_excludedLocations.append(location.url);
+        leaveOut(location.url);
     } else if (slice.known && slice.known->value(location.url.path()) != location.identity) {
         refuse(location.url.path(), RefusalReason::ChangedLater);
     } else if (!refuseUnresolved(location)) {
@@ -145,40 +159,49 @@ void CleaningPlanner::planLocation(CleaningLocation location, const SliceToClean
     }
 }
 
+void CleaningPlanner::leaveOut(const FileUrl &url)
+{
+    m_plan.m_excludedLocations.append(url);
+    m_plan.m_excludedLocationPaths.add(url.path() + '/');
+}
+
+/// A slice that does not go takes its locations out of the plan, and with them perhaps what a later
+/// slice goes with.
 void CleaningPlanner::dropWhatGoesWithNothing()
 {
-    std::vector<CleaningLocation> &locations = m_plan.m_locations;
+    QSet<QByteArray> planned;
+    for (const CleaningLocation &location : m_plan.m_locations)
+        planned.insert(location.url.absoluteString());
+    QSet<QByteArray> dropped;
     for (const SliceToClean &slice : m_slices) {
-        const bool goes = !slice.onlyWith || m_missing.contains(*slice.onlyWith) ||
-                          std::ranges::find(locations, *slice.onlyWith, &CleaningLocation::url) !=
-                              locations.end();
-        if (!goes)
-            std::erase_if(locations, [&](const CleaningLocation &location) {
-                return slice.fileURLs.contains(location.url);
-            });
+        const QByteArray with = slice.onlyWith ? slice.onlyWith->absoluteString() : QByteArray();
+        if (!slice.onlyWith || m_missing.contains(with) || planned.contains(with))
+            continue;
+        for (const FileUrl &url : slice.fileURLs) {
+            planned.remove(url.absoluteString());
+            dropped.insert(url.absoluteString());
+        }
     }
+    if (!dropped.isEmpty())
+        std::erase_if(m_plan.m_locations, [&](const CleaningLocation &location) {
+            return dropped.contains(location.url.absoluteString());
+        });
 }
 
 /// The removal of a single file changes the folder around it, which would look like a change by
 /// somebody else when that folder is emptied.
 void CleaningPlanner::putFilesInFoldersLast()
 {
+    PrefixSet folders;
     for (const CleaningLocation &location : m_plan.m_locations) {
         if (location.content == SliceContent::Folders)
-            m_folders.append(location.url.path() + '/');
+            folders.add(location.url.path() + '/');
     }
-    std::stable_partition(
-        m_plan.m_locations.begin(), m_plan.m_locations.end(),
-        [this](const CleaningLocation &location) { return !isInPlannedFolder(location); });
-}
-
-bool CleaningPlanner::isInPlannedFolder(const CleaningLocation &location) const
-{
-    if (location.content != SliceContent::Files)
-        return false;
-    return std::any_of(m_folders.begin(), m_folders.end(), [&](const QByteArray &folder) {
-        return location.url.path().startsWith(folder);
-    });
+    std::stable_partition(m_plan.m_locations.begin(), m_plan.m_locations.end(),
+                          [&](const CleaningLocation &location) {
+                              return location.content != SliceContent::Files ||
+                                     folders.match(location.url.path()) != ExclusionMatch::Whole;
+                          });
 }
 
 bool CleaningPlanner::isExcludedByPath(const CleaningLocation &location) const
@@ -263,29 +286,28 @@ CleaningPlanner::Obstacle CleaningPlanner::obstacle(int folder, const QByteArray
 
 bool CleaningPlanner::isExcluded(const FileIdentity &identity) const
 {
-    const auto &all = m_plan.m_excludedIdentities;
-    return std::any_of(all.begin(), all.end(), [&](const FileIdentity &excluded) {
-        return excluded.inodeId() == identity.inodeId();
-    });
+    const ExcludedInodes inodes = m_plan.excludedInodesOn(identity.device);
+    return std::binary_search(inodes->begin(), inodes->end(), identity.inode);
 }
 
-/// An exclusion that cannot be found could be anything in the folder that holds it by its path. One
-/// that cannot be looked at could be anything at all.
 bool CleaningPlanner::refuseUnresolved(const CleaningLocation &location)
 {
-    const QByteArray inside = location.url.path() + '/';
-    const auto found = std::find_if(m_lost.begin(), m_lost.end(), [&](const auto &excluded) {
-        return excluded.isHidden || excluded.path.startsWith(inside);
-    });
-    if (found == m_lost.end())
-        return false;
-    refuse(location.url.path(), RefusalReason::UnresolvedExclusion, found->error);
-    return true;
+    const auto lost = m_lost.firstPerhapsIn(location.url.path());
+    if (lost)
+        refuse(location.url.path(), RefusalReason::UnresolvedExclusion, lost->error);
+    return lost.has_value();
 }
 
 void CleaningPlanner::refuse(const QByteArray &path, RefusalReason reason, int error)
 {
     m_plan.m_refusals.append({path, reason, error});
+}
+
+ExcludedInodes CleaningPlan::excludedInodesOn(std::uint64_t device) const
+{
+    static const ExcludedInodes none = std::make_shared<const std::vector<std::uint64_t>>();
+    const auto found = m_excludedInodes.find(device);
+    return found == m_excludedInodes.end() ? none : found->second;
 }
 
 CleaningPlan makeCleaningPlan(const SystemCalls &calls, const FileAccess &access,

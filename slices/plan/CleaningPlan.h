@@ -8,6 +8,8 @@
 #include "slices/sizing/ReadOnlyFolders.h"
 
 #include <QList>
+#include <map>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -80,6 +82,8 @@ struct CleaningRefusal
     int error = 0; ///< errno, 0 where no call failed
 };
 
+using ExcludedInodes = std::shared_ptr<const std::vector<std::uint64_t>>;
+
 /// One location of a plan: a folder to be emptied, or a file to be removed.
 struct CleaningLocation
 {
@@ -106,11 +110,19 @@ public:
     const QList<CleaningRefusal> &refusals() const { return m_refusals; }
     /// Locations left alone because they are excluded themselves or lie inside an exclusion.
     const FileUrls &excludedLocations() const { return m_excludedLocations; }
+    /// Whether the raw path is one of these or lies inside one.
+    bool isInExcludedLocation(const QByteArray &path) const
+    {
+        return m_excludedLocationPaths.match(path + '/') == ExclusionMatch::Whole;
+    }
 
     /// What is kept: the exclusions, and what is in use.
     const ExcludedPaths &excluded() const { return m_excluded; }
     /// Of everything that is kept and was found: it is kept wherever it turns up, under any name.
     const std::vector<FileIdentity> &excludedIdentities() const { return m_excludedIdentities; }
+    /// The inode numbers of these on one volume, sorted. Shared, so that each location can have
+    /// them; never null.
+    ExcludedInodes excludedInodesOn(std::uint64_t device) const;
 
     /// What programs may begin to use, at and inside the locations; it need not exist.
     const FileUrls &programLocations() const { return m_programLocations; }
@@ -121,8 +133,10 @@ private:
     std::vector<CleaningLocation> m_locations;
     QList<CleaningRefusal> m_refusals;
     FileUrls m_excludedLocations;
+    PrefixSet m_excludedLocationPaths; ///< of these, with a slash at the end
     ExcludedPaths m_excluded;
     std::vector<FileIdentity> m_excludedIdentities;
+    std::map<std::uint64_t, ExcludedInodes> m_excludedInodes; ///< by volume
     FileUrls m_programLocations;
 };
 

@@ -16,34 +16,32 @@ QByteArrayView lastName(const QByteArray &path)
 Protection::Protection(const CleaningPlan &plan, const CleaningLocation &location,
                        std::uint64_t device)
     : m_excluded(plan.excluded()),
+      m_inodes(plan.excludedInodesOn(device)),
       m_device(device),
       m_isTouched(location.isTouched),
       m_readOnlyFolders(location.readOnlyFolders)
 {
-    for (const FileIdentity &identity : plan.excludedIdentities()) {
-        if (identity.device == device)
-            m_inodes.push_back(identity.inode);
-    }
-    std::sort(m_inodes.begin(), m_inodes.end());
 }
 
 void Protection::keep(const FileUrl &folder)
 {
-    m_excluded.add(folder);
+    m_kept.add(folder);
     m_isTouched = true;
 }
 
 bool Protection::keepsInode(std::uint64_t inode) const
 {
-    return std::binary_search(m_inodes.begin(), m_inodes.end(), inode);
+    return std::binary_search(m_inodes->begin(), m_inodes->end(), inode);
 }
 
 ExclusionMatch Protection::match(const QByteArray &path, FileKind kind) const
 {
     const bool isFolder = kind == FileKind::Folder;
     const QByteArray slashed = path + '/';
-    const ExclusionMatch found = std::max(m_excluded.matchByText(isFolder ? slashed : path),
-                                          m_excluded.matchByPath(slashed));
+    const QByteArray &text = isFolder ? slashed : path;
+    const ExclusionMatch found =
+        std::max({m_excluded.matchByText(text), m_excluded.matchByPath(slashed),
+                  m_kept.matchByText(text), m_kept.matchByPath(slashed)});
     if (found == ExclusionMatch::OnTheWay && (!isFolder || isPackageName(lastName(path))))
         return ExclusionMatch::Whole;
     return found;

@@ -30,8 +30,9 @@ public:
     ExclusionMatch match(const QByteArray &path, FileKind kind) const;
 
 private:
-    ExcludedPaths m_excluded;
-    std::vector<std::uint64_t> m_inodes;
+    ExcludedPaths m_excluded; ///< shared with the plan, however many locations it has
+    ExcludedPaths m_kept;     ///< in this location alone
+    ExcludedInodes m_inodes;
     std::uint64_t m_device;
     bool m_isTouched;
     ReadOnlyFolders m_readOnlyFolders;

@@ -19,9 +19,6 @@ private Q_SLOTS:
     void logsEachMatchOfASlice();
     void logsNoNameAsALineOfItsOwn();
 
-    void touchesPlacesThatHoldAnExclusion_data();
-    void touchesPlacesThatHoldAnExclusion();
-
     void judgesByText_data();
     void judgesByText();
     void judgesByPath_data();
@@ -128,28 +125,6 @@ void TestExcludedPaths::logsEachMatchOfASlice()
     // The search goes on over all exclusions, and ends at the first place without a match.
     QCOMPARE(log.lines(),
              QStringList({QStringLiteral("/h/b, /h/b"), QStringLiteral("/h/b, /h/b")}));
-}
-
-void TestExcludedPaths::touchesPlacesThatHoldAnExclusion_data()
-{
-    QTest::addColumn<QByteArray>("location");
-    QTest::addColumn<QByteArrayList>("excluded");
-    QTest::addColumn<bool>("isTouched");
-    QTest::addRow("none") << QByteArray("/h/a/") << QByteArrayList() << false;
-    QTest::addRow("itself") << QByteArray("/h/a/") << QByteArrayList{"/h/a/"} << true;
-    QTest::addRow("inside") << QByteArray("/h/a/") << QByteArrayList{"/h/b", "/h/a/x/y"} << true;
-    QTest::addRow("around") << QByteArray("/h/a/") << QByteArrayList{"/h/"} << false;
-    QTest::addRow("beside") << QByteArray("/h/a/") << QByteArrayList{"/h/b/"} << false;
-    QTest::addRow("longer name") << QByteArray("/h/a/") << QByteArrayList{"/h/ab/"} << true;
-    QTest::addRow("anywhere in it") << QByteArray("/h/a/") << QByteArrayList{"/v/h/a/"} << true;
-}
-
-void TestExcludedPaths::touchesPlacesThatHoldAnExclusion()
-{
-    QFETCH(QByteArray, location);
-    QFETCH(QByteArrayList, excluded);
-    QFETCH(bool, isTouched);
-    QCOMPARE(excludedPaths(excluded).touches(urlOf(location)), isTouched);
 }
 
 void TestExcludedPaths::judgesByText_data()
