@@ -1,5 +1,6 @@
 #include "largefiles/search/LargeFileSearch.h"
 
+#include "largefiles/search/ExcludedTexts.h"
 #include "platform/base/ByteCount.h"
 #include "platform/base/Log.h"
 #include "platform/files/AnchoredFolder.h"
@@ -8,7 +9,6 @@
 #include "platform/walk/DirectoryWalker.h"
 #include "slices/sizing/FolderSizing.h"
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <mutex>
@@ -27,7 +27,7 @@ public:
     /// Tells whether a file may be deleted.
     using Judge = std::function<bool(const FileUrl &file)>;
 
-    FolderSearch(const LargeFileQuery &query, const QByteArrayList &excluded, FileUrl folder,
+    FolderSearch(const LargeFileQuery &query, const ExcludedTexts &excluded, FileUrl folder,
                  LargeFileListener &listener, Judge mayBeDeleted)
         : m_query(query),
           m_excluded(excluded),
@@ -47,9 +47,7 @@ public:
 
     bool isExcluded(const FileUrl &url) const
     {
-        const QByteArray text = url.absoluteString();
-        return std::any_of(m_excluded.begin(), m_excluded.end(),
-                           [&](const QByteArray &excluded) { return text.contains(excluded); });
+        return m_excluded.match(url.absoluteString()) == ExclusionMatch::Whole;
     }
 
     void take(const FileUrl &url, qint64 size)
@@ -93,7 +91,7 @@ private:
     }
 
     const LargeFileQuery &m_query;
-    const QByteArrayList &m_excluded;
+    const ExcludedTexts &m_excluded;
     const FileUrl m_folder;
     LargeFileListener &m_listener;
     const Judge m_mayBeDeleted;
@@ -197,16 +195,6 @@ qint64 walk(const SystemCalls &calls, FileDescriptor folder, FolderSearch &searc
     return items;
 }
 
-QByteArrayList saidTexts(const QStringList &texts)
-{
-    QByteArrayList said;
-    for (const QString &text : texts) {
-        if (!text.isEmpty())
-            said.append(text.toUtf8());
-    }
-    return said;
-}
-
 } // namespace
 
 bool UnreadablePlace::isOnAnotherDisk() const
@@ -233,7 +221,7 @@ SearchOutcome searchLargeFiles(const SystemCalls &calls, FileAccess &access,
                                const std::stop_token &stop, unsigned threads)
 {
     const AccessScope scope(access);
-    const QByteArrayList excluded = saidTexts(query.excludedTexts);
+    const ExcludedTexts excluded(query.excludedTexts);
     const FolderSearch::Judge judge = [&](const FileUrl &file) {
         const auto place = access.anchoredPath(file);
         return place && mayBeDeleted(calls, *place);
