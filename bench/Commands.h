@@ -12,8 +12,8 @@ int runSizeCommand(const QStringList &arguments);
 /// the same fields; the bytes are those of all entries, whatever their rights.
 int runWalkCommand(const QStringList &arguments);
 
-/// `search HOME`: searches a home's main folders for large files, just as the program does, and
-/// prints one JSON object.
+/// `search [--threads N] [--exclusions N] HOME`: searches a home's main folders for large files,
+/// just as the program does, with that many exclusions, and prints one JSON object.
 int runSearchCommand(const QStringList &arguments);
 
 /// `clean PATH... [--exclude URL]... --yes`: measures each location, deletes for good what lies in
@@ -21,6 +21,11 @@ int runSearchCommand(const QStringList &arguments);
 /// object per path. `seconds` is the time of the removal alone. Does nothing without --yes.
 int runCleanCommand(const QStringList &arguments);
 
-/// `trees FOLDER`: makes the four trees with which the engines are measured, "cache", "flat", "deep"
-/// and "home". The folder must not hold any of these names.
+/// `growth FOLDER [ROW]`: prints how long the engines take for 10, 100, 1,000 and 10,000 of what a
+/// home may have many of; only the rows whose names contain ROW. Makes its own files in a new
+/// folder inside, and takes that away again.
+int runGrowthCommand(const QStringList &arguments);
+
+/// `trees FOLDER`: makes the four trees with which the engines are measured, "cache", "flat",
+/// "deep" and "home". The folder must not hold any of these names.
 int runTreesCommand(const QStringList &arguments);

@@ -1,4 +1,5 @@
 #include "bench/Commands.h"
+#include "bench/FolderAccess.h"
 #include "bench/ProcessMemory.h"
 #include "largefiles/search/LargeFileSearch.h"
 #include "platform/base/ByteCount.h"
@@ -12,38 +13,9 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <cstdio>
+#include <ctime>
 
 namespace {
-
-/// Grants a home, and nothing else.
-class HomeAccess final : public FileAccess
-{
-public:
-    explicit HomeAccess(const FileUrl &home) : m_home(home)
-    {
-        if (auto opened = hostSystemCalls().openRoot(home.path().constData()))
-            m_anchor = std::make_shared<const FileDescriptor>(std::move(*opened));
-    }
-
-    bool isOpen() const { return m_anchor != nullptr; }
-
-    void startAccessing() override {}
-    void stopAccessing() override {}
-    std::optional<AnchoredPath> anchoredPath(const FileUrl &url) const override
-    {
-        const QByteArray home = m_home.path();
-        const QByteArray inside = home == "/" ? home : home + '/';
-        if (m_anchor && url == m_home)
-            return AnchoredPath{m_anchor, {}};
-        if (!m_anchor || !url.path().startsWith(inside))
-            return std::nullopt;
-        return AnchoredPath{m_anchor, url.path().sliced(inside.size())};
-    }
-
-private:
-    const FileUrl m_home;
-    std::shared_ptr<const FileDescriptor> m_anchor;
-};
 
 class Tally final : public LargeFileListener
 {
@@ -64,11 +36,30 @@ private:
     qint64 m_bytes = 0;
 };
 
-int search(const QString &path, unsigned threads)
+struct Order
+{
+    unsigned threads = 0;
+    unsigned exclusions = 0;
+};
+
+/// Texts of folders that are spread over the searched ones, but are not there.
+QStringList excludedTexts(const FileUrls &searched, unsigned count)
+{
+    QStringList texts;
+    for (unsigned i = 0; i < count && !searched.isEmpty(); ++i) {
+        const FileUrl &around = searched.at(i % searched.size());
+        const QByteArray name = "excluded" + QByteArray::number(i);
+        texts.append(
+            QString::fromLatin1(around.appending(name, FileUrlKind::Folder).absoluteString()));
+    }
+    return texts;
+}
+
+int search(const QString &path, const Order &order)
 {
     const QByteArray found = QFile::encodeName(QFileInfo(path).canonicalFilePath());
     const FileUrl home = FileUrl::fromPath(found, FileUrlKind::Folder);
-    HomeAccess access(home);
+    FolderAccess access(home);
     if (!access.isOpen()) {
         std::fprintf(stderr, "vantor-bench: cannot open %s\n", qPrintable(path));
         return kFailed;
@@ -76,10 +67,14 @@ int search(const QString &path, unsigned threads)
     const HomeLayout layout =
         surveyHome(hostSystemCalls(), access, home, HomeEnvironment::ofThisProcess());
     Tally tally;
+    const FileUrls folders = searchURLs(layout);
+    const LargeFileQuery query{folders, excludedTexts(folders, order.exclusions), {}};
     QElapsedTimer timer;
     timer.start();
-    const SearchOutcome outcome = searchLargeFiles(
-        hostSystemCalls(), access, {searchURLs(layout), {}, {}}, tally, {}, threads);
+    const std::clock_t started = std::clock();
+    const SearchOutcome outcome =
+        searchLargeFiles(hostSystemCalls(), access, query, tally, {}, order.threads);
+    const double processor = static_cast<double>(std::clock() - started) / CLOCKS_PER_SEC;
     const double seconds = static_cast<double>(timer.nsecsElapsed()) / 1e9;
 
     const QJsonObject line{{QStringLiteral("found"), tally.found()},
@@ -87,6 +82,7 @@ int search(const QString &path, unsigned threads)
                            {QStringLiteral("items"), outcome.items},
                            {QStringLiteral("complete"), outcome.isComplete},
                            {QStringLiteral("seconds"), seconds},
+                           {QStringLiteral("processor_seconds"), processor},
                            {QStringLiteral("peak_rss_bytes"), peakResidentBytes()}};
     std::puts(QJsonDocument(line).toJson(QJsonDocument::Compact).constData());
     return kDone;
@@ -97,19 +93,21 @@ int search(const QString &path, unsigned threads)
 int runSearchCommand(const QStringList &arguments)
 {
     QStringList homes = arguments;
-    unsigned threads = 0;
-    if (homes.value(0) == QStringLiteral("--threads")) {
+    Order order;
+    while (homes.size() > 1) {
         bool isNumber = false;
-        threads = homes.value(1).toUInt(&isNumber);
-        if (!isNumber) {
-            std::fprintf(stderr, "vantor-bench: --threads takes a number\n");
-            return kUsageError;
-        }
+        const unsigned number = homes.value(1).toUInt(&isNumber);
+        if (isNumber && homes.first() == QStringLiteral("--threads"))
+            order.threads = number;
+        else if (isNumber && homes.first() == QStringLiteral("--exclusions"))
+            order.exclusions = number;
+        else
+            break;
         homes = homes.mid(2);
     }
     if (homes.size() != 1) {
         std::fprintf(stderr, "vantor-bench: search takes one home folder\n");
         return kUsageError;
     }
-    return search(homes.first(), threads);
+    return search(homes.first(), order);
 }

@@ -16,8 +16,9 @@ struct Command
 constexpr std::array kCommands{
     Command{"size", "size [--threads N] PATH...", &runSizeCommand},
     Command{"walk", "walk [--threads N] FOLDER", &runWalkCommand},
-    Command{"search", "search [--threads N] HOME", &runSearchCommand},
+    Command{"search", "search [--threads N] [--exclusions N] HOME", &runSearchCommand},
     Command{"clean", "clean PATH... [--exclude URL]... --yes", &runCleanCommand},
+    Command{"growth", "growth FOLDER [ROW]", &runGrowthCommand},
     Command{"trees", "trees FOLDER", &runTreesCommand},
 };
 

@@ -115,6 +115,7 @@ bool mayStartThreads(const SourceText &source)
         QStringLiteral("platform/walk/WalkPool.h"),               // a walk that forks and joins
         QStringLiteral("slices/removal/ParallelRemover.cpp"),     // a removal that forks and joins
         QStringLiteral("slices/removal/ConfinedRun.cpp"),         // confined for good, and joined
+        QStringLiteral("bench/BareWalk_linux.cpp"),               // the walk's yardstick, joined
     };
     return places.contains(source.path);
 }
