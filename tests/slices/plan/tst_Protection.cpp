@@ -16,6 +16,7 @@ private Q_SLOTS:
     void knowsExcludedItemsByTheirNumbers();
     void keepsWhatItIsToldLater();
     void knowsNumbersOfItsOwnDeviceOnly();
+    void sharesTheNumbersWithThePlan();
 
 private:
     Protection protection(std::uint64_t deviceOffset = 0) const
@@ -107,6 +108,21 @@ void TestProtection::keepsWhatItIsToldLater()
 void TestProtection::knowsNumbersOfItsOwnDeviceOnly()
 {
     QVERIFY(!protection(1).keepsInode(inodeOf("ab")));
+}
+
+/// A plan of thousands of single files makes one protection for each.
+void TestProtection::sharesTheNumbersWithThePlan()
+{
+    const CleaningPlan plan =
+        makeCleaningPlan(hostSystemCalls(), *m_home, {contentsOf({m_home->folder("Downloads")})},
+                         excluding({m_home->file("Downloads/ab")}));
+    const CleaningLocation &location = plan.locations().front();
+    const ExcludedInodes inodes = plan.excludedInodesOn(location.identity.device);
+    QCOMPARE(inodes->size(), std::size_t(1));
+    const auto before = inodes.use_count();
+    const Protection first(plan, location, location.identity.device);
+    const Protection second(plan, location, location.identity.device);
+    QCOMPARE(inodes.use_count(), before + 2);
 }
 
 VANTOR_TEST_MAIN(TestProtection)
