@@ -70,8 +70,6 @@ int main(int argc, char **argv)
     nameProgram();
     OneInstance instance(defaultSettingsFolder());
     const bool mayShowTutorial = WebTutorial::mayBeShown(defaultSettingsFolder());
-    if (mayShowTutorial)
-        WebTutorial::prepareApplication();
     QApplication application(argc, argv);
     const ExitGuard guard;
     const EndRequests requests;

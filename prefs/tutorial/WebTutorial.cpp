@@ -7,9 +7,27 @@
 #include "platform/system/HostSystemCalls.h"
 
 #include <QGuiApplication>
-#include <QOpenGLContext>
+#include <QLoggingCategory>
 #include <QPluginLoader>
 #include <QTimer>
+
+namespace {
+
+/// Loads the plugin with the engine; null when it cannot be loaded. It is never unloaded: the
+/// engine does not survive that.
+QObject *loadedPlugin(const QString &file)
+{
+    // The engine warns that it comes after the application object. The plugin knows that, and makes
+    // at once what the engine misses.
+    QLoggingCategory &toolkit = *QLoggingCategory::defaultCategory();
+    const bool wasEnabled = toolkit.isWarningEnabled();
+    toolkit.setEnabled(QtWarningMsg, false);
+    QObject *const plugin = QPluginLoader(file).instance();
+    toolkit.setEnabled(QtWarningMsg, wasEnabled);
+    return plugin;
+}
+
+} // namespace
 
 WebTutorialFiles WebTutorialFiles::ofTheProgramIn(const QString &folder)
 {
@@ -63,19 +81,10 @@ bool WebTutorial::mayBeShown(const QString &settingsFolder)
     return !settings.value(VNTHideDemoWindowString).toBool();
 }
 
-void WebTutorial::prepareApplication()
-{
-    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
-}
-
 void WebTutorial::probe()
 {
     if (m_files.plugin.isEmpty())
         return endProbe(false, "it is not installed");
-    // Without a shared context the engine crashes at its start. It is known that the context need
-    // not be valid.
-    if (!QOpenGLContext::globalShareContext())
-        return endProbe(false, "the program was started without it");
     QTimer::singleShot(m_files.limit, &m_probe, &QProcess::kill);
     m_probe.start(m_files.probe, {m_files.plugin, QString::number(m_files.limit.count()),
                                   QStringLiteral("-platform"), QGuiApplication::platformName()});
@@ -92,9 +101,7 @@ void WebTutorial::endProbe(bool isUsable, const char *reason)
 TutorialEngine *WebTutorial::engine()
 {
     if (!m_engine && m_isUsable) {
-        // Never unloaded: the engine does not survive that.
-        QPluginLoader loader(m_files.plugin);
-        m_engine = qobject_cast<TutorialEngine *>(loader.instance());
+        m_engine = qobject_cast<TutorialEngine *>(loadedPlugin(m_files.plugin));
         if (!m_engine)
             endProbe(false, "it cannot be loaded");
     }

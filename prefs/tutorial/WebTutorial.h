@@ -45,10 +45,6 @@ public:
     /// Whether the settings in this folder leave the tutorial to be shown.
     static bool mayBeShown(const QString &settingsFolder);
 
-    /// Requests what the engine needs of the application object. Call it before that object is
-    /// made.
-    static void prepareApplication();
-
     /// Begins to find out whether the engine starts here; probed() follows. Call it once.
     void probe();
 

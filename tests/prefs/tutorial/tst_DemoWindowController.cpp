@@ -6,14 +6,11 @@
 #include "prefs/exclusions/InterfaceClasses.h"
 #include "prefs/tutorial/DemoWindowController.h"
 #include "prefs/tutorial/TextTutorialView.h"
-#include "prefs/tutorial/WebTutorial.h"
 #include "tests/support/run/GuiTestMain.h"
-#include "tests/support/run/LogRecorder.h"
 #include "widgets/ColorView.h"
 #include "widgets/InterfaceClasses.h"
 
 #include <QCheckBox>
-#include <QSignalSpy>
 #include <QTemporaryDir>
 
 /// The tutorial as a sheet on a window, as the slices page shows it.
@@ -32,7 +29,6 @@ private Q_SLOTS:
     void closesByOk();
     void closesByEscape();
     void scrollsByTheKeysAtOnce();
-    void staysRichTextInAnApplicationNotMadeForTheEngine();
     void isLoadedOnce();
     void saysEveryControlsName();
 
@@ -153,18 +149,6 @@ void TestDemoWindowController::scrollsByTheKeysAtOnce()
 {
     present();
     QVERIFY(m_demo->webview()->isAncestorOf(QApplication::focusWidget()));
-}
-
-void TestDemoWindowController::staysRichTextInAnApplicationNotMadeForTheEngine()
-{
-    // This application has no shared contexts. A probe has them, and would say that all is well.
-    const LogRecorder log;
-    WebTutorial tutorial(
-        {.plugin = QStringLiteral("plugin"), .probe = QStringLiteral("/bin/true")});
-    QSignalSpy probed(&tutorial, &WebTutorial::probed);
-    tutorial.probe();
-    QCOMPARE(probed.count(), 1);
-    QVERIFY(!tutorial.isUsable());
 }
 
 void TestDemoWindowController::isLoadedOnce()

@@ -5,7 +5,7 @@
 #include "app/settings/SettingsKeys.h"
 #include "prefs/tutorial/TextTutorialView.h"
 #include "prefs/tutorial/WebTutorialView.h"
-#include "tests/prefs/tutorial/WebTestMain.h"
+#include "tests/support/run/GuiTestMain.h"
 #include "tests/support/run/LogRecorder.h"
 
 #include <QDir>
@@ -219,5 +219,5 @@ void TestWebTutorial::tellsTheProbeTheDisplayOfTheProgram()
              thePlugin + QStringLiteral(" 5000 -platform ") + QGuiApplication::platformName());
 }
 
-VANTOR_WEB_TEST_MAIN(TestWebTutorial)
+VANTOR_GUI_TEST_MAIN(TestWebTutorial)
 #include "tst_WebTutorial.moc"

@@ -34,7 +34,6 @@ void leaveNoCore()
 int main(int argc, char **argv)
 {
     leaveNoCore();
-    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
     QApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
     const std::chrono::milliseconds limit(arguments.value(2).toInt());

@@ -8,8 +8,8 @@
 #include "prefs/tutorial/DemoWindowController.h"
 #include "prefs/tutorial/TextTutorialView.h"
 #include "prefs/tutorial/WebTutorial.h"
-#include "tests/prefs/tutorial/WebTestMain.h"
 #include "tests/support/page/StillStyle.h"
+#include "tests/support/run/GuiTestMain.h"
 #include "tests/support/run/LogRecorder.h"
 #include "tests/support/run/RecordingServer.h"
 #include "widgets/InterfaceClasses.h"
@@ -326,5 +326,5 @@ void TestWebTutorialView::isNotUsedWhereItMayNotStart()
     QVERIFY(!tutorial.isUsable());
 }
 
-VANTOR_WEB_TEST_MAIN(TestWebTutorialView)
+VANTOR_GUI_TEST_MAIN(TestWebTutorialView)
 #include "tst_WebTutorialView.moc"
