@@ -102,7 +102,8 @@ void drawIcon(QPainter &painter, QPointF corner, const QPixmap &icon)
 
 std::shared_ptr<SizeQueue> makeSizeQueue()
 {
-    return std::make_shared<SizeQueue>(static_cast<unsigned>(QThread::idealThreadCount()));
+    return std::make_shared<SizeQueue>(static_cast<unsigned>(QThread::idealThreadCount()),
+                                       ThreadPriority::BehindTheWindow);
 }
 
 InfoLayer::InfoLayer(std::function<void()> changed, std::shared_ptr<SizeQueue> queue)

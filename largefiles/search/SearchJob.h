@@ -74,5 +74,6 @@ private:
     QList<UnreadablePlace> m_unreadable;
     ReplyChannel m_channel;
     /// A search that is slow to obey its stop does not delay a newer one.
-    BackgroundQueue<OwnersEnd::Abandon, Queueing::LatestOnly> m_searches{kThreadForEachTask};
+    BackgroundQueue<OwnersEnd::Abandon, Queueing::LatestOnly> m_searches{
+        kThreadForEachTask, ThreadPriority::BehindTheWindow};
 };

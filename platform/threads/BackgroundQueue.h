@@ -67,7 +67,10 @@ public:
     using Task = BackgroundTask<kOwnersEnd>;
 
     /// Runs at most this many tasks at a time.
-    explicit BackgroundQueue(unsigned threads = 1) : m_runner(threads) {}
+    explicit BackgroundQueue(unsigned threads = 1, ThreadPriority priority = ThreadPriority::Usual)
+        : m_runner(threads, priority)
+    {
+    }
     ~BackgroundQueue()
     {
         stop();

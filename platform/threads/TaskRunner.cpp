@@ -55,8 +55,8 @@ void TaskRunner::Shared::serve()
     }
 }
 
-TaskRunner::TaskRunner(unsigned threads)
-    : m_mostThreads(threads), m_shared(std::make_shared<Shared>())
+TaskRunner::TaskRunner(unsigned threads, ThreadPriority priority)
+    : m_mostThreads(threads), m_priority(priority), m_shared(std::make_shared<Shared>())
 {
 }
 
@@ -81,7 +81,10 @@ void TaskRunner::add(Task task)
     if (m_shared->threads == m_mostThreads)
         return;
     ++m_shared->threads;
-    startBackgroundThread([shared = m_shared] { shared->serve(); });
+    startBackgroundThread([shared = m_shared, priority = m_priority] {
+        setThreadPriority(priority);
+        shared->serve();
+    });
 }
 
 void TaskRunner::stop()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/threads/ReplyChannel.h"
+#include "platform/threads/ThreadPriority.h"
 
 #include <functional>
 #include <memory>
@@ -17,7 +18,7 @@ public:
     using Task = std::function<Reply(const std::stop_token &)>;
 
     /// Runs at most this many tasks at a time.
-    explicit TaskRunner(unsigned threads);
+    explicit TaskRunner(unsigned threads, ThreadPriority priority = ThreadPriority::Usual);
     /// Does not wait. No reply runs any more.
     ~TaskRunner();
     TaskRunner(const TaskRunner &) = delete;
@@ -37,6 +38,7 @@ private:
     struct Shared;
 
     const unsigned m_mostThreads;
+    const ThreadPriority m_priority;
     ReplyChannel m_channel;
     std::shared_ptr<Shared> m_shared; ///< with the threads, which may outlive this
     std::stop_source m_stop;          ///< of all tasks since the last stop

@@ -39,7 +39,10 @@ QList<FileFacts> factsAt(const QList<QByteArray> &paths, const std::stop_token &
 } // namespace
 
 FileToView::FileToView(const SystemCalls &calls, AccessSource access, QObject *parent)
-    : QObject(parent), m_calls(calls), m_access(std::move(access)), m_measurements(kMeasurements)
+    : QObject(parent),
+      m_calls(calls),
+      m_access(std::move(access)),
+      m_measurements(kMeasurements, ThreadPriority::BehindTheWindow)
 {
 }
 

@@ -90,6 +90,7 @@ private:
     Findings m_findings;
     std::stop_source m_measuring;          ///< stops the measures of the present records
     QHash<QByteArray, qint64> m_keptSizes; ///< by path
-    BackgroundQueue<OwnersEnd::Abandon, Queueing::LatestOnly> m_keptMeasures;
+    BackgroundQueue<OwnersEnd::Abandon, Queueing::LatestOnly> m_keptMeasures{
+        1, ThreadPriority::BehindTheWindow};
     BackgroundQueue<OwnersEnd::Abandon, Queueing::LatestOnly> m_looking;
 };
