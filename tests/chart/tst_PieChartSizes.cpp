@@ -4,6 +4,8 @@
 
 #include <QThread>
 #include <QThreadPool>
+#include <sys/resource.h>
+#include <unistd.h>
 
 namespace {
 
@@ -20,6 +22,8 @@ class TestPieChartSizes final : public QObject
 private Q_SLOTS:
     void measuresNoMoreSlicesAtATimeThanThereAreProcessors();
     void leavesTheToolkitsThreadsToThePainting();
+    void measuresBehindTheWindow();
+    void paintsWhileEveryProcessorMeasures();
     void waitsForNoMeasureAtItsEnd();
     void measuresNoMoreAfterItsEnd();
 
@@ -64,6 +68,40 @@ void TestPieChartSizes::leavesTheToolkitsThreadsToThePainting()
     const auto held = chartOf(folder, kProcessors);
     awaitAllProcessors(folder);
     QCOMPARE(QThreadPool::globalInstance()->activeThreadCount(), 0);
+}
+
+void TestPieChartSizes::measuresBehindTheWindow()
+{
+    const auto niceness = [] { return getpriority(PRIO_PROCESS, static_cast<id_t>(gettid())); };
+    const int ofTheWindow = niceness();
+    std::atomic<int> ofTheMeasure = -1;
+    const auto queue = makeSizeQueue();
+    queue->run([&, niceness](const std::stop_token &) { ofTheMeasure = niceness(); });
+    QTRY_VERIFY(!queue->isBusy());
+    QCOMPARE(ofTheMeasure.load(), std::max(ofTheWindow, 10));
+}
+
+/// No measure ends before the test does: a lock that one of them held would be held for good.
+void TestPieChartSizes::paintsWhileEveryProcessorMeasures()
+{
+    SlowFolder folder;
+    const auto held = chartOf(folder, kProcessors);
+    awaitAllProcessors(folder);
+    held->settle();
+    PieChart &chart = held->chart;
+    QWidget &window = *chart.window();
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    const QSize larger = chart.size() + QSize(40, 40);
+    for (const QSize size : {chart.size(), larger}) {
+        chart.resize(size);
+        const QImage picture = chart.grab().toImage();
+        QImage empty = picture;
+        empty.fill(picture.pixelColor(0, 0));
+        QVERIFY(picture != empty);
+    }
+    QVERIFY(window.close());
+    QCOMPARE(folder.measured.load(), kProcessors);
 }
 
 void TestPieChartSizes::waitsForNoMeasureAtItsEnd()
