@@ -12,8 +12,10 @@ int runSizeCommand(const QStringList &arguments);
 /// the same fields; the bytes are those of all entries, whatever their rights.
 int runWalkCommand(const QStringList &arguments);
 
-/// `search [--threads N] [--exclusions N] HOME`: searches a home's main folders for large files,
-/// just as the program does, with that many exclusions, and prints one JSON object.
+/// `search [--threads N] [--exclude URL]... [--exclusions N] [--list] HOME`: searches a home's main
+/// folders for large files, just as the program does, and prints one JSON object. --exclusions
+/// excludes that many folders more, which are not there. With --list the paths of the found files
+/// come after the object, a line each.
 int runSearchCommand(const QStringList &arguments);
 
 /// `clean PATH... [--exclude URL]... --yes`: measures each location, deletes for good what lies in
@@ -26,6 +28,7 @@ int runCleanCommand(const QStringList &arguments);
 /// folder inside, and takes that away again.
 int runGrowthCommand(const QStringList &arguments);
 
-/// `trees FOLDER`: makes the four trees with which the engines are measured, "cache", "flat",
-/// "deep" and "home". The folder must not hold any of these names.
+/// `trees [--share N] FOLDER`: makes the four trees with which the engines are measured, "cache",
+/// "flat", "deep" and "home", or of each about the Nth part. The folder must not hold any of these
+/// names. Nothing in them is hidden or linked twice, which other programs count differently.
 int runTreesCommand(const QStringList &arguments);

@@ -7,6 +7,7 @@
 #include "platform/system/SystemCalls.h"
 #include "slices/home/HomeSurvey.h"
 
+#include <QByteArrayList>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
@@ -17,29 +18,56 @@
 
 namespace {
 
+struct Order
+{
+    QStringList homes;
+    QStringList excluded;
+    unsigned threads = 0;
+    unsigned exclusions = 0;
+    bool wantsList = false;
+    bool isUnderstood = true;
+};
+
+Order readOrder(const QStringList &arguments)
+{
+    Order order;
+    for (qsizetype i = 0; i < arguments.size(); ++i) {
+        if (arguments[i] == QStringLiteral("--list"))
+            order.wantsList = true;
+        else if (arguments[i] == QStringLiteral("--threads") && i + 1 < arguments.size())
+            order.threads = arguments[++i].toUInt(&order.isUnderstood);
+        else if (arguments[i] == QStringLiteral("--exclusions") && i + 1 < arguments.size())
+            order.exclusions = arguments[++i].toUInt(&order.isUnderstood);
+        else if (arguments[i] == QStringLiteral("--exclude") && i + 1 < arguments.size())
+            order.excluded.append(arguments[++i]);
+        else
+            order.homes.append(arguments[i]);
+        if (!order.isUnderstood)
+            return order;
+    }
+    order.isUnderstood =
+        order.homes.size() == 1 && !order.homes.first().startsWith(QStringLiteral("--"));
+    return order;
+}
+
 class Tally final : public LargeFileListener
 {
 public:
-    qint64 found() const { return m_found; }
+    qint64 found() const { return m_paths.size(); }
     qint64 bytes() const { return m_bytes; }
+    const QByteArrayList &paths() const { return m_paths; }
 
     void searching(const FileUrl &) override {}
     void found(const File &file) override
     {
-        ++m_found;
+        m_paths.append(file.fileURL().path());
         m_bytes = sumOfByteCounts(m_bytes, file.size());
     }
     void unreadable(const UnreadablePlace &) override {}
 
 private:
-    qint64 m_found = 0;
+    QByteArrayList m_paths;
     qint64 m_bytes = 0;
-};
-
-struct Order
-{
-    unsigned threads = 0;
-    unsigned exclusions = 0;
 };
 
 /// Texts of folders that are spread over the searched ones, but are not there.
@@ -55,8 +83,9 @@ QStringList excludedTexts(const FileUrls &searched, unsigned count)
     return texts;
 }
 
-int search(const QString &path, const Order &order)
+int search(const Order &order)
 {
+    const QString &path = order.homes.first();
     const QByteArray found = QFile::encodeName(QFileInfo(path).canonicalFilePath());
     const FileUrl home = FileUrl::fromPath(found, FileUrlKind::Folder);
     FolderAccess access(home);
@@ -68,7 +97,8 @@ int search(const QString &path, const Order &order)
         surveyHome(hostSystemCalls(), access, home, HomeEnvironment::ofThisProcess());
     Tally tally;
     const FileUrls folders = searchURLs(layout);
-    const LargeFileQuery query{folders, excludedTexts(folders, order.exclusions), {}};
+    const LargeFileQuery query{
+        folders, order.excluded + excludedTexts(folders, order.exclusions), {}};
     QElapsedTimer timer;
     timer.start();
     const std::clock_t started = std::clock();
@@ -85,6 +115,10 @@ int search(const QString &path, const Order &order)
                            {QStringLiteral("processor_seconds"), processor},
                            {QStringLiteral("peak_rss_bytes"), peakResidentBytes()}};
     std::puts(QJsonDocument(line).toJson(QJsonDocument::Compact).constData());
+    if (order.wantsList) {
+        for (const QByteArray &large : tally.paths())
+            std::puts(large.constData());
+    }
     return kDone;
 }
 
@@ -92,22 +126,12 @@ int search(const QString &path, const Order &order)
 
 int runSearchCommand(const QStringList &arguments)
 {
-    QStringList homes = arguments;
-    Order order;
-    while (homes.size() > 1) {
-        bool isNumber = false;
-        const unsigned number = homes.value(1).toUInt(&isNumber);
-        if (isNumber && homes.first() == QStringLiteral("--threads"))
-            order.threads = number;
-        else if (isNumber && homes.first() == QStringLiteral("--exclusions"))
-            order.exclusions = number;
-        else
-            break;
-        homes = homes.mid(2);
-    }
-    if (homes.size() != 1) {
-        std::fprintf(stderr, "vantor-bench: search takes one home folder\n");
+    const Order order = readOrder(arguments);
+    if (!order.isUnderstood) {
+        std::fputs("vantor-bench: search [--threads N] [--exclude URL]... [--exclusions N] "
+                   "[--list] HOME\n",
+                   stderr);
         return kUsageError;
     }
-    return search(homes.first(), order);
+    return search(order);
 }

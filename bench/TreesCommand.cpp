@@ -2,6 +2,7 @@
 #include "platform/system/FileDescriptor.h"
 
 #include <QFile>
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
@@ -13,9 +14,9 @@
 
 namespace {
 
-constexpr int kCacheEntries = 224'000;
-constexpr int kFlatFiles = 200'000;
-constexpr int kChains = 20;
+constexpr unsigned kCacheEntries = 224'000;
+constexpr unsigned kFlatFiles = 200'000;
+constexpr unsigned kChains = 20;
 constexpr int kChainLevels = 1000;
 constexpr unsigned kSeed = 7;
 constexpr mode_t kFolderMode = 0755;
@@ -46,7 +47,6 @@ constexpr Span kPhotos{50, 500};
 constexpr unsigned kDownloads = 4000;
 constexpr unsigned kFilms = 300;
 constexpr unsigned kLargeFilms = 200;
-constexpr unsigned kHiddenFiles = 20'000; ///< neither measured nor searched
 
 void require(bool done, const std::string &name)
 {
@@ -60,7 +60,7 @@ void require(bool done, const std::string &name)
 class TreeMaker final
 {
 public:
-    int entries() const { return m_entries; }
+    unsigned entries() const { return m_entries; }
     unsigned pick(Span span)
     {
         return static_cast<unsigned>(span.from + m_random() % (span.to - span.from + 1));
@@ -86,6 +86,13 @@ public:
         }
     }
 
+    void link(int parent, const char *target)
+    {
+        const std::string name = hashedName();
+        require(::symlinkat(target, parent, name.c_str()) == 0, name);
+        ++m_entries;
+    }
+
 private:
     std::string hashedName()
     {
@@ -97,7 +104,7 @@ private:
     }
 
     std::mt19937 m_random{kSeed};
-    int m_entries = 0;
+    unsigned m_entries = 0;
 };
 
 /// A cache as a browser keeps it: files in 256 folders, each named after the first byte of a hash.
@@ -119,11 +126,11 @@ void makeNestedCache(TreeMaker &maker, int application)
     }
 }
 
-void makeCache(int top)
+void makeCache(int top, unsigned share)
 {
     TreeMaker maker;
     const FileDescriptor cache = maker.folder(top, "cache");
-    for (int number = 0; maker.entries() < kCacheEntries; ++number) {
+    for (int number = 0; maker.entries() < kCacheEntries / share; ++number) {
         const FileDescriptor application =
             maker.folder(cache.get(), "application" + std::to_string(number));
         switch (number % 4) {
@@ -139,17 +146,17 @@ void makeCache(int top)
     }
 }
 
-void makeFlat(int top)
+void makeFlat(int top, unsigned share)
 {
     TreeMaker maker;
-    maker.files(maker.folder(top, "flat").get(), kFlatFiles);
+    maker.files(maker.folder(top, "flat").get(), kFlatFiles / share);
 }
 
-void makeDeep(int top)
+void makeDeep(int top, unsigned share)
 {
     TreeMaker maker;
     const FileDescriptor deep = maker.folder(top, "deep");
-    for (int chain = 0; chain < kChains; ++chain) {
+    for (unsigned chain = 0; chain < std::max(1U, kChains / share); ++chain) {
         FileDescriptor level = maker.folder(deep.get(), "chain" + std::to_string(chain));
         for (int depth = 1; depth < kChainLevels; ++depth) {
             maker.files(level.get(), 2);
@@ -171,26 +178,27 @@ void makeProject(TreeMaker &maker, int parent, const std::string &name)
 }
 
 /// A home with the folders that a desktop makes, for the search too.
-void makeHome(int top)
+void makeHome(int top, unsigned share)
 {
     TreeMaker maker;
     const FileDescriptor home = maker.folder(top, "home");
     const FileDescriptor documents = maker.folder(home.get(), "Documents");
-    for (unsigned i = 0; i < kProjects; ++i)
+    for (unsigned i = 0; i < kProjects / share; ++i)
         makeProject(maker, documents.get(), "project" + std::to_string(i));
     const FileDescriptor music = maker.folder(home.get(), "Music");
-    for (unsigned i = 0; i < kAlbums; ++i)
+    for (unsigned i = 0; i < kAlbums / share; ++i)
         maker.files(maker.folder(music.get(), "album" + std::to_string(i)).get(),
                     maker.pick(kTracks));
     const FileDescriptor pictures = maker.folder(home.get(), "Pictures");
-    for (unsigned i = 0; i < kEvents; ++i)
+    for (unsigned i = 0; i < kEvents / share; ++i)
         maker.files(maker.folder(pictures.get(), "event" + std::to_string(i)).get(),
                     maker.pick(kPhotos));
-    maker.files(maker.folder(home.get(), "Downloads").get(), kDownloads);
+    const FileDescriptor downloads = maker.folder(home.get(), "Downloads");
+    maker.files(downloads.get(), kDownloads / share);
+    maker.link(downloads.get(), "../Documents");
     const FileDescriptor videos = maker.folder(home.get(), "Videos");
-    maker.files(videos.get(), kFilms);
-    maker.files(videos.get(), kLargeFilms, kLargeBytes);
-    maker.files(maker.folder(home.get(), ".hidden").get(), kHiddenFiles);
+    maker.files(videos.get(), kFilms / share);
+    maker.files(videos.get(), kLargeFilms / share, kLargeBytes);
     makeHashedCache(maker, maker.folder(home.get(), "Desktop").get());
 }
 
@@ -198,16 +206,19 @@ void makeHome(int top)
 
 int runTreesCommand(const QStringList &arguments)
 {
-    if (arguments.size() != 1) {
-        std::fprintf(stderr, "vantor-bench: trees takes one folder\n");
+    const bool isShared = arguments.value(0) == QStringLiteral("--share");
+    const unsigned share = isShared ? arguments.value(1).toUInt() : 1;
+    const QStringList folders = arguments.mid(isShared ? 2 : 0);
+    if (folders.size() != 1 || share == 0) {
+        std::fprintf(stderr, "vantor-bench: trees [--share N] takes one folder\n");
         return kUsageError;
     }
-    const QByteArray path = QFile::encodeName(arguments.first());
+    const QByteArray path = QFile::encodeName(folders.first());
     const FileDescriptor top(::open(path.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     require(top.isValid(), path.toStdString());
-    makeCache(top.get());
-    makeFlat(top.get());
-    makeDeep(top.get());
-    makeHome(top.get());
+    makeCache(top.get(), share);
+    makeFlat(top.get(), share);
+    makeDeep(top.get(), share);
+    makeHome(top.get(), share);
     return kDone;
 }

@@ -16,10 +16,11 @@ struct Command
 constexpr std::array kCommands{
     Command{"size", "size [--threads N] PATH...", &runSizeCommand},
     Command{"walk", "walk [--threads N] FOLDER", &runWalkCommand},
-    Command{"search", "search [--threads N] [--exclusions N] HOME", &runSearchCommand},
+    Command{"search", "search [--threads N] [--exclude URL]... [--exclusions N] [--list] HOME",
+            &runSearchCommand},
     Command{"clean", "clean PATH... [--exclude URL]... --yes", &runCleanCommand},
     Command{"growth", "growth FOLDER [ROW]", &runGrowthCommand},
-    Command{"trees", "trees FOLDER", &runTreesCommand},
+    Command{"trees", "trees [--share N] FOLDER", &runTreesCommand},
 };
 
 int printUsage()
