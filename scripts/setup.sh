@@ -21,6 +21,9 @@ declare -A PACKAGES=(
     # the fuzzer.
     [soaking]="e2fsprogs btrfs-progs xfsprogs libfuse3-dev mount
         clang libclang-rt-14-dev"
+    # The programs that bench/compare measures Vantor beside, and what measures their memory.
+    [comparing]="coreutils findutils fd-find gdu ncdu rsync baobab filelight qdirstat bleachbit
+        time tar util-linux"
     # Tools that check a change before it is sent.
     [checking]="clang-format clang-tidy git"
 )
@@ -100,6 +103,7 @@ This is not Debian, so nothing is installed for you. Vantor needs:
   the static OpenType files of the Inter typeface (their folder goes into VANTOR_FONT_DIR)
   without a desktop: Xvfb and xvfb-run, xauth, openbox
   for the tests: e2fsprogs, xdotool; for the long ones: e2fsprogs, btrfs-progs, xfsprogs, libfuse 3 (headers)
+  to compare its speed: du, find, fd, gdu, ncdu, rm, rsync, baobab, filelight, qdirstat, bleachbit, GNU time
   to check a change: clang-format, clang-tidy (14 or later), git
 NEEDS
     local tool
@@ -108,7 +112,7 @@ NEEDS
     done
 }
 
-# install_needs PURPOSE...: building, running, showing, testing, soaking, checking.
+# install_needs PURPOSE...: building, running, showing, testing, soaking, comparing, checking.
 install_needs() {
     local purpose packages=()
     for purpose in "$@"; do

@@ -1,0 +1,1 @@
+"""The parts of bench/compare: what is measured (a module for each section), and how."""
