@@ -12,7 +12,7 @@ from comparing.table import Section, nanoseconds, ratio
 
 # Programs, folders of each, files in each of these; or files in one folder.
 SHAPES = {"cache": (16, 64, 100), "flat": (0, 0, 100_000), "wide": (0, 0, 400_000)}
-QUICK_SHAPES = {"cache": (4, 8, 100), "flat": (0, 0, 5000), "wide": (0, 0, 20_000)}
+QUICK_SHAPES = {"cache": (4, 4, 100), "flat": (0, 0, 2000), "wide": (0, 0, 20_000)}
 TIMED_SHAPES = ("cache", "flat")
 FILE_BYTES = 3000  # of every fourth file; the others are empty
 EXCLUSIONS = 1000

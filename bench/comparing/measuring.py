@@ -3,6 +3,7 @@
 import dataclasses
 import json
 import os
+import shutil
 import statistics
 import subprocess
 import tempfile
@@ -23,6 +24,7 @@ class Options:
     rounds: int
     priority: list[str]  # words before each command
     quick: bool
+    alone: bool  # without the other programs
 
     def settings(self):
         """Pairs of a number of cores and one of threads."""
@@ -39,7 +41,10 @@ class Outcome:
 
     def own(self, key):
         """A figure that vantor-bench printed itself."""
-        return json.loads(self.output.split(b"\n", 1)[0])[key]
+        try:
+            return json.loads(self.output.split(b"\n", 1)[0])[key]
+        except ValueError as error:
+            raise SystemExit(f"vantor-bench printed no figures, and ended with {self.code}") from error
 
     def lines(self):
         """What follows the figures of vantor-bench."""
@@ -56,6 +61,10 @@ class Program:
     prepare: Callable[[], None] = lambda: None
     outcomes: list[Outcome] = dataclasses.field(default_factory=list)
     complaints: list[str] = dataclasses.field(default_factory=list)
+
+    def takes_part(self, options):
+        is_ours = self.command[0] == options.bench
+        return is_ours or not options.alone and shutil.which(self.command[0]) is not None
 
     def seconds(self):
         return statistics.median(outcome.seconds for outcome in self.outcomes)
@@ -89,6 +98,7 @@ def run(command, options, environment=None):
 def take_turns(programs, options, rounds=None):
     """Runs all programs round by round, each round begun by the next one, so that what else the
     machine does meets all of them. Each single result is checked."""
+    programs = [program for program in programs if program.takes_part(options)]
     for number in range(rounds or options.rounds):
         first = number % len(programs)
         for program in programs[first:] + programs[:first]:

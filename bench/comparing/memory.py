@@ -7,7 +7,7 @@ from comparing.cleaning import SHAPES, Site
 from comparing.measuring import run, use_cores
 from comparing.search import Home, peers_of, searching
 from comparing.sizing import PEERS, peer, sizing
-from comparing.table import WRONG, Section
+from comparing.table import NOTHING, WRONG, Section
 from comparing.trees import NAMES
 
 COLUMNS = ("Vantor", "du", "find", "fd", "gdu", "ncdu", "rm", "rsync")
@@ -35,12 +35,15 @@ class Peaks:
         return f"{kilobytes / 1000:.1f}" + (f" {WRONG}" if complaint else "")
 
     def add(self, label, programs):
-        found = {program.name: self.of(program) for program in programs}
-        self.section.add(label, [found.get(column, "–") for column in COLUMNS])
+        found = {program.name: self.of(program) for program in programs
+                 if program.takes_part(self.options)}
+        self.section.add(label, [found.get(column, NOTHING) for column in COLUMNS])
         self.section.judge(label, programs)
 
 
 def memory(options, trees, scratch):
+    if not shutil.which("time"):
+        raise SystemExit("the program time is not here, which tells how much memory another takes")
     cores, threads = options.settings()[-1]
     use_cores(cores)
     peaks = Peaks(options, scratch)

@@ -5,6 +5,7 @@ import pathlib
 BEGIN = "<!-- bench/compare writes from here -->"
 END = "<!-- bench/compare writes to here -->"
 WRONG = "✗"
+NOTHING = "–"
 
 
 class Section:
@@ -43,8 +44,8 @@ def nanoseconds(seconds, entries):
 
 def ratio(program, ours):
     """The time of a program over ours; marked where its result was wrong."""
-    if program is None:
-        return "–"
+    if not program.outcomes:
+        return NOTHING
     return f"{program.seconds() / ours:.2f}" + (f" {WRONG}" if program.complaints else "")
 
 
