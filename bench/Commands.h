@@ -32,3 +32,7 @@ int runGrowthCommand(const QStringList &arguments);
 /// "flat", "deep" and "home", or of each about the Nth part. The folder must not hold any of these
 /// names. Nothing in them is hidden or linked twice, which other programs count differently.
 int runTreesCommand(const QStringList &arguments);
+
+/// `settings [--tutorial-declined] HOME FOLDER`: keeps settings in the folder as if the user had
+/// granted the home in an earlier run, and had declined the tutorial or not.
+int runSettingsCommand(const QStringList &arguments);

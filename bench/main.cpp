@@ -21,6 +21,7 @@ constexpr std::array kCommands{
     Command{"clean", "clean PATH... [--exclude URL]... --yes", &runCleanCommand},
     Command{"growth", "growth FOLDER [ROW]", &runGrowthCommand},
     Command{"trees", "trees [--share N] FOLDER", &runTreesCommand},
+    Command{"settings", "settings [--tutorial-declined] HOME FOLDER", &runSettingsCommand},
 };
 
 int printUsage()

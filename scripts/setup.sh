@@ -23,7 +23,7 @@ declare -A PACKAGES=(
         clang libclang-rt-14-dev"
     # The programs that bench/compare measures Vantor beside, and what measures their memory.
     [comparing]="coreutils findutils fd-find gdu ncdu rsync baobab filelight qdirstat bleachbit
-        time tar util-linux"
+        time tar e2fsprogs mount x11-utils"
     # Tools that check a change before it is sent.
     [checking]="clang-format clang-tidy git"
 )
