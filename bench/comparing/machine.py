@@ -28,10 +28,11 @@ def processor():
 def description(options):
     peers = ", ".join(f"{package} {version(package)}" for package in PEERS)
     before = " ".join(options.priority)
-    return (f"{processor()}, {len(ALL_CORES)} processors, Linux {platform.release()}, "
+    used = f" ({len(ALL_CORES)} of them used)" if len(ALL_CORES) < os.cpu_count() else ""
+    return (f"{processor()}, {os.cpu_count()} processors{used}, Linux {platform.release()}, "
             f"{file_system(options.folder)} and {file_system(options.ram)}; medians of "
-            f"{options.rounds} rounds; {f'each program under `{before}`' if before else 'no priority'}; "
-            f"load of the machine at the start {load()}. Beside: {peers}.")
+            f"{options.rounds} rounds; "
+            f"{f'each program under `{before}`' if before else 'no priority'}; load of the machine at the start {load()}. Beside: {peers}.")
 
 
 def load():
