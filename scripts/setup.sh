@@ -14,16 +14,17 @@ declare -A PACKAGES=(
     [running]="shared-mime-info xdg-utils bubblewrap libegl1 libgl1-mesa-dri qt6-wayland"
     # A display and a window manager where there is no desktop.
     [showing]="xvfb xauth openbox"
-    # Tools for the tests' own file systems and attributes, and for keys that come from outside the
-    # program.
-    [testing]="e2fsprogs xdotool"
+    # Tools for the tests' own file systems and attributes, for keys that come from outside the
+    # program, and for the scripts that are tested.
+    [testing]="e2fsprogs xdotool python3"
     # What the long tests need beside: disks of another make and disks whose power can be cut, and
     # the fuzzer.
     [soaking]="e2fsprogs btrfs-progs xfsprogs libfuse3-dev mount
         clang libclang-rt-14-dev"
-    # The programs that bench/compare measures Vantor beside, and what measures their memory.
+    # The programs that bench/compare measures Vantor beside, what it makes its disk with, and what
+    # tells it of memory and of windows.
     [comparing]="coreutils findutils fd-find gdu ncdu rsync baobab filelight qdirstat bleachbit
-        time tar e2fsprogs mount x11-utils"
+        python3 tar e2fsprogs mount time x11-utils"
     # Tools that check a change before it is sent.
     [checking]="clang-format clang-tidy git"
 )
@@ -102,8 +103,8 @@ This is not Debian, so nothing is installed for you. Vantor needs:
   tl::expected (headers), libseccomp (headers), zlib (headers), xcb and xcb-shape (headers), pkg-config, OpenGL (headers), shared-mime-info, xdg-utils, bubblewrap
   the static OpenType files of the Inter typeface (their folder goes into VANTOR_FONT_DIR)
   without a desktop: Xvfb and xvfb-run, xauth, openbox
-  for the tests: e2fsprogs, xdotool; for the long ones: e2fsprogs, btrfs-progs, xfsprogs, libfuse 3 (headers)
-  to compare its speed: du, find, fd, gdu, ncdu, rm, rsync, baobab, filelight, qdirstat, bleachbit, GNU time
+  for the tests: e2fsprogs, xdotool, Python 3.11; for the long ones: e2fsprogs, btrfs-progs, xfsprogs, libfuse 3 (headers)
+  to compare its speed: du, find, fd, gdu, ncdu, rm, rsync, baobab, filelight, qdirstat, bleachbit, GNU time, xprop
   to check a change: clang-format, clang-tidy (14 or later), git
 NEEDS
     local tool

@@ -29,10 +29,11 @@ def description(options):
     peers = ", ".join(f"{package} {version(package)}" for package in PEERS)
     before = " ".join(options.priority)
     used = f" ({len(ALL_CORES)} of them used)" if len(ALL_CORES) < os.cpu_count() else ""
+    order = f"each program under `{before}`" if before else "no priority"
     return (f"{processor()}, {os.cpu_count()} processors{used}, Linux {platform.release()}, "
             f"{file_system(options.folder)} and {file_system(options.ram)}; medians of "
-            f"{options.rounds} rounds; "
-            f"{f'each program under `{before}`' if before else 'no priority'}; load of the machine at the start {load()}. Beside: {peers}.")
+            f"{options.rounds} rounds; {order}; load of the machine at the start {load()}. "
+            f"Beside: {peers}.")
 
 
 def load():
