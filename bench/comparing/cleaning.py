@@ -93,7 +93,8 @@ class Site:
             if left != kept | ways:
                 return (f"{len(left - kept - ways)} entries left, "
                         f"{len((kept | ways) - left)} lost that were excluded")
-            return "" if self.seen_decoys() == self.expected_decoys else "what lay beside is not whole"
+            is_whole = self.seen_decoys() == self.expected_decoys
+            return "" if is_whole else "what lay beside is not whole"
         return check
 
     def way_to(self, path):
@@ -128,7 +129,7 @@ def clean(options, scratch, ram_scratch):
         "The first figure is the removal alone, with its plan, in nanoseconds an entry; the "
         "second the whole process with its start and its measure. Then the peers' whole processes "
         f"over the removal, and `rm` over the whole process as well. The last two: {EXCLUSIONS:,} "
-        "files excluded beside the tree and inside it, Vantor's own time over its own time without.",
+        "files excluded beside the tree and inside it, Vantor's own time over that without.",
         ["removal, ns", "whole, ns", "rm -rf", "rm -rf, whole", "rsync --delete", "find -delete",
          "excluded beside", "excluded inside"])
     for cores in options.cores:

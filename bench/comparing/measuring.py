@@ -44,7 +44,8 @@ class Outcome:
         try:
             return json.loads(self.output.split(b"\n", 1)[0])[key]
         except ValueError as error:
-            raise SystemExit(f"vantor-bench printed no figures, and ended with {self.code}") from error
+            text = f"vantor-bench printed no figures, and ended with {self.code}"
+            raise SystemExit(text) from error
 
     def lines(self):
         """What follows the figures of vantor-bench."""
@@ -85,7 +86,7 @@ ALL_CORES = os.sched_getaffinity(0)
 
 
 def run(command, options, environment=None):
-    """Runs one command. What it prints goes to a file in memory: to read a pipe takes a processor."""
+    """Runs one command. What it prints goes to a file in memory: a pipe would have to be read."""
     with tempfile.TemporaryFile(dir=options.ram) as output:
         before = time.perf_counter()
         code = subprocess.call(options.priority + command, stdin=subprocess.DEVNULL, stdout=output,

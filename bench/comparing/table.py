@@ -35,7 +35,9 @@ class Section:
         lines += ["| " + " | ".join(["", *self.columns]).strip() + " |"]
         lines += ["|---" * (len(self.columns) + 1) + "|"]
         lines += ["| " + " | ".join(row) + " |" for row in self.rows]
-        return "\n".join(lines + [""] + [f"- {note}" for note in self.notes] + [""] * bool(self.notes))
+        if self.notes:
+            lines += ["", *[f"- {note}" for note in self.notes]]
+        return "\n".join(lines + [""])
 
 
 def nanoseconds(seconds, entries):
