@@ -10,10 +10,9 @@ struct FileSystemTraits
     /// In a folder of his own a user may do what the mode says. No server, no program, no label,
     /// and no mount that is read-only has a say; access lists do not speak of the owner.
     bool modeDecidesForOwner = false;
+    /// Several threads remove the entries of a folder faster than one.
+    bool gainsByThreads = true;
 };
 
 /// The traits of the file system on which an open folder lies. Any thread.
-FileSystemTraits fileSystemTraitsOf(int folder);
-
-/// Whether an open folder lives in memory alone.
-bool livesInMemory(int folder);
+FileSystemTraits traitsOf(int folder);

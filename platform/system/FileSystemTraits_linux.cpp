@@ -13,6 +13,7 @@
 #include <string_view>
 #include <sys/statvfs.h>
 #include <sys/vfs.h>
+#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -66,21 +67,16 @@ bool labelsDecideToo()
 
 } // namespace
 
-FileSystemTraits fileSystemTraitsOf(int folder)
+FileSystemTraits traitsOf(int folder)
 {
     static const bool kLabelsDecideToo = labelsDecideToo();
     const auto fileSystem = fileSystemOf(folder);
     FileSystemTraits traits;
+    traits.gainsByThreads = std::thread::hardware_concurrency() > 1;
     if (!fileSystem ||
         std::ranges::find(kKnownFileSystems, typeOf(*fileSystem)) == kKnownFileSystems.end())
         return traits;
     traits.listsToTheEnd = true;
     traits.modeDecidesForOwner = !kLabelsDecideToo && (fileSystem->f_flags & ST_RDONLY) == 0;
     return traits;
-}
-
-bool livesInMemory(int folder)
-{
-    const auto fileSystem = fileSystemOf(folder);
-    return fileSystem && (typeOf(*fileSystem) == TMPFS_MAGIC || typeOf(*fileSystem) == RAMFS_MAGIC);
 }

@@ -47,8 +47,6 @@ public:
     virtual SystemResult<FileIdentity> identity(int parent, const char *name) const = 0;
     /// Whether this process may add and remove entries of the folder (write and search rights).
     virtual bool mayChangeEntries(int folder) const = 0;
-    /// Whether the folder lives in memory alone, so that no call waits for a disk.
-    virtual bool isInMemory(int folder) const = 0;
     virtual FileSystemTraits fileSystemTraits(int folder) const = 0;
     /// The user whose rights decide in a folder with the sticky bit.
     virtual ActingUser actingUser() const = 0;

@@ -262,11 +262,7 @@ public:
         return ::faccessat(folder, ".", W_OK | X_OK, AT_EACCESS) == 0;
     }
 
-    bool isInMemory(int folder) const override { return livesInMemory(folder); }
-    FileSystemTraits fileSystemTraits(int folder) const override
-    {
-        return fileSystemTraitsOf(folder);
-    }
+    FileSystemTraits fileSystemTraits(int folder) const override { return traitsOf(folder); }
 
     ActingUser actingUser() const override { return {::geteuid(), holdsOwnersCapability()}; }
 

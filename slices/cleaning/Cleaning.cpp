@@ -125,8 +125,9 @@ void CleaningRun::emptyFolder(const CleaningLocation &location, const FileUrls &
         return refuse(location, RefusalReason::Unreadable, clockAhead.error());
     const LaterChanges changes(m_calls, location.confirmed, *clockAhead);
     Protection protection(m_plan, location, identity->device);
-    const EntryOrder order =
-        m_calls.isInMemory(folder->get()) ? EntryOrder::AsListed : EntryOrder::ByInode;
+    const EntryOrder order = m_calls.fileSystemTraits(folder->get()).gainsByThreads
+                                 ? EntryOrder::ByInode
+                                 : EntryOrder::AsListed;
     FolderEmptier emptier(m_calls,
                           {location, protection, changes, m_linkedFiles, m_builder,
                            itemOfFilesIn(location), m_asideNames},

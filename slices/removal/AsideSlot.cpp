@@ -7,7 +7,8 @@
 #include <cerrno>
 #include <cstring>
 
-AsideSlot::AsideSlot(const SystemCalls &calls, AsideNames *names) : m_calls(calls), m_names(names)
+AsideSlot::AsideSlot(const SystemCalls &calls, AsideNames *names, FolderUse use)
+    : m_calls(calls), m_names(names), m_use(use)
 {
     const auto number = names ? names->takeSlot() : std::nullopt;
     if (!number)
@@ -22,37 +23,47 @@ AsideSlot::~AsideSlot()
         m_names->giveBackSlot(m_number);
 }
 
-/// The file before this one is held open until it has been replaced: so the system gives its blocks
-/// back when the folder is no longer locked, and other threads can go on.
 std::optional<AsideSlot::Outcome> AsideSlot::take(int folder, const char *name,
                                                   const FileStatus &expected)
 {
-    Q_ASSERT(!isHolding() || m_folder == folder);
+    Q_ASSERT(!m_isHolding || m_folder == folder);
     // A move onto another name of the same file does nothing, and reports that all is well.
-    const bool isSameFile = isHolding() && m_inode == expected.inodeId();
+    const bool isSameFile = m_isHolding && m_inode == expected.inodeId();
     if (m_number < 0 || isSameFile || !m_names->note(m_number, name, expected.inode))
         return std::nullopt;
-    const auto moved = isHolding() ? m_calls.rename(folder, name, m_slot.constData())
+    const auto moved = m_isHolding ? m_calls.rename(folder, name, m_slot.constData())
                                    : m_calls.moveToFree(folder, name, m_slot.constData());
     if (!moved)
         return std::nullopt;
-    m_file.reset();
+    m_isHolding = false;
     return compare(folder, name, expected);
 }
 
 AsideSlot::Outcome AsideSlot::compare(int folder, const char *name, const FileStatus &expected)
 {
-    auto file = m_calls.openEntry(folder, m_slot.constData());
-    const auto found = file ? m_calls.statusOf(file->get()) : tl::unexpected(file.error());
+    const auto found = look(folder);
     if (!found)
         return tl::unexpected(putBack(folder, name, found.error()));
     if (!ExactRemoval::isSame(*found, expected))
         return tl::unexpected(putBack(folder, name, ESTALE));
-    m_file = std::move(*file);
+    m_isHolding = true;
     m_inode = expected.inodeId();
     m_folder = folder;
     std::strncpy(m_heldName.data(), name, m_heldName.size() - 1);
     return {};
+}
+
+/// Where others wait for the folder, the file is held open until it has been replaced: so the
+/// system gives its blocks back when the folder is no longer locked.
+SystemResult<FileStatus> AsideSlot::look(int folder)
+{
+    if (m_use == FolderUse::Alone)
+        return m_calls.status(folder, m_slot.constData());
+    auto file = m_calls.openEntry(folder, m_slot.constData());
+    if (!file)
+        return tl::unexpected(file.error());
+    m_file = std::move(*file);
+    return m_calls.statusOf(m_file.get());
 }
 
 /// The name may be taken, or the folder out of this thread's reach by now.
@@ -69,10 +80,11 @@ ExactRemoval::Failure AsideSlot::putBack(int folder, const char *name, int error
 
 std::optional<AsideSlot::Left> AsideSlot::empty()
 {
-    if (!isHolding())
+    if (!m_isHolding)
         return std::nullopt;
     const auto removed = removeHeld();
     m_file.reset();
+    m_isHolding = false;
     if (removed || removed.error() == ENOENT)
         return std::nullopt;
     return Left{m_folder, m_heldName.data(), putBack(m_folder, m_heldName.data(), removed.error())};

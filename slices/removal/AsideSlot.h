@@ -22,8 +22,11 @@ class SystemCalls;
 class AsideSlot final
 {
 public:
+    /// Whether other threads change the folder at the same time.
+    enum class FolderUse { Alone, Shared };
+
     /// Takes nothing without names.
-    AsideSlot(const SystemCalls &calls, AsideNames *names);
+    AsideSlot(const SystemCalls &calls, AsideNames *names, FolderUse use);
     ~AsideSlot();
     AsideSlot(const AsideSlot &) = delete;
     AsideSlot &operator=(const AsideSlot &) = delete;
@@ -45,18 +48,20 @@ public:
     std::optional<Left> empty();
 
 private:
-    bool isHolding() const { return m_file.isValid(); }
+    SystemResult<FileStatus> look(int folder);
     Outcome compare(int folder, const char *name, const FileStatus &expected);
     ExactRemoval::Failure putBack(int folder, const char *name, int error) const;
     SystemResult<void> removeHeld() const;
 
     const SystemCalls &m_calls;
     AsideNames *m_names;
+    FolderUse m_use;
     int m_number = -1;
     QByteArray m_slot; ///< the private name
 
-    FileDescriptor m_file; ///< what lies in the slot
-    InodeId m_inode;
+    bool m_isHolding = false;
+    FileDescriptor m_file; ///< what lies in the slot, where the folder is shared
+    InodeId m_inode;       ///< of that
     int m_folder = -1;
     std::array<char, NAME_MAX + 1> m_heldName{};
 };

@@ -11,9 +11,9 @@
 
 namespace {
 
-/// While one thread waits for the disk, the others work. In memory they would only wait for each
-/// other. More than four threads gain nothing.
-constexpr unsigned kThreadsForDisks = 4;
+/// While one thread waits for the disk, or for a folder that another changes, the others work. More
+/// than four gain nothing.
+constexpr unsigned kThreads = 4;
 
 EntryRef refTo(const HeldFolder &folder, const EmptiedFolders::Folder &inside)
 {
@@ -192,7 +192,7 @@ void FolderEmptier::removeAll(const HeldFolder &folder, FolderListing entries)
     if (m_order == EntryOrder::AsListed)
         SequentialRemover(m_steps, m_stop).removeListed(folder, std::move(entries));
     else
-        ParallelRemover(m_steps, m_stop, kThreadsForDisks).removeListed(folder, std::move(entries));
+        ParallelRemover(m_steps, m_stop, kThreads).removeListed(folder, std::move(entries));
 }
 
 void FolderEmptier::confined(ConfinedRun &run, const QByteArray &path,

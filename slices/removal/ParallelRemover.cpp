@@ -44,7 +44,7 @@ public:
         : m_parallel(parallel),
           m_remover(parallel.m_steps, parallel.m_stop),
           m_space(kListingSpace),
-          m_slot(parallel.m_steps.slot())
+          m_slot(parallel.m_steps.slot(AsideSlot::FolderUse::Shared))
     {
     }
 

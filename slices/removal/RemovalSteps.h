@@ -97,7 +97,7 @@ public:
     };
 
     /// A slot for the files of one folder after the other.
-    AsideSlot slot() const { return {m_calls, m_asideNames}; }
+    AsideSlot slot(AsideSlot::FolderUse use) const { return {m_calls, m_asideNames, use}; }
     /// Removes the last file in the slot: Gone, or Stays with a report. After the last entry of a
     /// folder, and while the folder is open.
     EntryOutcome emptySlot(AsideSlot &slot, const QByteArray &folderPath) const;

@@ -13,7 +13,10 @@ constexpr std::size_t kOpenLevels = 12;
 } // namespace
 
 SequentialRemover::SequentialRemover(const RemovalSteps &steps, std::stop_token stop)
-    : m_steps(steps), m_stop(std::move(stop)), m_space(kListingSpace), m_slot(steps.slot())
+    : m_steps(steps),
+      m_stop(std::move(stop)),
+      m_space(kListingSpace),
+      m_slot(steps.slot(AsideSlot::FolderUse::Alone))
 {
 }
 

@@ -18,9 +18,9 @@ constexpr int kPace = kIsAllMemoryScarce ? 1 : 5;
 class Forgetful final : public HookedCalls
 {
 public:
-    Forgetful(int call, bool isInMemory) : m_call(call), m_isInMemory(isInMemory) {}
+    Forgetful(int call, bool isForOneThread) : m_call(call), m_isForOneThread(isForOneThread) {}
 
-    bool isInMemory(int) const override { return m_isInMemory; }
+    bool isForOneThread(int) const override { return m_isForOneThread; }
     std::optional<int> before(const char *call, int, const char *) const override
     {
         if (qstrcmp(call, "setPermissions") == 0)
@@ -33,7 +33,7 @@ public:
 
 private:
     int m_call;
-    bool m_isInMemory;
+    bool m_isForOneThread;
     mutable std::atomic<int> m_count = 0;
 };
 
@@ -148,24 +148,24 @@ QByteArray TestCleaningMemory::whatIsWrong(const CleaningReport &report, bool ha
 
 void TestCleaningMemory::endsWellWhicheverCallHasNoMemory_data()
 {
-    QTest::addColumn<bool>("isInMemory");
+    QTest::addColumn<bool>("isForOneThread");
     QTest::addColumn<bool>("isConfined");
     QTest::addColumn<bool>("hasExclusion");
     QTest::addColumn<int>("step");
-    for (const bool isInMemory : {true, false}) {
+    for (const bool isForOneThread : {true, false}) {
         for (const bool isConfined : {true, false}) {
             for (const bool hasExclusion : {true, false})
-                QTest::addRow("%s, %s%s", isInMemory ? "in memory" : "on disk",
+                QTest::addRow("%s, %s%s", isForOneThread ? "one thread" : "several threads",
                               isConfined ? "confined" : "unconfined",
                               hasExclusion ? ", exclusion" : "")
-                    << isInMemory << isConfined << hasExclusion << (isConfined ? 3 : 1);
+                    << isForOneThread << isConfined << hasExclusion << (isConfined ? 3 : 1);
         }
     }
 }
 
 void TestCleaningMemory::endsWellWhicheverCallHasNoMemory()
 {
-    QFETCH(bool, isInMemory);
+    QFETCH(bool, isForOneThread);
     QFETCH(bool, isConfined);
     QFETCH(bool, hasExclusion);
     QFETCH(int, step);
@@ -175,7 +175,7 @@ void TestCleaningMemory::endsWellWhicheverCallHasNoMemory()
     int calls = 1;
     for (int call = -1; call < calls; call += call < 0 ? 1 : kPace * step) {
         makeHome();
-        Forgetful forgetful(call, isInMemory);
+        Forgetful forgetful(call, isForOneThread);
         if (!isConfined)
             forgetful.letNothingBeConfined();
         const CleaningReport report =
@@ -191,24 +191,25 @@ void TestCleaningMemory::endsWellWhicheverCallHasNoMemory()
 
 void TestCleaningMemory::endsWellWhicheverRequestIsRefused_data()
 {
-    QTest::addColumn<bool>("isInMemory");
+    QTest::addColumn<bool>("isForOneThread");
     QTest::addColumn<bool>("isConfined");
     QTest::addColumn<ScarceMemory::Lack>("lack");
     QTest::addColumn<int>("step");
     for (const auto lack : {ScarceMemory::Lack::Once, ScarceMemory::Lack::Lasting}) {
-        for (const bool isInMemory : {true, false}) {
+        for (const bool isForOneThread : {true, false}) {
             for (const bool isConfined : {true, false})
-                QTest::addRow("%s, %s, %s", isInMemory ? "in memory" : "on disk",
+                QTest::addRow("%s, %s, %s", isForOneThread ? "one thread" : "several threads",
                               isConfined ? "confined" : "unconfined",
                               lack == ScarceMemory::Lack::Once ? "once" : "lasting")
-                    << isInMemory << isConfined << lack << (isInMemory && !isConfined ? 1 : 5);
+                    << isForOneThread << isConfined << lack
+                    << (isForOneThread && !isConfined ? 1 : 5);
         }
     }
 }
 
 void TestCleaningMemory::endsWellWhicheverRequestIsRefused()
 {
-    QFETCH(bool, isInMemory);
+    QFETCH(bool, isForOneThread);
     QFETCH(bool, isConfined);
     QFETCH(ScarceMemory::Lack, lack);
     QFETCH(int, step);
@@ -217,7 +218,7 @@ void TestCleaningMemory::endsWellWhicheverRequestIsRefused()
     int requests = 1;
     for (int request = -1; request < requests; request += request < 0 ? 1 : kPace * step) {
         makeHome();
-        Forgetful calls(-1, isInMemory);
+        Forgetful calls(-1, isForOneThread);
         if (!isConfined)
             calls.letNothingBeConfined();
         const CleaningPlan planned = plan(hostSystemCalls(), true);

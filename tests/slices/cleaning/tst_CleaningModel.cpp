@@ -28,10 +28,10 @@ void TestCleaningModel::agreesWithSetArithmetic_data()
 {
     QTest::addColumn<int>("cases");
     QTest::addColumn<int>("failuresPerThousand");
-    QTest::addColumn<bool>("isInMemory");
-    QTest::addRow("in memory") << 8000 << 0 << true;
-    QTest::addRow("in memory, failing") << 8000 << 40 << true;
-    QTest::addRow("on disk") << 2500 << 0 << false;
+    QTest::addColumn<bool>("isForOneThread");
+    QTest::addRow("one thread") << 8000 << 0 << true;
+    QTest::addRow("one thread, failing") << 8000 << 40 << true;
+    QTest::addRow("several threads") << 2500 << 0 << false;
     QTest::addRow("on disk, failing") << 2500 << 40 << false;
 }
 
@@ -39,7 +39,7 @@ void TestCleaningModel::agreesWithSetArithmetic()
 {
     QFETCH(int, cases);
     QFETCH(int, failuresPerThousand);
-    QFETCH(bool, isInMemory);
+    QFETCH(bool, isForOneThread);
     constexpr quint32 kConfined = 10;
     constexpr quint32 kBusy = 20;
     const CleaningGround ground;
@@ -50,7 +50,7 @@ void TestCleaningModel::agreesWithSetArithmetic()
     for (int i = 0; i < cases; ++i) {
         const quint32 seed = m_seed + quint32(i);
         const ModelCase::Outcome outcome =
-            ModelCase(ground.path(), seed, {failuresPerThousand, isInMemory, kConfined, kBusy})
+            ModelCase(ground.path(), seed, {failuresPerThousand, isForOneThread, kConfined, kBusy})
                 .run();
         if (!outcome.isRight())
             QFAIL("seed " + QByteArray::number(seed) + ": " + outcome.words());

@@ -63,17 +63,17 @@ void TestCleaningMoves::init()
 void TestCleaningMoves::leavesAFolderThatIsDraggedOut_data()
 {
     QTest::addColumn<bool>("isConfined");
-    QTest::addColumn<bool>("isInMemory");
+    QTest::addColumn<bool>("isForOneThread");
     QTest::addColumn<bool>("hasExclusion");
     QTest::addColumn<QByteArray>("folder");
     for (const bool isConfined : {true, false}) {
-        for (const bool isInMemory : {true, false}) {
+        for (const bool isForOneThread : {true, false}) {
             for (const bool hasExclusion : {true, false}) {
                 for (const char *folder : {"much", "around/much"})
                     QTest::addRow("%s, %s%s, %s", isConfined ? "confined" : "unconfined",
-                                  isInMemory ? "in memory" : "on disk",
+                                  isForOneThread ? "one thread" : "several threads",
                                   hasExclusion ? ", exclusion" : "", folder)
-                        << isConfined << isInMemory << hasExclusion << QByteArray(folder);
+                        << isConfined << isForOneThread << hasExclusion << QByteArray(folder);
             }
         }
     }
@@ -83,7 +83,7 @@ void TestCleaningMoves::leavesAFolderThatIsDraggedOut_data()
 void TestCleaningMoves::leavesAFolderThatIsDraggedOut()
 {
     QFETCH(bool, isConfined);
-    QFETCH(bool, isInMemory);
+    QFETCH(bool, isForOneThread);
     QFETCH(bool, hasExclusion);
     QFETCH(QByteArray, folder);
     constexpr int kFiles = 3000;
@@ -97,11 +97,11 @@ void TestCleaningMoves::leavesAFolderThatIsDraggedOut()
     class Dragging final : public HookedCalls
     {
     public:
-        Dragging(std::function<void()> first, bool isInMemory)
-            : m_first(std::move(first)), m_isInMemory(isInMemory)
+        Dragging(std::function<void()> first, bool isForOneThread)
+            : m_first(std::move(first)), m_isForOneThread(isForOneThread)
         {
         }
-        bool isInMemory(int) const override { return m_isInMemory; }
+        bool isForOneThread(int) const override { return m_isForOneThread; }
         std::optional<int> before(const char *call, int, const char *name) const override
         {
             if (takesAside(call, name) && !QByteArrayView(name).endsWith("kept"))
@@ -111,7 +111,7 @@ void TestCleaningMoves::leavesAFolderThatIsDraggedOut()
 
     private:
         std::function<void()> m_first;
-        bool m_isInMemory;
+        bool m_isForOneThread;
     };
     Dragging calls(
         [&] {
@@ -121,7 +121,7 @@ void TestCleaningMoves::leavesAFolderThatIsDraggedOut()
                     atTheMove = tree(saved).size();
                 });
         },
-        isInMemory);
+        isForOneThread);
     if (!isConfined)
         calls.letNothingBeConfined();
     const FileUrls excluded = hasExclusion ? FileUrls{m_home->file("Downloads/kept")} : FileUrls();

@@ -100,7 +100,7 @@ void TestCleaningRaces::losesNothingWhileThreadsAreBeingConfined()
     std::vector<Interleavings::Interleaving> chosen = interleavings.all();
     std::erase_if(chosen, [&](const Interleavings::Interleaving &one) {
         return one.way.exclusion != exclusion ||
-               one.way.confinement != AttackedHome::Confinement::On || !one.way.isInMemory ||
+               one.way.confinement != AttackedHome::Confinement::On || !one.way.isForOneThread ||
                !calls.contains(one.first.call);
     });
     QByteArrayList lost;
@@ -130,21 +130,21 @@ void TestCleaningRaces::knowsAnExcludedFolderInAnothersPlace()
 
 void TestCleaningRaces::keepsTheWayToWhatWasMovedAway_data()
 {
-    QTest::addColumn<bool>("isInMemory");
-    QTest::addRow("in memory") << true;
-    QTest::addRow("on disk") << false;
+    QTest::addColumn<bool>("isForOneThread");
+    QTest::addRow("one thread") << true;
+    QTest::addRow("several threads") << false;
 }
 
 void TestCleaningRaces::keepsTheWayToWhatWasMovedAway()
 {
-    QFETCH(bool, isInMemory);
+    QFETCH(bool, isForOneThread);
     const CleaningGround scratch;
     const QByteArray downloads = scratch / "home/Downloads";
     makeFile(downloads + "/way/further/kept");
     const GrantedFolder granted(scratch / "home");
     const Swapper calls(
         "openFolder", "further", [&] { move(downloads + "/way/further/kept", scratch / "aside"); },
-        isInMemory);
+        isForOneThread);
     clean(granted, {contentsOf({granted.folder("Downloads")})},
           excluding({granted.file("Downloads/way/further/kept")}), calls);
     QVERIFY(exists(scratch / "aside"));

@@ -33,9 +33,9 @@ class ChildsCalls final : public HookedCalls
 public:
     using HookedCalls::HookedCalls;
 
-    bool isInMemory(int descriptor) const override
+    bool isForOneThread(int descriptor) const override
     {
-        return kIsOneThreadDue || HookedCalls::isInMemory(descriptor);
+        return kIsOneThreadDue || HookedCalls::isForOneThread(descriptor);
     }
 };
 

@@ -25,7 +25,7 @@ class OneFault final : public HookedCalls
 public:
     OneFault(int call, int error) : m_call(call), m_error(error) { letNothingBeConfined(); }
 
-    bool isInMemory(int) const override { return true; }
+    bool isForOneThread(int) const override { return true; }
     std::optional<int> before(const char *call, int, const char *name) const override
     {
         if (m_count++ != m_call)

@@ -19,7 +19,7 @@ namespace {
 class OneThreadCalls final : public HookedCalls
 {
 public:
-    bool isInMemory(int) const override { return true; }
+    bool isForOneThread(int) const override { return true; }
 };
 
 QByteArrayList pathsOf(const Found &found,

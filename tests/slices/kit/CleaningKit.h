@@ -46,8 +46,8 @@ public:
 
     explicit CleaningGround(Medium medium = Medium::Memory)
     {
-        const bool isInMemory = medium == Medium::Memory && std::filesystem::exists("/dev/shm");
-        std::string pattern = isInMemory ? "/dev/shm/vantor-XXXXXX" : "/tmp/vantor-XXXXXX";
+        const bool isForOneThread = medium == Medium::Memory && std::filesystem::exists("/dev/shm");
+        std::string pattern = isForOneThread ? "/dev/shm/vantor-XXXXXX" : "/tmp/vantor-XXXXXX";
         if (!::mkdtemp(pattern.data()))
             qFatal("a test of cleaning needs a folder of its own");
         m_path = QByteArray::fromStdString(pattern);

@@ -10,15 +10,15 @@
 class FaultyCalls final : public HookedCalls
 {
 public:
-    FaultyCalls(quint32 seed, int failuresPerThousand, bool isInMemory)
-        : m_state(seed | 1), m_failures(failuresPerThousand), m_isInMemory(isInMemory)
+    FaultyCalls(quint32 seed, int failuresPerThousand, bool isForOneThread)
+        : m_state(seed | 1), m_failures(failuresPerThousand), m_isForOneThread(isForOneThread)
     {
     }
 
     /// How many calls have failed because of this.
     std::uint64_t failed() const { return m_failed; }
 
-    bool isInMemory(int) const override { return m_isInMemory; }
+    bool isForOneThread(int) const override { return m_isForOneThread; }
     std::optional<int> before(const char *, int, const char *) const override
     {
         // A scrambled counter: it gives the same sequence for the same order of calls, from any
@@ -37,5 +37,5 @@ private:
     mutable std::atomic<quint32> m_state;
     mutable std::atomic<std::uint64_t> m_failed = 0;
     int m_failures;
-    bool m_isInMemory;
+    bool m_isForOneThread;
 };

@@ -18,7 +18,7 @@ public:
     {
         AttackedHome::Exclusion exclusion = AttackedHome::Exclusion::Keep;
         AttackedHome::Confinement confinement = AttackedHome::Confinement::Off;
-        bool isInMemory = true;
+        bool isForOneThread = true;
     };
     struct Step
     {
@@ -51,7 +51,7 @@ public:
         CallCounts counts{};
         for (std::size_t way = 0; way < kWays; ++way) {
             const AttackedHome home(around + "/home", ways()[way].exclusion);
-            Interloper calls({}, ways()[way].isInMemory);
+            Interloper calls({}, ways()[way].isForOneThread);
             if (!isConfined(ways()[way]))
                 calls.letNothingBeConfined();
             home.clean(Moment::never(), calls);
@@ -81,7 +81,7 @@ public:
     {
         std::uniform_int_distribution<std::size_t> any(0, m_all.size() - 1);
         Interleaving pair = m_all[any(random)];
-        pair.way.isInMemory = true;
+        pair.way.isForOneThread = true;
         Step second = m_all[any(random)].first;
         while (second.call == pair.first.call)
             second = m_all[any(random)].first;
@@ -94,7 +94,7 @@ public:
         return words(one.first) + (one.second ? "; " + words(*one.second) : QByteArray()) +
                (one.way.exclusion == AttackedHome::Exclusion::Keep ? "" : ", nothing excluded") +
                (isConfined(one.way) ? ", confined" : ", unconfined") +
-               (one.way.isInMemory ? ", one thread" : ", several threads");
+               (one.way.isForOneThread ? ", one thread" : ", several threads");
     }
 
     /// The clock's next tick takes longer than a cleaning, so the homes of many are made before
@@ -156,7 +156,7 @@ private:
                                             : AttackedHome::Confinement::Off);
             };
         }
-        Interloper calls(std::move(actions), one.way.isInMemory);
+        Interloper calls(std::move(actions), one.way.isForOneThread);
         if (!isConfined(one.way))
             calls.letNothingBeConfined();
         home.clean(confirmed, calls);

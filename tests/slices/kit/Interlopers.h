@@ -19,12 +19,12 @@ public:
 
     /// The actions by the number of the call. In memory one thread removes, and makes the same
     /// calls every time.
-    explicit Interloper(std::map<int, Action> actions = {}, bool isInMemory = true)
-        : m_actions(std::move(actions)), m_isInMemory(isInMemory)
+    explicit Interloper(std::map<int, Action> actions = {}, bool isForOneThread = true)
+        : m_actions(std::move(actions)), m_isForOneThread(isForOneThread)
     {
     }
 
-    bool isInMemory(int) const override { return m_isInMemory; }
+    bool isForOneThread(int) const override { return m_isForOneThread; }
     std::optional<int> before(const char *call, int, const char *name) const override
     {
         const auto found = m_actions.find(m_count++);
@@ -44,7 +44,7 @@ public:
 
 private:
     std::map<int, Action> m_actions;
-    bool m_isInMemory;
+    bool m_isForOneThread;
     mutable std::atomic<int> m_count = 0;
     mutable std::atomic<bool> m_hasInterruptedRemoval = false;
     mutable QByteArray m_interrupted;
@@ -68,12 +68,12 @@ class Swapper final : public HookedCalls
 {
 public:
     Swapper(const QByteArray &call, const QByteArray &name, std::function<void()> swap,
-            bool isInMemory = true)
-        : m_call(call), m_name(name), m_swap(std::move(swap)), m_isInMemory(isInMemory)
+            bool isForOneThread = true)
+        : m_call(call), m_name(name), m_swap(std::move(swap)), m_isForOneThread(isForOneThread)
     {
     }
 
-    bool isInMemory(int) const override { return m_isInMemory; }
+    bool isForOneThread(int) const override { return m_isForOneThread; }
     std::optional<int> before(const char *call, int, const char *name) const override
     {
         if (m_isDue) // the entry has left its name with the call before
@@ -95,7 +95,7 @@ private:
     QByteArray m_name;
     mutable std::function<void()> m_swap;
     mutable bool m_isDue = false;
-    bool m_isInMemory;
+    bool m_isForOneThread;
 };
 
 /// Does something between the look at an entry of this name and the first step of its removal.
@@ -107,7 +107,7 @@ public:
     {
     }
 
-    bool isInMemory(int) const override { return true; }
+    bool isForOneThread(int) const override { return true; }
     std::optional<int> before(const char *call, int, const char *name) const override
     {
         if (takesAside(call, name) && m_name == name)

@@ -13,7 +13,7 @@ public:
     struct Conditions
     {
         int failuresPerThousand = 0;
-        bool isInMemory = true;
+        bool isForOneThread = true;
         /// One of so many is confined, and in one of so many the user goes on working: those take
         /// most of the time, for their threads and for the clock's next tick.
         quint32 confined = 10;
@@ -77,7 +77,7 @@ public:
         SliceToClean slice =
             m_isOfFiles ? theFiles(urlsOf(listed)) : contentsOf({home.folder("Downloads")});
         slice.confirmed = confirmed;
-        FaultyCalls calls(m_seed, m_conditions.failuresPerThousand, m_conditions.isInMemory);
+        FaultyCalls calls(m_seed, m_conditions.failuresPerThousand, m_conditions.isForOneThread);
         if (!isConfined())
             calls.letNothingBeConfined();
         const CleaningReport report = clean(home, {slice}, excluding(excluded), calls);

@@ -43,6 +43,7 @@ private Q_SLOTS:
     void init();
     void removesAFileWithTheNext();
     void changesTheFolderOnceForEachFile();
+    void needsNoDescriptorInAFolderOfItsOwn();
     void givesAnotherFileItsNameBack_data();
     void givesAnotherFileItsNameBack();
     void takesNothingThatItCannotNote();
@@ -91,7 +92,7 @@ void TestAsideSlot::init()
 
 void TestAsideSlot::removesAFileWithTheNext()
 {
-    AsideSlot slot(hostSystemCalls(), m_names.get());
+    AsideSlot slot(hostSystemCalls(), m_names.get(), AsideSlot::FolderUse::Shared);
     QVERIFY(take(slot, "a").value().has_value());
     QCOMPARE(names(), std::set<QByteArray>({"slot", "b", "c"}));
     QVERIFY(take(slot, "b").value().has_value());
@@ -105,7 +106,7 @@ void TestAsideSlot::removesAFileWithTheNext()
 void TestAsideSlot::changesTheFolderOnceForEachFile()
 {
     const Calls calls;
-    AsideSlot slot(calls, m_names.get());
+    AsideSlot slot(calls, m_names.get(), AsideSlot::FolderUse::Shared);
     QVERIFY(take(slot, "a").value().has_value());
     QCOMPARE(calls.all, QByteArrayList({"moveToFree", "openEntry", "statusOf"}));
     calls.all.clear();
@@ -114,6 +115,18 @@ void TestAsideSlot::changesTheFolderOnceForEachFile()
     calls.all.clear();
     QVERIFY(!slot.empty());
     QCOMPARE(calls.all, QByteArrayList({"status", "removeFile"}));
+}
+
+/// Where no other thread waits for the folder, nothing need be held open.
+void TestAsideSlot::needsNoDescriptorInAFolderOfItsOwn()
+{
+    const Calls calls;
+    AsideSlot slot(calls, m_names.get(), AsideSlot::FolderUse::Alone);
+    QVERIFY(take(slot, "a").value().has_value());
+    QVERIFY(take(slot, "b").value().has_value());
+    QCOMPARE(calls.all, QByteArrayList({"moveToFree", "status", "rename", "status"}));
+    QVERIFY(!slot.empty());
+    QCOMPARE(names(), std::set<QByteArray>({"c"}));
 }
 
 void TestAsideSlot::givesAnotherFileItsNameBack_data()
@@ -134,7 +147,7 @@ void TestAsideSlot::givesAnotherFileItsNameBack()
     QFETCH(bool, isFirst);
     QFETCH(bool, isWritten);
     Calls calls;
-    AsideSlot slot(calls, m_names.get());
+    AsideSlot slot(calls, m_names.get(), AsideSlot::FolderUse::Shared);
     if (!isFirst)
         QVERIFY(take(slot, "a").value().has_value());
     calls.doBefore(isFirst ? "moveToFree" : "rename", [&] {
@@ -154,7 +167,7 @@ void TestAsideSlot::givesAnotherFileItsNameBack()
 
 void TestAsideSlot::takesNothingThatItCannotNote()
 {
-    AsideSlot without(hostSystemCalls(), nullptr);
+    AsideSlot without(hostSystemCalls(), nullptr, AsideSlot::FolderUse::Shared);
     QVERIFY(!take(without, "a"));
     class Full final : public HookedCalls
     {
@@ -166,7 +179,7 @@ void TestAsideSlot::takesNothingThatItCannotNote()
     };
     const Full full;
     AsideNames names(full, QFile::decodeName(*m_ground / "notes"));
-    AsideSlot slot(hostSystemCalls(), &names);
+    AsideSlot slot(hostSystemCalls(), &names, AsideSlot::FolderUse::Shared);
     QVERIFY(!take(slot, "a"));
     QVERIFY(exists(path("a")));
 }
@@ -174,7 +187,7 @@ void TestAsideSlot::takesNothingThatItCannotNote()
 /// The system would report that such a move went well, and leave both names.
 void TestAsideSlot::takesNoOtherNameOfTheFileItHolds()
 {
-    AsideSlot slot(hostSystemCalls(), m_names.get());
+    AsideSlot slot(hostSystemCalls(), m_names.get(), AsideSlot::FolderUse::Shared);
     std::filesystem::create_hard_link(native(path("a")), native(path("twin")));
     QVERIFY(take(slot, "a").value().has_value());
     QVERIFY(!take(slot, "twin"));
@@ -185,7 +198,7 @@ void TestAsideSlot::takesNoOtherNameOfTheFileItHolds()
 void TestAsideSlot::leavesAFileThatCannotBeMoved()
 {
     Calls calls;
-    AsideSlot slot(calls, m_names.get());
+    AsideSlot slot(calls, m_names.get(), AsideSlot::FolderUse::Shared);
     QVERIFY(take(slot, "a").value().has_value());
     calls.failing = {"rename"};
     QVERIFY(!take(slot, "b"));
@@ -197,7 +210,7 @@ void TestAsideSlot::leavesAFileThatCannotBeMoved()
 void TestAsideSlot::givesTheNameBackToWhatCannotBeRemoved()
 {
     Calls calls;
-    AsideSlot slot(calls, m_names.get());
+    AsideSlot slot(calls, m_names.get(), AsideSlot::FolderUse::Shared);
     QVERIFY(take(slot, "a").value().has_value());
     calls.failing = {"removeFile"};
     const auto left = slot.empty();
@@ -212,7 +225,7 @@ void TestAsideSlot::givesTheNameBackToWhatCannotBeRemoved()
 void TestAsideSlot::tellsThePrivateNameOfWhatIsOutOfReach()
 {
     Calls calls;
-    AsideSlot slot(calls, m_names.get());
+    AsideSlot slot(calls, m_names.get(), AsideSlot::FolderUse::Shared);
     QVERIFY(take(slot, "a").value().has_value());
     calls.failing = {"removeFile", "moveToFree"};
     const auto left = slot.empty();
@@ -224,7 +237,7 @@ void TestAsideSlot::tellsThePrivateNameOfWhatIsOutOfReach()
 void TestAsideSlot::keepsTheNameWhereItsOwnIsTaken()
 {
     Calls calls;
-    AsideSlot slot(calls, m_names.get());
+    AsideSlot slot(calls, m_names.get(), AsideSlot::FolderUse::Shared);
     QVERIFY(take(slot, "a").value().has_value());
     makeFile(path("a"), "newer");
     calls.failing = {"removeFile"};
@@ -234,7 +247,7 @@ void TestAsideSlot::keepsTheNameWhereItsOwnIsTaken()
 
 void TestAsideSlot::removesNoStranger()
 {
-    AsideSlot slot(hostSystemCalls(), m_names.get());
+    AsideSlot slot(hostSystemCalls(), m_names.get(), AsideSlot::FolderUse::Shared);
     QVERIFY(take(slot, "a").value().has_value());
     for (const QByteArray &name : tree(m_place)) {
         if (AsideNames::isPrivate(name.constData()))
@@ -248,7 +261,7 @@ void TestAsideSlot::removesNoStranger()
 void TestAsideSlot::isUsedAgain()
 {
     for (int i = 0; i < 2 * AsideNames::kSlots; ++i) {
-        AsideSlot slot(hostSystemCalls(), m_names.get());
+        AsideSlot slot(hostSystemCalls(), m_names.get(), AsideSlot::FolderUse::Shared);
         makeFile(path("file"));
         QVERIFY(take(slot, "file").value().has_value());
         QVERIFY(!slot.empty());

@@ -26,12 +26,12 @@ mode_t modeOf(const QByteArray &path)
 class Stubborn : public HookedCalls
 {
 public:
-    Stubborn(const QByteArray &alsoFails, bool isInMemory)
-        : m_alsoFails(alsoFails), m_isInMemory(isInMemory)
+    Stubborn(const QByteArray &alsoFails, bool isForOneThread)
+        : m_alsoFails(alsoFails), m_isForOneThread(isForOneThread)
     {
     }
 
-    bool isInMemory(int) const override { return m_isInMemory; }
+    bool isForOneThread(int) const override { return m_isForOneThread; }
     std::optional<int> before(const char *call, int folder, const char *name) const final
     {
         watch(call, name);
@@ -55,7 +55,7 @@ private:
     }
 
     QByteArray m_alsoFails;
-    bool m_isInMemory;
+    bool m_isForOneThread;
 };
 
 } // namespace
@@ -204,12 +204,12 @@ void TestLentRights::tellsOfRightsThatCouldNotBeGivenBack_data()
 {
     QTest::addColumn<QByteArray>("fails");
     QTest::addColumn<bool>("isStopped");
-    QTest::addColumn<bool>("isInMemory");
+    QTest::addColumn<bool>("isForOneThread");
     QTest::addColumn<bool>("hasExclusion");
-    for (const bool isInMemory : {true, false}) {
+    for (const bool isForOneThread : {true, false}) {
         const auto row = [&](const char *what, const char *call, bool isStopped, bool excludes) {
-            QTest::addRow("%s, %s", what, isInMemory ? "in memory" : "on disk")
-                << QByteArray(call) << isStopped << isInMemory << excludes;
+            QTest::addRow("%s, %s", what, isForOneThread ? "one thread" : "several threads")
+                << QByteArray(call) << isStopped << isForOneThread << excludes;
         };
         row("something stays in it", "removeFile", false, false);
         row("it is refused", "removeFolder", false, false);
@@ -223,13 +223,13 @@ void TestLentRights::tellsOfRightsThatCouldNotBeGivenBack()
 {
     QFETCH(QByteArray, fails);
     QFETCH(bool, isStopped);
-    QFETCH(bool, isInMemory);
+    QFETCH(bool, isForOneThread);
     QFETCH(bool, hasExclusion);
     class Stopping final : public Stubborn
     {
     public:
-        Stopping(const QByteArray &fails, bool isInMemory, std::stop_source *stop)
-            : Stubborn(fails, isInMemory), m_stop(stop)
+        Stopping(const QByteArray &fails, bool isForOneThread, std::stop_source *stop)
+            : Stubborn(fails, isForOneThread), m_stop(stop)
         {
         }
 
@@ -247,7 +247,7 @@ void TestLentRights::tellsOfRightsThatCouldNotBeGivenBack()
     makeFile(m_downloads + "/kept");
     std::stop_source stop;
     const CleaningReport report = cleanWith(
-        Stopping(fails, isInMemory, isStopped ? &stop : nullptr),
+        Stopping(fails, isForOneThread, isStopped ? &stop : nullptr),
         hasExclusion ? FileUrls{m_home->file("Downloads/kept")} : FileUrls(), stop.get_token());
     QVERIFY(exists(album));
     QVERIFY(modeOf(album) != kReadOnly);
@@ -257,24 +257,24 @@ void TestLentRights::tellsOfRightsThatCouldNotBeGivenBack()
 
 void TestLentRights::tellsNothingOfAFolderThatIsGone_data()
 {
-    QTest::addColumn<bool>("isInMemory");
+    QTest::addColumn<bool>("isForOneThread");
     QTest::addColumn<bool>("hasExclusion");
-    for (const bool isInMemory : {true, false}) {
+    for (const bool isForOneThread : {true, false}) {
         for (const bool hasExclusion : {true, false})
-            QTest::addRow("%s%s", isInMemory ? "in memory" : "on disk",
+            QTest::addRow("%s%s", isForOneThread ? "one thread" : "several threads",
                           hasExclusion ? ", beside something kept" : "")
-                << isInMemory << hasExclusion;
+                << isForOneThread << hasExclusion;
     }
 }
 
 void TestLentRights::tellsNothingOfAFolderThatIsGone()
 {
-    QFETCH(bool, isInMemory);
+    QFETCH(bool, isForOneThread);
     QFETCH(bool, hasExclusion);
     const QByteArray album = makeReadOnly("album");
     makeFile(m_downloads + "/kept");
     const CleaningReport report =
-        cleanWith(Stubborn({}, isInMemory),
+        cleanWith(Stubborn({}, isForOneThread),
                   hasExclusion ? FileUrls{m_home->file("Downloads/kept")} : FileUrls());
     QVERIFY(!exists(album));
     QCOMPARE(report.refusalCount + report.failureCount, 0U);

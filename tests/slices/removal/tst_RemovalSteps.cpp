@@ -63,16 +63,16 @@ void TestRemovalSteps::knowsExclusionsThatAreListedWithoutTheirNumbers()
 
 void TestRemovalSteps::leavesVolumesThatAreNoMounts_data()
 {
-    QTest::addColumn<bool>("isInMemory");
-    QTest::addRow("in memory") << true;
-    QTest::addRow("on disk") << false;
+    QTest::addColumn<bool>("isForOneThread");
+    QTest::addRow("one thread") << true;
+    QTest::addRow("several threads") << false;
 }
 
 void TestRemovalSteps::leavesVolumesThatAreNoMounts()
 {
-    QFETCH(bool, isInMemory);
+    QFETCH(bool, isForOneThread);
     SubVolume volume(m_downloads + "/folder/inner");
-    volume.setInMemory(isInMemory);
+    volume.setForOneThread(isForOneThread);
     const CleaningReport report = cleanWith(volume);
     QCOMPARE(tree(m_downloads), std::set<QByteArray>({"folder", "folder/inner", "folder/inner/a"}));
     QVERIFY(report.failures.isEmpty());
@@ -87,7 +87,7 @@ void TestRemovalSteps::countsNothingThatStaysInTheEnd()
     class Stubborn final : public HookedCalls
     {
     public:
-        bool isInMemory(int) const override { return true; }
+        bool isForOneThread(int) const override { return true; }
         std::optional<int> before(const char *call, int, const char *) const override
         {
             return qstrcmp(call, "removeFile") == 0 ? std::optional(EIO) : std::nullopt;

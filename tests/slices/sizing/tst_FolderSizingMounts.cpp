@@ -15,7 +15,7 @@ namespace {
 class OneThreadCalls final : public HookedCalls
 {
 public:
-    bool isInMemory(int) const override { return true; }
+    bool isForOneThread(int) const override { return true; }
 };
 
 FolderSize measured(const AnchoredPath &location)
@@ -96,20 +96,20 @@ TestFolderSizingMounts::amongOwnMounts(MadeTree &tree,
 
 void TestFolderSizingMounts::promisesNothingOfAPlaceThatIsAMount_data()
 {
-    QTest::addColumn<bool>("isInMemory");
+    QTest::addColumn<bool>("isForOneThread");
     QTest::addRow("another file system") << true;
     QTest::addRow("the same file system once more") << false;
 }
 
 void TestFolderSizingMounts::promisesNothingOfAPlaceThatIsAMount()
 {
-    QFETCH(bool, isInMemory);
+    QFETCH(bool, isForOneThread);
     MadeTree tree;
     tree.makeFolder("elsewhere");
     tree.makeFolder("home");
     tree.makeFolder("home/Downloads");
     const QByteArray words = amongOwnMounts(tree, [&](const OwnMounts &mounts) {
-        if (isInMemory)
+        if (isForOneThread)
             mounts.mountMemory("home/Downloads");
         else
             mounts.bind("elsewhere", "home/Downloads");

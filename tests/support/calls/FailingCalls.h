@@ -31,7 +31,7 @@ public:
     }
 
     /// Whatever the medium really is.
-    bool isInMemory(int) const override { return m_medium == Medium::Memory; }
+    bool isForOneThread(int) const override { return m_medium == Medium::Memory; }
     std::optional<int> before(const char *call, int parent, const char *name) const override;
 
     /// The names of all calls so far, by their number.

@@ -162,9 +162,9 @@ ActingUser ForwardingSystemCalls::actingUser() const
     return m_next.actingUser();
 }
 
-bool ForwardingSystemCalls::isInMemory(int folder) const
+bool ForwardingSystemCalls::isForOneThread(int folder) const
 {
-    return m_next.isInMemory(folder);
+    return !m_next.fileSystemTraits(folder).gainsByThreads;
 }
 
 SystemResult<FileDescriptor> ForwardingSystemCalls::openEntry(int parent, const char *name) const
@@ -174,7 +174,9 @@ SystemResult<FileDescriptor> ForwardingSystemCalls::openEntry(int parent, const 
 
 FileSystemTraits ForwardingSystemCalls::fileSystemTraits(int folder) const
 {
-    return m_next.fileSystemTraits(folder);
+    FileSystemTraits traits = m_next.fileSystemTraits(folder);
+    traits.gainsByThreads = !isForOneThread(folder);
+    return traits;
 }
 
 SystemResult<void> ForwardingSystemCalls::removeFile(int parent, const char *name) const

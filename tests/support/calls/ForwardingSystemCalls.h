@@ -51,9 +51,11 @@ public:
     SystemResult<FileIdentity> identity(int parent, const char *name) const override;
     bool mayChangeEntries(int folder) const override;
     ActingUser actingUser() const override;
-    bool isInMemory(int folder) const override;
     SystemResult<FileDescriptor> openEntry(int parent, const char *name) const override;
     FileSystemTraits fileSystemTraits(int folder) const override;
+    /// Whether one thread is said to remove as fast as several, so that it does it alone; the
+    /// truth, unless a test says something else.
+    virtual bool isForOneThread(int folder) const;
     SystemResult<void> removeFile(int parent, const char *name) const override;
     SystemResult<void> removeFolder(int parent, const char *name) const override;
     SystemResult<void> setPermissions(int descriptor, std::uint16_t permissions) const override;

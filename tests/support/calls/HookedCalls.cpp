@@ -10,7 +10,7 @@ public:
     {
     }
 
-    bool isInMemory(int folder) const override { return m_owner.isInMemory(folder); }
+    bool isForOneThread(int folder) const override { return m_owner.isForOneThread(folder); }
     const ThreadConfinement &confinement() const override { return m_owner.confinement(); }
 
 private:
@@ -33,9 +33,9 @@ std::optional<int> HookedCalls::before(const char *, int, const char *) const
     return {};
 }
 
-bool HookedCalls::isInMemory(int folder) const
+bool HookedCalls::isForOneThread(int folder) const
 {
-    return m_calls->ForwardingSystemCalls::isInMemory(folder);
+    return m_calls->ForwardingSystemCalls::isForOneThread(folder);
 }
 
 const ThreadConfinement &HookedCalls::confinement() const

@@ -23,7 +23,7 @@ public:
     /// of the call.
     virtual std::optional<int> before(const char *call, int parent, const char *name) const;
     /// What is said of the disk; the truth, unless a test says something else.
-    virtual bool isInMemory(int folder) const;
+    virtual bool isForOneThread(int folder) const;
     /// How threads are confined; as the host does, unless a test does something else.
     virtual const ThreadConfinement &confinement() const;
 

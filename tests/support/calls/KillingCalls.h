@@ -18,7 +18,7 @@ public:
     }
 
     /// Whatever the medium really is: in memory, one thread makes the same calls every time.
-    bool isInMemory(int) const override { return m_medium == Medium::Memory; }
+    bool isForOneThread(int) const override { return m_medium == Medium::Memory; }
     std::optional<int> before(const char *, int, const char *) const override
     {
         if (m_count++ == m_call)

@@ -11,7 +11,7 @@ class SubVolume::Calls final : public ForwardingSystemCalls
 public:
     explicit Calls(std::uint64_t inode) : m_inode(inode) {}
 
-    void setInMemory(bool isInMemory) { m_isInMemory = isInMemory; }
+    void setForOneThread(bool isForOneThread) { m_isForOneThread = isForOneThread; }
 
     SystemResult<FileStatus> statusOf(int descriptor) const override
     {
@@ -20,14 +20,14 @@ public:
             ++status->device;
         return status;
     }
-    bool isInMemory(int folder) const override
+    bool isForOneThread(int folder) const override
     {
-        return m_isInMemory.value_or(ForwardingSystemCalls::isInMemory(folder));
+        return m_isForOneThread.value_or(ForwardingSystemCalls::isForOneThread(folder));
     }
 
 private:
     const std::uint64_t m_inode;
-    std::optional<bool> m_isInMemory;
+    std::optional<bool> m_isForOneThread;
 };
 
 SubVolume::SubVolume(const QByteArray &folder)
@@ -41,9 +41,9 @@ SubVolume::SubVolume(const QByteArray &folder)
 
 SubVolume::~SubVolume() = default;
 
-void SubVolume::setInMemory(bool isInMemory)
+void SubVolume::setForOneThread(bool isForOneThread)
 {
-    m_calls->setInMemory(isInMemory);
+    m_calls->setForOneThread(isForOneThread);
 }
 
 SubVolume::operator const SystemCalls &() const

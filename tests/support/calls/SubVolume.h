@@ -15,7 +15,7 @@ public:
     ~SubVolume();
 
     /// From now on as if everything lay in memory, or nothing.
-    void setInMemory(bool isInMemory);
+    void setForOneThread(bool isForOneThread);
 
     /// Lets a test pass this object where SystemCalls are expected.
     operator const SystemCalls &() const;
