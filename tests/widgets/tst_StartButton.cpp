@@ -353,7 +353,8 @@ void TestStartButton::paintsWithoutThePool()
     const HeldPool pool;
     const QImage seen = window.grab().toImage();
     QVERIFY(!pool.wasWaitedFor());
-    QVERIFY(seen.pixel(seen.width() / 2, seen.height() / 30) != seen.pixel(2, 2)); // disc and ground
+    QVERIFY(seen.pixel(seen.width() / 2, seen.height() / 30) !=
+            seen.pixel(2, 2)); // disc and ground
 }
 
 VANTOR_GUI_TEST_MAIN(TestStartButton)
