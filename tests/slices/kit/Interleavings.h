@@ -34,14 +34,11 @@ public:
     struct Outcome
     {
         QByteArrayList lost;
-        /// What is lost took the name that was about to be removed, where nothing is excluded and
-        /// so nothing is compared in that instant: that is not promised.
-        bool isExplained = false;
         std::size_t chosenLeft = 0;
     };
     using Found = std::function<void(const Interleaving &, const Outcome &)>;
 
-    static constexpr std::size_t kWays = 6;
+    static constexpr std::size_t kWays = 8;
     /// How many calls a cleaning makes in each way.
     using CallCounts = std::array<int, kWays>;
 
@@ -127,9 +124,10 @@ private:
                                                  {Exclusion::Keep, Confinement::Off, false},
                                                  {Exclusion::Keep, Confinement::On, true},
                                                  {Exclusion::Keep, Confinement::On, false},
-                                                 // Of several threads, another may be at a removal.
                                                  {Exclusion::None, Confinement::Off, true},
-                                                 {Exclusion::None, Confinement::On, true}}};
+                                                 {Exclusion::None, Confinement::Off, false},
+                                                 {Exclusion::None, Confinement::On, true},
+                                                 {Exclusion::None, Confinement::On, false}}};
         return all;
     }
     static bool isConfined(const Way &way)
@@ -160,9 +158,7 @@ private:
         if (!isConfined(one.way))
             calls.letNothingBeConfined();
         home.clean(confirmed, calls);
-        const bool isLastInstant =
-            one.way.exclusion == AttackedHome::Exclusion::None && calls.hasInterruptedRemoval();
-        return {home.lost(), isLastInstant, home.chosenLeft()};
+        return {home.lost(), home.chosenLeft()};
     }
 
     QByteArray m_around;

@@ -29,16 +29,12 @@ public:
     {
         const auto found = m_actions.find(m_count++);
         if (found != m_actions.end()) {
-            m_hasInterruptedRemoval = m_hasInterruptedRemoval || takesAside(call, name) ||
-                                      QByteArrayView(call) == "removeFile";
             m_interrupted = QByteArray(call) + ' ' + name;
             doOutside(found->second);
         }
         return {};
     }
     int count() const { return m_count; }
-    /// Whether an action came right before a file was removed.
-    bool hasInterruptedRemoval() const { return m_hasInterruptedRemoval; }
     /// The call before which the last action came, and the name in the call. For one thread.
     QByteArray interrupted() const { return m_interrupted; }
 
@@ -46,7 +42,6 @@ private:
     std::map<int, Action> m_actions;
     bool m_isForOneThread;
     mutable std::atomic<int> m_count = 0;
-    mutable std::atomic<bool> m_hasInterruptedRemoval = false;
     mutable QByteArray m_interrupted;
 };
 

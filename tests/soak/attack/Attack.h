@@ -25,9 +25,6 @@ public:
     /// The simple way to delete that falls for it.
     virtual TrustingDeleter::Way victim() const { return TrustingDeleter::Way::ByPath; }
 
-    /// Whether what is lost by it is among what docs/safety.md says is not kept.
-    virtual bool isKnownRest() const { return false; }
-
     /// Makes everything anew, before each cleaning.
     virtual void prepare() { m_ground.makeAnew(); }
     /// Makes some moves, and says how many.

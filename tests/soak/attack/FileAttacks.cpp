@@ -94,7 +94,6 @@ public:
                               : "files are saved over, nothing is excluded";
     }
     bool hasExclusion() const override { return m_hasExclusion; }
-    bool isKnownRest() const override { return !m_hasExclusion; }
     int strike() override
     {
         if (m_tried == AttackGround::kFiles)

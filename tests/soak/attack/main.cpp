@@ -97,9 +97,8 @@ public:
         const bool isProof = trusting.score->lost > 0;
         print("a simple deleter", trusting, isProof ? "" : ": the attack proves nothing", isProof);
         const bool isLost = vantor.score->lost > 0;
-        const bool isKnown = isLost && attack()->isKnownRest();
-        print("Vantor", vantor, isKnown ? ", which docs/safety.md says" : "",
-              (!isLost || isKnown) && vantor.score->moves > 0 && vantor.score->removed > 0);
+        print("Vantor", vantor, "",
+              !isLost && vantor.score->moves > 0 && vantor.score->removed > 0);
     }
 
 private:

@@ -59,18 +59,11 @@ public:
         CaseResult result{0, {}};
         interleavings.run(first, last, [&](const auto &one, const auto &outcome) {
             ++result.counts;
-            if (outcome.lost.isEmpty())
-                return;
-            if (outcome.isExplained)
-                ++*m_explained;
-            else
+            if (!outcome.lost.isEmpty())
                 result.wrong.append(interleavings.words(one) + ": lost " + outcome.lost.join(", "));
         });
         return result;
     }
-
-    /// With a loss in the last instant, where nothing is excluded.
-    std::uint64_t explained() const { return *m_explained; }
 
 private:
     const Interleavings &ofThisProcess() const
@@ -88,7 +81,6 @@ private:
     const Interleavings::CallCounts m_counts;
     const Many m_chosen;
     mutable std::optional<Interleavings> m_interleavings; ///< made after the fork
-    const SharedMemory<std::atomic<std::uint64_t>> m_explained;
 };
 
 /// In a process of its own, because it leaves a thread behind. The same for all, so that they share
@@ -119,9 +111,7 @@ int run(const Workers &workers, const SoakDisk &disk)
                 disk.where(),
                 grouped(totals.done) + " cleanings" +
                     (arePairs ? QByteArray() : " of " + grouped(all) + " different ones"),
-                grouped(totals.found - totals.died) + " with a loss" + totals.deaths() + ", " +
-                    grouped(trial.explained()) +
-                    " where nothing was excluded, as docs/safety.md says",
+                grouped(totals.found - totals.died) + " with a loss" + totals.deaths(),
                 totals.found, totals.done, part.amount()});
     return part.exitCode();
 }
