@@ -132,12 +132,23 @@ private:
                 if (S_ISDIR(status.st_mode))
                     folders.append(path);
                 else if (S_ISREG(status.st_mode))
-                    files.push_back(
-                        {path, textOf(path),
-                         status.st_ctim.tv_sec * 1'000'000'000 + status.st_ctim.tv_nsec});
+                    noteFile(path, status, files);
             }
         }
         return files;
+    }
+    /// A file that another thread moves aside at this moment has the time of its move already and
+    /// its old name still. It would look like a file that has come later.
+    static void noteFile(const QByteArray &path, const struct stat &status,
+                         std::vector<Found> &files)
+    {
+        const QByteArray text = textOf(path);
+        struct stat now
+        {
+        };
+        if (::lstat(path.constData(), &now) == 0 && now.st_ino == status.st_ino)
+            files.push_back(
+                {path, text, status.st_ctim.tv_sec * 1'000'000'000 + status.st_ctim.tv_nsec});
     }
     std::set<QByteArray> texts() const
     {
