@@ -215,7 +215,9 @@ private:
     /// Adds up the size; true for a folder.
     bool status(const char *name, int flags)
     {
-        struct statx found;
+        struct statx found
+        {
+        };
         constexpr unsigned kMask = STATX_TYPE | STATX_MODE | STATX_UID | STATX_SIZE;
         if (::statx(top().folder->get(), name, flags | AT_NO_AUTOMOUNT, kMask, &found) != 0) {
             m_result.isComplete = false;

@@ -22,6 +22,9 @@ constexpr int kSlices = 8;
 constexpr QSize kPage(900, 700);
 constexpr QRect kPieFrame(220, 110, 460, 460);
 constexpr int kCircle = 360;
+constexpr int kSaturation = 160;
+constexpr int kLight = 220;
+constexpr int kDark = 180;
 constexpr int kSizes = 3;
 constexpr int kFramesOfATurn = 40;
 constexpr MediaTime kFrameStep{1.0 / 60};
@@ -53,11 +56,11 @@ public:
     }
     std::optional<QColor> colorForSliceAtIndex(PieChart &, int index) override
     {
-        return QColor::fromHsv(index * kCircle / kSlices, 160, 220);
+        return QColor::fromHsv(index * kCircle / kSlices, kSaturation, kLight);
     }
     std::optional<QColor> secondaryColorForSliceAtIndex(PieChart &, int index) override
     {
-        return QColor::fromHsv(index * kCircle / kSlices, 160, 180);
+        return QColor::fromHsv(index * kCircle / kSlices, kSaturation, kDark);
     }
 
 private:

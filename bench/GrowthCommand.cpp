@@ -20,6 +20,8 @@ namespace {
 constexpr std::array kNumbers{10, 100, 1000, 10'000};
 constexpr int kExclusionsBeside = 1000;
 constexpr int kFolders = 500;
+constexpr ::mode_t kFolderMode = 0755;
+constexpr ::mode_t kFileMode = 0644;
 constexpr int kFilesInEach = 40;
 /// A row whose last cell took longer than this ends: a tenfold number would take minutes.
 constexpr double kPatienceSeconds = 5;
@@ -44,14 +46,14 @@ public:
 
     FileUrl folder(const QByteArray &path) const
     {
-        const FileUrl url = m_url.appending(path, FileUrlKind::Folder);
-        ::mkdir(url.path().constData(), 0755);
+        FileUrl url = m_url.appending(path, FileUrlKind::Folder);
+        ::mkdir(url.path().constData(), kFolderMode);
         return url;
     }
     FileUrl file(const QByteArray &path) const
     {
-        const FileUrl url = m_url.appending(path, FileUrlKind::File);
-        ::close(::open(url.path().constData(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644));
+        FileUrl url = m_url.appending(path, FileUrlKind::File);
+        ::close(::open(url.path().constData(), O_WRONLY | O_CREAT | O_CLOEXEC, kFileMode));
         return url;
     }
     /// That many files in a new folder.
@@ -66,7 +68,7 @@ public:
     /// Folders with files, in a new folder.
     FileUrl tree(const QByteArray &path) const
     {
-        const FileUrl top = folder(path);
+        FileUrl top = folder(path);
         for (int i = 0; i < kFolders; ++i)
             files(path + "/folder " + QByteArray::number(i), kFilesInEach);
         return top;

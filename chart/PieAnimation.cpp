@@ -33,7 +33,7 @@ bool PieAnimation::eventFilter(QObject *, QEvent *event)
 bool PieAnimation::isSeen() const
 {
     const QWidget &window = *m_view.window();
-    return m_view.isVisible() && !window.isMinimized() && window.windowHandle() &&
+    return m_view.isVisible() && !window.isMinimized() && window.windowHandle() != nullptr &&
            window.windowHandle()->isExposed();
 }
 

@@ -55,7 +55,7 @@ int PieView::getCurrentSelectedOnLocation(QPointF location) const
     return index;
 }
 
-void PieView::refreshSliceLayer(SliceLayer &layer, LayerState state)
+void PieView::refreshSliceLayer(SliceLayer &layer, LayerState state) const
 {
     const auto presentation =
         state == LayerState::Presentation ? layer.presentationLayer() : nullptr;

@@ -77,7 +77,7 @@ protected:
 
 private:
     double halfSide() const { return static_cast<double>(std::min(width(), height())) / 2; }
-    void refreshSliceLayer(SliceLayer &layer, LayerState state);
+    void refreshSliceLayer(SliceLayer &layer, LayerState state) const;
     QRectF labelExtent(const InfoLayer &label) const;
     QRectF extentOf(const SliceLayer &layer) const;
     void paintPart(QPainter &painter, const QRect &exposed);

@@ -23,12 +23,13 @@ constexpr double kRingRadius = 0.42; ///< of the disc's inner ring, as a part of
 /// Widths of the texts as parts of the disc's width: each fits into the inner ring at its height.
 constexpr double kMainWidth = 0.76;
 constexpr double kDetailWidth = 0.64;
+constexpr double kDetailMiddle = 0.75; ///< of the height
 
 /// Rectangle of one line of text in the font, its middle at the given height.
 QRect lineFrame(const QWidget &button, const QFont &font, double middle)
 {
     const double height = lineHeight(font);
-    return {kMargin, static_cast<int>(middle - height * 0.5), button.width() - 2 * kMargin,
+    return {kMargin, static_cast<int>(middle - height / 2), button.width() - 2 * kMargin,
             static_cast<int>(height)};
 }
 
@@ -90,8 +91,8 @@ void StartButton::layOutTexts()
     const AttributedText text = m_mainText->attributedText();
     const TextRun *first = text.firstRun();
     m_mainText->setGeometry(
-        lineFrame(*this, first ? first->font : m_mainText->font(), height() * 0.5));
-    m_detailText->setGeometry(lineFrame(*this, m_detailText->font(), height() * 0.25 * 3.0));
+        lineFrame(*this, first ? first->font : m_mainText->font(), QRectF(rect()).center().y()));
+    m_detailText->setGeometry(lineFrame(*this, m_detailText->font(), height() * kDetailMiddle));
     limitWidth(*m_mainText, width() * kMainWidth);
     limitWidth(*m_detailText, width() * kDetailWidth);
 }
@@ -108,7 +109,7 @@ void StartButton::updateAccessibleName()
 
 double StartButton::cornerRadius() const
 {
-    return width() * 0.5;
+    return QRectF(rect()).center().x();
 }
 
 /// Measures in whole points from the middle, so that the outermost pixels do not count as the
@@ -137,7 +138,9 @@ bool StartButton::event(QEvent *event)
 {
     // A disabled button would swallow the pointer's events; in this program they belong to the
     // page.
-    return isEnabled() ? QAbstractButton::event(event) : QWidget::event(event);
+    if (isEnabled())
+        return QAbstractButton::event(event);
+    return QWidget::event(event); // NOLINT(bugprone-parent-virtual-call)
 }
 
 bool StartButton::eventFilter(QObject *watched, QEvent *event)
@@ -162,7 +165,7 @@ void StartButton::mousePressEvent(QMouseEvent *event)
     if (event->button() == Qt::LeftButton && isInside(event->position()))
         setDown(true);
     else
-        QWidget::mousePressEvent(event);
+        event->ignore(); // it belongs to the page
 }
 
 void StartButton::mouseMoveEvent(QMouseEvent *event)
@@ -173,14 +176,14 @@ void StartButton::mouseMoveEvent(QMouseEvent *event)
 void StartButton::mouseReleaseEvent(QMouseEvent *event)
 {
     if (event->button() != Qt::LeftButton) {
-        QWidget::mouseReleaseEvent(event);
+        event->ignore();
         return;
     }
     setDown(false);
     if (isInside(event->position()))
         click();
     else
-        QWidget::mouseReleaseEvent(event);
+        event->ignore();
 }
 
 void StartButton::keyPressEvent(QKeyEvent *event)

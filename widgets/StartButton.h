@@ -55,8 +55,8 @@ private:
     void updateAccessibleName();
     void setHovered(bool isHovered);
 
-    TextField *m_mainText;
-    TextField *m_detailText;
+    TextField *m_mainText = nullptr;
+    TextField *m_detailText = nullptr;
     bool m_isHovered = false;
     bool m_showsFocus = false; ///< the focus came by keyboard
 };

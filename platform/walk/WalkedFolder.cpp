@@ -22,7 +22,8 @@ const WalkedFolder *WalkedFolder::make(const WalkedFolder *parent, std::string_v
 void WalkedFolder::destroy(const WalkedFolder *folder)
 {
     folder->~WalkedFolder();
-    ::operator delete(const_cast<WalkedFolder *>(folder));
+    // The folder was const, its memory never was.
+    ::operator delete(const_cast<WalkedFolder *>(folder)); // NOLINT(*-const-cast)
 }
 
 QByteArray WalkedFolder::pathTo(std::string_view entryName) const

@@ -121,7 +121,7 @@ public:
     void found(const WalkedEntry &entry) override
     {
         ++m_size.items;
-        if (entry.status && isNotImmutable(*entry.status) &&
+        if (entry.status != nullptr && isNotImmutable(*entry.status) &&
             allowsRemovalOf(*entry.status, {entry.folder.owner(), entry.folder.permissions()},
                             m_start.user) &&
             !m_kept.holds(entry.folder, entry.name))

@@ -48,7 +48,7 @@ QWidget *WebTutorialEngine::makeView(const QUrl &page, TutorialMotion motion,
     QUrl url = page;
     if (motion == TutorialMotion::Still)
         url.setFragment(kStillFragment);
-    return new PageView(url, *m_profile, std::move(ended), parent);
+    return new PageView(url, *m_profile, ended, parent);
 }
 
 void WebTutorialEngine::shutDown()
