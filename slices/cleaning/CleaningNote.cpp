@@ -95,8 +95,8 @@ void CleaningNote::begin(const CleaningPlan &plan)
     m_hasBegun = lines != m_unfinished;
     if (!m_hasBegun)
         return;
-    write(lines);
-    m_names.emplace(m_calls, m_folder);
+    if (write(lines))
+        m_names.emplace(m_calls, m_folder);
 }
 
 void CleaningNote::end()
@@ -120,10 +120,12 @@ QByteArrayList CleaningNote::read() const
     return isGood ? content.bytes.split('\n') : QByteArrayList();
 }
 
-void CleaningNote::write(const QByteArrayList &lines) const
+bool CleaningNote::write(const QByteArrayList &lines) const
 {
     QDir().mkpath(m_folder);
     auto file = DurableFile::in(m_calls, m_folder, kFileName);
-    if (!file || !file->write(lines.join('\n'), Replace::Anything))
+    const bool isWritten = file && file->write(lines.join('\n'), Replace::Anything);
+    if (!isWritten)
         qCWarning(logVantor, "no note of the cleaning could be written");
+    return isWritten;
 }

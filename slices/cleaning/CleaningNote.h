@@ -26,14 +26,14 @@ public:
 
     /// Writes the note, unless there is nothing to clean.
     void begin(const CleaningPlan &plan);
-    /// Where the cleaning notes what lies in slots; nothing before it begins.
+    /// Where the cleaning notes what lies in slots; nothing before it begins, or without a note.
     AsideNames *names() { return m_names ? &*m_names : nullptr; }
     /// The cleaning has ended in order. What is still left of others stays noted.
     void end();
 
 private:
     QByteArrayList read() const;
-    void write(const QByteArrayList &lines) const;
+    bool write(const QByteArrayList &lines) const;
 
     const SystemCalls &m_calls;
     QString m_folder;

@@ -96,8 +96,9 @@ std::optional<SlotName> parsed(QByteArrayView name)
     bool isNumber = false;
     const int slot = name.sliced(kDot + 1).toInt(&isNumber);
     const QByteArray run = name.sliced(kSlotPrefix.size(), kRunDigits).toByteArray();
-    (void)run.toULongLong(&isNumber, 16);
-    if (!isNumber || slot < 0 || slot >= AsideNames::kSlots)
+    bool isRun = false;
+    (void)run.toULongLong(&isRun, 16);
+    if (!isNumber || !isRun || slot < 0 || slot >= AsideNames::kSlots)
         return std::nullopt;
     return SlotName{run, slot};
 }
@@ -168,7 +169,7 @@ SystemResult<void> AsideNames::note(int slot, const char *name, std::uint64_t in
     const std::size_t size = std::strlen(name);
     if (size >= note.name.size())
         return tl::unexpected(ENAMETOOLONG);
-    note.turn = ++m_turns[std::size_t(slot)];
+    note.turn = m_turns[std::size_t(slot)] + 1;
     note.inode = inode;
     std::memcpy(note.name.data(), name, size);
     // The rest of an older and longer name stands after the NUL; nobody reads it.
@@ -217,5 +218,10 @@ QByteArray AsideNames::nameOf(const SystemCalls &calls, const QString &folder,
     Notes notes{};
     const bool isRead = file && readAll(calls, file->get(), notes);
     const auto name = isRead ? nameIn(noteOf(notes, slot->slot, inode)) : std::nullopt;
-    return name.value_or(kRecovered.toByteArray() + privateName.sliced(kSlotPrefix.size()));
+    return name.value_or(recoveredName(privateName));
+}
+
+QByteArray AsideNames::recoveredName(const QByteArray &privateName)
+{
+    return kRecovered.toByteArray() + privateName.sliced(kSlotPrefix.size());
 }

@@ -14,8 +14,8 @@ class SystemCalls;
 
 /// Notes on the disk which names the files have that lie in slots (AsideSlot), so that they get
 /// them back after a kill. One for each cleaning, with a file of its own beside the settings.
-/// Without room for that there are no slots. After a power cut a note may be missing; then the file
-/// gets a new name. Any thread.
+/// Without room for that there are no slots. After a power cut a note may be missing or old; then
+/// the file gets another name. Any thread.
 class AsideNames final
 {
 public:
@@ -32,8 +32,10 @@ public:
     /// The private name that is the slot.
     QByteArray privateName(int slot) const;
     /// Notes what comes into the slot next: this file, which has this name. One thread for each
-    /// slot. The note before it stays until the next one.
+    /// slot. The note that is kept stays.
     SystemResult<void> note(int slot, const char *name, std::uint64_t inode);
+    /// The file has come: its note is kept, in place of the one before it.
+    void keepNote(int slot) { ++m_turns[std::size_t(slot)]; }
 
     /// Removes the file: nothing lies in a slot any more.
     void forget();
@@ -42,8 +44,9 @@ public:
 
     /// Whether this is the name of a slot, and not of a file of the user's.
     static bool isPrivate(const char *name);
-    /// The name of a file that a kill has left in a slot. Where no note is left, a new one that
-    /// people can see.
+    /// A name that people can see, for a file of whose own no note is left.
+    static QByteArray recoveredName(const QByteArray &privateName);
+    /// The name of a file that a kill has left in a slot, or else the recovered one.
     static QByteArray nameOf(const SystemCalls &calls, const QString &folder,
                              const QByteArray &privateName, std::uint64_t inode);
 

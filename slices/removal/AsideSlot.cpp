@@ -33,10 +33,27 @@ std::optional<AsideSlot::Outcome> AsideSlot::take(int folder, const char *name,
         return std::nullopt;
     const auto moved = m_isHolding ? m_calls.rename(folder, name, m_slot.constData())
                                    : m_calls.moveToFree(folder, name, m_slot.constData());
-    if (!moved)
+    if (!moved) {
+        letGoUnlessHeld(folder, name);
         return std::nullopt;
+    }
+    m_names->keepNote(m_number);
     m_isHolding = false;
     return compare(folder, name, expected);
+}
+
+/// A move that failed may have happened all the same, where a server or a program keeps the files.
+/// Then what lies in the slot was not compared.
+void AsideSlot::letGoUnlessHeld(int folder, const char *name)
+{
+    if (!m_isHolding)
+        return;
+    const auto found = m_calls.status(folder, m_slot.constData());
+    if (!found || found->inodeId() == m_inode)
+        return;
+    m_isHolding = false;
+    m_file.reset();
+    (void)putBack(folder, name, ESTALE);
 }
 
 AsideSlot::Outcome AsideSlot::compare(int folder, const char *name, const FileStatus &expected)
@@ -60,8 +77,8 @@ SystemResult<FileStatus> AsideSlot::look(int folder)
     if (m_use == FolderUse::Alone)
         return m_calls.status(folder, m_slot.constData());
     auto file = m_calls.openEntry(folder, m_slot.constData());
-    if (!file)
-        return tl::unexpected(file.error());
+    if (!file) // too many are open, perhaps; it only saves time
+        return m_calls.status(folder, m_slot.constData());
     m_file = std::move(*file);
     return m_calls.statusOf(m_file.get());
 }
@@ -90,7 +107,7 @@ std::optional<AsideSlot::Left> AsideSlot::empty()
     return Left{m_folder, m_heldName.data(), putBack(m_folder, m_heldName.data(), removed.error())};
 }
 
-/// A move that failed may have happened all the same.
+/// Somebody may have put something else there.
 SystemResult<void> AsideSlot::removeHeld() const
 {
     const auto found = m_calls.status(m_folder, m_slot.constData());

@@ -49,6 +49,7 @@ public:
 
 private:
     SystemResult<FileStatus> look(int folder);
+    void letGoUnlessHeld(int folder, const char *name);
     Outcome compare(int folder, const char *name, const FileStatus &expected);
     ExactRemoval::Failure putBack(int folder, const char *name, int error) const;
     SystemResult<void> removeHeld() const;

@@ -51,6 +51,10 @@ tl::expected<void, ExactRemoval::Failure> ExactRemoval::remove(int folder, const
 {
     const QByteArray aside = privateName(name);
     const auto moved = moveToFree(folder, name, aside.constData());
+    if (!moved && (moved.error() == ENOSPC || moved.error() == EDQUOT))
+        return removeIfSame(folder, name, expected).map_error([](int error) {
+            return Failure{error, {}};
+        });
     if (!moved)
         return tl::unexpected(Failure{moved.error(), {}});
     const auto outcome = removeIfSame(folder, aside.constData(), expected);

@@ -11,6 +11,9 @@ class SystemCalls;
 /// last instant. It first moves the entry to a private name in the same folder, where no one else
 /// looks for it, then compares, and only then removes it. Another entry gets its name back.
 ///
+/// A disk may have no room for the move, and yet for a removal. Then the entry is compared where it
+/// is, right before: a cleaning that frees nothing on a full disk is no use.
+///
 /// A kill in between leaves an entry under its private name, which tells the old one (of the
 /// longest names all but the end): putBack(). Stateless; any thread.
 class ExactRemoval final

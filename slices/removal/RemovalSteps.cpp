@@ -302,12 +302,15 @@ RemovalSteps::EntryOutcome RemovalSteps::emptySlot(AsideSlot &slot,
 }
 
 /// A cleaning was killed in the midst of an exact removal: what lies under the private name may be
-/// what was to stay. What lies in a slot waits for the search that reads the notes.
+/// what was to stay. A file that is still in a slot was not found by the search that reads the
+/// notes.
 RemovalSteps::EntryOutcome RemovalSteps::putBack(const EntryRef &ref) const
 {
-    if (AsideNames::isPrivate(ref.name))
-        return refused(ref, RefusalReason::Changed, EEXIST);
-    const auto back = ExactRemoval(m_calls).putBack(ref.folder, ref.name);
+    const ExactRemoval removal(m_calls);
+    const auto back = AsideNames::isPrivate(ref.name)
+                          ? removal.moveToFree(ref.folder, ref.name,
+                                               AsideNames::recoveredName(ref.name).constData())
+                          : removal.putBack(ref.folder, ref.name);
     return refused(ref, RefusalReason::Changed, back ? 0 : back.error());
 }
 

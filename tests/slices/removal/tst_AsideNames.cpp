@@ -58,11 +58,16 @@ void TestAsideNames::tellWhatLiesInASlot()
     AsideNames names(hostSystemCalls(), m_folder);
     const QByteArray slot = names.privateName(5);
     QVERIFY(names.note(5, longest.constData(), 11).has_value());
+    names.keepNote(5);
     QCOMPARE(nameOf(slot, 11), longest);
     QVERIFY(names.note(5, "b", 12).has_value());
     QCOMPARE(nameOf(slot, 11), longest);
     QCOMPARE(nameOf(slot, 12), QByteArray("b"));
     QCOMPARE(nameOf(slot, 13), QByteArray("b"));
+    QVERIFY(names.note(5, "d", 14).has_value()); // the one before did not come
+    QCOMPARE(nameOf(slot, 11), longest);
+    QVERIFY(names.note(5, "b", 12).has_value());
+    names.keepNote(5);
     QVERIFY(names.note(5, "c", 13).has_value());
     QCOMPARE(nameOf(slot, 12), QByteArray("b"));
     QCOMPARE(nameOf(slot, 13), QByteArray("c"));
@@ -144,10 +149,10 @@ void TestAsideNames::knowTheNamesOfSlots()
     const AsideNames names(hostSystemCalls(), m_folder);
     for (int slot = 0; slot < AsideNames::kSlots; ++slot)
         QVERIFY(AsideNames::isPrivate(names.privateName(slot).constData()));
-    for (const char *name :
-         {".vantor-slot.0123456789abcdef", ".vantor-slot.0123456789abcdef.", "file",
-          ".vantor-slot.0123456789abcdef.16", ".vantor-slot.0123456789abcdeg.1",
-          ".vantor-slot.0123456789abcdef.-1", "vantor-slot.0123456789abcdef.1"})
+    for (const char *name : {".vantor-slot.0123456789abcdef", ".vantor-slot.0123456789abcdef.",
+                             "file", ".vantor-slot.0123456789abcdef.txt",
+                             ".vantor-slot.0123456789abcdef.16", ".vantor-slot.0123456789abcdeg.1",
+                             ".vantor-slot.0123456789abcdef.-1", "vantor-slot.0123456789abcdef.1"})
         QVERIFY2(!AsideNames::isPrivate(name), name);
 }
 

@@ -49,6 +49,8 @@ private Q_SLOTS:
     void takesNothingThatItCannotNote();
     void takesNoOtherNameOfTheFileItHolds();
     void leavesAFileThatCannotBeMoved();
+    void keepsAFileWhoseMoveHappenedAndFailed();
+    void needsNoDescriptorToCompare();
     void givesTheNameBackToWhatCannotBeRemoved();
     void tellsThePrivateNameOfWhatIsOutOfReach();
     void keepsTheNameWhereItsOwnIsTaken();
@@ -203,6 +205,37 @@ void TestAsideSlot::leavesAFileThatCannotBeMoved()
     calls.failing = {"rename"};
     QVERIFY(!take(slot, "b"));
     QCOMPARE(names(), std::set<QByteArray>({"slot", "b", "c"}));
+    QVERIFY(!slot.empty());
+    QCOMPARE(names(), std::set<QByteArray>({"b", "c"}));
+}
+
+/// As a server may do it whose answer was lost.
+void TestAsideSlot::keepsAFileWhoseMoveHappenedAndFailed()
+{
+    Calls calls;
+    AsideSlot slot(calls, m_names.get(), AsideSlot::FolderUse::Shared);
+    QVERIFY(take(slot, "a").value().has_value());
+    calls.failing = {"rename"};
+    calls.doBefore("rename", [&] {
+        for (const QByteArray &name : tree(m_place)) {
+            if (AsideNames::isPrivate(name.constData()))
+                move(path("b"), path(name));
+        }
+    });
+    QVERIFY(!take(slot, "b"));
+    QCOMPARE(names(), std::set<QByteArray>({"b", "c"}));
+    calls.failing.clear();
+    QVERIFY(take(slot, "c").value().has_value());
+    QVERIFY(!slot.empty());
+    QCOMPARE(names(), std::set<QByteArray>({"b"}));
+}
+
+void TestAsideSlot::needsNoDescriptorToCompare()
+{
+    Calls calls;
+    calls.failing = {"openEntry"};
+    AsideSlot slot(calls, m_names.get(), AsideSlot::FolderUse::Shared);
+    QVERIFY(take(slot, "a").value().has_value());
     QVERIFY(!slot.empty());
     QCOMPARE(names(), std::set<QByteArray>({"b", "c"}));
 }
