@@ -1,6 +1,5 @@
 #include "platform/system/FileDescriptor.h"
-#include "platform/system/HostSystemCalls.h"
-#include "platform/system/SystemCalls.h"
+#include "platform/system/FileSystemTraits.h"
 #include "tests/support/run/TestMain.h"
 
 #include <QFile>
@@ -11,7 +10,7 @@ namespace {
 FileSystemTraits traitsAt(const char *path)
 {
     const FileDescriptor folder(::open(path, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    return hostSystemCalls().fileSystemTraits(folder.get());
+    return traitsOf(folder.get());
 }
 
 } // namespace

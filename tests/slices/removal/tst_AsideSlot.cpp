@@ -1,4 +1,3 @@
-#include "platform/system/SystemCalls.h"
 #include "slices/removal/AsideNames.h"
 #include "slices/removal/AsideSlot.h"
 #include "tests/slices/kit/Interlopers.h"
@@ -62,8 +61,7 @@ private:
     int folder() const { return m_folder.get(); }
     std::optional<AsideSlot::Outcome> take(AsideSlot &slot, const char *name) const
     {
-        const auto found = hostSystemCalls().status(folder(), name);
-        return slot.take(folder(), name, *found);
+        return slot.take(folder(), name, statusIn(folder(), name));
     }
     /// The names in the folder, with "slot" for the private one.
     std::set<QByteArray> names() const

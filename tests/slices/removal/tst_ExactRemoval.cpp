@@ -1,4 +1,3 @@
-#include "platform/system/SystemCalls.h"
 #include "slices/removal/ExactRemoval.h"
 #include "tests/slices/kit/Interlopers.h"
 #include "tests/support/run/TestMain.h"
@@ -54,8 +53,7 @@ private:
     tl::expected<void, ExactRemoval::Failure> remove(const char *name,
                                                      const SystemCalls &calls) const
     {
-        const auto found = hostSystemCalls().status(m_folder.get(), name);
-        return ExactRemoval(calls).remove(m_folder.get(), name, *found);
+        return ExactRemoval(calls).remove(m_folder.get(), name, statusIn(m_folder.get(), name));
     }
 
     std::unique_ptr<CleaningGround> m_ground;

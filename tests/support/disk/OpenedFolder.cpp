@@ -10,3 +10,11 @@ FileDescriptor openedFolder(const QByteArray &path)
         qFatal("%s cannot be opened: errno %d", path.constData(), opened.error());
     return std::move(*opened);
 }
+
+FileStatus statusIn(int folder, const char *name)
+{
+    const auto found = hostSystemCalls().status(folder, name);
+    if (!found)
+        qFatal("%s cannot be looked at: errno %d", name, found.error());
+    return *found;
+}
