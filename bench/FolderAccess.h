@@ -1,8 +1,9 @@
 #pragma once
 
 #include "platform/files/FileAccess.h"
-#include "platform/system/HostSystemCalls.h"
-#include "platform/system/SystemCalls.h"
+#include "platform/system/FileDescriptor.h"
+
+#include <fcntl.h>
 
 /// Grants one folder, for as long as the bench wants. Any thread.
 class FolderAccess final : public FileAccess
@@ -10,8 +11,10 @@ class FolderAccess final : public FileAccess
 public:
     explicit FolderAccess(const FileUrl &folder) : m_folder(folder)
     {
-        if (auto opened = hostSystemCalls().openRoot(folder.path().constData()))
-            m_anchor = std::make_shared<const FileDescriptor>(std::move(*opened));
+        FileDescriptor opened(
+            ::open(folder.path().constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+        if (opened.isValid())
+            m_anchor = std::make_shared<const FileDescriptor>(std::move(opened));
     }
 
     bool isOpen() const { return m_anchor != nullptr; }

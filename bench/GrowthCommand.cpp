@@ -1,6 +1,7 @@
 #include "bench/Commands.h"
 #include "bench/FolderAccess.h"
 #include "largefiles/search/LargeFileSearch.h"
+#include "platform/system/HostSystemCalls.h"
 #include "slices/cleaning/Cleaning.h"
 #include "slices/sizing/FolderSizing.h"
 
